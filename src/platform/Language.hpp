@@ -1,0 +1,22 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace sentrel::platform
+{
+
+/// Texts in the user's language and locale. Any thread.
+class Language
+{
+public:
+    virtual ~Language() = default;
+
+    /// The text of the localisation table under this key; the key itself, an English text, when there is none.
+    [[nodiscard]] virtual std::string localized(std::string_view key) = 0;
+
+    /// Whether the text contains the other, ignoring case by the locale's rules (`localizedCaseInsensitiveContains`).
+    [[nodiscard]] virtual bool containsIgnoringCase(std::string_view text, std::string_view part) = 0;
+};
+
+} // namespace sentrel::platform

@@ -1,0 +1,54 @@
+#pragma once
+
+namespace sentrel
+{
+class Scheduler;
+}
+
+namespace sentrel::platform
+{
+
+class AudioEngines;
+class AudioHardware;
+class Automation;
+class DeviceRegistry;
+class EventPosting;
+class FileSystem;
+class HidEventSystem;
+class HostInfo;
+class Journal;
+class Language;
+class PowerAssertions;
+class PowerSources;
+class Random;
+class RunningApplications;
+class SystemBeep;
+class UserDefaults;
+class WallClock;
+class WorkspaceNotifications;
+
+/// The operating system as the product sees it: one reference for each port. Only the composition root receives it
+/// whole; a service takes the ports that it uses. Everything referred to outlives the product.
+struct Platform {
+    Scheduler& scheduler;
+    WallClock& wallClock;
+    Random& random;
+    HostInfo& host;
+    FileSystem& files;
+    UserDefaults& defaults;
+    Language& language;
+    Journal& journal;
+    PowerSources& powerSources;
+    PowerAssertions& powerAssertions;
+    DeviceRegistry& deviceRegistry;
+    WorkspaceNotifications& workspaceNotifications;
+    HidEventSystem& hidEvents;
+    AudioHardware& audioHardware;
+    AudioEngines& audioEngines;
+    SystemBeep& systemBeep;
+    RunningApplications& runningApplications;
+    Automation& automation;
+    EventPosting& eventPosting;
+};
+
+} // namespace sentrel::platform

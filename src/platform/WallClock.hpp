@@ -1,0 +1,16 @@
+#pragma once
+
+#include "foundation/Date.hpp"
+
+namespace sentrel::platform
+{
+
+/// The date and time as the system has them; it may jump. Any thread.
+class WallClock
+{
+public:
+    virtual ~WallClock() = default;
+    [[nodiscard]] virtual Date now() = 0;
+};
+
+} // namespace sentrel::platform

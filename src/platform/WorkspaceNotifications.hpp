@@ -1,0 +1,21 @@
+#pragma once
+
+#include "platform/Registration.hpp"
+
+#include <functional>
+#include <string>
+
+namespace sentrel::platform
+{
+
+/// The notification center of the shared workspace. Main thread.
+class WorkspaceNotifications
+{
+public:
+    virtual ~WorkspaceNotifications() = default;
+
+    /// Calls back on the main queue for each notification of this name.
+    [[nodiscard]] virtual RegistrationPtr observe(const std::string& name, std::function<void()> received) = 0;
+};
+
+} // namespace sentrel::platform

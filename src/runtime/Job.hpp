@@ -1,0 +1,61 @@
+#pragma once
+
+#include <cstdint>
+
+namespace sentrel
+{
+
+class JobList;
+class VirtualClock;
+
+/// One unit of work. It carries its own links, so that queueing it allocates nothing; it waits in at most one list.
+class Job
+{
+public:
+    Job() = default;
+    Job(const Job&) = delete;
+    Job& operator=(const Job&) = delete;
+
+    /// Does the work, on the executor that the job was posted to.
+    virtual void run() = 0;
+
+    /// Called instead of `run` when the executor goes away first: the job frees what it owns.
+    virtual void drop() {}
+
+protected:
+    ~Job() = default;
+
+private:
+    friend class JobList;
+    friend class VirtualClock;
+    std::uint64_t order_ = 0; // when it was posted; kept by a virtual clock
+    Job* previous_ = nullptr;
+    Job* next_ = nullptr;
+    JobList* list_ = nullptr;
+};
+
+/// A first-in, first-out list of jobs, linked through the jobs themselves. No lock of its own.
+class JobList
+{
+public:
+    JobList() = default;
+    JobList(const JobList&) = delete;
+    JobList& operator=(const JobList&) = delete;
+
+    [[nodiscard]] bool empty() const { return first_ == nullptr; }
+    [[nodiscard]] const Job* first() const { return first_; }
+
+    void append(Job& job);
+
+    /// Takes the oldest job out; null when there is none.
+    Job* popFirst();
+
+    /// Takes the job out if it waits here; tells whether it did.
+    bool remove(Job& job);
+
+private:
+    Job* first_ = nullptr;
+    Job* last_ = nullptr;
+};
+
+} // namespace sentrel

@@ -1,0 +1,70 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <utility>
+#include <vector>
+
+namespace sentrel
+{
+
+/// Keeps an observer registered; its end takes the observer off, also after the observed object has died.
+class [[nodiscard]] Observation
+{
+public:
+    Observation() = default;
+
+private:
+    template <class T> friend class Observable;
+    explicit Observation(std::shared_ptr<void> token) : token_(std::move(token)) {}
+    std::shared_ptr<void> token_;
+};
+
+/// A property of a service. Observers are told at once, on the main thread, and only when the value changes.
+template <class T> class Observable
+{
+public:
+    explicit Observable(T initial = T{}) : value_(std::move(initial)) {}
+    Observable(const Observable&) = delete;
+
+    [[nodiscard]] const T& get() const { return value_; }
+    [[nodiscard]] operator const T&() const { return value_; }
+
+    /// Replaces the value and tells the observers, unless it is equal to the present one.
+    Observable& operator=(T value)
+    {
+        if (!(value_ == value)) {
+            value_ = std::move(value);
+            notify();
+        }
+        return *this;
+    }
+
+    /// Registers a callback that is told the new value after each change.
+    Observation observe(std::function<void(const T&)> changed)
+    {
+        auto entry = std::make_shared<Callback>(std::move(changed));
+        callbacks_.push_back(entry);
+        return Observation{std::move(entry)};
+    }
+
+private:
+    using Callback = std::function<void(const T&)>;
+
+    void notify()
+    {
+        std::erase_if(callbacks_, [](const std::weak_ptr<Callback>& callback) { return callback.expired(); });
+        // A copy: an observer may register or drop observers.
+        const auto callbacks = callbacks_;
+        for (const std::weak_ptr<Callback>& weak : callbacks) {
+            if (const auto callback = weak.lock()) {
+                (*callback)(value_);
+            }
+        }
+    }
+
+    T value_;
+    std::vector<std::weak_ptr<Callback>> callbacks_;
+};
+
+} // namespace sentrel

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "runtime/Scheduler.hpp"
+
+#include <functional>
+#include <memory>
+
+namespace sentrel
+{
+
+/// Calls a function on an executor every interval, first after one interval, without drift; ticks that were missed
+/// (the machine slept) come as one. Its end stops it; it is made and destroyed on its executor, also by its own tick.
+class RepeatingTimer final : private Timer, private Job
+{
+public:
+    RepeatingTimer(Scheduler& scheduler, Executor& executor, Duration interval, std::function<void()> tick);
+    ~RepeatingTimer();
+
+private:
+    void fire() override { executor_.post(*this); }
+    void run() override;
+
+    Scheduler& scheduler_;
+    Executor& executor_;
+    const Duration interval_;
+    Instant deadline_;
+    std::shared_ptr<const std::function<void()>> tick_;
+};
+
+} // namespace sentrel

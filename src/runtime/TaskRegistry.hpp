@@ -1,0 +1,31 @@
+#pragma once
+
+#include <mutex>
+
+namespace sentrel
+{
+
+class TaskState;
+
+/// The unfinished tasks of one scheduler, so that its end can free what still waits. Any thread.
+class TaskRegistry
+{
+public:
+    TaskRegistry() = default;
+    TaskRegistry(const TaskRegistry&) = delete;
+    TaskRegistry& operator=(const TaskRegistry&) = delete;
+
+    void add(TaskState& task);
+    void remove(TaskState& task);
+
+    /// Ends every task where it waits; none of their code runs again. No executor runs any more.
+    void endAll();
+
+private:
+    [[nodiscard]] TaskState* first();
+
+    std::mutex mutex_;
+    TaskState* first_ = nullptr;
+};
+
+} // namespace sentrel

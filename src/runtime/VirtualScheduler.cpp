@@ -1,0 +1,173 @@
+#include "runtime/VirtualScheduler.hpp"
+
+#include "runtime/Latch.hpp"
+
+#include <algorithm>
+#include <limits>
+#include <stdexcept>
+#include <utility>
+
+namespace sentrel
+{
+
+/// One executor of a virtual scheduler: a list of jobs that the clock takes from.
+class VirtualExecutor final : public Executor
+{
+public:
+    VirtualExecutor(VirtualClock& clock, const bool& isAsleep, bool isConcurrent)
+        : clock_(clock), isAsleep_(isAsleep), isConcurrent_(isConcurrent)
+    {
+        clock_.add(*this);
+    }
+    ~VirtualExecutor() override
+    {
+        clock_.remove(*this);
+        while (Job* const job = jobs_.popFirst()) {
+            job->drop();
+        }
+    }
+
+    void post(Job& job) override { clock_.append(jobs_, job); }
+    bool withdraw(Job& job) override { return jobs_.remove(job); }
+    void stop() override { isStopped_ = true; }
+    [[nodiscard]] bool isCurrent() const override { return clock_.current_ == this; }
+
+    /// The job that may run next, or null.
+    [[nodiscard]] const Job* runnable() const
+    {
+        return isBlocked_ || isStopped_ || isAsleep_ ? nullptr : jobs_.first();
+    }
+    [[nodiscard]] Job& take() { return *jobs_.popFirst(); }
+
+    /// A thread that blocks takes its serial executor with it; a concurrent one has other threads.
+    void setBlocked(bool blocked) { isBlocked_ = blocked && !isConcurrent_; }
+
+private:
+    VirtualClock& clock_;
+    const bool& isAsleep_;
+    const bool isConcurrent_;
+    bool isBlocked_ = false;
+    bool isStopped_ = false;
+    JobList jobs_;
+};
+
+void VirtualClock::append(JobList& jobs, Job& job)
+{
+    job.order_ = posted_++;
+    jobs.append(job);
+}
+
+bool VirtualClock::runNextJob()
+{
+    VirtualExecutor* next = nullptr;
+    std::uint64_t oldest = std::numeric_limits<std::uint64_t>::max();
+    for (VirtualExecutor* executor : executors_) {
+        const Job* const job = executor->runnable();
+        if (job != nullptr && job->order_ < oldest) {
+            oldest = job->order_;
+            next = executor;
+        }
+    }
+    if (next == nullptr) {
+        return false;
+    }
+    constexpr std::uint64_t mostTurns = 50'000'000;
+    if (++turnsAtThisInstant_ > mostTurns) {
+        throw std::runtime_error{"the virtual clock stands still: jobs keep posting jobs"};
+    }
+    ++turns_;
+    VirtualExecutor* const outer = std::exchange(current_, next);
+    next->take().run();
+    current_ = outer;
+    return true;
+}
+
+bool VirtualClock::fireNextTimer(std::optional<Instant> limit)
+{
+    const auto earliest = timers_.earliest();
+    if (!earliest || (limit && *earliest > *limit)) {
+        return false;
+    }
+    if (*earliest > now_) {
+        now_ = *earliest;
+        turnsAtThisInstant_ = 0;
+    }
+    timers_.fireEarliest();
+    return true;
+}
+
+void VirtualClock::runReady()
+{
+    while (runNextJob()) {
+    }
+}
+
+void VirtualClock::runUntil(Instant deadline)
+{
+    do {
+        runReady();
+    } while (fireNextTimer(deadline));
+    now_ = std::max(now_, deadline);
+    turnsAtThisInstant_ = 0;
+}
+
+void VirtualClock::runUntilIdle()
+{
+    do {
+        runReady();
+    } while (fireNextTimer(std::nullopt));
+}
+
+void VirtualClock::blockUntil(Latch& latch)
+{
+    VirtualExecutor* const blocked = current_;
+    if (blocked != nullptr) {
+        blocked->setBlocked(true);
+    }
+    while (!latch.isOpen()) {
+        if (!runNextJob() && !fireNextTimer(std::nullopt)) {
+            throw std::logic_error{"deadlock: blocked on a latch that nothing can open"};
+        }
+    }
+    if (blocked != nullptr) {
+        blocked->setBlocked(false);
+    }
+    current_ = blocked;
+}
+
+VirtualScheduler::VirtualScheduler(VirtualClock& clock)
+    : clock_(clock),
+      main_(std::make_unique<VirtualExecutor>(clock, isAsleep_, false)),
+      global_(std::make_unique<VirtualExecutor>(clock, isAsleep_, true))
+{
+}
+
+VirtualScheduler::~VirtualScheduler()
+{
+    main_->stop();
+    global_->stop();
+    tasks().endAll();
+}
+
+Executor& VirtualScheduler::mainExecutor()
+{
+    return *main_;
+}
+
+Executor& VirtualScheduler::globalExecutor(QualityOfService /*qualityOfService*/)
+{
+    return *global_;
+}
+
+std::unique_ptr<Executor> VirtualScheduler::makeSerialExecutor(const std::string& /*label*/,
+                                                               QualityOfService /*qualityOfService*/)
+{
+    return std::make_unique<VirtualExecutor>(clock_, isAsleep_, false);
+}
+
+void VirtualScheduler::startTimer(Timer& timer, Instant deadline)
+{
+    clock_.timers_.add(timer, deadline, clock_.armed_++);
+}
+
+} // namespace sentrel

@@ -1,0 +1,93 @@
+#pragma once
+
+#include "runtime/Scheduler.hpp"
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <vector>
+
+namespace sentrel
+{
+
+class VirtualExecutor;
+
+/// One virtual clock and everything that runs by it: one thread, a fixed order, and a clock that jumps to the next
+/// deadline when nothing is runnable. Several schedulers (two machines; a machine and its hardware) may share it.
+class VirtualClock
+{
+public:
+    VirtualClock() = default;
+    VirtualClock(const VirtualClock&) = delete;
+    VirtualClock& operator=(const VirtualClock&) = delete;
+
+    [[nodiscard]] Instant now() const { return now_; }
+
+    /// Runs what is runnable at this moment; the clock stands still.
+    void runReady();
+
+    /// Runs everything that is due up to and including `deadline`, and leaves the clock there. Throws
+    /// `std::runtime_error` when jobs keep posting jobs and the clock would never move again.
+    void runUntil(Instant deadline);
+
+    /// The same for a span from now.
+    void advance(Duration span) { runUntil(now_ + span); }
+
+    /// Runs until nothing is runnable and no timer is armed; what repeats forever must have been stopped.
+    void runUntilIdle();
+
+    /// How many jobs have run so far.
+    [[nodiscard]] std::uint64_t turns() const { return turns_; }
+
+private:
+    friend class VirtualExecutor;
+    friend class VirtualScheduler;
+
+    void add(VirtualExecutor& executor) { executors_.push_back(&executor); }
+    void remove(VirtualExecutor& executor) { std::erase(executors_, &executor); }
+    void append(JobList& jobs, Job& job);
+    bool runNextJob();
+    bool fireNextTimer(std::optional<Instant> limit);
+    void blockUntil(Latch& latch);
+
+    Instant now_{};
+    std::uint64_t posted_ = 0;
+    std::uint64_t armed_ = 0;
+    std::uint64_t turns_ = 0;
+    std::uint64_t turnsAtThisInstant_ = 0;
+    TimerHeap timers_;
+    std::vector<VirtualExecutor*> executors_;
+    VirtualExecutor* current_ = nullptr;
+};
+
+/// The scheduler of one machine (or of its hardware) on a virtual clock. Everything happens on the thread that moves
+/// the clock.
+class VirtualScheduler final : public Scheduler
+{
+public:
+    explicit VirtualScheduler(VirtualClock& clock);
+
+    /// Ends every task where it waits.
+    ~VirtualScheduler() override;
+
+    [[nodiscard]] Instant now() const override { return clock_.now(); }
+    [[nodiscard]] Executor& mainExecutor() override;
+    [[nodiscard]] Executor& globalExecutor(QualityOfService qualityOfService) override;
+    [[nodiscard]] std::unique_ptr<Executor> makeSerialExecutor(const std::string& label,
+                                                               QualityOfService qualityOfService) override;
+    void startTimer(Timer& timer, Instant deadline) override;
+    bool cancelTimer(Timer& timer) override { return clock_.timers_.remove(timer); }
+    void blockUntil(Latch& latch) override { clock_.blockUntil(latch); }
+
+    /// While the machine sleeps none of its jobs run; time goes on. What fell due is run on waking.
+    void setAsleep(bool asleep) { isAsleep_ = asleep; }
+    [[nodiscard]] bool isAsleep() const { return isAsleep_; }
+
+private:
+    VirtualClock& clock_;
+    bool isAsleep_ = false;
+    std::unique_ptr<VirtualExecutor> main_;
+    std::unique_ptr<VirtualExecutor> global_;
+};
+
+} // namespace sentrel
