@@ -1,6 +1,7 @@
 #include "platform/simulated/SimulatedWallClock.hpp"
 
-namespace sentrel::simulated {
+namespace sentrel::simulated
+{
 
 Date SimulatedWallClock::now()
 {
