@@ -1,0 +1,55 @@
+#pragma once
+
+#include "foundation/Bytes.hpp"
+
+#include <nlohmann/json_fwd.hpp>
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+
+namespace sentrel
+{
+
+/// A JSON value whose objects keep their keys in the order in which they were written.
+using Json = nlohmann::ordered_json;
+
+/// A value that JSON has no text for: NaN or an infinity.
+class JsonEncodingError : public std::runtime_error
+{
+public:
+    using std::runtime_error::runtime_error;
+};
+
+/// Levels of arrays and objects that a document may have, as the system's own coder.
+inline constexpr std::size_t mostJsonLevels = 512;
+
+/// Reads a document. None when it isn't JSON, isn't UTF-8 or is nested too deeply. A number too large for a double
+/// reads as null, so that it costs its own field and not the document.
+[[nodiscard]] std::optional<Json> parseJson(BytesView text);
+
+/// Writes a value without white space, numbers in the shortest form that reads back the same. Text that isn't UTF-8
+/// is mended with replacement characters. Throws `JsonEncodingError`.
+[[nodiscard]] std::string encodeJson(const Json& value);
+
+/// A member of an object; null when the value is no object or has no such member.
+[[nodiscard]] const Json* member(const Json& object, std::string_view key);
+
+/// A member of the given type; none when it is missing or of another type. Numbers and Booleans are told apart, and a
+/// whole number must fit its type exactly.
+[[nodiscard]] std::optional<bool> boolMember(const Json& object, std::string_view key);
+[[nodiscard]] std::optional<double> doubleMember(const Json& object, std::string_view key);
+[[nodiscard]] std::optional<float> floatMember(const Json& object, std::string_view key);
+[[nodiscard]] std::optional<std::uint32_t> uint32Member(const Json& object, std::string_view key);
+[[nodiscard]] std::optional<std::string> textMember(const Json& object, std::string_view key);
+
+/// True when the member is missing or null.
+[[nodiscard]] bool isAbsent(const Json& object, std::string_view key);
+
+/// A 32-bit float as a JSON number that keeps its own shortest form (0.3, not 0.30000001192092896).
+[[nodiscard]] Json jsonNumber(float value);
+
+} // namespace sentrel
