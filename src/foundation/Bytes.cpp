@@ -1,7 +1,6 @@
 #include "foundation/Bytes.hpp"
 
-namespace sentrel
-{
+namespace sentrel {
 
 Bytes bytesOf(std::string_view text)
 {

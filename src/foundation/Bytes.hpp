@@ -6,8 +6,7 @@
 #include <string_view>
 #include <vector>
 
-namespace sentrel
-{
+namespace sentrel {
 
 /// Bytes that somebody owns.
 using Bytes = std::vector<std::uint8_t>;

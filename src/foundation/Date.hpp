@@ -2,8 +2,7 @@
 
 #include <compare>
 
-namespace sentrel
-{
+namespace sentrel {
 
 /// A point of wall-clock time: seconds since 2001-01-01 00:00:00 UTC, as the stored JSON has it.
 struct Date {

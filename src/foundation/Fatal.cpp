@@ -3,8 +3,7 @@
 #include <cstdio>
 #include <cstdlib>
 
-namespace sentrel
-{
+namespace sentrel {
 
 void fatalError(std::string_view reason)
 {

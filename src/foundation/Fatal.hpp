@@ -2,8 +2,7 @@
 
 #include <string_view>
 
-namespace sentrel
-{
+namespace sentrel {
 
 /// Ends the program because of a mistake of our own: prints the reason to standard error and aborts.
 [[noreturn]] void fatalError(std::string_view reason);

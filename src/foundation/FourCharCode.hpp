@@ -2,8 +2,7 @@
 
 #include <cstdint>
 
-namespace sentrel
-{
+namespace sentrel {
 
 /// A four-character code as Apple's frameworks number them: the first character in the highest byte.
 consteval std::uint32_t fourCharCode(const char (&text)[5])

@@ -9,11 +9,9 @@
 #include <cmath>
 #include <limits>
 
-namespace sentrel
-{
+namespace sentrel {
 
-namespace
-{
+namespace {
 
 template <class Number> std::string shortest(Number value)
 {

@@ -11,15 +11,13 @@
 #include <string>
 #include <string_view>
 
-namespace sentrel
-{
+namespace sentrel {
 
 /// A JSON value whose objects keep their keys in the order in which they were written.
 using Json = nlohmann::ordered_json;
 
 /// A value that JSON has no text for: NaN or an infinity.
-class JsonEncodingError : public std::runtime_error
-{
+class JsonEncodingError : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
 };

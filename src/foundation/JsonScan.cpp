@@ -4,11 +4,9 @@
 #include <cmath>
 #include <cstdlib>
 
-namespace sentrel
-{
+namespace sentrel {
 
-namespace
-{
+namespace {
 
 constexpr std::string_view numberCharacters = "0123456789+-.eE";
 

@@ -5,8 +5,7 @@
 #include <string_view>
 #include <vector>
 
-namespace sentrel
-{
+namespace sentrel {
 
 /// A stretch of a JSON text.
 struct JsonSpan {

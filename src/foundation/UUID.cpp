@@ -1,10 +1,8 @@
 #include "foundation/UUID.hpp"
 
-namespace sentrel
-{
+namespace sentrel {
 
-namespace
-{
+namespace {
 
 constexpr std::size_t textLength = 36;
 

@@ -8,12 +8,10 @@
 #include <string>
 #include <string_view>
 
-namespace sentrel
-{
+namespace sentrel {
 
 /// A universally unique identifier (RFC 4122).
-class UUID
-{
+class UUID {
 public:
     using Octets = std::array<std::uint8_t, 16>;
 

@@ -5,19 +5,16 @@
 #include <memory>
 #include <span>
 
-namespace sentrel::platform
-{
+namespace sentrel::platform {
 
 /// A standard (deinterleaved, 32-bit float) audio format.
-class AudioFormat
-{
+class AudioFormat {
 public:
     virtual ~AudioFormat() = default;
 };
 
 /// PCM samples in a format.
-class AudioBuffer
-{
+class AudioBuffer {
 public:
     virtual ~AudioBuffer() = default;
 
@@ -26,8 +23,7 @@ public:
 };
 
 /// One audio engine with one player node (`AVAudioEngine`, `AVAudioPlayerNode`). Its end stops it. Used on one queue.
-class AudioEngine
-{
+class AudioEngine {
 public:
     virtual ~AudioEngine() = default;
 
@@ -56,16 +52,14 @@ public:
 };
 
 /// Makes audio engines. Any thread.
-class AudioEngines
-{
+class AudioEngines {
 public:
     virtual ~AudioEngines() = default;
     [[nodiscard]] virtual std::unique_ptr<AudioEngine> makeEngine() = 0;
 };
 
 /// The system's beep. Any thread.
-class SystemBeep
-{
+class SystemBeep {
 public:
     virtual ~SystemBeep() = default;
 

@@ -5,8 +5,7 @@
 #include <string>
 #include <vector>
 
-namespace sentrel::platform
-{
+namespace sentrel::platform {
 
 using AudioObjectId = std::uint32_t;
 
@@ -22,8 +21,7 @@ struct AudioPropertyAddress {
 /// Properties of the audio objects (`AudioObjectHasProperty`, `AudioObjectGetPropertyDataSize`,
 /// `AudioObjectGetPropertyData`, `AudioObjectSetPropertyData`), one function for each kind of value. Reads give none on
 /// any failure; writes return an `OSStatus`, 0 on success. Any thread.
-class AudioHardware
-{
+class AudioHardware {
 public:
     virtual ~AudioHardware() = default;
 

@@ -6,12 +6,10 @@
 #include <optional>
 #include <string>
 
-namespace sentrel::platform
-{
+namespace sentrel::platform {
 
 /// Applications and whether they run (`NSWorkspace`, `NSRunningApplication`). Any thread.
-class RunningApplications
-{
+class RunningApplications {
 public:
     virtual ~RunningApplications() = default;
 
@@ -24,8 +22,7 @@ public:
 
 /// Apple Events consent and AppleScript. The calls may take as long as the user or the other application does; on a Mac
 /// they occupy the calling thread meanwhile.
-class Automation
-{
+class Automation {
 public:
     virtual ~Automation() = default;
 
@@ -51,8 +48,7 @@ struct SystemDefinedEvent {
 };
 
 /// Synthesised input. Main thread.
-class EventPosting
-{
+class EventPosting {
 public:
     virtual ~EventPosting() = default;
 

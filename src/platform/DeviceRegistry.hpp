@@ -4,12 +4,10 @@
 #include <optional>
 #include <string>
 
-namespace sentrel::platform
-{
+namespace sentrel::platform {
 
 /// The registry of the machine's devices and drivers. Any thread.
-class DeviceRegistry
-{
+class DeviceRegistry {
 public:
     virtual ~DeviceRegistry() = default;
 

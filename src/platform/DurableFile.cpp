@@ -2,11 +2,9 @@
 
 #include "platform/FileSystem.hpp"
 
-namespace sentrel::platform
-{
+namespace sentrel::platform {
 
-namespace
-{
+namespace {
 
 int writeAndSynchronize(FileSystem& files, const std::filesystem::path& file, BytesView content, std::uint32_t mode)
 {

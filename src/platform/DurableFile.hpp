@@ -5,8 +5,7 @@
 #include <cstdint>
 #include <filesystem>
 
-namespace sentrel::platform
-{
+namespace sentrel::platform {
 
 class FileSystem;
 

@@ -8,12 +8,10 @@
 #include <optional>
 #include <vector>
 
-namespace sentrel::platform
-{
+namespace sentrel::platform {
 
 /// A file that is open for writing. Its end closes it.
-class WritableFile
-{
+class WritableFile {
 public:
     virtual ~WritableFile() = default;
 
@@ -26,8 +24,7 @@ public:
 
 /// The file system, call by call; whoever writes decides the order of calls. Failures are `errno` values, 0 being
 /// success. Any thread.
-class FileSystem
-{
+class FileSystem {
 public:
     virtual ~FileSystem() = default;
 

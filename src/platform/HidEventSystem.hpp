@@ -10,12 +10,10 @@
 #include <string>
 #include <vector>
 
-namespace sentrel::platform
-{
+namespace sentrel::platform {
 
 /// One event of a HID service; valid during its callback only.
-class HidEvent
-{
+class HidEvent {
 public:
     virtual ~HidEvent() = default;
     [[nodiscard]] virtual std::uint32_t type() const = 0;                   ///< `IOHIDEventGetType`
@@ -23,8 +21,7 @@ public:
 };
 
 /// A device that a client matched.
-class HidService
-{
+class HidService {
 public:
     virtual ~HidService() = default;
 
@@ -33,8 +30,7 @@ public:
 };
 
 /// A client of the HID event system. Used by one thread at a time; its callback comes on the scheduled queue.
-class HidClient
-{
+class HidClient {
 public:
     virtual ~HidClient() = default;
 
@@ -55,8 +51,7 @@ public:
 };
 
 /// The HID event system. Any thread.
-class HidEventSystem
-{
+class HidEventSystem {
 public:
     virtual ~HidEventSystem() = default;
 

@@ -4,12 +4,10 @@
 #include <optional>
 #include <string>
 
-namespace sentrel::platform
-{
+namespace sentrel::platform {
 
 /// Facts about this computer, this user and this application. Any thread.
-class HostInfo
-{
+class HostInfo {
 public:
     virtual ~HostInfo() = default;
 

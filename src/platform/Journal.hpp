@@ -6,13 +6,11 @@
 #include <utility>
 #include <variant>
 
-namespace sentrel::platform
-{
+namespace sentrel::platform {
 
 /// The system's log, where the product notes what it did, for support and for the simulated MacBook's story. Nothing
 /// secret goes here. Any thread.
-class Journal
-{
+class Journal {
 public:
     virtual ~Journal() = default;
 

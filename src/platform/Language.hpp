@@ -3,12 +3,10 @@
 #include <string>
 #include <string_view>
 
-namespace sentrel::platform
-{
+namespace sentrel::platform {
 
 /// Texts in the user's language and locale. Any thread.
-class Language
-{
+class Language {
 public:
     virtual ~Language() = default;
 

@@ -1,12 +1,10 @@
 #pragma once
 
-namespace sentrel
-{
+namespace sentrel {
 class Scheduler;
 }
 
-namespace sentrel::platform
-{
+namespace sentrel::platform {
 
 class AudioEngines;
 class AudioHardware;

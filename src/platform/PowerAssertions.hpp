@@ -3,12 +3,10 @@
 #include <cstdint>
 #include <string>
 
-namespace sentrel::platform
-{
+namespace sentrel::platform {
 
 /// Power-management assertions. Any thread.
-class PowerAssertions
-{
+class PowerAssertions {
 public:
     virtual ~PowerAssertions() = default;
 

@@ -9,12 +9,10 @@
 #include <string>
 #include <string_view>
 
-namespace sentrel::platform
-{
+namespace sentrel::platform {
 
 /// The power sources at one moment (`IOPSCopyPowerSourcesInfo`).
-class PowerSourcesSnapshot
-{
+class PowerSourcesSnapshot {
 public:
     virtual ~PowerSourcesSnapshot() = default;
 
@@ -27,8 +25,7 @@ public:
 };
 
 /// Batteries and adapters. Main thread.
-class PowerSources
-{
+class PowerSources {
 public:
     virtual ~PowerSources() = default;
 

@@ -3,12 +3,10 @@
 #include <cstdint>
 #include <span>
 
-namespace sentrel::platform
-{
+namespace sentrel::platform {
 
 /// The system's source of random bytes. Any thread.
-class Random
-{
+class Random {
 public:
     virtual ~Random() = default;
 

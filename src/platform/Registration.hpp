@@ -2,13 +2,11 @@
 
 #include <memory>
 
-namespace sentrel::platform
-{
+namespace sentrel::platform {
 
 /// Something that stays registered with the operating system as long as this lives. When its destructor returns, no
 /// callback of it is running on another thread, and none comes later.
-class Registration
-{
+class Registration {
 public:
     Registration() = default;
     virtual ~Registration() = default;

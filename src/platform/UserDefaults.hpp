@@ -5,12 +5,10 @@
 #include <optional>
 #include <string>
 
-namespace sentrel::platform
-{
+namespace sentrel::platform {
 
 /// A user-defaults domain. Any thread.
-class UserDefaults
-{
+class UserDefaults {
 public:
     virtual ~UserDefaults() = default;
 

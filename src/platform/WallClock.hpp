@@ -2,12 +2,10 @@
 
 #include "foundation/Date.hpp"
 
-namespace sentrel::platform
-{
+namespace sentrel::platform {
 
 /// The date and time as the system has them; it may jump. Any thread.
-class WallClock
-{
+class WallClock {
 public:
     virtual ~WallClock() = default;
     [[nodiscard]] virtual Date now() = 0;

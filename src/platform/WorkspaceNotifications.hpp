@@ -5,12 +5,10 @@
 #include <functional>
 #include <string>
 
-namespace sentrel::platform
-{
+namespace sentrel::platform {
 
 /// The notification center of the shared workspace. Main thread.
-class WorkspaceNotifications
-{
+class WorkspaceNotifications {
 public:
     virtual ~WorkspaceNotifications() = default;
 

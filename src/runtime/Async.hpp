@@ -8,15 +8,13 @@
 #include <optional>
 #include <utility>
 
-namespace sentrel
-{
+namespace sentrel {
 
 template <class T> class Async;
 template <class T> class Task;
 
 /// What all coroutines share: the task that they run in, and who waits for them.
-class AsyncPromiseBase
-{
+class AsyncPromiseBase {
 public:
     std::suspend_always initial_suspend() noexcept { return {}; }
 
@@ -65,8 +63,7 @@ private:
     TaskState ownTask_;
 };
 
-template <class T> class AsyncPromise final : public AsyncPromiseBase
-{
+template <class T> class AsyncPromise final : public AsyncPromiseBase {
 public:
     Async<T> get_return_object() noexcept;
     template <class U> void return_value(U&& value) { value_.emplace(std::forward<U>(value)); }
@@ -82,8 +79,7 @@ private:
     std::optional<T> value_;
 };
 
-template <> class AsyncPromise<void> final : public AsyncPromiseBase
-{
+template <> class AsyncPromise<void> final : public AsyncPromiseBase {
 public:
     Async<void> get_return_object() noexcept;
     void return_void() noexcept {}
@@ -92,8 +88,7 @@ public:
 
 /// A coroutine that has not started. Awaiting it runs it here, in the awaiting task; `MainActor::spawn`,
 /// `SerialQueue::async` and `detached` make a task of it. It throws to its awaiter what its body throws.
-template <class T> class [[nodiscard]] Async
-{
+template <class T> class [[nodiscard]] Async {
 public:
     using promise_type = AsyncPromise<T>;
     using Handle = std::coroutine_handle<promise_type>;
@@ -111,8 +106,7 @@ public:
         }
     }
 
-    class Awaiter
-    {
+    class Awaiter {
     public:
         explicit Awaiter(Handle callee) noexcept : callee_(callee) {}
         bool await_ready() const noexcept { return false; }

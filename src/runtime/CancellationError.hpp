@@ -2,12 +2,10 @@
 
 #include <exception>
 
-namespace sentrel
-{
+namespace sentrel {
 
 /// Thrown by a wait whose task was cancelled.
-class CancellationError : public std::exception
-{
+class CancellationError : public std::exception {
 public:
     [[nodiscard]] const char* what() const noexcept override { return "cancelled"; }
 };

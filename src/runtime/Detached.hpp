@@ -5,8 +5,7 @@
 #include <type_traits>
 #include <utility>
 
-namespace sentrel
-{
+namespace sentrel {
 
 /// Starts a coroutine off the main thread, on no queue, at the given urgency.
 template <class T> Task<T> detached(Scheduler& scheduler, QualityOfService priority, Async<T> work)

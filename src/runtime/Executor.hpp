@@ -5,12 +5,10 @@
 #include <memory>
 #include <utility>
 
-namespace sentrel
-{
+namespace sentrel {
 
 /// Something that runs jobs, in the order in which they were posted. Every operation may be called on any thread.
-class Executor
-{
+class Executor {
 public:
     virtual ~Executor() = default;
 

@@ -1,7 +1,6 @@
 #include "runtime/Job.hpp"
 
-namespace sentrel
-{
+namespace sentrel {
 
 void JobList::append(Job& job)
 {

@@ -2,15 +2,13 @@
 
 #include <cstdint>
 
-namespace sentrel
-{
+namespace sentrel {
 
 class JobList;
 class VirtualClock;
 
 /// One unit of work. It carries its own links, so that queueing it allocates nothing; it waits in at most one list.
-class Job
-{
+class Job {
 public:
     Job() = default;
     Job(const Job&) = delete;
@@ -35,8 +33,7 @@ private:
 };
 
 /// A first-in, first-out list of jobs, linked through the jobs themselves. No lock of its own.
-class JobList
-{
+class JobList {
 public:
     JobList() = default;
     JobList(const JobList&) = delete;

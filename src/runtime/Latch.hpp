@@ -3,12 +3,10 @@
 #include <condition_variable>
 #include <mutex>
 
-namespace sentrel
-{
+namespace sentrel {
 
 /// A gate that opens once. `Scheduler::blockUntil` is how code waits for it.
-class Latch
-{
+class Latch {
 public:
     /// Opens the gate and wakes whoever blocks on it. Any thread.
     void open()

@@ -4,12 +4,10 @@
 
 #include <utility>
 
-namespace sentrel
-{
+namespace sentrel {
 
 /// The main thread, where every service lives. A cheap value; any thread may use it.
-class MainActor
-{
+class MainActor {
 public:
     explicit MainActor(Scheduler& scheduler) : scheduler_(&scheduler) {}
 

@@ -5,12 +5,10 @@
 #include <utility>
 #include <vector>
 
-namespace sentrel
-{
+namespace sentrel {
 
 /// Keeps an observer registered; its end takes the observer off, also after the observed object has died.
-class [[nodiscard]] Observation
-{
+class [[nodiscard]] Observation {
 public:
     Observation() = default;
 
@@ -21,8 +19,7 @@ private:
 };
 
 /// A property of a service. Observers are told at once, on the main thread, and only when the value changes.
-template <class T> class Observable
-{
+template <class T> class Observable {
 public:
     explicit Observable(T initial = T{}) : value_(std::move(initial)) {}
     Observable(const Observable&) = delete;

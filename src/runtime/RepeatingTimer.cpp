@@ -2,8 +2,7 @@
 
 #include <utility>
 
-namespace sentrel
-{
+namespace sentrel {
 
 RepeatingTimer::RepeatingTimer(Scheduler& scheduler, Executor& executor, Duration interval, std::function<void()> tick)
     : scheduler_(scheduler),

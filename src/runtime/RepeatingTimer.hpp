@@ -5,13 +5,11 @@
 #include <functional>
 #include <memory>
 
-namespace sentrel
-{
+namespace sentrel {
 
 /// Calls a function on an executor every interval, first after one interval, without drift; ticks that were missed
 /// (the machine slept) come as one. Its end stops it; it is made and destroyed on its executor, also by its own tick.
-class RepeatingTimer final : private Timer, private Job
-{
+class RepeatingTimer final : private Timer, private Job {
 public:
     RepeatingTimer(Scheduler& scheduler, Executor& executor, Duration interval, std::function<void()> tick);
     ~RepeatingTimer();

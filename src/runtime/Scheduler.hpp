@@ -8,8 +8,7 @@
 #include <memory>
 #include <string>
 
-namespace sentrel
-{
+namespace sentrel {
 
 /// The system's classes of urgency for queues and detached work.
 enum class QualityOfService { utility, standard, userInitiated, userInteractive };
@@ -19,8 +18,7 @@ class Latch;
 /// What coroutines, queues and timers stand on: executors and one clock. There is a real one (threads; on a Mac,
 /// dispatch queues and the main run loop) and a virtual one (one thread, a clock that jumps). Code above cannot tell
 /// which it has. It outlives every queue, timer and task handle made with it. Operations may be called on any thread.
-class Scheduler
-{
+class Scheduler {
 public:
     Scheduler() = default;
     virtual ~Scheduler() = default;

@@ -1,7 +1,6 @@
 #include "runtime/Semaphore.hpp"
 
-namespace sentrel
-{
+namespace sentrel {
 
 void Semaphore::signal()
 {

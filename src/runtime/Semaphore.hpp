@@ -6,13 +6,11 @@
 #include <mutex>
 #include <optional>
 
-namespace sentrel
-{
+namespace sentrel {
 
 /// A counting semaphore for tasks. Waiters are served in the order in which they came. Signalling may happen on any
 /// thread; the semaphore outlives its waits.
-class Semaphore
-{
+class Semaphore {
 public:
     explicit Semaphore(int count = 0) : count_(count) {}
     Semaphore(const Semaphore&) = delete;
@@ -38,8 +36,7 @@ private:
     SignalWait* firstWaiter_ = nullptr;
 };
 
-class Semaphore::SignalWait final : public Wait, private Timer
-{
+class Semaphore::SignalWait final : public Wait, private Timer {
 public:
     SignalWait(Semaphore& semaphore, std::optional<Instant> deadline) : semaphore_(semaphore), deadline_(deadline) {}
     ~SignalWait() { leave(); }

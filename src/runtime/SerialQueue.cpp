@@ -2,8 +2,7 @@
 
 #include "runtime/Sleep.hpp"
 
-namespace sentrel
-{
+namespace sentrel {
 
 SerialQueue::SerialQueue(Scheduler& scheduler, std::string label, QualityOfService qualityOfService)
     : scheduler_(scheduler), label_(std::move(label)), executor_(scheduler.makeSerialExecutor(label_, qualityOfService))

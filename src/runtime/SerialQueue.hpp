@@ -13,16 +13,14 @@
 #include <type_traits>
 #include <utility>
 
-namespace sentrel
-{
+namespace sentrel {
 
 class WorkItem;
 
 /// Runs jobs one after another, in the order in which they came. A job may be a coroutine: while it waits (for a photo,
 /// a semaphore, a sleep) the queue is held, and the next job starts only when it has finished. Jobs may be added on any
 /// thread. The queue's end waits for the code that is running on it and drops everything else.
-class SerialQueue final : private Executor, private QueueHold
-{
+class SerialQueue final : private Executor, private QueueHold {
 public:
     SerialQueue(Scheduler& scheduler, std::string label, QualityOfService qualityOfService);
     ~SerialQueue() override;
@@ -69,8 +67,7 @@ public:
 
 private:
     /// Runs the next job on the queue's own executor.
-    class Turn final : public Job
-    {
+    class Turn final : public Job {
     public:
         explicit Turn(SerialQueue& queue) : queue_(queue) {}
         void run() override { queue_.takeTurn(); }
@@ -102,8 +99,7 @@ private:
 };
 
 /// A job that can be called off until it starts. Any thread.
-class WorkItem
-{
+class WorkItem {
 public:
     explicit WorkItem(std::function<void()> work) : work_(std::move(work)) {}
 

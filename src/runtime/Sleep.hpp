@@ -3,12 +3,10 @@
 #include "runtime/Scheduler.hpp"
 #include "runtime/Wait.hpp"
 
-namespace sentrel
-{
+namespace sentrel {
 
 /// The wait for a deadline of the continuous clock.
-class SleepWait final : public Wait, private Timer
-{
+class SleepWait final : public Wait, private Timer {
 public:
     explicit SleepWait(Duration span) : span_(span) {}
     ~SleepWait() { leave(); }

@@ -7,12 +7,10 @@
 #include <utility>
 #include <vector>
 
-namespace sentrel
-{
+namespace sentrel {
 
 /// The wait for another task's end. Cancelling the waiting task ends the wait, not the task waited for.
-class TaskEndWait : public Wait, private TaskWaiter
-{
+class TaskEndWait : public Wait, private TaskWaiter {
 protected:
     explicit TaskEndWait(TaskState& awaited) : awaited_(awaited) {}
     ~TaskEndWait() = default;
@@ -37,8 +35,7 @@ private:
 /// A handle to a task that runs on its own. Handles are shared: copying is cheap, and dropping one neither cancels nor
 /// ends the task. Awaiting gives the task's value, or throws what the task threw. It must not outlive its scheduler.
 /// Any thread.
-template <class T> class Task
-{
+template <class T> class Task {
 public:
     Task() = default;
     Task(const Task& other) : handle_(other.handle_)
@@ -79,8 +76,7 @@ public:
     [[nodiscard]] bool isCancelled() const { return state().isCancelled(); }
     [[nodiscard]] bool isFinished() const { return state().isFinished(); }
 
-    class ValueWait final : public TaskEndWait
-    {
+    class ValueWait final : public TaskEndWait {
     public:
         explicit ValueWait(Task task) : TaskEndWait(task.state()), task_(std::move(task)) {}
         ~ValueWait() { leave(); }
@@ -107,8 +103,7 @@ private:
 
 /// Tasks that die with their owner: the bag's end cuts each of them short where it waits, so that no coroutine of the
 /// owner runs on without it. A member of the owner, declared last. Used on the owner's executor.
-class TaskBag
-{
+class TaskBag {
 public:
     TaskBag() = default;
     TaskBag(const TaskBag&) = delete;

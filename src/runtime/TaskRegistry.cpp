@@ -2,8 +2,7 @@
 
 #include "runtime/TaskState.hpp"
 
-namespace sentrel
-{
+namespace sentrel {
 
 void TaskRegistry::add(TaskState& task)
 {

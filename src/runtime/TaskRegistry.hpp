@@ -2,14 +2,12 @@
 
 #include <mutex>
 
-namespace sentrel
-{
+namespace sentrel {
 
 class TaskState;
 
 /// The unfinished tasks of one scheduler, so that its end can free what still waits. Any thread.
-class TaskRegistry
-{
+class TaskRegistry {
 public:
     TaskRegistry() = default;
     TaskRegistry(const TaskRegistry&) = delete;

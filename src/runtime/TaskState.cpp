@@ -4,8 +4,7 @@
 
 #include <utility>
 
-namespace sentrel
-{
+namespace sentrel {
 
 void TaskState::start(Scheduler& scheduler, Executor& executor, Executor& front, QueueHold* hold,
                       std::coroutine_handle<> root)

@@ -6,16 +6,14 @@
 #include <coroutine>
 #include <mutex>
 
-namespace sentrel
-{
+namespace sentrel {
 
 class Scheduler;
 class TaskRegistry;
 class TaskState;
 
 /// What a suspended wait offers to its task, so that cancellation can reach it.
-class CancelHook
-{
+class CancelHook {
 public:
     CancelHook() = default;
     CancelHook(const CancelHook&) = delete;
@@ -32,8 +30,7 @@ protected:
 };
 
 /// Told when a task that occupies a serial queue begins and finishes. Both calls come on the queue's executor.
-class QueueHold
-{
+class QueueHold {
 public:
     virtual void taskBegan(TaskState& task) = 0;
     virtual void taskFinished() = 0;
@@ -43,8 +40,7 @@ protected:
 };
 
 /// A wait for a task's end, linked into that task.
-class TaskWaiter
-{
+class TaskWaiter {
 public:
     TaskWaiter() = default;
     TaskWaiter(const TaskWaiter&) = delete;
@@ -64,8 +60,7 @@ private:
 /// The part of a task that has nothing to do with its value: where it runs, how it is cancelled, who waits for it and
 /// how long its frame lives. It is a member of the coroutine's promise, so that a task is one allocation; it is also
 /// the job by which the task resumes, so that a hop allocates nothing. Operations may be called on any thread.
-class TaskState final : public Job
-{
+class TaskState final : public Job {
 public:
     /// Makes a task of the coroutine and posts its first turn to `front`; later turns go to `executor`. The caller
     /// receives one reference.

@@ -8,12 +8,10 @@
 #include <utility>
 #include <vector>
 
-namespace sentrel
-{
+namespace sentrel {
 
 /// A list of jobs and the threads that run them; with no thread of its own, whoever calls `work` runs them.
-class ThreadScheduler::ThreadExecutor final : public Executor
-{
+class ThreadScheduler::ThreadExecutor final : public Executor {
 public:
     explicit ThreadExecutor(std::size_t threadCount)
     {
@@ -98,8 +96,7 @@ private:
 thread_local const ThreadScheduler::ThreadExecutor* ThreadScheduler::ThreadExecutor::current = nullptr;
 
 /// The thread that sleeps until the next deadline.
-class ThreadScheduler::TimerThread
-{
+class ThreadScheduler::TimerThread {
 public:
     TimerThread() : thread_([this] { work(); }) {}
     ~TimerThread()
@@ -155,8 +152,7 @@ private:
     std::thread thread_;
 };
 
-namespace
-{
+namespace {
 
 /// Enough for a key derivation and a directory's reading side by side.
 constexpr std::size_t globalThreadCount = 2;

@@ -4,13 +4,11 @@
 
 #include <memory>
 
-namespace sentrel
-{
+namespace sentrel {
 
 /// The real scheduler on plain threads: one for each serial executor, a few for detached work, one that waits for
 /// timers, and the thread that calls `runMain` as the main thread.
-class ThreadScheduler final : public Scheduler
-{
+class ThreadScheduler final : public Scheduler {
 public:
     ThreadScheduler();
 

@@ -2,8 +2,7 @@
 
 #include <cmath>
 
-namespace sentrel
-{
+namespace sentrel {
 
 Duration durationFromSeconds(double seconds)
 {

@@ -2,8 +2,7 @@
 
 #include <chrono>
 
-namespace sentrel
-{
+namespace sentrel {
 
 /// A span on the continuous clock.
 using Duration = std::chrono::nanoseconds;

@@ -2,8 +2,7 @@
 
 #include <utility>
 
-namespace sentrel
-{
+namespace sentrel {
 
 void TimerHeap::add(Timer& timer, Instant deadline, std::uint64_t order)
 {

@@ -8,14 +8,12 @@
 #include <optional>
 #include <vector>
 
-namespace sentrel
-{
+namespace sentrel {
 
 class TimerHeap;
 
 /// A deadline that waits in a scheduler. It carries its own place there, so that arming it allocates nothing.
-class Timer
-{
+class Timer {
 public:
     Timer() = default;
     Timer(const Timer&) = delete;
@@ -36,8 +34,7 @@ private:
 };
 
 /// The armed timers of a scheduler, earliest first, and in arming order where deadlines are equal. No lock of its own.
-class TimerHeap
-{
+class TimerHeap {
 public:
     /// Arms the timer. One order number serves all heaps of one clock, so that it is handed in.
     void add(Timer& timer, Instant deadline, std::uint64_t order);

@@ -7,12 +7,10 @@
 #include <stdexcept>
 #include <utility>
 
-namespace sentrel
-{
+namespace sentrel {
 
 /// One executor of a virtual scheduler: a list of jobs that the clock takes from.
-class VirtualExecutor final : public Executor
-{
+class VirtualExecutor final : public Executor {
 public:
     VirtualExecutor(VirtualClock& clock, const bool& isAsleep, bool isConcurrent)
         : clock_(clock), isAsleep_(isAsleep), isConcurrent_(isConcurrent)

@@ -7,15 +7,13 @@
 #include <optional>
 #include <vector>
 
-namespace sentrel
-{
+namespace sentrel {
 
 class VirtualExecutor;
 
 /// One virtual clock and everything that runs by it: one thread, a fixed order, and a clock that jumps to the next
 /// deadline when nothing is runnable. Several schedulers (two machines; a machine and its hardware) may share it.
-class VirtualClock
-{
+class VirtualClock {
 public:
     VirtualClock() = default;
     VirtualClock(const VirtualClock&) = delete;
@@ -62,8 +60,7 @@ private:
 
 /// The scheduler of one machine (or of its hardware) on a virtual clock. Everything happens on the thread that moves
 /// the clock.
-class VirtualScheduler final : public Scheduler
-{
+class VirtualScheduler final : public Scheduler {
 public:
     explicit VirtualScheduler(VirtualClock& clock);
 

@@ -6,14 +6,12 @@
 #include <atomic>
 #include <coroutine>
 
-namespace sentrel
-{
+namespace sentrel {
 
 /// One suspension of a task: claimed exactly once, by what it waits for or by cancellation, and resumed on the task's
 /// own executor. It leaves its lists and timers on every way out, the destruction of its frame included.
 /// A kind of wait derives from this; it says in `arm` where it registers and in `disarm` how it leaves.
-class Wait : private CancelHook
-{
+class Wait : private CancelHook {
 public:
     bool await_ready() const noexcept { return false; }
 

@@ -3,13 +3,11 @@
 #include <memory>
 #include <utility>
 
-namespace sentrel
-{
+namespace sentrel {
 
 /// A handle that knows when its object has died. It may be copied and dropped on any thread; `get` is asked on the
 /// thread on which the object lives and dies.
-template <class T> class Weak
-{
+template <class T> class Weak {
 public:
     Weak() = default;
 
@@ -23,8 +21,7 @@ private:
 };
 
 /// Makes weak handles to the object that it is a member of; declared last, so that the handles are cut first.
-template <class T> class WeakAnchor
-{
+template <class T> class WeakAnchor {
 public:
     explicit WeakAnchor(T& object) : object_(std::make_shared<T*>(&object)) {}
     ~WeakAnchor() { *object_ = nullptr; }

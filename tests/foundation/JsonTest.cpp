@@ -5,10 +5,8 @@
 
 #include <limits>
 
-namespace sentrel
-{
-namespace
-{
+namespace sentrel {
+namespace {
 
 std::optional<Json> parse(std::string_view text)
 {

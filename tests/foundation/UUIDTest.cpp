@@ -2,10 +2,8 @@
 
 #include <gtest/gtest.h>
 
-namespace sentrel
-{
-namespace
-{
+namespace sentrel {
+namespace {
 
 TEST(UUID, ReadsEitherCaseAndWritesUpperCase)
 {

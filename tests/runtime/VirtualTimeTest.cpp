@@ -7,10 +7,8 @@
 
 #include <string>
 
-namespace sentrel
-{
-namespace
-{
+namespace sentrel {
+namespace {
 
 using namespace std::chrono_literals;
 

@@ -9,10 +9,8 @@
 #include <sstream>
 #include <thread>
 
-namespace sentrel::simulated
-{
-namespace
-{
+namespace sentrel::simulated {
+namespace {
 
 using namespace std::chrono_literals;
 

@@ -5,11 +5,9 @@
 #include <cmath>
 #include <nlohmann/json.hpp>
 
-namespace sentrel::simulated
-{
+namespace sentrel::simulated {
 
-namespace
-{
+namespace {
 
 template <class Number> void appendNumber(std::string& line, Number number)
 {

@@ -9,8 +9,7 @@
 #include <variant>
 #include <vector>
 
-namespace sentrel::simulated
-{
+namespace sentrel::simulated {
 
 /// One thing that happened on the simulated MacBook: a journal's event that owns its texts.
 struct Event {

@@ -1,10 +1,8 @@
 #include "platform/simulated/EventLog.hpp"
 
-namespace sentrel::simulated
-{
+namespace sentrel::simulated {
 
-namespace
-{
+namespace {
 
 Event::Value ownedValue(const platform::Journal::Value& value)
 {

@@ -13,13 +13,11 @@
 #include <mutex>
 #include <vector>
 
-namespace sentrel::simulated
-{
+namespace sentrel::simulated {
 
 /// The journal of the simulated MacBook: everything noted since it was made, in order, with the time on the
 /// scheduler's clock. Any thread.
-class EventLog final : public platform::Journal
-{
+class EventLog final : public platform::Journal {
 public:
     using Observer = std::function<void(const Event&)>;
 

@@ -2,8 +2,7 @@
 
 #include "foundation/Fatal.hpp"
 
-namespace sentrel::simulated
-{
+namespace sentrel::simulated {
 
 FaultSwitches::FaultSwitches(std::initializer_list<std::string_view> names)
 {

@@ -7,12 +7,10 @@
 #include <string_view>
 #include <vector>
 
-namespace sentrel::simulated
-{
+namespace sentrel::simulated {
 
 /// The ways in which one simulated device can be made to refuse or fail, each by name and off at first. Any thread.
-class FaultSwitches
-{
+class FaultSwitches {
 public:
     FaultSwitches(std::initializer_list<std::string_view> names);
 

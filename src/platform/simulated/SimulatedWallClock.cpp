@@ -1,7 +1,6 @@
 #include "platform/simulated/SimulatedWallClock.hpp"
 
-namespace sentrel::simulated
-{
+namespace sentrel::simulated {
 
 Date SimulatedWallClock::now()
 {

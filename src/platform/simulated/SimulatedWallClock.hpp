@@ -3,12 +3,10 @@
 #include "platform/WallClock.hpp"
 #include "runtime/Scheduler.hpp"
 
-namespace sentrel::simulated
-{
+namespace sentrel::simulated {
 
 /// A wall clock that runs with the scheduler's clock from a given date.
-class SimulatedWallClock final : public platform::WallClock
-{
+class SimulatedWallClock final : public platform::WallClock {
 public:
     SimulatedWallClock(Scheduler& scheduler, Date start) : scheduler_(scheduler), zero_(scheduler.now()), start_(start)
     {
