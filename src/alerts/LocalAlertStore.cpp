@@ -1,0 +1,187 @@
+#include "alerts/LocalAlertStore.hpp"
+
+#include "platform/DurableFile.hpp"
+#include "platform/FileSystem.hpp"
+#include "platform/HostInfo.hpp"
+#include "runtime/Detached.hpp"
+
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+#include <system_error>
+#include <utility>
+
+namespace sentrel {
+
+namespace {
+
+/// Alerts and photos are nobody's business but the user's.
+constexpr std::uint32_t directoryMode = 0700;
+constexpr std::uint32_t fileMode = 0600;
+
+std::filesystem::path storeDirectory(platform::HostInfo& host)
+{
+    const auto support = host.applicationSupportDirectory();
+    return support.value_or(host.temporaryDirectory()) / host.bundleIdentifier().value_or("Sentrel") / "Alerts";
+}
+
+bool isNewer(const StoredAlert& left, const StoredAlert& right)
+{
+    if (left.alert.timestamp != right.alert.timestamp) {
+        return left.alert.timestamp > right.alert.timestamp;
+    }
+    return left.alert.id < right.alert.id;
+}
+
+std::vector<StoredAlert> sorted(const std::unordered_map<UUID, StoredAlert>& index)
+{
+    std::vector<StoredAlert> alerts;
+    alerts.reserve(index.size());
+    for (const auto& [id, stored] : index) {
+        alerts.push_back(stored);
+    }
+    std::sort(alerts.begin(), alerts.end(), isNewer);
+    return alerts;
+}
+
+} // namespace
+
+LocalAlertStore::LocalAlertStore(MainActor actor, platform::FileSystem& files, platform::HostInfo& host)
+    : actor_(actor), files_(files), directory_(storeDirectory(host))
+{
+}
+
+void LocalAlertStore::save(const AlertEvent& alert, const std::optional<Bytes>& photo, bool pendingUpload)
+{
+    const StoredAlert stored{alert, pendingUpload};
+    write(alertFile(alert.id), bytesOf(encodeJson(encodeStoredAlert(stored))));
+    if (photo) {
+        write(photoFile(alert.id), *photo);
+    } else {
+        files_.remove(photoFile(alert.id));
+    }
+    if (index_) {
+        index_->insert_or_assign(alert.id, stored);
+    }
+    prune();
+}
+
+std::vector<StoredAlert> LocalAlertStore::alerts()
+{
+    return sorted(loadedIndex());
+}
+
+Async<std::vector<StoredAlert>> LocalAlertStore::alertsInBackground()
+{
+    if (!index_) {
+        auto reading = detached(actor_.scheduler(), QualityOfService::userInitiated,
+                                [&files = files_, directory = directory_] { return readIndex(files, directory); });
+        Index fresh = co_await reading;
+        // What was loaded in the meantime has seen the saves and deletions since.
+        if (!index_) {
+            index_ = std::move(fresh);
+        }
+    }
+    co_return sorted(*index_);
+}
+
+std::optional<StoredAlert> LocalAlertStore::storedAlert(const UUID& id)
+{
+    if (!index_) {
+        return readAlert(files_, alertFile(id));
+    }
+    const auto found = index_->find(id);
+    return found != index_->end() ? std::optional{found->second} : std::nullopt;
+}
+
+std::filesystem::path LocalAlertStore::photoFile(const UUID& id)
+{
+    return fileNamed(id, ".jpg");
+}
+
+void LocalAlertStore::remove(const UUID& id)
+{
+    files_.remove(alertFile(id));
+    files_.remove(photoFile(id));
+    if (index_) {
+        index_->erase(id);
+    }
+}
+
+void LocalAlertStore::remove(const std::unordered_set<UUID>& ids)
+{
+    for (const UUID& id : ids) {
+        const bool isKnown = index_ ? index_->contains(id) : files_.exists(alertFile(id));
+        if (isKnown) {
+            remove(id);
+        }
+    }
+}
+
+std::filesystem::path LocalAlertStore::alertFile(const UUID& id)
+{
+    return fileNamed(id, ".json");
+}
+
+std::filesystem::path LocalAlertStore::fileNamed(const UUID& id, const char* extension)
+{
+    // Each time: whoever cleans up the folder by hand must not cost the next alert.
+    files_.createDirectories(directory_, directoryMode);
+    return directory_ / (id.text() + extension);
+}
+
+void LocalAlertStore::write(const std::filesystem::path& file, BytesView content)
+{
+    const int error = platform::writeDurably(files_, file, content, fileMode);
+    if (error != 0) {
+        throw std::system_error{error, std::generic_category(), "saving " + file.filename().string()};
+    }
+}
+
+LocalAlertStore::Index& LocalAlertStore::loadedIndex()
+{
+    if (!index_) {
+        files_.createDirectories(directory_, directoryMode);
+        index_ = readIndex(files_, directory_);
+    }
+    return *index_;
+}
+
+void LocalAlertStore::prune()
+{
+    if (loadedIndex().size() <= mostAlerts) {
+        return;
+    }
+    const std::vector<StoredAlert> newestFirst = alerts();
+    for (std::size_t i = mostAlerts; i < newestFirst.size(); ++i) {
+        remove(newestFirst[i].alert.id);
+    }
+}
+
+std::optional<StoredAlert> LocalAlertStore::readAlert(platform::FileSystem& files, const std::filesystem::path& file)
+{
+    const auto content = files.read(file);
+    const auto document = content ? parseJson(*content) : std::nullopt;
+    return document ? decodeStoredAlert(*document) : std::nullopt;
+}
+
+LocalAlertStore::Index LocalAlertStore::readIndex(platform::FileSystem& files, const std::filesystem::path& directory)
+{
+    Index index;
+    const auto names = files.list(directory);
+    if (!names) {
+        return index;
+    }
+    for (const std::filesystem::path name : *names) {
+        if (name.extension() != ".json") {
+            continue;
+        }
+        if (auto stored = readAlert(files, directory / name)) {
+            const UUID id = stored->alert.id;
+            index.insert_or_assign(id, *std::move(stored));
+        }
+    }
+    return index;
+}
+
+} // namespace sentrel

@@ -1,0 +1,69 @@
+#pragma once
+
+#include "alerts/StoredAlert.hpp"
+#include "foundation/Bytes.hpp"
+#include "runtime/MainActor.hpp"
+
+#include <cstddef>
+#include <filesystem>
+#include <optional>
+#include <unordered_map>
+#include <unordered_set>
+#include <vector>
+
+namespace sentrel {
+
+namespace platform {
+class FileSystem;
+class HostInfo;
+} // namespace platform
+
+/// Keeps alerts and their photos on this Mac: one JSON file and at most one JPEG for each. The folder is read at most
+/// once; afterwards every query is answered from memory. Main thread.
+class LocalAlertStore {
+public:
+    /// So many alerts are kept; saving one more removes the oldest.
+    static constexpr std::size_t mostAlerts = 1000;
+
+    LocalAlertStore(MainActor actor, platform::FileSystem& files, platform::HostInfo& host);
+    LocalAlertStore(const LocalAlertStore&) = delete;
+
+    /// Writes the alert and its photo, or removes an earlier photo when there is none now; each file is replaced in
+    /// one step and is on the medium on return. Throws `std::system_error` when a write fails and
+    /// `JsonEncodingError` when the alert has no encoding.
+    void save(const AlertEvent& alert, const std::optional<Bytes>& photo, bool pendingUpload);
+
+    /// All alerts, newest first, and by identifier where dates are equal, so that the order stays put.
+    [[nodiscard]] std::vector<StoredAlert> alerts();
+
+    /// The same; the folder's first reading happens off the main thread. The store outlives the call.
+    [[nodiscard]] Async<std::vector<StoredAlert>> alertsInBackground();
+
+    /// One alert, without reading the whole folder.
+    [[nodiscard]] std::optional<StoredAlert> storedAlert(const UUID& id);
+
+    /// Where the alert's photo is, or would be.
+    [[nodiscard]] std::filesystem::path photoFile(const UUID& id);
+
+    /// Removes an alert's files; failures are ignored.
+    void remove(const UUID& id);
+    void remove(const std::unordered_set<UUID>& ids);
+
+private:
+    using Index = std::unordered_map<UUID, StoredAlert>;
+
+    [[nodiscard]] std::filesystem::path alertFile(const UUID& id);
+    [[nodiscard]] std::filesystem::path fileNamed(const UUID& id, const char* extension);
+    void write(const std::filesystem::path& file, BytesView content);
+    Index& loadedIndex();
+    void prune();
+    static std::optional<StoredAlert> readAlert(platform::FileSystem& files, const std::filesystem::path& file);
+    static Index readIndex(platform::FileSystem& files, const std::filesystem::path& directory);
+
+    MainActor actor_;
+    platform::FileSystem& files_;
+    const std::filesystem::path directory_;
+    std::optional<Index> index_;
+};
+
+} // namespace sentrel

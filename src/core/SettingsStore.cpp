@@ -1,0 +1,41 @@
+#include "core/SettingsStore.hpp"
+
+#include "platform/UserDefaults.hpp"
+
+#include <nlohmann/json.hpp>
+
+namespace sentrel {
+
+namespace {
+
+constexpr const char* settingsKey = "alarmSettings";
+
+AlarmSettings load(platform::UserDefaults& defaults)
+{
+    const auto data = defaults.data(settingsKey);
+    const auto document = data ? parseJson(*data) : std::nullopt;
+    return (document ? decodeAlarmSettings(*document) : std::nullopt).value_or(AlarmSettings{});
+}
+
+} // namespace
+
+SettingsStore::SettingsStore(platform::UserDefaults& defaults) : defaults_(defaults), settings_(load(defaults))
+{
+}
+
+void SettingsStore::setSettings(const AlarmSettings& settings)
+{
+    settings_ = settings;
+    save();
+}
+
+void SettingsStore::save()
+{
+    try {
+        defaults_.setData(settingsKey, bytesOf(encodeJson(encodeAlarmSettings(settings()))));
+    } catch (const JsonEncodingError&) {
+        // Not a number: the entry stays as it was.
+    }
+}
+
+} // namespace sentrel

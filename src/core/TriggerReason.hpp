@@ -1,0 +1,33 @@
+#pragma once
+
+#include <array>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace sentrel {
+
+namespace platform {
+class Language;
+}
+
+/// The cause of an alarm.
+enum class TriggerReason { unplugged, lidClosed, motion, lockBypassAttempt };
+
+/// All causes, in order.
+inline constexpr std::array<TriggerReason, 4> allTriggerReasons{
+    TriggerReason::unplugged, TriggerReason::lidClosed, TriggerReason::motion, TriggerReason::lockBypassAttempt};
+
+/// The text that stands for the cause in stored records.
+[[nodiscard]] std::string_view rawValue(TriggerReason reason);
+
+/// The cause that a stored text stands for; none for an unknown one.
+[[nodiscard]] std::optional<TriggerReason> triggerReason(std::string_view rawValue);
+
+/// What lists and the status show, in the user's language.
+[[nodiscard]] std::string title(TriggerReason reason, platform::Language& language);
+
+/// The trigger's name in the cloud record, in the user's language.
+[[nodiscard]] std::string shortTitle(TriggerReason reason, platform::Language& language);
+
+} // namespace sentrel
