@@ -1,0 +1,159 @@
+#include "platform/simulated/DefaultsFile.hpp"
+
+#include "foundation/Json.hpp"
+#include "platform/DurableFile.hpp"
+#include "platform/simulated/Base64.hpp"
+
+#include <algorithm>
+#include <nlohmann/json.hpp>
+#include <utility>
+
+namespace sentrel::simulated {
+
+namespace {
+
+constexpr std::uint32_t folderMode = 0700;
+constexpr std::uint32_t fileMode = 0600;
+
+// Far beyond anything that an application keeps in its defaults.
+constexpr std::size_t largestFile = std::size_t{16} << 20;
+
+std::string fileName(std::string_view application)
+{
+    std::string name{application};
+    std::replace_if(name.begin(), name.end(), [](char c) { return c == '/' || c == '\0'; }, '_');
+    return name + ".json";
+}
+
+bool isObject(BytesView content)
+{
+    const auto document = content.size() <= largestFile ? parseJson(content) : std::nullopt;
+    return document && document->is_object();
+}
+
+} // namespace
+
+DefaultsFile::DefaultsFile(platform::FileSystem& files, platform::Journal& journal, std::filesystem::path folder,
+                           std::string_view application)
+    : files_(files),
+      journal_(journal),
+      folder_(std::move(folder)),
+      file_(folder_ / fileName(application)),
+      isDamaged_(!load())
+{
+    if (isDamaged_) {
+        journal_.note("defaults.damaged", {{"file", file_.filename().native()}});
+    }
+}
+
+// False when there is a file, but none that could be read.
+bool DefaultsFile::load()
+{
+    const auto content = files_.read(file_);
+    if (!content) {
+        return !files_.exists(file_);
+    }
+    if (!isObject(*content)) {
+        return false;
+    }
+    members_ = splitJsonObject(textOf(*content));
+    return true;
+}
+
+// Of entries with one name the last counts, as for every reader of JSON.
+DefaultsFile::Members::reverse_iterator DefaultsFile::find(const std::string& key)
+{
+    return std::find_if(members_.rbegin(), members_.rend(),
+                        [&](const JsonMember& member) { return member.key == key; });
+}
+
+std::optional<std::string> DefaultsFile::text(const std::string& key)
+{
+    const std::lock_guard guard{mutex_};
+    const auto found = find(key);
+    if (found == members_.rend() || found->value.front() != '"') {
+        return std::nullopt;
+    }
+    return Json::parse(found->value).get<std::string>();
+}
+
+std::optional<Bytes> DefaultsFile::data(const std::string& key)
+{
+    const auto encoded = text(key);
+    return encoded ? bytesOfBase64(*encoded) : std::nullopt;
+}
+
+void DefaultsFile::setData(const std::string& key, BytesView value)
+{
+    set(key, base64Text(value));
+}
+
+void DefaultsFile::setText(const std::string& key, const std::string& value)
+{
+    set(key, value);
+}
+
+void DefaultsFile::set(const std::string& key, std::string value)
+{
+    const std::string encoded = encodeJson(Json(std::move(value)));
+    replace(key, &encoded);
+}
+
+void DefaultsFile::remove(const std::string& key)
+{
+    replace(key, nullptr);
+}
+
+// Null removes the entry.
+void DefaultsFile::replace(const std::string& key, const std::string* value)
+{
+    int error = 0;
+    {
+        const std::lock_guard guard{mutex_};
+        const auto found = find(key);
+        const bool isThere = found != members_.rend();
+        if (!isUnwritten_ && (value == nullptr ? !isThere : isThere && found->value == *value)) {
+            return; // the file says so already
+        }
+        if (value == nullptr) {
+            std::erase_if(members_, [&](const JsonMember& member) { return member.key == key; });
+        } else if (isThere) {
+            found->value = *value;
+        } else {
+            members_.push_back({key, *value});
+        }
+        error = write();
+        isUnwritten_ = error != 0;
+    }
+    if (error != 0) {
+        // The change stays in memory and is written with the next one.
+        journal_.note("defaults.writeFailed", {{"file", file_.filename().native()}, {"error", std::int64_t{error}}});
+    }
+}
+
+int DefaultsFile::write()
+{
+    files_.createDirectories(folder_, folderMode);
+    if (isDamaged_) {
+        const int error = putDamagedAside();
+        if (error != 0) {
+            return error;
+        }
+        isDamaged_ = false;
+    }
+    return platform::writeDurably(files_, file_, bytesOf(joinJsonObject(members_)), fileMode);
+}
+
+int DefaultsFile::putDamagedAside()
+{
+    std::filesystem::path aside = file_;
+    aside += ".damaged";
+    // An earlier one is kept, too.
+    for (int number = 2; files_.exists(aside); ++number) {
+        aside = file_;
+        aside += ".damaged-" + std::to_string(number);
+    }
+    return files_.rename(file_, aside);
+}
+
+} // namespace sentrel::simulated

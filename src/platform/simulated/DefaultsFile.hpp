@@ -1,0 +1,55 @@
+#pragma once
+
+#include "platform/FileSystem.hpp"
+#include "platform/Journal.hpp"
+#include "platform/UserDefaults.hpp"
+#include "platform/simulated/JsonMembers.hpp"
+
+#include <filesystem>
+#include <mutex>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace sentrel::simulated {
+
+/// The user defaults of one application, kept in a JSON file: one object; a text is a string, data is a string in
+/// base64. Entries of other types stay as they are. The file is read once, when this is made, and replaced at each
+/// change, atomically and durably. A damaged file reads as empty; before the first change it is put aside as
+/// `NAME.damaged`. Any thread.
+class DefaultsFile final : public platform::UserDefaults {
+public:
+    /// Opens `FOLDER/APPLICATION.json`, which need not be there. The application is a bundle identifier or a name;
+    /// characters that a file name can't have are replaced.
+    DefaultsFile(platform::FileSystem& files, platform::Journal& journal, std::filesystem::path folder,
+                 std::string_view application);
+
+    [[nodiscard]] std::optional<Bytes> data(const std::string& key) override;
+    void setData(const std::string& key, BytesView value) override;
+    [[nodiscard]] std::optional<std::string> text(const std::string& key) override;
+    void setText(const std::string& key, const std::string& value) override;
+    void remove(const std::string& key) override;
+
+    [[nodiscard]] const std::filesystem::path& file() const { return file_; }
+
+private:
+    using Members = std::vector<JsonMember>;
+
+    bool load();
+    [[nodiscard]] Members::reverse_iterator find(const std::string& key);
+    void set(const std::string& key, std::string value);
+    void replace(const std::string& key, const std::string* value);
+    [[nodiscard]] int write();
+    [[nodiscard]] int putDamagedAside();
+
+    platform::FileSystem& files_;
+    platform::Journal& journal_;
+    std::filesystem::path folder_;
+    std::filesystem::path file_;
+    std::mutex mutex_;
+    Members members_;
+    bool isDamaged_ = false;   // the file holds something that must not be overwritten
+    bool isUnwritten_ = false; // the last change isn't on disk
+};
+
+} // namespace sentrel::simulated

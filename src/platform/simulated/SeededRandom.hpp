@@ -1,0 +1,27 @@
+#pragma once
+
+#include "platform/Random.hpp"
+#include "platform/simulated/FaultSwitches.hpp"
+
+#include <mutex>
+#include <random>
+
+namespace sentrel::simulated {
+
+/// Random bytes that are the same for the same seed, whatever the sizes in which they are asked for. Any thread.
+class SeededRandom final : public platform::Random {
+public:
+    explicit SeededRandom(std::uint64_t seed) : generator_(seed) {}
+
+    [[nodiscard]] bool fill(std::span<std::uint8_t> bytes) override;
+
+    /// `fill`: the system has no random bytes to give.
+    [[nodiscard]] FaultSwitches& faults() { return faults_; }
+
+private:
+    FaultSwitches faults_{"fill"};
+    std::mutex mutex_;
+    std::mt19937_64 generator_;
+};
+
+} // namespace sentrel::simulated

@@ -1,0 +1,35 @@
+#pragma once
+
+#include "platform/HostInfo.hpp"
+#include "platform/simulated/FaultSwitches.hpp"
+
+namespace sentrel::simulated {
+
+/// What the simulated MacBook tells about itself. Its folders lie under a root: "Application Support" and "tmp". Any
+/// thread.
+class SimulatedHost final : public platform::HostInfo {
+public:
+    struct Facts {
+        std::string model = "MacBookPro18,3"; ///< `hw.model`
+        std::optional<std::string> localizedName = "MacBook";
+        std::optional<std::string> bundleIdentifier = "pelma.Sentrel";
+    };
+
+    SimulatedHost(std::filesystem::path root, Facts facts);
+
+    [[nodiscard]] std::optional<std::string> systemControlText(const std::string& name) override;
+    [[nodiscard]] std::optional<std::string> localizedName() override { return facts_.localizedName; }
+    [[nodiscard]] std::optional<std::string> bundleIdentifier() override { return facts_.bundleIdentifier; }
+    [[nodiscard]] std::optional<std::filesystem::path> applicationSupportDirectory() override;
+    [[nodiscard]] std::filesystem::path temporaryDirectory() override { return root_ / "tmp"; }
+
+    /// `model`: the system doesn't know its model. `application-support`: it gives no such folder.
+    [[nodiscard]] FaultSwitches& faults() { return faults_; }
+
+private:
+    FaultSwitches faults_{"model", "application-support"};
+    const std::filesystem::path root_;
+    const Facts facts_;
+};
+
+} // namespace sentrel::simulated
