@@ -18,7 +18,7 @@ public:
     /// Takes a waiting job back; false when it isn't waiting here (any more).
     virtual bool withdraw(Job& job) = 0;
 
-    /// Waits for a running job; none runs afterwards. Jobs posted later are dropped with the executor.
+    /// Waits for a running job; none runs afterwards. Jobs posted later are dropped with the executor. May be repeated.
     virtual void stop() = 0;
 
     /// True when the calling code runs on this executor.

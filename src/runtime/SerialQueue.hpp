@@ -53,6 +53,10 @@ public:
         scheduler_.blockUntil(latch);
     }
 
+    /// Waits for the code that is running on the queue; nothing runs on it afterwards, and its end drops what waits.
+    /// For an owner that takes down what its jobs use while the queue still stands. Not from a job of this queue.
+    void close() { executor_->stop(); }
+
     /// Adds the item as a job after a delay on the continuous clock, unless it is cancelled before.
     void asyncAfter(Duration delay, const std::shared_ptr<WorkItem>& item);
 

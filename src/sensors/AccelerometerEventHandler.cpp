@@ -1,0 +1,103 @@
+#include "sensors/AccelerometerEventHandler.hpp"
+
+#include <utility>
+
+namespace sentrel
+{
+
+namespace
+{
+
+constexpr const char* queueLabel = "pelma.Sentrel.motion.accelerometer";
+constexpr const char* usagePageKey = "PrimaryUsagePage";    // kIOHIDPrimaryUsagePageKey
+constexpr const char* usageKey = "PrimaryUsage";            // kIOHIDPrimaryUsageKey
+constexpr const char* reportIntervalKey = "ReportInterval"; // kIOHIDReportIntervalKey
+constexpr std::uint32_t accelerometerEvent = 13;            // kIOHIDEventTypeAccelerometer
+constexpr std::uint32_t fieldX = 0xD0000;                   // the event type in the upper 16 bits
+constexpr std::uint32_t fieldY = 0xD0001;
+constexpr std::uint32_t fieldZ = 0xD0002;
+
+} // namespace
+
+std::unique_ptr<platform::HidClient> makeMatchingClient(platform::HidEventSystem& events, std::int64_t usagePage,
+                                                        std::int64_t usage)
+{
+    auto client = events.createClient();
+    if (client != nullptr) {
+        client->setMatching({{usagePageKey, usagePage}, {usageKey, usage}});
+    }
+    return client;
+}
+
+AccelerometerEventHandler::AccelerometerEventHandler(Scheduler& scheduler, platform::HidEventSystem& events,
+                                                     SampleCallback onSample)
+    : events_(events), onSample_(std::move(onSample)), queue_(scheduler, queueLabel, QualityOfService::standard)
+{
+}
+
+AccelerometerEventHandler::~AccelerometerEventHandler()
+{
+    // The queue is closed, not drained: whoever dies need not wait for jobs that will do nothing.
+    const auto client = detachClient();
+    queue_.close();
+}
+
+bool AccelerometerEventHandler::start(std::int64_t usagePage, std::int64_t usage, std::int64_t reportInterval)
+{
+    auto client = makeMatchingClient(events_, usagePage, usage);
+    if (client == nullptr) {
+        return false;
+    }
+    const auto services = client->copyServices();
+    if (!services || services->empty()) {
+        return false;
+    }
+    for (const auto& service : *services) {
+        service->setProperty(reportIntervalKey, reportInterval);
+    }
+    setRunning(true);
+    client_ = std::move(client);
+    client_->registerEventCallback([this](const platform::HidEvent* event) { receive(event); });
+    client_->schedule(queue_);
+    return true;
+}
+
+void AccelerometerEventHandler::stop()
+{
+    if (const auto client = detachClient()) {
+        // A callback in progress has finished when an empty job has had its turn after it.
+        queue_.sync([] {});
+    }
+}
+
+std::unique_ptr<platform::HidClient> AccelerometerEventHandler::detachClient()
+{
+    setRunning(false);
+    if (client_ != nullptr) {
+        client_->unschedule(queue_);
+        client_->unregisterEventCallback();
+    }
+    return std::move(client_);
+}
+
+void AccelerometerEventHandler::receive(const platform::HidEvent* event)
+{
+    if (event == nullptr || !isRunning() || event->type() != accelerometerEvent) {
+        return;
+    }
+    onSample_(event->floatValue(fieldX), event->floatValue(fieldY), event->floatValue(fieldZ));
+}
+
+bool AccelerometerEventHandler::isRunning()
+{
+    const std::lock_guard guard{stateLock_};
+    return isRunning_;
+}
+
+void AccelerometerEventHandler::setRunning(bool isRunning)
+{
+    const std::lock_guard guard{stateLock_};
+    isRunning_ = isRunning;
+}
+
+} // namespace sentrel

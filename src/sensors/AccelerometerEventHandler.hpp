@@ -1,0 +1,53 @@
+#pragma once
+
+#include "platform/HidEventSystem.hpp"
+#include "runtime/SerialQueue.hpp"
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <mutex>
+
+namespace sentrel
+{
+
+/// A client of the HID event system that matches devices by usage; null when none can be created.
+[[nodiscard]] std::unique_ptr<platform::HidClient> makeMatchingClient(platform::HidEventSystem& events,
+                                                                      std::int64_t usagePage, std::int64_t usage);
+
+/// Subscribes to an accelerometer and hands on its raw samples. Started, stopped and destroyed on one thread; samples
+/// come on the handler's own queue.
+class AccelerometerEventHandler
+{
+public:
+    /// Takes x, y and z as the sensor gives them. Called on the handler's queue.
+    using SampleCallback = std::function<void(double x, double y, double z)>;
+
+    AccelerometerEventHandler(Scheduler& scheduler, platform::HidEventSystem& events, SampleCallback onSample);
+
+    /// Stops; when it returns, no callback is running and none comes later.
+    ~AccelerometerEventHandler();
+    AccelerometerEventHandler(const AccelerometerEventHandler&) = delete;
+
+    /// Subscribes to the devices of a usage, with a report interval in microseconds. False when there is no such device
+    /// or no way to ask.
+    [[nodiscard]] bool start(std::int64_t usagePage, std::int64_t usage, std::int64_t reportInterval);
+
+    /// Ends the subscription; when it returns, no callback is running and none comes later. Safe when not started.
+    void stop();
+
+private:
+    void receive(const platform::HidEvent* event);
+    [[nodiscard]] bool isRunning();
+    void setRunning(bool isRunning);
+    std::unique_ptr<platform::HidClient> detachClient();
+
+    platform::HidEventSystem& events_;
+    const SampleCallback onSample_;
+    std::unique_ptr<platform::HidClient> client_;
+    std::mutex stateLock_;
+    bool isRunning_ = false;
+    SerialQueue queue_;
+};
+
+} // namespace sentrel

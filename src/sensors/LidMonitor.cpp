@@ -1,0 +1,74 @@
+#include "sensors/LidMonitor.hpp"
+
+#include "foundation/Fatal.hpp"
+#include "runtime/WeakCall.hpp"
+
+#include <cstdint>
+#include <limits>
+
+namespace sentrel
+{
+
+namespace
+{
+
+using namespace std::chrono_literals;
+
+constexpr Duration pollingInterval = 2s;
+constexpr const char* rootDomainClass = "IOPMrootDomain";
+constexpr const char* clamshellStateKey = "AppleClamshellState";
+constexpr const char* screensDidSleep = "NSWorkspaceScreensDidSleepNotification";
+
+} // namespace
+
+LidMonitor::LidMonitor(MainActor mainActor, platform::DeviceRegistry& registry,
+                       platform::WorkspaceNotifications& workspace)
+    : mainActor_(mainActor), registry_(registry), workspace_(workspace)
+{
+}
+
+bool LidMonitor::isLidClosed() const
+{
+    const auto state = registry_.number(rootDomainClass, clamshellStateKey);
+    if (!state) {
+        return false;
+    }
+    if (*state < 0 || *state > std::numeric_limits<std::uint32_t>::max()) {
+        fatalError("the clamshell state is not an unsigned 32-bit number");
+    }
+    return *state != 0;
+}
+
+void LidMonitor::start()
+{
+    stop();
+    const auto check = weakCall(mainActor_, anchor_.weak(), &LidMonitor::check);
+    wasLidOpen_ = !isLidClosed();
+    observer_ = workspace_.observe(screensDidSleep, check);
+    Scheduler& scheduler = mainActor_.scheduler();
+    timer_ = std::make_unique<RepeatingTimer>(scheduler, scheduler.mainExecutor(), pollingInterval, check);
+}
+
+void LidMonitor::stop()
+{
+    observer_.reset();
+    timer_.reset();
+}
+
+void LidMonitor::check()
+{
+    // Without a timer the monitor was stopped after this check had been queued.
+    if (timer_ == nullptr) {
+        return;
+    }
+    const bool isClosed = isLidClosed();
+    const bool wasClosedNow = wasLidOpen_ && isClosed;
+    wasLidOpen_ = !isClosed;
+    if (wasClosedNow && onLidClosed) {
+        // A copy, called last: the owner may replace the callback or drop the monitor in it.
+        const auto report = onLidClosed;
+        report();
+    }
+}
+
+} // namespace sentrel

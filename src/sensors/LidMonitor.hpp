@@ -1,0 +1,47 @@
+#pragma once
+
+#include "platform/DeviceRegistry.hpp"
+#include "platform/WorkspaceNotifications.hpp"
+#include "runtime/MainActor.hpp"
+#include "runtime/RepeatingTimer.hpp"
+#include "runtime/Weak.hpp"
+
+#include <functional>
+#include <memory>
+
+namespace sentrel
+{
+
+/// Tells when the lid is closed: once for each change from open to closed. It looks whenever the screens go to sleep
+/// and, as a safety net, every 2 s. A lid that can't be read counts as open. Main actor only.
+class LidMonitor
+{
+public:
+    LidMonitor(MainActor mainActor, platform::DeviceRegistry& registry, platform::WorkspaceNotifications& workspace);
+    LidMonitor(const LidMonitor&) = delete;
+
+    /// Called on the main actor at each closing.
+    std::function<void()> onLidClosed;
+
+    /// Takes the lid's present state as known and watches from now on; starting again starts afresh.
+    void start();
+
+    /// Ends the watch; nothing is reported afterwards. Safe when not started.
+    void stop();
+
+    /// Reads the lid. Ends the program when the system's number isn't one of 32 unsigned bits.
+    [[nodiscard]] bool isLidClosed() const;
+
+private:
+    void check();
+
+    MainActor mainActor_;
+    platform::DeviceRegistry& registry_;
+    platform::WorkspaceNotifications& workspace_;
+    platform::RegistrationPtr observer_;
+    std::unique_ptr<RepeatingTimer> timer_;
+    bool wasLidOpen_ = true;
+    WeakAnchor<LidMonitor> anchor_{*this};
+};
+
+} // namespace sentrel

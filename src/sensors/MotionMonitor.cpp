@@ -1,0 +1,85 @@
+#include "sensors/MotionMonitor.hpp"
+
+namespace sentrel
+{
+
+namespace
+{
+
+constexpr std::int64_t appleVendorPage = 0xFF00; // kHIDPage_AppleVendor
+constexpr std::int64_t accelerometerUsage = 3;
+constexpr std::int64_t reportInterval = 20'000; // microseconds: 50 samples a second
+constexpr double thresholdBeforeFirstStart = 0.5;
+
+} // namespace
+
+MotionMonitor::MotionMonitor(MainActor mainActor, platform::HidEventSystem& events, platform::WallClock& wallClock)
+    : mainActor_(mainActor), events_(events), wallClock_(wallClock), detector_(thresholdBeforeFirstStart)
+{
+}
+
+bool MotionMonitor::probeAvailability(platform::HidEventSystem& events)
+{
+    const auto client = makeMatchingClient(events, appleVendorPage, accelerometerUsage);
+    if (client == nullptr) {
+        return false;
+    }
+    const auto services = client->copyServices();
+    return services && !services->empty();
+}
+
+bool MotionMonitor::refreshAvailability()
+{
+    isAccelerometerAvailable_ = probeAvailability(events_);
+    return isAccelerometerAvailable_;
+}
+
+void MotionMonitor::start(double sensitivity)
+{
+    stop();
+    detector_ = MotionDetector{MotionDetector::thresholdFor(sensitivity)};
+    if (!refreshAvailability()) {
+        return;
+    }
+    auto onSample = [mainActor = mainActor_, weak = anchor_.weak()](double x, double y, double z) {
+        mainActor.spawn(process(weak, AccelerationSample{x, y, z}));
+    };
+    auto handler = std::make_unique<AccelerometerEventHandler>(mainActor_.scheduler(), events_, std::move(onSample));
+    if (!handler->start(appleVendorPage, accelerometerUsage, reportInterval)) {
+        isAccelerometerAvailable_ = false;
+        return;
+    }
+    handler_ = std::move(handler);
+}
+
+void MotionMonitor::stop()
+{
+    if (handler_ != nullptr) {
+        handler_->stop();
+        handler_.reset();
+    }
+    detector_.forgetBaseline();
+}
+
+Async<void> MotionMonitor::process(Weak<MotionMonitor> weak, AccelerationSample sample)
+{
+    if (MotionMonitor* const monitor = weak.get()) {
+        monitor->process(sample);
+    }
+    co_return;
+}
+
+void MotionMonitor::process(const AccelerationSample& sample)
+{
+    // Without a handler the monitor was stopped while this sample was on its way.
+    if (handler_ == nullptr || !detector_.departs(sample)) {
+        return;
+    }
+    if (detector_.accept(wallClock_.now()) && onMotionDetected) {
+        // A copy: the owner may replace the callback or drop the monitor in it.
+        const auto report = onMotionDetected;
+        report();
+    }
+}
+
+} // namespace sentrel

@@ -1,0 +1,84 @@
+#include "sensors/PowerMonitor.hpp"
+
+#include "runtime/WeakCall.hpp"
+
+#include <string_view>
+
+namespace sentrel
+{
+
+namespace
+{
+
+using namespace std::chrono_literals;
+
+constexpr Duration pollingInterval = 5s;
+constexpr std::string_view stateKey = "Power Source State"; // kIOPSPowerSourceStateKey
+constexpr std::string_view acPowerValue = "AC Power";       // kIOPSACPowerValue
+
+} // namespace
+
+PowerMonitor::PowerMonitor(MainActor mainActor, platform::PowerSources& sources)
+    : mainActor_(mainActor), sources_(sources)
+{
+}
+
+void PowerMonitor::start()
+{
+    stop();
+    const auto check = weakCall(mainActor_, anchor_.weak(), &PowerMonitor::check);
+    // Unknown counts as plugged in, so that the first certain reading of a battery is an unplugging.
+    wasOnACPower_ = readState() != PowerState::onBattery;
+    // Null when the system makes no notification source: the timer alone then notices the change.
+    notification_ = sources_.observeChanges(check);
+    Scheduler& scheduler = mainActor_.scheduler();
+    timer_ = std::make_unique<RepeatingTimer>(scheduler, scheduler.mainExecutor(), pollingInterval, check);
+}
+
+void PowerMonitor::stop()
+{
+    timer_.reset();
+    notification_.reset();
+}
+
+void PowerMonitor::check()
+{
+    // Without a timer the monitor was stopped after this check had been queued.
+    if (timer_ == nullptr) {
+        return;
+    }
+    const PowerState state = readState();
+    if (state == PowerState::unknown) {
+        return;
+    }
+    const bool unplugged = wasOnACPower_ && state == PowerState::onBattery;
+    wasOnACPower_ = state == PowerState::onAC;
+    if (unplugged && onUnplugged) {
+        // A copy, called last: the owner may replace the callback or drop the monitor in it.
+        const auto report = onUnplugged;
+        report();
+    }
+}
+
+PowerMonitor::PowerState PowerMonitor::readState()
+{
+    const auto snapshot = sources_.copySnapshot();
+    if (snapshot == nullptr) {
+        return PowerState::unknown;
+    }
+    const std::size_t count = snapshot->count().value_or(0);
+    auto state = PowerState::unknown;
+    for (std::size_t source = 0; source < count; ++source) {
+        const auto text = snapshot->text(source, stateKey);
+        if (!text) {
+            continue;
+        }
+        if (*text == acPowerValue) {
+            return PowerState::onAC;
+        }
+        state = PowerState::onBattery;
+    }
+    return state;
+}
+
+} // namespace sentrel

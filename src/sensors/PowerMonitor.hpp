@@ -1,0 +1,45 @@
+#pragma once
+
+#include "platform/PowerSources.hpp"
+#include "runtime/MainActor.hpp"
+#include "runtime/RepeatingTimer.hpp"
+#include "runtime/Weak.hpp"
+
+#include <functional>
+#include <memory>
+
+namespace sentrel
+{
+
+/// Tells when the Mac is unplugged: once for each change from AC power to battery. It listens to the system's power
+/// notification and, as a safety net, looks every 5 s. Main actor only.
+class PowerMonitor
+{
+public:
+    PowerMonitor(MainActor mainActor, platform::PowerSources& sources);
+    PowerMonitor(const PowerMonitor&) = delete;
+
+    /// Called on the main actor at each unplugging.
+    std::function<void()> onUnplugged;
+
+    /// Takes the present state as known and watches from now on; starting again starts afresh.
+    void start();
+
+    /// Ends the watch; nothing is reported afterwards. Safe when not started.
+    void stop();
+
+private:
+    enum class PowerState { onAC, onBattery, unknown };
+
+    [[nodiscard]] PowerState readState();
+    void check();
+
+    MainActor mainActor_;
+    platform::PowerSources& sources_;
+    std::unique_ptr<RepeatingTimer> timer_;
+    platform::RegistrationPtr notification_;
+    bool wasOnACPower_ = true;
+    WeakAnchor<PowerMonitor> anchor_{*this};
+};
+
+} // namespace sentrel
