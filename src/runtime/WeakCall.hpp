@@ -6,8 +6,7 @@
 #include <functional>
 #include <utility>
 
-namespace sentrel
-{
+namespace sentrel {
 
 /// A main-actor task that calls the object's method, unless the object has died before its turn.
 template <class T> Async<void> callIfAlive(Weak<T> weak, void (T::*method)())

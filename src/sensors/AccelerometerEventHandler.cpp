@@ -2,11 +2,9 @@
 
 #include <utility>
 
-namespace sentrel
-{
+namespace sentrel {
 
-namespace
-{
+namespace {
 
 constexpr const char* queueLabel = "pelma.Sentrel.motion.accelerometer";
 constexpr const char* usagePageKey = "PrimaryUsagePage";    // kIOHIDPrimaryUsagePageKey

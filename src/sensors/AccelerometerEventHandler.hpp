@@ -8,8 +8,7 @@
 #include <memory>
 #include <mutex>
 
-namespace sentrel
-{
+namespace sentrel {
 
 /// A client of the HID event system that matches devices by usage; null when none can be created.
 [[nodiscard]] std::unique_ptr<platform::HidClient> makeMatchingClient(platform::HidEventSystem& events,
@@ -17,8 +16,7 @@ namespace sentrel
 
 /// Subscribes to an accelerometer and hands on its raw samples. Started, stopped and destroyed on one thread; samples
 /// come on the handler's own queue.
-class AccelerometerEventHandler
-{
+class AccelerometerEventHandler {
 public:
     /// Takes x, y and z as the sensor gives them. Called on the handler's queue.
     using SampleCallback = std::function<void(double x, double y, double z)>;

@@ -6,11 +6,9 @@
 #include <cstdint>
 #include <limits>
 
-namespace sentrel
-{
+namespace sentrel {
 
-namespace
-{
+namespace {
 
 using namespace std::chrono_literals;
 

@@ -9,13 +9,11 @@
 #include <functional>
 #include <memory>
 
-namespace sentrel
-{
+namespace sentrel {
 
 /// Tells when the lid is closed: once for each change from open to closed. It looks whenever the screens go to sleep
 /// and, as a safety net, every 2 s. A lid that can't be read counts as open. Main actor only.
-class LidMonitor
-{
+class LidMonitor {
 public:
     LidMonitor(MainActor mainActor, platform::DeviceRegistry& registry, platform::WorkspaceNotifications& workspace);
     LidMonitor(const LidMonitor&) = delete;

@@ -3,11 +3,9 @@
 #include <algorithm>
 #include <cmath>
 
-namespace sentrel
-{
+namespace sentrel {
 
-namespace
-{
+namespace {
 
 constexpr double leastSensitivity = 0.1;
 constexpr double greatestThreshold = 0.9; // at the least sensitivity

@@ -4,8 +4,7 @@
 
 #include <optional>
 
-namespace sentrel
-{
+namespace sentrel {
 
 /// One reading of the accelerometer, in units of standard gravity.
 struct AccelerationSample {
@@ -17,8 +16,7 @@ struct AccelerationSample {
 /// Decides from acceleration samples when the computer is being moved. It keeps a baseline of the machine at rest,
 /// lets it follow slow drift, and fires on a sample that is farther from it than the threshold, at most once in 5 s.
 /// A plain value: no clock, no allocation.
-class MotionDetector
-{
+class MotionDetector {
 public:
     explicit MotionDetector(double threshold) : threshold_(threshold) {}
 

@@ -1,10 +1,8 @@
 #include "sensors/MotionMonitor.hpp"
 
-namespace sentrel
-{
+namespace sentrel {
 
-namespace
-{
+namespace {
 
 constexpr std::int64_t appleVendorPage = 0xFF00; // kHIDPage_AppleVendor
 constexpr std::int64_t accelerometerUsage = 3;

@@ -10,12 +10,10 @@
 #include <functional>
 #include <memory>
 
-namespace sentrel
-{
+namespace sentrel {
 
 /// Tells when the computer is moved, by its accelerometer, at most once in 5 s. Main actor only.
-class MotionMonitor
-{
+class MotionMonitor {
 public:
     MotionMonitor(MainActor mainActor, platform::HidEventSystem& events, platform::WallClock& wallClock);
     MotionMonitor(const MotionMonitor&) = delete;

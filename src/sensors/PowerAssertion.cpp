@@ -1,10 +1,8 @@
 #include "sensors/PowerAssertion.hpp"
 
-namespace sentrel
-{
+namespace sentrel {
 
-namespace
-{
+namespace {
 
 constexpr const char* assertionType = "PreventUserIdleSystemSleep"; // kIOPMAssertPreventUserIdleSystemSleep
 constexpr std::uint32_t levelOn = 255;                              // kIOPMAssertionLevelOn

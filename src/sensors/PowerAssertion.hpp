@@ -5,13 +5,11 @@
 #include <cstdint>
 #include <string>
 
-namespace sentrel
-{
+namespace sentrel {
 
 /// Keeps the Mac from idle-sleeping while it is held. Main actor only. Its end deliberately releases nothing: whoever
 /// acquired it releases it, and the system drops what a dead process held.
-class PowerAssertion
-{
+class PowerAssertion {
 public:
     explicit PowerAssertion(platform::PowerAssertions& assertions) : assertions_(assertions) {}
     PowerAssertion(const PowerAssertion&) = delete;

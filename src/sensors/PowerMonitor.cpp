@@ -4,11 +4,9 @@
 
 #include <string_view>
 
-namespace sentrel
-{
+namespace sentrel {
 
-namespace
-{
+namespace {
 
 using namespace std::chrono_literals;
 

@@ -8,13 +8,11 @@
 #include <functional>
 #include <memory>
 
-namespace sentrel
-{
+namespace sentrel {
 
 /// Tells when the Mac is unplugged: once for each change from AC power to battery. It listens to the system's power
 /// notification and, as a safety net, looks every 5 s. Main actor only.
-class PowerMonitor
-{
+class PowerMonitor {
 public:
     PowerMonitor(MainActor mainActor, platform::PowerSources& sources);
     PowerMonitor(const PowerMonitor&) = delete;

@@ -1,0 +1,24 @@
+#include "outputs/AlarmSoundPlayer.hpp"
+
+#include <utility>
+
+namespace sentrel {
+
+AlarmSoundPlayer::AlarmSoundPlayer(MainActor mainActor, const AlarmSoundServices& services)
+    : worker_(mainActor.scheduler(), services,
+              [mainActor, weak = anchor_.weak(), &language = services.language](std::string_view message) {
+                  mainActor.spawn(deliver(weak, language.localized(message)));
+              })
+{
+}
+
+Async<void> AlarmSoundPlayer::deliver(Weak<AlarmSoundPlayer> weak, std::string message)
+{
+    AlarmSoundPlayer* const player = weak.get();
+    if (player != nullptr && player->onPlaybackDegraded) {
+        player->onPlaybackDegraded(message);
+    }
+    co_return;
+}
+
+} // namespace sentrel

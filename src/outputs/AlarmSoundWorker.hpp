@@ -1,0 +1,83 @@
+#pragma once
+
+#include "outputs/MediaPlayback.hpp"
+#include "outputs/SavedOutputState.hpp"
+#include "outputs/SystemVolumeControl.hpp"
+#include "outputs/ToneEngine.hpp"
+#include "platform/Journal.hpp"
+#include "platform/UserDefaults.hpp"
+#include "runtime/RepeatingTimer.hpp"
+#include "runtime/SerialQueue.hpp"
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string_view>
+
+namespace sentrel {
+
+/// What the alarm sound works with. Everything referred to outlives it.
+struct AlarmSoundServices {
+    SystemVolumeControl& outputVolume;
+    MediaPlayback& mediaPlayback;
+    platform::AudioEngines& audioEngines;
+    platform::SystemBeep& systemBeep;
+    platform::UserDefaults& defaults;
+    platform::Language& language;
+    platform::Journal& journal;
+};
+
+/// Sounds the alarm on its own queue: it pauses music, takes the speaker over, plays the tone or, failing that, the
+/// system's beep, and keeps the volume up until it is stopped. Operations may be called on any thread.
+class AlarmSoundWorker {
+public:
+    /// Called on the worker's queue with an English text, the key of its translation.
+    using DegradedCallback = std::function<void(std::string_view message)>;
+
+    AlarmSoundWorker(Scheduler& scheduler, const AlarmSoundServices& services, DegradedCallback onDegraded);
+
+    /// Silences the tone; puts nothing back, as in a crash: the saved output state on disk does that at the next
+    /// launch.
+    ~AlarmSoundWorker();
+    AlarmSoundWorker(const AlarmSoundWorker&) = delete;
+
+    /// Starts the alarm at a volume setting of 0 to 1, unless it sounds already.
+    void play(float volume);
+
+    /// Stops it and puts the user's audio output back.
+    void stop();
+
+    /// The same, and returns when it is done. Not from the worker's queue.
+    void stopAndWait();
+
+    /// Puts the audio output back that a crash has left behind.
+    void restoreLeftoverState();
+
+    /// The effective volume for a setting: 0.1 to 1.0 mapped onto 0.25 to 1.0, so that no setting makes it quiet.
+    [[nodiscard]] static float effectiveVolume(float setting);
+
+private:
+    Async<void> playNow(float volume);
+    void playOnNoDevice();
+    [[nodiscard]] std::optional<platform::AudioObjectId> chooseDevice() const;
+    void takeOverDevice();
+    void startVolumeTimer();
+    void noteStarted();
+    void tick();
+    void beepBurst();
+    void stopNow();
+    void restoreNow();
+
+    AlarmSoundServices services_;
+    const DegradedCallback onDegraded_;
+    ToneEngine toneEngine_;
+    std::unique_ptr<RepeatingTimer> volumeTimer_;
+    bool usingBeepFallback_ = false;
+    bool isPlaying_ = false;
+    float alarmVolume_ = 0.8F;
+    std::optional<SavedOutputState> savedOutputState_;
+    std::optional<platform::AudioObjectId> alarmOutputDeviceID_;
+    SerialQueue queue_; // last: dead before what its jobs use
+};
+
+} // namespace sentrel

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "foundation/Bytes.hpp"
+#include "platform/AudioHardware.hpp"
+
+#include <optional>
+
+namespace sentrel {
+
+/// How the audio output was before the alarm took it over; kept on disk while the alarm sounds.
+struct SavedOutputState {
+    platform::AudioObjectId speakerDeviceID = 0; ///< the device that was taken over
+    float speakerVolume = 0.0F;                  ///< its volume scalar; 0 if it had none that could be read
+    bool speakerWasMuted = false;
+    std::optional<platform::AudioObjectId> previousDefaultDeviceID; ///< none if it could not be read
+    std::optional<float> previousDefaultVolume;                     ///< none exactly when there is no such device
+    bool previousDefaultWasMuted = false;
+    bool switchedDefaultDevice = false; ///< whether the take-over changed the default output device
+
+    friend bool operator==(const SavedOutputState&, const SavedOutputState&) = default;
+};
+
+/// The state as a JSON object under its fields' names, in their order, absent values left out. None when a volume
+/// isn't a finite number.
+[[nodiscard]] std::optional<Bytes> encode(const SavedOutputState& state);
+
+/// Reads the JSON form strictly: none unless every field is right; only the two optional ones may be missing or null.
+[[nodiscard]] std::optional<SavedOutputState> decodeSavedOutputState(BytesView json);
+
+} // namespace sentrel

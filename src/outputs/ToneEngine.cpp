@@ -1,0 +1,60 @@
+#include "outputs/ToneEngine.hpp"
+
+#include "outputs/ToneBuffer.hpp"
+
+#include <utility>
+
+namespace sentrel {
+
+namespace {
+
+constexpr std::uint32_t currentDeviceProperty = 2000; // kAudioOutputUnitProperty_CurrentDevice
+constexpr std::uint32_t globalUnitScope = 0;          // kAudioUnitScope_Global
+constexpr std::uint32_t channelCount = 1;
+
+std::unique_ptr<platform::AudioBuffer> makeTone(platform::AudioEngine& engine, const platform::AudioFormat& format,
+                                                float alarmVolume)
+{
+    auto buffer = engine.makeBuffer(format, ToneBuffer::frameCount);
+    if (buffer == nullptr || buffer->samples().size() != ToneBuffer::frameCount) {
+        return nullptr;
+    }
+    ToneBuffer::render(buffer->samples().first<ToneBuffer::frameCount>(), alarmVolume);
+    return buffer;
+}
+
+} // namespace
+
+bool ToneEngine::start(platform::AudioObjectId device, float alarmVolume)
+{
+    stop();
+    engine_ = engines_.makeEngine();
+    if (engine_ == nullptr) {
+        return false;
+    }
+    // A refusal leaves the engine on the default device, which the take-over has made the same.
+    engine_->setOutputUnitProperty(currentDeviceProperty, globalUnitScope, 0, device);
+    const auto format = engine_->makeStandardFormat(ToneBuffer::sampleRate, channelCount);
+    if (format == nullptr) {
+        return false;
+    }
+    engine_->attachPlayerToMainMixer(*format);
+    engine_->setMainMixerVolume(alarmVolume);
+    auto tone = makeTone(*engine_, *format, alarmVolume);
+    if (tone == nullptr || !engine_->start()) {
+        return false;
+    }
+    engine_->scheduleLooping(std::move(tone));
+    engine_->play();
+    return true;
+}
+
+void ToneEngine::stop()
+{
+    if (engine_ != nullptr) {
+        engine_->stop();
+        engine_.reset();
+    }
+}
+
+} // namespace sentrel

@@ -1,0 +1,27 @@
+#pragma once
+
+#include "platform/AudioEngine.hpp"
+#include "platform/AudioHardware.hpp"
+
+#include <memory>
+
+namespace sentrel {
+
+/// Plays the alarm's tone in a loop on one output device. Used on one queue.
+class ToneEngine {
+public:
+    explicit ToneEngine(platform::AudioEngines& engines) : engines_(engines) {}
+    ToneEngine(const ToneEngine&) = delete;
+
+    /// Starts the tone anew on the device at an alarm volume of 0 to 1. False when some step of it fails.
+    [[nodiscard]] bool start(platform::AudioObjectId device, float alarmVolume);
+
+    /// Stops the tone. Safe when it doesn't play.
+    void stop();
+
+private:
+    platform::AudioEngines& engines_;
+    std::unique_ptr<platform::AudioEngine> engine_;
+};
+
+} // namespace sentrel
