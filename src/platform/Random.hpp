@@ -14,4 +14,13 @@ public:
     [[nodiscard]] virtual bool fill(std::span<std::uint8_t> bytes) = 0;
 };
 
+/// The system's general random generator, which always answers. Any thread.
+class GeneralRandom {
+public:
+    virtual ~GeneralRandom() = default;
+
+    /// A uniformly distributed byte (`arc4random_uniform`).
+    [[nodiscard]] virtual std::uint8_t nextByte() = 0;
+};
+
 } // namespace sentrel::platform

@@ -7,11 +7,16 @@ bool SeededRandom::fill(std::span<std::uint8_t> bytes)
     if (faults_.strikes("fill")) {
         return false;
     }
-    const std::lock_guard guard{mutex_};
     for (std::uint8_t& byte : bytes) {
-        byte = static_cast<std::uint8_t>(generator_() >> 56);
+        byte = nextByte();
     }
     return true;
+}
+
+std::uint8_t SeededRandom::nextByte()
+{
+    const std::lock_guard guard{mutex_};
+    return static_cast<std::uint8_t>(generator_() >> 56);
 }
 
 } // namespace sentrel::simulated

@@ -9,11 +9,12 @@
 namespace sentrel::simulated {
 
 /// Random bytes that are the same for the same seed, whatever the sizes in which they are asked for. Any thread.
-class SeededRandom final : public platform::Random {
+class SeededRandom final : public platform::Random, public platform::GeneralRandom {
 public:
     explicit SeededRandom(std::uint64_t seed) : generator_(seed) {}
 
     [[nodiscard]] bool fill(std::span<std::uint8_t> bytes) override;
+    [[nodiscard]] std::uint8_t nextByte() override;
 
     /// `fill`: the system has no random bytes to give.
     [[nodiscard]] FaultSwitches& faults() { return faults_; }

@@ -1,0 +1,77 @@
+#include "lock/PasswordGate.hpp"
+
+#include "platform/Alerts.hpp"
+#include "platform/ApplicationActivation.hpp"
+#include "platform/Language.hpp"
+#include "platform/LoginAuthentication.hpp"
+#include "runtime/Semaphore.hpp"
+
+#include <memory>
+#include <utility>
+
+namespace sentrel {
+
+namespace {
+
+constexpr std::int64_t deviceOwnerAuthentication = 2; // LAPolicyDeviceOwnerAuthentication
+constexpr std::uint64_t warningAlertStyle = 0;        // NSAlertStyleWarning
+
+/// What the system's panel answers, on whatever thread. Shared with the panel, which may outlive the request.
+struct Reply {
+    bool succeeded = false;
+    Semaphore arrived;
+};
+
+} // namespace
+
+PasswordGate::PasswordGate(platform::LoginAuthentication& login, platform::Alerts& alerts,
+                           platform::ApplicationActivation& activation, platform::Language& language)
+    : login_(login), alerts_(alerts), activation_(activation), language_(language)
+{
+}
+
+Async<bool> PasswordGate::authenticate(std::string reason)
+{
+    try {
+        const bool authenticated = co_await ask(std::move(reason));
+        co_return authenticated;
+    } catch (const CancellationError&) {
+        co_return false;
+    }
+}
+
+Async<bool> PasswordGate::ask(std::string reason)
+{
+    // A fresh context for each request: one that has authenticated before would not ask again.
+    const auto context = login_.makeContext();
+    context->setLocalizedReason(reason);
+    auto evaluability = context->canEvaluatePolicy(deviceOwnerAuthentication);
+    if (!evaluability.canEvaluate) {
+        co_await showUnavailable(std::move(evaluability.errorDescription));
+        co_return false;
+    }
+
+    const auto reply = std::make_shared<Reply>();
+    context->evaluatePolicy(deviceOwnerAuthentication, reason, [reply](bool succeeded) {
+        reply->succeeded = succeeded;
+        reply->arrived.signal();
+    });
+    co_await reply->arrived.wait();
+    co_return reply->succeeded;
+}
+
+Async<void> PasswordGate::showUnavailable(std::optional<std::string> why)
+{
+    platform::AlertContent content;
+    content.style = warningAlertStyle;
+    content.messageText = language_.localized("Authentication Unavailable");
+    content.informativeText =
+        why ? std::move(*why)
+            : language_.localized(
+                  "This action requires your Mac login, but authentication is not available right now.");
+    // The application lives in the menu bar: without this the alert would open behind the windows of others.
+    activation_.activate(true);
+    co_await alerts_.runModal(std::move(content));
+}
+
+} // namespace sentrel

@@ -1,0 +1,29 @@
+#pragma once
+
+#include "platform/ApplicationActivation.hpp"
+
+#include <atomic>
+
+namespace sentrel::simulated {
+
+/// Which application is in front: at first another one. Any thread.
+class SimulatedApplicationActivation final : public platform::ApplicationActivation {
+public:
+    /// Brings the application to the front; without ignoring the others, the one in front keeps its place.
+    void activate(bool ignoringOtherApplications) override
+    {
+        if (ignoringOtherApplications) {
+            isActive_ = true;
+        }
+    }
+
+    /// The user turns to another application.
+    void deactivate() { isActive_ = false; }
+
+    [[nodiscard]] bool isActive() const { return isActive_; }
+
+private:
+    std::atomic<bool> isActive_ = false;
+};
+
+} // namespace sentrel::simulated

@@ -1,0 +1,203 @@
+#include "lock/PasswordGate.hpp"
+
+#include "platform/Language.hpp"
+#include "platform/simulated/EventLog.hpp"
+#include "platform/simulated/SimulatedAlerts.hpp"
+#include "platform/simulated/SimulatedApplicationActivation.hpp"
+#include "platform/simulated/SimulatedLogin.hpp"
+#include "runtime/MainActor.hpp"
+#include "runtime/ThreadScheduler.hpp"
+#include "runtime/VirtualScheduler.hpp"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace sentrel {
+namespace {
+
+using namespace std::chrono_literals;
+using simulated::LoginAnswer;
+using testing::ElementsAre;
+using testing::Optional;
+
+/// A language in which every text is marked, so that a text that wasn't looked up stands out.
+class MarkedLanguage final : public platform::Language {
+public:
+    [[nodiscard]] std::string localized(std::string_view key) override { return "<" + std::string{key} + ">"; }
+    [[nodiscard]] bool containsIgnoringCase(std::string_view text, std::string_view part) override
+    {
+        return text.find(part) != text.npos;
+    }
+};
+
+/// A gate with the panels that it opens, by one clock.
+template <class Clocked> struct GateOn {
+    explicit GateOn(Clocked& ticking) : scheduler(ticking) {}
+
+    Async<void> ask(std::string reason, std::optional<bool>& answer)
+    {
+        const bool authenticated = co_await gate.authenticate(std::move(reason));
+        answer = authenticated;
+    }
+
+    Clocked& scheduler;
+    MainActor main{scheduler};
+    simulated::EventLog journal{scheduler};
+    simulated::SimulatedLogin login{scheduler, journal};
+    simulated::SimulatedApplicationActivation activation;
+    simulated::SimulatedAlerts alerts{scheduler, activation};
+    MarkedLanguage language;
+    PasswordGate gate{login, alerts, activation, language};
+};
+
+class PasswordGateTest : public testing::Test {
+protected:
+    std::vector<std::string> answersNoted()
+    {
+        std::vector<std::string> answers;
+        for (const auto& event : mac_.journal.named("login")) {
+            answers.push_back(std::string{event.text("reason")} + ": " + std::string{event.text("answer")});
+        }
+        return answers;
+    }
+
+    VirtualClock clock_;
+    VirtualScheduler scheduler_{clock_};
+    GateOn<VirtualScheduler> mac_{scheduler_};
+};
+
+TEST_F(PasswordGateTest, OnlyAnAuthenticatedUserPassesAndNothingElseIsShown)
+{
+    for (const auto given : {LoginAnswer::succeed, LoginAnswer::fail, LoginAnswer::cancel}) {
+        mac_.login.setAnswer(given);
+        std::optional<bool> answer;
+        mac_.main.spawn(mac_.ask("verify your Mac login", answer));
+        clock_.runUntilIdle();
+        EXPECT_THAT(answer, Optional(given == LoginAnswer::succeed));
+    }
+    EXPECT_THAT(answersNoted(), ElementsAre("verify your Mac login: succeed", "verify your Mac login: fail",
+                                            "verify your Mac login: cancel"));
+    EXPECT_TRUE(mac_.alerts.shown().empty());
+    EXPECT_FALSE(mac_.activation.isActive());
+}
+
+TEST_F(PasswordGateTest, TheAnswerComesWithTheUserAndNotBefore)
+{
+    mac_.login.setAnswerDelay(20s);
+    std::optional<bool> answer;
+    mac_.main.spawn(mac_.ask("because", answer));
+    clock_.advance(20s - 1ns);
+    EXPECT_THAT(mac_.login.panelReason(), Optional(std::string{"because"}));
+    EXPECT_EQ(answer, std::nullopt);
+    clock_.advance(1ns);
+    EXPECT_THAT(answer, Optional(true));
+    EXPECT_EQ(mac_.login.panelReason(), std::nullopt);
+}
+
+TEST_F(PasswordGateTest, AMacThatCanNotAskSaysWhyInTheSystemsOwnWordsInFrontOfOtherWindows)
+{
+    mac_.login.setAnswer(LoginAnswer::unavailable);
+    mac_.login.setUnavailabilityDescription("No login is set up.");
+    mac_.alerts.setReadingTime(std::nullopt);
+    std::optional<bool> answer;
+    mac_.main.spawn(mac_.ask("because", answer));
+    clock_.advance(1h);
+
+    const auto alert = mac_.alerts.open();
+    ASSERT_TRUE(alert);
+    EXPECT_EQ(alert->content.style, 0U);
+    EXPECT_EQ(alert->content.messageText, "<Authentication Unavailable>");
+    EXPECT_EQ(alert->content.informativeText, "No login is set up.");
+    EXPECT_TRUE(alert->isInFront);
+    EXPECT_EQ(answer, std::nullopt);
+
+    EXPECT_TRUE(mac_.alerts.close());
+    clock_.runUntilIdle();
+    EXPECT_THAT(answer, Optional(false));
+    EXPECT_TRUE(mac_.login.reasonsAsked().empty());
+    EXPECT_THAT(answersNoted(), ElementsAre("because: unavailable"));
+}
+
+TEST_F(PasswordGateTest, WithoutAReasonOfTheSystemTheAlertGivesItsOwn)
+{
+    mac_.login.setAnswer(LoginAnswer::unavailable);
+    std::optional<bool> answer;
+    mac_.main.spawn(mac_.ask("because", answer));
+    clock_.runUntilIdle();
+    ASSERT_EQ(mac_.alerts.shown().size(), 1U);
+    EXPECT_EQ(mac_.alerts.shown()[0].content.informativeText,
+              "<This action requires your Mac login, but authentication is not available right now.>");
+    EXPECT_THAT(answer, Optional(false));
+}
+
+TEST_F(PasswordGateTest, TwoRequestsShowTheirPanelsOneAfterTheOther)
+{
+    mac_.login.setAnswerDelay(std::nullopt);
+    std::optional<bool> first;
+    std::optional<bool> second;
+    mac_.main.spawn(mac_.ask("first", first));
+    mac_.main.spawn(mac_.ask("second", second));
+    clock_.runUntilIdle();
+    EXPECT_THAT(mac_.login.reasonsAsked(), ElementsAre("first"));
+
+    EXPECT_TRUE(mac_.login.answerPanel(LoginAnswer::cancel));
+    clock_.runUntilIdle();
+    EXPECT_THAT(first, Optional(false));
+    EXPECT_EQ(second, std::nullopt);
+    EXPECT_THAT(mac_.login.panelReason(), Optional(std::string{"second"}));
+
+    EXPECT_TRUE(mac_.login.answerPanel(LoginAnswer::succeed));
+    clock_.runUntilIdle();
+    EXPECT_THAT(second, Optional(true));
+    EXPECT_FALSE(mac_.login.answerPanel(LoginAnswer::succeed));
+}
+
+TEST_F(PasswordGateTest, ARequestThatIsCalledOffAnswersNoAndClosesItsPanel)
+{
+    mac_.login.setAnswerDelay(std::nullopt);
+    std::optional<bool> first;
+    std::optional<bool> second;
+    const auto task = mac_.main.spawn(mac_.ask("first", first));
+    mac_.main.spawn(mac_.ask("second", second));
+    clock_.runUntilIdle();
+    task.cancel();
+    clock_.runUntilIdle();
+    EXPECT_THAT(first, Optional(false));
+    EXPECT_THAT(mac_.login.panelReason(), Optional(std::string{"second"}));
+    EXPECT_THAT(answersNoted(), ElementsAre("first: invalidated"));
+}
+
+TEST_F(PasswordGateTest, APanelMayOutliveTheOneWhoAsked)
+{
+    mac_.login.setAnswerDelay(1min);
+    std::optional<bool> answer;
+    {
+        TaskBag asker;
+        asker.add(mac_.main.spawn(mac_.ask("because", answer)));
+        clock_.advance(1s);
+    }
+    clock_.runUntilIdle();
+    EXPECT_EQ(answer, std::nullopt);
+    EXPECT_THAT(answersNoted(), ElementsAre("because: invalidated"));
+}
+
+TEST(PasswordGateOnThreads, AReplyFromAnotherThreadComesBackToTheMainOne)
+{
+    ThreadScheduler scheduler;
+    GateOn<ThreadScheduler> mac{scheduler};
+    mac.login.setAnswerDelay(2ms);
+    std::optional<bool> answer;
+    bool isOnMain = false;
+    const auto ask = [](GateOn<ThreadScheduler>& on, std::optional<bool>& given, bool& main) -> Async<void> {
+        co_await on.ask("because", given);
+        main = on.main.isCurrent();
+        on.scheduler.stopMain();
+    };
+    mac.main.spawn(ask(mac, answer, isOnMain));
+    scheduler.runMain();
+    EXPECT_THAT(answer, Optional(true));
+    EXPECT_TRUE(isOnMain);
+}
+
+} // namespace
+} // namespace sentrel
