@@ -7,6 +7,8 @@
 
 #include <gtest/gtest.h>
 
+#include <memory>
+
 namespace sentrel::simulated {
 namespace {
 
@@ -19,14 +21,12 @@ constexpr auto playingTest = "tell application \"Music\"\n    player state is pl
 constexpr auto anyEvent = fourCharCode("****");
 const std::string music = "com.apple.Music";
 
-Async<void> keep(Async<std::optional<bool>> script, std::optional<std::optional<bool>>& answer)
-{
-    answer = co_await std::move(script);
-}
+/// What is asked may be answered after whoever asked has gone on.
+template <class Answer> using Kept = std::shared_ptr<std::optional<Answer>>;
 
-Async<void> keep(Async<std::optional<std::int32_t>> question, std::optional<std::int32_t>& answer)
+template <class Answer> Async<void> keep(Async<Answer> question, Kept<Answer> kept)
 {
-    answer = co_await std::move(question);
+    *kept = co_await std::move(question);
 }
 
 struct MusicTest : testing::Test {
@@ -38,24 +38,32 @@ struct MusicTest : testing::Test {
     VirtualScheduler scheduler{clock};
     MainActor mainActor{scheduler};
 
+    template <class Answer> Kept<Answer> start(Async<Answer> question)
+    {
+        const auto kept = std::make_shared<std::optional<Answer>>();
+        mainActor.spawn(keep(std::move(question), kept));
+        clock.runReady();
+        return kept;
+    }
+
+    Kept<std::optional<std::int32_t>> startPermission(bool ask, std::uint32_t type = fourCharCode("bund"))
+    {
+        return start(app.determinePermission(type, music, anyEvent, anyEvent, ask));
+    }
+
     std::optional<std::int32_t> permission(bool ask, std::uint32_t type = fourCharCode("bund"))
     {
-        std::optional<std::int32_t> answer;
-        mainActor.spawn(keep(app.determinePermission(type, music, anyEvent, anyEvent, ask), answer));
-        clock.runReady();
-        return answer;
+        return startPermission(ask, type)->value_or(std::nullopt);
     }
 
     /// What the script answers at once.
     std::string script(std::string source)
     {
-        std::optional<std::optional<bool>> answer;
-        mainActor.spawn(keep(app.runScript(std::move(source)), answer));
-        clock.runReady();
-        if (!answer) {
+        const auto answer = start(app.runScript(std::move(source)));
+        if (!*answer) {
             return "no answer";
         }
-        return !*answer ? "failure" : **answer ? "true" : "false";
+        return !**answer ? "failure" : ***answer ? "true" : "false";
     }
 
     void pressPlayPause(std::int64_t key = 16, std::uint32_t tap = 0)
@@ -93,13 +101,12 @@ TEST_F(MusicTest, TheOwnerAnswersTheQuestionInHisOwnTime)
 {
     app.setPlayback(Playback::playing);
     app.setConsentDelay(4s);
-    std::optional<std::int32_t> answer;
-    mainActor.spawn(keep(app.determinePermission(fourCharCode("bund"), music, anyEvent, anyEvent, true), answer));
+    const auto answer = startPermission(true);
     clock.advance(3999ms);
-    EXPECT_FALSE(answer);
+    EXPECT_FALSE(*answer);
     EXPECT_EQ(script(playingTest), "failure") << "no consent yet";
     clock.advance(1ms);
-    EXPECT_EQ(answer, 0);
+    EXPECT_EQ(**answer, 0);
     EXPECT_EQ(script(playingTest), "true");
     EXPECT_EQ(story(), "consent.asked consent.answered ");
 }
