@@ -1,0 +1,68 @@
+#include "platform/macos/MacHostInfo.hpp"
+
+#include "platform/macos/FoundationText.hpp"
+
+#import <Foundation/Foundation.h>
+
+#include <cstddef>
+
+#include <sys/sysctl.h>
+
+namespace sentrel::macos {
+
+namespace {
+
+std::optional<std::string> optionalText(NSString* text)
+{
+    if (text == nil) {
+        return std::nullopt;
+    }
+    return textOf(text);
+}
+
+} // namespace
+
+std::optional<std::string> MacHostInfo::systemControlText(const std::string& name)
+{
+    std::size_t size = 0;
+    if (sysctlbyname(name.c_str(), nullptr, &size, nullptr, 0) != 0) {
+        return std::nullopt;
+    }
+    std::string text(size, '\0');
+    if (sysctlbyname(name.c_str(), text.data(), &size, nullptr, 0) != 0) {
+        return std::nullopt;
+    }
+    text.resize(size);
+    return text.c_str(); // without the terminator, which the size counts
+}
+
+std::optional<std::string> MacHostInfo::localizedName()
+{
+#pragma clang diagnostic push
+#pragma clang diagnostic ignored "-Wdeprecated-declarations" // nothing else tells the computer's own name
+    return optionalText(NSHost.currentHost.localizedName);
+#pragma clang diagnostic pop
+}
+
+std::optional<std::string> MacHostInfo::bundleIdentifier()
+{
+    return optionalText(NSBundle.mainBundle.bundleIdentifier);
+}
+
+std::optional<std::filesystem::path> MacHostInfo::applicationSupportDirectory()
+{
+    NSArray<NSURL*>* const urls = [NSFileManager.defaultManager URLsForDirectory:NSApplicationSupportDirectory
+                                                                       inDomains:NSUserDomainMask];
+    NSURL* const first = urls.firstObject;
+    if (first == nil) {
+        return std::nullopt;
+    }
+    return pathOf(first);
+}
+
+std::filesystem::path MacHostInfo::temporaryDirectory()
+{
+    return pathOf(NSFileManager.defaultManager.temporaryDirectory);
+}
+
+} // namespace sentrel::macos

@@ -1,0 +1,14 @@
+#pragma once
+
+#include "platform/Language.hpp"
+
+namespace sentrel::macos {
+
+/// The main bundle's localisation tables and the user's locale.
+class MacLanguage final : public platform::Language {
+public:
+    [[nodiscard]] std::string localized(std::string_view key) override;
+    [[nodiscard]] bool containsIgnoringCase(std::string_view text, std::string_view part) override;
+};
+
+} // namespace sentrel::macos

@@ -1,0 +1,17 @@
+#pragma once
+
+#include "platform/UserDefaults.hpp"
+
+namespace sentrel::macos {
+
+/// The application's standard user defaults.
+class MacUserDefaults final : public platform::UserDefaults {
+public:
+    [[nodiscard]] std::optional<Bytes> data(const std::string& key) override;
+    void setData(const std::string& key, BytesView value) override;
+    [[nodiscard]] std::optional<std::string> text(const std::string& key) override;
+    void setText(const std::string& key, const std::string& value) override;
+    void remove(const std::string& key) override;
+};
+
+} // namespace sentrel::macos
