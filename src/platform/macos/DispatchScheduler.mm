@@ -7,10 +7,11 @@
 namespace sentrel::macos {
 
 DispatchScheduler::DispatchScheduler()
-    : main_(DispatchExecutor::makeMain()), globals_{DispatchExecutor::makeGlobal(QualityOfService::utility),
-                                                    DispatchExecutor::makeGlobal(QualityOfService::standard),
-                                                    DispatchExecutor::makeGlobal(QualityOfService::userInitiated),
-                                                    DispatchExecutor::makeGlobal(QualityOfService::userInteractive)},
+    : main_(DispatchExecutor::makeMain()),
+      globals_{DispatchExecutor::makeGlobal(QualityOfService::utility),
+               DispatchExecutor::makeGlobal(QualityOfService::standard),
+               DispatchExecutor::makeGlobal(QualityOfService::userInitiated),
+               DispatchExecutor::makeGlobal(QualityOfService::userInteractive)},
       timers_(std::make_unique<DispatchTimers>())
 {
 }

@@ -27,7 +27,8 @@ public:
         : queue_(dispatch_queue_create(
               "pelma.Sentrel.timers",
               dispatch_queue_attr_make_with_qos_class(DISPATCH_QUEUE_SERIAL, QOS_CLASS_USER_INTERACTIVE, 0))),
-          uptimeSource_(makeSource(queue_)), wallClockSource_(makeSource(queue_))
+          uptimeSource_(makeSource(queue_)),
+          wallClockSource_(makeSource(queue_))
     {
         arm();
         for (const dispatch_source_t& source : {uptimeSource_, wallClockSource_}) {
@@ -93,7 +94,9 @@ private:
     std::uint64_t armed_ = 0;
 };
 
-DispatchTimers::DispatchTimers() : waker_(std::make_unique<Waker>()) {}
+DispatchTimers::DispatchTimers() : waker_(std::make_unique<Waker>())
+{
+}
 
 DispatchTimers::~DispatchTimers() = default;
 

@@ -14,11 +14,9 @@ public:
 /// Apple Events and AppleScript. The calls block the calling thread; nothing is awaited.
 class MacAutomation final : public platform::Automation {
 public:
-    [[nodiscard]] Async<std::optional<std::int32_t>> determinePermission(std::uint32_t descriptorType,
-                                                                         std::string bundleIdentifier,
-                                                                         std::uint32_t eventClass,
-                                                                         std::uint32_t eventId,
-                                                                         bool askUserIfNeeded) override;
+    [[nodiscard]] Async<std::optional<std::int32_t>>
+    determinePermission(std::uint32_t descriptorType, std::string bundleIdentifier, std::uint32_t eventClass,
+                        std::uint32_t eventId, bool askUserIfNeeded) override;
     [[nodiscard]] Async<std::optional<bool>> runScript(std::string source) override;
 };
 

@@ -13,8 +13,8 @@ std::optional<OSStatus> permissionFor(DescType descriptorType, const std::string
                                       AEEventClass eventClass, AEEventID eventId, bool askUserIfNeeded)
 {
     AEAddressDesc target{};
-    const OSErr made = AECreateDesc(descriptorType, bundleIdentifier.data(),
-                                    static_cast<Size>(bundleIdentifier.size()), &target);
+    const OSErr made =
+        AECreateDesc(descriptorType, bundleIdentifier.data(), static_cast<Size>(bundleIdentifier.size()), &target);
     if (made != noErr) {
         return std::nullopt;
     }

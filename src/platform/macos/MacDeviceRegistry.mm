@@ -32,8 +32,8 @@ std::optional<std::int64_t> MacDeviceRegistry::number(const std::string& service
     if (service == IO_OBJECT_NULL) {
         return std::nullopt;
     }
-    const id value = CFBridgingRelease(IORegistryEntryCreateCFProperty(
-        service, (__bridge CFStringRef)stringObject(property), kCFAllocatorDefault, 0));
+    const id value = CFBridgingRelease(
+        IORegistryEntryCreateCFProperty(service, (__bridge CFStringRef)stringObject(property), kCFAllocatorDefault, 0));
     IOObjectRelease(service);
     // A Boolean is a number object, too.
     if (![value isKindOfClass:[NSNumber class]]) {

@@ -23,7 +23,9 @@ struct MacJournal::Log {
     os_log_t native = os_log_create("pelma.Sentrel", "journal");
 };
 
-MacJournal::MacJournal() : log_(std::make_unique<Log>()) {}
+MacJournal::MacJournal() : log_(std::make_unique<Log>())
+{
+}
 
 MacJournal::~MacJournal() = default;
 

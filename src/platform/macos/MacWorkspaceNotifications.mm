@@ -16,16 +16,16 @@ public:
         : received_(std::make_shared<std::function<void()>>(std::move(received)))
     {
         const std::shared_ptr<std::function<void()>> target = received_;
-        token_ = [NSWorkspace.sharedWorkspace.notificationCenter
-            addObserverForName:stringObject(name)
-                        object:nil
-                         queue:NSOperationQueue.mainQueue
-                    usingBlock:^(NSNotification*) {
-                        // A copy, because the callback may end the registration.
-                        if (const auto callback = *target) {
-                            callback();
-                        }
-                    }];
+        token_ = [NSWorkspace.sharedWorkspace.notificationCenter addObserverForName:stringObject(name)
+                                                                             object:nil
+                                                                              queue:NSOperationQueue.mainQueue
+                                                                         usingBlock:^(NSNotification*) {
+                                                                             // A copy, because the callback may end the
+                                                                             // registration.
+                                                                             if (const auto callback = *target) {
+                                                                                 callback();
+                                                                             }
+                                                                         }];
     }
 
     ~Observation() override

@@ -1,0 +1,76 @@
+#pragma once
+
+#include "platform/Platform.hpp"
+#include "platform/macos/DispatchScheduler.hpp"
+#include "platform/macos/MacAudioEngines.hpp"
+#include "platform/macos/MacAudioHardware.hpp"
+#include "platform/macos/MacAutomation.hpp"
+#include "platform/macos/MacDeviceRegistry.hpp"
+#include "platform/macos/MacHidEventSystem.hpp"
+#include "platform/macos/MacHostInfo.hpp"
+#include "platform/macos/MacJournal.hpp"
+#include "platform/macos/MacLanguage.hpp"
+#include "platform/macos/MacPowerAssertions.hpp"
+#include "platform/macos/MacPowerSources.hpp"
+#include "platform/macos/MacRandom.hpp"
+#include "platform/macos/MacSystemBeep.hpp"
+#include "platform/macos/MacUserDefaults.hpp"
+#include "platform/macos/MacWallClock.hpp"
+#include "platform/macos/MacWorkspaceNotifications.hpp"
+#include "platform/posix/PosixFileSystem.hpp"
+
+namespace sentrel::macos {
+
+/// The Mac as the product sees it. Made and destroyed on the main thread; it outlives the product.
+class MacPlatform {
+public:
+    MacPlatform() = default;
+    MacPlatform(const MacPlatform&) = delete;
+    MacPlatform& operator=(const MacPlatform&) = delete;
+
+    [[nodiscard]] platform::Platform& ports() { return ports_; }
+
+private:
+    DispatchScheduler scheduler_;
+    MacWallClock wallClock_;
+    MacRandom random_;
+    MacHostInfo host_;
+    posix::PosixFileSystem files_;
+    MacUserDefaults defaults_;
+    MacLanguage language_;
+    MacJournal journal_;
+    MacPowerSources powerSources_;
+    MacPowerAssertions powerAssertions_;
+    MacDeviceRegistry deviceRegistry_;
+    MacWorkspaceNotifications workspaceNotifications_;
+    MacHidEventSystem hidEvents_;
+    MacAudioHardware audioHardware_;
+    MacAudioEngines audioEngines_;
+    MacSystemBeep systemBeep_;
+    MacRunningApplications runningApplications_;
+    MacAutomation automation_;
+    MacEventPosting eventPosting_;
+    platform::Platform ports_{
+        .scheduler = scheduler_,
+        .wallClock = wallClock_,
+        .random = random_,
+        .host = host_,
+        .files = files_,
+        .defaults = defaults_,
+        .language = language_,
+        .journal = journal_,
+        .powerSources = powerSources_,
+        .powerAssertions = powerAssertions_,
+        .deviceRegistry = deviceRegistry_,
+        .workspaceNotifications = workspaceNotifications_,
+        .hidEvents = hidEvents_,
+        .audioHardware = audioHardware_,
+        .audioEngines = audioEngines_,
+        .systemBeep = systemBeep_,
+        .runningApplications = runningApplications_,
+        .automation = automation_,
+        .eventPosting = eventPosting_,
+    };
+};
+
+} // namespace sentrel::macos
