@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <utility>
@@ -53,14 +54,20 @@ private:
         std::erase_if(callbacks_, [](const std::weak_ptr<Callback>& callback) { return callback.expired(); });
         // A copy: an observer may register or drop observers.
         const auto callbacks = callbacks_;
+        const auto change = ++changes_;
         for (const std::weak_ptr<Callback>& weak : callbacks) {
             if (const auto callback = weak.lock()) {
                 (*callback)(value_);
+            }
+            // An observer changed the value again: everybody has been told that newer one already.
+            if (changes_ != change) {
+                return;
             }
         }
     }
 
     T value_;
+    std::uint64_t changes_ = 0;
     std::vector<std::weak_ptr<Callback>> callbacks_;
 };
 

@@ -38,7 +38,16 @@ void TaskState::cancel()
 void TaskState::abandon()
 {
     abandoned_.store(true, std::memory_order_release);
-    cancel();
+    if (isFinished()) {
+        return;
+    }
+    // On its own executor the task ends before this returns, so that the frame is gone when its owner's members go.
+    // If the task itself is what calls, its turn ends it.
+    if (executor_->isCurrent()) {
+        run();
+    } else {
+        cancel();
+    }
 }
 
 void TaskState::finish()

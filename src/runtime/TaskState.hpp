@@ -75,7 +75,8 @@ public:
     [[nodiscard]] bool isCancelled() const { return cancelled_.load(std::memory_order_acquire); }
     [[nodiscard]] bool isFinished() const { return finished_.load(std::memory_order_acquire); }
 
-    /// Ends the task where it waits: none of its code runs again. For owners that die with work under way.
+    /// Ends the task where it waits: none of its code runs again. For owners that die with work under way. Called on
+    /// the task's executor it takes effect at once (but for the task that calls, which goes on to its next wait).
     void abandon();
 
     /// True when the task was ended before it came to its own end.

@@ -12,8 +12,10 @@ namespace sentrel {
 /// One executor of a virtual scheduler: a list of jobs that the clock takes from.
 class VirtualExecutor final : public Executor {
 public:
-    VirtualExecutor(VirtualClock& clock, const bool& isAsleep, bool isConcurrent)
-        : clock_(clock), isAsleep_(isAsleep), isConcurrent_(isConcurrent)
+    enum class Kind { main, serial, concurrent };
+
+    VirtualExecutor(VirtualClock& clock, const bool& isAsleep, Kind kind)
+        : clock_(clock), isAsleep_(isAsleep), kind_(kind)
     {
         clock_.add(*this);
     }
@@ -28,7 +30,10 @@ public:
     void post(Job& job) override { clock_.append(jobs_, job); }
     bool withdraw(Job& job) override { return jobs_.remove(job); }
     void stop() override { isStopped_ = true; }
-    [[nodiscard]] bool isCurrent() const override { return clock_.current_ == this; }
+    [[nodiscard]] bool isCurrent() const override
+    {
+        return clock_.current_ == this || (kind_ == Kind::main && clock_.current_ == nullptr);
+    }
 
     /// The job that may run next, or null.
     [[nodiscard]] const Job* runnable() const
@@ -38,15 +43,31 @@ public:
     [[nodiscard]] Job& take() { return *jobs_.popFirst(); }
 
     /// A thread that blocks takes its serial executor with it; a concurrent one has other threads.
-    void setBlocked(bool blocked) { isBlocked_ = blocked && !isConcurrent_; }
+    void setBlocked(bool blocked) { isBlocked_ = blocked && kind_ != Kind::concurrent; }
 
 private:
     VirtualClock& clock_;
     const bool& isAsleep_;
-    const bool isConcurrent_;
+    const Kind kind_;
     bool isBlocked_ = false;
     bool isStopped_ = false;
     JobList jobs_;
+};
+
+/// Remembers who runs (or blocks) and puts it back, also when a job throws out of the clock.
+class VirtualClock::CurrentScope {
+public:
+    CurrentScope(VirtualClock& clock, VirtualExecutor* current)
+        : clock_(clock), outer_(std::exchange(clock.current_, current))
+    {
+    }
+    ~CurrentScope() { clock_.current_ = outer_; }
+    CurrentScope(const CurrentScope&) = delete;
+    CurrentScope& operator=(const CurrentScope&) = delete;
+
+private:
+    VirtualClock& clock_;
+    VirtualExecutor* outer_;
 };
 
 void VirtualClock::append(JobList& jobs, Job& job)
@@ -74,9 +95,8 @@ bool VirtualClock::runNextJob()
         throw std::runtime_error{"the virtual clock stands still: jobs keep posting jobs"};
     }
     ++turns_;
-    VirtualExecutor* const outer = std::exchange(current_, next);
+    const CurrentScope scope{*this, next};
     next->take().run();
-    current_ = outer;
     return true;
 }
 
@@ -119,6 +139,15 @@ void VirtualClock::runUntilIdle()
 void VirtualClock::blockUntil(Latch& latch)
 {
     VirtualExecutor* const blocked = current_;
+    struct Unblock {
+        VirtualExecutor* executor;
+        ~Unblock()
+        {
+            if (executor != nullptr) {
+                executor->setBlocked(false);
+            }
+        }
+    } const unblock{blocked};
     if (blocked != nullptr) {
         blocked->setBlocked(true);
     }
@@ -127,16 +156,12 @@ void VirtualClock::blockUntil(Latch& latch)
             throw std::logic_error{"deadlock: blocked on a latch that nothing can open"};
         }
     }
-    if (blocked != nullptr) {
-        blocked->setBlocked(false);
-    }
-    current_ = blocked;
 }
 
 VirtualScheduler::VirtualScheduler(VirtualClock& clock)
     : clock_(clock),
-      main_(std::make_unique<VirtualExecutor>(clock, isAsleep_, false)),
-      global_(std::make_unique<VirtualExecutor>(clock, isAsleep_, true))
+      main_(std::make_unique<VirtualExecutor>(clock, isAsleep_, VirtualExecutor::Kind::main)),
+      global_(std::make_unique<VirtualExecutor>(clock, isAsleep_, VirtualExecutor::Kind::concurrent))
 {
 }
 
@@ -160,7 +185,7 @@ Executor& VirtualScheduler::globalExecutor(QualityOfService /*qualityOfService*/
 std::unique_ptr<Executor> VirtualScheduler::makeSerialExecutor(const std::string& /*label*/,
                                                                QualityOfService /*qualityOfService*/)
 {
-    return std::make_unique<VirtualExecutor>(clock_, isAsleep_, false);
+    return std::make_unique<VirtualExecutor>(clock_, isAsleep_, VirtualExecutor::Kind::serial);
 }
 
 void VirtualScheduler::startTimer(Timer& timer, Instant deadline)

@@ -40,6 +40,7 @@ public:
 private:
     friend class VirtualExecutor;
     friend class VirtualScheduler;
+    class CurrentScope;
 
     void add(VirtualExecutor& executor) { executors_.push_back(&executor); }
     void remove(VirtualExecutor& executor) { std::erase(executors_, &executor); }
@@ -59,7 +60,7 @@ private:
 };
 
 /// The scheduler of one machine (or of its hardware) on a virtual clock. Everything happens on the thread that moves
-/// the clock.
+/// the clock; code outside any job counts as running on the main executor.
 class VirtualScheduler final : public Scheduler {
 public:
     explicit VirtualScheduler(VirtualClock& clock);

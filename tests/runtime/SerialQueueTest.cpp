@@ -1,0 +1,144 @@
+#include "runtime/SerialQueue.hpp"
+#include "runtime/Semaphore.hpp"
+#include "runtime/Sleep.hpp"
+#include "support/VirtualMachine.hpp"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <stdexcept>
+#include <string>
+
+namespace sentrel {
+namespace {
+
+using namespace std::chrono_literals;
+using test::VirtualMachine;
+
+Async<void> sayAfter(Duration span, std::string word, std::string& story)
+{
+    co_await sleepFor(span);
+    story += word;
+}
+
+struct QueueTest : testing::Test {
+    VirtualMachine machine;
+    std::string story;
+    SerialQueue queue{machine.scheduler, "test", QualityOfService::standard};
+};
+
+TEST_F(QueueTest, AHeldQueueDelaysTheNextJobAndSyncWaitsItsTurn)
+{
+    queue.async(sayAfter(2s, "slow ", story));
+    queue.async([&] { story += "next "; });
+    post(machine.scheduler.mainExecutor(), [&] { queue.sync([&] { story += "sync"; }); });
+    machine.clock.runReady();
+
+    EXPECT_EQ(story, "slow next sync");
+    EXPECT_EQ(machine.elapsed(), 2s);
+}
+
+TEST_F(QueueTest, JobsRunInTheOrderInWhichTheyCame)
+{
+    queue.async(sayAfter(3s, "a", story));
+    queue.async(sayAfter(1s, "b", story));
+    queue.async([&] { story += "c"; });
+    queue.async(sayAfter(0s, "d", story));
+    machine.clock.advance(3999ms);
+    EXPECT_EQ(story, "a");
+    machine.clock.advance(1ms);
+    EXPECT_EQ(story, "abcd");
+}
+
+TEST_F(QueueTest, AnotherQueueIsNotHeld)
+{
+    SerialQueue other{machine.scheduler, "other", QualityOfService::standard};
+    queue.async(sayAfter(2s, "slow", story));
+    other.async([&] { story += "other "; });
+    machine.clock.runUntilIdle();
+    EXPECT_EQ(story, "other slow");
+}
+
+TEST_F(QueueTest, ACancelledJobLetsTheNextOneStart)
+{
+    const auto slow = queue.async(sayAfter(1h, "slow", story));
+    queue.async([&] { story += "next"; });
+    machine.clock.advance(1s);
+    slow.cancel();
+    machine.clock.runReady();
+    EXPECT_EQ(story, "next");
+    EXPECT_TRUE(slow.isFinished());
+}
+
+TEST_F(QueueTest, AJobThatThrowsLetsTheNextOneStart)
+{
+    const auto failing = queue.async(asAsync([]() -> int { throw std::runtime_error{"no"}; }));
+    queue.async([&] { story += "next"; });
+    machine.clock.runReady();
+    EXPECT_EQ(story, "next");
+    EXPECT_TRUE(failing.isFinished());
+}
+
+TEST_F(QueueTest, ADelayedItemRunsInTimeAndDoesNotHoldTheQueueBefore)
+{
+    queue.asyncAfter(2s, std::make_shared<WorkItem>([&] { story += "item"; }));
+    queue.async([&] { story += "now "; });
+    machine.clock.advance(1999ms);
+    EXPECT_EQ(story, "now ");
+    machine.clock.advance(1ms);
+    EXPECT_EQ(story, "now item");
+}
+
+TEST_F(QueueTest, AnItemCanBeCalledOffUntilItStarts)
+{
+    const auto item = std::make_shared<WorkItem>([&] { story += "never"; });
+    queue.asyncAfter(2s, item);
+    queue.async(sayAfter(3s, "held", story)); // the item is due, but waits behind this
+    machine.clock.advance(2500ms);
+    item->cancel();
+    machine.clock.runUntilIdle();
+    EXPECT_EQ(story, "held");
+}
+
+TEST_F(QueueTest, SyncOnAQueueThatNothingCanFreeIsToldAsDeadlock)
+{
+    Semaphore never;
+    struct Waiting {
+        static Async<void> on(Semaphore& semaphore) { co_await semaphore.wait(); }
+    };
+    SerialQueue held{machine.scheduler, "held", QualityOfService::standard};
+    held.async(Waiting::on(never));
+    post(machine.scheduler.mainExecutor(), [&] {
+        Latch latch;
+        machine.scheduler.blockUntil(latch);
+    });
+    EXPECT_THROW(machine.clock.runReady(), std::logic_error);
+
+    post(machine.scheduler.mainExecutor(), [&] { story += "still alive"; });
+    machine.clock.runReady();
+    EXPECT_EQ(story, "still alive");
+}
+
+TEST(QueueDeath, DropsWhatWaitsAndWhatHoldsItWithoutRunningMore)
+{
+    VirtualMachine machine;
+    std::string story;
+    auto witness = std::make_shared<int>();
+    Task<void> held;
+    {
+        SerialQueue queue{machine.scheduler, "test", QualityOfService::standard};
+        held = queue.async(sayAfter(1s, "held", story));
+        queue.async([&story, witness] { story += "pending"; });
+        queue.async(sayAfter(1s, "later", story));
+        queue.asyncAfter(1s, std::make_shared<WorkItem>([&story, witness] { story += "item"; }));
+        machine.clock.runReady();
+        EXPECT_EQ(witness.use_count(), 3);
+    }
+    EXPECT_EQ(witness.use_count(), 1);
+    EXPECT_TRUE(held.isFinished());
+    machine.clock.advance(1min);
+    EXPECT_EQ(story, "");
+}
+
+} // namespace
+} // namespace sentrel
