@@ -22,9 +22,9 @@ TEST(Json, WritesNumbersInTheirShortestForm)
 TEST(Json, RefusesToWriteWhatJsonHasNoTextFor)
 {
     for (const double number : {std::numeric_limits<double>::quiet_NaN(), std::numeric_limits<double>::infinity()}) {
-        EXPECT_THROW(encodeJson(Json{{"number", number}}), JsonEncodingError);
+        EXPECT_THROW((void)encodeJson(Json{{"number", number}}), JsonEncodingError);
     }
-    EXPECT_THROW(encodeJson(jsonNumber(std::numeric_limits<float>::infinity())), JsonEncodingError);
+    EXPECT_THROW((void)encodeJson(jsonNumber(std::numeric_limits<float>::infinity())), JsonEncodingError);
 }
 
 TEST(Json, MendsTextThatIsNotUtf8WhenWriting)

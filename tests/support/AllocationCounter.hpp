@@ -9,6 +9,9 @@ class AllocationCounter {
 public:
     AllocationCounter() : atStart_(total()) {}
 
+    /// False where a sanitizer keeps the operators to itself.
+    static bool isAvailable();
+
     [[nodiscard]] std::size_t count() const { return total() - atStart_; }
 
 private:
