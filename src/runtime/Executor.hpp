@@ -32,14 +32,14 @@ public:
 template <class Function> void post(Executor& executor, Function function)
 {
     struct FunctionJob final : Job {
-        explicit FunctionJob(Function&& body) : body_(std::move(body)) {}
+        explicit FunctionJob(Function&& body) : work(std::move(body)) {}
         void run() override
         {
             const std::unique_ptr<FunctionJob> self{this};
-            body_();
+            work();
         }
         void drop() override { delete this; }
-        Function body_;
+        Function work;
     };
     executor.post(*new FunctionJob{std::move(function)});
 }

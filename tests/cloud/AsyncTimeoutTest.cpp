@@ -34,7 +34,8 @@ protected:
     Async<void> tell(Async<int> operation, Duration timeout)
     {
         try {
-            const int answer = co_await AsyncTimeout::run(MainActor{scheduler}, timeout, std::move(operation));
+            const MainActor mainActor{scheduler};
+            const int answer = co_await AsyncTimeout::run(mainActor, timeout, std::move(operation));
             story += std::to_string(answer);
         } catch (const std::exception& error) {
             story += error.what();
