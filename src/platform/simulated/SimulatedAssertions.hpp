@@ -1,0 +1,43 @@
+#pragma once
+
+#include "platform/Journal.hpp"
+#include "platform/PowerAssertions.hpp"
+#include "platform/simulated/FaultSwitches.hpp"
+
+#include <mutex>
+#include <vector>
+
+namespace sentrel::simulated {
+
+/// The system's power-management assertions; notes `assertion.taken` and `assertion.released` {`name`}. Any thread.
+///
+/// Faults: `create` (refused), `release` (refused; the assertion stays).
+class SimulatedAssertions final : public platform::PowerAssertions {
+public:
+    explicit SimulatedAssertions(platform::Journal& journal) : journal_(journal) {}
+
+    [[nodiscard]] Created create(const std::string& type, std::uint32_t level, const std::string& name) override;
+    std::int32_t release(std::uint32_t id) override;
+
+    /// Names of the assertions that are held, in the order in which they were taken.
+    [[nodiscard]] std::vector<std::string> held() const;
+
+    /// Releases everything, as the system does when the process that held it has died.
+    void dropAll();
+
+    [[nodiscard]] FaultSwitches& faults() { return faults_; }
+
+private:
+    struct Held {
+        std::uint32_t id = 0;
+        std::string name;
+    };
+
+    platform::Journal& journal_;
+    FaultSwitches faults_{"create", "release"};
+    mutable std::mutex mutex_;
+    std::uint32_t lastId_ = 0x8000; // identifiers are never 0, and none comes back
+    std::vector<Held> held_;
+};
+
+} // namespace sentrel::simulated

@@ -1,0 +1,122 @@
+#include "platform/simulated/SimulatedAudioEngine.hpp"
+
+#include <cmath>
+#include <utility>
+#include <vector>
+
+namespace sentrel::simulated {
+
+namespace {
+
+// <AudioToolbox/AudioUnitProperties.h> and <AudioToolbox/AUComponent.h>
+constexpr std::uint32_t currentDeviceProperty = 2000;
+constexpr std::uint32_t globalScope = 0;
+constexpr std::int32_t invalidProperty = -10879;
+constexpr std::int32_t invalidPropertyValue = -10851;
+
+class Format final : public platform::AudioFormat {};
+
+class Buffer final : public platform::AudioBuffer {
+public:
+    explicit Buffer(std::size_t frames) : samples_(std::make_shared<std::vector<float>>(frames)) {}
+    [[nodiscard]] std::span<float> samples() override { return *samples_; }
+
+    /// The samples without a copy, for the time when nobody writes them any more.
+    [[nodiscard]] Speaker::Samples share() const { return samples_; }
+
+private:
+    std::shared_ptr<std::vector<float>> samples_;
+};
+
+/// The samples of any buffer; those of our own are not copied.
+Speaker::Samples samplesOf(platform::AudioBuffer& buffer)
+{
+    if (const auto* const own = dynamic_cast<const Buffer*>(&buffer)) {
+        return own->share();
+    }
+    const auto samples = buffer.samples();
+    return std::make_shared<const std::vector<float>>(samples.begin(), samples.end());
+}
+
+} // namespace
+
+std::int32_t SimulatedAudioEngine::setOutputUnitProperty(std::uint32_t property, std::uint32_t scope,
+                                                         std::uint32_t element, std::uint32_t value)
+{
+    if (property != currentDeviceProperty || scope != globalScope || element != 0) {
+        return invalidProperty;
+    }
+    const auto device = audio_.device(value);
+    if (!device || !device->hasOutput() || faults_.strikes("device")) {
+        return invalidPropertyValue;
+    }
+    device_ = value;
+    if (sound_) {
+        speaker_.setDevice(*sound_, value);
+    }
+    return 0;
+}
+
+std::unique_ptr<platform::AudioFormat> SimulatedAudioEngine::makeStandardFormat(double sampleRate,
+                                                                                std::uint32_t channels)
+{
+    const bool isSupported = sampleRate == static_cast<double>(SoundRecorder::sampleRate) && channels > 0;
+    if (!isSupported || faults_.strikes("format")) {
+        return nullptr;
+    }
+    return std::make_unique<Format>();
+}
+
+std::unique_ptr<platform::AudioBuffer> SimulatedAudioEngine::makeBuffer(const platform::AudioFormat& /*format*/,
+                                                                        std::size_t frames)
+{
+    constexpr std::size_t mostFrames = 60 * static_cast<std::size_t>(SoundRecorder::sampleRate);
+    if (frames == 0 || frames > mostFrames || faults_.strikes("buffer")) {
+        return nullptr;
+    }
+    return std::make_unique<Buffer>(frames);
+}
+
+void SimulatedAudioEngine::attachPlayerToMainMixer(const platform::AudioFormat& /*format*/)
+{
+    isAttached_ = true;
+}
+
+void SimulatedAudioEngine::setMainMixerVolume(float volume)
+{
+    mixerVolume_ = std::fmin(std::fmax(volume, 0.0F), 1.0F);
+    if (sound_) {
+        speaker_.setVolume(*sound_, mixerVolume_);
+    }
+}
+
+bool SimulatedAudioEngine::start()
+{
+    isStarted_ = isAttached_ && !faults_.strikes("start");
+    return isStarted_;
+}
+
+void SimulatedAudioEngine::scheduleLooping(std::unique_ptr<platform::AudioBuffer> buffer)
+{
+    if (buffer != nullptr) {
+        scheduled_ = samplesOf(*buffer);
+    }
+}
+
+void SimulatedAudioEngine::play()
+{
+    if (isStarted_ && scheduled_ != nullptr && !sound_) {
+        sound_ = speaker_.beginLoop(scheduled_, mixerVolume_, device_);
+    }
+}
+
+void SimulatedAudioEngine::stop()
+{
+    isStarted_ = false;
+    scheduled_.reset();
+    if (sound_) {
+        speaker_.end(*std::exchange(sound_, std::nullopt));
+    }
+}
+
+} // namespace sentrel::simulated

@@ -1,0 +1,20 @@
+#include "platform/simulated/SimulatedWorkspace.hpp"
+
+#include <utility>
+
+namespace sentrel::simulated {
+
+platform::RegistrationPtr SimulatedWorkspace::observe(const std::string& name, std::function<void()> received)
+{
+    return notifications_.observe(name, std::move(received));
+}
+
+void SimulatedWorkspace::post(const std::string& name)
+{
+    journal_.note("workspace.notification", {{"name", name}});
+    if (!faults_.strikes("notification")) {
+        notifications_.post(name);
+    }
+}
+
+} // namespace sentrel::simulated
