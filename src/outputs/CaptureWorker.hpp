@@ -1,0 +1,87 @@
+#pragma once
+
+#include "outputs/PhotoCaptureDelegate.hpp"
+#include "platform/Camera.hpp"
+#include "platform/ImageCodec.hpp"
+#include "platform/Journal.hpp"
+#include "platform/StandardOutput.hpp"
+#include "runtime/SerialQueue.hpp"
+#include "runtime/Weak.hpp"
+
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string_view>
+
+namespace sentrel {
+
+/// The media type of cameras (`AVMediaTypeVideo`).
+inline constexpr auto videoMediaType = "vide";
+
+/// Takes photos, one capture after another on its own queue, which a capture holds from its start to its end. The
+/// session stays warm between captures and is shut down 15 seconds after the last one.
+class CaptureWorker {
+public:
+    using Completion = std::function<void(std::optional<Bytes> jpeg)>;
+
+    CaptureWorker(Scheduler& scheduler, platform::Camera& camera, platform::ImageCodec& codec,
+                  platform::StandardOutput& output, platform::Journal& journal);
+
+    /// Stops the camera. A capture under way is given up: its completion is not called.
+    ~CaptureWorker();
+    CaptureWorker(const CaptureWorker&) = delete;
+    CaptureWorker& operator=(const CaptureWorker&) = delete;
+
+    /// Enqueues a capture. The completion is called once, on the queue, without data after any failure. Any thread.
+    void capture(Completion completion);
+
+private:
+    /// A photo, or the reason why there is none.
+    struct Shot {
+        std::optional<Bytes> photo;
+        std::string_view failure;
+        int attempts = 0; ///< how many photos were taken for this one
+    };
+
+    /// Delegates whose photo hasn't arrived and wasn't given up, by the unique identifier of their settings. Shared
+    /// with callbacks that may come after the worker's end.
+    struct InFlight {
+        std::mutex delegateLock; // guards the delegates and all result boxes
+        std::map<std::int64_t, std::shared_ptr<PhotoCaptureDelegate>> delegates;
+    };
+    struct ResultBox;
+
+    Async<void> runCapture(Completion completion);
+    Async<Shot> takeKeptPhoto();
+
+    /// A running session, warm if it is new; gives the reason when there is none, and nothing otherwise.
+    Async<std::string_view> ensureSession();
+    [[nodiscard]] std::shared_ptr<platform::CaptureDevice> chooseCamera();
+
+    /// Makes and starts a session for the camera, and keeps it; gives the reason when that fails.
+    [[nodiscard]] std::string_view buildSession(const platform::CaptureDevice& device);
+    Async<void> warmUp(std::shared_ptr<platform::CaptureDevice> device);
+    Async<Shot> takePhoto();
+    [[nodiscard]] std::shared_ptr<PhotoCaptureDelegate> makeDelegate(std::int64_t id, std::shared_ptr<ResultBox> box);
+    static Async<void> forgetLater(std::weak_ptr<InFlight> weakInFlight, std::int64_t id);
+    void scheduleShutdown();
+    void shutDown();
+    void noteTaken(const Bytes& jpeg, int attempts);
+
+    Scheduler& scheduler_;
+    platform::Camera& camera_;
+    platform::ImageCodec& codec_;
+    platform::StandardOutput& standardOutput_;
+    platform::Journal& journal_;
+    std::unique_ptr<platform::CaptureSession> session_;
+    std::shared_ptr<platform::PhotoOutput> output_;
+    std::shared_ptr<WorkItem> shutdownWorkItem_;
+    std::shared_ptr<InFlight> inFlight_ = std::make_shared<InFlight>();
+    WeakAnchor<CaptureWorker> anchor_{*this}; // read on the queue, and so cut after it
+    SerialQueue queue_;                       // last: its end waits for what runs on it, which uses the rest
+};
+
+} // namespace sentrel

@@ -1,0 +1,23 @@
+#include "outputs/PhotoCaptureDelegate.hpp"
+
+#include <utility>
+
+namespace sentrel {
+
+PhotoCaptureDelegate::PhotoCaptureDelegate(platform::StandardOutput& output, Completion completion)
+    : output_(output), completion_(std::move(completion))
+{
+}
+
+void PhotoCaptureDelegate::didFinishProcessingPhoto(const platform::CapturedPhoto& photo,
+                                                    std::optional<std::string> error)
+{
+    if (error) {
+        output_.printLine("Photo capture error: " + *error);
+        completion_(std::nullopt);
+        return;
+    }
+    completion_(photo.fileDataRepresentation());
+}
+
+} // namespace sentrel

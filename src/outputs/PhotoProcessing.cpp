@@ -1,0 +1,45 @@
+#include "outputs/PhotoProcessing.hpp"
+
+#include <cstdint>
+#include <utility>
+
+namespace sentrel {
+
+namespace {
+
+// Luma weights of ITU-R BT.709.
+constexpr double redWeight = 0.2126;
+constexpr double greenWeight = 0.7152;
+constexpr double blueWeight = 0.0722;
+
+constexpr std::uint32_t alertPhotoMaxPixelSize = 1600;
+constexpr double alertPhotoQuality = 0.7;
+constexpr auto jpegType = "public.jpeg";
+
+} // namespace
+
+double photoBrightness(platform::ImageCodec& codec, BytesView photo)
+{
+    const auto average = codec.areaAverage(photo);
+    if (!average) {
+        return 1.0;
+    }
+    const auto [red, green, blue, alpha] = *average;
+    return redWeight * red / 255 + greenWeight * green / 255 + blueWeight * blue / 255;
+}
+
+Bytes reencodedPhoto(platform::ImageCodec& codec, Bytes photo)
+{
+    constexpr bool upright = true;
+    const auto thumbnail = codec.createThumbnail(photo, alertPhotoMaxPixelSize, upright);
+    if (!thumbnail) {
+        return photo;
+    }
+    auto encoded = codec.encode(*thumbnail, jpegType, alertPhotoQuality);
+    if (!encoded || encoded->size() >= photo.size()) {
+        return photo;
+    }
+    return *std::move(encoded);
+}
+
+} // namespace sentrel

@@ -1,0 +1,219 @@
+#include "platform/macos/MacCamera.hpp"
+
+#include "platform/macos/FoundationText.hpp"
+
+#import <AVFoundation/AVFoundation.h>
+
+#include <utility>
+
+namespace sentrel::macos {
+
+namespace {
+
+class MacCapturedPhoto final : public platform::CapturedPhoto {
+public:
+    explicit MacCapturedPhoto(AVCapturePhoto* photo) : photo_(photo) {}
+
+    [[nodiscard]] std::optional<Bytes> fileDataRepresentation() const override
+    {
+        NSData* const data = [photo_ fileDataRepresentation];
+        if (data == nil) {
+            return std::nullopt;
+        }
+        const auto* const first = static_cast<const std::uint8_t*>(data.bytes);
+        return Bytes{first, first + data.length};
+    }
+
+private:
+    AVCapturePhoto* const photo_;
+};
+
+} // namespace
+
+} // namespace sentrel::macos
+
+/// Hands photos on to the product's delegate, which keeps this object alive: the output itself does not.
+@interface SentrelPhotoCaptureDelegate : NSObject <AVCapturePhotoCaptureDelegate>
+- (instancetype)initWithDelegate:(std::weak_ptr<sentrel::platform::PhotoOutputDelegate>)delegate;
+@end
+
+@implementation SentrelPhotoCaptureDelegate {
+    std::weak_ptr<sentrel::platform::PhotoOutputDelegate> _delegate;
+}
+
+- (instancetype)initWithDelegate:(std::weak_ptr<sentrel::platform::PhotoOutputDelegate>)delegate
+{
+    self = [super init];
+    if (self != nil) {
+        _delegate = std::move(delegate);
+    }
+    return self;
+}
+
+- (void)captureOutput:(AVCapturePhotoOutput*)output
+    didFinishProcessingPhoto:(AVCapturePhoto*)photo
+                       error:(NSError*)error
+{
+    if (const auto delegate = _delegate.lock()) {
+        std::optional<std::string> description;
+        if (error != nil) {
+            description = sentrel::macos::textOf(error.description);
+        }
+        delegate->didFinishProcessingPhoto(sentrel::macos::MacCapturedPhoto{photo}, std::move(description));
+    }
+}
+
+@end
+
+namespace sentrel::macos {
+
+namespace {
+
+class MacCaptureDevice final : public platform::CaptureDevice {
+public:
+    explicit MacCaptureDevice(AVCaptureDevice* device) : device_(device) {}
+
+    [[nodiscard]] std::string deviceType() const override { return textOf(device_.deviceType); }
+    [[nodiscard]] bool isContinuityCamera() const override { return device_.isContinuityCamera; }
+    [[nodiscard]] bool isAdjustingExposure() const override { return device_.isAdjustingExposure; }
+    [[nodiscard]] bool isAdjustingWhiteBalance() const override { return device_.isAdjustingWhiteBalance; }
+    [[nodiscard]] AVCaptureDevice* native() const { return device_; }
+
+private:
+    AVCaptureDevice* const device_;
+};
+
+class MacCaptureInput final : public platform::CaptureInput {
+public:
+    explicit MacCaptureInput(AVCaptureDeviceInput* input) : input_(input) {}
+    [[nodiscard]] AVCaptureDeviceInput* native() const { return input_; }
+
+private:
+    AVCaptureDeviceInput* const input_;
+};
+
+class MacPhotoSettings final : public platform::PhotoSettings {
+public:
+    [[nodiscard]] std::int64_t uniqueId() const override { return settings_.uniqueID; }
+    [[nodiscard]] AVCapturePhotoSettings* native() const { return settings_; }
+
+private:
+    AVCapturePhotoSettings* const settings_ = [AVCapturePhotoSettings photoSettings];
+};
+
+class MacPhotoOutput final : public platform::PhotoOutput {
+public:
+    void capturePhoto(const platform::PhotoSettings& settings,
+                      std::weak_ptr<platform::PhotoOutputDelegate> delegate) override
+    {
+        const auto alive = delegate.lock();
+        if (!alive) {
+            return;
+        }
+        SentrelPhotoCaptureDelegate* const receiver =
+            [[SentrelPhotoCaptureDelegate alloc] initWithDelegate:std::move(delegate)];
+        alive->keepCounterpart({const_cast<void*>(CFBridgingRetain(receiver)), &CFRelease});
+        [output_ capturePhotoWithSettings:static_cast<const MacPhotoSettings&>(settings).native() delegate:receiver];
+    }
+    [[nodiscard]] AVCapturePhotoOutput* native() const { return output_; }
+
+private:
+    AVCapturePhotoOutput* const output_ = [[AVCapturePhotoOutput alloc] init];
+};
+
+AVCaptureDeviceInput* nativeOf(const platform::CaptureInput& input)
+{
+    return static_cast<const MacCaptureInput&>(input).native();
+}
+
+AVCapturePhotoOutput* nativeOf(const platform::PhotoOutput& output)
+{
+    return static_cast<const MacPhotoOutput&>(output).native();
+}
+
+class MacCaptureSession final : public platform::CaptureSession {
+public:
+    ~MacCaptureSession() override { [session_ stopRunning]; }
+
+    void setPreset(const std::string& preset) override { session_.sessionPreset = stringObject(preset); }
+    [[nodiscard]] bool canAddInput(const platform::CaptureInput& input) override
+    {
+        return [session_ canAddInput:nativeOf(input)];
+    }
+    void addInput(std::shared_ptr<platform::CaptureInput> input) override { [session_ addInput:nativeOf(*input)]; }
+    [[nodiscard]] bool canAddOutput(const platform::PhotoOutput& output) override
+    {
+        return [session_ canAddOutput:nativeOf(output)];
+    }
+    void addOutput(std::shared_ptr<platform::PhotoOutput> output) override { [session_ addOutput:nativeOf(*output)]; }
+    void startRunning() override { [session_ startRunning]; }
+    void stopRunning() override { [session_ stopRunning]; }
+    [[nodiscard]] bool isRunning() const override { return session_.isRunning; }
+
+private:
+    AVCaptureSession* const session_ = [[AVCaptureSession alloc] init];
+};
+
+} // namespace
+
+platform::CaptureAuthorization MacCamera::authorizationStatus(const std::string& mediaType)
+{
+    return static_cast<platform::CaptureAuthorization>(
+        [AVCaptureDevice authorizationStatusForMediaType:stringObject(mediaType)]);
+}
+
+void MacCamera::requestAccess(const std::string& mediaType, std::function<void(bool granted)> answered)
+{
+    [AVCaptureDevice requestAccessForMediaType:stringObject(mediaType)
+                             completionHandler:^(BOOL granted) {
+                               answered(granted);
+                             }];
+}
+
+std::vector<std::shared_ptr<platform::CaptureDevice>>
+MacCamera::discoverDevices(const std::vector<std::string>& deviceTypes, const std::string& mediaType)
+{
+    NSMutableArray<AVCaptureDeviceType>* const types = [NSMutableArray array];
+    for (const std::string& type : deviceTypes) {
+        [types addObject:stringObject(type)];
+    }
+    AVCaptureDeviceDiscoverySession* const discovery =
+        [AVCaptureDeviceDiscoverySession discoverySessionWithDeviceTypes:types
+                                                               mediaType:stringObject(mediaType)
+                                                                position:AVCaptureDevicePositionUnspecified];
+    std::vector<std::shared_ptr<platform::CaptureDevice>> devices;
+    for (AVCaptureDevice* device in discovery.devices) {
+        devices.push_back(std::make_shared<MacCaptureDevice>(device));
+    }
+    return devices;
+}
+
+std::shared_ptr<platform::CaptureDevice> MacCamera::defaultDevice(const std::string& mediaType)
+{
+    AVCaptureDevice* const device = [AVCaptureDevice defaultDeviceWithMediaType:stringObject(mediaType)];
+    return device == nil ? nullptr : std::make_shared<MacCaptureDevice>(device);
+}
+
+std::shared_ptr<platform::CaptureInput> MacCamera::makeInput(const platform::CaptureDevice& device)
+{
+    AVCaptureDevice* const native = static_cast<const MacCaptureDevice&>(device).native();
+    AVCaptureDeviceInput* const input = [AVCaptureDeviceInput deviceInputWithDevice:native error:nil];
+    return input == nil ? nullptr : std::make_shared<MacCaptureInput>(input);
+}
+
+std::unique_ptr<platform::CaptureSession> MacCamera::makeSession()
+{
+    return std::make_unique<MacCaptureSession>();
+}
+
+std::shared_ptr<platform::PhotoOutput> MacCamera::makePhotoOutput()
+{
+    return std::make_shared<MacPhotoOutput>();
+}
+
+std::unique_ptr<platform::PhotoSettings> MacCamera::makePhotoSettings()
+{
+    return std::make_unique<MacPhotoSettings>();
+}
+
+} // namespace sentrel::macos

@@ -1,0 +1,13 @@
+#include "platform/posix/PosixStandardOutput.hpp"
+
+#include <iostream>
+
+namespace sentrel::posix {
+
+void PosixStandardOutput::printLine(std::string_view text)
+{
+    const std::lock_guard guard{mutex_};
+    std::cout << text << std::endl;
+}
+
+} // namespace sentrel::posix

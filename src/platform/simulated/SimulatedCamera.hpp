@@ -1,0 +1,87 @@
+#pragma once
+
+#include "platform/Camera.hpp"
+#include "platform/WallClock.hpp"
+#include "platform/simulated/FaultSwitches.hpp"
+#include "runtime/Scheduler.hpp"
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace sentrel::simulated {
+
+/// One camera that is plugged in or built in.
+struct CameraModel {
+    std::string name = "FaceTime HD Camera";
+    std::string type = "AVCaptureDeviceTypeBuiltInWideAngleCamera";
+    bool isContinuityCamera = false;
+    Duration adjustsExposureFor{};     ///< after its session has started
+    Duration adjustsWhiteBalanceFor{}; ///< after its session has started
+};
+
+/// The cameras of the simulated MacBook, which stands in a cafe: authorised and without any device at first. The first
+/// device is the system's default. A photo shows the cafe at the time of day, with whoever sits at the Mac, or replays
+/// a file. Any thread.
+class SimulatedCamera final : public platform::Camera {
+public:
+    SimulatedCamera(Scheduler& scheduler, platform::WallClock& wallClock);
+    ~SimulatedCamera() override;
+
+    void setAuthorization(platform::CaptureAuthorization status);
+
+    /// How the user answers the system's prompt; none leaves it open until `answerPrompt`.
+    void setAnswer(std::optional<bool> granted);
+
+    /// Answers the open prompt. False when none is open.
+    bool answerPrompt(bool granted);
+    [[nodiscard]] bool isPrompting() const;
+
+    /// How often the user has been prompted.
+    [[nodiscard]] int promptsShown() const;
+
+    void setDevices(std::vector<CameraModel> devices);
+
+    /// How bright a photo of the cafe measures, 0 to 1; none for what the time of day gives.
+    void setBrightness(std::optional<double> brightness);
+
+    /// How long a photo takes from the request to the callback; nothing at first.
+    void setPhotoDelay(Duration delay);
+
+    /// A file that every photo is, as it is; none for the cafe.
+    void setPhotoFile(std::optional<Bytes> file);
+
+    /// Faults: "input" (the device can't be opened), "add-input", "add-output" (the session refuses), "photo" (ends
+    /// with an error), "photo-data" (has no file representation), "start" (the session does not come to run).
+    [[nodiscard]] FaultSwitches& faults();
+
+    /// The system takes the camera away, as it does for another application.
+    void interruptSession();
+    [[nodiscard]] bool isSessionRunning() const;
+
+    /// Name of the device that was opened last; empty before.
+    [[nodiscard]] std::string openedDevice() const;
+
+    /// Sessions started and photos asked for so far.
+    [[nodiscard]] int sessionsStarted() const;
+    [[nodiscard]] int photosRequested() const;
+
+    [[nodiscard]] platform::CaptureAuthorization authorizationStatus(const std::string& mediaType) override;
+    void requestAccess(const std::string& mediaType, std::function<void(bool granted)> answered) override;
+    [[nodiscard]] std::vector<std::shared_ptr<platform::CaptureDevice>>
+    discoverDevices(const std::vector<std::string>& deviceTypes, const std::string& mediaType) override;
+    [[nodiscard]] std::shared_ptr<platform::CaptureDevice> defaultDevice(const std::string& mediaType) override;
+    [[nodiscard]] std::shared_ptr<platform::CaptureInput> makeInput(const platform::CaptureDevice& device) override;
+    [[nodiscard]] std::unique_ptr<platform::CaptureSession> makeSession() override;
+    [[nodiscard]] std::shared_ptr<platform::PhotoOutput> makePhotoOutput() override;
+    [[nodiscard]] std::unique_ptr<platform::PhotoSettings> makePhotoSettings() override;
+
+    /// What the camera shares with its devices, sessions and photos under way.
+    struct World;
+
+private:
+    std::shared_ptr<World> world_;
+};
+
+} // namespace sentrel::simulated

@@ -1,0 +1,115 @@
+#include "platform/simulated/SimulatedCaptureSession.hpp"
+
+#include "runtime/Detached.hpp"
+#include "runtime/Sleep.hpp"
+
+#include <utility>
+
+namespace sentrel::simulated {
+
+namespace {
+
+using World = SimulatedCamera::World;
+
+/// A photo as it was when it was asked for. The cafe is drawn only when somebody wants to see it.
+class SimulatedPhoto final : public platform::CapturedPhoto {
+public:
+    explicit SimulatedPhoto(std::shared_ptr<World> world) : world_(std::move(world)), date_(world_->wallClock.now())
+    {
+        const std::lock_guard guard{world_->mutex};
+        brightness_ = world_->brightness;
+        file_ = world_->photoFile;
+    }
+
+    [[nodiscard]] std::optional<Bytes> fileDataRepresentation() const override
+    {
+        if (world_->faults.strikes("photo-data")) {
+            return std::nullopt;
+        }
+        return file_ ? *file_ : world_->scene.photograph(date_, brightness_);
+    }
+
+private:
+    std::shared_ptr<World> world_;
+    Date date_;
+    std::optional<double> brightness_;
+    std::optional<Bytes> file_;
+};
+
+Async<void> deliver(std::shared_ptr<SimulatedPhoto> photo, Duration delay, std::optional<std::string> error,
+                    std::weak_ptr<platform::PhotoOutputDelegate> delegate)
+{
+    co_await sleepFor(delay);
+    if (const auto alive = delegate.lock()) {
+        alive->didFinishProcessingPhoto(*photo, std::move(error));
+    }
+}
+
+} // namespace
+
+void SimulatedPhotoOutput::capturePhoto(const platform::PhotoSettings& /*settings*/,
+                                        std::weak_ptr<platform::PhotoOutputDelegate> delegate)
+{
+    std::optional<std::string> error;
+    if (!world_->isRunning(session_)) {
+        error = "The session is not running.";
+    } else if (world_->faults.strikes("photo")) {
+        error = "Cannot Complete Action";
+    }
+    Duration delay{};
+    {
+        const std::lock_guard guard{world_->mutex};
+        ++world_->photosRequested;
+        delay = world_->photoDelay;
+    }
+    auto photo = std::make_shared<SimulatedPhoto>(world_);
+    detached(world_->scheduler, QualityOfService::userInitiated,
+             deliver(std::move(photo), delay, std::move(error), std::move(delegate)));
+}
+
+SimulatedCaptureSession::~SimulatedCaptureSession()
+{
+    stopRunning();
+    if (output_) {
+        output_->attach(nullptr);
+    }
+}
+
+bool SimulatedCaptureSession::canAddInput(const platform::CaptureInput& /*input*/)
+{
+    return !world_->faults.strikes("add-input") && !input_;
+}
+
+bool SimulatedCaptureSession::canAddOutput(const platform::PhotoOutput& output)
+{
+    return !world_->faults.strikes("add-output") && !output_ &&
+           !static_cast<const SimulatedPhotoOutput&>(output).isAttached();
+}
+
+void SimulatedCaptureSession::addOutput(std::shared_ptr<platform::PhotoOutput> output)
+{
+    output_ = std::static_pointer_cast<SimulatedPhotoOutput>(std::move(output));
+    output_->attach(this);
+}
+
+void SimulatedCaptureSession::startRunning()
+{
+    const bool isComplete = input_ && output_ && preset_ == "AVCaptureSessionPresetPhoto";
+    if (!isComplete || world_->faults.strikes("start")) {
+        return;
+    }
+    const std::lock_guard guard{world_->mutex};
+    world_->runningSession = this;
+    world_->startedAt = world_->scheduler.now();
+    ++world_->sessionsStarted;
+}
+
+void SimulatedCaptureSession::stopRunning()
+{
+    const std::lock_guard guard{world_->mutex};
+    if (world_->runningSession == this) {
+        world_->runningSession = nullptr;
+    }
+}
+
+} // namespace sentrel::simulated

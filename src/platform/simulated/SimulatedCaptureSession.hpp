@@ -1,0 +1,79 @@
+#pragma once
+
+#include "platform/simulated/SimulatedCamera.hpp"
+#include "platform/simulated/scene/CafeScene.hpp"
+
+#include <atomic>
+#include <mutex>
+
+namespace sentrel::simulated {
+
+struct SimulatedCamera::World {
+    World(Scheduler& itsScheduler, platform::WallClock& clock) : scheduler(itsScheduler), wallClock(clock) {}
+
+    Scheduler& scheduler;
+    platform::WallClock& wallClock;
+    FaultSwitches faults{"input", "add-input", "add-output", "photo", "photo-data", "start"};
+    CafeScene scene;
+    std::atomic<std::int64_t> lastPhotoId = 0;
+
+    std::mutex mutex; // guards the rest
+    platform::CaptureAuthorization authorization = platform::CaptureAuthorization::authorized;
+    std::optional<bool> answer;
+    std::vector<std::function<void(bool)>> prompts;
+    int promptsShown = 0;
+    std::vector<CameraModel> devices;
+    std::string openedDevice;
+    std::optional<double> brightness;
+    Duration photoDelay{};
+    std::optional<Bytes> photoFile;
+    const void* runningSession = nullptr;
+    Instant startedAt;
+    int sessionsStarted = 0;
+    int photosRequested = 0;
+
+    [[nodiscard]] bool isRunning(const void* session)
+    {
+        const std::lock_guard guard{mutex};
+        return session != nullptr && runningSession == session;
+    }
+};
+
+/// The output of photos of one session.
+class SimulatedPhotoOutput final : public platform::PhotoOutput {
+public:
+    explicit SimulatedPhotoOutput(std::shared_ptr<SimulatedCamera::World> world) : world_(std::move(world)) {}
+
+    void attach(const void* session) { session_ = session; }
+    [[nodiscard]] bool isAttached() const { return session_ != nullptr; }
+    void capturePhoto(const platform::PhotoSettings& settings,
+                      std::weak_ptr<platform::PhotoOutputDelegate> delegate) override;
+
+private:
+    std::shared_ptr<SimulatedCamera::World> world_;
+    const void* session_ = nullptr;
+};
+
+/// A session; one at a time has the camera.
+class SimulatedCaptureSession final : public platform::CaptureSession {
+public:
+    explicit SimulatedCaptureSession(std::shared_ptr<SimulatedCamera::World> world) : world_(std::move(world)) {}
+    ~SimulatedCaptureSession() override;
+
+    void setPreset(const std::string& preset) override { preset_ = preset; }
+    [[nodiscard]] bool canAddInput(const platform::CaptureInput& input) override;
+    void addInput(std::shared_ptr<platform::CaptureInput> input) override { input_ = std::move(input); }
+    [[nodiscard]] bool canAddOutput(const platform::PhotoOutput& output) override;
+    void addOutput(std::shared_ptr<platform::PhotoOutput> output) override;
+    void startRunning() override;
+    void stopRunning() override;
+    [[nodiscard]] bool isRunning() const override { return world_->isRunning(this); }
+
+private:
+    std::shared_ptr<SimulatedCamera::World> world_;
+    std::string preset_;
+    std::shared_ptr<platform::CaptureInput> input_;
+    std::shared_ptr<SimulatedPhotoOutput> output_;
+};
+
+} // namespace sentrel::simulated

@@ -1,0 +1,25 @@
+#pragma once
+
+#include "platform/ImageCodec.hpp"
+
+#include <cstddef>
+
+namespace sentrel::simulated {
+
+/// JPEG files through libjpeg-turbo, decoded no larger than needed and scaled by libyuv. Whatever the data is, an
+/// operation holds no more than `mostMemory` at a time beside it. Stateless.
+class TurboImageCodec final : public platform::ImageCodec {
+public:
+    static constexpr std::size_t mostMemory = 64'000'000;
+
+    [[nodiscard]] std::optional<Rgba> areaAverage(BytesView data) override;
+    [[nodiscard]] std::optional<platform::PixelSize> pixelSize(BytesView data) override;
+    [[nodiscard]] std::unique_ptr<platform::Image> createThumbnail(BytesView data, std::uint32_t maxPixelSize,
+                                                                   bool transform) override;
+
+    /// Only "public.jpeg" is known.
+    [[nodiscard]] std::optional<Bytes> encode(const platform::Image& image, const std::string& type,
+                                              double quality) override;
+};
+
+} // namespace sentrel::simulated

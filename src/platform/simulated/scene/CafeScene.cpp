@@ -1,0 +1,84 @@
+#include "platform/simulated/scene/CafeScene.hpp"
+
+#include "platform/simulated/JpegWriter.hpp"
+#include "platform/simulated/scene/CafeFigure.hpp"
+#include "platform/simulated/scene/CafeRoom.hpp"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdint>
+
+namespace sentrel::simulated {
+
+namespace {
+
+constexpr int minutesOfDay = 24 * 60;
+constexpr int cameraQuality = 92;
+
+int minuteOfDay(Date date)
+{
+    const double minutes = std::floor(date.secondsSinceReferenceDate / 60);
+    const double inDay = minutes - std::floor(minutes / minutesOfDay) * minutesOfDay;
+    return inDay >= 0 && inDay < minutesOfDay ? static_cast<int>(inDay) : 0; // not for a date that is no number
+}
+
+double meanLuma(const RgbxImage& image)
+{
+    std::array<std::uint64_t, 3> sums{};
+    const auto bytes = image.bytes();
+    for (std::size_t i = 0; i < bytes.size(); i += RgbxImage::pixelBytes) {
+        sums[0] += bytes[i];
+        sums[1] += bytes[i + 1];
+        sums[2] += bytes[i + 2];
+    }
+    const double weighted = 0.2126 * static_cast<double>(sums[0]) + 0.7152 * static_cast<double>(sums[1]) +
+                            0.0722 * static_cast<double>(sums[2]);
+    return weighted * RgbxImage::pixelBytes / (255.0 * static_cast<double>(bytes.size()));
+}
+
+} // namespace
+
+Bytes CafeScene::photograph(Date date, std::optional<double> brightness)
+{
+    const std::lock_guard guard{mutex_};
+    if (const int minute = minuteOfDay(date); minute != drawnMinute_) {
+        drawn_ = drawCafe(minute);
+        drawnMinute_ = minute;
+    }
+    if (!brightness) {
+        return *encodeJpeg(drawn_, cameraQuality);
+    }
+    RgbxImage exposed{width, height};
+    std::ranges::copy(drawn_.bytes(), exposed.data());
+    expose(exposed, *brightness);
+    return *encodeJpeg(exposed, cameraQuality);
+}
+
+RgbxImage drawCafe(int minuteOfDay)
+{
+    const SceneLight light = SceneLight::at(static_cast<float>(minuteOfDay) / 60);
+    SceneCanvas canvas{CafeScene::width, CafeScene::height};
+    drawRoom(canvas, light, minuteOfDay);
+    drawFigure(canvas, light);
+    return canvas.finished();
+}
+
+void expose(RgbxImage& image, double brightness)
+{
+    // A straight line through black, or through white: the mean of all pixels then follows the same line.
+    const double mean = meanLuma(image);
+    const double target = std::clamp(brightness, 0.0, 1.0);
+    const bool darkens = target <= mean;
+    const double slope = darkens ? target / std::max(mean, 1e-9) : (1 - target) / std::max(1 - mean, 1e-9);
+    std::array<std::uint8_t, 256> curve{};
+    for (std::size_t value = 0; value < curve.size(); ++value) {
+        const auto level = static_cast<double>(value);
+        curve[value] = static_cast<std::uint8_t>(std::lround(darkens ? level * slope : 255 - (255 - level) * slope));
+    }
+    for (std::uint8_t& byte : image.bytes()) {
+        byte = curve[byte];
+    }
+}
+
+} // namespace sentrel::simulated
