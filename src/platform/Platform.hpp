@@ -9,17 +9,20 @@ namespace sentrel::platform {
 class AudioEngines;
 class AudioHardware;
 class Automation;
+class Camera;
 class DeviceRegistry;
 class EventPosting;
 class FileSystem;
 class HidEventSystem;
 class HostInfo;
+class ImageCodec;
 class Journal;
 class Language;
 class PowerAssertions;
 class PowerSources;
 class Random;
 class RunningApplications;
+class StandardOutput;
 class SystemBeep;
 class UserDefaults;
 class WallClock;
@@ -36,6 +39,7 @@ struct Platform {
     UserDefaults& defaults;
     Language& language;
     Journal& journal;
+    StandardOutput& standardOutput;
     PowerSources& powerSources;
     PowerAssertions& powerAssertions;
     DeviceRegistry& deviceRegistry;
@@ -47,6 +51,8 @@ struct Platform {
     RunningApplications& runningApplications;
     Automation& automation;
     EventPosting& eventPosting;
+    Camera& camera;
+    ImageCodec& imageCodec;
 };
 
 } // namespace sentrel::platform

@@ -166,7 +166,7 @@ void MacCamera::requestAccess(const std::string& mediaType, std::function<void(b
 {
     [AVCaptureDevice requestAccessForMediaType:stringObject(mediaType)
                              completionHandler:^(BOOL granted) {
-                               answered(granted);
+                                 answered(granted);
                              }];
 }
 

@@ -44,9 +44,8 @@ std::optional<platform::ImageCodec::Rgba> MacImageCodec::areaAverage(BytesView d
             return std::nullopt;
         }
         CIVector* const extent = [CIVector vectorWithCGRect:image.extent];
-        CIFilter* const filter =
-            [CIFilter filterWithName:@"CIAreaAverage"
-                 withInputParameters:@{kCIInputImageKey : image, kCIInputExtentKey : extent}];
+        CIFilter* const filter = [CIFilter filterWithName:@"CIAreaAverage"
+                                      withInputParameters:@{kCIInputImageKey : image, kCIInputExtentKey : extent}];
         CIImage* const average = filter.outputImage;
         if (average == nil) {
             return std::nullopt;
@@ -110,8 +109,7 @@ std::optional<Bytes> MacImageCodec::encode(const platform::Image& image, const s
         if (destination == nullptr) {
             return std::nullopt;
         }
-        NSDictionary* const properties =
-            @{(__bridge NSString*)kCGImageDestinationLossyCompressionQuality : @(quality)};
+        NSDictionary* const properties = @{(__bridge NSString*)kCGImageDestinationLossyCompressionQuality : @(quality)};
         CGImageDestinationAddImage(destination, static_cast<const MacImage&>(image).native(),
                                    (__bridge CFDictionaryRef)properties);
         const bool isWritten = CGImageDestinationFinalize(destination);

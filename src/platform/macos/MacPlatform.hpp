@@ -5,9 +5,11 @@
 #include "platform/macos/MacAudioEngines.hpp"
 #include "platform/macos/MacAudioHardware.hpp"
 #include "platform/macos/MacAutomation.hpp"
+#include "platform/macos/MacCamera.hpp"
 #include "platform/macos/MacDeviceRegistry.hpp"
 #include "platform/macos/MacHidEventSystem.hpp"
 #include "platform/macos/MacHostInfo.hpp"
+#include "platform/macos/MacImageCodec.hpp"
 #include "platform/macos/MacJournal.hpp"
 #include "platform/macos/MacLanguage.hpp"
 #include "platform/macos/MacPowerAssertions.hpp"
@@ -18,6 +20,7 @@
 #include "platform/macos/MacWallClock.hpp"
 #include "platform/macos/MacWorkspaceNotifications.hpp"
 #include "platform/posix/PosixFileSystem.hpp"
+#include "platform/posix/PosixStandardOutput.hpp"
 
 namespace sentrel::macos {
 
@@ -39,6 +42,7 @@ private:
     MacUserDefaults defaults_;
     MacLanguage language_;
     MacJournal journal_;
+    posix::PosixStandardOutput standardOutput_;
     MacPowerSources powerSources_;
     MacPowerAssertions powerAssertions_;
     MacDeviceRegistry deviceRegistry_;
@@ -50,6 +54,8 @@ private:
     MacRunningApplications runningApplications_;
     MacAutomation automation_;
     MacEventPosting eventPosting_;
+    MacCamera camera_;
+    MacImageCodec imageCodec_;
     platform::Platform ports_{
         .scheduler = scheduler_,
         .wallClock = wallClock_,
@@ -59,6 +65,7 @@ private:
         .defaults = defaults_,
         .language = language_,
         .journal = journal_,
+        .standardOutput = standardOutput_,
         .powerSources = powerSources_,
         .powerAssertions = powerAssertions_,
         .deviceRegistry = deviceRegistry_,
@@ -70,6 +77,8 @@ private:
         .runningApplications = runningApplications_,
         .automation = automation_,
         .eventPosting = eventPosting_,
+        .camera = camera_,
+        .imageCodec = imageCodec_,
     };
 };
 
