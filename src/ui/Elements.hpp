@@ -1,0 +1,134 @@
+#pragma once
+
+#include "foundation/SecretText.hpp"
+#include "ui/Binding.hpp"
+
+#include <cstdint>
+#include <optional>
+#include <set>
+#include <string>
+#include <variant>
+
+namespace sentrel::ui {
+
+// What a view can be. Lengths are in points; texts are in the user's language already. What an element consists of
+// stands in its view's children.
+
+/// Keys that have a meaning of their own in a window.
+enum class Key { returnKey, deleteKey, escape };
+
+/// Children side by side, below each other, or one upon the other (the last in front).
+struct Stack {
+    enum class Axis { horizontal, vertical, depth };
+    enum class Alignment { leading, center, trailing };
+    Axis axis = Axis::vertical;
+    double spacing = 8.0;
+    Alignment alignment = Alignment::center; ///< across the axis
+};
+
+/// Takes the space that is left over along its stack's axis.
+struct Spacer {};
+
+/// A thin line across its stack's axis.
+struct Divider {};
+
+struct Text {
+    enum class Style { largeTitle, title, headline, body, callout, caption };
+    enum class Color { primary, secondary, alarm };
+    std::string text;
+    Style style = Style::body;
+    Color color = Color::primary;
+};
+
+struct Image {
+    enum class Source { asset, systemSymbol, file };
+    Source source = Source::systemSymbol;
+    std::string name; ///< of the asset or the symbol; the path of the file
+};
+
+struct Button {
+    enum class Role { standard, prominent, destructive, cancel };
+    std::string title;
+    Action action;
+    Role role = Role::standard;
+    std::optional<Key> shortcut;
+    std::optional<Image> image;
+};
+
+struct Toggle {
+    enum class Style { checkbox, onOffSwitch };
+    std::string label;
+    Binding<bool> isOn;
+    Style style = Style::checkbox;
+};
+
+struct Slider {
+    std::string label;
+    Binding<double> value;
+    double lower = 0.0;
+    double upper = 1.0;
+    std::optional<double> step; ///< continuous without one
+    std::string valueText;      ///< shown beside it, unless empty
+};
+
+struct TextField {
+    std::string prompt; ///< shown while the field is empty
+    Binding<std::string> text;
+    Action submit; ///< by the return key
+};
+
+/// A field whose text nobody can read.
+struct SecureField {
+    std::string prompt;
+    Binding<SecretText> text;
+    Action submit; ///< by the return key
+};
+
+/// Rows in sections; its children are sections. A row is known by its view's explicit id.
+struct List {
+    enum class Selection { none, single, multiple };
+    Selection mode = Selection::none;
+    Binding<std::set<std::string>> selection;
+};
+
+/// Settings in sections, labels and controls in line; its children are sections.
+struct Form {};
+
+/// Children under a heading.
+struct Section {
+    std::string header;
+    std::string footer;
+};
+
+/// Two children: a sidebar that the user can hide, and the detail.
+struct SplitView {
+    Binding<bool> isSidebarShown;
+};
+
+/// How far work has come, 0 to 1; without a fraction only that it goes on.
+struct Progress {
+    std::string label;
+    std::optional<double> fraction;
+};
+
+/// Attached to a view: its children stand in the window's toolbar.
+struct Toolbar {};
+
+/// Attached to a view: its child covers the window's content until the state takes it away.
+struct Sheet {
+    Action dismiss; ///< the user closes it without one of its buttons
+};
+
+/// Attached to a view: a question or a notice whose answers are its children, buttons. Every answer closes it.
+struct Dialog {
+    enum class Kind { confirmation, alert };
+    Kind kind = Kind::alert;
+    std::string title;
+    std::string message;
+    Action dismiss; ///< after any answer, and when it is closed without one
+};
+
+using Element = std::variant<Stack, Spacer, Divider, Text, Image, Button, Toggle, Slider, TextField, SecureField, List,
+                             Form, Section, SplitView, Progress, Toolbar, Sheet, Dialog>;
+
+} // namespace sentrel::ui

@@ -1,0 +1,87 @@
+#pragma once
+
+#include "ui/Elements.hpp"
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace sentrel::ui {
+
+/// A color by its components in sRGB, each 0 to 1.
+struct Color {
+    double red = 0.0;
+    double green = 0.0;
+    double blue = 0.0;
+    double opacity = 1.0;
+    friend bool operator==(const Color&, const Color&) = default;
+};
+
+inline constexpr Color black{};
+
+/// A size that a view asks for; what is left out follows from the content and the space there is.
+struct SizeWish {
+    std::optional<double> width;
+    std::optional<double> height;
+    std::optional<double> maximumWidth;
+    friend bool operator==(const SizeWish&, const SizeWish&) = default;
+};
+
+/// What holds for a view of any kind.
+struct Traits {
+    /// Names the view among its siblings, so that its identity stays when they come and go. Unique there, no slash.
+    std::string id;
+    std::string accessibilityLabel; ///< for screen readers, in place of what is visible
+    std::string help;               ///< shown when the pointer rests on it
+    bool isHidden = false;          ///< not there, but keeps its place among its siblings
+    bool isDisabled = false;        ///< holds for everything inside, too
+    bool ignoresSafeAreas = false;  ///< reaches below a camera housing and to the screen's edges
+    double padding = 0.0;           ///< points around it
+    SizeWish size;
+    std::optional<Color> background;
+    /// Whether it has the keyboard. True asks for it; the renderer tells when the user moves it.
+    std::optional<Binding<bool>> focus;
+    /// What keys do in the window, unless a field that is being edited takes them.
+    std::vector<std::pair<Key, Action>> keyCommands;
+};
+
+/// What a window shows, or a part of it: a value. A new state makes a new view, and a renderer changes only what
+/// differs, knowing each part by its identity (see `Node`). Made and used on the main thread.
+struct View {
+    Element element;
+    std::vector<View> children;
+    std::vector<View> attachments; ///< toolbar, sheet, dialogs
+    Traits traits;
+
+    /// The same view under an explicit id, and so on: for building trees.
+    [[nodiscard]] View id(std::string value) &&;
+    [[nodiscard]] View accessibilityLabel(std::string value) &&;
+    [[nodiscard]] View help(std::string value) &&;
+    [[nodiscard]] View hidden(bool value) &&;
+    [[nodiscard]] View disabled(bool value) &&;
+    [[nodiscard]] View ignoringSafeAreas() &&;
+    [[nodiscard]] View padding(double value) &&;
+    [[nodiscard]] View sized(SizeWish value) &&;
+    [[nodiscard]] View background(Color value) &&;
+    [[nodiscard]] View focused(Binding<bool> value) &&;
+    [[nodiscard]] View onKey(Key key, Action action) &&;
+    [[nodiscard]] View attach(View attachment) &&;
+};
+
+/// A leaf, or a view of any kind with its children.
+[[nodiscard]] View view(Element element, std::vector<View> children = {});
+[[nodiscard]] View verticalStack(std::vector<View> children, double spacing = 8.0,
+                                 Stack::Alignment alignment = Stack::Alignment::center);
+[[nodiscard]] View horizontalStack(std::vector<View> children, double spacing = 8.0,
+                                   Stack::Alignment alignment = Stack::Alignment::center);
+[[nodiscard]] View spacer();
+[[nodiscard]] View divider();
+[[nodiscard]] View text(std::string shown, Text::Style style = Text::Style::body,
+                        Text::Color color = Text::Color::primary);
+[[nodiscard]] View button(std::string title, Action action, Button::Role role = Button::Role::standard);
+[[nodiscard]] View toggle(std::string label, Binding<bool> isOn);
+[[nodiscard]] View section(std::string header, std::vector<View> children);
+
+} // namespace sentrel::ui
