@@ -1,0 +1,41 @@
+#pragma once
+
+#include "platform/simulated/AudioDevice.hpp"
+
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace sentrel::simulated {
+
+/// An audio device with one volume and one mute, on its main output element.
+[[nodiscard]] AudioDevice simpleAudioDevice(std::uint32_t id, std::string name, std::string uid, float volume,
+                                            bool isMuted);
+
+/// A simulated MacBook as it is before anything happens: plain values. A fresh one is a MacBook Pro on its charger,
+/// lid open, with one built-in speaker.
+struct MacDescription {
+    enum class Power { ac, battery, unknown };
+    enum class Lid { open, closed, absent };
+    /// A present accelerometer delivers what it is given; a resting one also delivers a machine at rest.
+    enum class Accelerometer { absent, present, resting };
+    enum class Music { absent, paused, playing };
+    enum class Consent { undetermined, denied, granted };
+
+    std::string model = "MacBookPro18,3"; ///< `hw.model`
+    std::optional<std::string> localizedName = "MacBook";
+    std::optional<std::string> bundleIdentifier = "pelma.Sentrel";
+    Power power = Power::ac;
+    Lid lid = Lid::open;
+    Accelerometer accelerometer = Accelerometer::present;
+    std::vector<AudioDevice> audio{simpleAudioDevice(73, "MacBook Pro Speakers", "BuiltInSpeakerDevice", 0.5F, false)};
+    std::optional<std::uint32_t> defaultOutput = 73;
+    Music music = Music::absent;
+    Consent automationConsent = Consent::undetermined;
+    /// A folder with "Application Support" and "Preferences" to copy onto the disk before the first launch.
+    std::optional<std::filesystem::path> files;
+};
+
+} // namespace sentrel::simulated

@@ -1,0 +1,103 @@
+#pragma once
+
+#include "foundation/Json.hpp"
+#include "platform/simulated/MacDescription.hpp"
+#include "platform/simulated/MotionRecording.hpp"
+
+#include <cstdint>
+#include <nlohmann/json.hpp>
+#include <optional>
+#include <string>
+#include <variant>
+#include <vector>
+
+namespace sentrel::simulator {
+
+/// What can be done without saying more.
+enum class PlainAction {
+    arm,
+    disarm,
+    stopAlarm,
+    unplug,
+    plugIn,
+    closeLid,
+    openLid,
+    screensSleep,
+    crash, ///< the process's memory is lost, its files stay
+    relaunch,
+    sleep,
+    wake,
+    quit,
+};
+
+/// The power sources change to this.
+struct SetPower {
+    simulated::MacDescription::Power power;
+};
+
+/// The accelerometer delivers one reading, in g.
+struct MoveMachine {
+    double x = 0.0;
+    double y = 0.0;
+    double z = 0.0;
+};
+
+/// The accelerometer delivers a recording from now on, each sample at its time.
+struct PlayRecording {
+    simulated::MotionRecording recording;
+    std::string name; ///< as the scenario names the file
+};
+
+/// The accelerometer begins or ends to deliver a machine at rest.
+struct RestMachine {
+    bool isResting = true;
+};
+
+/// Settings change: an object with fields of `AlarmSettings`, each of its type, in the order of the file.
+struct ChangeSettings {
+    Json fields;
+};
+
+/// Somebody sets a device's volume, mute or both.
+struct SetVolume {
+    std::uint32_t device = 0;
+    std::optional<double> value; ///< 0 to 1
+    std::optional<bool> muted;
+};
+
+/// Somebody chooses another output; none: the system loses its default output.
+struct SetDefaultOutput {
+    std::optional<std::uint32_t> device;
+};
+
+/// A device is gone.
+struct RemoveAudioDevice {
+    std::uint32_t device = 0;
+};
+
+/// The owner uses the Music app.
+struct UseMusic {
+    enum class Use { play, pause, quit };
+    Use use = Use::play;
+};
+
+/// A device of the simulated MacBook refuses or fails from now on, or is healed. Names are checked by whoever has the
+/// devices.
+struct FailPort {
+    struct Fault {
+        std::string name;
+        int times = -1; ///< negative: until healed
+    };
+    std::string port;
+    std::vector<Fault> faults; ///< none: the port is healed
+};
+
+/// Several ports at once.
+struct FailPorts {
+    std::vector<FailPort> ports;
+};
+
+using Action = std::variant<PlainAction, SetPower, MoveMachine, PlayRecording, RestMachine, ChangeSettings, SetVolume,
+                            SetDefaultOutput, RemoveAudioDevice, UseMusic, FailPorts>;
+
+} // namespace sentrel::simulator

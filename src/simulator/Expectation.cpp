@@ -1,0 +1,86 @@
+#include "simulator/Expectation.hpp"
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+
+namespace sentrel::simulator {
+
+namespace {
+
+bool matches(const Json& expected, const Json& actual);
+
+bool numbersMatch(const Json& expected, const Json& actual)
+{
+    return std::abs(expected.get<double>() - actual.get<double>()) <= numberTolerance;
+}
+
+bool membersMatch(const Json& expected, const Json& actual)
+{
+    return std::all_of(expected.items().begin(), expected.items().end(), [&](const auto& entry) {
+        const Json* const found = member(actual, entry.key());
+        return matches(entry.value(), found == nullptr ? Json{} : *found);
+    });
+}
+
+bool matches(const Json& expected, const Json& actual)
+{
+    if (expected.is_number() && actual.is_number()) {
+        return numbersMatch(expected, actual);
+    }
+    if (expected.is_object() && actual.is_object()) {
+        return membersMatch(expected, actual);
+    }
+    if (expected.is_array() && actual.is_array()) {
+        return std::equal(expected.begin(), expected.end(), actual.begin(), actual.end(), matches);
+    }
+    return expected == actual;
+}
+
+std::string shown(const Json& value)
+{
+    try {
+        return encodeJson(value);
+    } catch (const JsonEncodingError&) {
+        return "a number that isn't finite";
+    }
+}
+
+/// Goes down to the members that differ, so that a message names just these.
+void collect(const Expectation& expectation, const std::string& path, const Json& expected, const Json* actual,
+             std::vector<Mismatch>& found)
+{
+    if (expected.is_object() && actual != nullptr && actual->is_object()) {
+        for (const auto& [key, value] : expected.items()) {
+            std::string deeper = path;
+            deeper += '.';
+            deeper += key;
+            collect(expectation, deeper, value, member(*actual, key), found);
+        }
+        return;
+    }
+    if (matches(expected, actual == nullptr ? Json{} : *actual)) {
+        return;
+    }
+    found.push_back({path, shown(expected), actual == nullptr ? "not there" : shown(*actual), expectation.line});
+}
+
+} // namespace
+
+std::vector<Mismatch> mismatches(const Expectation& expectation, const Json& state)
+{
+    const Json* const actual = member(state, expectation.key);
+    if (actual == nullptr) {
+        return {{expectation.key, shown(expectation.expected), "not known", expectation.line}};
+    }
+    std::vector<Mismatch> found;
+    collect(expectation, expectation.key, expectation.expected, actual, found);
+    return found;
+}
+
+std::string sentence(const Mismatch& mismatch)
+{
+    return "expected " + mismatch.path + " to be " + mismatch.expected + ", but it is " + mismatch.actual;
+}
+
+} // namespace sentrel::simulator

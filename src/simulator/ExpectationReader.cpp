@@ -1,0 +1,173 @@
+#include "simulator/ExpectationReader.hpp"
+
+#include "core/TriggerReason.hpp"
+#include "simulator/SettingsReader.hpp"
+#include "simulator/ValueReader.hpp"
+
+#include <limits>
+#include <string>
+
+namespace sentrel::simulator {
+
+namespace {
+
+/// A key that can be expected and how its value is read.
+struct ExpectationRow {
+    std::string_view key;
+    Json (*read)(const YamlValue& value);
+};
+
+template <std::size_t Count>
+void readRows(const YamlValue& map, std::string_view what, const std::array<ExpectationRow, Count>& rows,
+              const auto& found)
+{
+    requireMap(map, what);
+    std::array<std::string_view, Count> keys;
+    for (std::size_t i = 0; i < Count; ++i) {
+        keys[i] = rows[i].key;
+    }
+    KeyChecker checker{keys, what};
+    for (std::size_t i = 0; i < map.keys.size(); ++i) {
+        found(map.keys[i], rows[checker.placeOf(map.keys[i])].read(map.items[i]));
+    }
+}
+
+template <std::size_t Count>
+Json readObject(const YamlValue& map, std::string_view what, const std::array<ExpectationRow, Count>& rows)
+{
+    Json object = Json::object();
+    readRows(map, what, rows, [&](const YamlValue& key, Json value) { object[key.text] = std::move(value); });
+    return object;
+}
+
+template <std::size_t Count>
+Json readNullableObject(const YamlValue& map, std::string_view what, const std::array<ExpectationRow, Count>& rows)
+{
+    return map.isNull() ? Json{} : readObject(map, what, rows);
+}
+
+Json flag(const YamlValue& value)
+{
+    return readFlag(value, "what is expected here");
+}
+
+Json text(const YamlValue& value)
+{
+    return readText(value, "what is expected here");
+}
+
+Json textOrNull(const YamlValue& value)
+{
+    return value.isNull() ? Json{} : text(value);
+}
+
+Json count(const YamlValue& value)
+{
+    return readWhole(value, "a count", 0, std::numeric_limits<std::uint32_t>::max());
+}
+
+Json level(const YamlValue& value)
+{
+    return readNumber(value, "a volume", 0.0, 1.0);
+}
+
+Json deviceOrNull(const YamlValue& value)
+{
+    const auto device = readOptionalDevice(value);
+    return device ? Json{*device} : Json{};
+}
+
+Json reason(const YamlValue& value)
+{
+    std::array<std::string_view, allTriggerReasons.size()> words;
+    for (std::size_t i = 0; i < words.size(); ++i) {
+        words[i] = rawValue(allTriggerReasons[i]);
+    }
+    return words[readChoice(value, "reason", words)];
+}
+
+Json reasonOrNull(const YamlValue& value)
+{
+    return value.isNull() ? Json{} : reason(value);
+}
+
+template <Json (*readItem)(const YamlValue&)> Json list(const YamlValue& value)
+{
+    requireList(value, "what is expected here");
+    Json items = Json::array();
+    for (const YamlValue& item : value.items) {
+        items.push_back(readItem(item));
+    }
+    return items;
+}
+
+template <const auto& words> Json choice(const YamlValue& value)
+{
+    return words[readChoice(value, "word", words)];
+}
+
+constexpr std::array<std::string_view, 2> soundModes{"tone", "beep"};
+constexpr std::array<std::string_view, 3> musicStates{"playing", "paused", "absent"};
+
+constexpr std::array<ExpectationRow, 4> alertRows{
+    {{"reason", reason}, {"deviceName", text}, {"photo", flag}, {"pendingUpload", flag}}};
+constexpr std::array<ExpectationRow, 3> soundRows{
+    {{"mode", choice<soundModes>}, {"device", deviceOrNull}, {"volume", level}}};
+constexpr std::array<ExpectationRow, 2> deviceRows{{{"volume", level}, {"muted", flag}}};
+
+Json lastAlert(const YamlValue& value)
+{
+    return readNullableObject(value, "'lastAlert'", alertRows);
+}
+
+Json sound(const YamlValue& value)
+{
+    return readNullableObject(value, "'sound'", soundRows);
+}
+
+/// Devices by their numbers; null for one that must not be there.
+Json devices(const YamlValue& value)
+{
+    refuseDuplicates(value, "'devices'");
+    Json object = Json::object();
+    for (std::size_t i = 0; i < value.keys.size(); ++i) {
+        const std::string id = std::to_string(readDevice(value.keys[i]));
+        object[id] = readNullableObject(value.items[i], "an audio device", deviceRows);
+    }
+    return object;
+}
+
+constexpr std::array<ExpectationRow, 16> expectationRows{{
+    {"isArmed", flag},
+    {"isAlarmActive", flag},
+    {"statusMessage", text},
+    {"lastTrigger", reasonOrNull},
+    {"lastError", textOrNull},
+    {"cameraWarning", textOrNull},
+    {"motionWarning", textOrNull},
+    {"alerts", count},
+    {"lastAlert", lastAlert},
+    {"alertReasons", list<reason>},
+    {"sound", sound},
+    {"devices", devices},
+    {"defaultOutput", deviceOrNull},
+    {"music", choice<musicStates>},
+    {"assertions", list<text>},
+    {"settings", readSettings},
+}};
+
+} // namespace
+
+std::vector<Expectation> readExpectations(const YamlValue& value)
+{
+    std::vector<Expectation> expectations;
+    readRows(value, "'expect'", expectationRows, [&](const YamlValue& key, Json expected) {
+        expectations.push_back({key.text, std::move(expected), key.line});
+    });
+    if (expectations.empty()) {
+        throw SourceFault(value.line, "'expect' expects nothing: give it at least one key");
+    }
+    return expectations;
+}
+
+} // namespace sentrel::simulator

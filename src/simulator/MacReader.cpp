@@ -1,0 +1,98 @@
+#include "simulator/MacReader.hpp"
+
+#include "simulator/AudioReader.hpp"
+
+#include <algorithm>
+
+namespace sentrel::simulator {
+
+namespace {
+
+using Mac = simulated::MacDescription;
+
+constexpr std::array<Word<Mac::Power>, 3> powers{
+    {{"ac", Mac::Power::ac}, {"battery", Mac::Power::battery}, {"unknown", Mac::Power::unknown}}};
+constexpr std::array<Word<Mac::Lid>, 3> lids{
+    {{"open", Mac::Lid::open}, {"closed", Mac::Lid::closed}, {"absent", Mac::Lid::absent}}};
+constexpr std::array<Word<Mac::Accelerometer>, 3> accelerometers{{{"present", Mac::Accelerometer::present},
+                                                                  {"absent", Mac::Accelerometer::absent},
+                                                                  {"resting", Mac::Accelerometer::resting}}};
+constexpr std::array<Word<Mac::Music>, 3> musics{
+    {{"playing", Mac::Music::playing}, {"paused", Mac::Music::paused}, {"absent", Mac::Music::absent}}};
+constexpr std::array<Word<Mac::Consent>, 3> consents{{{"granted", Mac::Consent::granted},
+                                                      {"denied", Mac::Consent::denied},
+                                                      {"undetermined", Mac::Consent::undetermined}}};
+
+/// A description on its way; what refers to other keys is checked when all are read.
+struct Draft {
+    Mac mac;
+    const YamlValue* defaultOutput = nullptr;
+};
+
+constexpr std::array<FieldRow<Draft>, 11> macFields{{
+    {"model", [](auto& draft, auto& value, auto&) { draft.mac.model = readText(value, "'model'"); }},
+    {"localizedName",
+     [](auto& draft, auto& value, auto&) { draft.mac.localizedName = readOptionalText(value, "'localizedName'"); }},
+    {"power", [](auto& draft, auto& value, auto&) { draft.mac.power = readPower(value); }},
+    {"lid", [](auto& draft, auto& value, auto&) { draft.mac.lid = readWord(value, "lid", lids); }},
+    {"accelerometer", [](auto& draft, auto& value,
+                         auto&) { draft.mac.accelerometer = readWord(value, "accelerometer", accelerometers); }},
+    {"audio", [](auto& draft, auto& value, auto& context) { draft.mac.audio = readAudioDevices(value, context); }},
+    {"defaultOutput",
+     [](auto& draft, auto& value, auto&) {
+         draft.mac.defaultOutput = readOptionalDevice(value);
+         draft.defaultOutput = &value;
+     }},
+    {"music", [](auto& draft, auto& value, auto&) { draft.mac.music = readWord(value, "music", musics); }},
+    {"automationConsent",
+     [](auto& draft, auto& value, auto&) { draft.mac.automationConsent = readWord(value, "consent", consents); }},
+    {"bundleIdentifier", [](auto& draft, auto& value,
+                            auto&) { draft.mac.bundleIdentifier = readOptionalText(value, "'bundleIdentifier'"); }},
+    {"files",
+     [](auto& draft, auto& value, auto& context) {
+         const auto folder = readPath(value, "the folder", context);
+         std::error_code error;
+         if (!std::filesystem::is_directory(folder, error)) {
+             throw SourceFault(value.line, "'files' must be a folder, and " + inQuotes(value.text) + " is none");
+         }
+         draft.mac.files = folder;
+     }},
+}};
+
+bool hasDevice(const Mac& mac, std::uint32_t id)
+{
+    return std::any_of(mac.audio.begin(), mac.audio.end(), [&](const auto& device) { return device.id == id; });
+}
+
+void settleDefaultOutput(Draft& draft)
+{
+    Mac& mac = draft.mac;
+    if (mac.defaultOutput && hasDevice(mac, *mac.defaultOutput)) {
+        return;
+    }
+    if (draft.defaultOutput == nullptr) {
+        mac.defaultOutput = mac.audio.empty() ? std::nullopt : std::optional{mac.audio.front().id};
+        return;
+    }
+    if (mac.defaultOutput) {
+        throw SourceFault(draft.defaultOutput->line,
+                          "'defaultOutput' is " + draft.defaultOutput->text + ", but no audio device has this id");
+    }
+}
+
+} // namespace
+
+Mac readMac(const YamlValue& value, const ReadContext& context)
+{
+    Draft draft;
+    readFields(value, "'mac'", macFields, draft, context);
+    settleDefaultOutput(draft);
+    return draft.mac;
+}
+
+Mac::Power readPower(const YamlValue& value)
+{
+    return readWord(value, "power", powers);
+}
+
+} // namespace sentrel::simulator

@@ -1,0 +1,121 @@
+#pragma once
+
+#include "platform/simulated/Event.hpp"
+#include "simulator/Scenario.hpp"
+#include "simulator/StoryPage.hpp"
+
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <set>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace sentrel::simulator {
+
+/// What stands under a story.
+struct StorySummary {
+    struct Artefact {
+        std::string what; ///< for example "The alarm as it was heard"
+        std::string where;
+    };
+
+    double endedAt = 0.0;             ///< seconds since launch
+    std::string file;                 ///< the scenario
+    std::size_t held = 0;             ///< expectations that held
+    std::vector<Mismatch> mismatches; ///< those that didn't
+    std::vector<Artefact> artefacts;
+};
+
+/// Tells a play of a scenario in plain English while it unfolds, from the simulated MacBook's events and from what the
+/// scenario does. Times are seconds since launch. One thread.
+class Story {
+public:
+    Story(std::ostream& out, StoryStyle style) : page_(out, style) {}
+
+    /// The title and how things stand.
+    void open(const Scenario& scenario);
+
+    /// Tells an event; one that it doesn't know in a plain form.
+    void tell(const simulated::Event& event);
+
+    /// Tells an action that is about to be done, unless its event will.
+    void perform(double at, const Action& action);
+
+    /// A sentence of the narrator's (the note of a step).
+    void remark(double at, std::string_view text);
+
+    /// Something that happens to the Mac, in a sentence.
+    void act(double at, std::string_view text);
+
+    /// Expectations that don't hold, where the story stands.
+    void differ(double at, const std::vector<Mismatch>& found);
+
+    /// What was expected and what is left of it all.
+    void finish(const StorySummary& summary);
+
+private:
+    using Teller = void (Story::*)(const simulated::Event&);
+    struct Row {
+        std::string_view event;
+        Teller tell;
+    };
+    struct Level {
+        double volume = 0.0;
+        bool muted = false;
+
+        friend bool operator==(const Level&, const Level&) = default;
+    };
+    static const Row rows[];
+
+    void tellNothing(const simulated::Event&) {}
+    void tellUnknown(const simulated::Event& event);
+    void tellLaunched(const simulated::Event& event);
+    void tellCrashed(const simulated::Event& event);
+    void tellQuit(const simulated::Event& event);
+    void tellSlept(const simulated::Event& event);
+    void tellWoke(const simulated::Event& event);
+    void tellArmed(const simulated::Event& event);
+    void tellDisarmed(const simulated::Event& event);
+    void tellPower(const simulated::Event& event);
+    void tellLid(const simulated::Event& event);
+    void tellTrigger(const simulated::Event& event);
+    void tellAlarmStarted(const simulated::Event& event);
+    void tellAlarmStopped(const simulated::Event& event);
+    void tellVolume(const simulated::Event& event);
+    void tellVolumeByUser(const simulated::Event& event, std::uint32_t device, Level level);
+    void tellVolumeEnforced(const simulated::Event& event);
+    void tellDefaultOutput(const simulated::Event& event);
+    void tellMusicPaused(const simulated::Event& event);
+    void tellMusicPlaying(const simulated::Event& event);
+    void tellMusicQuit(const simulated::Event& event);
+    void tellConsentAsked(const simulated::Event& event);
+    void tellConsentAnswered(const simulated::Event& event);
+    void tellAlert(const simulated::Event& event);
+    void tellNotice(const simulated::Event& event);
+    void tellAssertionTaken(const simulated::Event& event);
+    void tellAssertionReleased(const simulated::Event& event);
+    void tellPhoto(const simulated::Event& event);
+    void tellNoPhoto(const simulated::Event& event);
+    void tellCoverShown(const simulated::Event& event);
+    void tellCoverHidden(const simulated::Event& event);
+
+    void tellSettledVolumes();
+    void endProcess();
+    [[nodiscard]] std::string deviceName(std::optional<std::uint32_t> device) const;
+
+    StoryPage page_;
+    std::map<std::uint32_t, std::string> names_;
+    std::map<std::uint32_t, Level> levels_;     // what the ear knows
+    std::map<std::uint32_t, double> disturbed_; // device: since when it isn't as the alarm set it
+    std::map<std::uint32_t, double> settling_;  // device: when the system last changed it, not yet told
+    std::set<std::string> assertions_;
+    std::optional<std::uint32_t> alarmDevice_;
+    std::optional<double> soundingSince_;
+    double alarmVolume_ = 0.0;
+    bool isArmed_ = false;
+    int launches_ = 0;
+};
+
+} // namespace sentrel::simulator

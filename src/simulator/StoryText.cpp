@@ -1,0 +1,189 @@
+#include "simulator/StoryText.hpp"
+
+#include "core/TriggerReason.hpp"
+#include "platform/Language.hpp"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdio>
+
+namespace sentrel::simulator {
+
+namespace {
+
+using Mac = simulated::MacDescription;
+
+/// The story is told in English, whatever the simulated MacBook speaks.
+class EnglishTexts final : public platform::Language {
+public:
+    std::string localized(std::string_view key) override { return std::string{key}; }
+    bool containsIgnoringCase(std::string_view text, std::string_view part) override
+    {
+        return text.find(part) != std::string_view::npos;
+    }
+};
+
+std::string tenths(double number)
+{
+    std::array<char, 32> text{};
+    const int length = std::snprintf(text.data(), text.size(), "%.2f", number);
+    return {text.data(), static_cast<std::size_t>(std::clamp(length, 0, 31))};
+}
+
+std::string_view powerText(Mac::Power power)
+{
+    switch (power) {
+    case Mac::Power::ac:
+        return "on its charger";
+    case Mac::Power::battery:
+        return "on battery";
+    case Mac::Power::unknown:
+        return "that doesn't tell where its power comes from";
+    }
+    return "";
+}
+
+std::string_view lidText(Mac::Lid lid)
+{
+    switch (lid) {
+    case Mac::Lid::open:
+        return ", its lid open";
+    case Mac::Lid::closed:
+        return ", its lid closed";
+    case Mac::Lid::absent:
+        return ", without a lid";
+    }
+    return "";
+}
+
+std::string soundText(const Mac& mac)
+{
+    for (const auto& device : mac.audio) {
+        if (device.id == mac.defaultOutput) {
+            return "Sound goes to " + device.name + " at " +
+                   percent(static_cast<double>(device.volume().value_or(1.0F))) + (device.isMuted() ? ", muted." : ".");
+        }
+    }
+    return mac.audio.empty() ? "It has no sound." : "No sound output is chosen.";
+}
+
+std::string musicText(const Mac& mac)
+{
+    if (mac.music == Mac::Music::absent) {
+        return {};
+    }
+    std::string text = mac.music == Mac::Music::playing ? " Music is playing" : " Music is paused";
+    switch (mac.automationConsent) {
+    case Mac::Consent::granted:
+        return text + ", and Sentrel may pause it.";
+    case Mac::Consent::denied:
+        return text + ", and Sentrel may not touch it.";
+    case Mac::Consent::undetermined:
+        return text + ".";
+    }
+    return text;
+}
+
+std::string settingsText(const Json& fields)
+{
+    std::string text = "The owner sets ";
+    bool isFirst = true;
+    for (const auto& [name, value] : fields.items()) {
+        text += (isFirst ? "" : ", ") + name + " to " + encodeJson(value);
+        isFirst = false;
+    }
+    return text + ".";
+}
+
+std::string failText(const FailPorts& action)
+{
+    std::string text;
+    for (const FailPort& port : action.ports) {
+        text += text.empty() ? "" : " ";
+        if (port.faults.empty()) {
+            text += "From now on, " + port.port + " works again.";
+            continue;
+        }
+        text += "From now on, " + port.port + " fails:";
+        for (const FailPort::Fault& fault : port.faults) {
+            text += (text.back() == ':' ? " " : ", ") + fault.name;
+            text += fault.times < 0 ? "" : " (" + std::to_string(fault.times) + " times)";
+        }
+        text += ".";
+    }
+    return text;
+}
+
+std::optional<std::string> plainText(PlainAction action)
+{
+    switch (action) {
+    case PlainAction::arm:
+        return "The owner arms Sentrel.";
+    case PlainAction::disarm:
+        return "The owner disarms Sentrel.";
+    case PlainAction::stopAlarm:
+        return "The owner stops the alarm.";
+    case PlainAction::screensSleep:
+        return "The screen goes dark.";
+    default:
+        return std::nullopt;
+    }
+}
+
+struct ActionDescriber {
+    const std::function<std::string(std::uint32_t)>& deviceName;
+
+    std::optional<std::string> operator()(PlainAction action) const { return plainText(action); }
+    std::optional<std::string> operator()(const MoveMachine& move) const
+    {
+        return "The Mac is moved: " + tenths(move.x) + ", " + tenths(move.y) + ", " + tenths(move.z) + " g.";
+    }
+    std::optional<std::string> operator()(const PlayRecording& action) const
+    {
+        return "The Mac moves as recorded in " + action.name + ".";
+    }
+    std::optional<std::string> operator()(const RestMachine& action) const
+    {
+        return action.isResting ? "The Mac lies still; its accelerometer delivers samples."
+                                : "The accelerometer falls silent.";
+    }
+    std::optional<std::string> operator()(const ChangeSettings& action) const { return settingsText(action.fields); }
+    std::optional<std::string> operator()(const RemoveAudioDevice& action) const
+    {
+        return deviceName(action.device) + " disappears.";
+    }
+    std::optional<std::string> operator()(const FailPorts& action) const { return failText(action); }
+    std::optional<std::string> operator()(const auto&) const { return std::nullopt; }
+};
+
+} // namespace
+
+std::string percent(double level)
+{
+    return std::to_string(std::lround(level * 100.0)) + " %";
+}
+
+std::string describe(const Mac& mac)
+{
+    std::string text = "A " + mac.model;
+    text += mac.localizedName ? " called “" + *mac.localizedName + "” " : " without a name ";
+    text += powerText(mac.power);
+    text += lidText(mac.lid);
+    text += mac.accelerometer == Mac::Accelerometer::absent ? ", without an accelerometer. " : ". ";
+    return text + soundText(mac) + musicText(mac);
+}
+
+std::optional<std::string> describe(const Action& action, const std::function<std::string(std::uint32_t)>& deviceName)
+{
+    return std::visit(ActionDescriber{deviceName}, action);
+}
+
+std::string reasonTitle(std::string_view rawValue)
+{
+    EnglishTexts english;
+    const auto reason = triggerReason(rawValue);
+    return reason ? title(*reason, english) : std::string{rawValue};
+}
+
+} // namespace sentrel::simulator
