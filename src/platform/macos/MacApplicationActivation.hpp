@@ -1,0 +1,13 @@
+#pragma once
+
+#include "platform/ApplicationActivation.hpp"
+
+namespace sentrel::macos {
+
+/// The shared application object.
+class MacApplicationActivation final : public platform::ApplicationActivation {
+public:
+    void activate(bool ignoringOtherApplications) override;
+};
+
+} // namespace sentrel::macos
