@@ -35,7 +35,7 @@ public:
         [context_ evaluatePolicy:static_cast<LAPolicy>(policy)
                  localizedReason:stringObject(reason)
                            reply:^(BOOL succeeded, NSError* /*error*/) {
-                             answer(succeeded);
+                               answer(succeeded);
                            }];
     }
 
