@@ -6,18 +6,24 @@ class Scheduler;
 
 namespace sentrel::platform {
 
+class Alerts;
+class ApplicationActivation;
 class AudioEngines;
 class AudioHardware;
 class Automation;
 class Camera;
+class Cryptography;
 class DeviceRegistry;
 class EventPosting;
 class FileSystem;
+class GeneralRandom;
 class HidEventSystem;
 class HostInfo;
 class ImageCodec;
 class Journal;
+class Keychain;
 class Language;
+class LoginAuthentication;
 class PowerAssertions;
 class PowerSources;
 class Random;
@@ -53,6 +59,12 @@ struct Platform {
     EventPosting& eventPosting;
     Camera& camera;
     ImageCodec& imageCodec;
+    Keychain& keychain;
+    Cryptography& cryptography;
+    GeneralRandom& generalRandom;
+    LoginAuthentication& loginAuthentication;
+    Alerts& alerts;
+    ApplicationActivation& applicationActivation;
 };
 
 } // namespace sentrel::platform

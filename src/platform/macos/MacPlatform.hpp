@@ -2,16 +2,21 @@
 
 #include "platform/Platform.hpp"
 #include "platform/macos/DispatchScheduler.hpp"
+#include "platform/macos/MacAlerts.hpp"
+#include "platform/macos/MacApplicationActivation.hpp"
 #include "platform/macos/MacAudioEngines.hpp"
 #include "platform/macos/MacAudioHardware.hpp"
 #include "platform/macos/MacAutomation.hpp"
 #include "platform/macos/MacCamera.hpp"
+#include "platform/macos/MacCryptography.hpp"
 #include "platform/macos/MacDeviceRegistry.hpp"
 #include "platform/macos/MacHidEventSystem.hpp"
 #include "platform/macos/MacHostInfo.hpp"
 #include "platform/macos/MacImageCodec.hpp"
 #include "platform/macos/MacJournal.hpp"
+#include "platform/macos/MacKeychain.hpp"
 #include "platform/macos/MacLanguage.hpp"
+#include "platform/macos/MacLoginAuthentication.hpp"
 #include "platform/macos/MacPowerAssertions.hpp"
 #include "platform/macos/MacPowerSources.hpp"
 #include "platform/macos/MacRandom.hpp"
@@ -56,6 +61,11 @@ private:
     MacEventPosting eventPosting_;
     MacCamera camera_;
     MacImageCodec imageCodec_;
+    MacKeychain keychain_;
+    MacCryptography cryptography_;
+    MacLoginAuthentication loginAuthentication_;
+    MacAlerts alerts_;
+    MacApplicationActivation applicationActivation_;
     platform::Platform ports_{
         .scheduler = scheduler_,
         .wallClock = wallClock_,
@@ -79,6 +89,12 @@ private:
         .eventPosting = eventPosting_,
         .camera = camera_,
         .imageCodec = imageCodec_,
+        .keychain = keychain_,
+        .cryptography = cryptography_,
+        .generalRandom = random_,
+        .loginAuthentication = loginAuthentication_,
+        .alerts = alerts_,
+        .applicationActivation = applicationActivation_,
     };
 };
 
