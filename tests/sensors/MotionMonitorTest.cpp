@@ -1,0 +1,169 @@
+#include "platform/simulated/EventLog.hpp"
+#include "platform/simulated/SimulatedAccelerometer.hpp"
+#include "platform/simulated/SimulatedWallClock.hpp"
+#include "runtime/ThreadScheduler.hpp"
+#include "runtime/VirtualScheduler.hpp"
+#include "sensors/MotionMonitor.hpp"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <memory>
+#include <thread>
+
+namespace sentrel {
+namespace {
+
+using namespace std::chrono_literals;
+
+struct MovableMac {
+    VirtualClock clock;
+    VirtualScheduler scheduler{clock};
+    simulated::EventLog log{scheduler};
+    simulated::SimulatedWallClock wallClock{scheduler, Date{1000.0}};
+    simulated::SimulatedAccelerometer accelerometer{scheduler, log, 1};
+    std::unique_ptr<MotionMonitor> monitor =
+        std::make_unique<MotionMonitor>(MainActor{scheduler}, accelerometer, wallClock);
+    int moved = 0;
+
+    MovableMac()
+    {
+        monitor->onMotionDetected = [this] { ++moved; };
+    }
+
+    void sample(double x)
+    {
+        accelerometer.sample({x, 0.0, 1.0});
+        clock.runReady();
+    }
+};
+
+TEST(MotionMonitor, ReportsAMovementAtMostOnceInFiveSecondsUntilItIsStopped)
+{
+    MovableMac mac;
+    mac.monitor->start(0.55); // beyond 0.49 g
+    EXPECT_TRUE(mac.monitor->isAccelerometerAvailable());
+    mac.sample(5.0);
+    EXPECT_EQ(mac.moved, 0) << "the first sample is the baseline";
+    mac.sample(5.6);
+    EXPECT_EQ(mac.moved, 1);
+    mac.clock.advance(3s);
+    mac.sample(5.6);
+    EXPECT_EQ(mac.moved, 1);
+    mac.clock.advance(3s);
+    mac.sample(5.6);
+    EXPECT_EQ(mac.moved, 2);
+
+    mac.monitor->start(0.55);
+    mac.sample(0.0);
+    mac.sample(0.6);
+    EXPECT_EQ(mac.moved, 3) << "a new start has a new baseline and no cooldown";
+
+    mac.clock.advance(6s);
+    mac.accelerometer.sample({9.0, 0.0, 0.0}); // on its way
+    mac.monitor->stop();
+    mac.sample(-9.0);
+    EXPECT_EQ(mac.moved, 3);
+}
+
+TEST(MotionMonitor, HearsOnlyTheAccelerometersOwnEvents)
+{
+    MovableMac mac;
+    mac.monitor->start(1.0);
+    mac.sample(0.0);
+    for (const std::uint32_t type : {0U, 12U, 14U}) {
+        mac.accelerometer.sendEvent(type, {7.0, 7.0, 7.0});
+    }
+    mac.accelerometer.sendNullEvent();
+    mac.clock.runReady();
+    EXPECT_EQ(mac.moved, 0);
+    mac.sample(0.1);
+    EXPECT_EQ(mac.moved, 1);
+}
+
+TEST(MotionMonitor, AsksForFiftySamplesASecond)
+{
+    MovableMac mac;
+    mac.accelerometer.setResting(true);
+    mac.monitor->start(0.35);
+    const auto turns = mac.clock.turns();
+    mac.clock.advance(10s);
+    const auto perSample = static_cast<double>(mac.clock.turns() - turns) / 500.0;
+    EXPECT_NEAR(perSample, 3.0, 0.05) << "the device's tick, the sensor queue and one task on the main actor";
+    EXPECT_EQ(mac.moved, 0);
+}
+
+TEST(MotionMonitor, IsSilentAndSaysSoWithoutAUsableAccelerometer)
+{
+    MovableMac absent;
+    absent.accelerometer.setPresent(false);
+    absent.monitor->start(1.0);
+    EXPECT_FALSE(absent.monitor->isAccelerometerAvailable());
+    absent.accelerometer.setPresent(true);
+    EXPECT_TRUE(absent.monitor->refreshAvailability());
+    EXPECT_TRUE(absent.monitor->isAccelerometerAvailable());
+
+    for (const char* const fault : {"client", "services"}) {
+        MovableMac mac;
+        mac.accelerometer.faults().set(fault);
+        mac.monitor->start(1.0);
+        EXPECT_FALSE(mac.monitor->isAccelerometerAvailable()) << fault;
+        mac.sample(0.0);
+        mac.sample(9.0);
+        EXPECT_EQ(mac.moved, 0) << fault;
+    }
+}
+
+TEST(MotionMonitor, HearsNothingThatComesLateAndMayDieWithSamplesUnderWay)
+{
+    MovableMac mac;
+    mac.monitor->start(1.0);
+    mac.sample(0.0);
+    mac.accelerometer.faults().set("late-event");
+    mac.monitor->stop();
+    mac.clock.advance(1s);
+    EXPECT_EQ(mac.moved, 0);
+
+    mac.monitor->start(1.0);
+    mac.sample(0.0);
+    mac.accelerometer.sample({9.0, 0.0, 0.0});
+    mac.monitor.reset();
+    mac.clock.advance(1s);
+    EXPECT_EQ(mac.moved, 0);
+}
+
+TEST(ThreadsMotion, StartsAndStopsWhileSamplesStream)
+{
+    ThreadScheduler scheduler;
+    simulated::EventLog log{scheduler};
+    simulated::SimulatedAccelerometer accelerometer{scheduler, log, 1};
+    std::atomic<int> received = 0;
+    std::atomic<bool> isStreaming = true;
+    std::thread shaking{[&] {
+        while (isStreaming) {
+            accelerometer.sample({1.0, 2.0, 3.0});
+            std::this_thread::sleep_for(20us);
+        }
+    }};
+    int receivedAfterStop = 0;
+    for (int round = 0; round < 20; ++round) {
+        AccelerometerEventHandler handler{scheduler, accelerometer, [&](double, double, double) { ++received; }};
+        const int before = received;
+        ASSERT_TRUE(handler.start(0xFF00, 3, 20'000));
+        while (received == before) {
+            std::this_thread::yield();
+        }
+        if (round % 2 == 0) {
+            handler.stop();
+            const int stopped = received;
+            std::this_thread::sleep_for(200us);
+            receivedAfterStop += received - stopped;
+        } // else its end stops it
+    }
+    isStreaming = false;
+    shaking.join();
+    EXPECT_EQ(receivedAfterStop, 0);
+}
+
+} // namespace
+} // namespace sentrel
