@@ -1,8 +1,8 @@
+#include "sensors/LidMonitor.hpp"
 #include "platform/simulated/EventLog.hpp"
 #include "platform/simulated/SimulatedLid.hpp"
 #include "platform/simulated/SimulatedWorkspace.hpp"
 #include "runtime/VirtualScheduler.hpp"
-#include "sensors/LidMonitor.hpp"
 
 #include <gtest/gtest.h>
 
@@ -43,7 +43,7 @@ TEST(LidMonitor, FiresOnceForEachClosingWhicheverWayItLearnsOfIt)
         std::string states; ///< o open, c and C closed, n not to be read; the first at the start
         int closed;
     };
-    const std::vector<Case> cases{{"oc", 1}, {"oC", 1},  {"occ", 1}, {"ococ", 2}, {"c", 0},  {"ccc", 0},
+    const std::vector<Case> cases{{"oc", 1},  {"oC", 1},  {"occ", 1}, {"ococ", 2}, {"c", 0},  {"ccc", 0},
                                   {"coc", 1}, {"ooo", 0}, {"nnn", 0}, {"nc", 1},   {"cnc", 1}};
     for (const bool screensSleep : {true, false}) {
         for (const Case& example : cases) {

@@ -1,9 +1,9 @@
+#include "sensors/MotionMonitor.hpp"
 #include "platform/simulated/EventLog.hpp"
 #include "platform/simulated/SimulatedAccelerometer.hpp"
 #include "platform/simulated/SimulatedWallClock.hpp"
 #include "runtime/ThreadScheduler.hpp"
 #include "runtime/VirtualScheduler.hpp"
-#include "sensors/MotionMonitor.hpp"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
+#include "sensors/PowerAssertion.hpp"
 #include "platform/simulated/EventLog.hpp"
 #include "platform/simulated/SimulatedAssertions.hpp"
 #include "runtime/VirtualScheduler.hpp"
-#include "sensors/PowerAssertion.hpp"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,7 +1,7 @@
+#include "sensors/PowerMonitor.hpp"
 #include "platform/simulated/EventLog.hpp"
 #include "platform/simulated/SimulatedPower.hpp"
 #include "runtime/VirtualScheduler.hpp"
-#include "sensors/PowerMonitor.hpp"
 
 #include <gtest/gtest.h>
 
@@ -65,8 +65,8 @@ TEST(PowerMonitor, FiresOnceForEachWayFromACToBatteryWhicheverWayItLearnsOfIt)
         int unplugged;
     };
     const std::vector<Case> cases{
-        {"AB", 1},   {"ABB", 1},    {"ABAB", 2}, {"B", 0},   {"BBB", 0},   {"BAB", 1}, {"?B", 1},   {"A?B", 1},
-        {"AB?B", 1}, {"AB?AB", 2}, {"kB", 1},    {"kkk", 0}, {"A?k?", 0}, {"fB", 1},  {"AfBlB", 2}, {"Alf", 0},
+        {"AB", 1},   {"ABB", 1},   {"ABAB", 2}, {"B", 0},   {"BBB", 0},  {"BAB", 1}, {"?B", 1},    {"A?B", 1},
+        {"AB?B", 1}, {"AB?AB", 2}, {"kB", 1},   {"kkk", 0}, {"A?k?", 0}, {"fB", 1},  {"AfBlB", 2}, {"Alf", 0},
     };
     for (const bool isNotified : {true, false}) {
         for (const Case& example : cases) {

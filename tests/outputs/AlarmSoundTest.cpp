@@ -1,0 +1,353 @@
+#include "outputs/AlarmSoundPlayer.hpp"
+#include "platform/simulated/EventLog.hpp"
+#include "platform/simulated/IcuLanguage.hpp"
+#include "platform/simulated/SimulatedAudio.hpp"
+#include "platform/simulated/SimulatedAudioEngines.hpp"
+#include "platform/simulated/SimulatedInput.hpp"
+#include "platform/simulated/SimulatedMusic.hpp"
+#include "runtime/ThreadScheduler.hpp"
+#include "runtime/VirtualScheduler.hpp"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <map>
+#include <memory>
+#include <mutex>
+
+namespace sentrel {
+namespace {
+
+using namespace std::chrono_literals;
+using simulated::Event;
+using simulated::Sounding;
+using testing::Each;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+constexpr const char* stateKey = "alarmSavedOutputState";
+constexpr const char* noDevice = "No audio output device was found. The alarm is using the system beep.";
+constexpr const char* noTone = "The alarm tone couldn't start. The alarm is using the system beep.";
+
+class MemoryDefaults final : public platform::UserDefaults {
+public:
+    std::optional<Bytes> data(const std::string& key) override
+    {
+        const std::lock_guard guard{mutex_};
+        const auto found = entries_.find(key);
+        return found == entries_.end() ? std::nullopt : std::optional{found->second};
+    }
+    void setData(const std::string& key, BytesView value) override
+    {
+        const std::lock_guard guard{mutex_};
+        entries_[key] = Bytes(value.begin(), value.end());
+    }
+    std::optional<std::string> text(const std::string& /*key*/) override { return std::nullopt; }
+    void setText(const std::string& /*key*/, const std::string& /*value*/) override {}
+    void remove(const std::string& key) override
+    {
+        const std::lock_guard guard{mutex_};
+        entries_.erase(key);
+    }
+
+private:
+    std::mutex mutex_;
+    std::map<std::string, Bytes> entries_;
+};
+
+/// Remembers what each beep was heard on.
+class CountedBeep final : public platform::SystemBeep {
+public:
+    explicit CountedBeep(simulated::SimulatedAudio& audio) : audio_(audio) {}
+    void beep() override { outputs.push_back(audio_.defaultOutput()); }
+
+    std::vector<std::optional<platform::AudioObjectId>> outputs;
+
+private:
+    simulated::SimulatedAudio& audio_;
+};
+
+std::vector<simulated::AudioDevice> speakerAndHeadphones()
+{
+    std::vector<simulated::AudioDevice> devices(2);
+    devices[0].id = 73;
+    devices[0].uid = "BuiltInSpeakerDevice";
+    devices[0].addControls({0}, 0.3F, true);
+    devices[1].id = 91;
+    devices[1].uid = "Headphones";
+    devices[1].transport = fourCharCode("usb ");
+    devices[1].addControls({0}, 0.6F, false);
+    return devices;
+}
+
+/// The machine: headphones are the default output, and the speaker is muted.
+struct Machine {
+    explicit Machine(Scheduler& scheduler)
+        : log(scheduler), audio(log, speakerAndHeadphones(), 91), speaker(scheduler, audio)
+    {
+    }
+
+    [[nodiscard]] bool isAsBefore() const
+    {
+        const auto wanted = speakerAndHeadphones();
+        return audio.defaultOutput() == 91U && audio.device(73)->controls == wanted[0].controls &&
+               audio.device(91)->controls == wanted[1].controls;
+    }
+
+    simulated::EventLog log;
+    simulated::SimulatedAudio audio;
+    simulated::Speaker speaker;
+    simulated::SimulatedAudioEngines engines{speaker, audio};
+    CountedBeep beep{audio};
+    simulated::SimulatedMusic music{log};
+    simulated::SimulatedInput input{[this] { music.togglePlayback(); }};
+    simulated::IcuLanguage language{"no such folder", log};
+    MemoryDefaults defaults;
+};
+
+/// The product's side.
+struct Sound {
+    Sound(Scheduler& scheduler, Machine& itsMachine) : mainActor(scheduler), machine(itsMachine) { launch(); }
+
+    void launch()
+    {
+        const AlarmSoundServices services{volume,           media,      machine.engines, machine.beep, machine.defaults,
+                                          machine.language, machine.log};
+        player = std::make_unique<AlarmSoundPlayer>(mainActor, services);
+        player->onPlaybackDegraded = [this](const std::string& message) { messages.push_back(message); };
+    }
+
+    MainActor mainActor;
+    Machine& machine;
+    SystemVolumeControl volume{machine.audio, machine.language};
+    MediaPlayback media{mainActor, machine.music, machine.music, machine.input};
+    std::vector<std::string> messages;
+    std::unique_ptr<AlarmSoundPlayer> player;
+};
+
+struct HardwareTime {
+    VirtualClock clock;
+    VirtualScheduler hardware{clock};
+};
+
+/// A machine and the product on it, in virtual time; the product's tasks end before the machine does.
+struct LoudMac : HardwareTime, Machine {
+    VirtualScheduler scheduler{clock};
+    Sound sound{scheduler, *this};
+    std::unique_ptr<AlarmSoundPlayer>& player = sound.player;
+    std::vector<std::string>& messages = sound.messages;
+
+    LoudMac() : Machine(hardware) {}
+
+    void playMusic()
+    {
+        music.setPlayback(simulated::SimulatedMusic::Playback::playing);
+        music.setConsent(simulated::SimulatedMusic::Consent::granted);
+    }
+};
+
+TEST(AlarmSound, MapsEverySettingToAtLeastAQuarter)
+{
+    const std::map<float, float> volumes{{-1.0F, 0.25F},      {0.0F, 0.25F}, {0.1F, 0.25F}, {0.55F, 0.625F},
+                                         {0.8F, 0.83333333F}, {1.0F, 1.0F},  {7.0F, 1.0F}};
+    for (const auto& [setting, volume] : volumes) {
+        EXPECT_NEAR(AlarmSoundWorker::effectiveVolume(setting), volume, 1e-7F) << "for " << setting;
+    }
+    EXPECT_EQ(AlarmSoundWorker::effectiveVolume(1.0F), 1.0F);
+}
+
+TEST(AlarmSound, TakesTheSpeakerAtOnceKeepsItLoudAndGivesItBack)
+{
+    LoudMac mac;
+    mac.player->play(1.0F);
+    mac.clock.runReady();
+    auto sounding = mac.speaker.sounding();
+    ASSERT_EQ(sounding.size(), 1U) << "in no time";
+    EXPECT_EQ(sounding[0].kind, Sounding::Kind::loop);
+    EXPECT_EQ(sounding[0].device, 73U);
+    EXPECT_EQ(sounding[0].gain, 1.0F);
+    EXPECT_EQ(mac.audio.defaultOutput(), 73U);
+    EXPECT_EQ(decodeSavedOutputState(mac.defaults.data(stateKey).value()),
+              (SavedOutputState{73, 0.3F, true, 91, 0.6F, false, true}));
+
+    mac.player->play(0.0F); // changes nothing
+    mac.audio.setVolume(73, 0.0F, true);
+    mac.clock.advance(899ms);
+    EXPECT_EQ(mac.audio.audibleGain(73), 0.0F);
+    mac.clock.advance(1ms);
+    EXPECT_EQ(mac.audio.audibleGain(73), 1.0F);
+    EXPECT_EQ(mac.speaker.sounding().size(), 1U);
+
+    mac.player->stop();
+    mac.clock.advance(5s);
+    EXPECT_THAT(mac.speaker.sounding(), IsEmpty());
+    EXPECT_TRUE(mac.isAsBefore());
+    EXPECT_EQ(mac.defaults.data(stateKey), std::nullopt);
+    EXPECT_THAT(mac.messages, IsEmpty());
+
+    const auto started = mac.log.named("alarm.started");
+    ASSERT_EQ(started.size(), 1U);
+    EXPECT_EQ(started[0].text("mode"), "tone");
+    EXPECT_EQ(*started[0].find("device"), Event::Value{std::int64_t{73}});
+    EXPECT_EQ(*started[0].find("volume"), Event::Value{1.0});
+    EXPECT_EQ(mac.log.named("volume.enforced").size(), 1U);
+    EXPECT_EQ(mac.log.named("alarm.stopped").size(), 1U);
+}
+
+TEST(AlarmSound, FallsBackToBeepsWhenTheToneCannotStart)
+{
+    for (const char* const fault : {"format", "buffer", "start"}) {
+        for (const auto& [setting, beeps] : std::map<float, std::size_t>{{0.1F, 1}, {0.55F, 1}, {0.8F, 2}, {1.0F, 3}}) {
+            LoudMac mac;
+            mac.engines.faults().set(fault);
+            mac.player->play(setting);
+            mac.clock.advance(899ms);
+            EXPECT_THAT(mac.speaker.sounding(), IsEmpty()) << fault;
+            EXPECT_THAT(mac.messages, ElementsAre(noTone));
+            EXPECT_EQ(mac.log.named("alarm.started").at(0).text("mode"), "beep");
+
+            mac.audio.setDefaultOutput(91); // the thief
+            mac.clock.advance(1ms);
+            EXPECT_EQ(mac.beep.outputs.size(), beeps) << "at " << setting;
+            EXPECT_THAT(mac.beep.outputs, Each(73U)) << "beeps come from the speaker";
+            EXPECT_EQ(mac.audio.defaultOutput(), 91U) << "and the default is as the user left it";
+
+            mac.player->stop();
+            mac.clock.advance(5s);
+            EXPECT_TRUE(mac.isAsBefore());
+            EXPECT_EQ(mac.beep.outputs.size(), beeps);
+        }
+    }
+    LoudMac refusing;
+    refusing.engines.faults().set("device");
+    refusing.player->play(0.8F);
+    refusing.clock.runReady();
+    EXPECT_EQ(refusing.speaker.sounding().at(0).device, 73U) << "the default output, by now the speaker";
+    EXPECT_THAT(refusing.messages, IsEmpty());
+}
+
+TEST(AlarmSound, BeepsWithoutAnyDeviceAndSavesNothing)
+{
+    LoudMac mac;
+    mac.audio.faults().set("read-devices");
+    mac.audio.faults().set("read-default");
+    mac.playMusic();
+    mac.player->play(0.8F);
+    mac.clock.advance(900ms);
+    EXPECT_THAT(mac.messages, ElementsAre(noDevice));
+    EXPECT_EQ(mac.beep.outputs.size(), 2U);
+    EXPECT_EQ(mac.defaults.data(stateKey), std::nullopt);
+    const auto started = mac.log.named("alarm.started");
+    ASSERT_EQ(started.size(), 1U);
+    EXPECT_EQ(*started[0].find("device"), Event::Value{});
+    mac.player->stop();
+    mac.clock.advance(5s);
+    EXPECT_TRUE(mac.isAsBefore());
+    EXPECT_EQ(mac.beep.outputs.size(), 2U);
+}
+
+TEST(AlarmSound, UsesTheDefaultOutputOfAMacWithoutASpeaker)
+{
+    LoudMac mac;
+    mac.audio.remove(73);
+    mac.player->play(0.8F);
+    mac.clock.runReady();
+    EXPECT_EQ(mac.speaker.sounding().at(0).device, 91U);
+    EXPECT_EQ(mac.audio.defaultOutput(), 91U);
+}
+
+TEST(AlarmSound, WaitsForMusicAtMostHalfASecond)
+{
+    for (const bool hangs : {false, true}) {
+        LoudMac mac;
+        mac.playMusic();
+        mac.music.faults().set("script-hangs", hangs ? 1 : 0);
+        mac.player->play(0.8F);
+        mac.clock.advance(hangs ? 499ms : 0ms);
+        EXPECT_EQ(mac.speaker.sounding().empty(), hangs);
+        mac.clock.advance(hangs ? 1ms : 0ms);
+        EXPECT_EQ(mac.speaker.sounding().size(), 1U);
+        EXPECT_EQ(mac.music.playback(), simulated::SimulatedMusic::Playback::paused) << "the second try catches it";
+
+        mac.player->stopAndWait();
+        EXPECT_TRUE(mac.isAsBefore()) << "when the call returns";
+    }
+}
+
+TEST(AlarmSound, IsUndoneOnceAtTheLaunchAfterACrash)
+{
+    LoudMac mac;
+    mac.player->play(0.8F);
+    mac.clock.advance(2s);
+    mac.player.reset(); // the process dies while the alarm sounds
+    mac.clock.advance(2s);
+    EXPECT_THAT(mac.speaker.sounding(), IsEmpty());
+    EXPECT_FALSE(mac.isAsBefore());
+
+    mac.sound.launch();
+    mac.player->restoreLeftoverState();
+    mac.clock.runReady();
+    EXPECT_TRUE(mac.isAsBefore());
+    EXPECT_EQ(mac.defaults.data(stateKey), std::nullopt);
+
+    mac.audio.setVolume(73, 0.9F, false);
+    mac.player->restoreLeftoverState();
+    mac.player->stop();
+    mac.clock.runReady();
+    EXPECT_EQ(mac.audio.audibleGain(73), 0.9F) << "once and no more";
+}
+
+TEST(AlarmSound, LeavesASavedStateAloneThatIsDamagedOrItsOwn)
+{
+    LoudMac mac;
+    const auto damaged = bytesOf(R"({"speakerDeviceID":73,"speakerVolume":)");
+    mac.defaults.setData(stateKey, damaged);
+    mac.player->restoreLeftoverState();
+    mac.player->stop(); // while idle
+    mac.clock.runReady();
+    EXPECT_EQ(mac.defaults.data(stateKey), damaged);
+    EXPECT_TRUE(mac.isAsBefore());
+
+    mac.player->play(0.8F);
+    mac.player->restoreLeftoverState();
+    mac.clock.runReady();
+    EXPECT_EQ(mac.audio.defaultOutput(), 73U) << "the alarm goes on";
+    EXPECT_TRUE(mac.defaults.data(stateKey).has_value());
+}
+
+TEST(AlarmSound, MayDieWhileItWaitsForMusic)
+{
+    LoudMac mac;
+    mac.playMusic();
+    mac.music.faults().set("script-hangs");
+    mac.player->play(0.8F);
+    mac.player->stop();
+    mac.clock.advance(100ms);
+    mac.player.reset();
+    mac.clock.advance(5s);
+    EXPECT_TRUE(mac.isAsBefore());
+    EXPECT_THAT(mac.speaker.sounding(), IsEmpty());
+}
+
+TEST(ThreadsAlarmSound, PlaysStopsAndDiesOnRealThreads)
+{
+    ThreadScheduler scheduler;
+    Machine machine{scheduler};
+    Sound sound{scheduler, machine};
+    for (const char* const fault : {"", "start"}) {
+        machine.engines.faults().clear();
+        machine.engines.faults().set(fault);
+        sound.player->play(0.8F);
+        sound.player->stopAndWait();
+        EXPECT_TRUE(machine.isAsBefore());
+        EXPECT_THAT(machine.speaker.sounding(), IsEmpty());
+        sound.player->play(0.8F);
+        sound.launch(); // drops the old one in the middle of whatever it does
+        sound.player->restoreLeftoverState();
+        sound.player->stopAndWait();
+        EXPECT_TRUE(machine.isAsBefore());
+    }
+}
+
+} // namespace
+} // namespace sentrel
