@@ -4,6 +4,7 @@
 #include "platform/simulated/SimulatedWallClock.hpp"
 #include "runtime/ThreadScheduler.hpp"
 #include "runtime/VirtualScheduler.hpp"
+#include "support/AllocationCounter.hpp"
 
 #include <gtest/gtest.h>
 
@@ -93,6 +94,22 @@ TEST(MotionMonitor, AsksForFiftySamplesASecond)
     EXPECT_EQ(mac.moved, 0);
 }
 
+TEST(MotionMonitor, AllocatesNothingForASampleButItsTask)
+{
+    if (!test::AllocationCounter::isAvailable()) {
+        GTEST_SKIP() << "a sanitizer keeps the allocation operators to itself";
+    }
+    MovableMac mac;
+    mac.monitor->start(0.35);
+    mac.sample(0.0);
+    const test::AllocationCounter allocations;
+    for (int i = 0; i < 10; ++i) {
+        mac.accelerometer.sendEvent(13, {0.01, 0.0, 1.0}); // as a sample, but without an entry in the log
+        mac.clock.runReady();
+    }
+    EXPECT_EQ(allocations.count(), 10U);
+}
+
 TEST(MotionMonitor, IsSilentAndSaysSoWithoutAUsableAccelerometer)
 {
     MovableMac absent;
@@ -132,6 +149,14 @@ TEST(MotionMonitor, HearsNothingThatComesLateAndMayDieWithSamplesUnderWay)
     EXPECT_EQ(mac.moved, 0);
 }
 
+/// Lets the other threads come forward for a while.
+void giveWay()
+{
+    for (int i = 0; i < 100; ++i) {
+        std::this_thread::yield();
+    }
+}
+
 TEST(ThreadsMotion, StartsAndStopsWhileSamplesStream)
 {
     ThreadScheduler scheduler;
@@ -142,7 +167,7 @@ TEST(ThreadsMotion, StartsAndStopsWhileSamplesStream)
     std::thread shaking{[&] {
         while (isStreaming) {
             accelerometer.sample({1.0, 2.0, 3.0});
-            std::this_thread::sleep_for(20us);
+            giveWay();
         }
     }};
     int receivedAfterStop = 0;
@@ -156,7 +181,7 @@ TEST(ThreadsMotion, StartsAndStopsWhileSamplesStream)
         if (round % 2 == 0) {
             handler.stop();
             const int stopped = received;
-            std::this_thread::sleep_for(200us);
+            giveWay();
             receivedAfterStop += received - stopped;
         } // else its end stops it
     }
