@@ -35,18 +35,16 @@ bool ToneEngine::start(platform::AudioObjectId device, float alarmVolume)
     // A refusal leaves the engine on the default device, which the take-over has made the same.
     engine_->setOutputUnitProperty(currentDeviceProperty, globalUnitScope, 0, device);
     const auto format = engine_->makeStandardFormat(ToneBuffer::sampleRate, channelCount);
-    if (format == nullptr) {
+    if (format == nullptr || !engine_->attachPlayerToMainMixer(*format)) {
         return false;
     }
-    engine_->attachPlayerToMainMixer(*format);
     engine_->setMainMixerVolume(alarmVolume);
     auto tone = makeTone(*engine_, *format, alarmVolume);
     if (tone == nullptr || !engine_->start()) {
         return false;
     }
     engine_->scheduleLooping(std::move(tone));
-    engine_->play();
-    return true;
+    return engine_->play();
 }
 
 void ToneEngine::stop()

@@ -38,8 +38,8 @@ public:
     /// A buffer of exactly so many frames; null when the system can't make it.
     [[nodiscard]] virtual std::unique_ptr<AudioBuffer> makeBuffer(const AudioFormat& format, std::size_t frames) = 0;
 
-    /// Attaches the player node and connects it to the main mixer.
-    virtual void attachPlayerToMainMixer(const AudioFormat& format) = 0;
+    /// Attaches the player node and connects it to the main mixer; false when the system refuses.
+    [[nodiscard]] virtual bool attachPlayerToMainMixer(const AudioFormat& format) = 0;
     virtual void setMainMixerVolume(float volume) = 0;
 
     /// False when starting fails.
@@ -47,7 +47,9 @@ public:
 
     /// Schedules the buffer on the player, looping, without a completion handler; the engine keeps the buffer.
     virtual void scheduleLooping(std::unique_ptr<AudioBuffer> buffer) = 0;
-    virtual void play() = 0;
+
+    /// Lets the player play; false when the system refuses, as it does once the engine has lost its device.
+    [[nodiscard]] virtual bool play() = 0;
     virtual void stop() = 0;
 };
 

@@ -22,9 +22,7 @@ public:
     ~VirtualExecutor() override
     {
         clock_.remove(*this);
-        while (Job* const job = jobs_.popFirst()) {
-            job->drop();
-        }
+        dropJobs();
     }
 
     void post(Job& job) override { clock_.append(jobs_, job); }
@@ -33,6 +31,13 @@ public:
     [[nodiscard]] bool isCurrent() const override
     {
         return clock_.current_ == this || (kind_ == Kind::main && clock_.current_ == nullptr);
+    }
+
+    void dropJobs()
+    {
+        while (Job* const job = jobs_.popFirst()) {
+            job->drop();
+        }
     }
 
     /// The job that may run next, or null.
@@ -170,6 +175,13 @@ VirtualScheduler::~VirtualScheduler()
     main_->stop();
     global_->stop();
     tasks().endAll();
+}
+
+void VirtualScheduler::endProcess()
+{
+    tasks().endAll();
+    main_->dropJobs();
+    global_->dropJobs();
 }
 
 Executor& VirtualScheduler::mainExecutor()

@@ -81,6 +81,10 @@ public:
     void setAsleep(bool asleep) { isAsleep_ = asleep; }
     [[nodiscard]] bool isAsleep() const { return isAsleep_; }
 
+    /// The process that runs here has died: its tasks end where they wait and its jobs are dropped. Its objects are
+    /// destroyed before this.
+    void endProcess();
+
 private:
     VirtualClock& clock_;
     bool isAsleep_ = false;

@@ -149,7 +149,7 @@ TEST(SimulatedAccelerometer, AtRestItShowsGravityAndNoiseFiftyTimesASecond)
         sum += entry.values.z;
         squares += entry.values.x * entry.values.x;
     }
-    EXPECT_NEAR(sum / 5000, -1.0, 0.0002);
+    EXPECT_NEAR(sum / 5000, 1.0, 0.0002);
     EXPECT_NEAR(std::sqrt(squares / 5000), 0.002, 0.0002);
 
     Machine again;

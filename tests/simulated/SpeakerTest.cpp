@@ -47,13 +47,13 @@ struct Machine {
         auto engine = engines.makeEngine();
         EXPECT_EQ(engine->setOutputUnitProperty(2000, 0, 0, speakerId), 0);
         const auto format = engine->makeStandardFormat(44'100, 1);
-        engine->attachPlayerToMainMixer(*format);
+        EXPECT_TRUE(engine->attachPlayerToMainMixer(*format));
         engine->setMainMixerVolume(volume);
         auto buffer = engine->makeBuffer(*format, samples.size());
         std::ranges::copy(samples, buffer->samples().begin());
         EXPECT_TRUE(engine->start());
         engine->scheduleLooping(std::move(buffer));
-        engine->play();
+        EXPECT_TRUE(engine->play());
         return engine;
     }
 
@@ -175,10 +175,10 @@ TEST(Speaker, SleepAndTheEndOfTheDefaultOutputSilenceIt)
     Machine machine;
     auto engine = machine.engines.makeEngine();
     const auto format = engine->makeStandardFormat(44'100, 1);
-    engine->attachPlayerToMainMixer(*format);
+    EXPECT_TRUE(engine->attachPlayerToMainMixer(*format));
     EXPECT_TRUE(engine->start());
     engine->scheduleLooping(engine->makeBuffer(*format, 10));
-    engine->play();
+    EXPECT_TRUE(engine->play());
     const auto gain = [&] { return machine.speaker.sounding().at(0).gain; };
     EXPECT_EQ(gain(), 1.0F) << "on the headphones, the default output";
     machine.audio.remove(headphonesId);
@@ -205,10 +205,10 @@ TEST(Speaker, EveryStepOfAnEngineCanFail)
     EXPECT_NE(engine->setOutputUnitProperty(2000, 0, 0, speakerId), 0);
     EXPECT_EQ(engine->makeStandardFormat(44'100, 1), nullptr);
     EXPECT_EQ(engine->makeBuffer(*format, 10), nullptr);
-    engine->attachPlayerToMainMixer(*format);
+    EXPECT_TRUE(engine->attachPlayerToMainMixer(*format));
     EXPECT_FALSE(engine->start());
     engine->scheduleLooping(engine->makeBuffer(*format, 10));
-    engine->play();
+    EXPECT_TRUE(engine->play());
     EXPECT_TRUE(machine.speaker.sounding().empty());
     EXPECT_NE(engine->setOutputUnitProperty(2000, 0, 0, 99), 0) << "no such device";
     EXPECT_NE(engine->setOutputUnitProperty(2001, 0, 0, speakerId), 0);

@@ -60,10 +60,16 @@ public:
         return std::make_unique<Buffer>(buffer);
     }
 
-    void attachPlayerToMainMixer(const platform::AudioFormat& format) override
+    [[nodiscard]] bool attachPlayerToMainMixer(const platform::AudioFormat& format) override
     {
-        [engine_ attachNode:player_];
-        [engine_ connect:player_ to:engine_.mainMixerNode format:nativeOf(format)];
+        // The engine raises what other interfaces return.
+        @try {
+            [engine_ attachNode:player_];
+            [engine_ connect:player_ to:engine_.mainMixerNode format:nativeOf(format)];
+            return true;
+        } @catch (NSException*) {
+            return false;
+        }
     }
 
     void setMainMixerVolume(float volume) override { engine_.mainMixerNode.outputVolume = volume; }
@@ -79,7 +85,15 @@ public:
               completionHandler:nil];
     }
 
-    void play() override { [player_ play]; }
+    [[nodiscard]] bool play() override
+    {
+        @try {
+            [player_ play];
+            return true;
+        } @catch (NSException*) {
+            return false;
+        }
+    }
     void stop() override { [engine_ stop]; }
 
 private:

@@ -48,7 +48,7 @@ Acceleration MotionTimeline::take()
     Acceleration sample;
     sample.x = distribution_(generator_);
     sample.y = distribution_(generator_);
-    sample.z = distribution_(generator_) - 1.0;
+    sample.z = distribution_(generator_) + 1.0;
     return sample;
 }
 

@@ -77,9 +77,13 @@ std::unique_ptr<platform::AudioBuffer> SimulatedAudioEngine::makeBuffer(const pl
     return std::make_unique<Buffer>(frames);
 }
 
-void SimulatedAudioEngine::attachPlayerToMainMixer(const platform::AudioFormat& /*format*/)
+bool SimulatedAudioEngine::attachPlayerToMainMixer(const platform::AudioFormat& /*format*/)
 {
+    if (faults_.strikes("attach")) {
+        return false;
+    }
     isAttached_ = true;
+    return true;
 }
 
 void SimulatedAudioEngine::setMainMixerVolume(float volume)
@@ -103,11 +107,15 @@ void SimulatedAudioEngine::scheduleLooping(std::unique_ptr<platform::AudioBuffer
     }
 }
 
-void SimulatedAudioEngine::play()
+bool SimulatedAudioEngine::play()
 {
-    if (isStarted_ && scheduled_ != nullptr && !sound_) {
+    if (!isStarted_ || faults_.strikes("play")) {
+        return false;
+    }
+    if (scheduled_ != nullptr && !sound_) {
         sound_ = speaker_.beginLoop(scheduled_, mixerVolume_, device_);
     }
+    return true;
 }
 
 void SimulatedAudioEngine::stop()

@@ -25,11 +25,11 @@ public:
                                                                             std::uint32_t channels) override;
     [[nodiscard]] std::unique_ptr<platform::AudioBuffer> makeBuffer(const platform::AudioFormat& format,
                                                                     std::size_t frames) override;
-    void attachPlayerToMainMixer(const platform::AudioFormat& format) override;
+    [[nodiscard]] bool attachPlayerToMainMixer(const platform::AudioFormat& format) override;
     void setMainMixerVolume(float volume) override;
     [[nodiscard]] bool start() override;
     void scheduleLooping(std::unique_ptr<platform::AudioBuffer> buffer) override;
-    void play() override;
+    [[nodiscard]] bool play() override;
     void stop() override;
 
 private:

@@ -11,7 +11,8 @@ namespace sentrel::simulated {
 /// Audio engines that are really heard: a scheduled buffer loops through the main mixer's volume and the device's.
 /// Formats are at the hardware's 44.1 kHz; of several channels the first is heard. Any thread; it outlives its engines.
 ///
-/// Faults: `device` (the output unit refuses its device), `format`, `buffer` (none is made), `start` (fails).
+/// Faults: `device` (the output unit refuses its device), `format`, `buffer` (none is made), `attach`, `start`, `play`
+/// (fail).
 class SimulatedAudioEngines final : public platform::AudioEngines {
 public:
     SimulatedAudioEngines(Speaker& speaker, SimulatedAudio& audio) : speaker_(speaker), audio_(audio) {}
@@ -23,7 +24,7 @@ public:
 private:
     Speaker& speaker_;
     SimulatedAudio& audio_;
-    FaultSwitches faults_{"device", "format", "buffer", "start"};
+    FaultSwitches faults_{"device", "format", "attach", "buffer", "start", "play"};
 };
 
 } // namespace sentrel::simulated
