@@ -1,0 +1,54 @@
+#pragma once
+
+#include "alerts/LocalAlertStore.hpp"
+#include "app/UnavailableServices.hpp"
+#include "core/SettingsStore.hpp"
+#include "core/coordinator/AlarmCoordinator.hpp"
+#include "core/coordinator/AlarmJournal.hpp"
+#include "outputs/AlarmSoundPlayer.hpp"
+#include "outputs/CameraCapture.hpp"
+#include "outputs/MediaPlayback.hpp"
+#include "outputs/SystemVolumeControl.hpp"
+#include "platform/Platform.hpp"
+#include "runtime/MainActor.hpp"
+
+namespace sentrel {
+
+/// The composition root: makes every service once, hands each its collaborators and wires the callbacks. The same on
+/// every platform. Main thread; the platform outlives it.
+class SentrelApp {
+public:
+    explicit SentrelApp(platform::Platform& platform);
+    SentrelApp(const SentrelApp&) = delete;
+
+    /// What the system calls once the application has finished launching. The application always starts disarmed.
+    void launch();
+
+    /// What the system calls last before the process ends: disarms, and returns when the user's sound is back.
+    void terminate();
+
+    [[nodiscard]] SettingsStore& settings() { return settings_; }
+    [[nodiscard]] AlarmCoordinator& coordinator() { return coordinator_; }
+    [[nodiscard]] LocalAlertStore& alertStore() { return alertStore_; }
+    [[nodiscard]] bool isComputerCompatible() const { return isComputerCompatible_; }
+
+private:
+    void leaveDisarmed();
+
+    MainActor actor_;
+    const bool isComputerCompatible_;
+    SettingsStore settings_;
+    LocalAlertStore alertStore_;
+    MediaPlayback mediaPlayback_;
+    SystemVolumeControl outputVolume_;
+    AlarmSoundPlayer soundPlayer_;
+    CameraCapture camera_;
+    NoCover cover_;
+    NoCloud cloud_;
+    NoAlertList alertList_;
+    NoPresence presence_;
+    AlarmCoordinator coordinator_;
+    AlarmJournal journal_;
+};
+
+} // namespace sentrel

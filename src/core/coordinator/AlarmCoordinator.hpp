@@ -1,0 +1,149 @@
+#pragma once
+
+#include "core/SettingsStore.hpp"
+#include "core/TriggerReason.hpp"
+#include "core/coordinator/AlarmCollaborators.hpp"
+#include "runtime/MainActor.hpp"
+#include "runtime/Observable.hpp"
+#include "runtime/Weak.hpp"
+#include "sensors/LidMonitor.hpp"
+#include "sensors/MotionMonitor.hpp"
+#include "sensors/PowerAssertion.hpp"
+#include "sensors/PowerMonitor.hpp"
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <set>
+#include <string>
+#include <string_view>
+
+namespace sentrel {
+
+class AlarmSoundPlayer;
+class CameraCapture;
+class LocalAlertStore;
+class MediaPlayback;
+
+namespace platform {
+class HostInfo;
+class Journal;
+class Language;
+class Random;
+class WallClock;
+} // namespace platform
+
+/// Turns the user's settings into a watching machine: arms and disarms it, receives the triggers, sounds the alarm and
+/// sees each alert through photo, local copy and upload. Main actor only; it outlives nothing that it refers to.
+class AlarmCoordinator {
+public:
+    /// The services and ports that the coordinator works with. The sensors it owns itself.
+    struct Collaborators {
+        SettingsStore& settings;
+        LocalAlertStore& alertStore;
+        AlarmSoundPlayer& soundPlayer;
+        MediaPlayback& mediaPlayback;
+        CameraCapture& camera;
+        AlarmCover& cover;
+        AlarmCloud& cloud;
+        AlarmList& alertList;
+        AlarmPresence& presence;
+    };
+    struct Ports {
+        platform::PowerSources& powerSources;
+        platform::DeviceRegistry& deviceRegistry;
+        platform::WorkspaceNotifications& workspaceNotifications;
+        platform::HidEventSystem& hidEvents;
+        platform::PowerAssertions& powerAssertions;
+        platform::WallClock& wallClock;
+        platform::Random& random;
+        platform::HostInfo& host;
+        platform::Language& language;
+        platform::Journal& journal;
+    };
+
+    /// Also installs itself as the receiver of the sound player's error reports. On a computer that isn't compatible
+    /// it never arms.
+    AlarmCoordinator(MainActor actor, bool isCompatibleComputer, Collaborators collaborators, Ports ports);
+    AlarmCoordinator(const AlarmCoordinator&) = delete;
+
+    Observable<bool> isArmed;                             ///< the monitors are running
+    Observable<bool> isAlarmActive;                       ///< the alarm is sounding
+    Observable<std::optional<TriggerReason>> lastTrigger; ///< cause of the latest trigger while armed
+    Observable<std::optional<std::string>> lastError;     ///< one-line notice
+    Observable<std::string> statusMessage;
+    Observable<std::optional<std::string>> cameraWarning; ///< while armed, when photos can't be taken
+    Observable<std::optional<std::string>> motionWarning; ///< while armed, when motion can't be watched
+    Observable<bool> showingLocalSaveNotice;              ///< `lastError` holds the local-save notice
+
+    /// The one entry for whoever has changed the stored settings: arms, applies the settings while armed, or disarms,
+    /// and has the new state published.
+    void syncWithSettings(const AlarmSettings& settings);
+
+    void arm(const AlarmSettings& settings);
+
+    /// Safe in any state. Triggers under way are still seen through.
+    void disarm();
+
+    /// Sets the monitors and the warnings up from the settings.
+    void applyTriggerSettings(const AlarmSettings& settings);
+
+    /// Starts or cancels the delayed lock screen after a change of settings while armed.
+    void updateScreenGuard(const AlarmSettings& settings);
+
+    /// A trigger has fired. Ignored while disarmed.
+    void trigger(TriggerReason reason);
+
+    /// Silences the alarm; stays armed.
+    void stopAlarm();
+
+    void showLocalSaveNotice();
+
+    /// Takes the local-save notice back once nothing waits for upload any more.
+    void clearLocalSaveNoticeIfResolved();
+
+    /// How many triggers are being processed or wait for it.
+    [[nodiscard]] std::int64_t processingCount() const { return processingCount_; }
+
+private:
+    [[nodiscard]] std::string localized(std::string_view text);
+    [[nodiscard]] std::function<void()> triggerCallback(bool isWanted, TriggerReason reason);
+    static Async<void> deliver(Weak<AlarmCoordinator> weak, TriggerReason reason);
+    void stopMonitors();
+    void refreshMotionWarning(const AlarmSettings& settings);
+    Async<void> refreshCameraWarning();
+    Async<void> prepareMediaPlayback(bool alarmSound);
+    void startScreenGuard(std::optional<Task<void>> preparation, double delay);
+    void cancelScreenGuard();
+    Async<void> guardScreen(std::optional<Task<void>> preparation, double delay);
+
+    void enqueueProcessing(TriggerReason reason);
+    Async<void> processAfter(std::optional<Task<void>> predecessor, TriggerReason reason);
+    Async<void> process(TriggerReason reason);
+    Async<std::optional<Bytes>> takePhoto(bool isWanted);
+    void finishProcessing();
+    [[nodiscard]] AlertEvent makeAlert(TriggerReason reason, bool hasPhoto);
+    void saveLocally(const AlertEvent& alert, const std::optional<Bytes>& photo, bool cloudFlag);
+    Async<void> upload(AlertEvent alert, std::optional<Bytes> photo, bool cloudFlag);
+    Async<bool> isCloudReachable();
+    Async<void> uploadNow(AlertEvent alert, std::optional<Bytes> photo);
+    void clearNotices();
+
+    MainActor actor_;
+    const bool isCompatibleComputer_;
+    Collaborators with_;
+    Ports ports_;
+    PowerMonitor powerMonitor_;
+    LidMonitor lidMonitor_;
+    MotionMonitor motionMonitor_;
+    std::optional<Task<void>> processingChain_;
+    std::int64_t processingCount_ = 0;
+    std::set<TriggerReason> pendingReasons_;
+    std::optional<Task<void>> screenGuardTask_;
+    PowerAssertion armedPowerAssertion_;
+    PowerAssertion alarmPowerAssertion_;
+    TaskBag tasks_;
+    WeakAnchor<AlarmCoordinator> anchor_{*this};
+};
+
+} // namespace sentrel

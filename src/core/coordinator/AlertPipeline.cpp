@@ -1,0 +1,233 @@
+#include "core/coordinator/AlarmCoordinator.hpp"
+
+#include "alerts/LocalAlertStore.hpp"
+#include "cloud/AsyncTimeout.hpp"
+#include "foundation/Fatal.hpp"
+#include "outputs/AlarmSoundPlayer.hpp"
+#include "outputs/CameraCapture.hpp"
+#include "platform/CloudError.hpp"
+#include "platform/DeviceRegistry.hpp"
+#include "platform/HostInfo.hpp"
+#include "platform/Journal.hpp"
+#include "platform/Random.hpp"
+#include "platform/WallClock.hpp"
+
+#include <algorithm>
+#include <chrono>
+#include <limits>
+#include <utility>
+
+// From a trigger to its alert: sound at once, then photo, local copy and upload, one trigger after another.
+
+namespace sentrel {
+
+using namespace std::chrono_literals;
+
+namespace {
+
+/// A slow or hung cloud never stalls the pipeline longer than this.
+constexpr Duration longestCloudCall = 15s;
+
+/// `CKErrorQuotaExceeded` of `CKErrorDomain`.
+constexpr const char* cloudErrorDomain = "CKErrorDomain";
+constexpr int quotaExceededCode = 25;
+
+bool isQuotaExceeded(const platform::CloudError& error)
+{
+    return error.domain == cloudErrorDomain && error.code == quotaExceededCode;
+}
+
+} // namespace
+
+void AlarmCoordinator::trigger(TriggerReason reason)
+{
+    if (!isArmed) {
+        return;
+    }
+    ports_.journal.note("trigger", {{"reason", rawValue(reason)}});
+    const AlarmSettings& settings = with_.settings.settings();
+    lastTrigger = reason;
+    if (settings.alarmSound) {
+        isAlarmActive = true;
+        with_.soundPlayer.play(static_cast<float>(settings.alarmVolume));
+    }
+    if (pendingReasons_.insert(reason).second) {
+        enqueueProcessing(reason);
+    }
+}
+
+void AlarmCoordinator::stopAlarm()
+{
+    isAlarmActive = false;
+    with_.soundPlayer.stop();
+    statusMessage = localized(isArmed ? "Armed" : "Disarmed");
+}
+
+void AlarmCoordinator::enqueueProcessing(TriggerReason reason)
+{
+    if (processingCount_ == std::numeric_limits<std::int64_t>::max()) {
+        fatalError("the count of triggers being processed overflows");
+    }
+    ++processingCount_;
+    alarmPowerAssertion_.acquire("Sentrel is processing an alarm event");
+    processingChain_ = actor_.spawn(processAfter(std::exchange(processingChain_, std::nullopt), reason));
+    tasks_.add(*processingChain_);
+}
+
+Async<void> AlarmCoordinator::processAfter(std::optional<Task<void>> predecessor, TriggerReason reason)
+{
+    if (predecessor) {
+        try {
+            co_await *predecessor;
+        } catch (const std::exception&) {
+            // Whatever became of the one before, this trigger has its turn.
+        }
+        predecessor.reset(); // or the chain would keep every task since its beginning
+    }
+    try {
+        co_await process(reason);
+    } catch (const std::exception& error) {
+        ports_.journal.note("alert.failed", {{"reason", rawValue(reason)}, {"why", std::string_view{error.what()}}});
+    }
+    finishProcessing();
+}
+
+void AlarmCoordinator::finishProcessing()
+{
+    if (processingCount_ == 0) {
+        fatalError("the count of triggers being processed underflows");
+    }
+    if (--processingCount_ == 0) {
+        processingChain_.reset();
+        alarmPowerAssertion_.release();
+    }
+}
+
+Async<void> AlarmCoordinator::process(TriggerReason reason)
+{
+    pendingReasons_.erase(reason);
+    const AlarmSettings settings = with_.settings.settings();
+    std::optional<Bytes> photo = co_await takePhoto(settings.capturePhoto);
+    AlertEvent alert = makeAlert(reason, photo.has_value());
+    alert.sendNotification = settings.sendNotification;
+    const bool cloudFlag = with_.cloud.isAvailable();
+    saveLocally(alert, photo, cloudFlag);
+    if (!with_.alertList.holds(alert.id)) {
+        with_.alertList.merge(StoredAlert{alert, cloudFlag});
+        with_.alertList.refreshStorageNotice();
+    }
+    tasks_.add(actor_.spawn(upload(std::move(alert), std::move(photo), cloudFlag)));
+}
+
+Async<std::optional<Bytes>> AlarmCoordinator::takePhoto(bool isWanted)
+{
+    if (!isWanted || lidMonitor_.isLidClosed()) {
+        co_return std::nullopt;
+    }
+    std::optional<Bytes> photo = co_await with_.camera.capturePhoto();
+    co_return photo;
+}
+
+AlertEvent AlarmCoordinator::makeAlert(TriggerReason reason, bool hasPhoto)
+{
+    UUID::Octets octets{};
+    if (!ports_.random.fill(octets)) {
+        // Any identifier is better than no alert: the clock's reading is unique on this Mac.
+        const double now = ports_.wallClock.now().secondsSinceReferenceDate;
+        std::copy_n(reinterpret_cast<const std::uint8_t*>(&now), sizeof now, octets.begin());
+    }
+    AlertEvent alert;
+    alert.id = UUID::fromRandom(octets);
+    alert.reason = reason;
+    alert.timestamp = ports_.wallClock.now();
+    alert.deviceName = ports_.host.localizedName().value_or("Mac");
+    if (hasPhoto) {
+        alert.photoFileName = alert.id.text() + ".jpg";
+    }
+    return alert;
+}
+
+void AlarmCoordinator::saveLocally(const AlertEvent& alert, const std::optional<Bytes>& photo, bool cloudFlag)
+{
+    try {
+        with_.alertStore.save(alert, photo, cloudFlag);
+        ports_.journal.note("alert.saved", {{"id", std::string_view{alert.id.text()}},
+                                            {"reason", rawValue(alert.reason)},
+                                            {"photo", photo.has_value()}});
+    } catch (const std::exception& error) {
+        // A full disk must not cost the upload: the alert goes on in memory.
+        ports_.journal.note("alert.saveFailed",
+                            {{"id", std::string_view{alert.id.text()}}, {"why", std::string_view{error.what()}}});
+    }
+}
+
+Async<void> AlarmCoordinator::upload(AlertEvent alert, std::optional<Bytes> photo, bool cloudFlag)
+{
+    const bool isReachable = co_await isCloudReachable();
+    if (isReachable) {
+        co_await uploadNow(std::move(alert), std::move(photo));
+    } else if (cloudFlag) {
+        showLocalSaveNotice();
+    } else {
+        // A Mac that knew iCloud to be unavailable says so in its alerts window instead.
+        clearNotices();
+    }
+    co_await with_.alertList.refresh();
+}
+
+Async<bool> AlarmCoordinator::isCloudReachable()
+{
+    try {
+        const bool isAvailable = co_await AsyncTimeout::run(actor_, longestCloudCall, with_.cloud.checkAvailability());
+        co_return isAvailable;
+    } catch (const std::exception&) {
+        co_return false;
+    }
+}
+
+Async<void> AlarmCoordinator::uploadNow(AlertEvent alert, std::optional<Bytes> photo)
+{
+    const UUID id = alert.id;
+    try {
+        co_await AsyncTimeout::run(actor_, longestCloudCall, with_.cloud.upload(std::move(alert), std::move(photo)));
+        with_.alertStore.remove(id);
+        // Deliberately also another notice: the alert is safe, and that is the news.
+        clearNotices();
+    } catch (const platform::CloudError& error) {
+        if (isQuotaExceeded(error)) {
+            with_.alertList.setICloudStorageIsFull(true);
+            with_.alertList.refreshStorageNotice();
+        } else {
+            showLocalSaveNotice();
+        }
+    } catch (const std::exception&) {
+        showLocalSaveNotice();
+    }
+}
+
+void AlarmCoordinator::clearNotices()
+{
+    showingLocalSaveNotice = false;
+    lastError = std::nullopt;
+}
+
+void AlarmCoordinator::showLocalSaveNotice()
+{
+    showingLocalSaveNotice = true;
+    lastError = localized("Alert saved on this Mac. It will upload when iCloud is available.");
+}
+
+void AlarmCoordinator::clearLocalSaveNoticeIfResolved()
+{
+    if (!showingLocalSaveNotice) {
+        return;
+    }
+    const auto alerts = with_.alertStore.alerts();
+    const bool isWaiting =
+        std::any_of(alerts.begin(), alerts.end(), [](const StoredAlert& stored) { return stored.pendingUpload; });
+    if (!isWaiting) {
+        clearNotices();
+    }
+}
+
+} // namespace sentrel
