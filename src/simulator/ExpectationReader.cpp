@@ -74,7 +74,7 @@ Json level(const YamlValue& value)
 Json deviceOrNull(const YamlValue& value)
 {
     const auto device = readOptionalDevice(value);
-    return device ? Json{*device} : Json{};
+    return device ? Json(*device) : Json();
 }
 
 Json reason(const YamlValue& value)

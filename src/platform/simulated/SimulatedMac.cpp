@@ -1,0 +1,137 @@
+#include "platform/simulated/SimulatedMac.hpp"
+
+namespace sentrel::simulated {
+
+namespace {
+
+SimulatedMusic::Playback playbackOf(MacDescription::Music music)
+{
+    switch (music) {
+    case MacDescription::Music::absent:
+        return SimulatedMusic::Playback::absent;
+    case MacDescription::Music::paused:
+        return SimulatedMusic::Playback::paused;
+    case MacDescription::Music::playing:
+        break;
+    }
+    return SimulatedMusic::Playback::playing;
+}
+
+SimulatedMusic::Consent consentOf(MacDescription::Consent consent)
+{
+    switch (consent) {
+    case MacDescription::Consent::undetermined:
+        return SimulatedMusic::Consent::undetermined;
+    case MacDescription::Consent::denied:
+        return SimulatedMusic::Consent::denied;
+    case MacDescription::Consent::granted:
+        break;
+    }
+    return SimulatedMusic::Consent::granted;
+}
+
+} // namespace
+
+SimulatedMac::SimulatedMac(const MacSurroundings& surroundings, const MacDescription& description)
+    : journal_(surroundings.journal),
+      process_(surroundings.process),
+      disk_(surroundings.disk),
+      wallClock(surroundings.hardware, surroundings.date),
+      random(surroundings.seed),
+      host(disk_, {description.model, description.localizedName, description.bundleIdentifier}),
+      language(surroundings.resources, journal_),
+      power(process_, journal_),
+      assertions(journal_),
+      lid(journal_),
+      workspace(process_, journal_),
+      accelerometer(surroundings.hardware, journal_, surroundings.seed),
+      audio(journal_, description.audio, description.defaultOutput),
+      speaker(surroundings.hardware, audio),
+      audioEngines(speaker, audio),
+      beep(speaker),
+      music(journal_),
+      input([this] { music.togglePlayback(); }),
+      standardOutput(journal_),
+      camera(surroundings.hardware, wallClock)
+{
+    if (description.power == MacDescription::Power::unknown) {
+        power.setUnknown();
+    } else if (description.power == MacDescription::Power::battery) {
+        power.setAC(false);
+    }
+    if (description.lid == MacDescription::Lid::absent) {
+        lid.setAbsent();
+    } else if (description.lid == MacDescription::Lid::closed) {
+        lid.close();
+    }
+    accelerometer.setPresent(description.accelerometer != MacDescription::Accelerometer::absent);
+    accelerometer.setResting(description.accelerometer == MacDescription::Accelerometer::resting);
+    music.setPlayback(playbackOf(description.music));
+    music.setConsent(consentOf(description.automationConsent));
+}
+
+platform::Platform& SimulatedMac::startProcess()
+{
+    platform_.reset();
+    defaults_.emplace(files, journal_, preferences(), host.bundleIdentifier().value_or("Sentrel"));
+    platform_.emplace(platform::Platform{
+        .scheduler = process_,
+        .wallClock = wallClock,
+        .random = random,
+        .host = host,
+        .files = files,
+        .defaults = *defaults_,
+        .language = language,
+        .journal = journal_,
+        .standardOutput = standardOutput,
+        .powerSources = power,
+        .powerAssertions = assertions,
+        .deviceRegistry = lid,
+        .workspaceNotifications = workspace,
+        .hidEvents = accelerometer,
+        .audioHardware = audio,
+        .audioEngines = audioEngines,
+        .systemBeep = beep,
+        .runningApplications = music,
+        .automation = music,
+        .eventPosting = input,
+        .camera = camera,
+        .imageCodec = imageCodec,
+    });
+    return *platform_;
+}
+
+void SimulatedMac::endProcess()
+{
+    platform_.reset();
+    defaults_.reset();
+    assertions.dropAll();
+}
+
+void SimulatedMac::setAsleep(bool isAsleep)
+{
+    accelerometer.setAsleep(isAsleep);
+    speaker.setAsleep(isAsleep);
+}
+
+std::vector<std::pair<std::string, FaultSwitches*>> SimulatedMac::faults()
+{
+    return {
+        {"power-sources", &power.faults()},
+        {"power-assertions", &assertions.faults()},
+        {"lid", &lid.faults()},
+        {"workspace", &workspace.faults()},
+        {"accelerometer", &accelerometer.faults()},
+        {"audio", &audio.faults()},
+        {"audio-engine", &audioEngines.faults()},
+        {"beep", &beep.faults()},
+        {"music", &music.faults()},
+        {"input", &input.faults()},
+        {"host", &host.faults()},
+        {"camera", &camera.faults()},
+        {"files", &files.faults()},
+        {"random", &random.faults()},
+    };
+}
+
+} // namespace sentrel::simulated

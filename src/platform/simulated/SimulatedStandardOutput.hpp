@@ -1,0 +1,20 @@
+#pragma once
+
+#include "platform/Journal.hpp"
+#include "platform/StandardOutput.hpp"
+
+namespace sentrel::simulated {
+
+/// The standard output of the product's process, which nobody sees on a MacBook: each line is noted as `printed`
+/// {`text`}. Any thread.
+class SimulatedStandardOutput final : public platform::StandardOutput {
+public:
+    explicit SimulatedStandardOutput(platform::Journal& journal) : journal_(journal) {}
+
+    void printLine(std::string_view text) override { journal_.note("printed", {{"text", text}}); }
+
+private:
+    platform::Journal& journal_;
+};
+
+} // namespace sentrel::simulated

@@ -1,0 +1,150 @@
+#include "simulator/MacSession.hpp"
+
+#include <utility>
+
+namespace sentrel::simulator {
+
+namespace {
+
+/// Every session begins on a Saturday morning, 14 June 2025, 09:41 UTC: a day is as good as another, and the same day
+/// makes the same run.
+constexpr Date sessionDate{771586860.0};
+
+} // namespace
+
+MacSession::MacSession(const simulated::MacDescription& description, std::filesystem::path disk,
+                       std::filesystem::path resources, std::uint64_t seed)
+    : mac_(
+          {
+              .process = process_,
+              .hardware = hardware_,
+              .journal = log_,
+              .disk = std::move(disk),
+              .resources = std::move(resources),
+              .seed = seed,
+              .date = sessionDate,
+          },
+          description)
+{
+    log_.observe([this](const simulated::Event& event) { followSound(event); });
+}
+
+MacSession::~MacSession()
+{
+    endProcess();
+}
+
+void MacSession::launch()
+{
+    if (app_ != nullptr) {
+        return;
+    }
+    log_.note("launched", {});
+    app_ = std::make_unique<SentrelApp>(mac_.startProcess());
+    onMain([](SentrelApp& app) { app.launch(); });
+}
+
+void MacSession::crash()
+{
+    if (app_ == nullptr) {
+        return;
+    }
+    log_.note("crashed", {});
+    endProcess();
+}
+
+void MacSession::quit()
+{
+    if (app_ == nullptr) {
+        return;
+    }
+    log_.note("quit", {});
+    onMain([](SentrelApp& app) { app.terminate(); });
+    endProcess();
+}
+
+void MacSession::endProcess()
+{
+    app_.reset();
+    process_.endProcess();
+    mac_.endProcess();
+    sound_.reset();
+}
+
+void MacSession::sleep()
+{
+    log_.note("slept", {});
+    process_.setAsleep(true);
+    mac_.setAsleep(true);
+}
+
+void MacSession::wake()
+{
+    log_.note("woke", {});
+    process_.setAsleep(false);
+    mac_.setAsleep(false);
+    clock_.runReady();
+}
+
+void MacSession::openLid()
+{
+    mac_.lid.open();
+}
+
+void MacSession::closeLid()
+{
+    mac_.lid.close();
+    // A lid that shuts darkens its screen.
+    sleepScreens();
+}
+
+void MacSession::sleepScreens()
+{
+    mac_.workspace.post("NSWorkspaceScreensDidSleepNotification");
+    clock_.runReady();
+}
+
+void MacSession::changeSettings(const std::function<void(AlarmSettings&)>& change)
+{
+    onMain([&change](SentrelApp& app) {
+        AlarmSettings settings = app.settings().settings();
+        change(settings);
+        app.settings().setSettings(settings);
+        app.coordinator().syncWithSettings(settings);
+    });
+}
+
+void MacSession::stopAlarm()
+{
+    onMain([](SentrelApp& app) { app.coordinator().stopAlarm(); });
+}
+
+void MacSession::onMain(const std::function<void(SentrelApp&)>& function)
+{
+    if (app_ == nullptr) {
+        return;
+    }
+    post(process_.mainExecutor(), [this, function] { function(*app_); });
+    clock_.runReady();
+}
+
+void MacSession::followSound(const simulated::Event& event)
+{
+    if (event.name == "alarm.stopped") {
+        sound_.reset();
+    } else if (event.name == "alarm.started") {
+        AlarmSound sound;
+        sound.mode = event.text("mode");
+        if (const auto* const value = event.find("device");
+            value != nullptr && std::holds_alternative<std::int64_t>(*value)) {
+            sound.device = std::get<std::int64_t>(*value);
+        }
+        if (const auto* const value = event.find("volume");
+            value != nullptr && std::holds_alternative<double>(*value)) {
+            sound.volume = std::get<double>(*value);
+        }
+        sound_ = std::move(sound);
+    }
+}
+
+} // namespace sentrel::simulator

@@ -1,0 +1,79 @@
+#pragma once
+
+#include "app/SentrelApp.hpp"
+#include "platform/simulated/EventLog.hpp"
+#include "platform/simulated/SimulatedMac.hpp"
+#include "runtime/VirtualScheduler.hpp"
+
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <optional>
+
+namespace sentrel::simulator {
+
+/// What the alarm sound is doing, by the journal.
+struct AlarmSound {
+    std::string mode; ///< "tone" or "beep"
+    std::optional<std::int64_t> device;
+    double volume = 0.0;
+};
+
+/// A simulated MacBook with the product on it, in virtual time: what people do at it and what befalls it. One thread.
+class MacSession {
+public:
+    /// The disk is an existing folder; resources hold the localisation tables.
+    MacSession(const simulated::MacDescription& description, std::filesystem::path disk,
+               std::filesystem::path resources, std::uint64_t seed);
+    ~MacSession();
+    MacSession(const MacSession&) = delete;
+
+    /// Starts the product.
+    void launch();
+
+    /// The process's memory is lost; its files stay.
+    void crash();
+
+    /// The user quits the product: it cleans up and ends.
+    void quit();
+
+    void sleep();
+    void wake();
+
+    void openLid();
+    void closeLid();
+    void sleepScreens();
+
+    /// Writes fields of the settings as a window does, and tells the coordinator.
+    void changeSettings(const std::function<void(AlarmSettings&)>& change);
+    void stopAlarm();
+
+    /// Runs a function on the product's main thread, and everything that is then due. Nothing while it doesn't run.
+    void onMain(const std::function<void(SentrelApp&)>& function);
+
+    [[nodiscard]] SentrelApp* app() { return app_.get(); }
+    [[nodiscard]] VirtualClock& clock() { return clock_; }
+    [[nodiscard]] simulated::SimulatedMac& mac() { return mac_; }
+    [[nodiscard]] simulated::EventLog& log() { return log_; }
+
+    /// None while the alarm is silent.
+    [[nodiscard]] const std::optional<AlarmSound>& sound() const { return sound_; }
+
+    /// Seconds since the session's start.
+    [[nodiscard]] double seconds() const { return toSeconds(clock_.now().time_since_epoch()); }
+
+private:
+    void followSound(const simulated::Event& event);
+    void endProcess();
+
+    VirtualClock clock_;
+    VirtualScheduler process_{clock_};
+    VirtualScheduler hardware_{clock_};
+    simulated::EventLog log_{hardware_};
+    simulated::SimulatedMac mac_;
+    std::optional<AlarmSound> sound_;
+    std::unique_ptr<SentrelApp> app_;
+};
+
+} // namespace sentrel::simulator

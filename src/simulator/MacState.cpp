@@ -1,0 +1,159 @@
+#include "simulator/MacState.hpp"
+
+#include "simulator/MacSession.hpp"
+
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+#include <string_view>
+#include <vector>
+
+namespace sentrel::simulator {
+
+namespace {
+
+Json jsonOf(const std::optional<std::string>& text)
+{
+    return text ? Json(*text) : Json(nullptr);
+}
+
+/// Where the alerts lie is the product's business; it is said here again so that the disk is seen without it.
+std::filesystem::path alertsFolder(simulated::SimulatedMac& mac)
+{
+    return mac.disk() / "Application Support" / mac.host.bundleIdentifier().value_or("Sentrel") / "Alerts";
+}
+
+std::vector<StoredAlert> alertsOnDisk(simulated::SimulatedMac& mac)
+{
+    posix::PosixFileSystem files;
+    const auto folder = alertsFolder(mac);
+    std::vector<StoredAlert> alerts;
+    for (const std::filesystem::path name : files.list(folder).value_or(std::vector<std::string>{})) {
+        const auto content = name.extension() == ".json" ? files.read(folder / name) : std::nullopt;
+        const auto document = content ? parseJson(*content) : std::nullopt;
+        if (auto stored = document ? decodeStoredAlert(*document) : std::nullopt) {
+            alerts.push_back(*std::move(stored));
+        }
+    }
+    std::sort(alerts.begin(), alerts.end(), [](const StoredAlert& left, const StoredAlert& right) {
+        return std::tie(left.alert.timestamp, left.alert.id) < std::tie(right.alert.timestamp, right.alert.id);
+    });
+    return alerts;
+}
+
+Json lastAlertOf(simulated::SimulatedMac& mac, const std::vector<StoredAlert>& alerts)
+{
+    if (alerts.empty()) {
+        return nullptr;
+    }
+    const StoredAlert& last = alerts.back();
+    const bool hasPhoto =
+        last.alert.photoFileName &&
+        std::filesystem::exists(alertsFolder(mac) / std::filesystem::path{*last.alert.photoFileName}.filename());
+    return {{"reason", rawValue(last.alert.reason)},
+            {"deviceName", last.alert.deviceName},
+            {"photo", hasPhoto},
+            {"pendingUpload", last.pendingUpload}};
+}
+
+void addAlerts(Json& state, simulated::SimulatedMac& mac)
+{
+    const auto alerts = alertsOnDisk(mac);
+    Json reasons = Json::array();
+    for (const StoredAlert& stored : alerts) {
+        reasons.push_back(rawValue(stored.alert.reason));
+    }
+    state["alerts"] = alerts.size();
+    state["lastAlert"] = lastAlertOf(mac, alerts);
+    state["alertReasons"] = std::move(reasons);
+}
+
+void addCoordinator(Json& state, const AlarmCoordinator& coordinator)
+{
+    state["isArmed"] = coordinator.isArmed.get();
+    state["isAlarmActive"] = coordinator.isAlarmActive.get();
+    state["statusMessage"] = coordinator.statusMessage.get();
+    const auto& lastTrigger = coordinator.lastTrigger.get();
+    state["lastTrigger"] = lastTrigger ? Json(rawValue(*lastTrigger)) : Json(nullptr);
+    state["lastError"] = jsonOf(coordinator.lastError.get());
+    state["cameraWarning"] = jsonOf(coordinator.cameraWarning.get());
+    state["motionWarning"] = jsonOf(coordinator.motionWarning.get());
+}
+
+/// A product that doesn't run shows nothing and does nothing.
+void addNoCoordinator(Json& state)
+{
+    state["isArmed"] = false;
+    state["isAlarmActive"] = false;
+    for (const char* key : {"statusMessage", "lastTrigger", "lastError", "cameraWarning", "motionWarning"}) {
+        state[key] = nullptr;
+    }
+}
+
+void addAudio(Json& state, MacSession& session)
+{
+    simulated::SimulatedAudio& audio = session.mac().audio;
+    const auto& sound = session.sound();
+    state["sound"] = nullptr;
+    if (sound) {
+        state["sound"] = {{"mode", sound->mode},
+                          {"device", sound->device ? Json(*sound->device) : Json(nullptr)},
+                          {"volume", sound->volume}};
+    }
+    Json devices = Json::object();
+    for (const simulated::AudioDevice& device : audio.devices()) {
+        const auto volume = device.volume();
+        devices[std::to_string(device.id)] = {{"volume", volume ? jsonNumber(*volume) : Json(nullptr)},
+                                              {"muted", device.isMuted()}};
+    }
+    state["devices"] = std::move(devices);
+    const auto defaultOutput = audio.defaultOutput();
+    state["defaultOutput"] = defaultOutput ? Json(*defaultOutput) : Json("none");
+}
+
+std::string_view nameOf(simulated::SimulatedMusic::Playback playback)
+{
+    switch (playback) {
+    case simulated::SimulatedMusic::Playback::playing:
+        return "playing";
+    case simulated::SimulatedMusic::Playback::paused:
+        return "paused";
+    case simulated::SimulatedMusic::Playback::absent:
+        break;
+    }
+    return "absent";
+}
+
+/// The stored settings, read past a product that doesn't run.
+AlarmSettings storedSettings(simulated::SimulatedMac& mac)
+{
+    posix::PosixFileSystem files;
+    struct Silence final : platform::Journal {
+        void note(std::string_view /*event*/, std::initializer_list<Field> /*fields*/) override {}
+    } silence;
+    simulated::DefaultsFile defaults{files, silence, mac.preferences(),
+                                     mac.host.bundleIdentifier().value_or("Sentrel")};
+    return SettingsStore{defaults}.settings();
+}
+
+} // namespace
+
+Json stateOf(MacSession& session)
+{
+    Json state = Json::object();
+    SentrelApp* const app = session.app();
+    if (app != nullptr) {
+        addCoordinator(state, app->coordinator());
+    } else {
+        addNoCoordinator(state);
+    }
+    addAlerts(state, session.mac());
+    addAudio(state, session);
+    state["music"] = nameOf(session.mac().music.playback());
+    state["assertions"] = session.mac().assertions.held();
+    state["settings"] =
+        encodeAlarmSettings(app != nullptr ? app->settings().settings() : storedSettings(session.mac()));
+    return state;
+}
+
+} // namespace sentrel::simulator

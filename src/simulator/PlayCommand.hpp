@@ -1,0 +1,29 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <iosfwd>
+#include <optional>
+#include <string>
+
+namespace sentrel::simulator {
+
+/// Exit statuses of the program.
+inline constexpr int exitAllHeld = 0;
+inline constexpr int exitSomeFailed = 1;
+inline constexpr int exitUnreadable = 2;
+
+/// The command `play`.
+struct PlayCommand {
+    std::string scenario;
+    std::optional<std::filesystem::path> out;
+    std::filesystem::path resources;
+    std::uint64_t seed = 1;
+    bool isJson = false;
+};
+
+/// Plays the scenario; tells the story, or one JSON object, on `out`, and what can't be read on `err`. Returns the exit
+/// status.
+int run(const PlayCommand& command, std::ostream& out, std::ostream& err);
+
+} // namespace sentrel::simulator

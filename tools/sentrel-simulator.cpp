@@ -1,0 +1,45 @@
+#include "simulator/PlayCommand.hpp"
+
+#include <CLI/CLI.hpp>
+
+#include <cstdint>
+#include <exception>
+#include <iostream>
+#include <string>
+
+#ifndef SENTREL_RESOURCES_DIR
+#error "the build says where the localisation tables are"
+#endif
+
+int main(int argc, char** argv)
+{
+    using namespace sentrel::simulator;
+
+    CLI::App app{"Runs Sentrel on a simulated MacBook."};
+    app.require_subcommand(1);
+
+    PlayCommand command;
+    command.resources = SENTREL_RESOURCES_DIR;
+    std::string out;
+    CLI::App* const play = app.add_subcommand("play", "Plays a scenario in virtual time and tells what happens");
+    play->add_option("scenario", command.scenario, "The scenario, a YAML file")->required();
+    play->add_option("--out", out, "Keep the disk, the events and the sound in this folder");
+    play->add_flag("--json", command.isJson, "Print the outcome as one JSON object instead of the story");
+    play->add_option("--seed", command.seed, "Seed of sensor noise and identifiers")->capture_default_str();
+
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError& error) {
+        // Help is no error; anything else can't be read, as a scenario that can't.
+        return app.exit(error) == 0 ? 0 : exitUnreadable;
+    }
+    try {
+        if (!out.empty()) {
+            command.out = out;
+        }
+        return run(command, std::cout, std::cerr);
+    } catch (const std::exception& error) {
+        std::cerr << "sentrel-simulator: " << error.what() << '\n';
+        return exitUnreadable;
+    }
+}
