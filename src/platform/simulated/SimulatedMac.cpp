@@ -52,7 +52,10 @@ SimulatedMac::SimulatedMac(const MacSurroundings& surroundings, const MacDescrip
       music(journal_),
       input([this] { music.togglePlayback(); }),
       standardOutput(journal_),
-      camera(surroundings.hardware, wallClock)
+      camera(surroundings.hardware, wallClock),
+      keychain(files, disk_ / "Keychains" / "Keychain.json"),
+      login(surroundings.hardware, journal_),
+      alerts(surroundings.hardware, activation)
 {
     if (description.power == MacDescription::Power::unknown) {
         power.setUnknown();
@@ -97,6 +100,12 @@ platform::Platform& SimulatedMac::startProcess()
         .eventPosting = input,
         .camera = camera,
         .imageCodec = imageCodec,
+        .keychain = keychain,
+        .cryptography = cryptography,
+        .generalRandom = random,
+        .loginAuthentication = login,
+        .alerts = alerts,
+        .applicationActivation = activation,
     });
     return *platform_;
 }
@@ -129,6 +138,7 @@ std::vector<std::pair<std::string, FaultSwitches*>> SimulatedMac::faults()
         {"input", &input.faults()},
         {"host", &host.faults()},
         {"camera", &camera.faults()},
+        {"keychain", &keychain.faults()},
         {"files", &files.faults()},
         {"random", &random.faults()},
     };

@@ -5,8 +5,11 @@
 #include "platform/simulated/DefaultsFile.hpp"
 #include "platform/simulated/IcuLanguage.hpp"
 #include "platform/simulated/MacDescription.hpp"
+#include "platform/simulated/OpenSslCryptography.hpp"
 #include "platform/simulated/SeededRandom.hpp"
 #include "platform/simulated/SimulatedAccelerometer.hpp"
+#include "platform/simulated/SimulatedAlerts.hpp"
+#include "platform/simulated/SimulatedApplicationActivation.hpp"
 #include "platform/simulated/SimulatedAssertions.hpp"
 #include "platform/simulated/SimulatedAudio.hpp"
 #include "platform/simulated/SimulatedAudioEngines.hpp"
@@ -15,7 +18,9 @@
 #include "platform/simulated/SimulatedFileSystem.hpp"
 #include "platform/simulated/SimulatedHost.hpp"
 #include "platform/simulated/SimulatedInput.hpp"
+#include "platform/simulated/SimulatedKeychain.hpp"
 #include "platform/simulated/SimulatedLid.hpp"
+#include "platform/simulated/SimulatedLogin.hpp"
 #include "platform/simulated/SimulatedMusic.hpp"
 #include "platform/simulated/SimulatedPower.hpp"
 #include "platform/simulated/SimulatedStandardOutput.hpp"
@@ -93,6 +98,11 @@ public:
     SimulatedStandardOutput standardOutput;
     SimulatedCamera camera;
     TurboImageCodec imageCodec;
+    SimulatedKeychain keychain;
+    OpenSslCryptography cryptography;
+    SimulatedLogin login;
+    SimulatedApplicationActivation activation;
+    SimulatedAlerts alerts;
 
 private:
     std::optional<DefaultsFile> defaults_;
