@@ -206,6 +206,7 @@ TEST(Speaker, EveryStepOfAnEngineCanFail)
     EXPECT_EQ(engine->makeStandardFormat(44'100, 1), nullptr);
     EXPECT_EQ(engine->makeBuffer(*format, 10), nullptr);
     EXPECT_FALSE(engine->attachPlayerToMainMixer(*format));
+    EXPECT_TRUE(engine->attachPlayerToMainMixer(*format));
     EXPECT_FALSE(engine->start());
     engine->scheduleLooping(engine->makeBuffer(*format, 10));
     EXPECT_FALSE(engine->play()) << "it has not started";
