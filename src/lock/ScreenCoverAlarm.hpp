@@ -1,0 +1,21 @@
+#pragma once
+
+#include "core/TriggerReason.hpp"
+
+namespace sentrel {
+
+/// What the screen cover needs of the alarm. Main actor.
+class ScreenCoverAlarm {
+public:
+    virtual ~ScreenCoverAlarm() = default;
+
+    [[nodiscard]] virtual bool isArmed() const = 0;
+
+    /// Whether the alarm is sounding.
+    [[nodiscard]] virtual bool isAlarmActive() const = 0;
+
+    virtual void trigger(TriggerReason reason) = 0;
+    virtual void stopAlarm() = 0;
+};
+
+} // namespace sentrel

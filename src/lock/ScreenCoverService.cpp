@@ -1,0 +1,207 @@
+#include "lock/ScreenCoverService.hpp"
+
+#include "core/SettingsStore.hpp"
+#include "lock/CoverWindow.hpp"
+#include "lock/ScreenCoverAlarm.hpp"
+#include "lock/UnlockPasscodeStore.hpp"
+#include "platform/ApplicationActivation.hpp"
+#include "platform/ApplicationNotifications.hpp"
+#include "platform/Journal.hpp"
+#include "platform/WallClock.hpp"
+#include "platform/Windows.hpp"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+namespace sentrel {
+
+namespace {
+
+using Case = PasscodeUnlockOutcome::Case;
+
+constexpr const char* screenParametersChanged = "NSApplicationDidChangeScreenParametersNotification";
+constexpr std::int64_t failuresBeforeLockout = 5;
+constexpr double firstLockoutDuration = 30.0;     // seconds
+constexpr double longestLockoutDuration = 1800.0; // seconds
+
+/// How many wrong passcodes trigger the alarm: a whole number, at least one.
+double triggerLimit(const AlarmSettings& settings)
+{
+    return std::fmax(std::round(settings.failedUnlockAttemptLimit), 1.0);
+}
+
+} // namespace
+
+/// Marks the service as checking for as long as it lives; the service may die first.
+class ScreenCoverService::Verifying {
+public:
+    explicit Verifying(ScreenCoverService& service) : service_(service.anchor_.weak())
+    {
+        service.isVerifyingGlobally_ = true;
+    }
+    ~Verifying()
+    {
+        if (auto* const service = service_.get()) {
+            service->isVerifyingGlobally_ = false;
+        }
+    }
+    Verifying(const Verifying&) = delete;
+    Verifying& operator=(const Verifying&) = delete;
+
+private:
+    Weak<ScreenCoverService> service_;
+};
+
+ScreenCoverService::ScreenCoverService(MainActor mainActor, ScreenCoverAlarm& alarm, UnlockPasscodeStore& passcodes,
+                                       SettingsStore& settings, Ports ports)
+    : mainActor_(mainActor),
+      alarm_(alarm),
+      passcodes_(passcodes),
+      settings_(settings),
+      ports_(ports),
+      nextLockoutDuration_(firstLockoutDuration),
+      checks_(mainActor.scheduler())
+{
+}
+
+ScreenCoverService::~ScreenCoverService() = default;
+
+bool ScreenCoverService::show()
+{
+    if (isShowing_) {
+        return true;
+    }
+    if (!passcodes_.hasPasscode()) {
+        return false;
+    }
+    isShowing_ = true;
+    failedAttempts_ = 0;
+    buildWindows();
+    const auto rebuild = [weak = anchor_.weak()] {
+        if (auto* const service = weak.get()) {
+            service->buildWindows();
+        }
+    };
+    screenChangeObserver_ = ports_.notifications.observe(screenParametersChanged, rebuild);
+    ports_.activation.activate(true);
+    if (!windows_.empty()) {
+        windows_.front()->makeKeyAndOrderFront();
+    }
+    ports_.journal.note("cover.shown", {{"windows", static_cast<std::int64_t>(windows_.size())}});
+    return true;
+}
+
+void ScreenCoverService::hide()
+{
+    if (!isShowing_) {
+        return;
+    }
+    screenChangeObserver_.reset();
+    for (const auto& window : windows_) {
+        window->orderOut();
+    }
+    windows_.clear();
+    isShowing_ = false;
+    ports_.journal.note("cover.hidden", {});
+}
+
+Async<PasscodeUnlockOutcome> ScreenCoverService::attempt(SecretText passcode)
+{
+    if (const auto end = lockoutEnd()) {
+        co_return noted({Case::lockedOut, *end});
+    }
+    if (isVerifyingGlobally_) {
+        co_return noted({Case::incorrect, {}});
+    }
+    const Verifying verifying{*this};
+    lockoutEndDate_.reset();
+    auto verify = [&store = passcodes_, typed = std::move(passcode)] {
+        return store.verifyStoredPasscode(typed.view());
+    };
+    const auto check = checks_.start(QualityOfService::userInitiated, std::move(verify));
+    const bool hasMatched = co_await check;
+    co_return hasMatched ? unlock() : countFailure();
+}
+
+std::optional<Date> ScreenCoverService::lockoutEnd() const
+{
+    const bool isLockedOut = lockoutEndDate_ && *lockoutEndDate_ > ports_.wallClock.now();
+    return isLockedOut ? lockoutEndDate_ : std::nullopt;
+}
+
+void ScreenCoverService::buildWindows()
+{
+    for (const auto& window : windows_) {
+        window->orderOut();
+    }
+    windows_.clear();
+    if (!shieldingLevel_) {
+        shieldingLevel_ = ports_.windows.shieldingLevel();
+    }
+    for (const platform::Screen& screen : ports_.windows.screens()) {
+        windows_.push_back(std::make_unique<CoverWindow>(ports_.windows, screen, *shieldingLevel_, makeView()));
+    }
+    if (!windows_.empty()) {
+        windows_.front()->makeKey();
+    }
+}
+
+std::unique_ptr<ScreenCoverView> ScreenCoverService::makeView()
+{
+    // The task belongs to the service, not to the view: a display that goes away must not cut a check short.
+    auto submitTo = [this](SecretText passcode, ScreenCoverView::Answered answered) {
+        submissions_.add(mainActor_.spawn(submit(std::move(passcode), std::move(answered))));
+    };
+    return std::make_unique<ScreenCoverView>(mainActor_, ports_.wallClock, ports_.language, std::move(submitTo));
+}
+
+Async<void> ScreenCoverService::submit(SecretText passcode, ScreenCoverView::Answered answered)
+{
+    const PasscodeUnlockOutcome outcome = co_await attempt(std::move(passcode));
+    answered(outcome);
+}
+
+PasscodeUnlockOutcome ScreenCoverService::unlock()
+{
+    consecutiveFailures_ = 0;
+    nextLockoutDuration_ = firstLockoutDuration;
+    lockoutEndDate_.reset();
+    const auto outcome = noted({Case::unlocked, {}});
+    hide();
+    if (alarm_.isAlarmActive()) {
+        alarm_.stopAlarm();
+    }
+    return outcome;
+}
+
+PasscodeUnlockOutcome ScreenCoverService::countFailure()
+{
+    ++consecutiveFailures_;
+    if (consecutiveFailures_ >= failuresBeforeLockout) {
+        lockoutEndDate_ = ports_.wallClock.now().addingSeconds(nextLockoutDuration_);
+        nextLockoutDuration_ = std::min(2.0 * nextLockoutDuration_, longestLockoutDuration);
+    }
+    ++failedAttempts_;
+    const AlarmSettings settings = settings_.settings();
+    if (settings.triggerOnFailedUnlock && static_cast<double>(failedAttempts_) >= triggerLimit(settings)) {
+        // Said also when nothing is armed: whoever tries passcodes need not know that.
+        const auto outcome = noted({Case::triggered, {}});
+        if (alarm_.isArmed()) {
+            alarm_.trigger(TriggerReason::lockBypassAttempt);
+        }
+        return outcome;
+    }
+    if (const auto end = lockoutEnd()) {
+        return noted({Case::lockedOut, *end});
+    }
+    return noted({Case::incorrect, {}});
+}
+
+PasscodeUnlockOutcome ScreenCoverService::noted(PasscodeUnlockOutcome outcome)
+{
+    ports_.journal.note("passcode", {{"outcome", nameOf(outcome.outcome)}});
+    return outcome;
+}
+
+} // namespace sentrel

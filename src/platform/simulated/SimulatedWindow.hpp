@@ -1,0 +1,55 @@
+#pragma once
+
+#include "platform/Windows.hpp"
+#include "ui/Interaction.hpp"
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace sentrel::simulated {
+
+/// What can be seen of a window, and how it was set up.
+struct WindowState {
+    platform::WindowDescription description;
+    platform::Rectangle frame;
+    std::int64_t level = 0;
+    std::uint64_t collectionBehavior = 0;
+    bool isOpaque = false;
+    ui::Color background{1.0, 1.0, 1.0};
+    bool hasShadow = true;
+    bool isReleasedWhenClosed = true;
+    platform::Rectangle hostFrame;
+    std::uint64_t hostAutoresizing = 0;
+    bool isHosting = false;
+    ui::View content;
+    bool isVisible = false;
+    bool isKey = false;          ///< has the keyboard, while the application is active
+    std::string focusedIdentity; ///< of the node that the keyboard goes to; empty: none
+};
+
+/// The content of one window and a person's hands at it: all goes through the tree's bindings and actions, and each
+/// thing done meets the tree that followed from the one before. Main thread.
+class WindowContent {
+public:
+    explicit WindowContent(WindowState& state) : state_(state) {}
+
+    /// A new tree: the focus goes where it asks for it, and leaves what has gone.
+    void show(ui::View content);
+
+    /// Clicks on a node. A field that is clicked gets the keyboard.
+    [[nodiscard]] ui::Interaction click(std::string_view wanted);
+
+    /// Types the text, one character after the other, wherever the focus is. False when a character went nowhere.
+    [[nodiscard]] bool type(std::string_view text);
+
+    [[nodiscard]] ui::Interaction pressKey(ui::Key key);
+
+private:
+    void moveFocus(const std::string& identity);
+
+    WindowState& state_;
+};
+
+} // namespace sentrel::simulated
