@@ -8,6 +8,7 @@ namespace sentrel::platform {
 
 class Alerts;
 class ApplicationActivation;
+class ApplicationNotifications;
 class AudioEngines;
 class AudioHardware;
 class Automation;
@@ -32,6 +33,7 @@ class StandardOutput;
 class SystemBeep;
 class UserDefaults;
 class WallClock;
+class Windows;
 class WorkspaceNotifications;
 
 /// The operating system as the product sees it: one reference for each port. Only the composition root receives it
@@ -65,6 +67,8 @@ struct Platform {
     LoginAuthentication& loginAuthentication;
     Alerts& alerts;
     ApplicationActivation& applicationActivation;
+    ApplicationNotifications& applicationNotifications;
+    Windows& windows;
 };
 
 } // namespace sentrel::platform

@@ -4,6 +4,7 @@
 #include "platform/macos/DispatchScheduler.hpp"
 #include "platform/macos/MacAlerts.hpp"
 #include "platform/macos/MacApplicationActivation.hpp"
+#include "platform/macos/MacApplicationNotifications.hpp"
 #include "platform/macos/MacAudioEngines.hpp"
 #include "platform/macos/MacAudioHardware.hpp"
 #include "platform/macos/MacAutomation.hpp"
@@ -23,6 +24,7 @@
 #include "platform/macos/MacSystemBeep.hpp"
 #include "platform/macos/MacUserDefaults.hpp"
 #include "platform/macos/MacWallClock.hpp"
+#include "platform/macos/MacWindows.hpp"
 #include "platform/macos/MacWorkspaceNotifications.hpp"
 #include "platform/posix/PosixFileSystem.hpp"
 #include "platform/posix/PosixStandardOutput.hpp"
@@ -66,6 +68,8 @@ private:
     MacLoginAuthentication loginAuthentication_;
     MacAlerts alerts_;
     MacApplicationActivation applicationActivation_;
+    MacApplicationNotifications applicationNotifications_;
+    MacWindows windows_;
     platform::Platform ports_{
         .scheduler = scheduler_,
         .wallClock = wallClock_,
@@ -95,6 +99,8 @@ private:
         .loginAuthentication = loginAuthentication_,
         .alerts = alerts_,
         .applicationActivation = applicationActivation_,
+        .applicationNotifications = applicationNotifications_,
+        .windows = windows_,
     };
 };
 

@@ -1,0 +1,184 @@
+#include "platform/macos/MacWindows.hpp"
+
+#include "platform/macos/ElementViews.hpp"
+#include "platform/macos/TreeRenderer.hpp"
+#include "ui/Interaction.hpp"
+
+#import <AppKit/AppKit.h>
+
+#include <memory>
+#include <optional>
+#include <utility>
+
+/// A window whose description says whether it may have the keyboard.
+@interface SentrelWindow : NSWindow {
+@public
+    BOOL mayBecomeKey;
+    BOOL mayBecomeMain;
+}
+@end
+
+@implementation SentrelWindow
+- (BOOL)canBecomeKeyWindow
+{
+    return mayBecomeKey;
+}
+- (BOOL)canBecomeMainWindow
+{
+    return mayBecomeMain;
+}
+@end
+
+/// A view that draws view trees.
+@interface SentrelHostView : NSView {
+@public
+    std::unique_ptr<sentrel::macos::TreeRenderer> renderer;
+}
+@end
+
+@implementation SentrelHostView
+
+- (instancetype)initWithFrame:(NSRect)frame
+{
+    self = [super initWithFrame:frame];
+    if (self != nil) {
+        renderer = std::make_unique<sentrel::macos::TreeRenderer>(self);
+    }
+    return self;
+}
+
+- (void)viewDidMoveToWindow
+{
+    [super viewDidMoveToWindow];
+    renderer->applyFocus();
+}
+
+- (BOOL)acceptsFirstResponder
+{
+    return YES;
+}
+
+/// Keys that nothing in the window has taken.
+- (void)keyDown:(NSEvent*)event
+{
+    NSString* const characters = event.charactersIgnoringModifiers;
+    const unichar character = characters.length == 1 ? [characters characterAtIndex:0] : 0;
+    std::optional<sentrel::ui::Key> key;
+    if (character == NSCarriageReturnCharacter) {
+        key = sentrel::ui::Key::returnKey;
+    } else if (character == NSDeleteCharacter) {
+        key = sentrel::ui::Key::deleteKey;
+    } else if (character == 0x1b) {
+        key = sentrel::ui::Key::escape;
+    }
+    // A copy: what the key does may bring a new tree.
+    const sentrel::ui::View content = renderer->content();
+    if (!key || sentrel::ui::pressKey(content, *key, "") != sentrel::ui::Interaction::done) {
+        [super keyDown:event];
+    }
+}
+
+@end
+
+namespace sentrel::macos {
+
+namespace {
+
+NSRect rectOf(const platform::Rectangle& rectangle)
+{
+    return NSMakeRect(rectangle.x, rectangle.y, rectangle.width, rectangle.height);
+}
+
+platform::Rectangle rectangleOf(NSRect rect)
+{
+    return {rect.origin.x, rect.origin.y, rect.size.width, rect.size.height};
+}
+
+std::uint32_t numberOf(NSScreen* screen)
+{
+    NSNumber* const number = screen.deviceDescription[@"NSScreenNumber"];
+    return number.unsignedIntValue;
+}
+
+NSScreen* screenOf(std::uint32_t number)
+{
+    for (NSScreen* const screen in NSScreen.screens) {
+        if (numberOf(screen) == number) {
+            return screen;
+        }
+    }
+    return nil;
+}
+
+class MacWindow final : public platform::Window {
+public:
+    explicit MacWindow(const platform::WindowDescription& description)
+        : window_([[SentrelWindow alloc] initWithContentRect:rectOf(description.contentRectangle)
+                                                   styleMask:static_cast<NSWindowStyleMask>(description.styleMask)
+                                                     backing:static_cast<NSBackingStoreType>(description.backing)
+                                                       defer:description.isDeferred
+                                                      screen:screenOf(description.screenNumber)])
+    {
+        window_->mayBecomeKey = description.canBecomeKey;
+        window_->mayBecomeMain = description.canBecomeMain;
+    }
+    ~MacWindow() override { [window_ orderOut:nil]; }
+
+    void setLevel(std::int64_t level) override { window_.level = level; }
+    void setCollectionBehavior(std::uint64_t behavior) override
+    {
+        window_.collectionBehavior = static_cast<NSWindowCollectionBehavior>(behavior);
+    }
+    void setOpaque(bool isOpaque) override { window_.opaque = isOpaque; }
+    void setBackgroundColor(const ui::Color& color) override { window_.backgroundColor = colorOf(color); }
+    void setHasShadow(bool hasShadow) override { window_.hasShadow = hasShadow; }
+    void setReleasedWhenClosed(bool isReleased) override { window_.releasedWhenClosed = isReleased; }
+    void setFrame(const platform::Rectangle& frame, bool display) override
+    {
+        [window_ setFrame:rectOf(frame) display:display];
+    }
+    [[nodiscard]] platform::Rectangle contentFrame() override { return rectangleOf(window_.contentView.frame); }
+    void hostContent(const platform::Rectangle& frame, std::uint64_t autoresizingMask) override
+    {
+        host_ = [[SentrelHostView alloc] initWithFrame:rectOf(frame)];
+        host_.autoresizingMask = static_cast<NSAutoresizingMaskOptions>(autoresizingMask);
+        window_.contentView = host_;
+    }
+    void showContent(ui::View content) override
+    {
+        if (host_ != nil) {
+            host_->renderer->render(std::move(content));
+        }
+    }
+    void orderFrontRegardless() override { [window_ orderFrontRegardless]; }
+    void makeKey() override { [window_ makeKeyWindow]; }
+    void makeKeyAndOrderFront() override { [window_ makeKeyAndOrderFront:nil]; }
+    void orderOut() override { [window_ orderOut:nil]; }
+
+private:
+    SentrelWindow* window_;
+    SentrelHostView* host_ = nil;
+};
+
+} // namespace
+
+std::vector<platform::Screen> MacWindows::screens()
+{
+    std::vector<platform::Screen> screens;
+    for (NSScreen* const screen in NSScreen.screens) {
+        screens.push_back({numberOf(screen), rectangleOf(screen.frame)});
+    }
+    return screens;
+}
+
+std::int64_t MacWindows::shieldingLevel()
+{
+    return CGShieldingWindowLevel();
+}
+
+std::unique_ptr<platform::Window> MacWindows::makeWindow(const platform::WindowDescription& description)
+{
+    return std::make_unique<MacWindow>(description);
+}
+
+} // namespace sentrel::macos
