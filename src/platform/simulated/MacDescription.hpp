@@ -2,6 +2,7 @@
 
 #include "platform/simulated/AudioDevice.hpp"
 
+#include <cstddef>
 #include <cstdint>
 #include <filesystem>
 #include <optional>
@@ -32,6 +33,7 @@ struct MacDescription {
     Accelerometer accelerometer = Accelerometer::present;
     std::vector<AudioDevice> audio{simpleAudioDevice(73, "MacBook Pro Speakers", "BuiltInSpeakerDevice", 0.5F, false)};
     std::optional<std::uint32_t> defaultOutput = 73;
+    std::size_t displays = 1; ///< the built-in one included
     Music music = Music::absent;
     Consent automationConsent = Consent::undetermined;
     /// A folder with "Application Support" and "Preferences" to copy onto the disk before the first launch.

@@ -55,7 +55,8 @@ SimulatedMac::SimulatedMac(const MacSurroundings& surroundings, const MacDescrip
       camera(surroundings.hardware, wallClock),
       keychain(files, disk_ / "Keychains" / "Keychain.json"),
       login(surroundings.hardware, journal_),
-      alerts(surroundings.hardware, activation)
+      alerts(surroundings.hardware, activation),
+      displays(process_, journal_, activation, description.displays)
 {
     if (description.power == MacDescription::Power::unknown) {
         power.setUnknown();
@@ -106,6 +107,8 @@ platform::Platform& SimulatedMac::startProcess()
         .loginAuthentication = login,
         .alerts = alerts,
         .applicationActivation = activation,
+        .applicationNotifications = displays,
+        .windows = displays,
     });
     return *platform_;
 }
@@ -138,6 +141,7 @@ std::vector<std::pair<std::string, FaultSwitches*>> SimulatedMac::faults()
         {"input", &input.faults()},
         {"host", &host.faults()},
         {"camera", &camera.faults()},
+        {"displays", &displays.faults()},
         {"keychain", &keychain.faults()},
         {"files", &files.faults()},
         {"random", &random.faults()},

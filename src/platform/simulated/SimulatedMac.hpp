@@ -15,6 +15,7 @@
 #include "platform/simulated/SimulatedAudioEngines.hpp"
 #include "platform/simulated/SimulatedBeep.hpp"
 #include "platform/simulated/SimulatedCamera.hpp"
+#include "platform/simulated/SimulatedDisplays.hpp"
 #include "platform/simulated/SimulatedFileSystem.hpp"
 #include "platform/simulated/SimulatedHost.hpp"
 #include "platform/simulated/SimulatedInput.hpp"
@@ -103,6 +104,7 @@ public:
     SimulatedLogin login;
     SimulatedApplicationActivation activation;
     SimulatedAlerts alerts;
+    SimulatedDisplays displays;
 
 private:
     std::optional<DefaultsFile> defaults_;
