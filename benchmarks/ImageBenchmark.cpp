@@ -8,8 +8,8 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <memory>
 #include <string>
-#include <vector>
 
 #include <malloc.h>
 
@@ -19,7 +19,27 @@
 namespace sentrel {
 namespace {
 
-using Pixels = std::vector<std::uint8_t>;
+/// Pixels of an image, undefined at first. A bare decoder's floor keeps its buffer from turn to turn; a whole way of
+/// doing things allocates its own, as the codec does.
+class Pixels {
+public:
+    Pixels() = default;
+    Pixels(int itsWidth, int itsHeight) { reserve(itsWidth, itsHeight); }
+    void reserve(int itsWidth, int itsHeight)
+    {
+        const std::size_t size = static_cast<std::size_t>(itsWidth) * static_cast<std::size_t>(itsHeight) * 4;
+        if (size > size_) {
+            bytes_ = std::make_unique_for_overwrite<std::uint8_t[]>(size);
+            size_ = size;
+        }
+    }
+    [[nodiscard]] std::uint8_t* data() { return bytes_.get(); }
+    [[nodiscard]] const std::uint8_t* data() const { return bytes_.get(); }
+
+private:
+    std::unique_ptr<std::uint8_t[]> bytes_;
+    std::size_t size_ = 0;
+};
 
 constexpr int width = 1600;
 constexpr int height = 1200;
@@ -51,7 +71,7 @@ void decode(const Bytes& jpeg, unsigned eighths, Pixels& pixels)
     codec.scale_denom = 8;
     codec.out_color_space = JCS_EXT_RGBX;
     jpeg_start_decompress(&codec);
-    pixels.resize(std::size_t{codec.output_width} * codec.output_height * 4);
+    pixels.reserve(static_cast<int>(codec.output_width), static_cast<int>(codec.output_height));
     while (codec.output_scanline < codec.output_height) {
         JSAMPROW row = pixels.data() + std::size_t{codec.output_scanline} * codec.output_width * 4;
         jpeg_read_scanlines(&codec, &row, 1);
@@ -97,7 +117,7 @@ void reencodingBesideHalfDecodeAndEncode(benchmark::State& state)
     const Bytes& jpeg = photo(state);
     simulated::TurboImageCodec codec;
     Pixels decoded;
-    Pixels scaled(std::size_t{width} * height * 4);
+    Pixels scaled{width, height};
     if (!jpeg.empty()) {
         decode(jpeg, 4, decoded);
         scale(decoded, 2000, 1500, scaled); // the encoder gets the same picture in both
@@ -114,9 +134,9 @@ void reencodingBesideWholeDecode(benchmark::State& state)
 {
     const Bytes& jpeg = photo(state);
     simulated::TurboImageCodec codec;
-    Pixels decoded;
-    Pixels scaled(std::size_t{width} * height * 4);
     const auto whole = [&] {
+        Pixels decoded;
+        Pixels scaled{width, height};
         decode(jpeg, 8, decoded);
         scale(decoded, 4000, 3000, scaled);
         encode(scaled);
