@@ -12,7 +12,8 @@ namespace {
 using platform::AudioObjectId;
 using platform::AudioPropertyAddress;
 
-constexpr AudioObjectId systemObject = 1; // kAudioObjectSystemObject
+constexpr AudioObjectId systemObject = 1;  // kAudioObjectSystemObject
+constexpr AudioObjectId unknownObject = 0; // kAudioObjectUnknown: what a system without any output answers
 
 constexpr std::uint32_t globalScope = fourCharCode("glob");
 constexpr std::uint32_t outputScope = fourCharCode("outp");
@@ -73,7 +74,8 @@ bool SystemVolumeControl::callsItselfSpeaker(AudioObjectId device) const
 
 std::optional<AudioObjectId> SystemVolumeControl::defaultOutputDevice() const
 {
-    return hardware_.readUInt32(systemObject, defaultOutput);
+    const auto device = hardware_.readUInt32(systemObject, defaultOutput);
+    return device != unknownObject ? device : std::nullopt;
 }
 
 void SystemVolumeControl::setDefaultOutputDevice(AudioObjectId device) const

@@ -74,19 +74,13 @@ std::int64_t SoundRecorder::frameAt(Instant instant) const
 
 void SoundRecorder::record(std::span<const AudibleSound> sounds, Instant until)
 {
-    const std::int64_t end = std::min(frameAt(until), WavWriter::maximumFrames);
-    while (!isFull_ && writer_.frames() < end) {
-        Piece piece = pieceFrom(writer_.frames(), end, sounds);
+    const std::int64_t end = std::min(frameAt(until), maximumFrames);
+    while (writer_.frames() < end) {
+        const Piece piece = pieceFrom(writer_.frames(), end, sounds);
         if (!piece.isAudible) {
             writer_.appendSilence(piece.end - writer_.frames());
             continue;
         }
-        const std::int64_t room = maximumSound - soundFrames_;
-        if (piece.end - writer_.frames() >= room) {
-            piece.end = writer_.frames() + room;
-            isFull_ = true;
-        }
-        soundFrames_ += piece.end - writer_.frames();
         mix(sounds, piece.end);
     }
 }

@@ -19,14 +19,13 @@ struct AudibleSound {
 };
 
 /// Records what the ear hears, from a start instant on, into a WAV file. Time is cut into frames from the start, so
-/// that a change falls exactly between two frames. Recording ends by itself when there have been ten minutes of sound,
-/// or when the file can grow no more. One thread at a time.
+/// that a change falls exactly between two frames. It holds the first ten minutes and no more. One thread at a time.
 class SoundRecorder {
 public:
     static constexpr std::int64_t sampleRate = 44'100;
 
-    /// The most sound that a recording holds; silence between does not count.
-    static constexpr std::int64_t maximumSound = 10 * 60 * sampleRate;
+    /// The most frames that a recording holds.
+    static constexpr std::int64_t maximumFrames = 10 * 60 * sampleRate;
 
     SoundRecorder(std::filesystem::path file, Instant start);
 
@@ -54,8 +53,6 @@ private:
 
     Instant start_;
     WavWriter writer_;
-    std::int64_t soundFrames_ = 0;
-    bool isFull_ = false;
     std::vector<float> mixed_;
     std::vector<std::int16_t> quantized_;
 };
