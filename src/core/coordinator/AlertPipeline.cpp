@@ -77,12 +77,13 @@ void AlarmCoordinator::enqueueProcessing(TriggerReason reason)
 Async<void> AlarmCoordinator::processAfter(std::optional<Task<void>> predecessor, TriggerReason reason)
 {
     if (predecessor) {
+        // Taken out of this frame's parameters, or the chain would keep every task since its beginning.
+        const Task<void> earlier = *std::exchange(predecessor, std::nullopt);
         try {
-            co_await *predecessor;
+            co_await earlier;
         } catch (const std::exception&) {
             // Whatever became of the one before, this trigger has its turn.
         }
-        predecessor.reset(); // or the chain would keep every task since its beginning
     }
     try {
         co_await process(reason);
