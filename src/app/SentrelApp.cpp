@@ -14,6 +14,8 @@ SentrelApp::SentrelApp(platform::Platform& platform)
       soundPlayer_(actor_, {outputVolume_, mediaPlayback_, platform.audioEngines, platform.systemBeep,
                             platform.defaults, platform.language, platform.journal}),
       camera_(platform.scheduler, platform.camera, platform.imageCodec, platform.standardOutput, platform.journal),
+      passcodes_(platform.keychain, platform.cryptography, platform.random, platform.generalRandom),
+      passwordGate_(platform.loginAuthentication, platform.alerts, platform.applicationActivation, platform.language),
       coordinator_(
           actor_, isComputerCompatible_,
           {settings_, alertStore_, soundPlayer_, mediaPlayback_, camera_, cover_, cloud_, alertList_, presence_},

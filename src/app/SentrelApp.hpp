@@ -5,6 +5,8 @@
 #include "core/SettingsStore.hpp"
 #include "core/coordinator/AlarmCoordinator.hpp"
 #include "core/coordinator/AlarmJournal.hpp"
+#include "lock/PasswordGate.hpp"
+#include "lock/UnlockPasscodeStore.hpp"
 #include "outputs/AlarmSoundPlayer.hpp"
 #include "outputs/CameraCapture.hpp"
 #include "outputs/MediaPlayback.hpp"
@@ -30,6 +32,8 @@ public:
     [[nodiscard]] SettingsStore& settings() { return settings_; }
     [[nodiscard]] AlarmCoordinator& coordinator() { return coordinator_; }
     [[nodiscard]] LocalAlertStore& alertStore() { return alertStore_; }
+    [[nodiscard]] UnlockPasscodeStore& passcodes() { return passcodes_; }
+    [[nodiscard]] PasswordGate& passwordGate() { return passwordGate_; }
     [[nodiscard]] bool isComputerCompatible() const { return isComputerCompatible_; }
 
 private:
@@ -43,6 +47,8 @@ private:
     SystemVolumeControl outputVolume_;
     AlarmSoundPlayer soundPlayer_;
     CameraCapture camera_;
+    UnlockPasscodeStore passcodes_;
+    PasswordGate passwordGate_;
     NoCover cover_;
     NoCloud cloud_;
     NoAlertList alertList_;

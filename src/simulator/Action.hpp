@@ -1,8 +1,11 @@
 #pragma once
 
 #include "foundation/Json.hpp"
+#include "platform/simulated/CameraChange.hpp"
 #include "platform/simulated/MacDescription.hpp"
 #include "platform/simulated/MotionRecording.hpp"
+#include "platform/simulated/SimulatedKeychain.hpp"
+#include "platform/simulated/SimulatedLogin.hpp"
 
 #include <cstdint>
 #include <nlohmann/json.hpp>
@@ -97,7 +100,32 @@ struct FailPorts {
     std::vector<FailPort> ports;
 };
 
+/// The cameras, what they see and whether they may be used.
+struct ChangeCamera {
+    simulated::CameraChange change;
+    std::string photoName; ///< as the scenario names the file; empty when it names none
+};
+
+/// How the keychains answer from now on.
+struct ChangeKeychain {
+    using Access = simulated::SimulatedKeychain::Access;
+    std::optional<Access> dataProtection;
+    std::optional<Access> legacy;
+    std::optional<FailPort> fail; ///< of the port "keychain"
+};
+
+/// How the system's login panel is answered from now on.
+struct AnswerLogin {
+    simulated::LoginAnswer answer = simulated::LoginAnswer::succeed;
+};
+
+/// The owner sets the unlock passcode.
+struct SetPasscode {
+    std::string passcode;
+};
+
 using Action = std::variant<PlainAction, SetPower, MoveMachine, PlayRecording, RestMachine, ChangeSettings, SetVolume,
-                            SetDefaultOutput, RemoveAudioDevice, UseMusic, FailPorts>;
+                            SetDefaultOutput, RemoveAudioDevice, UseMusic, FailPorts, ChangeCamera, ChangeKeychain,
+                            AnswerLogin, SetPasscode>;
 
 } // namespace sentrel::simulator

@@ -1,6 +1,7 @@
 #include "simulator/ActionReader.hpp"
 
 #include "platform/simulated/MotionRecording.hpp"
+#include "simulator/CameraReader.hpp"
 #include "simulator/MacReader.hpp"
 #include "simulator/SettingsReader.hpp"
 
@@ -139,13 +140,33 @@ Action readFail(const YamlValue& value, const ReadContext&)
     return action;
 }
 
+Action readKeychain(const YamlValue& value, const ReadContext& context)
+{
+    using Access = ChangeKeychain::Access;
+    static constexpr std::array<Word<Access>, 3> accesses{
+        {{"open", Access::open}, {"locked", Access::locked}, {"denied", Access::denied}}};
+    static constexpr std::array<FieldRow<ChangeKeychain>, 3> fields{{
+        {"dataProtection",
+         [](auto& action, auto& item, auto&) { action.dataProtection = readWord(item, "keychain access", accesses); }},
+        {"legacy",
+         [](auto& action, auto& item, auto&) { action.legacy = readWord(item, "keychain access", accesses); }},
+        {"fail", [](auto& action, auto& item, auto&) { action.fail = FailPort{"keychain", readFaults(item)}; }},
+    }};
+    ChangeKeychain action;
+    readFields(value, "'keychain'", fields, action, context);
+    if (value.keys.empty()) {
+        throw SourceFault(value.line, "'keychain' needs at least one key, as in {keychain: {dataProtection: locked}}");
+    }
+    return action;
+}
+
 struct ActionRow {
     std::string_view name;
     std::string_view example; ///< for the message when the value is forgotten
     Action (*read)(const YamlValue& value, const ReadContext& context);
 };
 
-constexpr std::array<ActionRow, 8> actionsWithValue{{
+constexpr std::array<ActionRow, 12> actionsWithValue{{
     {"power", "{power: battery}", [](auto& value, auto&) { return Action{SetPower{readPower(value)}}; }},
     {"accelerometer", "{accelerometer: {sample: [0, 0, 1]}}", readAccelerometer},
     {"set", "{set: {alarmVolume: 0.5}}",
@@ -156,6 +177,12 @@ constexpr std::array<ActionRow, 8> actionsWithValue{{
     {"audio-device", "{audio-device: {remove: 73}}", readAudioDeviceChange},
     {"music", "{music: play}", readMusic},
     {"fail", "{fail: {PORT: FAULT}}", readFail},
+    {"camera", "{camera: {brightness: 0.05}}",
+     [](auto& value, auto& context) { return Action{readCamera(value, context)}; }},
+    {"keychain", "{keychain: {dataProtection: locked}}", readKeychain},
+    {"login", "{login: fail}", [](auto& value, auto&) { return Action{AnswerLogin{readLoginAnswer(value)}}; }},
+    {"set-passcode", "{set-passcode: \"2468\"}",
+     [](auto& value, auto&) { return Action{SetPasscode{readText(value, "a passcode")}}; }},
 }};
 
 std::vector<std::string_view> allNames()

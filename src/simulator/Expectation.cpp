@@ -8,31 +8,32 @@ namespace sentrel::simulator {
 
 namespace {
 
-bool matches(const Json& expected, const Json& actual);
+bool matches(const Json& expected, const Json& actual, double tolerance);
 
-bool numbersMatch(const Json& expected, const Json& actual)
+bool numbersMatch(const Json& expected, const Json& actual, double tolerance)
 {
-    return std::abs(expected.get<double>() - actual.get<double>()) <= numberTolerance;
+    return std::abs(expected.get<double>() - actual.get<double>()) <= tolerance;
 }
 
-bool membersMatch(const Json& expected, const Json& actual)
+bool membersMatch(const Json& expected, const Json& actual, double tolerance)
 {
     return std::all_of(expected.items().begin(), expected.items().end(), [&](const auto& entry) {
         const Json* const found = member(actual, entry.key());
-        return matches(entry.value(), found == nullptr ? Json{} : *found);
+        return matches(entry.value(), found == nullptr ? Json{} : *found, tolerance);
     });
 }
 
-bool matches(const Json& expected, const Json& actual)
+bool matches(const Json& expected, const Json& actual, double tolerance)
 {
     if (expected.is_number() && actual.is_number()) {
-        return numbersMatch(expected, actual);
+        return numbersMatch(expected, actual, tolerance);
     }
     if (expected.is_object() && actual.is_object()) {
-        return membersMatch(expected, actual);
+        return membersMatch(expected, actual, tolerance);
     }
     if (expected.is_array() && actual.is_array()) {
-        return std::equal(expected.begin(), expected.end(), actual.begin(), actual.end(), matches);
+        return std::equal(expected.begin(), expected.end(), actual.begin(), actual.end(),
+                          [&](const Json& left, const Json& right) { return matches(left, right, tolerance); });
     }
     return expected == actual;
 }
@@ -59,7 +60,7 @@ void collect(const Expectation& expectation, const std::string& path, const Json
         }
         return;
     }
-    if (matches(expected, actual == nullptr ? Json{} : *actual)) {
+    if (matches(expected, actual == nullptr ? Json{} : *actual, expectation.tolerance)) {
         return;
     }
     found.push_back({path, shown(expected), actual == nullptr ? "not there" : shown(*actual), expectation.line});

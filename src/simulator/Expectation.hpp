@@ -8,11 +8,15 @@
 
 namespace sentrel::simulator {
 
+/// How far apart two numbers may be and still count as equal.
+inline constexpr double numberTolerance = 1e-6;
+
 /// What must hold of one part of the state, as a scenario says it.
 struct Expectation {
     std::string key; ///< for example `lastAlert`
     Json expected;
     int line = 0; ///< of the key, counted from 1
+    double tolerance = numberTolerance;
 };
 
 /// One difference between what was expected and what is.
@@ -23,10 +27,7 @@ struct Mismatch {
     int line = 0;
 };
 
-/// How far apart two numbers may be and still count as equal.
-inline constexpr double numberTolerance = 1e-6;
-
-/// Every difference, in the order of the expectation. Numbers match within the tolerance; of an object only the
+/// Every difference, in the order of the expectation. Numbers match within its tolerance; of an object only the
 /// members that are expected count, and one that isn't there matches an expected null; lists match whole. `state`
 /// holds a member for each key that can be expected; one without it is a mismatch.
 [[nodiscard]] std::vector<Mismatch> mismatches(const Expectation& expectation, const Json& state);

@@ -11,10 +11,14 @@ namespace sentrel::simulator {
 
 namespace {
 
+/// Nobody knows the brightness of a JPEG file better than this.
+constexpr double brightnessTolerance = 0.01;
+
 /// A key that can be expected and how its value is read.
 struct ExpectationRow {
     std::string_view key;
     Json (*read)(const YamlValue& value);
+    double tolerance = numberTolerance;
 };
 
 template <std::size_t Count>
@@ -28,7 +32,8 @@ void readRows(const YamlValue& map, std::string_view what, const std::array<Expe
     }
     KeyChecker checker{keys, what};
     for (std::size_t i = 0; i < map.keys.size(); ++i) {
-        found(map.keys[i], rows[checker.placeOf(map.keys[i])].read(map.items[i]));
+        const ExpectationRow& row = rows[checker.placeOf(map.keys[i])];
+        found(map.keys[i], row, row.read(map.items[i]));
     }
 }
 
@@ -36,7 +41,8 @@ template <std::size_t Count>
 Json readObject(const YamlValue& map, std::string_view what, const std::array<ExpectationRow, Count>& rows)
 {
     Json object = Json::object();
-    readRows(map, what, rows, [&](const YamlValue& key, Json value) { object[key.text] = std::move(value); });
+    readRows(map, what, rows,
+             [&](const YamlValue& key, const ExpectationRow&, Json value) { object[key.text] = std::move(value); });
     return object;
 }
 
@@ -69,6 +75,11 @@ Json count(const YamlValue& value)
 Json level(const YamlValue& value)
 {
     return readNumber(value, "a volume", 0.0, 1.0);
+}
+
+Json brightness(const YamlValue& value)
+{
+    return readNumber(value, "a brightness", 0.0, 1.0);
 }
 
 Json deviceOrNull(const YamlValue& value)
@@ -107,17 +118,24 @@ template <const auto& words> Json choice(const YamlValue& value)
 }
 
 constexpr std::array<std::string_view, 2> soundModes{"tone", "beep"};
+constexpr std::array<std::string_view, 2> sessionStates{"on", "off"};
 constexpr std::array<std::string_view, 3> musicStates{"playing", "paused", "absent"};
 
 constexpr std::array<ExpectationRow, 4> alertRows{
     {{"reason", reason}, {"deviceName", text}, {"photo", flag}, {"pendingUpload", flag}}};
 constexpr std::array<ExpectationRow, 3> soundRows{
     {{"mode", choice<soundModes>}, {"device", deviceOrNull}, {"volume", level}}};
+constexpr std::array<ExpectationRow, 3> photoRows{{{"width", count}, {"height", count}, {"brightness", brightness}}};
 constexpr std::array<ExpectationRow, 2> deviceRows{{{"volume", level}, {"muted", flag}}};
 
 Json lastAlert(const YamlValue& value)
 {
     return readNullableObject(value, "'lastAlert'", alertRows);
+}
+
+Json photo(const YamlValue& value)
+{
+    return readNullableObject(value, "'photo'", photoRows);
 }
 
 Json sound(const YamlValue& value)
@@ -137,7 +155,7 @@ Json devices(const YamlValue& value)
     return object;
 }
 
-constexpr std::array<ExpectationRow, 16> expectationRows{{
+constexpr std::array<ExpectationRow, 19> expectationRows{{
     {"isArmed", flag},
     {"isAlarmActive", flag},
     {"statusMessage", text},
@@ -154,6 +172,9 @@ constexpr std::array<ExpectationRow, 16> expectationRows{{
     {"music", choice<musicStates>},
     {"assertions", list<text>},
     {"settings", readSettings},
+    {"photo", photo, brightnessTolerance},
+    {"cameraSession", choice<sessionStates>},
+    {"loginsAsked", count},
 }};
 
 } // namespace
@@ -161,8 +182,8 @@ constexpr std::array<ExpectationRow, 16> expectationRows{{
 std::vector<Expectation> readExpectations(const YamlValue& value)
 {
     std::vector<Expectation> expectations;
-    readRows(value, "'expect'", expectationRows, [&](const YamlValue& key, Json expected) {
-        expectations.push_back({key.text, std::move(expected), key.line});
+    readRows(value, "'expect'", expectationRows, [&](const YamlValue& key, const ExpectationRow& row, Json expected) {
+        expectations.push_back({key.text, std::move(expected), key.line, row.tolerance});
     });
     if (expectations.empty()) {
         throw SourceFault(value.line, "'expect' expects nothing: give it at least one key");

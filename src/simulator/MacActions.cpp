@@ -124,6 +124,26 @@ public:
         }
     }
 
+    void operator()(const ChangeCamera& action) const { apply(action.change, session_.mac().camera); }
+
+    void operator()(const ChangeKeychain& action) const
+    {
+        simulated::SimulatedKeychain& keychain = session_.mac().keychain;
+        if (action.dataProtection) {
+            keychain.setAccess(simulated::KeychainStore::dataProtection, *action.dataProtection);
+        }
+        if (action.legacy) {
+            keychain.setAccess(simulated::KeychainStore::legacy, *action.legacy);
+        }
+        if (action.fail) {
+            (*this)(FailPorts{{*action.fail}});
+        }
+    }
+
+    void operator()(const AnswerLogin& action) const { session_.mac().login.setAnswer(action.answer); }
+
+    void operator()(const SetPasscode& action) const { session_.setPasscode(action.passcode); }
+
 private:
     MacSession& session_;
 };
@@ -168,6 +188,11 @@ public:
             }
         }
         return {};
+    }
+
+    std::string operator()(const ChangeKeychain& action) const
+    {
+        return action.fail ? (*this)(FailPorts{{*action.fail}}) : std::string{};
     }
 
 private:

@@ -1,6 +1,7 @@
 #include "simulator/MacReader.hpp"
 
 #include "simulator/AudioReader.hpp"
+#include "simulator/CameraReader.hpp"
 
 #include <algorithm>
 
@@ -23,13 +24,19 @@ constexpr std::array<Word<Mac::Consent>, 3> consents{{{"granted", Mac::Consent::
                                                       {"denied", Mac::Consent::denied},
                                                       {"undetermined", Mac::Consent::undetermined}}};
 
+using simulated::LoginAnswer;
+constexpr std::array<Word<LoginAnswer>, 4> loginAnswers{{{"succeed", LoginAnswer::succeed},
+                                                         {"fail", LoginAnswer::fail},
+                                                         {"cancel", LoginAnswer::cancel},
+                                                         {"unavailable", LoginAnswer::unavailable}}};
+
 /// A description on its way; what refers to other keys is checked when all are read.
 struct Draft {
     Mac mac;
     const YamlValue* defaultOutput = nullptr;
 };
 
-constexpr std::array<FieldRow<Draft>, 11> macFields{{
+constexpr std::array<FieldRow<Draft>, 14> macFields{{
     {"model", [](auto& draft, auto& value, auto&) { draft.mac.model = readText(value, "'model'"); }},
     {"localizedName",
      [](auto& draft, auto& value, auto&) { draft.mac.localizedName = readOptionalText(value, "'localizedName'"); }},
@@ -48,6 +55,9 @@ constexpr std::array<FieldRow<Draft>, 11> macFields{{
      [](auto& draft, auto& value, auto&) { draft.mac.automationConsent = readWord(value, "consent", consents); }},
     {"bundleIdentifier", [](auto& draft, auto& value,
                             auto&) { draft.mac.bundleIdentifier = readOptionalText(value, "'bundleIdentifier'"); }},
+    {"camera", [](auto& draft, auto& value, auto& context) { draft.mac.camera = readCamera(value, context).change; }},
+    {"login", [](auto& draft, auto& value, auto&) { draft.mac.login = readLoginAnswer(value); }},
+    {"passcode", [](auto& draft, auto& value, auto&) { draft.mac.passcode = readText(value, "'passcode'"); }},
     {"files",
      [](auto& draft, auto& value, auto& context) {
          const auto folder = readPath(value, "the folder", context);
@@ -93,6 +103,11 @@ Mac readMac(const YamlValue& value, const ReadContext& context)
 Mac::Power readPower(const YamlValue& value)
 {
     return readWord(value, "power", powers);
+}
+
+simulated::LoginAnswer readLoginAnswer(const YamlValue& value)
+{
+    return readWord(value, "login", loginAnswers);
 }
 
 } // namespace sentrel::simulator

@@ -17,4 +17,7 @@ namespace sentrel::simulator {
 /// Words for the state of the power sources, also used by an action.
 [[nodiscard]] simulated::MacDescription::Power readPower(const YamlValue& value);
 
+/// How the login panel is answered.
+[[nodiscard]] simulated::LoginAnswer readLoginAnswer(const YamlValue& value);
+
 } // namespace sentrel::simulator

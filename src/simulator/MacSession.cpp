@@ -12,6 +12,12 @@ constexpr Date sessionDate{771586860.0};
 
 } // namespace
 
+bool storePasscode(UnlockPasscodeStore& store, std::string_view passcode)
+{
+    const auto record = store.makeRecord(bytesOf(passcode), store.makeSalt(), UnlockPasscodeStore::currentIterations);
+    return record && store.save(record->view());
+}
+
 MacSession::MacSession(const simulated::MacDescription& description, std::filesystem::path disk,
                        std::filesystem::path resources, std::uint64_t seed)
     : mac_(
@@ -117,6 +123,13 @@ void MacSession::changeSettings(const std::function<void(AlarmSettings&)>& chang
 void MacSession::stopAlarm()
 {
     onMain([](SentrelApp& app) { app.coordinator().stopAlarm(); });
+}
+
+void MacSession::setPasscode(std::string_view passcode)
+{
+    onMain([this, passcode](SentrelApp& app) {
+        log_.note("passcode.set", {{"saved", storePasscode(app.passcodes(), passcode)}});
+    });
 }
 
 void MacSession::onMain(const std::function<void(SentrelApp&)>& function)

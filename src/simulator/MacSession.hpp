@@ -10,6 +10,8 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <string>
+#include <string_view>
 
 namespace sentrel::simulator {
 
@@ -19,6 +21,9 @@ struct AlarmSound {
     std::optional<std::int64_t> device;
     double volume = 0.0;
 };
+
+/// Sets the passcode now, slow as it is; false when the keychain refuses.
+[[nodiscard]] bool storePasscode(UnlockPasscodeStore& store, std::string_view passcode);
 
 /// A simulated MacBook with the product on it, in virtual time: what people do at it and what befalls it. One thread.
 class MacSession {
@@ -48,6 +53,9 @@ public:
     /// Writes fields of the settings as a window does, and tells the coordinator.
     void changeSettings(const std::function<void(AlarmSettings&)>& change);
     void stopAlarm();
+
+    /// Sets the unlock passcode as a window does, and notes `passcode.set` {saved}.
+    void setPasscode(std::string_view passcode);
 
     /// Runs a function on the product's main thread, and everything that is then due. Nothing while it doesn't run.
     void onMain(const std::function<void(SentrelApp&)>& function);

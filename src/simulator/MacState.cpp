@@ -1,5 +1,6 @@
 #include "simulator/MacState.hpp"
 
+#include "outputs/PhotoProcessing.hpp"
 #include "simulator/MacSession.hpp"
 
 #include <nlohmann/json.hpp>
@@ -41,18 +42,39 @@ std::vector<StoredAlert> alertsOnDisk(simulated::SimulatedMac& mac)
     return alerts;
 }
 
+/// The content of the alert's photo file; none when it has none or the file isn't there.
+std::optional<Bytes> photoOf(simulated::SimulatedMac& mac, const StoredAlert& stored)
+{
+    if (!stored.alert.photoFileName) {
+        return std::nullopt;
+    }
+    posix::PosixFileSystem files;
+    return files.read(alertsFolder(mac) / std::filesystem::path{*stored.alert.photoFileName}.filename());
+}
+
+/// The last alert's photo as it measures; a file that is no image has no size.
+Json lastPhotoOf(simulated::SimulatedMac& mac, const std::vector<StoredAlert>& alerts)
+{
+    const auto photo = alerts.empty() ? std::nullopt : photoOf(mac, alerts.back());
+    if (!photo) {
+        return nullptr;
+    }
+    simulated::TurboImageCodec codec;
+    const auto size = codec.pixelSize(*photo);
+    return {{"width", size ? Json(size->width) : Json(nullptr)},
+            {"height", size ? Json(size->height) : Json(nullptr)},
+            {"brightness", photoBrightness(codec, *photo)}};
+}
+
 Json lastAlertOf(simulated::SimulatedMac& mac, const std::vector<StoredAlert>& alerts)
 {
     if (alerts.empty()) {
         return nullptr;
     }
     const StoredAlert& last = alerts.back();
-    const bool hasPhoto =
-        last.alert.photoFileName &&
-        std::filesystem::exists(alertsFolder(mac) / std::filesystem::path{*last.alert.photoFileName}.filename());
     return {{"reason", rawValue(last.alert.reason)},
             {"deviceName", last.alert.deviceName},
-            {"photo", hasPhoto},
+            {"photo", photoOf(mac, last).has_value()},
             {"pendingUpload", last.pendingUpload}};
 }
 
@@ -65,6 +87,7 @@ void addAlerts(Json& state, simulated::SimulatedMac& mac)
     }
     state["alerts"] = alerts.size();
     state["lastAlert"] = lastAlertOf(mac, alerts);
+    state["photo"] = lastPhotoOf(mac, alerts);
     state["alertReasons"] = std::move(reasons);
 }
 
@@ -150,6 +173,8 @@ Json stateOf(MacSession& session)
     addAlerts(state, session.mac());
     addAudio(state, session);
     state["music"] = nameOf(session.mac().music.playback());
+    state["cameraSession"] = session.mac().camera.isSessionRunning() ? "on" : "off";
+    state["loginsAsked"] = session.mac().login.reasonsAsked().size();
     state["assertions"] = session.mac().assertions.held();
     state["settings"] =
         encodeAlarmSettings(app != nullptr ? app->settings().settings() : storedSettings(session.mac()));

@@ -28,6 +28,19 @@ void storeSettings(MacSession& session, const Json& fields)
     store.setSettings(withFields(store.settings(), fields));
 }
 
+/// The passcode that the scenario starts with, as an earlier run would have left it.
+void storeFirstPasscode(MacSession& session, const std::optional<std::string>& passcode)
+{
+    if (!passcode) {
+        return;
+    }
+    const platform::Platform& platform = session.mac().startProcess();
+    UnlockPasscodeStore store{platform.keychain, platform.cryptography, platform.random, platform.generalRandom};
+    if (!storePasscode(store, *passcode)) {
+        throw PlayError{"the passcode can't be put into the keychain"};
+    }
+}
+
 /// A scenario on its MacBook.
 class Play {
 public:
@@ -42,7 +55,12 @@ public:
             folder_.copyFiles(*scenario.mac.files);
         }
         storeSettings(session_, scenario.settings);
-        session_.log().observe([this](const simulated::Event& event) { audience_.happened(event); });
+        storeFirstPasscode(session_, scenario.mac.passcode);
+        session_.log().observe([this](const simulated::Event& event) {
+            if (!hasEnded_) { // how the product is taken apart afterwards is no part of the play
+                audience_.happened(event);
+            }
+        });
         if (folder_.isKept()) {
             startKeeping();
         }
@@ -55,6 +73,7 @@ public:
             session_.clock().runUntil(Instant{step.at});
             carryOut(step);
         }
+        hasEnded_ = true;
         result_.seconds = session_.seconds();
         if (folder_.isKept()) {
             finishKeeping();
@@ -123,6 +142,7 @@ private:
     PlayFolder folder_;
     MacSession session_;
     PlayResult result_;
+    bool hasEnded_ = false;
 };
 
 } // namespace

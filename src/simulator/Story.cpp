@@ -1,5 +1,7 @@
 #include "simulator/Story.hpp"
 
+#include "simulator/EventFields.hpp"
+#include "simulator/StorySentence.hpp"
 #include "simulator/StoryText.hpp"
 
 #include <algorithm>
@@ -14,33 +16,13 @@ namespace {
 
 using simulated::Event;
 
-std::optional<double> number(const Event& event, std::string_view field)
-{
-    const Event::Value* const value = event.find(field);
-    if (value == nullptr) {
-        return std::nullopt;
-    }
-    if (const auto* real = std::get_if<double>(value)) {
-        return *real;
-    }
-    const auto* const whole = std::get_if<std::int64_t>(value);
-    return whole == nullptr ? std::nullopt : std::optional{static_cast<double>(*whole)};
-}
-
 std::optional<std::uint32_t> deviceOf(const Event& event)
 {
-    const auto id = number(event, "device");
+    const auto id = numberIn(event, "device");
     if (!id || *id < 0.0 || *id > 4294967295.0) {
         return std::nullopt;
     }
     return static_cast<std::uint32_t>(*id);
-}
-
-bool flag(const Event& event, std::string_view field)
-{
-    const Event::Value* const value = event.find(field);
-    const bool* const truth = value == nullptr ? nullptr : std::get_if<bool>(value);
-    return truth != nullptr && *truth;
 }
 
 std::string oneDecimal(double number)
@@ -69,15 +51,8 @@ const Story::Row Story::rows[] = {
     {"launched", &Story::tellLaunched},
     {"crashed", &Story::tellCrashed},
     {"quit", &Story::tellQuit},
-    {"slept", &Story::tellSlept},
-    {"woke", &Story::tellWoke},
     {"armed", &Story::tellArmed},
     {"disarmed", &Story::tellDisarmed},
-    {"power", &Story::tellPower},
-    {"power.changed", &Story::tellPower},
-    {"lid", &Story::tellLid},
-    {"lid.changed", &Story::tellLid},
-    {"trigger", &Story::tellTrigger},
     {"alarm.started", &Story::tellAlarmStarted},
     {"alarm.stopped", &Story::tellAlarmStopped},
     {"audio.volume", &Story::tellVolume},
@@ -85,24 +60,8 @@ const Story::Row Story::rows[] = {
     {"volume.enforced", &Story::tellVolumeEnforced},
     {"audio.default", &Story::tellDefaultOutput},
     {"default-output.changed", &Story::tellDefaultOutput},
-    {"music.paused", &Story::tellMusicPaused},
-    {"music.playing", &Story::tellMusicPlaying},
-    {"music.quit", &Story::tellMusicQuit},
-    {"consent.asked", &Story::tellConsentAsked},
-    {"consent.answered", &Story::tellConsentAnswered},
-    {"alert.saved", &Story::tellAlert},
-    {"notice", &Story::tellNotice},
     {"assertion.taken", &Story::tellAssertionTaken},
     {"assertion.released", &Story::tellAssertionReleased},
-    {"photo.taken", &Story::tellPhoto},
-    {"photo.none", &Story::tellNoPhoto},
-    {"cover.shown", &Story::tellCoverShown},
-    {"cover.hidden", &Story::tellCoverHidden},
-    // Told as actions, or of no interest to a listener.
-    {"accelerometer.sample", &Story::tellNothing},
-    {"accelerometer.recording", &Story::tellNothing},
-    {"audio-device.removed", &Story::tellNothing},
-    {"workspace.notification", &Story::tellNothing},
 };
 
 void Story::open(const Scenario& scenario)
@@ -123,8 +82,13 @@ void Story::tell(const Event& event)
     }
     const auto found =
         std::find_if(std::begin(rows), std::end(rows), [&](const Row& row) { return row.event == event.name; });
-    const Teller teller = found == std::end(rows) ? &Story::tellUnknown : found->tell;
-    (this->*teller)(event);
+    if (found != std::end(rows)) {
+        (this->*found->tell)(event);
+    } else if (const auto sentence = sentenceOf(event)) {
+        tellSentence(event.at, *sentence);
+    } else {
+        tellUnknown(event);
+    }
 }
 
 void Story::perform(double at, const Action& action)
@@ -178,6 +142,13 @@ void Story::finish(const StorySummary& summary)
     }
 }
 
+void Story::tellSentence(double at, const StorySentence& sentence)
+{
+    if (!sentence.text.empty()) {
+        page_.line(at, sentence.tone, sentence.text);
+    }
+}
+
 void Story::tellUnknown(const Event& event)
 {
     std::string text = event.name;
@@ -205,16 +176,6 @@ void Story::tellQuit(const Event& event)
     endProcess();
 }
 
-void Story::tellSlept(const Event& event)
-{
-    page_.line(event.at, StoryTone::event, "The Mac goes to sleep.");
-}
-
-void Story::tellWoke(const Event& event)
-{
-    page_.line(event.at, StoryTone::event, "The Mac wakes up.");
-}
-
 void Story::tellArmed(const Event& event)
 {
     isArmed_ = true;
@@ -229,35 +190,10 @@ void Story::tellDisarmed(const Event& event)
     isArmed_ = false;
 }
 
-void Story::tellPower(const Event& event)
-{
-    const std::string_view state = event.text("state");
-    const bool isOnCharger = state == "ac" || state.find("AC") != std::string_view::npos;
-    const bool isOnBattery = state == "battery" || state.find("Battery") != std::string_view::npos;
-    page_.line(event.at, StoryTone::event,
-               isOnCharger   ? "The charger is plugged in."
-               : isOnBattery ? "The charger is pulled out."
-                             : "The Mac no longer knows where its power comes from.");
-}
-
-void Story::tellLid(const Event& event)
-{
-    const std::string_view state = event.text("state");
-    page_.line(event.at, StoryTone::event,
-               state == "closed" ? "The lid is closed."
-               : state == "open" ? "The lid is opened."
-                                 : "The lid can no longer be read.");
-}
-
-void Story::tellTrigger(const Event& event)
-{
-    page_.line(event.at, StoryTone::notice, "Sentrel notices: " + reasonTitle(event.text("reason")) + ".");
-}
-
 void Story::tellAlarmStarted(const Event& event)
 {
     alarmDevice_ = deviceOf(event);
-    alarmVolume_ = number(event, "volume").value_or(0.0);
+    alarmVolume_ = numberIn(event, "volume").value_or(0.0);
     soundingSince_ = event.at;
     disturbed_.clear();
     const bool isBeep = event.text("mode") == "beep";
@@ -292,7 +228,7 @@ void Story::tellVolume(const Event& event)
     if (!event.text("name").empty()) {
         names_[*device] = event.text("name");
     }
-    const Level level{number(event, "volume").value_or(0.0), flag(event, "muted")};
+    const Level level{numberIn(event, "volume").value_or(0.0), flagIn(event, "muted")};
     if (event.text("by") != "system") {
         tellVolumeByUser(event, *device, level);
         return;
@@ -347,50 +283,6 @@ void Story::tellDefaultOutput(const Event& event)
                device ? "Sound now goes to " + deviceName(device) + "." : "No sound output is left.");
 }
 
-void Story::tellMusicPaused(const Event& event)
-{
-    if (event.text("by") == "user") {
-        page_.line(event.at, StoryTone::event, "The owner pauses the music.");
-        return;
-    }
-    page_.line(event.at, StoryTone::reaction,
-               event.text("by") == "key" ? "The music stops, by a press of the media key." : "The music stops.");
-}
-
-void Story::tellMusicPlaying(const Event& event)
-{
-    page_.line(event.at, StoryTone::event, "The music plays.");
-}
-
-void Story::tellMusicQuit(const Event& event)
-{
-    page_.line(event.at, StoryTone::event, "The owner quits the Music app.");
-}
-
-void Story::tellConsentAsked(const Event& event)
-{
-    page_.line(event.at, StoryTone::reaction, "macOS asks whether Sentrel may control Music.");
-}
-
-void Story::tellConsentAnswered(const Event& event)
-{
-    page_.line(event.at, StoryTone::event, flag(event, "granted") ? "The owner agrees." : "The owner refuses.");
-}
-
-void Story::tellAlert(const Event& event)
-{
-    page_.line(event.at, StoryTone::reaction,
-               "An alert is on disk: " + reasonTitle(event.text("reason")) +
-                   (flag(event, "photo") ? ", with a photo." : ", without a photo."));
-}
-
-void Story::tellNotice(const Event& event)
-{
-    if (!event.text("text").empty()) {
-        page_.line(event.at, StoryTone::notice, "Sentrel says: “" + std::string{event.text("text")} + "”");
-    }
-}
-
 void Story::tellAssertionTaken(const Event& event)
 {
     const bool isFirst = assertions_.empty();
@@ -405,36 +297,6 @@ void Story::tellAssertionReleased(const Event& event)
     if (assertions_.erase(std::string{event.text("name")}) > 0 && assertions_.empty()) {
         page_.line(event.at, StoryTone::reaction, "The Mac may sleep again.");
     }
-}
-
-void Story::tellPhoto(const Event& event)
-{
-    const auto width = number(event, "width");
-    const auto height = number(event, "height");
-    std::string text = "The camera takes a photo";
-    if (width && height) {
-        text += ", " + std::to_string(std::lround(*width)) + " by " + std::to_string(std::lround(*height)) + " pixels";
-    }
-    const auto attempts = number(event, "attempts");
-    text += attempts && *attempts > 1.0 ? ", at attempt " + std::to_string(std::lround(*attempts)) : "";
-    page_.line(event.at, StoryTone::reaction, text + ".");
-}
-
-void Story::tellNoPhoto(const Event& event)
-{
-    const std::string_view why = event.text("why");
-    page_.line(event.at, StoryTone::reaction,
-               why.empty() ? "The camera gives no photo." : "The camera gives no photo: " + std::string{why} + ".");
-}
-
-void Story::tellCoverShown(const Event& event)
-{
-    page_.line(event.at, StoryTone::reaction, "The lock screen covers the display.");
-}
-
-void Story::tellCoverHidden(const Event& event)
-{
-    page_.line(event.at, StoryTone::reaction, "The lock screen is gone.");
 }
 
 /// The system sets mute and volume one after the other; the ear cares for where they end.

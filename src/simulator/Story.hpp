@@ -14,6 +14,8 @@
 
 namespace sentrel::simulator {
 
+struct StorySentence;
+
 /// What stands under a story.
 struct StorySummary {
     struct Artefact {
@@ -69,37 +71,21 @@ private:
     };
     static const Row rows[];
 
-    void tellNothing(const simulated::Event&) {}
+    void tellSentence(double at, const StorySentence& sentence);
     void tellUnknown(const simulated::Event& event);
     void tellLaunched(const simulated::Event& event);
     void tellCrashed(const simulated::Event& event);
     void tellQuit(const simulated::Event& event);
-    void tellSlept(const simulated::Event& event);
-    void tellWoke(const simulated::Event& event);
     void tellArmed(const simulated::Event& event);
     void tellDisarmed(const simulated::Event& event);
-    void tellPower(const simulated::Event& event);
-    void tellLid(const simulated::Event& event);
-    void tellTrigger(const simulated::Event& event);
     void tellAlarmStarted(const simulated::Event& event);
     void tellAlarmStopped(const simulated::Event& event);
     void tellVolume(const simulated::Event& event);
     void tellVolumeByUser(const simulated::Event& event, std::uint32_t device, Level level);
     void tellVolumeEnforced(const simulated::Event& event);
     void tellDefaultOutput(const simulated::Event& event);
-    void tellMusicPaused(const simulated::Event& event);
-    void tellMusicPlaying(const simulated::Event& event);
-    void tellMusicQuit(const simulated::Event& event);
-    void tellConsentAsked(const simulated::Event& event);
-    void tellConsentAnswered(const simulated::Event& event);
-    void tellAlert(const simulated::Event& event);
-    void tellNotice(const simulated::Event& event);
     void tellAssertionTaken(const simulated::Event& event);
     void tellAssertionReleased(const simulated::Event& event);
-    void tellPhoto(const simulated::Event& event);
-    void tellNoPhoto(const simulated::Event& event);
-    void tellCoverShown(const simulated::Event& event);
-    void tellCoverHidden(const simulated::Event& event);
 
     void tellSettledVolumes();
     void endProcess();

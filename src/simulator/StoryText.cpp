@@ -31,6 +31,25 @@ std::string tenths(double number)
     return {text.data(), static_cast<std::size_t>(std::clamp(length, 0, 31))};
 }
 
+std::string listed(const std::vector<std::string>& words)
+{
+    std::string text;
+    for (std::size_t i = 0; i < words.size(); ++i) {
+        text += i == 0 ? "" : i + 1 == words.size() ? " and " : ", ";
+        text += words[i];
+    }
+    return text;
+}
+
+std::string listed(const std::vector<simulated::CameraModel>& cameras)
+{
+    std::vector<std::string> names;
+    for (const simulated::CameraModel& camera : cameras) {
+        names.push_back(camera.name);
+    }
+    return listed(names);
+}
+
 std::string_view powerText(Mac::Power power)
 {
     switch (power) {
@@ -85,6 +104,96 @@ std::string musicText(const Mac& mac)
     return text;
 }
 
+std::string camerasText(const Mac& mac)
+{
+    if (!mac.camera.devices || mac.camera.devices->empty()) {
+        return {};
+    }
+    std::string text = " It has a " + listed(*mac.camera.devices);
+    if (mac.camera.brightness && *mac.camera.brightness) {
+        text += " before a scene at " + percent(**mac.camera.brightness) + " brightness";
+    }
+    return text + ".";
+}
+
+std::string_view authorizationText(platform::CaptureAuthorization status)
+{
+    using platform::CaptureAuthorization;
+    switch (status) {
+    case CaptureAuthorization::authorized:
+        return "Sentrel may use the camera.";
+    case CaptureAuthorization::denied:
+        return "Sentrel may not use the camera.";
+    case CaptureAuthorization::restricted:
+        return "The camera may not be used on this Mac.";
+    case CaptureAuthorization::notDetermined:
+        break;
+    }
+    return "Nobody has said yet whether Sentrel may use the camera.";
+}
+
+std::string photosText(const ChangeCamera& action)
+{
+    const simulated::CameraChange& change = action.change;
+    std::string text;
+    if (change.photo) {
+        text += *change.photo ? " Every photo is now " + action.photoName + "." : " Photos show the café again.";
+    }
+    if (change.delay) {
+        text += " A photo now takes " + tenths(toSeconds(*change.delay)) + " s.";
+    }
+    if (change.fails) {
+        text += *change.fails ? " From now on every photo fails." : " Photos succeed again.";
+    }
+    return text;
+}
+
+std::string cameraText(const ChangeCamera& action)
+{
+    const simulated::CameraChange& change = action.change;
+    std::string text;
+    if (change.authorization) {
+        text += " " + std::string{authorizationText(*change.authorization)};
+    }
+    if (change.devices) {
+        text += change.devices->empty() ? " There is no camera any more."
+                                        : " What can take photos now: " + listed(*change.devices) + ".";
+    }
+    if (change.brightness) {
+        text += *change.brightness ? " The scene before the camera is now at " + percent(**change.brightness) + "."
+                                   : " The scene before the camera is as bright as the day.";
+    }
+    return (text + photosText(action)).substr(1);
+}
+
+std::string_view accessText(ChangeKeychain::Access access)
+{
+    switch (access) {
+    case ChangeKeychain::Access::open:
+        return "is open";
+    case ChangeKeychain::Access::locked:
+        return "is locked";
+    case ChangeKeychain::Access::denied:
+        break;
+    }
+    return "refuses Sentrel";
+}
+
+std::string_view loginText(simulated::LoginAnswer answer)
+{
+    switch (answer) {
+    case simulated::LoginAnswer::succeed:
+        return "From now on the Mac login is given.";
+    case simulated::LoginAnswer::fail:
+        return "From now on the Mac login fails.";
+    case simulated::LoginAnswer::cancel:
+        return "From now on the login panel is cancelled.";
+    case simulated::LoginAnswer::unavailable:
+        break;
+    }
+    return "From now on macOS can't ask for the Mac login.";
+}
+
 std::string settingsText(const Json& fields)
 {
     std::string text = "The owner sets ";
@@ -113,6 +222,19 @@ std::string failText(const FailPorts& action)
         text += ".";
     }
     return text;
+}
+
+std::string keychainText(const ChangeKeychain& action)
+{
+    std::string text;
+    if (action.dataProtection) {
+        text += " The data protection keychain now " + std::string{accessText(*action.dataProtection)} + ".";
+    }
+    if (action.legacy) {
+        text += " The login keychain now " + std::string{accessText(*action.legacy)} + ".";
+    }
+    text += action.fail ? " " + failText(FailPorts{{*action.fail}}) : "";
+    return text.substr(1);
 }
 
 std::optional<std::string> plainText(PlainAction action)
@@ -154,6 +276,12 @@ struct ActionDescriber {
         return deviceName(action.device) + " disappears.";
     }
     std::optional<std::string> operator()(const FailPorts& action) const { return failText(action); }
+    std::optional<std::string> operator()(const ChangeCamera& action) const { return cameraText(action); }
+    std::optional<std::string> operator()(const ChangeKeychain& action) const { return keychainText(action); }
+    std::optional<std::string> operator()(const AnswerLogin& action) const
+    {
+        return std::string{loginText(action.answer)};
+    }
     std::optional<std::string> operator()(const auto&) const { return std::nullopt; }
 };
 
@@ -171,7 +299,7 @@ std::string describe(const Mac& mac)
     text += powerText(mac.power);
     text += lidText(mac.lid);
     text += mac.accelerometer == Mac::Accelerometer::absent ? ", without an accelerometer. " : ". ";
-    return text + soundText(mac) + musicText(mac);
+    return text + soundText(mac) + musicText(mac) + camerasText(mac);
 }
 
 std::optional<std::string> describe(const Action& action, const std::function<std::string(std::uint32_t)>& deviceName)

@@ -1,5 +1,7 @@
 #include "simulator/ValueReader.hpp"
 
+#include "simulator/TextFile.hpp"
+
 #include <algorithm>
 #include <charconv>
 #include <cmath>
@@ -31,11 +33,6 @@ std::string kindOf(const YamlValue& value)
 [[noreturn]] void refuse(const YamlValue& value, std::string_view what, std::string_view wanted)
 {
     throw SourceFault(value.line, std::string{what} + " must be " + std::string{wanted} + ", not " + kindOf(value));
-}
-
-bool isNone(const YamlValue& value)
-{
-    return value.isNull() || (value.isScalar() && value.text == "none");
 }
 
 std::string shortNumber(double number)
@@ -121,6 +118,11 @@ double unitOf(const YamlValue& value, std::string_view name)
 
 } // namespace
 
+bool isNone(const YamlValue& value)
+{
+    return value.isNull() || (value.isScalar() && value.text == "none");
+}
+
 bool readFlag(const YamlValue& value, std::string_view what)
 {
     const bool isPlain = value.kind == YamlValue::Kind::plain;
@@ -191,21 +193,18 @@ std::optional<std::uint32_t> readOptionalDevice(const YamlValue& value)
     return isNone(value) ? std::nullopt : std::optional{readDevice(value)};
 }
 
-StepTime readStepTime(const YamlValue& value)
+namespace {
+
+/// The span that the text says, which is the value's own or a part of it.
+Duration spanOf(const YamlValue& value, std::string_view text, std::string_view what, std::string_view wanted)
 {
-    std::string_view text = value.isScalar() ? std::string_view{value.text} : std::string_view{};
-    StepTime time;
-    if (!text.empty() && text.front() == '+') {
-        time.isRelative = true;
-        text.remove_prefix(1);
-    }
     if (!text.empty() && text.front() == '-') {
         throw SourceFault(value.line, "a time can't be negative: " + inQuotes(value.text));
     }
     const std::size_t digits = std::min(text.find_first_not_of("0123456789."), text.size());
     const auto number = parseNumber(text.substr(0, digits));
     if (!number) {
-        refuse(value, "'at'", "a time such as 3s, 500ms, 2m, 1h or +1s");
+        refuse(value, what, wanted);
     }
     if (digits == text.size()) {
         throw SourceFault(value.line, "the time " + inQuotes(value.text) + " has no unit: write for example " +
@@ -217,8 +216,31 @@ StepTime readStepTime(const YamlValue& value)
         throw SourceFault(value.line,
                           "the time " + inQuotes(value.text) + " is too long: a scenario ends after 366 days");
     }
-    time.span = Duration{std::llround(nanoseconds)};
+    return Duration{std::llround(nanoseconds)};
+}
+
+std::string_view scalarText(const YamlValue& value)
+{
+    return value.isScalar() ? std::string_view{value.text} : std::string_view{};
+}
+
+} // namespace
+
+StepTime readStepTime(const YamlValue& value)
+{
+    std::string_view text = scalarText(value);
+    StepTime time;
+    if (!text.empty() && text.front() == '+') {
+        time.isRelative = true;
+        text.remove_prefix(1);
+    }
+    time.span = spanOf(value, text, "'at'", "a time such as 3s, 500ms, 2m, 1h or +1s");
     return time;
+}
+
+Duration readSpan(const YamlValue& value, std::string_view what)
+{
+    return spanOf(value, scalarText(value), what, "a time such as 6s or 500ms");
 }
 
 std::filesystem::path readPath(const YamlValue& value, std::string_view what, const ReadContext& context)
@@ -230,6 +252,17 @@ std::filesystem::path readPath(const YamlValue& value, std::string_view what, co
                                           " doesn't exist (paths are relative to the scenario)");
     }
     return path;
+}
+
+Bytes readFileContent(const YamlValue& value, std::string_view what, const ReadContext& context)
+{
+    constexpr std::size_t mostBytes = 64UL * 1024 * 1024;
+    try {
+        const std::string content = readTextFile(readPath(value, what, context), mostBytes);
+        return {content.begin(), content.end()};
+    } catch (const ScenarioError& error) {
+        throw SourceFault(value.line, error.what());
+    }
 }
 
 void requireMap(const YamlValue& value, std::string_view what)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "foundation/Bytes.hpp"
 #include "runtime/Time.hpp"
 #include "simulator/NearestWord.hpp"
 #include "simulator/ScenarioError.hpp"
@@ -37,6 +38,9 @@ struct ReadContext {
 [[nodiscard]] std::uint32_t readWhole(const YamlValue& value, std::string_view what, std::uint32_t least,
                                       std::uint32_t most);
 
+/// Whether the value is null or the word `none`.
+[[nodiscard]] bool isNone(const YamlValue& value);
+
 /// Text, not empty; numbers and Booleans count as the text that they are.
 [[nodiscard]] std::string readText(const YamlValue& value, std::string_view what);
 
@@ -56,11 +60,17 @@ struct StepTime {
 };
 [[nodiscard]] StepTime readStepTime(const YamlValue& value);
 
+/// A span such as `6s` or `500ms`.
+[[nodiscard]] Duration readSpan(const YamlValue& value, std::string_view what);
+
 /// No scenario is longer: far beyond any use, and far below where the clock's arithmetic would end.
 inline constexpr Duration longestScenario = std::chrono::hours{24 * 366};
 
 /// An existing file or folder named by a path that is relative to the scenario.
 [[nodiscard]] std::filesystem::path readPath(const YamlValue& value, std::string_view what, const ReadContext& context);
+
+/// The whole content of such a file.
+[[nodiscard]] Bytes readFileContent(const YamlValue& value, std::string_view what, const ReadContext& context);
 
 /// Faults for a value that isn't of the kind asked for, and for an empty list or map where that makes no sense.
 void requireMap(const YamlValue& value, std::string_view what);

@@ -1,6 +1,8 @@
 #pragma once
 
 #include "platform/simulated/AudioDevice.hpp"
+#include "platform/simulated/CameraChange.hpp"
+#include "platform/simulated/SimulatedLogin.hpp"
 
 #include <cstddef>
 #include <cstdint>
@@ -36,6 +38,10 @@ struct MacDescription {
     std::size_t displays = 1; ///< the built-in one included
     Music music = Music::absent;
     Consent automationConsent = Consent::undetermined;
+    CameraChange camera; ///< what differs from a Mac without cameras whose user allows them
+    LoginAnswer login = LoginAnswer::succeed;
+    /// The unlock passcode that is set before the first launch.
+    std::optional<std::string> passcode;
     /// A folder with "Application Support" and "Preferences" to copy onto the disk before the first launch.
     std::optional<std::filesystem::path> files;
 };

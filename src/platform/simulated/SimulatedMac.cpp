@@ -72,6 +72,8 @@ SimulatedMac::SimulatedMac(const MacSurroundings& surroundings, const MacDescrip
     accelerometer.setResting(description.accelerometer == MacDescription::Accelerometer::resting);
     music.setPlayback(playbackOf(description.music));
     music.setConsent(consentOf(description.automationConsent));
+    apply(description.camera, camera);
+    login.setAnswer(description.login);
 }
 
 platform::Platform& SimulatedMac::startProcess()
