@@ -16,6 +16,9 @@ SentrelApp::SentrelApp(platform::Platform& platform)
       camera_(platform.scheduler, platform.camera, platform.imageCodec, platform.standardOutput, platform.journal),
       passcodes_(platform.keychain, platform.cryptography, platform.random, platform.generalRandom),
       passwordGate_(platform.loginAuthentication, platform.alerts, platform.applicationActivation, platform.language),
+      cover_(actor_, coverAlarm_, passcodes_, settings_,
+             {platform.windows, platform.applicationNotifications, platform.applicationActivation, platform.wallClock,
+              platform.language, platform.journal}),
       coordinator_(
           actor_, isComputerCompatible_,
           {settings_, alertStore_, soundPlayer_, mediaPlayback_, camera_, cover_, cloud_, alertList_, presence_},

@@ -5,7 +5,9 @@
 #include "core/SettingsStore.hpp"
 #include "core/coordinator/AlarmCoordinator.hpp"
 #include "core/coordinator/AlarmJournal.hpp"
+#include "core/coordinator/CoverAlarm.hpp"
 #include "lock/PasswordGate.hpp"
+#include "lock/ScreenCoverService.hpp"
 #include "lock/UnlockPasscodeStore.hpp"
 #include "outputs/AlarmSoundPlayer.hpp"
 #include "outputs/CameraCapture.hpp"
@@ -33,6 +35,7 @@ public:
     [[nodiscard]] AlarmCoordinator& coordinator() { return coordinator_; }
     [[nodiscard]] LocalAlertStore& alertStore() { return alertStore_; }
     [[nodiscard]] UnlockPasscodeStore& passcodes() { return passcodes_; }
+    [[nodiscard]] const ScreenCoverService& cover() const { return cover_; }
     [[nodiscard]] PasswordGate& passwordGate() { return passwordGate_; }
     [[nodiscard]] bool isComputerCompatible() const { return isComputerCompatible_; }
 
@@ -49,7 +52,8 @@ private:
     CameraCapture camera_;
     UnlockPasscodeStore passcodes_;
     PasswordGate passwordGate_;
-    NoCover cover_;
+    CoverAlarm coverAlarm_{coordinator_};
+    ScreenCoverService cover_;
     NoCloud cloud_;
     NoAlertList alertList_;
     NoPresence presence_;

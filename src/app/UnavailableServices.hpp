@@ -4,12 +4,6 @@
 
 namespace sentrel {
 
-/// A lock screen without a passcode.
-class NoCover final : public AlarmCover {
-public:
-    [[nodiscard]] bool show() override { return false; }
-};
-
 /// A cloud that is not available.
 class NoCloud final : public AlarmCloud {
 public:

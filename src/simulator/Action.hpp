@@ -124,8 +124,18 @@ struct SetPasscode {
     std::string passcode;
 };
 
+/// Somebody types a passcode into the first cover's field and presses return.
+struct TypePasscode {
+    std::string passcode;
+};
+
+/// Displays are connected or disconnected until there are this many.
+struct SetDisplays {
+    std::size_t count = 1;
+};
+
 using Action = std::variant<PlainAction, SetPower, MoveMachine, PlayRecording, RestMachine, ChangeSettings, SetVolume,
                             SetDefaultOutput, RemoveAudioDevice, UseMusic, FailPorts, ChangeCamera, ChangeKeychain,
-                            AnswerLogin, SetPasscode>;
+                            AnswerLogin, SetPasscode, TypePasscode, SetDisplays>;
 
 } // namespace sentrel::simulator

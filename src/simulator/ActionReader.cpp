@@ -166,7 +166,7 @@ struct ActionRow {
     Action (*read)(const YamlValue& value, const ReadContext& context);
 };
 
-constexpr std::array<ActionRow, 12> actionsWithValue{{
+constexpr std::array<ActionRow, 14> actionsWithValue{{
     {"power", "{power: battery}", [](auto& value, auto&) { return Action{SetPower{readPower(value)}}; }},
     {"accelerometer", "{accelerometer: {sample: [0, 0, 1]}}", readAccelerometer},
     {"set", "{set: {alarmVolume: 0.5}}",
@@ -181,6 +181,9 @@ constexpr std::array<ActionRow, 12> actionsWithValue{{
      [](auto& value, auto& context) { return Action{readCamera(value, context)}; }},
     {"keychain", "{keychain: {dataProtection: locked}}", readKeychain},
     {"login", "{login: fail}", [](auto& value, auto&) { return Action{AnswerLogin{readLoginAnswer(value)}}; }},
+    {"displays", "{displays: 2}", [](auto& value, auto&) { return Action{SetDisplays{readDisplayCount(value)}}; }},
+    {"type-passcode", "{type-passcode: \"1234\"}",
+     [](auto& value, auto&) { return Action{TypePasscode{readText(value, "a passcode")}}; }},
     {"set-passcode", "{set-passcode: \"2468\"}",
      [](auto& value, auto&) { return Action{SetPasscode{readText(value, "a passcode")}}; }},
 }};

@@ -67,9 +67,21 @@ Json textOrNull(const YamlValue& value)
     return value.isNull() ? Json{} : text(value);
 }
 
+/// Text that may be empty, in quotes.
+Json messageOrNull(const YamlValue& value)
+{
+    const bool isEmpty = value.kind == YamlValue::Kind::quoted && value.text.empty();
+    return isEmpty ? Json("") : textOrNull(value);
+}
+
 Json count(const YamlValue& value)
 {
     return readWhole(value, "a count", 0, std::numeric_limits<std::uint32_t>::max());
+}
+
+Json countOrNull(const YamlValue& value)
+{
+    return value.isNull() ? Json{} : count(value);
 }
 
 Json level(const YamlValue& value)
@@ -118,6 +130,7 @@ template <const auto& words> Json choice(const YamlValue& value)
 }
 
 constexpr std::array<std::string_view, 2> soundModes{"tone", "beep"};
+constexpr std::array<std::string_view, 3> coverStates{"hidden", "shown", "locked-out"};
 constexpr std::array<std::string_view, 2> sessionStates{"on", "off"};
 constexpr std::array<std::string_view, 3> musicStates{"playing", "paused", "absent"};
 
@@ -125,7 +138,8 @@ constexpr std::array<ExpectationRow, 4> alertRows{
     {{"reason", reason}, {"deviceName", text}, {"photo", flag}, {"pendingUpload", flag}}};
 constexpr std::array<ExpectationRow, 3> soundRows{
     {{"mode", choice<soundModes>}, {"device", deviceOrNull}, {"volume", level}}};
-constexpr std::array<ExpectationRow, 3> photoRows{{{"width", count}, {"height", count}, {"brightness", brightness}}};
+constexpr std::array<ExpectationRow, 3> photoRows{
+    {{"width", countOrNull}, {"height", countOrNull}, {"brightness", brightness}}};
 constexpr std::array<ExpectationRow, 2> deviceRows{{{"volume", level}, {"muted", flag}}};
 
 Json lastAlert(const YamlValue& value)
@@ -155,7 +169,7 @@ Json devices(const YamlValue& value)
     return object;
 }
 
-constexpr std::array<ExpectationRow, 19> expectationRows{{
+constexpr std::array<ExpectationRow, 22> expectationRows{{
     {"isArmed", flag},
     {"isAlarmActive", flag},
     {"statusMessage", text},
@@ -175,6 +189,9 @@ constexpr std::array<ExpectationRow, 19> expectationRows{{
     {"photo", photo, brightnessTolerance},
     {"cameraSession", choice<sessionStates>},
     {"loginsAsked", count},
+    {"cover", choice<coverStates>},
+    {"coverMessage", messageOrNull},
+    {"coverWindows", count},
 }};
 
 } // namespace

@@ -144,6 +144,10 @@ public:
 
     void operator()(const SetPasscode& action) const { session_.setPasscode(action.passcode); }
 
+    void operator()(const TypePasscode& action) const { session_.typePasscode(action.passcode); }
+
+    void operator()(const SetDisplays& action) const { session_.mac().displays.setCount(action.count); }
+
 private:
     MacSession& session_;
 };

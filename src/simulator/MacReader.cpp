@@ -36,7 +36,7 @@ struct Draft {
     const YamlValue* defaultOutput = nullptr;
 };
 
-constexpr std::array<FieldRow<Draft>, 14> macFields{{
+constexpr std::array<FieldRow<Draft>, 15> macFields{{
     {"model", [](auto& draft, auto& value, auto&) { draft.mac.model = readText(value, "'model'"); }},
     {"localizedName",
      [](auto& draft, auto& value, auto&) { draft.mac.localizedName = readOptionalText(value, "'localizedName'"); }},
@@ -55,6 +55,7 @@ constexpr std::array<FieldRow<Draft>, 14> macFields{{
      [](auto& draft, auto& value, auto&) { draft.mac.automationConsent = readWord(value, "consent", consents); }},
     {"bundleIdentifier", [](auto& draft, auto& value,
                             auto&) { draft.mac.bundleIdentifier = readOptionalText(value, "'bundleIdentifier'"); }},
+    {"displays", [](auto& draft, auto& value, auto&) { draft.mac.displays = readDisplayCount(value); }},
     {"camera", [](auto& draft, auto& value, auto& context) { draft.mac.camera = readCamera(value, context).change; }},
     {"login", [](auto& draft, auto& value, auto&) { draft.mac.login = readLoginAnswer(value); }},
     {"passcode", [](auto& draft, auto& value, auto&) { draft.mac.passcode = readText(value, "'passcode'"); }},
@@ -103,6 +104,12 @@ Mac readMac(const YamlValue& value, const ReadContext& context)
 Mac::Power readPower(const YamlValue& value)
 {
     return readWord(value, "power", powers);
+}
+
+std::size_t readDisplayCount(const YamlValue& value)
+{
+    constexpr std::uint32_t mostDisplays = 16;
+    return readWhole(value, "the number of displays", 0, mostDisplays);
 }
 
 simulated::LoginAnswer readLoginAnswer(const YamlValue& value)

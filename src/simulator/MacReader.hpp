@@ -17,6 +17,9 @@ namespace sentrel::simulator {
 /// Words for the state of the power sources, also used by an action.
 [[nodiscard]] simulated::MacDescription::Power readPower(const YamlValue& value);
 
+/// How many displays there are; none is a Mac with its lid closed and nothing connected.
+[[nodiscard]] std::size_t readDisplayCount(const YamlValue& value);
+
 /// How the login panel is answered.
 [[nodiscard]] simulated::LoginAnswer readLoginAnswer(const YamlValue& value);
 

@@ -1,5 +1,7 @@
 #include "simulator/MacSession.hpp"
 
+#include "ui/Node.hpp"
+
 #include <utility>
 
 namespace sentrel::simulator {
@@ -9,6 +11,17 @@ namespace {
 /// Every session begins on a Saturday morning, 14 June 2025, 09:41 UTC: a day is as good as another, and the same day
 /// makes the same run.
 constexpr Date sessionDate{771586860.0};
+
+constexpr std::string_view passcodeField = "passcode";
+
+/// Whether something stands in the first cover's field, as a row of dots shows to anybody.
+bool holdsText(const simulated::SimulatedDisplays& displays)
+{
+    const auto covers = displays.covers();
+    const auto node = covers.empty() ? std::nullopt : ui::find(covers.front().content, passcodeField);
+    const auto* const field = node ? ui::elementOf<ui::SecureField>(*node->view) : nullptr;
+    return field != nullptr && !field->text.value.empty();
+}
 
 } // namespace
 
@@ -129,6 +142,22 @@ void MacSession::setPasscode(std::string_view passcode)
 {
     onMain([this, passcode](SentrelApp& app) {
         log_.note("passcode.set", {{"saved", storePasscode(app.passcodes(), passcode)}});
+    });
+}
+
+void MacSession::typePasscode(std::string_view passcode)
+{
+    onMain([this, passcode](SentrelApp&) {
+        simulated::SimulatedDisplays& displays = mac_.displays;
+        if (displays.click(0, passcodeField) != ui::Interaction::done) {
+            log_.note("typed.nowhere", {});
+            return;
+        }
+        while (holdsText(displays) && displays.pressKey(ui::Key::deleteKey) == ui::Interaction::done) {
+        }
+        if (!displays.type(passcode) || displays.pressKey(ui::Key::returnKey) != ui::Interaction::done) {
+            log_.note("typed.nowhere", {});
+        }
     });
 }
 

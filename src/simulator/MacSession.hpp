@@ -57,6 +57,10 @@ public:
     /// Sets the unlock passcode as a window does, and notes `passcode.set` {saved}.
     void setPasscode(std::string_view passcode);
 
+    /// Somebody empties the first cover's passcode field, types, and presses return. Notes `typed.nowhere` when no
+    /// cover takes it.
+    void typePasscode(std::string_view passcode);
+
     /// Runs a function on the product's main thread, and everything that is then due. Nothing while it doesn't run.
     void onMain(const std::function<void(SentrelApp&)>& function);
 

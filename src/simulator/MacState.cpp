@@ -2,6 +2,7 @@
 
 #include "outputs/PhotoProcessing.hpp"
 #include "simulator/MacSession.hpp"
+#include "ui/Node.hpp"
 
 #include <nlohmann/json.hpp>
 
@@ -134,6 +135,23 @@ void addAudio(Json& state, MacSession& session)
     state["defaultOutput"] = defaultOutput ? Json(*defaultOutput) : Json("none");
 }
 
+std::string_view nameOf(const ScreenCoverService& cover)
+{
+    if (!cover.isShowing()) {
+        return "hidden";
+    }
+    return cover.lockoutEnd() ? "locked-out" : "shown";
+}
+
+void addCover(Json& state, MacSession& session)
+{
+    const auto covers = session.mac().displays.covers();
+    const auto message = covers.empty() ? std::nullopt : ui::find(covers.front().content, "message");
+    state["cover"] = session.app() == nullptr ? "hidden" : nameOf(session.app()->cover());
+    state["coverMessage"] = message ? Json(ui::visibleText(*message->view)) : Json(nullptr);
+    state["coverWindows"] = covers.size();
+}
+
 std::string_view nameOf(simulated::SimulatedMusic::Playback playback)
 {
     switch (playback) {
@@ -172,6 +190,7 @@ Json stateOf(MacSession& session)
     }
     addAlerts(state, session.mac());
     addAudio(state, session);
+    addCover(state, session);
     state["music"] = nameOf(session.mac().music.playback());
     state["cameraSession"] = session.mac().camera.isSessionRunning() ? "on" : "off";
     state["loginsAsked"] = session.mac().login.reasonsAsked().size();

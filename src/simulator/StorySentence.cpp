@@ -132,6 +132,51 @@ StorySentence passcodeSet(const Event& event)
                                   : "The owner wants to set an unlock passcode, but the keychain refuses it."};
 }
 
+StorySentence passcode(const Event& event)
+{
+    struct Outcome {
+        std::string_view name;
+        StorySentence sentence;
+    };
+    const Outcome known[] = {
+        {"unlocked", {StoryTone::good, "The passcode is right."}},
+        {"incorrect", {StoryTone::reaction, "The passcode is wrong."}},
+        {"lockedOut", {StoryTone::notice, "The passcode field is locked for a while."}},
+        {"triggered", {StoryTone::notice, "The passcode is wrong, once too often."}},
+    };
+    for (const Outcome& each : known) {
+        if (each.name == event.text("outcome")) {
+            return each.sentence;
+        }
+    }
+    return {StoryTone::reaction, "The passcode: " + std::string{event.text("outcome")} + "."};
+}
+
+StorySentence coverShown(const Event& event)
+{
+    const auto windows = std::lround(numberIn(event, "windows").value_or(1.0));
+    return {StoryTone::reaction, windows == 1 ? "The lock screen covers the display."
+                                              : "The lock screen covers " + std::to_string(windows) + " displays."};
+}
+
+StorySentence coverHidden(const Event&)
+{
+    return {StoryTone::good, "The lock screen is gone."};
+}
+
+StorySentence typedNowhere(const Event&)
+{
+    return {StoryTone::reaction, "No lock screen takes what is typed."};
+}
+
+StorySentence displaysChanged(const Event& event)
+{
+    const auto count = std::lround(numberIn(event, "count").value_or(0.0));
+    return {StoryTone::event, count == 0   ? "No display is left."
+                              : count == 1 ? "One display is connected now, the Mac's own."
+                                           : std::to_string(count) + " displays are connected now."};
+}
+
 StorySentence login(const Event& event)
 {
     const std::string_view answer = event.text("answer");
@@ -169,6 +214,11 @@ constexpr Row rows[] = {
     {"photo.taken", photoTaken},
     {"photo.none", photoMissing},
     {"passcode.set", passcodeSet},
+    {"passcode", passcode},
+    {"cover.shown", coverShown},
+    {"cover.hidden", coverHidden},
+    {"typed.nowhere", typedNowhere},
+    {"displays.changed", displaysChanged},
     {"login", login},
 };
 

@@ -116,6 +116,16 @@ std::string camerasText(const Mac& mac)
     return text + ".";
 }
 
+std::string displaysText(const Mac& mac)
+{
+    return mac.displays == 1 ? std::string{} : " It has " + std::to_string(mac.displays) + " displays.";
+}
+
+std::string passcodeText(const Mac& mac)
+{
+    return mac.passcode ? " The unlock passcode is “" + *mac.passcode + "”." : std::string{};
+}
+
 std::string_view authorizationText(platform::CaptureAuthorization status)
 {
     using platform::CaptureAuthorization;
@@ -282,6 +292,10 @@ struct ActionDescriber {
     {
         return std::string{loginText(action.answer)};
     }
+    std::optional<std::string> operator()(const TypePasscode& action) const
+    {
+        return "Somebody types “" + action.passcode + "” on the lock screen.";
+    }
     std::optional<std::string> operator()(const auto&) const { return std::nullopt; }
 };
 
@@ -299,7 +313,7 @@ std::string describe(const Mac& mac)
     text += powerText(mac.power);
     text += lidText(mac.lid);
     text += mac.accelerometer == Mac::Accelerometer::absent ? ", without an accelerometer. " : ". ";
-    return text + soundText(mac) + musicText(mac) + camerasText(mac);
+    return text + soundText(mac) + musicText(mac) + camerasText(mac) + displaysText(mac) + passcodeText(mac);
 }
 
 std::optional<std::string> describe(const Action& action, const std::function<std::string(std::uint32_t)>& deviceName)

@@ -113,6 +113,26 @@ TEST(ScenarioReader, APortFailsForGoodATimesOrIsHealed)
     EXPECT_TRUE(ports[2].faults.empty());
 }
 
+TEST(ScenarioReader, CamerasAreWordsListsOrMaps)
+{
+    const auto cameras = [](const std::string& text) {
+        std::vector<std::string> shown;
+        for (const auto& camera : parse("mac: {camera: " + text + "}\n" + step("at: 0s, do: arm"))
+                                      .mac.camera.devices.value_or(std::vector<simulated::CameraModel>{})) {
+            shown.push_back(camera.name + ", " + camera.type + (camera.isContinuityCamera ? ", continuity" : ""));
+        }
+        return shown;
+    };
+    using testing::ElementsAre;
+    const auto* const builtIn = "FaceTime HD Camera, AVCaptureDeviceTypeBuiltInWideAngleCamera";
+    EXPECT_THAT(cameras("built-in"), ElementsAre(builtIn));
+    EXPECT_THAT(cameras("{devices: [continuity, built-in]}"),
+                ElementsAre("iPhone Camera, AVCaptureDeviceTypeContinuityCamera, continuity", builtIn));
+    EXPECT_THAT(cameras("{devices: {name: Desk View, continuity: true}}"),
+                ElementsAre("Desk View, AVCaptureDeviceTypeBuiltInWideAngleCamera, continuity"));
+    EXPECT_THAT(cameras("none"), testing::IsEmpty());
+}
+
 TEST(ScenarioReader, ExpectationsAreReadAsTheStateSaysThem)
 {
     const Scenario scenario = parse(step("at: 0s, expect: {lastTrigger: null, defaultOutput: none, alerts: 2, "
@@ -190,6 +210,25 @@ TEST(ScenarioReader, NamesFileLineAndNearestWordOfTheFirstFault)
         {"mac: {audio: [{id: 2}, {id: 2}]}\n", "talk.yaml:1: two audio devices have the id 2"},
         {"mac: {audio: [{id: 2, volume: 1.5}]}\n", "talk.yaml:1: 'volume' must be from 0 to 1, not '1.5'"},
         {"mac:\n  defaultOutput: 9\n", "talk.yaml:2: 'defaultOutput' is 9, but no audio device has this id"},
+        // Cameras, keychains, locks
+        {"mac: {camera: built-inn}\n", "talk.yaml:1: unknown camera 'built-inn'; did you mean 'built-in'?"},
+        {"mac: {camera: {devices: [{name: A, type: inner}]}}\n", "talk.yaml:1: unknown type of camera 'inner'"},
+        {"mac: {login: succed}\n", "talk.yaml:1: unknown login 'succed'; did you mean 'succeed'?"},
+        {"mac: {passcode: \"\"}\n", "talk.yaml:1: 'passcode' must be text"},
+        {"mac: {displays: 17}\n", "talk.yaml:1: the number of displays must be a whole number from 0 to 16"},
+        {step("at: 0s, do: {camera: {}}"), "talk.yaml:2: 'camera' needs at least one key"},
+        {step("at: 0s, do: {camera: {brightness: 5}}"), "talk.yaml:2: 'brightness' must be from 0 to 1, not '5'"},
+        {step("at: 0s, do: {camera: {delay: 6}}"), "talk.yaml:2: the time '6' has no unit"},
+        {step("at: 0s, do: {camera: {delay: +6s}}"), "talk.yaml:2: 'delay' must be a time such as 6s"},
+        {step("at: 0s, do: {camera: {authorization: notdetermined}}"),
+         "talk.yaml:2: unknown authorization 'notdetermined'; did you mean 'notDetermined'?"},
+        {step("at: 0s, do: {camera: {photo: none.jpg}}"), "talk.yaml:2: the photo 'none.jpg' doesn't exist"},
+        {step("at: 0s, do: {camera: {photo: .}}"), "talk.yaml:2: .: a folder, not a file"},
+        {step("at: 0s, do: {keychain: {legacy: shut}}"), "talk.yaml:2: unknown keychain access 'shut'"},
+        {step("at: 0s, do: type-passcode"), "talk.yaml:2: 'type-passcode' needs a value"},
+        {step("at: 0s, expect: {cover: lockedOut}"), "talk.yaml:2: unknown word 'lockedOut'; did you mean"},
+        {step("at: 0s, expect: {cameraSession: true}"), "talk.yaml:2: unknown word 'true'"},
+        {step("at: 0s, expect: {photo: true}"), "talk.yaml:2: 'photo' must be a map"},
         // YAML's odd corners
         {"a: &x [1]\nb: *x\n", "talk.yaml:2: aliases"},
         {"title: !!binary aGk=\n", "talk.yaml:1: tags can't be used"},
@@ -266,7 +305,7 @@ TEST(ScenarioReader, ReadsEveryScenarioThatComesWithTheProgram)
             ++count;
         }
     }
-    EXPECT_GE(count, 4U);
+    EXPECT_GE(count, 7U);
 }
 
 } // namespace

@@ -104,6 +104,29 @@ TEST(Story, TellsATheftWithCauseAndEffectAndWithoutRepeatingItself)
 )");
 }
 
+TEST(Story, TellsOfPhotosPasscodesAndTheLoginWhatAStrangerUnderstands)
+{
+    const auto told = [](const std::string& name, Fields fields) {
+        std::ostringstream out;
+        Story story{out, {.isColoured = false, .width = 200}};
+        story.tell(event(1.0, name, std::move(fields)));
+        return out.str().substr(out.str().find("0:01.0   ") + 9);
+    };
+    const auto text = [](const char* words) { return Event::Value{std::string{words}}; };
+    const auto whole = [](std::int64_t number) { return Event::Value{number}; };
+    EXPECT_EQ(told("photo.taken", {{"width", whole(1600)}, {"height", whole(900)}, {"attempts", whole(3)}}),
+              "→ It is dark: the camera takes 3 photos, one after the other, and the last is kept, 1600 by 900 "
+              "pixels.\n");
+    EXPECT_EQ(told("photo.taken", {{"attempts", whole(1)}}), "→ The camera takes a photo.\n");
+    EXPECT_EQ(told("photo.none", {{"why", text("timed out")}}),
+              "→ The camera gives no photo: nothing came within 5 s.\n");
+    EXPECT_EQ(told("photo.none", {{"why", text("output refused")}}), "→ The camera gives no photo: output refused.\n");
+    EXPECT_EQ(told("cover.shown", {{"windows", whole(2)}}), "→ The lock screen covers 2 displays.\n");
+    EXPECT_EQ(told("passcode", {{"outcome", text("triggered")}}), "→ The passcode is wrong, once too often.\n");
+    EXPECT_EQ(told("login", {{"reason", text("stop the alarm")}, {"answer", text("cancel")}}),
+              "→ macOS asks for the Mac login, “stop the alarm”: the panel is cancelled.\n");
+}
+
 TEST(Story, NamesWhatDidNotHoldWithItsLine)
 {
     std::ostringstream out;

@@ -11,15 +11,6 @@ namespace sentrel {
 // What the alarm coordinator needs of services beyond the sensors, the sound and the local store. All are used on the
 // main thread.
 
-/// The lock screen.
-class AlarmCover {
-public:
-    virtual ~AlarmCover() = default;
-
-    /// Covers the screen; false when no unlock passcode is set.
-    [[nodiscard]] virtual bool show() = 0;
-};
-
 /// The user's private cloud database.
 class AlarmCloud {
 public:

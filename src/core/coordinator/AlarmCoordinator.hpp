@@ -24,6 +24,7 @@ class AlarmSoundPlayer;
 class CameraCapture;
 class LocalAlertStore;
 class MediaPlayback;
+class ScreenCoverService;
 
 namespace platform {
 class HostInfo;
@@ -44,7 +45,7 @@ public:
         AlarmSoundPlayer& soundPlayer;
         MediaPlayback& mediaPlayback;
         CameraCapture& camera;
-        AlarmCover& cover;
+        ScreenCoverService& cover;
         AlarmCloud& cloud;
         AlarmList& alertList;
         AlarmPresence& presence;
