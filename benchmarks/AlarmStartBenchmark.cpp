@@ -1,0 +1,98 @@
+#include "BesideFloor.hpp"
+
+#include "outputs/AlarmSoundPlayer.hpp"
+#include "outputs/MediaPlayback.hpp"
+#include "outputs/SystemVolumeControl.hpp"
+#include "outputs/ToneBuffer.hpp"
+#include "platform/Journal.hpp"
+#include "platform/UserDefaults.hpp"
+#include "platform/simulated/IcuLanguage.hpp"
+#include "platform/simulated/MacDescription.hpp"
+#include "platform/simulated/SimulatedAudioEngines.hpp"
+#include "platform/simulated/SimulatedBeep.hpp"
+#include "platform/simulated/SimulatedInput.hpp"
+#include "platform/simulated/SimulatedMusic.hpp"
+#include "platform/simulated/Speaker.hpp"
+#include "runtime/VirtualScheduler.hpp"
+
+#include <map>
+#include <memory>
+#include <span>
+
+namespace sentrel {
+namespace {
+
+class Silence final : public platform::Journal {
+public:
+    void note(std::string_view /*event*/, std::initializer_list<Field> /*fields*/) override {}
+};
+
+/// User defaults without a disk: on a Mac another process writes them.
+class MemoryDefaults final : public platform::UserDefaults {
+public:
+    [[nodiscard]] std::optional<Bytes> data(const std::string& key) override
+    {
+        const auto found = entries_.find(key);
+        return found != entries_.end() ? std::optional{found->second} : std::nullopt;
+    }
+    void setData(const std::string& key, BytesView value) override
+    {
+        entries_[key] = Bytes{value.begin(), value.end()};
+    }
+    [[nodiscard]] std::optional<std::string> text(const std::string& /*key*/) override { return std::nullopt; }
+    void setText(const std::string& /*key*/, const std::string& /*value*/) override {}
+    void remove(const std::string& key) override { entries_.erase(key); }
+
+private:
+    std::map<std::string, Bytes> entries_;
+};
+
+/// From the call to the player's `play` on the engine, with the take-over of the speaker, beside making the tone's
+/// buffer and rendering it.
+void alarmStart(benchmark::State& state)
+{
+    VirtualClock clock;
+    VirtualScheduler scheduler{clock};
+    Silence journal;
+    MemoryDefaults defaults;
+    const simulated::MacDescription description;
+    simulated::SimulatedAudio audio{journal, description.audio, description.defaultOutput};
+    simulated::Speaker speaker{scheduler, audio};
+    simulated::SimulatedAudioEngines engines{speaker, audio};
+    simulated::SimulatedBeep beep{speaker};
+    simulated::SimulatedMusic music{journal};
+    simulated::SimulatedInput input{[] {}};
+    simulated::IcuLanguage language{SENTREL_SOURCE_DIR "/resources", journal};
+    SystemVolumeControl outputVolume{audio, language};
+    MediaPlayback mediaPlayback{MainActor{scheduler}, music, music, input};
+    AlarmSoundPlayer player{MainActor{scheduler},
+                            {outputVolume, mediaPlayback, engines, beep, defaults, language, journal}};
+
+    auto render = [] {
+        const auto samples = std::make_unique<float[]>(ToneBuffer::frameCount);
+        ToneBuffer::render(std::span<float, ToneBuffer::frameCount>{samples.get(), ToneBuffer::frameCount}, 0.8F);
+        benchmark::DoNotOptimize(samples.get());
+    };
+    auto start = [&] {
+        player.play(0.8F);
+        clock.runReady();
+    };
+    double fastestRender = 1e9;
+    double fastestStart = 1e9;
+    for ([[maybe_unused]] auto turn : state) {
+        fastestRender = std::min(fastestRender, secondsOf(render, processorSeconds));
+        const double seconds = secondsOf(start, processorSeconds);
+        fastestStart = std::min(fastestStart, seconds);
+        state.SetIterationTime(seconds);
+        player.stop();
+        clock.runReady();
+    }
+    state.counters["floor_ns"] = fastestRender * 1e9;
+    state.counters["work_ns"] = fastestStart * 1e9;
+    state.counters["ratio"] = fastestStart / fastestRender;
+    state.counters["limit"] = 1.5;
+}
+BENCHMARK(alarmStart)->UseManualTime();
+
+} // namespace
+} // namespace sentrel
