@@ -1,0 +1,49 @@
+#include "alerts/StoredAlert.hpp"
+#include "core/AlarmSettings.hpp"
+#include "foundation/Fatal.hpp"
+#include "foundation/Json.hpp"
+#include "outputs/SavedOutputState.hpp"
+
+#include <nlohmann/json.hpp>
+
+#include <cstddef>
+#include <cstdint>
+
+namespace sentrel {
+namespace {
+
+/// What was decoded must come back the same from its own encoding.
+void check(bool holds, const char* what)
+{
+    if (!holds) {
+        fatalError(what);
+    }
+}
+
+void decodeAll(BytesView bytes)
+{
+    // Reads its own bytes, and fails on its own.
+    const auto state = decodeSavedOutputState(bytes);
+    const auto document = parseJson(bytes);
+    if (!document) {
+        check(!state, "an audio state of what is no JSON");
+        return;
+    }
+    if (const auto settings = decodeAlarmSettings(*document)) {
+        const auto again = parseJson(bytesOf(encodeJson(encodeAlarmSettings(*settings))));
+        check(again && decodeAlarmSettings(*again) == settings, "settings changed on the way");
+    }
+    if (const auto stored = decodeStoredAlert(*document)) {
+        const auto again = parseJson(bytesOf(encodeJson(encodeStoredAlert(*stored))));
+        check(again && decodeStoredAlert(*again) == stored, "an alert changed on the way");
+    }
+}
+
+} // namespace
+} // namespace sentrel
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+{
+    sentrel::decodeAll({data, size});
+    return 0;
+}
