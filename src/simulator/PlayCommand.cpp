@@ -16,7 +16,9 @@ namespace {
 /// Hands the play to the story.
 class StoryAudience final : public Audience {
 public:
-    explicit StoryAudience(Story& story) : story_(story) {}
+    StoryAudience(Story& story, const Scenario& scenario) : story_(story), scenario_(scenario) {}
+
+    void begins() override { story_.open(scenario_); }
 
     void happened(const simulated::Event& event) override { story_.tell(event); }
 
@@ -43,6 +45,7 @@ private:
     }
 
     Story& story_;
+    const Scenario& scenario_;
 };
 
 /// Nobody watches.
@@ -118,8 +121,7 @@ PlayResult playAsStory(const Scenario& scenario, const PlayOptions& options, con
                        std::ostream& out)
 {
     Story story{out, StoryStyle::forStandardOutput()};
-    StoryAudience audience{story};
-    story.open(scenario);
+    StoryAudience audience{story, scenario};
     PlayResult result = play(scenario, options, audience);
     story.finish(summaryOf(result, scenario, command));
     return result;

@@ -68,6 +68,7 @@ public:
 
     PlayResult run()
     {
+        audience_.begins();
         session_.launch();
         for (const Step& step : scenario_.steps) {
             session_.clock().runUntil(Instant{step.at});

@@ -19,6 +19,9 @@ class Audience {
 public:
     virtual ~Audience() = default;
 
+    /// Everything is set up: the play begins. Not called for a play that can't.
+    virtual void begins() {}
+
     /// Something happened on the MacBook.
     virtual void happened(const simulated::Event& event) = 0;
 
