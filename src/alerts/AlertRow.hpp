@@ -1,0 +1,36 @@
+#pragma once
+
+#include "core/AlertEvent.hpp"
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace sentrel {
+
+/// Where an alert lives.
+enum class AlertStorageLocation {
+    cloud,
+    localMac,      ///< here only, and not marked for upload
+    pendingUpload, ///< here, waiting to be uploaded
+};
+
+/// The English text by which the user knows the location; the key of the localised one.
+[[nodiscard]] std::string_view label(AlertStorageLocation location);
+
+/// An alert in the list, known by its alert's identifier.
+struct AlertRow {
+    AlertEvent alert;
+    AlertStorageLocation storageLocation = AlertStorageLocation::cloud;
+    friend bool operator==(const AlertRow&, const AlertRow&) = default;
+};
+
+/// Rows of one stretch of time under a title in the user's language.
+struct AlertSection {
+    std::string id;
+    std::string title;
+    std::vector<AlertRow> alerts;
+    friend bool operator==(const AlertSection&, const AlertSection&) = default;
+};
+
+} // namespace sentrel

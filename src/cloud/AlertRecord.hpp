@@ -1,0 +1,31 @@
+#pragma once
+
+#include "core/AlertEvent.hpp"
+#include "platform/CloudRecord.hpp"
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace sentrel {
+
+namespace platform {
+class Language;
+}
+
+/// The type of the records that hold alerts; each is named by its alert's identifier.
+inline constexpr const char* alertRecordType = "AlertEvent";
+
+/// The fields that make up a listed alert: all but the photo.
+[[nodiscard]] const std::vector<std::string>& alertListKeys();
+
+/// The record of an alert, without its photo. `deviceName` is the Mac's present name; the trigger's title is in the
+/// user's language.
+[[nodiscard]] platform::CloudRecord alertRecord(const AlertEvent& alert, const std::string& deviceName,
+                                                platform::Language& language);
+
+/// The alert of a fetched record; none when its name, reason or time is unusable. It has a photo when the record was
+/// fetched with one.
+[[nodiscard]] std::optional<AlertEvent> alertOf(const platform::CloudRecord& record);
+
+} // namespace sentrel

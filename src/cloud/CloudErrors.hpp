@@ -1,0 +1,46 @@
+#pragma once
+
+#include "platform/CloudAccount.hpp"
+
+#include <exception>
+#include <optional>
+#include <string>
+
+namespace sentrel {
+
+namespace platform {
+class CloudError;
+class Language;
+} // namespace platform
+
+/// The codes of `CKErrorDomain` that the product tells apart (`CKErrorCode`).
+namespace CloudErrorCode {
+inline constexpr int partialFailure = 2;
+inline constexpr int networkUnavailable = 3;
+inline constexpr int networkFailure = 4;
+inline constexpr int serviceUnavailable = 6;
+inline constexpr int requestRateLimited = 7;
+inline constexpr int unknownItem = 11;
+inline constexpr int serverRecordChanged = 14;
+inline constexpr int zoneBusy = 23;
+inline constexpr int quotaExceeded = 25;
+} // namespace CloudErrorCode
+
+/// The error when it is CloudKit's own, or null.
+[[nodiscard]] const platform::CloudError* cloudKitErrorOf(const std::exception& error);
+
+/// Whether it is CloudKit's error of this code.
+[[nodiscard]] bool isCloudKitError(const std::exception& error, int code);
+
+/// The network is at fault: `CloudKitServiceError::networkUnavailable`, a missed deadline, or codes 3 and 4.
+[[nodiscard]] bool isNetworkError(const std::exception& error);
+
+/// The server asks for patience: codes 6, 7 and 23.
+[[nodiscard]] bool isThrottlingError(const std::exception& error);
+
+/// The one message, in the user's language, by which the user learns of the error; `status` is the account's last.
+[[nodiscard]] std::string userFacingMessage(const std::exception& error,
+                                            std::optional<platform::CloudAccountStatus> status,
+                                            platform::Language& language);
+
+} // namespace sentrel

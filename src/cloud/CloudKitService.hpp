@@ -1,0 +1,105 @@
+#pragma once
+
+#include "cloud/CloudBackoffPolicy.hpp"
+#include "cloud/DeviceCatalog.hpp"
+#include "core/AlertEvent.hpp"
+#include "foundation/Bytes.hpp"
+#include "platform/CloudAccount.hpp"
+#include "runtime/MainActor.hpp"
+#include "runtime/Observable.hpp"
+
+#include <exception>
+#include <optional>
+#include <string>
+#include <unordered_set>
+#include <vector>
+
+namespace sentrel {
+
+namespace platform {
+class CloudDatabase;
+class FileSystem;
+class HostInfo;
+class Journal;
+class Language;
+class Random;
+class UserDefaults;
+class WallClock;
+} // namespace platform
+
+/// The one way to the user's private iCloud database: the account's state, the alerts, the catalog of devices and the
+/// push subscriptions. Main actor only; it outlives nothing that it refers to.
+class CloudKitService {
+public:
+    struct Ports {
+        platform::CloudAccount& account;
+        platform::CloudDatabase& database;
+        platform::UserDefaults& defaults;
+        platform::FileSystem& files;
+        platform::HostInfo& host;
+        platform::WallClock& wallClock;
+        platform::Random& random;
+        platform::Language& language;
+        platform::Journal& journal;
+    };
+
+    /// Reads the cache of alerts and sweeps photo files that an earlier run's uploads left behind.
+    CloudKitService(MainActor actor, Ports ports);
+    ~CloudKitService();
+    CloudKitService(const CloudKitService&) = delete;
+
+    Observable<bool> isAvailable;                          ///< the account is usable
+    Observable<bool> isReachable;                          ///< iCloud answered the last request
+    Observable<std::optional<std::string>> lastSyncError; ///< of the last failure, for the user
+
+    /// Whether the account is available. Asks at most once a minute while the account answers, every 20 s while it
+    /// fails, and always when forced. Never throws, but for a `CancellationError`.
+    [[nodiscard]] Async<bool> refreshAvailability(bool force);
+
+    [[nodiscard]] std::optional<platform::CloudAccountStatus> lastAccountStatus() const;
+    [[nodiscard]] std::optional<Date> availabilityCacheExpiry() const;
+
+    /// The network path has become usable, or has been lost.
+    void networkPathChanged(bool isSatisfied);
+
+    /// Drops what was remembered of the previous iCloud user. True when the user has changed since.
+    [[nodiscard]] Async<bool> verifyCacheOwner();
+
+    [[nodiscard]] std::string userFacingMessage(const std::exception& error) const;
+    void recordSyncFailure(const std::exception& error);
+    void recordSyncSuccess();
+    [[nodiscard]] const CloudBackoffPolicy& requestBackoff() const;
+
+    /// Uploads the alert with its photo, JPEG data. An alert that is there already counts as uploaded. Throws
+    /// `CloudKitServiceError` without any request while iCloud is not available, `CloudError`, or `std::system_error`
+    /// when the photo's file can't be written.
+    [[nodiscard]] Async<void> uploadAlert(AlertEvent alert, std::optional<Bytes> photo);
+
+    /// What is known of the alerts in the cloud, in no particular order.
+    [[nodiscard]] std::vector<AlertEvent> cachedAlerts() const;
+
+    /// Brings what is known up to date with the database, in as many requests as there are changes. Throws what the
+    /// requests throw, and then has changed nothing.
+    [[nodiscard]] Async<void> refreshAlerts();
+
+    /// The alert's photo from the cloud; none when it has none. Throws what the request throws.
+    [[nodiscard]] Async<std::optional<Bytes>> alertPhoto(UUID id);
+
+    /// Deletes alerts from the cloud, in batches. Gives those that the cloud does not hold any more, whoever deleted
+    /// them. Reports failures through `recordSyncFailure`, and throws only a `CancellationError`.
+    [[nodiscard]] Async<std::unordered_set<UUID>> deleteAlerts(std::unordered_set<UUID> ids);
+
+    /// Writes this Mac's presence, and its identifier into the catalog when it isn't known to be there.
+    [[nodiscard]] Async<void> publishPresence(DevicePresence presence);
+
+    /// The command that waits in the record of this device; none without one or without a record.
+    [[nodiscard]] Async<std::optional<RemoteCommand>> fetchCommand(std::string deviceID);
+
+    /// Saves the two push subscriptions, once in a run for each user, unless a failure asks to wait. Never throws, but
+    /// for a `CancellationError`.
+    [[nodiscard]] Async<void> ensureSubscriptions();
+    [[nodiscard]] bool macCommandSubscriptionEnsured() const;
+    [[nodiscard]] std::optional<std::string> pushSubscriptionError() const;
+};
+
+} // namespace sentrel
