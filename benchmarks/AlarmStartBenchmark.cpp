@@ -14,6 +14,7 @@
 #include "platform/simulated/SimulatedMusic.hpp"
 #include "platform/simulated/Speaker.hpp"
 #include "runtime/VirtualScheduler.hpp"
+#include "support/MemoryDefaults.hpp"
 
 #include <map>
 #include <memory>
@@ -27,26 +28,6 @@ public:
     void note(std::string_view /*event*/, std::initializer_list<Field> /*fields*/) override {}
 };
 
-/// User defaults without a disk: on a Mac another process writes them.
-class MemoryDefaults final : public platform::UserDefaults {
-public:
-    [[nodiscard]] std::optional<Bytes> data(const std::string& key) override
-    {
-        const auto found = entries_.find(key);
-        return found != entries_.end() ? std::optional{found->second} : std::nullopt;
-    }
-    void setData(const std::string& key, BytesView value) override
-    {
-        entries_[key] = Bytes{value.begin(), value.end()};
-    }
-    [[nodiscard]] std::optional<std::string> text(const std::string& /*key*/) override { return std::nullopt; }
-    void setText(const std::string& /*key*/, const std::string& /*value*/) override {}
-    void remove(const std::string& key) override { entries_.erase(key); }
-
-private:
-    std::map<std::string, Bytes> entries_;
-};
-
 /// From the call to the player's `play` on the engine, with the take-over of the speaker, beside making the tone's
 /// buffer and rendering it.
 void alarmStart(benchmark::State& state)
@@ -54,7 +35,7 @@ void alarmStart(benchmark::State& state)
     VirtualClock clock;
     VirtualScheduler scheduler{clock};
     Silence journal;
-    MemoryDefaults defaults;
+    test::MemoryDefaults defaults;
     const simulated::MacDescription description;
     simulated::SimulatedAudio audio{journal, description.audio, description.defaultOutput};
     simulated::Speaker speaker{scheduler, audio};

@@ -7,6 +7,7 @@
 #include "platform/simulated/SimulatedMusic.hpp"
 #include "runtime/ThreadScheduler.hpp"
 #include "runtime/VirtualScheduler.hpp"
+#include "support/MemoryDefaults.hpp"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -21,6 +22,7 @@ namespace {
 using namespace std::chrono_literals;
 using simulated::Event;
 using simulated::Sounding;
+using test::MemoryDefaults;
 using testing::Each;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -28,32 +30,6 @@ using testing::IsEmpty;
 constexpr const char* stateKey = "alarmSavedOutputState";
 constexpr const char* noDevice = "No audio output device was found. The alarm is using the system beep.";
 constexpr const char* noTone = "The alarm tone couldn't start. The alarm is using the system beep.";
-
-class MemoryDefaults final : public platform::UserDefaults {
-public:
-    std::optional<Bytes> data(const std::string& key) override
-    {
-        const std::lock_guard guard{mutex_};
-        const auto found = entries_.find(key);
-        return found == entries_.end() ? std::nullopt : std::optional{found->second};
-    }
-    void setData(const std::string& key, BytesView value) override
-    {
-        const std::lock_guard guard{mutex_};
-        entries_[key] = Bytes(value.begin(), value.end());
-    }
-    std::optional<std::string> text(const std::string& /*key*/) override { return std::nullopt; }
-    void setText(const std::string& /*key*/, const std::string& /*value*/) override {}
-    void remove(const std::string& key) override
-    {
-        const std::lock_guard guard{mutex_};
-        entries_.erase(key);
-    }
-
-private:
-    std::mutex mutex_;
-    std::map<std::string, Bytes> entries_;
-};
 
 /// Remembers what each beep was heard on.
 class CountedBeep final : public platform::SystemBeep {

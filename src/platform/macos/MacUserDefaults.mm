@@ -36,6 +36,44 @@ void MacUserDefaults::setText(const std::string& key, const std::string& value)
     [NSUserDefaults.standardUserDefaults setObject:stringObject(value) forKey:stringObject(key)];
 }
 
+std::optional<std::vector<std::string>> MacUserDefaults::texts(const std::string& key)
+{
+    NSArray<NSString*>* const array = [NSUserDefaults.standardUserDefaults stringArrayForKey:stringObject(key)];
+    if (array == nil) {
+        return std::nullopt;
+    }
+    std::vector<std::string> texts;
+    texts.reserve(array.count);
+    for (NSString* const element in array) {
+        texts.push_back(textOf(element));
+    }
+    return texts;
+}
+
+void MacUserDefaults::setTexts(const std::string& key, const std::vector<std::string>& value)
+{
+    NSMutableArray<NSString*>* const array = [NSMutableArray arrayWithCapacity:value.size()];
+    for (const std::string& text : value) {
+        [array addObject:stringObject(text)];
+    }
+    [NSUserDefaults.standardUserDefaults setObject:array forKey:stringObject(key)];
+}
+
+std::optional<std::int64_t> MacUserDefaults::integer(const std::string& key)
+{
+    // Not integerForKey:, which makes numbers of texts and zero of everything else.
+    const id value = [NSUserDefaults.standardUserDefaults objectForKey:stringObject(key)];
+    if (![value isKindOfClass:[NSNumber class]]) {
+        return std::nullopt;
+    }
+    return static_cast<NSNumber*>(value).longLongValue;
+}
+
+void MacUserDefaults::setInteger(const std::string& key, std::int64_t value)
+{
+    [NSUserDefaults.standardUserDefaults setInteger:value forKey:stringObject(key)];
+}
+
 void MacUserDefaults::remove(const std::string& key)
 {
     [NSUserDefaults.standardUserDefaults removeObjectForKey:stringObject(key)];

@@ -1,6 +1,5 @@
 #include "platform/simulated/DefaultsFile.hpp"
 
-#include "foundation/Json.hpp"
 #include "platform/DurableFile.hpp"
 #include "platform/simulated/Base64.hpp"
 
@@ -67,14 +66,40 @@ DefaultsFile::Members::reverse_iterator DefaultsFile::find(const std::string& ke
                         [&](const JsonMember& member) { return member.key == key; });
 }
 
-std::optional<std::string> DefaultsFile::text(const std::string& key)
+std::optional<Json> DefaultsFile::value(const std::string& key)
 {
     const std::lock_guard guard{mutex_};
     const auto found = find(key);
-    if (found == members_.rend() || found->value.front() != '"') {
+    if (found == members_.rend()) {
         return std::nullopt;
     }
-    return Json::parse(found->value).get<std::string>();
+    return Json::parse(found->value);
+}
+
+std::optional<std::string> DefaultsFile::text(const std::string& key)
+{
+    const auto found = value(key);
+    return found && found->is_string() ? std::optional{found->get<std::string>()} : std::nullopt;
+}
+
+std::optional<std::vector<std::string>> DefaultsFile::texts(const std::string& key)
+{
+    const auto found = value(key);
+    const auto isText = [](const Json& element) { return element.is_string(); };
+    if (!found || !found->is_array() || !std::all_of(found->begin(), found->end(), isText)) {
+        return std::nullopt;
+    }
+    return found->get<std::vector<std::string>>();
+}
+
+std::optional<std::int64_t> DefaultsFile::integer(const std::string& key)
+{
+    const auto found = value(key);
+    const bool isInteger = found && found->is_number_integer();
+    if (!isInteger || (found->is_number_unsigned() && found->get<std::uint64_t>() > INT64_MAX)) {
+        return std::nullopt;
+    }
+    return found->get<std::int64_t>();
 }
 
 std::optional<Bytes> DefaultsFile::data(const std::string& key)
@@ -85,17 +110,27 @@ std::optional<Bytes> DefaultsFile::data(const std::string& key)
 
 void DefaultsFile::setData(const std::string& key, BytesView value)
 {
-    set(key, base64Text(value));
+    set(key, Json(base64Text(value)));
 }
 
 void DefaultsFile::setText(const std::string& key, const std::string& value)
 {
-    set(key, value);
+    set(key, Json(value));
 }
 
-void DefaultsFile::set(const std::string& key, std::string value)
+void DefaultsFile::setTexts(const std::string& key, const std::vector<std::string>& value)
 {
-    const std::string encoded = encodeJson(Json(std::move(value)));
+    set(key, Json(value));
+}
+
+void DefaultsFile::setInteger(const std::string& key, std::int64_t value)
+{
+    set(key, Json(value));
+}
+
+void DefaultsFile::set(const std::string& key, const Json& value)
+{
+    const std::string encoded = encodeJson(value);
     replace(key, &encoded);
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "foundation/Json.hpp"
 #include "platform/FileSystem.hpp"
 #include "platform/Journal.hpp"
 #include "platform/UserDefaults.hpp"
@@ -14,9 +15,9 @@
 namespace sentrel::simulated {
 
 /// The user defaults of one application, kept in a JSON file: one object; a text is a string, data is a string in
-/// base64. Entries of other types stay as they are. The file is read once, when this is made, and replaced at each
-/// change, atomically and durably. A damaged file reads as empty; before the first change it is put aside as
-/// `NAME.damaged`. Any thread.
+/// base64, texts are an array of strings. Entries of other types stay as they are. The file is read once, when this is
+/// made, and replaced at each change, atomically and durably. A damaged file reads as empty; before the first change it
+/// is put aside as `NAME.damaged`. Any thread.
 class DefaultsFile final : public platform::UserDefaults {
 public:
     /// Opens `FOLDER/APPLICATION.json`, which need not be there. The application is a bundle identifier or a name;
@@ -28,6 +29,10 @@ public:
     void setData(const std::string& key, BytesView value) override;
     [[nodiscard]] std::optional<std::string> text(const std::string& key) override;
     void setText(const std::string& key, const std::string& value) override;
+    [[nodiscard]] std::optional<std::vector<std::string>> texts(const std::string& key) override;
+    void setTexts(const std::string& key, const std::vector<std::string>& value) override;
+    [[nodiscard]] std::optional<std::int64_t> integer(const std::string& key) override;
+    void setInteger(const std::string& key, std::int64_t value) override;
     void remove(const std::string& key) override;
 
     [[nodiscard]] const std::filesystem::path& file() const { return file_; }
@@ -37,7 +42,8 @@ private:
 
     bool load();
     [[nodiscard]] Members::reverse_iterator find(const std::string& key);
-    void set(const std::string& key, std::string value);
+    [[nodiscard]] std::optional<Json> value(const std::string& key);
+    void set(const std::string& key, const Json& value);
     void replace(const std::string& key, const std::string* value);
     [[nodiscard]] int write();
     [[nodiscard]] int putDamagedAside();
