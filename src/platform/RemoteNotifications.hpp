@@ -23,7 +23,7 @@ public:
 
     /// What the application's delegate is told, on the main thread.
     struct Receiver {
-        std::function<void()> didRegister;                       ///< with a device token
+        std::function<void()> didRegister; ///< with a device token
         std::function<void(std::string why)> didFailToRegister;
         std::function<void(const Json& userInfo)> didReceive; ///< the push's dictionary, its keys that are texts
     };

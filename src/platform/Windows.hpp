@@ -3,7 +3,9 @@
 #include "ui/View.hpp"
 
 #include <cstdint>
+#include <functional>
 #include <memory>
+#include <string>
 #include <vector>
 
 namespace sentrel::platform {
@@ -15,6 +17,13 @@ struct Rectangle {
     double width = 0.0;
     double height = 0.0;
     friend bool operator==(const Rectangle&, const Rectangle&) = default;
+};
+
+/// A size in points.
+struct Size {
+    double width = 0.0;
+    double height = 0.0;
+    friend bool operator==(const Size&, const Size&) = default;
 };
 
 /// A display that shows windows.
@@ -35,6 +44,13 @@ struct WindowDescription {
     bool canBecomeMain = false; ///< likewise
 };
 
+/// What a window asks before it acts (`NSWindowDelegate`); an empty function lets it act. Main thread.
+struct WindowDelegate {
+    std::function<bool()> shouldClose;
+    std::function<Size(Size proposedFrameSize)> willResize;
+    std::function<Rectangle(Rectangle defaultFrame)> willUseStandardFrame;
+};
+
 /// A window. Its end takes it off the screen. Each operation is a call of `NSWindow`, except where noted.
 class Window {
 public:
@@ -46,7 +62,17 @@ public:
     virtual void setBackgroundColor(const ui::Color& color) = 0;
     virtual void setHasShadow(bool hasShadow) = 0;
     virtual void setReleasedWhenClosed(bool isReleased) = 0;
+    virtual void setTitle(const std::string& title) = 0;
+    virtual void setIdentifier(const std::string& identifier) = 0;
+    virtual void setDelegate(WindowDelegate delegate) = 0;
     virtual void setFrame(const Rectangle& frame, bool display) = 0;
+    virtual void center() = 0;
+    [[nodiscard]] virtual Rectangle frame() = 0;
+    [[nodiscard]] virtual bool isVisible() = 0;
+
+    /// `frameRectForContentRect:` and its inverse.
+    [[nodiscard]] virtual Rectangle frameForContent(const Rectangle& content) = 0;
+    [[nodiscard]] virtual Rectangle contentForFrame(const Rectangle& frame) = 0;
 
     /// The frame of the content view, in the window's coordinates.
     [[nodiscard]] virtual Rectangle contentFrame() = 0;

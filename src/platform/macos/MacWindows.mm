@@ -1,6 +1,7 @@
 #include "platform/macos/MacWindows.hpp"
 
 #include "platform/macos/ElementViews.hpp"
+#include "platform/macos/FoundationText.hpp"
 #include "platform/macos/TreeRenderer.hpp"
 #include "ui/Interaction.hpp"
 
@@ -94,6 +95,47 @@ platform::Rectangle rectangleOf(NSRect rect)
     return {rect.origin.x, rect.origin.y, rect.size.width, rect.size.height};
 }
 
+} // namespace
+
+} // namespace sentrel::macos
+
+/// Hands a window's questions to the product.
+@interface SentrelWindowDelegate : NSObject <NSWindowDelegate> {
+@public
+    sentrel::platform::WindowDelegate delegate;
+}
+@end
+
+@implementation SentrelWindowDelegate
+
+- (BOOL)windowShouldClose:(NSWindow*)sender
+{
+    return !delegate.shouldClose || delegate.shouldClose();
+}
+
+- (NSSize)windowWillResize:(NSWindow*)sender toSize:(NSSize)frameSize
+{
+    if (!delegate.willResize) {
+        return frameSize;
+    }
+    const sentrel::platform::Size size = delegate.willResize({frameSize.width, frameSize.height});
+    return NSMakeSize(size.width, size.height);
+}
+
+- (NSRect)windowWillUseStandardFrame:(NSWindow*)window defaultFrame:(NSRect)newFrame
+{
+    if (!delegate.willUseStandardFrame) {
+        return newFrame;
+    }
+    return sentrel::macos::rectOf(delegate.willUseStandardFrame(sentrel::macos::rectangleOf(newFrame)));
+}
+
+@end
+
+namespace sentrel::macos {
+
+namespace {
+
 std::uint32_t numberOf(NSScreen* screen)
 {
     NSNumber* const number = screen.deviceDescription[@"NSScreenNumber"];
@@ -122,7 +164,11 @@ public:
         window_->mayBecomeKey = description.canBecomeKey;
         window_->mayBecomeMain = description.canBecomeMain;
     }
-    ~MacWindow() override { [window_ orderOut:nil]; }
+    ~MacWindow() override
+    {
+        window_.delegate = nil;
+        [window_ orderOut:nil];
+    }
 
     void setLevel(std::int64_t level) override { window_.level = level; }
     void setCollectionBehavior(std::uint64_t behavior) override
@@ -133,9 +179,28 @@ public:
     void setBackgroundColor(const ui::Color& color) override { window_.backgroundColor = colorOf(color); }
     void setHasShadow(bool hasShadow) override { window_.hasShadow = hasShadow; }
     void setReleasedWhenClosed(bool isReleased) override { window_.releasedWhenClosed = isReleased; }
+    void setTitle(const std::string& title) override { window_.title = stringObject(title); }
+    void setIdentifier(const std::string& identifier) override { window_.identifier = stringObject(identifier); }
+    void setDelegate(platform::WindowDelegate delegate) override
+    {
+        delegate_ = [[SentrelWindowDelegate alloc] init];
+        delegate_->delegate = std::move(delegate);
+        window_.delegate = delegate_; // which the window does not retain
+    }
     void setFrame(const platform::Rectangle& frame, bool display) override
     {
         [window_ setFrame:rectOf(frame) display:display];
+    }
+    void center() override { [window_ center]; }
+    [[nodiscard]] platform::Rectangle frame() override { return rectangleOf(window_.frame); }
+    [[nodiscard]] bool isVisible() override { return window_.isVisible; }
+    [[nodiscard]] platform::Rectangle frameForContent(const platform::Rectangle& content) override
+    {
+        return rectangleOf([window_ frameRectForContentRect:rectOf(content)]);
+    }
+    [[nodiscard]] platform::Rectangle contentForFrame(const platform::Rectangle& frame) override
+    {
+        return rectangleOf([window_ contentRectForFrameRect:rectOf(frame)]);
     }
     [[nodiscard]] platform::Rectangle contentFrame() override { return rectangleOf(window_.contentView.frame); }
     void hostContent(const platform::Rectangle& frame, std::uint64_t autoresizingMask) override
@@ -158,6 +223,7 @@ public:
 private:
     SentrelWindow* window_;
     SentrelHostView* host_ = nil;
+    SentrelWindowDelegate* delegate_ = nil;
 };
 
 } // namespace

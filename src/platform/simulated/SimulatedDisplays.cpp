@@ -18,6 +18,15 @@ constexpr std::int64_t shielding = 2147483628;
 constexpr platform::Rectangle builtIn{0.0, 0.0, 1728.0, 1117.0};
 constexpr platform::Rectangle external{0.0, 0.0, 1920.0, 1080.0};
 
+// NSWindowStyleMaskTitled, and the height of its bar on today's systems.
+constexpr std::uint64_t titled = 1;
+constexpr double titleBar = 28.0;
+
+double titleBarHeight(const WindowState& window)
+{
+    return (window.description.styleMask & titled) != 0 ? titleBar : 0.0;
+}
+
 bool contains(const platform::Rectangle& outer, const platform::Rectangle& inner)
 {
     return outer.x <= inner.x && outer.y <= inner.y && outer.x + outer.width >= inner.x + inner.width &&
@@ -41,10 +50,30 @@ public:
     void setBackgroundColor(const ui::Color& color) override { state_->background = color; }
     void setHasShadow(bool hasShadow) override { state_->hasShadow = hasShadow; }
     void setReleasedWhenClosed(bool isReleased) override { state_->isReleasedWhenClosed = isReleased; }
+    void setTitle(const std::string& title) override { state_->title = title; }
+    void setIdentifier(const std::string& identifier) override { state_->identifier = identifier; }
+    void setDelegate(platform::WindowDelegate delegate) override { state_->delegate = std::move(delegate); }
     void setFrame(const platform::Rectangle& frame, bool /*display*/) override { state_->frame = frame; }
+    void center() override
+    {
+        // As the system does it: horizontally in the middle, vertically somewhat above it.
+        state_->frame.x = (builtIn.width - state_->frame.width) / 2.0;
+        state_->frame.y = (builtIn.height - state_->frame.height) * 2.0 / 3.0;
+    }
+    [[nodiscard]] platform::Rectangle frame() override { return state_->frame; }
+    [[nodiscard]] bool isVisible() override { return state_->isVisible; }
+    [[nodiscard]] platform::Rectangle frameForContent(const platform::Rectangle& content) override
+    {
+        return {content.x, content.y, content.width, content.height + titleBarHeight(*state_)};
+    }
+    [[nodiscard]] platform::Rectangle contentForFrame(const platform::Rectangle& frame) override
+    {
+        return {frame.x, frame.y, frame.width, std::max(0.0, frame.height - titleBarHeight(*state_))};
+    }
     [[nodiscard]] platform::Rectangle contentFrame() override
     {
-        return {0.0, 0.0, state_->frame.width, state_->frame.height};
+        const platform::Rectangle content = contentForFrame(state_->frame);
+        return {0.0, 0.0, content.width, content.height};
     }
     void hostContent(const platform::Rectangle& frame, std::uint64_t autoresizingMask) override
     {
@@ -106,6 +135,7 @@ std::unique_ptr<platform::Window> SimulatedDisplays::makeWindow(const platform::
     auto state = std::make_shared<WindowState>();
     state->description = description;
     state->frame = description.contentRectangle;
+    state->frame.height += titleBarHeight(*state);
     windows_.push_back(state);
     return std::make_unique<Handle>(*this, std::move(state));
 }

@@ -13,6 +13,9 @@ namespace sentrel::simulated {
 /// What can be seen of a window, and how it was set up.
 struct WindowState {
     platform::WindowDescription description;
+    std::string title;
+    std::string identifier;
+    platform::WindowDelegate delegate;
     platform::Rectangle frame;
     std::int64_t level = 0;
     std::uint64_t collectionBehavior = 0;
