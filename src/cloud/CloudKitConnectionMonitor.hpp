@@ -2,12 +2,17 @@
 
 #include "cloud/CloudKitService.hpp"
 #include "cloud/MacPresenceService.hpp"
+#include "platform/NetworkPath.hpp"
+#include "runtime/SerialQueue.hpp"
+#include "runtime/Weak.hpp"
+
+#include <cstdint>
+#include <mutex>
 
 namespace sentrel {
 
 namespace platform {
 class ApplicationNotifications;
-class NetworkPaths;
 } // namespace platform
 
 /// What depends on iCloud and follows when it comes and goes: declared here, supplied from above. Main actor.
@@ -39,6 +44,39 @@ public:
 
     /// Begins the watch, for the life of the process. Again: nothing.
     void start();
+
+private:
+    void pathChanged(const Weak<CloudKitConnectionMonitor>& weak, platform::NetworkPathStatus status);
+    static Async<void> deliver(Weak<CloudKitConnectionMonitor> weak, platform::NetworkPathStatus status,
+                               std::int64_t sequence);
+    void apply(platform::NetworkPathStatus status, std::int64_t sequence);
+    static Async<void> debounce(Weak<CloudKitConnectionMonitor> weak);
+    void accountDidChange();
+    Async<void> verifyOwnerAndFanOut();
+    Async<void> verifyOwner();
+    void requestFanOut();
+    Async<void> fanOut();
+    Async<void> passOnce();
+    Async<bool> refreshAvailability(bool force);
+
+    MainActor actor_;
+    CloudKitService& cloud_;
+    CloudDependents& dependents_;
+    MacPresenceService& presence_;
+    Ports ports_;
+    bool hasStarted_ = false;
+    Task<void> debouncedPathTask_;
+    bool fanOutRunning_ = false;
+    bool fanOutRerunRequested_ = false;
+    bool isOwnerVerified_ = false;
+    std::mutex pathSequenceLock_;
+    std::int64_t pathSequence_ = 0; ///< path updates received, on the queue
+    std::int64_t lastAppliedPathSequence_ = 0;
+    SerialQueue queue_;
+    platform::RegistrationPtr monitor_;
+    platform::RegistrationPtr accountObserver_;
+    TaskBag tasks_;
+    WeakAnchor<CloudKitConnectionMonitor> anchor_{*this};
 };
 
 } // namespace sentrel

@@ -2,9 +2,13 @@
 
 #include "cloud/CloudKitService.hpp"
 #include "core/SettingsStore.hpp"
+#include "runtime/Semaphore.hpp"
+#include "runtime/Weak.hpp"
 
+#include <cstdint>
 #include <functional>
 #include <memory>
+#include <string_view>
 
 namespace sentrel {
 
@@ -60,6 +64,51 @@ public:
 
     /// This Mac's identifier in the catalog: made once, and kept.
     [[nodiscard]] std::string deviceID();
+
+private:
+    /// What iCloud said when it was asked for a command.
+    struct PollAnswer {
+        bool isGiven = false; ///< iCloud is available, and answered
+        std::optional<RemoteCommand> command;
+    };
+
+    Async<void> beat();
+    Async<void> publishAfter(Task<void> predecessor);
+    Async<void> publishNow();
+    Async<bool> publishIfAvailable();
+    [[nodiscard]] std::string unavailabilityMessage() const;
+    void startPublication();
+
+    Async<void> pollForCommands();
+    Async<bool> poll();
+    Async<PollAnswer> askForCommand();
+    Async<void> ensureSubscriptions();
+    [[nodiscard]] Duration pollWait() const;
+    Async<void> sleepUntilWokenOrElapsed(Duration span);
+    static Async<void> wakeAfter(Weak<MacPresenceService> weak, std::int64_t generation, Duration span);
+    void pollSoon();
+    void obey(RemoteCommand command);
+    void apply(const RemoteCommand& command);
+    void ignore(const RemoteCommand& command, std::string_view why);
+
+    MainActor actor_;
+    const bool isCompatibleComputer_;
+    CloudKitService& cloud_;
+    SettingsStore& settings_;
+    Alarm alarm_;
+    Ports ports_;
+    bool hasStarted_ = false;
+    Task<void> heartbeatTask_; ///< none while stopped
+    bool pushTokenRegistered_ = false;
+    std::shared_ptr<Semaphore> pollWakeContinuation_; ///< null unless the poll loop sleeps
+    std::int64_t pollSleepGeneration_ = 0;
+    bool pollRequested_ = false; ///< somebody asked for a poll since the last one began
+    bool pollOwed_ = false;      ///< somebody asked for a poll, and none has got an answer since
+    Task<void> publication_;
+    Task<void> nextPublication_;                  ///< waits for the end of the present one
+    std::optional<RemoteCommand> handledCommand_; ///< the last one that was applied or ignored in this run
+    TaskBag tasks_;
+    WeakAnchor<MacPresenceService> anchor_{*this};
 };
 
 } // namespace sentrel

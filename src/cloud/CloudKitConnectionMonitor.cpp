@@ -1,0 +1,184 @@
+#include "cloud/CloudKitConnectionMonitor.hpp"
+
+#include "cloud/AsyncTimeout.hpp"
+#include "foundation/Fatal.hpp"
+#include "platform/ApplicationNotifications.hpp"
+#include "platform/Journal.hpp"
+#include "runtime/CurrentTask.hpp"
+#include "runtime/Sleep.hpp"
+#include "runtime/WeakCall.hpp"
+
+#include <chrono>
+#include <limits>
+
+namespace sentrel {
+
+using namespace std::chrono_literals;
+
+namespace {
+
+constexpr const char* accountChangedNotification = "CKAccountChangedNotification";
+
+/// A network that flaps causes one pass, this long after its last change.
+constexpr Duration pathSettlingTime = 2s;
+
+/// No answer of the account takes longer than this: one that hangs must not end all catching up.
+constexpr Duration accountTimeLimit = 15s;
+
+} // namespace
+
+CloudKitConnectionMonitor::CloudKitConnectionMonitor(MainActor actor, CloudKitService& cloud,
+                                                     CloudDependents& dependents, MacPresenceService& presence,
+                                                     Ports ports)
+    : actor_(actor),
+      cloud_(cloud),
+      dependents_(dependents),
+      presence_(presence),
+      ports_(ports),
+      queue_(actor.scheduler(), "sentrel.cloudkit-connection", QualityOfService::standard)
+{
+}
+
+CloudKitConnectionMonitor::~CloudKitConnectionMonitor()
+{
+    // Before everything else goes: the path's callback counts in this object, on another thread.
+    monitor_.reset();
+}
+
+void CloudKitConnectionMonitor::start()
+{
+    if (hasStarted_) {
+        return;
+    }
+    hasStarted_ = true;
+    monitor_ = ports_.networkPaths.monitor(
+        queue_, [this, weak = anchor_.weak()](platform::NetworkPathStatus status) { pathChanged(weak, status); });
+    accountObserver_ = ports_.applicationNotifications.observe(
+        accountChangedNotification, weakCall(actor_, anchor_.weak(), &CloudKitConnectionMonitor::accountDidChange));
+    accountDidChange();
+}
+
+/// On the queue.
+void CloudKitConnectionMonitor::pathChanged(const Weak<CloudKitConnectionMonitor>& weak,
+                                            platform::NetworkPathStatus status)
+{
+    std::int64_t sequence = 0;
+    {
+        const std::lock_guard guard{pathSequenceLock_};
+        if (pathSequence_ == std::numeric_limits<std::int64_t>::max()) {
+            fatalError("the network path changed too often to be counted");
+        }
+        sequence = ++pathSequence_;
+    }
+    actor_.spawn(deliver(weak, status, sequence));
+}
+
+Async<void> CloudKitConnectionMonitor::deliver(Weak<CloudKitConnectionMonitor> weak, platform::NetworkPathStatus status,
+                                               std::int64_t sequence)
+{
+    if (CloudKitConnectionMonitor* const self = weak.get()) {
+        self->apply(status, sequence);
+    }
+    co_return;
+}
+
+void CloudKitConnectionMonitor::apply(platform::NetworkPathStatus status, std::int64_t sequence)
+{
+    // Each update comes in a task of its own, so that an older one may come later.
+    if (sequence <= lastAppliedPathSequence_) {
+        return;
+    }
+    lastAppliedPathSequence_ = sequence;
+    cloud_.networkPathChanged(status == platform::NetworkPathStatus::satisfied);
+    if (debouncedPathTask_) {
+        debouncedPathTask_.cancel();
+    }
+    debouncedPathTask_ = actor_.spawn(debounce(anchor_.weak()));
+}
+
+Async<void> CloudKitConnectionMonitor::debounce(Weak<CloudKitConnectionMonitor> weak)
+{
+    // A cancelled sleep throws, and with that the task ends; the query is for one cancelled just when it was over.
+    co_await sleepFor(pathSettlingTime);
+    const bool isCancelled = co_await isTaskCancelled();
+    CloudKitConnectionMonitor* const self = weak.get();
+    if (isCancelled || self == nullptr) {
+        co_return;
+    }
+    // The pass is a task of its own: the next change of the path cancels this one, but must not break off the pass.
+    self->debouncedPathTask_ = {};
+    self->requestFanOut();
+}
+
+void CloudKitConnectionMonitor::accountDidChange()
+{
+    tasks_.add(actor_.spawn(verifyOwnerAndFanOut()));
+}
+
+Async<void> CloudKitConnectionMonitor::verifyOwnerAndFanOut()
+{
+    co_await verifyOwner();
+    requestFanOut();
+}
+
+Async<void> CloudKitConnectionMonitor::verifyOwner()
+{
+    // Until it is known whose account this is, each pass tries again.
+    isOwnerVerified_ = false;
+    try {
+        co_await AsyncTimeout::run(actor_, accountTimeLimit, cloud_.verifyCacheOwner());
+        isOwnerVerified_ = true;
+    } catch (const CancellationError&) {
+        throw;
+    } catch (const std::exception& error) {
+        cloud_.recordSyncFailure(error);
+    }
+}
+
+void CloudKitConnectionMonitor::requestFanOut()
+{
+    if (fanOutRunning_) {
+        fanOutRerunRequested_ = true;
+        return;
+    }
+    fanOutRunning_ = true;
+    tasks_.add(actor_.spawn(fanOut()));
+}
+
+Async<void> CloudKitConnectionMonitor::fanOut()
+{
+    do {
+        fanOutRerunRequested_ = false;
+        co_await passOnce();
+    } while (fanOutRerunRequested_);
+    fanOutRunning_ = false;
+}
+
+Async<void> CloudKitConnectionMonitor::passOnce()
+{
+    ports_.journal.note("fanout", {});
+    const bool answersNow = co_await refreshAvailability(true);
+    if (answersNow && !isOwnerVerified_) {
+        co_await verifyOwner();
+    }
+    const bool isAvailable = co_await refreshAvailability(false);
+    if (isAvailable) {
+        co_await dependents_.catchUp();
+    }
+    dependents_.refreshStatus();
+    presence_.wakePoll();
+}
+
+Async<bool> CloudKitConnectionMonitor::refreshAvailability(bool force)
+{
+    try {
+        const bool isAvailable =
+            co_await AsyncTimeout::run(actor_, accountTimeLimit, cloud_.refreshAvailability(force));
+        co_return isAvailable;
+    } catch (const AsyncTimeout::TimedOut& error) {
+        cloud_.recordSyncFailure(error);
+    }
+    co_return false;
+}
+
+} // namespace sentrel

@@ -1,0 +1,180 @@
+#include "cloud/MacPresenceService.hpp"
+
+#include "cloud/AsyncTimeout.hpp"
+#include "cloud/CloudKitServiceError.hpp"
+#include "cloud/PresenceTimes.hpp"
+#include "foundation/UUID.hpp"
+#include "platform/HostInfo.hpp"
+#include "platform/Journal.hpp"
+#include "platform/Random.hpp"
+#include "platform/UserDefaults.hpp"
+#include "platform/WallClock.hpp"
+#include "runtime/Sleep.hpp"
+
+#include <algorithm>
+#include <cstring>
+#include <utility>
+
+// The Mac's own state. The phone's commands are in RemoteCommands.cpp.
+
+namespace sentrel {
+
+namespace {
+
+constexpr const char* deviceIDKey = "sentrel.macDeviceID";
+constexpr const char* unnamedComputer = "Mac";
+
+} // namespace
+
+MacPresenceService::MacPresenceService(MainActor actor, bool isCompatibleComputer, CloudKitService& cloud,
+                                       SettingsStore& settings, Alarm alarm, Ports ports)
+    : actor_(actor),
+      isCompatibleComputer_(isCompatibleComputer),
+      cloud_(cloud),
+      settings_(settings),
+      alarm_(std::move(alarm)),
+      ports_(ports)
+{
+}
+
+void MacPresenceService::start()
+{
+    if (hasStarted_) {
+        return;
+    }
+    hasStarted_ = true;
+    startPublication();
+    tasks_.add(actor_.spawn(pollForCommands()));
+    heartbeatTask_ = actor_.spawn(beat());
+    tasks_.add(heartbeatTask_);
+}
+
+void MacPresenceService::stopHeartbeat()
+{
+    if (heartbeatTask_) {
+        heartbeatTask_.cancel();
+        heartbeatTask_ = {};
+    }
+}
+
+void MacPresenceService::systemDidWake()
+{
+    startPublication();
+    pollSoon();
+}
+
+Async<void> MacPresenceService::beat()
+{
+    // A cancelled wait throws, and with that the loop ends.
+    for (;;) {
+        const Duration backoff = remainingBackoff(cloud_.requestBackoff(), ports_.wallClock.now());
+        co_await sleepFor(std::max(heartbeatInterval, backoff));
+        co_await publishState();
+    }
+}
+
+void MacPresenceService::startPublication()
+{
+    tasks_.add(actor_.spawn(publishState()));
+}
+
+/// Goes at once even while the server asks for patience: the phone must learn soon that the Mac was armed or disarmed,
+/// and that is rare. Only the heartbeat, which has nothing new to say, waits.
+Async<void> MacPresenceService::publishState()
+{
+    // The present publication may have told an older state already. One that hasn't begun serves every caller.
+    if (!nextPublication_) {
+        nextPublication_ = actor_.spawn(publishAfter(publication_));
+        tasks_.add(nextPublication_);
+    }
+    const Task<void> mine = nextPublication_;
+    co_await mine;
+}
+
+Async<void> MacPresenceService::publishAfter(Task<void> predecessor)
+{
+    if (predecessor) {
+        co_await predecessor;
+        predecessor = {}; // or each publication would keep all earlier ones in memory
+    }
+    publication_ = std::exchange(nextPublication_, {});
+    co_await publishNow();
+}
+
+Async<void> MacPresenceService::publishNow()
+{
+    try {
+        const bool isPublished = co_await AsyncTimeout::run(actor_, cloudTimeLimit, publishIfAvailable());
+        if (!isPublished) {
+            syncError = unavailabilityMessage();
+            co_return;
+        }
+    } catch (const CancellationError&) {
+        throw;
+    } catch (const std::exception& error) {
+        cloud_.recordSyncFailure(error);
+        syncError = cloud_.userFacingMessage(error);
+        co_return;
+    }
+    syncError = std::nullopt;
+    alarm_.clearLocalSaveNoticeIfResolved();
+}
+
+Async<bool> MacPresenceService::publishIfAvailable()
+{
+    const bool isAvailable = co_await cloud_.refreshAvailability(false);
+    if (!isAvailable) {
+        co_return false;
+    }
+    DevicePresence presence;
+    presence.deviceID = deviceID();
+    presence.deviceName = ports_.host.localizedName().value_or(unnamedComputer);
+    presence.lastSeen = ports_.wallClock.now();
+    presence.isCompatible = isCompatibleComputer_;
+    presence.isArmed = alarm_.isArmed();
+    const bool isArmed = presence.isArmed;
+    co_await cloud_.publishPresence(std::move(presence));
+    ports_.journal.note("presence.published", {{"isArmed", isArmed}});
+    co_return true;
+}
+
+std::string MacPresenceService::unavailabilityMessage() const
+{
+    using Kind = CloudKitServiceError::Kind;
+    const bool isOffline = !cloud_.isReachable && !cloud_.lastAccountStatus();
+    return cloud_.userFacingMessage(CloudKitServiceError{isOffline ? Kind::networkUnavailable : Kind::notSignedIn});
+}
+
+void MacPresenceService::setPushTokenRegistered(bool isRegistered)
+{
+    const bool wasRegistered = std::exchange(pushTokenRegistered_, isRegistered);
+    if (isRegistered) {
+        startPublication();
+    } else if (wasRegistered) {
+        wakePoll(); // whose long wait counted on pushes
+    }
+}
+
+bool MacPresenceService::pushTokenRegistered() const
+{
+    return pushTokenRegistered_;
+}
+
+std::string MacPresenceService::deviceID()
+{
+    const auto stored = ports_.defaults.text(deviceIDKey);
+    if (stored && UUID::parse(*stored)) {
+        return *stored;
+    }
+    UUID::Octets octets{};
+    if (!ports_.random.fill(octets)) {
+        // A fixed identifier would be shared with other Macs; the clock's reading hardly is.
+        const double now = ports_.wallClock.now().secondsSinceReferenceDate;
+        std::memcpy(octets.data(), &now, sizeof now);
+    }
+    std::string made = UUID::fromRandom(octets).text();
+    ports_.defaults.setText(deviceIDKey, made);
+    return made;
+}
+
+} // namespace sentrel

@@ -1,0 +1,177 @@
+#include "cloud/MacPresenceService.hpp"
+
+#include "cloud/AsyncTimeout.hpp"
+#include "cloud/PresenceTimes.hpp"
+#include "foundation/Fatal.hpp"
+#include "platform/Journal.hpp"
+#include "platform/RemoteNotifications.hpp"
+#include "platform/UserDefaults.hpp"
+#include "platform/WallClock.hpp"
+#include "runtime/Sleep.hpp"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <string_view>
+#include <utility>
+
+// How the phone's commands reach the Mac, and which of them it obeys.
+
+namespace sentrel {
+
+namespace {
+
+constexpr const char* macCommandSubscriptionID = "mac-device-command-subscription-v1";
+constexpr const char* lastSequenceKey = "sentrel.macLastAppliedCommandSequence";
+
+} // namespace
+
+void MacPresenceService::receive(const platform::CloudNotification& notification)
+{
+    if (notification.subscriptionID == macCommandSubscriptionID) {
+        pollSoon();
+    }
+}
+
+void MacPresenceService::pollSoon()
+{
+    // The poll under way, if there is one, may have read the record before it changed.
+    pollRequested_ = true;
+    wakePoll();
+}
+
+void MacPresenceService::wakePoll()
+{
+    if (const auto continuation = std::exchange(pollWakeContinuation_, nullptr)) {
+        continuation->signal();
+    }
+}
+
+Async<void> MacPresenceService::pollForCommands()
+{
+    for (;;) {
+        const bool isRequested = std::exchange(pollRequested_, false);
+        const bool isAnswered = co_await poll();
+        pollOwed_ = !isAnswered && (isRequested || pollOwed_);
+        if (isAnswered) {
+            co_await ensureSubscriptions();
+        }
+        if (!pollRequested_) {
+            co_await sleepUntilWokenOrElapsed(pollWait());
+        }
+    }
+}
+
+/// Fetches the command and obeys it. False when iCloud gave no answer.
+Async<bool> MacPresenceService::poll()
+{
+    PollAnswer answer;
+    try {
+        answer = co_await AsyncTimeout::run(actor_, cloudTimeLimit, askForCommand());
+    } catch (const CancellationError&) {
+        throw;
+    } catch (const std::exception& error) {
+        cloud_.recordSyncFailure(error);
+    }
+    if (answer.command) {
+        obey(*answer.command);
+    }
+    co_return answer.isGiven;
+}
+
+Async<MacPresenceService::PollAnswer> MacPresenceService::askForCommand()
+{
+    const bool isAvailable = co_await cloud_.refreshAvailability(false);
+    PollAnswer answer;
+    if (isAvailable) {
+        answer.command = co_await cloud_.fetchCommand(deviceID());
+        answer.isGiven = true;
+    }
+    co_return answer;
+}
+
+Async<void> MacPresenceService::ensureSubscriptions()
+{
+    try {
+        co_await AsyncTimeout::run(actor_, cloudTimeLimit, cloud_.ensureSubscriptions());
+    } catch (const AsyncTimeout::TimedOut& error) {
+        cloud_.recordSyncFailure(error);
+    }
+}
+
+Duration MacPresenceService::pollWait() const
+{
+    // A push that has been received won't come again: until its command could be fetched, nothing but polling helps.
+    if (pushTokenRegistered_ && cloud_.macCommandSubscriptionEnsured() && !pollOwed_) {
+        return pollIntervalWithPushes;
+    }
+    const Duration backoff = remainingBackoff(cloud_.requestBackoff(), ports_.wallClock.now());
+    return std::clamp(backoff, shortestPollInterval, longestPollInterval);
+}
+
+Async<void> MacPresenceService::sleepUntilWokenOrElapsed(Duration span)
+{
+    if (pollSleepGeneration_ == std::numeric_limits<std::int64_t>::max()) {
+        fatalError("too many sleeps between polls to be counted");
+    }
+    ++pollSleepGeneration_;
+    const auto continuation = std::make_shared<Semaphore>();
+    pollWakeContinuation_ = continuation;
+    actor_.spawn(wakeAfter(anchor_.weak(), pollSleepGeneration_, span));
+    co_await continuation->wait();
+}
+
+Async<void> MacPresenceService::wakeAfter(Weak<MacPresenceService> weak, std::int64_t generation, Duration span)
+{
+    co_await sleepFor(span);
+    MacPresenceService* const self = weak.get();
+    // A sleep that was ended early leaves its timer behind, which must not end a later one.
+    if (self != nullptr && self->pollSleepGeneration_ == generation) {
+        self->wakePoll();
+    }
+}
+
+void MacPresenceService::obey(RemoteCommand command)
+{
+    if (command.issuedAt && !std::isfinite(command.issuedAt->secondsSinceReferenceDate)) {
+        command.issuedAt.reset(); // no date at all
+    }
+    // Equal, not "at most": a phone that was reset counts from the beginning, and is obeyed.
+    if (command.sequence == ports_.defaults.integer(lastSequenceKey).value_or(0)) {
+        ignore(command, "repeated");
+    } else if (!command.issuedAt) {
+        ignore(command, "undated");
+    } else if (const double age = ports_.wallClock.now().secondsSince(*command.issuedAt); age > longestCommandAge) {
+        ignore(command, "stale");
+    } else {
+        apply(command);
+    }
+}
+
+void MacPresenceService::apply(const RemoteCommand& command)
+{
+    handledCommand_ = command;
+    settings_.set(&AlarmSettings::isArmed, command.requestedArmState);
+    alarm_.syncWithSettings(settings_.settings());
+    ports_.defaults.setInteger(lastSequenceKey, command.sequence);
+    const std::string_view why = command.requestedArmState ? "arm" : "disarm";
+    ports_.journal.note("command.applied", {{"sequence", command.sequence}, {"why", why}});
+    // On a MacBook the alarm has its new state published by itself.
+    if (!isCompatibleComputer_) {
+        startPublication();
+    }
+}
+
+void MacPresenceService::ignore(const RemoteCommand& command, std::string_view why)
+{
+    // The command stays in the record: each poll finds it again.
+    if (handledCommand_ == command) {
+        return;
+    }
+    handledCommand_ = command;
+    // It counts as seen, so that a clock that is set back doesn't make it fresh again.
+    ports_.defaults.setInteger(lastSequenceKey, command.sequence);
+    ports_.journal.note("command.ignored", {{"sequence", command.sequence}, {"why", why}});
+}
+
+} // namespace sentrel
