@@ -168,19 +168,24 @@ Interaction typeText(const View& root, std::string_view wanted, std::string_view
     });
 }
 
-Interaction clearText(const View& root, std::string_view wanted)
+Interaction setText(const View& root, std::string_view wanted, std::string_view text)
 {
     return withNode(root, wanted, [&](const Node& node) {
         if (const auto* const plain = elementOf<TextField>(*node.view)) {
-            assign(plain->text, std::string{});
+            assign(plain->text, std::string{text});
             return true;
         }
         if (const auto* const secure = elementOf<SecureField>(*node.view)) {
-            assign(secure->text, SecretText{});
+            assign(secure->text, joined(SecretText{}, text));
             return true;
         }
         return false;
     });
+}
+
+Interaction clearText(const View& root, std::string_view wanted)
+{
+    return setText(root, wanted, {});
 }
 
 Interaction selectRows(const View& root, std::string_view wanted, const std::set<std::string>& rows)

@@ -31,6 +31,9 @@ Interaction slideTo(const View& root, std::string_view wanted, double value);
 /// Adds text at the end of a field's.
 Interaction typeText(const View& root, std::string_view wanted, std::string_view text);
 
+/// Replaces what stands in a field.
+Interaction setText(const View& root, std::string_view wanted, std::string_view text);
+
 /// Empties a field.
 Interaction clearText(const View& root, std::string_view wanted);
 

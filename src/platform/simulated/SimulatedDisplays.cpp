@@ -15,17 +15,7 @@ constexpr const char* screenParametersChanged = "NSApplicationDidChangeScreenPar
 // What CGShieldingWindowLevel gives on today's systems.
 constexpr std::int64_t shielding = 2147483628;
 
-constexpr platform::Rectangle builtIn{0.0, 0.0, 1728.0, 1117.0};
 constexpr platform::Rectangle external{0.0, 0.0, 1920.0, 1080.0};
-
-// NSWindowStyleMaskTitled, and the height of its bar on today's systems.
-constexpr std::uint64_t titled = 1;
-constexpr double titleBar = 28.0;
-
-double titleBarHeight(const WindowState& window)
-{
-    return (window.description.styleMask & titled) != 0 ? titleBar : 0.0;
-}
 
 bool contains(const platform::Rectangle& outer, const platform::Rectangle& inner)
 {
@@ -35,78 +25,8 @@ bool contains(const platform::Rectangle& outer, const platform::Rectangle& inner
 
 } // namespace
 
-/// The product's handle to a window, which is gone when this dies.
-class SimulatedDisplays::Handle final : public platform::Window {
-public:
-    Handle(SimulatedDisplays& displays, std::shared_ptr<WindowState> state)
-        : displays_(displays), state_(std::move(state))
-    {
-    }
-    ~Handle() override { std::erase(displays_.windows_, state_); }
-
-    void setLevel(std::int64_t level) override { state_->level = level; }
-    void setCollectionBehavior(std::uint64_t behavior) override { state_->collectionBehavior = behavior; }
-    void setOpaque(bool isOpaque) override { state_->isOpaque = isOpaque; }
-    void setBackgroundColor(const ui::Color& color) override { state_->background = color; }
-    void setHasShadow(bool hasShadow) override { state_->hasShadow = hasShadow; }
-    void setReleasedWhenClosed(bool isReleased) override { state_->isReleasedWhenClosed = isReleased; }
-    void setTitle(const std::string& title) override { state_->title = title; }
-    void setIdentifier(const std::string& identifier) override { state_->identifier = identifier; }
-    void setDelegate(platform::WindowDelegate delegate) override { state_->delegate = std::move(delegate); }
-    void setFrame(const platform::Rectangle& frame, bool /*display*/) override { state_->frame = frame; }
-    void center() override
-    {
-        // As the system does it: horizontally in the middle, vertically somewhat above it.
-        state_->frame.x = (builtIn.width - state_->frame.width) / 2.0;
-        state_->frame.y = (builtIn.height - state_->frame.height) * 2.0 / 3.0;
-    }
-    [[nodiscard]] platform::Rectangle frame() override { return state_->frame; }
-    [[nodiscard]] bool isVisible() override { return state_->isVisible; }
-    [[nodiscard]] platform::Rectangle frameForContent(const platform::Rectangle& content) override
-    {
-        return {content.x, content.y, content.width, content.height + titleBarHeight(*state_)};
-    }
-    [[nodiscard]] platform::Rectangle contentForFrame(const platform::Rectangle& frame) override
-    {
-        return {frame.x, frame.y, frame.width, std::max(0.0, frame.height - titleBarHeight(*state_))};
-    }
-    [[nodiscard]] platform::Rectangle contentFrame() override
-    {
-        const platform::Rectangle content = contentForFrame(state_->frame);
-        return {0.0, 0.0, content.width, content.height};
-    }
-    void hostContent(const platform::Rectangle& frame, std::uint64_t autoresizingMask) override
-    {
-        state_->hostFrame = frame;
-        state_->hostAutoresizing = autoresizingMask;
-        state_->isHosting = true;
-    }
-    void showContent(ui::View content) override
-    {
-        if (state_->isHosting) {
-            WindowContent{*state_}.show(std::move(content));
-        }
-    }
-    void orderFrontRegardless() override { state_->isVisible = true; }
-    void makeKey() override { displays_.makeKey(*state_); }
-    void makeKeyAndOrderFront() override
-    {
-        state_->isVisible = true;
-        displays_.makeKey(*state_);
-    }
-    void orderOut() override
-    {
-        state_->isVisible = false;
-        state_->isKey = false;
-    }
-
-private:
-    SimulatedDisplays& displays_;
-    std::shared_ptr<WindowState> state_;
-};
-
 SimulatedDisplays::SimulatedDisplays(Scheduler& process, platform::Journal& journal,
-                                     const SimulatedApplicationActivation& activation, std::size_t count)
+                                     SimulatedApplicationActivation& activation, std::size_t count)
     : journal_(journal), activation_(activation), count_(count), notifications_(process.mainExecutor())
 {
 }
@@ -115,14 +35,7 @@ SimulatedDisplays::~SimulatedDisplays() = default;
 
 std::vector<platform::Screen> SimulatedDisplays::screens()
 {
-    std::vector<platform::Screen> screens;
-    if (faults_.strikes("no-screens")) {
-        return screens;
-    }
-    for (std::size_t index = 0; index < count_; ++index) {
-        screens.push_back(screenAt(index));
-    }
-    return screens;
+    return faults_.strikes("no-screens") ? std::vector<platform::Screen>{} : allScreens();
 }
 
 std::int64_t SimulatedDisplays::shieldingLevel()
@@ -132,12 +45,7 @@ std::int64_t SimulatedDisplays::shieldingLevel()
 
 std::unique_ptr<platform::Window> SimulatedDisplays::makeWindow(const platform::WindowDescription& description)
 {
-    auto state = std::make_shared<WindowState>();
-    state->description = description;
-    state->frame = description.contentRectangle;
-    state->frame.height += titleBarHeight(*state);
-    windows_.push_back(state);
-    return std::make_unique<Handle>(*this, std::move(state));
+    return windows_.open(description);
 }
 
 platform::RegistrationPtr SimulatedDisplays::observe(const std::string& name, std::function<void()> received)
@@ -174,6 +82,23 @@ bool SimulatedDisplays::isCovered(std::size_t display) const
     });
 }
 
+std::vector<WindowState> SimulatedDisplays::windows() const
+{
+    std::vector<WindowState> windows;
+    for (const WindowPtr& window : windows_.frontToBack()) {
+        if (window->level < shielding) {
+            windows.push_back(*window);
+        }
+    }
+    return windows;
+}
+
+std::optional<WindowState> SimulatedDisplays::window(std::string_view identifier) const
+{
+    const WindowPtr found = windows_.find(identifier);
+    return found == nullptr ? std::nullopt : std::optional{*found};
+}
+
 bool SimulatedDisplays::type(std::string_view text)
 {
     const auto window = keyWindow();
@@ -192,45 +117,95 @@ ui::Interaction SimulatedDisplays::click(std::size_t cover, std::string_view wan
     if (cover >= windows.size()) {
         return ui::Interaction::notFound;
     }
-    makeKey(*windows[cover]);
-    return WindowContent{*windows[cover]}.click(wanted);
+    return useWindow(windows[cover], [wanted](WindowContent content) { return content.click(wanted); });
+}
+
+ui::Interaction SimulatedDisplays::use(std::string_view identifier, const Use& use)
+{
+    const WindowPtr window = reachable(identifier);
+    return window == nullptr ? ui::Interaction::notFound : useWindow(window, use);
+}
+
+ui::Interaction SimulatedDisplays::useFront(const Use& use)
+{
+    const auto visible = windows_.frontToBack();
+    if (visible.empty()) {
+        return ui::Interaction::notFound;
+    }
+    const WindowPtr key = windows_.key();
+    const bool isKeyInFront = key != nullptr && key->level == visible.front()->level;
+    return useWindow(isKeyInFront ? key : visible.front(), use);
+}
+
+bool SimulatedDisplays::closeWindow(std::string_view identifier)
+{
+    const WindowPtr window = reachable(identifier);
+    return window != nullptr && windows_.close(window);
+}
+
+bool SimulatedDisplays::resizeWindow(std::string_view identifier, platform::Size content)
+{
+    const WindowPtr window = reachable(identifier);
+    return window != nullptr && windows_.resize(window, content);
+}
+
+bool SimulatedDisplays::moveWindow(std::string_view identifier, double x, double y)
+{
+    const WindowPtr window = reachable(identifier);
+    return window != nullptr && windows_.move(window, x, y, allScreens());
+}
+
+bool SimulatedDisplays::zoomWindow(std::string_view identifier)
+{
+    const WindowPtr window = reachable(identifier);
+    return window != nullptr && windows_.zoom(window, builtInScreen);
 }
 
 platform::Screen SimulatedDisplays::screenAt(std::size_t index)
 {
-    platform::Screen screen{static_cast<std::uint32_t>(index + 1), index == 0 ? builtIn : external};
+    platform::Screen screen{static_cast<std::uint32_t>(index + 1), index == 0 ? builtInScreen : external};
     if (index > 0) {
-        screen.frame.x = builtIn.width + static_cast<double>(index - 1) * external.width;
+        screen.frame.x = builtInScreen.width + static_cast<double>(index - 1) * external.width;
     }
     return screen;
 }
 
-void SimulatedDisplays::makeKey(WindowState& window)
+std::vector<platform::Screen> SimulatedDisplays::allScreens() const
 {
-    if (!window.isVisible || !window.description.canBecomeKey) {
-        return;
+    std::vector<platform::Screen> screens;
+    for (std::size_t index = 0; index < count_; ++index) {
+        screens.push_back(screenAt(index));
     }
-    for (const auto& other : windows_) {
-        other->isKey = false;
-    }
-    window.isKey = true;
+    return screens;
 }
 
-std::shared_ptr<WindowState> SimulatedDisplays::keyWindow() const
+std::vector<SimulatedDisplays::WindowPtr> SimulatedDisplays::visibleCovers() const
 {
-    if (!activation_.isActive()) {
-        return nullptr;
-    }
-    const auto key = std::ranges::find_if(windows_, [](const auto& window) { return window->isKey; });
-    return key == windows_.end() ? nullptr : *key;
-}
-
-std::vector<std::shared_ptr<WindowState>> SimulatedDisplays::visibleCovers() const
-{
-    std::vector<std::shared_ptr<WindowState>> covers;
-    std::ranges::copy_if(windows_, std::back_inserter(covers),
-                         [](const auto& window) { return window->isVisible && window->level >= shielding; });
+    std::vector<WindowPtr> covers;
+    std::ranges::copy_if(windows_.all(), std::back_inserter(covers),
+                         [](const WindowPtr& window) { return window->isVisible && window->level >= shielding; });
     return covers;
+}
+
+SimulatedDisplays::WindowPtr SimulatedDisplays::keyWindow() const
+{
+    return activation_.isActive() ? windows_.key() : nullptr;
+}
+
+/// The window, if it can be got at: the covers lie over every other.
+SimulatedDisplays::WindowPtr SimulatedDisplays::reachable(std::string_view identifier) const
+{
+    const WindowPtr window = windows_.find(identifier);
+    const bool isReachable = window != nullptr && window->isVisible && visibleCovers().empty();
+    return isReachable ? window : nullptr;
+}
+
+ui::Interaction SimulatedDisplays::useWindow(const WindowPtr& window, const Use& use)
+{
+    activation_.activate(true);
+    windows_.orderFront(*window);
+    windows_.makeKey(*window);
+    return use(WindowContent{*window});
 }
 
 } // namespace sentrel::simulated

@@ -4,12 +4,14 @@
 #include "platform/Windows.hpp"
 #include "platform/simulated/FaultSwitches.hpp"
 #include "platform/simulated/NotificationHub.hpp"
-#include "platform/simulated/SimulatedWindow.hpp"
+#include "platform/simulated/WindowList.hpp"
 #include "runtime/Scheduler.hpp"
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -29,7 +31,7 @@ class SimulatedApplicationActivation;
 /// Faults: `no-screens` (the system lists none), `notification` (a change goes unannounced).
 class SimulatedDisplays final : public platform::Windows, public platform::ApplicationNotifications {
 public:
-    SimulatedDisplays(Scheduler& process, platform::Journal& journal, const SimulatedApplicationActivation& activation,
+    SimulatedDisplays(Scheduler& process, platform::Journal& journal, SimulatedApplicationActivation& activation,
                       std::size_t count = 1);
     ~SimulatedDisplays() override;
 
@@ -49,28 +51,54 @@ public:
     /// Whether nothing of a display can be seen past an opaque cover.
     [[nodiscard]] bool isCovered(std::size_t display) const;
 
-    /// What the person does. The keyboard goes to the key window, as long as the application is active; false when
-    /// what was typed went nowhere.
+    /// The visible windows below the shielding level, the one in front first.
+    [[nodiscard]] std::vector<WindowState> windows() const;
+
+    /// The window of this identifier, also while it is hidden; none when the product hasn't made it.
+    [[nodiscard]] std::optional<WindowState> window(std::string_view identifier) const;
+
+    // What the person does.
+
+    /// The keyboard goes to the key window, as long as the application is active; false when what was typed went
+    /// nowhere.
     [[nodiscard]] bool type(std::string_view text);
     [[nodiscard]] ui::Interaction pressKey(ui::Key key);
 
     /// Clicks on a node of a cover, by its place in `covers`; that window gets the keyboard.
     [[nodiscard]] ui::Interaction click(std::size_t cover, std::string_view wanted);
 
+    /// What a hand does in a window's content.
+    using Use = std::function<ui::Interaction(WindowContent content)>;
+
+    /// Does it in the window of this identifier, which comes to the front with its application.
+    [[nodiscard]] ui::Interaction use(std::string_view identifier, const Use& use);
+
+    /// Does it in the window that the person has before them: a cover, else the key window, else the one in front.
+    [[nodiscard]] ui::Interaction useFront(const Use& use);
+
+    // The frame of a window, by its identifier. False when nothing came of it: there is no such window, a cover lies
+    // over it, its style doesn't offer this, or its delegate says no. Sizes are of the content.
+    bool closeWindow(std::string_view identifier);
+    bool resizeWindow(std::string_view identifier, platform::Size content);
+    bool moveWindow(std::string_view identifier, double x, double y);
+    bool zoomWindow(std::string_view identifier);
+
     [[nodiscard]] FaultSwitches& faults() { return faults_; }
 
 private:
-    class Handle;
+    using WindowPtr = WindowList::WindowPtr;
 
     [[nodiscard]] static platform::Screen screenAt(std::size_t index);
-    void makeKey(WindowState& window);
-    [[nodiscard]] std::shared_ptr<WindowState> keyWindow() const;
-    [[nodiscard]] std::vector<std::shared_ptr<WindowState>> visibleCovers() const;
+    [[nodiscard]] std::vector<platform::Screen> allScreens() const;
+    [[nodiscard]] std::vector<WindowPtr> visibleCovers() const;
+    [[nodiscard]] WindowPtr keyWindow() const;
+    [[nodiscard]] WindowPtr reachable(std::string_view identifier) const;
+    ui::Interaction useWindow(const WindowPtr& window, const Use& use);
 
     platform::Journal& journal_;
-    const SimulatedApplicationActivation& activation_;
+    SimulatedApplicationActivation& activation_;
     std::size_t count_;
-    std::vector<std::shared_ptr<WindowState>> windows_;
+    WindowList windows_;
     FaultSwitches faults_{"no-screens", "notification"};
     NotificationHub notifications_;
 };

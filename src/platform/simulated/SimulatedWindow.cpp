@@ -2,6 +2,8 @@
 
 #include "ui/Node.hpp"
 
+#include <algorithm>
+#include <set>
 #include <utility>
 
 namespace sentrel::simulated {
@@ -64,6 +66,49 @@ ui::Interaction WindowContent::click(std::string_view wanted)
     }
     moveFocus(node->identity);
     return ui::Interaction::done;
+}
+
+ui::Interaction WindowContent::fill(std::string_view field, std::string_view text)
+{
+    const ui::View content = state_.content;
+    const auto node = ui::find(content, field);
+    if (node && node->isEnabled && !node->isBlocked && isField(*node->view)) {
+        moveFocus(node->identity);
+    }
+    return ui::setText(content, field, text);
+}
+
+ui::Interaction WindowContent::slide(std::string_view wanted, double value)
+{
+    const ui::View content = state_.content;
+    return ui::slideTo(content, wanted, value);
+}
+
+ui::Interaction WindowContent::select(const std::vector<std::size_t>& rows)
+{
+    const ui::View content = state_.content;
+    const auto nodes = ui::nodesOf(content);
+    const auto list = std::ranges::find_if(
+        nodes, [](const ui::Node& node) { return ui::elementOf<ui::List>(*node.view) != nullptr; });
+    if (list == nodes.end()) {
+        return ui::Interaction::notFound;
+    }
+    std::vector<std::string> ids;
+    for (const ui::View& section : list->view->children) {
+        for (const ui::View& row : section.children) {
+            if (!section.traits.isHidden && !row.traits.isHidden) {
+                ids.push_back(row.traits.id);
+            }
+        }
+    }
+    std::set<std::string> selected;
+    for (const std::size_t row : rows) {
+        if (row >= ids.size()) {
+            return ui::Interaction::notFound;
+        }
+        selected.insert(ids[row]);
+    }
+    return ui::selectRows(content, list->identity, selected);
 }
 
 bool WindowContent::type(std::string_view text)

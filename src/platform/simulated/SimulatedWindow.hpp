@@ -4,11 +4,16 @@
 #include "ui/Interaction.hpp"
 
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace sentrel::simulated {
+
+/// The built-in display, in points.
+inline constexpr platform::Rectangle builtInScreen{0.0, 0.0, 1728.0, 1117.0};
 
 /// What can be seen of a window, and how it was set up.
 struct WindowState {
@@ -28,6 +33,7 @@ struct WindowState {
     bool isHosting = false;
     ui::View content;
     bool isVisible = false;
+    std::uint64_t order = 0;     ///< greater than that of the windows behind it on its level
     bool isKey = false;          ///< has the keyboard, while the application is active
     std::string focusedIdentity; ///< of the node that the keyboard goes to; empty: none
 };
@@ -43,6 +49,15 @@ public:
 
     /// Clicks on a node. A field that is clicked gets the keyboard.
     [[nodiscard]] ui::Interaction click(std::string_view wanted);
+
+    /// Clicks into a field and replaces what stands there.
+    [[nodiscard]] ui::Interaction fill(std::string_view field, std::string_view text);
+
+    /// Moves a slider.
+    [[nodiscard]] ui::Interaction slide(std::string_view wanted, double value);
+
+    /// Selects the rows at these places, counted from 0 over all sections of the first list, and no others.
+    [[nodiscard]] ui::Interaction select(const std::vector<std::size_t>& rows);
 
     /// Types the text, one character after the other, wherever the focus is. False when a character went nowhere.
     [[nodiscard]] bool type(std::string_view text);

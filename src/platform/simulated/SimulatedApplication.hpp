@@ -1,0 +1,55 @@
+#pragma once
+
+#include "platform/Application.hpp"
+
+#include <cstdint>
+#include <functional>
+#include <utility>
+
+namespace sentrel::platform {
+class Journal;
+}
+
+namespace sentrel::simulated {
+
+/// The application object of the product's process. Being asked to quit notes `quit.asked`, the delegate's no
+/// `quit.cancelled`, and the end `quit`. The product's main thread.
+class SimulatedApplication final : public platform::Application {
+public:
+    explicit SimulatedApplication(platform::Journal& journal) : journal_(journal) {}
+
+    void setDelegate(platform::ApplicationDelegate delegate) override { delegate_ = std::move(delegate); }
+    void setActivationPolicy(std::int64_t policy) override;
+    void terminate() override;
+    void replyToShouldTerminate(bool shouldTerminate) override;
+
+    /// A new process: what the one before left is forgotten. `ended` is called at the end of `terminate` or of the
+    /// reply, when the delegate has been told; it lets nothing more of the process run.
+    void start(std::function<void()> ended);
+
+    /// Tells the delegate that launching has finished.
+    void finishLaunching();
+
+    /// The process is gone.
+    void end();
+
+    /// Whether the delegate has promised an answer.
+    [[nodiscard]] bool isAwaitingReply() const { return isAwaitingReply_; }
+
+    /// 0 regular, 1 accessory; at first what an application without a Dock icon starts with.
+    [[nodiscard]] std::int64_t activationPolicy() const { return policy_; }
+
+private:
+    void finish();
+
+    platform::Journal& journal_;
+    platform::ApplicationDelegate delegate_;
+    std::function<void()> ended_;
+    std::int64_t policy_ = accessory;
+    bool isAwaitingReply_ = false;
+    bool hasEnded_ = false;
+
+    static constexpr std::int64_t accessory = 1;
+};
+
+} // namespace sentrel::simulated

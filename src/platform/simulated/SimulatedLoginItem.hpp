@@ -1,0 +1,39 @@
+#pragma once
+
+#include "platform/LoginItem.hpp"
+#include "platform/simulated/FaultSwitches.hpp"
+
+#include <filesystem>
+
+namespace sentrel::platform {
+class FileSystem;
+class Journal;
+} // namespace sentrel::platform
+
+namespace sentrel::simulated {
+
+/// The system's list of login items as far as it concerns the product, kept in a JSON file: {"status": 1}. A file that
+/// holds anything else reads as not registered. A change notes `login-item` {status}.
+///
+/// Faults: `register`, `unregister` (the system refuses).
+class SimulatedLoginItem final : public platform::LoginItem {
+public:
+    SimulatedLoginItem(platform::FileSystem& files, platform::Journal& journal, std::filesystem::path file);
+
+    [[nodiscard]] std::int64_t status() override;
+    [[nodiscard]] std::optional<std::string> registerItem() override;
+    [[nodiscard]] std::optional<std::string> unregisterItem() override;
+
+    /// The user changes it in the system's settings: an `SMAppServiceStatus`.
+    [[nodiscard]] std::optional<std::string> setStatus(std::int64_t status);
+
+    [[nodiscard]] FaultSwitches& faults() { return faults_; }
+
+private:
+    platform::FileSystem& files_;
+    platform::Journal& journal_;
+    const std::filesystem::path file_;
+    FaultSwitches faults_{"register", "unregister"};
+};
+
+} // namespace sentrel::simulated

@@ -1,0 +1,47 @@
+#pragma once
+
+#include "platform/PreviewPanel.hpp"
+
+#include <cstddef>
+#include <filesystem>
+#include <utility>
+#include <vector>
+
+namespace sentrel::platform {
+class Journal;
+}
+
+namespace sentrel::simulated {
+
+/// The shared panel of Quick Look. Opening it notes `preview.shown` {items}, closing it `preview.closed`. The
+/// product's main thread.
+class SimulatedPreviewPanel final : public platform::PreviewPanel {
+public:
+    explicit SimulatedPreviewPanel(platform::Journal& journal) : journal_(journal) {}
+
+    void setControl(platform::PreviewPanelControl control) override { control_ = std::move(control); }
+    void setDataSource(platform::PreviewDataSource* source) override;
+    void reloadData() override;
+    void makeKeyAndOrderFront() override;
+
+    /// The person closes it; false when it isn't open.
+    bool close();
+
+    /// The process is gone, and with it what the panel was given.
+    void end();
+
+    [[nodiscard]] bool isVisible() const { return isVisible_; }
+
+    /// The files that it shows; none while it isn't open.
+    [[nodiscard]] std::vector<std::filesystem::path> items() const;
+
+private:
+    platform::Journal& journal_;
+    platform::PreviewPanelControl control_;
+    platform::PreviewDataSource* source_ = nullptr;
+    std::vector<std::filesystem::path> items_;
+    bool isVisible_ = false;
+    bool isControlled_ = false;
+};
+
+} // namespace sentrel::simulated

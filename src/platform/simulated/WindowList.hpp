@@ -1,0 +1,66 @@
+#pragma once
+
+#include "platform/Windows.hpp"
+#include "platform/simulated/SimulatedWindow.hpp"
+
+#include <memory>
+#include <string_view>
+#include <vector>
+
+namespace sentrel::simulated {
+
+/// The windows of the product: which there are, in which order they lie upon each other, which has the keyboard, and
+/// what a person does to their frames. It outlives the handles that it gives. The product's main thread.
+class WindowList {
+public:
+    using WindowPtr = std::shared_ptr<WindowState>;
+
+    WindowList() = default;
+    WindowList(const WindowList&) = delete;
+    WindowList& operator=(const WindowList&) = delete;
+
+    [[nodiscard]] std::unique_ptr<platform::Window> open(const platform::WindowDescription& description);
+
+    /// All windows, hidden ones too, in the order in which they were made.
+    [[nodiscard]] const std::vector<WindowPtr>& all() const { return windows_; }
+
+    /// The visible windows, the one in front first.
+    [[nodiscard]] std::vector<WindowPtr> frontToBack() const;
+
+    /// The window of this identifier, or null.
+    [[nodiscard]] WindowPtr find(std::string_view identifier) const;
+
+    /// The window that has the keyboard while the application is active, or null.
+    [[nodiscard]] WindowPtr key() const;
+
+    /// Gives it the keyboard, if it can have it.
+    void makeKey(WindowState& window);
+
+    /// Puts it before the others of its level.
+    void orderFront(WindowState& window);
+
+    /// Takes it off the screen; the keyboard goes to the next window that can have it.
+    void orderOut(WindowState& window);
+
+    // What a person does with the title bar and the edges; the window's delegate is asked first. False when the
+    // window's style doesn't offer it, or the answer keeps the window as it is.
+
+    bool close(const WindowPtr& window);
+    /// Drags an edge until the content would have this size; whatever comes out that is no size is ignored.
+    bool resize(const WindowPtr& window, platform::Size content);
+    bool zoom(const WindowPtr& window, const platform::Rectangle& screen);
+    /// Drags the title bar to where the frame's lower left corner is here, but never off the screens.
+    bool move(const WindowPtr& window, double x, double y, const std::vector<platform::Screen>& screens);
+
+private:
+    class Handle;
+
+    std::vector<WindowPtr> windows_;
+    std::uint64_t ordered_ = 0;
+};
+
+/// The content's rectangle inside a window's frame, and the frame around content.
+[[nodiscard]] platform::Rectangle contentOf(const WindowState& window, const platform::Rectangle& frame);
+[[nodiscard]] platform::Rectangle frameAround(const WindowState& window, const platform::Rectangle& content);
+
+} // namespace sentrel::simulated
