@@ -1,5 +1,6 @@
 #pragma once
 
+#include "alerts/StoredAlert.hpp"
 #include "core/AlertEvent.hpp"
 
 #include <string>
@@ -24,6 +25,9 @@ struct AlertRow {
     AlertStorageLocation storageLocation = AlertStorageLocation::cloud;
     friend bool operator==(const AlertRow&, const AlertRow&) = default;
 };
+
+/// Where an alert lives that is kept on this Mac.
+[[nodiscard]] AlertStorageLocation locationOf(const StoredAlert& stored);
 
 /// Rows of one stretch of time under a title in the user's language.
 struct AlertSection {

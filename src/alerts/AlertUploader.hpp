@@ -3,6 +3,7 @@
 #include "cloud/CloudKitService.hpp"
 
 #include <optional>
+#include <unordered_map>
 #include <unordered_set>
 
 namespace sentrel {
@@ -11,23 +12,42 @@ namespace platform {
 class Journal;
 }
 
-/// One attempt at a time to bring an alert into the cloud, within 15 s; tells the cloud service and the journal how it
-/// went. Main actor only.
+/// Brings alerts into the cloud, each within 15 s and never one twice at a time; tells the cloud service and the
+/// journal how it went. Main actor only.
 class AlertUploader {
 public:
     enum class Outcome {
-        uploaded,
+        uploaded,    ///< now, or by an earlier attempt whose answer was lost
+        deleted,     ///< by the user, before it was uploaded: there is nothing to upload any more
         storageFull, ///< the user's iCloud storage
-        failed,
+        unreachable, ///< the network is at fault; the deadline counts as that
+        failed,      ///< anything else: whether the server asks for patience, the cloud's `requestBackoff` knows
     };
 
     AlertUploader(MainActor actor, CloudKitService& cloud, platform::Journal& journal);
+    ~AlertUploader();
+    AlertUploader(const AlertUploader&) = delete;
 
-    /// Never throws, but for a `CancellationError`.
+    /// Uploads the alert. While an attempt with it is under way, waits for that one's outcome instead. Throws only a
+    /// `CancellationError`; the attempt goes on all the same.
     [[nodiscard]] Async<Outcome> upload(AlertEvent alert, std::optional<Bytes> photo);
 
     /// Whether an attempt with this alert is under way.
-    [[nodiscard]] bool isUploading(const UUID& id) const;
+    [[nodiscard]] bool isUploading(const UUID& id) const { return attempts_.contains(id); }
+
+    /// The user has deleted these alerts: no attempt with them begins any more in this run of the application.
+    void discard(const std::unordered_set<UUID>& ids);
+    [[nodiscard]] const std::unordered_set<UUID>& discarded() const { return discarded_; }
+
+private:
+    Async<Outcome> attempt(AlertEvent alert, std::optional<Bytes> photo);
+    Outcome noteFailure(const UUID& id, const std::exception& error);
+
+    MainActor actor_;
+    CloudKitService& cloud_;
+    platform::Journal& journal_;
+    std::unordered_set<UUID> discarded_;
+    std::unordered_map<UUID, Task<Outcome>> attempts_;
 };
 
 } // namespace sentrel

@@ -85,6 +85,15 @@ Async<std::vector<StoredAlert>> LocalAlertStore::alertsInBackground()
     co_return sorted(*index_);
 }
 
+std::unordered_set<UUID> LocalAlertStore::identifiers()
+{
+    std::unordered_set<UUID> ids;
+    for (const auto& [id, stored] : loadedIndex()) {
+        ids.insert(id);
+    }
+    return ids;
+}
+
 std::optional<StoredAlert> LocalAlertStore::storedAlert(const UUID& id)
 {
     if (!index_) {

@@ -39,6 +39,9 @@ public:
     /// The same; the folder's first reading happens off the main thread. The store outlives the call.
     [[nodiscard]] Async<std::vector<StoredAlert>> alertsInBackground();
 
+    /// The identifiers of all alerts.
+    [[nodiscard]] std::unordered_set<UUID> identifiers();
+
     /// One alert, without reading the whole folder.
     [[nodiscard]] std::optional<StoredAlert> storedAlert(const UUID& id);
 

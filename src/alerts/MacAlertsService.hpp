@@ -2,10 +2,13 @@
 
 #include "alerts/AlertRow.hpp"
 #include "alerts/AlertUploader.hpp"
+#include "alerts/CoalescedPasses.hpp"
 #include "alerts/PendingCloudDeletionStore.hpp"
 #include "alerts/StoredAlert.hpp"
 #include "cloud/CloudKitService.hpp"
+#include "runtime/Weak.hpp"
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 
@@ -17,11 +20,13 @@ namespace platform {
 class Calendar;
 }
 
-/// The list of alerts that the user sees: those in the cloud and those on this Mac, merged. Main actor only.
+/// The list of alerts that the user sees: those in the cloud and those on this Mac, merged. Main actor only; it
+/// outlives nothing that it refers to.
 class MacAlertsService {
 public:
     struct Ports {
         platform::UserDefaults& defaults;
+        platform::FileSystem& files;
         platform::WallClock& wallClock;
         platform::Calendar& calendar;
         platform::Language& language;
@@ -45,17 +50,18 @@ public:
 
     [[nodiscard]] bool holds(const UUID& id) const;
 
-    /// Shows an alert that has just been saved on this Mac.
+    /// Shows an alert that has just been saved on this Mac; nothing when it is shown already or has been deleted.
     void merge(const StoredAlert& stored);
 
     /// Recomputes `infoMessage`.
     void refreshStorageNotice();
 
-    /// Brings the list up to date. A refresh that begins later overtakes one that is under way: the older one ends
-    /// without having changed the list. Never throws, but for a `CancellationError`.
+    /// Brings the list up to date with the cloud, within 15 s; a long list that comes for the first time may take
+    /// 120 s. Of refreshes that overlap, an older one never overwrites what a newer one has found. Never throws, but
+    /// for a `CancellationError`, and then has changed nothing.
     [[nodiscard]] Async<void> refresh();
 
-    /// Starts a refresh of its own.
+    /// Starts a refresh of its own, in place of the one that this started before.
     void startRefresh();
 
     /// Deletes alerts here at once and in the cloud as soon as possible.
@@ -64,11 +70,58 @@ public:
     /// The alert's photo, from this Mac or from the cloud; none when there is none or it can't be had.
     [[nodiscard]] Async<std::optional<Bytes>> photo(UUID id);
 
-    /// Does what waits for iCloud: deletions, then uploads, oldest first, one at a time; then refreshes. Ends at the
-    /// first sign that iCloud is unavailable, throttling or full.
+    /// Does what waits for iCloud: deletions, then uploads, oldest first, one at a time; then refreshes. Uploads end
+    /// at the first sign that iCloud is unavailable, throttled or full; an alert that the server refuses doesn't hold
+    /// up those behind it. One pass at a time: a call during a pass asks for one more.
     [[nodiscard]] Async<void> catchUp();
 
-    [[nodiscard]] const PendingCloudDeletionStore& pendingDeletions() const;
+    [[nodiscard]] const PendingCloudDeletionStore& pendingDeletions() const { return pendingDeletions_; }
+
+private:
+    /// What a refresh has learnt from the cloud.
+    struct CloudAnswer {
+        bool isFresh = false; ///< the database itself has answered
+        std::optional<std::string> error;
+    };
+    class Loading;
+
+    Async<bool> isCloudAvailable();
+    [[nodiscard]] bool isThrottled();
+    Async<CloudAnswer> askCloud();
+    [[nodiscard]] Duration longestRefresh() const;
+    void apply(const CloudAnswer& answer, std::vector<StoredAlert> local);
+    [[nodiscard]] std::vector<AlertEvent> cloudAlerts(bool isFresh);
+    void publish(std::vector<AlertRow> rows);
+    [[nodiscard]] std::optional<std::string> storageNotice();
+    [[nodiscard]] bool isAnyWaiting();
+    void cloudRecovered();
+
+    Async<void> catchUpPass();
+    Async<void> uploadWaiting();
+    Async<bool> mayUploadNext();
+    Async<bool> uploadStored(StoredAlert stored);
+    void noteUploaded(const UUID& id);
+    Async<void> deletePending();
+    Async<bool> deleteBatch(std::unordered_set<UUID> ids);
+    [[nodiscard]] std::vector<UUID> deletableIDs() const;
+
+    MainActor actor_;
+    CloudKitService& cloud_;
+    LocalAlertStore& localStore_;
+    AlertUploader& uploader_;
+    const std::function<void()> uploadsCaughtUp_;
+    Ports ports_;
+    PendingCloudDeletionStore pendingDeletions_;
+    std::int64_t refreshGeneration_ = 0;
+    std::int64_t appliedGeneration_ = 0;
+    int refreshesUnderWay_ = 0;
+    bool lastRefreshTimedOut_ = false;
+    std::vector<Observation> observations_;
+    std::optional<Task<void>> activeRefreshTask_;
+    CoalescedPasses deletions_;
+    CoalescedPasses catchUps_;
+    TaskBag tasks_;
+    WeakAnchor<MacAlertsService> anchor_{*this};
 };
 
 } // namespace sentrel

@@ -19,10 +19,11 @@ class Calendar {
 public:
     virtual ~Calendar() = default;
 
-    /// The day, week, month or year that the date lies in. Weeks start on the locale's first weekday.
+    /// The day, week, month or year that the date lies in, or an empty interval at the date when it lies beyond what
+    /// the calendar knows. Weeks start on the locale's first weekday.
     [[nodiscard]] virtual DateInterval interval(CalendarUnit unit, Date date) = 0;
 
-    /// The date so many units later, or earlier for a negative count.
+    /// The date so many units later, or earlier for a negative count; beyond what the calendar knows, the date itself.
     [[nodiscard]] virtual Date adding(CalendarUnit unit, int count, Date date) = 0;
 
     /// The number of the unit: day of the month, week of the year, month from 1, year.

@@ -1,0 +1,86 @@
+#include "alerts/AlertUploader.hpp"
+
+#include "cloud/AsyncTimeout.hpp"
+#include "cloud/CloudErrors.hpp"
+#include "platform/CloudError.hpp"
+#include "platform/Journal.hpp"
+
+#include <chrono>
+#include <cstdint>
+#include <utility>
+
+namespace sentrel {
+
+using namespace std::chrono_literals;
+
+namespace {
+
+/// A slow or hung cloud never holds an upload longer than this.
+constexpr Duration longestUpload = 15s;
+
+} // namespace
+
+AlertUploader::AlertUploader(MainActor actor, CloudKitService& cloud, platform::Journal& journal)
+    : actor_(actor), cloud_(cloud), journal_(journal)
+{
+}
+
+AlertUploader::~AlertUploader()
+{
+    for (const auto& [id, task] : attempts_) {
+        task.abandon();
+    }
+}
+
+Async<AlertUploader::Outcome> AlertUploader::upload(AlertEvent alert, std::optional<Bytes> photo)
+{
+    if (discarded_.contains(alert.id)) {
+        co_return Outcome::deleted;
+    }
+    const auto [place, isNew] = attempts_.try_emplace(alert.id);
+    if (isNew) {
+        // A task of its own: it is under way until it has ended, whatever becomes of those who wait for it.
+        place->second = actor_.spawn(attempt(std::move(alert), std::move(photo)));
+    }
+    const Task<Outcome> task = place->second;
+    const Outcome outcome = co_await task;
+    co_return outcome;
+}
+
+Async<AlertUploader::Outcome> AlertUploader::attempt(AlertEvent alert, std::optional<Bytes> photo)
+{
+    const UUID id = alert.id;
+    Outcome outcome = Outcome::uploaded;
+    try {
+        co_await AsyncTimeout::run(actor_, longestUpload, cloud_.uploadAlert(std::move(alert), std::move(photo)));
+        journal_.note("alert.uploaded", {{"id", std::string_view{id.text()}}});
+    } catch (const CancellationError&) {
+        outcome = Outcome::failed; // the request was withdrawn: nobody's fault
+    } catch (const std::exception& error) {
+        outcome = noteFailure(id, error);
+    }
+    attempts_.erase(id);
+    co_return outcome;
+}
+
+AlertUploader::Outcome AlertUploader::noteFailure(const UUID& id, const std::exception& error)
+{
+    cloud_.recordSyncFailure(error);
+    const platform::CloudError* const cloudError = cloudKitErrorOf(error);
+    const std::int64_t code = cloudError != nullptr ? cloudError->code : 0;
+    const std::string idText = id.text();
+    const std::string message = cloud_.userFacingMessage(error);
+    journal_.note("alert.uploadFailed",
+                  {{"id", std::string_view{idText}}, {"code", code}, {"message", std::string_view{message}}});
+    if (isCloudKitError(error, CloudErrorCode::quotaExceeded)) {
+        return Outcome::storageFull;
+    }
+    return isNetworkError(error) ? Outcome::unreachable : Outcome::failed;
+}
+
+void AlertUploader::discard(const std::unordered_set<UUID>& ids)
+{
+    discarded_.insert(ids.begin(), ids.end());
+}
+
+} // namespace sentrel

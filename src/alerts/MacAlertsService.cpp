@@ -1,0 +1,298 @@
+#include "alerts/MacAlertsService.hpp"
+
+#include "alerts/AlertMerge.hpp"
+#include "alerts/AlertSections.hpp"
+#include "alerts/LocalAlertStore.hpp"
+#include "cloud/AsyncTimeout.hpp"
+#include "cloud/CloudErrors.hpp"
+#include "platform/FileSystem.hpp"
+#include "platform/Language.hpp"
+#include "platform/WallClock.hpp"
+#include "runtime/CurrentTask.hpp"
+#include "runtime/Detached.hpp"
+
+#include <algorithm>
+#include <chrono>
+#include <utility>
+
+namespace sentrel {
+
+using namespace std::chrono_literals;
+
+namespace {
+
+constexpr Duration longestCloudCall = 15s;
+
+/// A list that is fetched from its beginning comes in many pages, and half of it is of no use.
+constexpr Duration longestFullRefresh = 120s;
+
+/// A photo is larger than anything else that is asked of the cloud.
+constexpr Duration longestPhotoDownload = 60s;
+
+} // namespace
+
+/// Shows that a refresh is under way, for as long as its frame lives.
+class MacAlertsService::Loading {
+public:
+    explicit Loading(Weak<MacAlertsService> service) : service_(std::move(service))
+    {
+        ++service_.get()->refreshesUnderWay_;
+        service_.get()->isLoading = true;
+    }
+    ~Loading()
+    {
+        if (MacAlertsService* const service = service_.get()) {
+            service->isLoading = --service->refreshesUnderWay_ > 0;
+        }
+    }
+    Loading(const Loading&) = delete;
+    Loading& operator=(const Loading&) = delete;
+
+private:
+    Weak<MacAlertsService> service_;
+};
+
+MacAlertsService::MacAlertsService(MainActor actor, CloudKitService& cloud, LocalAlertStore& localStore,
+                                   AlertUploader& uploader, std::function<void()> uploadsCaughtUp, Ports ports)
+    : alerts(std::make_shared<const std::vector<AlertRow>>()),
+      actor_(actor),
+      cloud_(cloud),
+      localStore_(localStore),
+      uploader_(uploader),
+      uploadsCaughtUp_(std::move(uploadsCaughtUp)),
+      ports_(ports),
+      pendingDeletions_(PendingCloudDeletionStore::standardKey, ports.defaults),
+      deletions_(actor, [this] { return deletePending(); }),
+      catchUps_(actor, [this] { return catchUpPass(); })
+{
+    observations_.push_back(cloud_.isAvailable.observe([this](bool) { refreshStorageNotice(); }));
+    observations_.push_back(cloud_.isReachable.observe([this](bool) { refreshStorageNotice(); }));
+    observations_.push_back(cloud_.lastSyncError.observe([this](const std::optional<std::string>& error) {
+        if (!error) {
+            cloudRecovered();
+        }
+    }));
+}
+
+std::vector<AlertSection> MacAlertsService::sections() const
+{
+    return alertSections(*alerts.get(), ports_.wallClock.now(), ports_.calendar, ports_.language);
+}
+
+bool MacAlertsService::holds(const UUID& id) const
+{
+    const std::vector<AlertRow>& rows = *alerts.get();
+    return std::any_of(rows.begin(), rows.end(), [&id](const AlertRow& row) { return row.alert.id == id; });
+}
+
+void MacAlertsService::merge(const StoredAlert& stored)
+{
+    if (uploader_.discarded().contains(stored.alert.id) || holds(stored.alert.id)) {
+        return;
+    }
+    std::vector<AlertRow> rows;
+    rows.reserve(alerts.get()->size() + 1);
+    rows = *alerts.get();
+    insertInOrder(rows, {stored.alert, locationOf(stored)});
+    publish(std::move(rows));
+    refreshStorageNotice();
+}
+
+Async<void> MacAlertsService::refresh()
+{
+    const Loading loading{anchor_.weak()};
+    const std::int64_t generation = ++refreshGeneration_;
+    const CloudAnswer answer = co_await askCloud();
+    std::vector<StoredAlert> local = co_await localStore_.alertsInBackground();
+    const bool isCancelled = co_await isTaskCancelled();
+    if (isCancelled || generation < appliedGeneration_) {
+        co_return;
+    }
+    appliedGeneration_ = generation;
+    apply(answer, std::move(local));
+    hasLoadedInitialAlerts = true;
+}
+
+void MacAlertsService::startRefresh()
+{
+    if (activeRefreshTask_) {
+        activeRefreshTask_->cancel();
+    }
+    activeRefreshTask_ = actor_.spawn(refresh());
+    tasks_.add(*activeRefreshTask_);
+}
+
+Async<bool> MacAlertsService::isCloudAvailable()
+{
+    try {
+        const bool isAvailable =
+            co_await AsyncTimeout::run(actor_, longestCloudCall, cloud_.refreshAvailability(false));
+        co_return isAvailable;
+    } catch (const AsyncTimeout::TimedOut& error) {
+        cloud_.recordSyncFailure(error);
+    }
+    co_return false;
+}
+
+bool MacAlertsService::isThrottled()
+{
+    return cloud_.requestBackoff().remainingDelay(ports_.wallClock.now()) > 0.0;
+}
+
+Async<MacAlertsService::CloudAnswer> MacAlertsService::askCloud()
+{
+    CloudAnswer answer;
+    const bool isAvailable = co_await isCloudAvailable();
+    if (!isAvailable || isThrottled()) {
+        // Of an account that isn't there, the storage notice tells.
+        answer.error = cloud_.isAvailable ? cloud_.lastSyncError.get() : std::nullopt;
+        co_return answer;
+    }
+    try {
+        co_await AsyncTimeout::run(actor_, longestRefresh(), cloud_.refreshAlerts());
+        answer.isFresh = true;
+        lastRefreshTimedOut_ = false;
+    } catch (const CancellationError&) {
+        throw;
+    } catch (const std::exception& error) {
+        lastRefreshTimedOut_ = dynamic_cast<const AsyncTimeout::TimedOut*>(&error) != nullptr;
+        cloud_.recordSyncFailure(error);
+        answer.error = cloud_.userFacingMessage(error);
+    }
+    co_return answer;
+}
+
+Duration MacAlertsService::longestRefresh() const
+{
+    const std::vector<AlertRow>& rows = *alerts.get();
+    const bool isAnyKnown = std::any_of(rows.begin(), rows.end(), [](const AlertRow& row) {
+        return row.storageLocation == AlertStorageLocation::cloud;
+    });
+    const bool comesFromItsBeginning = !isAnyKnown && cloud_.cachedAlerts().empty();
+    return comesFromItsBeginning || lastRefreshTimedOut_ ? longestFullRefresh : longestCloudCall;
+}
+
+void MacAlertsService::apply(const CloudAnswer& answer, std::vector<StoredAlert> local)
+{
+    const bool isFresh = answer.isFresh && cloud_.isAvailable;
+    MergedAlerts merged = mergedAlerts(cloudAlerts(isFresh), std::move(local));
+    if (isFresh) {
+        // What is only remembered to be in the cloud doesn't cost the copy here.
+        localStore_.remove(merged.redundant);
+    }
+    publish(std::move(merged.rows));
+    errorMessage = answer.error;
+    refreshStorageNotice();
+    if (isFresh && !merged.redundant.empty()) {
+        uploadsCaughtUp_();
+    }
+    if (isFresh && !pendingDeletions_.ids().empty() && !catchUps_.isRunning()) {
+        deletions_.start();
+    }
+}
+
+/// The alerts of the cloud that the list shows: none that the user has deleted.
+std::vector<AlertEvent> MacAlertsService::cloudAlerts(bool isFresh)
+{
+    if (!cloud_.isAvailable) {
+        return {};
+    }
+    std::vector<AlertEvent> shown = cloud_.cachedAlerts();
+    std::unordered_set<UUID> returned;
+    std::erase_if(shown, [&](const AlertEvent& alert) {
+        const bool isDeleted = uploader_.discarded().contains(alert.id);
+        if (isDeleted && isFresh) {
+            returned.insert(alert.id);
+        }
+        return isDeleted || pendingDeletions_.ids().contains(alert.id);
+    });
+    // An upload that was given up may have reached the server after the deletion.
+    pendingDeletions_.add(returned);
+    return shown;
+}
+
+void MacAlertsService::publish(std::vector<AlertRow> rows)
+{
+    if (*alerts.get() != rows) {
+        alerts = std::make_shared<const std::vector<AlertRow>>(std::move(rows));
+    }
+}
+
+void MacAlertsService::refreshStorageNotice()
+{
+    const auto notice = storageNotice();
+    infoMessage = notice ? std::optional{ports_.language.localized(*notice)} : std::nullopt;
+}
+
+std::optional<std::string> MacAlertsService::storageNotice()
+{
+    const bool isListEmpty = alerts.get()->empty();
+    if (iCloudStorageIsFull && (!isListEmpty || !localStore_.identifiers().empty())) {
+        return "Your iCloud storage is full.\nNew alerts are saved on this Mac.";
+    }
+    if (isListEmpty) {
+        return std::nullopt;
+    }
+    if (isAnyWaiting()) {
+        return "Some alerts are waiting to upload to iCloud.";
+    }
+    if (!cloud_.isAvailable) {
+        return "Alerts are saved on this Mac only.";
+    }
+    if (!cloud_.isReachable) {
+        return "Showing alerts saved on this Mac until iCloud is reachable.";
+    }
+    return std::nullopt;
+}
+
+/// Whether an alert is on this Mac that the cloud is not known to hold.
+bool MacAlertsService::isAnyWaiting()
+{
+    std::unordered_set<UUID> waiting = localStore_.identifiers();
+    if (waiting.empty()) {
+        return false;
+    }
+    for (const AlertRow& row : *alerts.get()) {
+        if (row.storageLocation == AlertStorageLocation::cloud) {
+            waiting.erase(row.alert.id);
+        }
+    }
+    return !waiting.empty();
+}
+
+/// A request has been answered after one that had failed: time for what was left undone. Whatever a pass itself
+/// brings about doesn't count, or an alert that is refused would be tried for ever.
+void MacAlertsService::cloudRecovered()
+{
+    const bool hasLoaded = hasLoadedInitialAlerts;
+    if (hasLoaded && !catchUps_.isRunning() && (!pendingDeletions_.ids().empty() || isAnyWaiting())) {
+        catchUps_.start();
+    }
+}
+
+Async<std::optional<Bytes>> MacAlertsService::photo(UUID id)
+{
+    auto reading = detached(actor_.scheduler(), QualityOfService::userInitiated,
+                            [&files = ports_.files, file = localStore_.photoFile(id)] { return files.read(file); });
+    std::optional<Bytes> local = co_await reading;
+    if (local && !local->empty()) {
+        co_return local;
+    }
+    const bool isAvailable = co_await isCloudAvailable();
+    if (!isAvailable) {
+        co_return std::nullopt;
+    }
+    try {
+        std::optional<Bytes> remote = co_await AsyncTimeout::run(actor_, longestPhotoDownload, cloud_.alertPhoto(id));
+        co_return remote;
+    } catch (const CancellationError&) {
+        throw;
+    } catch (const std::exception& error) {
+        if (!isCloudKitError(error, CloudErrorCode::unknownItem)) {
+            cloud_.recordSyncFailure(error);
+        }
+    }
+    co_return std::nullopt;
+}
+
+} // namespace sentrel

@@ -1,0 +1,18 @@
+#pragma once
+
+#include "platform/Calendar.hpp"
+
+namespace sentrel::macos {
+
+/// The user's calendar, followed through every change of the settings.
+class MacCalendar final : public platform::Calendar {
+public:
+    [[nodiscard]] platform::DateInterval interval(platform::CalendarUnit unit, Date date) override;
+    [[nodiscard]] Date adding(platform::CalendarUnit unit, int count, Date date) override;
+    [[nodiscard]] int component(platform::CalendarUnit unit, Date date) override;
+    [[nodiscard]] std::string monthName(Date date) override;
+    [[nodiscard]] std::string formatted(Date date, Style dateStyle, Style timeStyle) override;
+    [[nodiscard]] std::string formatted(Date date, const std::string& pattern, const std::string& locale) override;
+};
+
+} // namespace sentrel::macos

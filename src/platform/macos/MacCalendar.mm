@@ -1,0 +1,103 @@
+#include "platform/macos/MacCalendar.hpp"
+
+#include "platform/macos/FoundationText.hpp"
+
+#import <Foundation/Foundation.h>
+
+namespace sentrel::macos {
+
+using platform::CalendarUnit;
+using platform::DateInterval;
+
+namespace {
+
+NSDate* dateObject(Date date)
+{
+    return [NSDate dateWithTimeIntervalSinceReferenceDate:date.secondsSinceReferenceDate];
+}
+
+Date dateOf(NSDate* date)
+{
+    return {date.timeIntervalSinceReferenceDate};
+}
+
+NSCalendarUnit unitOf(CalendarUnit unit)
+{
+    switch (unit) {
+    case CalendarUnit::day:
+        return NSCalendarUnitDay;
+    case CalendarUnit::weekOfYear:
+        return NSCalendarUnitWeekOfYear;
+    case CalendarUnit::month:
+        return NSCalendarUnitMonth;
+    case CalendarUnit::year:
+        break;
+    }
+    return NSCalendarUnitYear;
+}
+
+NSDateFormatterStyle styleOf(platform::Calendar::Style style)
+{
+    switch (style) {
+    case platform::Calendar::Style::shortStyle:
+        return NSDateFormatterShortStyle;
+    case platform::Calendar::Style::mediumStyle:
+        return NSDateFormatterMediumStyle;
+    case platform::Calendar::Style::longStyle:
+        return NSDateFormatterLongStyle;
+    case platform::Calendar::Style::none:
+        break;
+    }
+    return NSDateFormatterNoStyle;
+}
+
+} // namespace
+
+DateInterval MacCalendar::interval(CalendarUnit unit, Date date)
+{
+    NSDate* start = nil;
+    NSTimeInterval length = 0;
+    NSCalendar* const calendar = NSCalendar.autoupdatingCurrentCalendar;
+    if (![calendar rangeOfUnit:unitOf(unit) startDate:&start interval:&length forDate:dateObject(date)]) {
+        return {date, date};
+    }
+    return {dateOf(start), dateOf(start).addingSeconds(length)};
+}
+
+Date MacCalendar::adding(CalendarUnit unit, int count, Date date)
+{
+    NSDate* const sum = [NSCalendar.autoupdatingCurrentCalendar dateByAddingUnit:unitOf(unit)
+                                                                           value:count
+                                                                          toDate:dateObject(date)
+                                                                         options:0];
+    return sum != nil ? dateOf(sum) : date;
+}
+
+int MacCalendar::component(CalendarUnit unit, Date date)
+{
+    return static_cast<int>([NSCalendar.autoupdatingCurrentCalendar component:unitOf(unit) fromDate:dateObject(date)]);
+}
+
+std::string MacCalendar::monthName(Date date)
+{
+    NSDateFormatter* const formatter = [[NSDateFormatter alloc] init];
+    formatter.dateFormat = @"LLLL";
+    return textOf([formatter stringFromDate:dateObject(date)]);
+}
+
+std::string MacCalendar::formatted(Date date, Style dateStyle, Style timeStyle)
+{
+    return textOf([NSDateFormatter localizedStringFromDate:dateObject(date)
+                                                 dateStyle:styleOf(dateStyle)
+                                                 timeStyle:styleOf(timeStyle)]);
+}
+
+std::string MacCalendar::formatted(Date date, const std::string& pattern, const std::string& locale)
+{
+    NSDateFormatter* const formatter = [[NSDateFormatter alloc] init];
+    formatter.locale = [NSLocale localeWithLocaleIdentifier:stringObject(locale)];
+    formatter.dateFormat = stringObject(pattern);
+    return textOf([formatter stringFromDate:dateObject(date)]);
+}
+
+} // namespace sentrel::macos

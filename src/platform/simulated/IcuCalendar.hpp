@@ -1,0 +1,39 @@
+#pragma once
+
+#include "platform/Calendar.hpp"
+
+#include <memory>
+#include <mutex>
+#include <string>
+
+namespace sentrel::simulated {
+
+/// The calendar that a locale and a time zone imply. Either may change at any time, as a traveller's does. What lies
+/// beyond the calendar's range is an empty interval, or the date itself. Any thread.
+class IcuCalendar final : public platform::Calendar {
+public:
+    /// `locale` as ICU or BCP 47 writes it ("de_AT", "ja-JP-u-ca-japanese"), `timeZone` as the zone database
+    /// ("Europe/Paris"); a zone that isn't there means UTC.
+    explicit IcuCalendar(std::string locale = "en_US", std::string timeZone = "UTC");
+    ~IcuCalendar() override;
+
+    void setLocale(std::string locale);
+    void setTimeZone(std::string timeZone);
+
+    [[nodiscard]] platform::DateInterval interval(platform::CalendarUnit unit, Date date) override;
+    [[nodiscard]] Date adding(platform::CalendarUnit unit, int count, Date date) override;
+    [[nodiscard]] int component(platform::CalendarUnit unit, Date date) override;
+    [[nodiscard]] std::string monthName(Date date) override;
+    [[nodiscard]] std::string formatted(Date date, Style dateStyle, Style timeStyle) override;
+    [[nodiscard]] std::string formatted(Date date, const std::string& pattern, const std::string& locale) override;
+
+private:
+    struct Setting;
+
+    [[nodiscard]] std::shared_ptr<const Setting> setting();
+
+    std::mutex mutex_;
+    std::shared_ptr<const Setting> setting_; // never changed, but replaced
+};
+
+} // namespace sentrel::simulated
