@@ -117,22 +117,12 @@ void CloudKitConnectionMonitor::accountDidChange()
 
 Async<void> CloudKitConnectionMonitor::verifyOwnerAndFanOut()
 {
-    co_await verifyOwner();
-    requestFanOut();
-}
-
-Async<void> CloudKitConnectionMonitor::verifyOwner()
-{
-    // Until it is known whose account this is, each pass tries again.
-    isOwnerVerified_ = false;
     try {
         co_await AsyncTimeout::run(actor_, accountTimeLimit, cloud_.verifyCacheOwner());
-        isOwnerVerified_ = true;
-    } catch (const CancellationError&) {
-        throw;
-    } catch (const std::exception& error) {
+    } catch (const AsyncTimeout::TimedOut& error) {
         cloud_.recordSyncFailure(error);
     }
+    requestFanOut();
 }
 
 void CloudKitConnectionMonitor::requestFanOut()
@@ -157,10 +147,7 @@ Async<void> CloudKitConnectionMonitor::fanOut()
 Async<void> CloudKitConnectionMonitor::passOnce()
 {
     ports_.journal.note("fanout", {});
-    const bool answersNow = co_await refreshAvailability(true);
-    if (answersNow && !isOwnerVerified_) {
-        co_await verifyOwner();
-    }
+    co_await refreshAvailability(true);
     const bool isAvailable = co_await refreshAvailability(false);
     if (isAvailable) {
         co_await dependents_.catchUp();

@@ -53,7 +53,6 @@ private:
     static Async<void> debounce(Weak<CloudKitConnectionMonitor> weak);
     void accountDidChange();
     Async<void> verifyOwnerAndFanOut();
-    Async<void> verifyOwner();
     void requestFanOut();
     Async<void> fanOut();
     Async<void> passOnce();
@@ -68,7 +67,6 @@ private:
     Task<void> debouncedPathTask_;
     bool fanOutRunning_ = false;
     bool fanOutRerunRequested_ = false;
-    bool isOwnerVerified_ = false;
     std::mutex pathSequenceLock_;
     std::int64_t pathSequence_ = 0; ///< path updates received, on the queue
     std::int64_t lastAppliedPathSequence_ = 0;

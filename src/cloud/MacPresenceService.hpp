@@ -87,7 +87,7 @@ private:
     Async<void> sleepUntilWokenOrElapsed(Duration span);
     static Async<void> wakeAfter(Weak<MacPresenceService> weak, std::int64_t generation, Duration span);
     void pollSoon();
-    void obey(RemoteCommand command);
+    void obey(const RemoteCommand& command);
     void apply(const RemoteCommand& command);
     void ignore(const RemoteCommand& command, std::string_view why);
 

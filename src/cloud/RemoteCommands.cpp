@@ -10,7 +10,6 @@
 #include "runtime/Sleep.hpp"
 
 #include <algorithm>
-#include <cmath>
 #include <limits>
 #include <string_view>
 #include <utility>
@@ -28,7 +27,11 @@ constexpr const char* lastSequenceKey = "sentrel.macLastAppliedCommandSequence";
 
 void MacPresenceService::receive(const platform::CloudNotification& notification)
 {
-    if (notification.subscriptionID == macCommandSubscriptionID) {
+    if (notification.subscriptionID != macCommandSubscriptionID) {
+        return;
+    }
+    // Every Mac hears of every Mac's record, also of each heartbeat of one that has had a command.
+    if (!notification.recordName || *notification.recordName == deviceRecordName(deviceID())) {
         pollSoon();
     }
 }
@@ -131,11 +134,8 @@ Async<void> MacPresenceService::wakeAfter(Weak<MacPresenceService> weak, std::in
     }
 }
 
-void MacPresenceService::obey(RemoteCommand command)
+void MacPresenceService::obey(const RemoteCommand& command)
 {
-    if (command.issuedAt && !std::isfinite(command.issuedAt->secondsSinceReferenceDate)) {
-        command.issuedAt.reset(); // no date at all
-    }
     // Equal, not "at most": a phone that was reset counts from the beginning, and is obeyed.
     if (command.sequence == ports_.defaults.integer(lastSequenceKey).value_or(0)) {
         ignore(command, "repeated");
