@@ -16,6 +16,9 @@ class Language;
 /// The type of the records that hold alerts; each is named by its alert's identifier.
 inline constexpr const char* alertRecordType = "AlertEvent";
 
+/// The field with the photo, an asset.
+inline constexpr const char* alertPhotoField = "photo";
+
 /// The fields that make up a listed alert: all but the photo.
 [[nodiscard]] const std::vector<std::string>& alertListKeys();
 

@@ -15,6 +15,7 @@ class Language;
 
 /// The codes of `CKErrorDomain` that the product tells apart (`CKErrorCode`).
 namespace CloudErrorCode {
+inline constexpr int internalError = 1;
 inline constexpr int partialFailure = 2;
 inline constexpr int networkUnavailable = 3;
 inline constexpr int networkFailure = 4;

@@ -1,6 +1,8 @@
 #pragma once
 
+#include "cloud/CloudAlerts.hpp"
 #include "cloud/CloudBackoffPolicy.hpp"
+#include "cloud/CloudSubscriptions.hpp"
 #include "cloud/DeviceCatalog.hpp"
 #include "core/AlertEvent.hpp"
 #include "foundation/Bytes.hpp"
@@ -9,6 +11,7 @@
 #include "runtime/Observable.hpp"
 
 #include <exception>
+#include <memory>
 #include <optional>
 #include <string>
 #include <unordered_set>
@@ -43,13 +46,15 @@ public:
         platform::Journal& journal;
     };
 
+    /// Where the defaults keep the record name of the user whose alerts are cached.
+    static constexpr const char* cacheOwnerKey = "CloudKitService.cacheOwnerRecordName";
+
     /// Reads the cache of alerts and sweeps photo files that an earlier run's uploads left behind.
     CloudKitService(MainActor actor, Ports ports);
-    ~CloudKitService();
     CloudKitService(const CloudKitService&) = delete;
 
-    Observable<bool> isAvailable;                          ///< the account is usable
-    Observable<bool> isReachable;                          ///< iCloud answered the last request
+    Observable<bool> isAvailable;                         ///< the account is usable
+    Observable<bool> isReachable;                         ///< iCloud answered the last request
     Observable<std::optional<std::string>> lastSyncError; ///< of the last failure, for the user
 
     /// Whether the account is available. Asks at most once a minute while the account answers, every 20 s while it
@@ -59,13 +64,17 @@ public:
     [[nodiscard]] std::optional<platform::CloudAccountStatus> lastAccountStatus() const;
     [[nodiscard]] std::optional<Date> availabilityCacheExpiry() const;
 
-    /// The network path has become usable, or has been lost.
+    /// The network path has become usable, or has been lost: the account is then asked again within 20 s.
     void networkPathChanged(bool isSatisfied);
 
-    /// Drops what was remembered of the previous iCloud user. True when the user has changed since.
+    /// Drops what was remembered of the previous iCloud user. True when the user has changed since. Never throws, but
+    /// for a `CancellationError`: a user who can't be asked for counts as the same.
     [[nodiscard]] Async<bool> verifyCacheOwner();
 
     [[nodiscard]] std::string userFacingMessage(const std::exception& error) const;
+
+    /// How a request went, which whoever makes it tells. A throttled one makes `requestBackoff` grow; that is kept by
+    /// whoever repeats requests, and no request is refused because of it.
     void recordSyncFailure(const std::exception& error);
     void recordSyncSuccess();
     [[nodiscard]] const CloudBackoffPolicy& requestBackoff() const;
@@ -79,27 +88,46 @@ public:
     [[nodiscard]] std::vector<AlertEvent> cachedAlerts() const;
 
     /// Brings what is known up to date with the database, in as many requests as there are changes. Throws what the
-    /// requests throw, and then has changed nothing.
+    /// requests throw, and then has changed nothing. Several may run at a time: what one has learnt, and what was
+    /// uploaded or deleted meanwhile, no other undoes.
     [[nodiscard]] Async<void> refreshAlerts();
 
-    /// The alert's photo from the cloud; none when it has none. Throws what the request throws.
+    /// The alert's photo from the cloud; none when it has none, or none that can be read. Throws what the request
+    /// throws.
     [[nodiscard]] Async<std::optional<Bytes>> alertPhoto(UUID id);
 
     /// Deletes alerts from the cloud, in batches. Gives those that the cloud does not hold any more, whoever deleted
     /// them. Reports failures through `recordSyncFailure`, and throws only a `CancellationError`.
     [[nodiscard]] Async<std::unordered_set<UUID>> deleteAlerts(std::unordered_set<UUID> ids);
 
-    /// Writes this Mac's presence, and its identifier into the catalog when it isn't known to be there.
+    /// Writes this Mac's presence, and its identifier into the catalog when it isn't known to be there. Throws what the
+    /// requests throw.
     [[nodiscard]] Async<void> publishPresence(DevicePresence presence);
 
-    /// The command that waits in the record of this device; none without one or without a record.
+    /// The command that waits in the record of this device; none without one or without a record. Throws what the
+    /// request throws.
     [[nodiscard]] Async<std::optional<RemoteCommand>> fetchCommand(std::string deviceID);
 
-    /// Saves the two push subscriptions, once in a run for each user, unless a failure asks to wait. Never throws, but
-    /// for a `CancellationError`.
+    /// Saves the two push subscriptions, once in a run for each user, unless a failure asks to wait. Nothing while the
+    /// account is not available. Never throws, but for a `CancellationError`.
     [[nodiscard]] Async<void> ensureSubscriptions();
     [[nodiscard]] bool macCommandSubscriptionEnsured() const;
     [[nodiscard]] std::optional<std::string> pushSubscriptionError() const;
+
+private:
+    void requireAvailable() const;
+    void trustAvailabilityAtMost(double seconds);
+    [[nodiscard]] Async<void> listInCatalog(std::string deviceID);
+
+    MainActor actor_;
+    Ports ports_;
+    std::optional<platform::CloudAccountStatus> lastAccountStatus_;
+    std::optional<Date> availabilityCacheExpiry_;
+    std::exception_ptr lastAvailabilityError_;
+    CloudBackoffPolicy requestBackoff_;
+    CloudAlerts alerts_;
+    std::unordered_set<std::string> macDeviceIDsInCatalog_;
+    CloudSubscriptions subscriptions_;
 };
 
 } // namespace sentrel

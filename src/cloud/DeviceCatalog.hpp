@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace sentrel {
 
@@ -18,6 +19,9 @@ inline constexpr const char* deviceCatalogRecordName = "mac-device-catalog";
 
 /// The catalog's field: a list of texts.
 inline constexpr const char* deviceIDsField = "deviceIDs";
+
+/// The command's field that says what the phone asks: 1 to arm, 0 to disarm.
+inline constexpr const char* requestedArmStateField = "requestedArmState";
 
 /// The name of the record of one Mac: the catalog's, a hyphen and the device's identifier.
 [[nodiscard]] std::string deviceRecordName(const std::string& deviceID);
@@ -45,6 +49,9 @@ struct RemoteCommand {
 
 /// None when a field is missing or of another type; a missing name is "Mac".
 [[nodiscard]] std::optional<DevicePresence> presenceOf(const platform::CloudRecord& record);
+
+/// The fields that make up a command.
+[[nodiscard]] const std::vector<std::string>& commandKeys();
 
 /// The command in a Mac's record; none when there is no sequence or no requested state.
 [[nodiscard]] std::optional<RemoteCommand> commandOf(const platform::CloudRecord& record);

@@ -1,0 +1,107 @@
+#include "cloud/AlertCatalog.hpp"
+
+#include "cloud/RecordMerge.hpp"
+
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace sentrel {
+
+namespace {
+
+using Texts = std::vector<std::string>;
+
+bool isTruncated(const platform::CloudRecord& record)
+{
+    const auto* const flag = platform::fieldOf<std::int64_t>(record, AlertCatalog::isTruncatedField);
+    return flag != nullptr && *flag != 0;
+}
+
+/// Puts the debts into the list; false when it needs no change.
+bool merge(platform::CloudRecord& record, const CatalogDebts& debts)
+{
+    const auto* const listed = platform::fieldOf<Texts>(record, AlertCatalog::alertIDsField);
+    Texts texts = listed != nullptr ? *listed : Texts{};
+    std::unordered_set<UUID> missing{debts.additions.begin(), debts.additions.end()};
+    const std::size_t dropped = std::erase_if(texts, [&](const std::string& text) {
+        const auto id = UUID::parse(text);
+        if (id) {
+            missing.erase(*id);
+        }
+        return !id || debts.removals.contains(*id);
+    });
+    if (dropped == 0 && missing.empty()) {
+        return false;
+    }
+    for (const UUID& id : debts.additions) {
+        if (missing.erase(id) > 0) {
+            texts.push_back(id.text());
+        }
+    }
+    if (texts.size() > AlertCatalog::mostIdentifiers) {
+        texts.erase(texts.begin(), texts.end() - static_cast<std::ptrdiff_t>(AlertCatalog::mostIdentifiers));
+        record.fields[AlertCatalog::isTruncatedField] = std::int64_t{1};
+    }
+    record.fields[AlertCatalog::alertIDsField] = std::move(texts);
+    return true;
+}
+
+} // namespace
+
+Async<platform::CloudRecord> AlertCatalog::read(platform::CloudDatabase& database)
+{
+    return recordOrNew(database, recordType, recordName);
+}
+
+Async<std::optional<platform::CloudRecord>> AlertCatalog::tryToRead(platform::CloudDatabase& database)
+{
+    std::optional<platform::CloudRecord> record;
+    try {
+        record = co_await read(database);
+    } catch (const platform::CloudError&) {
+        co_return std::nullopt;
+    }
+    co_return record;
+}
+
+std::optional<AlertCatalog::Contents> AlertCatalog::contentsOf(const platform::CloudRecord& record)
+{
+    const auto* const texts = platform::fieldOf<Texts>(record, alertIDsField);
+    if (texts == nullptr) {
+        return std::nullopt;
+    }
+    Contents contents;
+    contents.isTruncated = sentrel::isTruncated(record);
+    contents.ids.reserve(texts->size());
+    for (const std::string& text : *texts) {
+        if (const auto id = UUID::parse(text)) {
+            contents.ids.insert(*id);
+        }
+    }
+    return contents;
+}
+
+Async<void> AlertCatalog::payDebts(std::optional<platform::CloudRecord> fresh)
+{
+    if (cache_.debts().isEmpty()) {
+        co_return;
+    }
+    const auto changes = cache_.watch();
+    CatalogDebts paid;
+    // Each attempt pays what is owed then: another user's debts are gone, and newer ones are there.
+    RecordMerge merging = [&paid, &cache = cache_](platform::CloudRecord& record) {
+        paid = cache.debts();
+        return merge(record, paid);
+    };
+    try {
+        co_await mergeIntoRecord(database_, recordType, recordName, std::move(fresh), std::move(merging));
+    } catch (const platform::CloudError&) {
+        co_return;
+    }
+    if (!changes->isAnotherUser) {
+        cache_.settle(paid);
+    }
+}
+
+} // namespace sentrel

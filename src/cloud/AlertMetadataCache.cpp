@@ -1,0 +1,208 @@
+#include "cloud/AlertMetadataCache.hpp"
+
+#include "foundation/Json.hpp"
+#include "platform/DurableFile.hpp"
+#include "platform/FileSystem.hpp"
+#include "platform/Journal.hpp"
+
+#include <algorithm>
+#include <cerrno>
+#include <utility>
+
+namespace sentrel {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+/// One write for a burst of changes.
+constexpr Duration persistDelay = 1s;
+
+/// When and where alarms went off is nobody's business but the user's.
+constexpr std::uint32_t directoryMode = 0700;
+constexpr std::uint32_t fileMode = 0600;
+
+AlertCacheContents readContents(platform::FileSystem& files, platform::Journal& journal,
+                                const std::filesystem::path& file, std::optional<std::string> owner)
+{
+    AlertCacheContents empty;
+    empty.owner = std::move(owner);
+    const auto bytes = files.read(file);
+    if (!bytes) {
+        return empty;
+    }
+    auto contents = decodeAlertCache(*bytes);
+    if (!contents) {
+        journal.note("alertCache.damaged", {});
+        return empty;
+    }
+    return contents->owner == empty.owner ? *std::move(contents) : empty;
+}
+
+/// Returns 0 or an `errno` value.
+int write(platform::FileSystem& files, const std::filesystem::path& directory, const AlertCacheContents& contents)
+{
+    try {
+        const std::string text = encodeAlertCache(contents);
+        files.createDirectories(directory, directoryMode);
+        return platform::writeDurably(files, directory / AlertMetadataCache::fileName, bytesOf(text), fileMode);
+    } catch (const JsonEncodingError&) {
+        return EINVAL;
+    }
+}
+
+} // namespace
+
+AlertMetadataCache::AlertMetadataCache(MainActor actor, platform::FileSystem& files, platform::Journal& journal,
+                                       std::filesystem::path directory, std::optional<std::string> owner)
+    : actor_(actor),
+      files_(files),
+      journal_(journal),
+      cacheDirectory_(std::move(directory)),
+      alertCache_(readContents(files, journal, cacheDirectory_ / fileName, std::move(owner))),
+      writing_(actor.scheduler())
+{
+}
+
+void AlertMetadataCache::setComplete()
+{
+    if (!alertCache_.isComplete) {
+        alertCache_.isComplete = true;
+        persistSoon();
+    }
+}
+
+void AlertMetadataCache::insert(AlertEvent alert)
+{
+    const UUID id = alert.id;
+    const auto known = alertCache_.alerts.find(id);
+    if (known != alertCache_.alerts.end() && !alert.photoFileName) {
+        alert.photoFileName = known->second.photoFileName;
+    }
+    alertCache_.alerts.insert_or_assign(id, std::move(alert));
+    markChanged(id);
+    persistSoon();
+}
+
+void AlertMetadataCache::setPhoto(const UUID& id, bool hasPhoto)
+{
+    const auto known = alertCache_.alerts.find(id);
+    if (known == alertCache_.alerts.end() || known->second.photoFileName.has_value() == hasPhoto) {
+        return;
+    }
+    known->second.photoFileName = hasPhoto ? std::optional{id.text() + ".jpg"} : std::nullopt;
+    persistSoon();
+}
+
+void AlertMetadataCache::erase(const std::unordered_set<UUID>& ids)
+{
+    for (const UUID& id : ids) {
+        alertCache_.alerts.erase(id);
+        markChanged(id);
+    }
+    persistSoon();
+}
+
+void AlertMetadataCache::oweAdditions(const std::vector<UUID>& ids)
+{
+    CatalogDebts& debts = alertCache_.debts;
+    for (const UUID& id : ids) {
+        debts.removals.erase(id);
+    }
+    debts.additions.insert(debts.additions.end(), ids.begin(), ids.end());
+    persistSoon();
+}
+
+void AlertMetadataCache::oweRemovals(const std::unordered_set<UUID>& ids)
+{
+    CatalogDebts& debts = alertCache_.debts;
+    std::erase_if(debts.additions, [&](const UUID& id) { return ids.contains(id); });
+    debts.removals.insert(ids.begin(), ids.end());
+    persistSoon();
+}
+
+void AlertMetadataCache::settle(const CatalogDebts& paid)
+{
+    CatalogDebts& debts = alertCache_.debts;
+    const std::unordered_set<UUID> added{paid.additions.begin(), paid.additions.end()};
+    std::erase_if(debts.additions, [&](const UUID& id) { return added.contains(id); });
+    std::erase_if(debts.removals, [&](const UUID& id) { return paid.removals.contains(id); });
+    persistSoon();
+}
+
+std::shared_ptr<const AlertMetadataCache::Changes> AlertMetadataCache::watch()
+{
+    std::erase_if(watches_, [](const std::weak_ptr<Changes>& watch) { return watch.expired(); });
+    auto changes = std::make_shared<Changes>();
+    watches_.push_back(changes);
+    return changes;
+}
+
+void AlertMetadataCache::setOwner(std::string owner)
+{
+    if (alertCache_.owner != owner) {
+        alertCache_.owner = std::move(owner);
+        persistSoon();
+    }
+}
+
+void AlertMetadataCache::startOver(std::string owner)
+{
+    alertCache_ = {};
+    alertCache_.owner = std::move(owner);
+    for (const std::weak_ptr<Changes>& watch : watches_) {
+        if (const auto changes = watch.lock()) {
+            changes->isAnotherUser = true;
+        }
+    }
+    files_.remove(cacheDirectory_ / fileName);
+    // A write that is under way may bring the old file back: this one follows it.
+    persistSoon();
+}
+
+Async<void> AlertMetadataCache::flush()
+{
+    if (!persistAlertCacheTask_ || persistAlertCacheTask_.isFinished()) {
+        co_return;
+    }
+    hurry_.signal();
+    const Task<void> persisting = persistAlertCacheTask_;
+    co_await persisting;
+}
+
+void AlertMetadataCache::markChanged(const UUID& id)
+{
+    for (const std::weak_ptr<Changes>& watch : watches_) {
+        if (const auto changes = watch.lock()) {
+            changes->ids.insert(id);
+        }
+    }
+}
+
+void AlertMetadataCache::persistSoon()
+{
+    isDirty_ = true;
+    if (!persistAlertCacheTask_ || persistAlertCacheTask_.isFinished()) {
+        persistAlertCacheTask_ = actor_.spawn(persist());
+        tasks_.add(persistAlertCacheTask_);
+    }
+}
+
+Async<void> AlertMetadataCache::persist()
+{
+    while (isDirty_) {
+        co_await hurry_.waitUntil(actor_.scheduler().now() + persistDelay);
+        isDirty_ = false;
+        const auto snapshot = std::make_shared<const AlertCacheContents>(alertCache_);
+        auto work = [&files = files_, directory = cacheDirectory_, snapshot] {
+            return write(files, directory, *snapshot);
+        };
+        const Task<int> written = writing_.start(QualityOfService::utility, std::move(work));
+        const int error = co_await written;
+        if (error != 0) {
+            journal_.note("alertCache.notSaved", {{"error", std::int64_t{error}}});
+        }
+    }
+}
+
+} // namespace sentrel

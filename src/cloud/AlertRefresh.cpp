@@ -1,0 +1,165 @@
+#include "cloud/AlertRefresh.hpp"
+
+#include "cloud/AlertRecord.hpp"
+#include "cloud/CloudErrors.hpp"
+#include "runtime/CurrentTask.hpp"
+
+#include <algorithm>
+#include <iterator>
+#include <utility>
+
+namespace sentrel {
+
+Async<void> AlertRefresh::run()
+{
+    const auto changes = cache_.watch();
+    platform::CloudRecord record = co_await AlertCatalog::read(database_);
+    listed_ = AlertCatalog::contentsOf(record);
+    if (!cache_.isComplete() || !listed_) {
+        co_await queryAll();
+    }
+    co_await fetch(unknownIDs());
+    const bool isCancelled = co_await isTaskCancelled();
+    if (isCancelled) {
+        throw CancellationError{};
+    }
+    if (changes->isAnotherUser) {
+        co_return;
+    }
+    apply(changes->ids);
+    co_await catalog_.payDebts(std::move(record));
+}
+
+Async<void> AlertRefresh::queryAll()
+{
+    platform::CloudQuery query;
+    query.recordType = alertRecordType;
+    platform::CloudQueryPage page = co_await database_.query(std::move(query), alertListKeys(), batchSize);
+    for (;;) {
+        for (const auto& [name, result] : page.results) {
+            note(name, result);
+        }
+        if (page.cursor == nullptr) {
+            break;
+        }
+        page = co_await database_.continueQuery(page.cursor, alertListKeys(), batchSize);
+    }
+    hasQueried_ = true;
+}
+
+std::vector<UUID> AlertRefresh::unknownIDs() const
+{
+    std::vector<UUID> ids;
+    if (!listed_) {
+        return ids;
+    }
+    for (const UUID& id : listed_->ids) {
+        const bool isKnown = found_.contains(id) || (!hasQueried_ && cache_.alerts().contains(id));
+        const bool isHopeless = unusable_.contains(id) || unreadable_.contains(id);
+        if (!isKnown && !isHopeless && !cache_.debts().removals.contains(id)) {
+            ids.push_back(id);
+        }
+    }
+    return ids;
+}
+
+Async<void> AlertRefresh::fetch(std::vector<UUID> ids)
+{
+    for (std::size_t start = 0; start < ids.size(); start += batchSize) {
+        std::vector<std::string> names;
+        for (std::size_t i = start; i < std::min(start + batchSize, ids.size()); ++i) {
+            names.push_back(ids[i].text());
+        }
+        const auto results = co_await database_.records(std::move(names), alertListKeys());
+        for (const auto& [name, result] : results) {
+            note(name, result);
+        }
+    }
+}
+
+void AlertRefresh::note(const std::string& name, const platform::CloudRecordResult& result)
+{
+    const auto id = UUID::parse(name);
+    if (!id) {
+        return;
+    }
+    if (const auto* const error = std::get_if<platform::CloudError>(&result)) {
+        if (isCloudKitError(*error, CloudErrorCode::unknownItem)) {
+            gone_.insert(*id);
+        } else if (isNetworkError(*error) || isThrottlingError(*error)) {
+            throw platform::CloudError{*error}; // so will be the rest
+        } else {
+            unreadable_.insert(*id);
+        }
+        return;
+    }
+    if (auto alert = alertOf(std::get<platform::CloudRecord>(result))) {
+        found_.insert_or_assign(*id, *std::move(alert));
+    } else {
+        unusable_.insert(*id);
+    }
+}
+
+void AlertRefresh::apply(const std::unordered_set<UUID>& newer)
+{
+    const auto isNewer = [&](const UUID& id) { return newer.contains(id) || cache_.debts().removals.contains(id); };
+    std::erase_if(found_, [&](const auto& entry) { return isNewer(entry.first); });
+    std::erase_if(unreadable_, isNewer);
+    std::erase_if(gone_, isNewer);
+    dropDeleted(newer);
+    if (!gone_.empty()) {
+        cache_.oweRemovals(gone_);
+    }
+    if (hasQueried_) {
+        oweUnlisted();
+        cache_.setComplete();
+    }
+    for (auto& [id, alert] : found_) {
+        cache_.insert(std::move(alert));
+    }
+}
+
+void AlertRefresh::dropDeleted(const std::unordered_set<UUID>& newer)
+{
+    if (!hasQueried_ && listed_->isTruncated) {
+        return;
+    }
+    const std::vector<UUID>& additions = cache_.debts().additions;
+    const std::unordered_set<UUID> owed{additions.begin(), additions.end()};
+    std::unordered_set<UUID> deleted;
+    for (const auto& [id, alert] : cache_.alerts()) {
+        const bool isListed = listed_ && listed_->ids.contains(id) && !gone_.contains(id);
+        // An alert that is owed was saved by this Mac, and a query may not show yet what was saved just now.
+        const bool exists = isListed || owed.contains(id) || found_.contains(id) || unreadable_.contains(id);
+        if (!exists && !newer.contains(id)) {
+            deleted.insert(id);
+        }
+    }
+    if (!deleted.empty()) {
+        cache_.erase(deleted);
+    }
+}
+
+void AlertRefresh::oweUnlisted()
+{
+    if (listed_ && listed_->isTruncated) {
+        return; // they fell off because they are old
+    }
+    const auto isUnlisted = [&](const UUID& id) { return !listed_ || !listed_->ids.contains(id); };
+    std::vector<std::pair<Date, UUID>> unlisted;
+    for (const auto& [id, alert] : found_) {
+        if (isUnlisted(id)) {
+            unlisted.emplace_back(alert.timestamp, id);
+        }
+    }
+    std::sort(unlisted.begin(), unlisted.end());
+    std::vector<UUID> additions;
+    std::copy_if(unreadable_.begin(), unreadable_.end(), std::back_inserter(additions), isUnlisted);
+    std::transform(unlisted.begin(), unlisted.end(), std::back_inserter(additions),
+                   [](const auto& entry) { return entry.second; });
+    if (!additions.empty()) {
+        cache_.oweAdditions(additions);
+    }
+}
+
+} // namespace sentrel

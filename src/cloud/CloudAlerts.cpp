@@ -1,0 +1,225 @@
+#include "cloud/CloudAlerts.hpp"
+
+#include "cloud/AlertRecord.hpp"
+#include "cloud/AlertRefresh.hpp"
+#include "cloud/CloudErrors.hpp"
+#include "platform/CloudDatabase.hpp"
+#include "platform/FileSystem.hpp"
+#include "platform/HostInfo.hpp"
+
+#include <algorithm>
+#include <iterator>
+#include <utility>
+
+namespace sentrel {
+
+namespace {
+
+/// The server takes 400 records in a request.
+constexpr std::size_t batchSize = 200;
+
+using ItemErrors = std::map<std::string, platform::CloudError>;
+
+bool isThrottled(const ItemErrors& errors)
+{
+    return std::any_of(errors.begin(), errors.end(), [](const auto& entry) { return isThrottlingError(entry.second); });
+}
+
+/// The error of a request by those of its records.
+platform::CloudError errorOf(const ItemErrors& errors)
+{
+    // A server that asks for patience must be heard, whatever else went wrong.
+    for (const auto& [name, error] : errors) {
+        if (isThrottlingError(error)) {
+            return error;
+        }
+    }
+    platform::CloudError partial{"CKErrorDomain", CloudErrorCode::partialFailure, "some records were not deleted"};
+    partial.itemErrors = errors;
+    return partial;
+}
+
+} // namespace
+
+CloudAlerts::CloudAlerts(MainActor actor, Ports ports, UploadPhotoFiles::Ports photoPorts,
+                         std::filesystem::path cacheDirectory, std::optional<std::string> owner)
+    : actor_(actor),
+      ports_(ports),
+      cache_(actor, ports.files, ports.journal, std::move(cacheDirectory), std::move(owner)),
+      catalog_(ports.database, cache_),
+      photoFiles_(actor, photoPorts),
+      reading_(actor.scheduler())
+{
+}
+
+std::vector<AlertEvent> CloudAlerts::cached() const
+{
+    std::vector<AlertEvent> alerts;
+    alerts.reserve(cache_.alerts().size());
+    for (const auto& [id, alert] : cache_.alerts()) {
+        alerts.push_back(alert);
+    }
+    return alerts;
+}
+
+Async<void> CloudAlerts::upload(AlertEvent alert, std::optional<Bytes> photo)
+{
+    const auto changes = cache_.watch();
+    platform::CloudRecord record = alertRecord(alert, ports_.host.localizedName().value_or("Mac"), ports_.language);
+    std::optional<UploadPhotoFiles::File> file;
+    if (photo) {
+        Bytes content = *std::move(photo);
+        auto written = co_await photoFiles_.write(std::move(content));
+        file.emplace(std::move(written));
+        record.fields[alertPhotoField] = platform::CloudAsset{file->path()};
+    }
+    const auto uploaded = alertOf(record);
+
+    // Reads the catalog while the record is saved, so that the addition afterwards takes one request only.
+    const auto bookkeeping = actor_.spawn(AlertCatalog::tryToRead(ports_.database));
+    try {
+        co_await save(std::move(record));
+    } catch (const std::exception&) {
+        bookkeeping.cancel();
+        throw;
+    }
+    if (changes->isAnotherUser) {
+        co_return; // it is in the database of the user who has left
+    }
+    // Before anything else is awaited: whatever comes now, the alert is known to be there.
+    if (uploaded) {
+        cache_.insert(*uploaded);
+        cache_.oweAdditions({alert.id});
+    }
+    auto catalog = co_await bookkeeping;
+    if (catalog) {
+        co_await settleDebts(std::move(catalog));
+    } else {
+        co_await cache_.flush();
+    }
+}
+
+/// An alert that is there already counts as saved: the answer to an earlier attempt was lost.
+Async<void> CloudAlerts::save(platform::CloudRecord record)
+{
+    try {
+        co_await ports_.database.save(std::move(record));
+    } catch (const platform::CloudError& error) {
+        if (!isCloudKitError(error, CloudErrorCode::serverRecordChanged)) {
+            throw;
+        }
+    }
+}
+
+/// A debt that could not be paid is on the disk before anybody learns that the alert is safe, or gone.
+Async<void> CloudAlerts::settleDebts(std::optional<platform::CloudRecord> catalog)
+{
+    co_await catalog_.payDebts(std::move(catalog));
+    if (!cache_.debts().isEmpty()) {
+        co_await cache_.flush();
+    }
+}
+
+Async<void> CloudAlerts::refresh()
+{
+    AlertRefresh refresh{ports_.database, catalog_, cache_, unusable_};
+    co_await refresh.run();
+}
+
+Async<std::optional<Bytes>> CloudAlerts::photo(UUID id)
+{
+    const auto changes = cache_.watch();
+    std::vector<std::string> names(1, id.text());
+    std::vector<std::string> keys(1, alertPhotoField);
+    const auto results = co_await ports_.database.records(std::move(names), std::move(keys));
+    const auto found = results.find(id.text());
+    if (found == results.end() || changes->isAnotherUser) {
+        co_return std::nullopt;
+    }
+    if (const auto* const error = std::get_if<platform::CloudError>(&found->second)) {
+        if (!isCloudKitError(*error, CloudErrorCode::unknownItem)) {
+            throw platform::CloudError{*error};
+        }
+        if (!changes->ids.contains(id)) {
+            forget({id});
+        }
+        co_return std::nullopt;
+    }
+    const auto& record = std::get<platform::CloudRecord>(found->second);
+    const auto* const asset = platform::fieldOf<platform::CloudAsset>(record, alertPhotoField);
+    cache_.setPhoto(id, asset != nullptr);
+    if (asset == nullptr) {
+        co_return std::nullopt;
+    }
+    auto work = [&files = ports_.files, file = asset->file] { return files.read(file); };
+    const auto reading = reading_.start(QualityOfService::userInitiated, std::move(work));
+    co_return co_await reading;
+}
+
+Async<CloudAlerts::Deletion> CloudAlerts::remove(std::unordered_set<UUID> ids)
+{
+    Deletion deletion;
+    ItemErrors errors;
+    const std::vector<UUID> all{ids.begin(), ids.end()};
+    for (std::size_t start = 0; start < all.size() && !isThrottled(errors); start += batchSize) {
+        const auto first = all.begin() + static_cast<std::ptrdiff_t>(start);
+        const auto last = all.begin() + static_cast<std::ptrdiff_t>(std::min(start + batchSize, all.size()));
+        std::vector<UUID> batch{first, last};
+        try {
+            co_await removeBatch(std::move(batch), deletion.gone, errors);
+        } catch (const platform::CloudError&) {
+            deletion.error = std::current_exception();
+            break; // so would be the rest
+        }
+    }
+    if (deletion.error != nullptr) {
+        co_await cache_.flush();
+    } else {
+        co_await settleDebts(std::nullopt);
+    }
+    if (deletion.error == nullptr && !errors.empty()) {
+        deletion.error = std::make_exception_ptr(errorOf(errors));
+    }
+    co_return deletion;
+}
+
+Async<void> CloudAlerts::removeBatch(std::vector<UUID> ids, std::unordered_set<UUID>& gone, ItemErrors& errors)
+{
+    const auto changes = cache_.watch();
+    std::vector<std::string> names;
+    std::transform(ids.begin(), ids.end(), std::back_inserter(names), [](const UUID& id) { return id.text(); });
+    std::vector<platform::CloudRecord> nothing;
+    const auto answer = co_await ports_.database.modify(std::move(nothing), std::move(names),
+                                                        platform::CloudSavePolicy::ifServerRecordUnchanged, false);
+    std::unordered_set<UUID> goneNow;
+    for (const UUID& id : ids) {
+        const std::string name = id.text();
+        const auto found = answer.deleted.find(name);
+        if (found == answer.deleted.end()) {
+            errors.emplace(
+                name, platform::CloudError{"CKErrorDomain", CloudErrorCode::internalError, "no word of the record"});
+        } else if (found->second && !isCloudKitError(*found->second, CloudErrorCode::unknownItem)) {
+            errors.emplace(name, *found->second);
+        } else {
+            goneNow.insert(id);
+        }
+    }
+    if (!changes->isAnotherUser && !goneNow.empty()) {
+        forget(goneNow);
+    }
+    gone.merge(goneNow);
+}
+
+void CloudAlerts::forget(const std::unordered_set<UUID>& ids)
+{
+    cache_.erase(ids);
+    cache_.oweRemovals(ids);
+}
+
+void CloudAlerts::startOver(std::string owner)
+{
+    unusable_.clear();
+    cache_.startOver(std::move(owner));
+}
+
+} // namespace sentrel

@@ -1,0 +1,78 @@
+#pragma once
+
+#include "cloud/AlertCatalog.hpp"
+#include "cloud/AlertMetadataCache.hpp"
+#include "cloud/UploadPhotoFiles.hpp"
+#include "core/AlertEvent.hpp"
+#include "platform/CloudError.hpp"
+#include "runtime/DetachedWork.hpp"
+
+#include <exception>
+#include <filesystem>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <unordered_set>
+#include <vector>
+
+namespace sentrel {
+
+namespace platform {
+class CloudDatabase;
+class Journal;
+class Language;
+} // namespace platform
+
+/// The alerts in the database, with the cache that mirrors them. Main actor only.
+class CloudAlerts {
+public:
+    struct Ports {
+        platform::CloudDatabase& database;
+        platform::FileSystem& files;
+        platform::HostInfo& host;
+        platform::Language& language;
+        platform::Journal& journal;
+    };
+
+    /// What a deletion came to.
+    struct Deletion {
+        std::unordered_set<UUID> gone; ///< the database doesn't hold these any more, whoever deleted them
+        std::exception_ptr error;      ///< why it holds others still; null when it holds none
+    };
+
+    CloudAlerts(MainActor actor, Ports ports, UploadPhotoFiles::Ports photoPorts, std::filesystem::path cacheDirectory,
+                std::optional<std::string> owner);
+    CloudAlerts(const CloudAlerts&) = delete;
+
+    [[nodiscard]] std::vector<AlertEvent> cached() const;
+
+    /// As `CloudKitService::uploadAlert`, whether or not the account is available.
+    [[nodiscard]] Async<void> upload(AlertEvent alert, std::optional<Bytes> photo);
+    [[nodiscard]] Async<void> refresh();
+    [[nodiscard]] Async<std::optional<Bytes>> photo(UUID id);
+
+    /// Throws only a `CancellationError`.
+    [[nodiscard]] Async<Deletion> remove(std::unordered_set<UUID> ids);
+
+    /// The user has become known, or is another one, whose alerts are not these.
+    void setOwner(std::string owner) { cache_.setOwner(std::move(owner)); }
+    void startOver(std::string owner);
+
+private:
+    [[nodiscard]] Async<void> save(platform::CloudRecord record);
+    [[nodiscard]] Async<void> removeBatch(std::vector<UUID> ids, std::unordered_set<UUID>& gone,
+                                          std::map<std::string, platform::CloudError>& errors);
+    [[nodiscard]] Async<void> settleDebts(std::optional<platform::CloudRecord> catalog);
+    void forget(const std::unordered_set<UUID>& ids);
+
+    MainActor actor_;
+    Ports ports_;
+    AlertMetadataCache cache_;
+    AlertCatalog catalog_;
+    UploadPhotoFiles photoFiles_;
+    std::unordered_set<UUID> unusable_;
+    DetachedWork reading_;
+};
+
+} // namespace sentrel

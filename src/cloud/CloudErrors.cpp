@@ -1,0 +1,161 @@
+#include "cloud/CloudErrors.hpp"
+
+#include "cloud/AsyncTimeout.hpp"
+#include "cloud/CloudKitServiceError.hpp"
+#include "platform/CloudError.hpp"
+#include "platform/Language.hpp"
+
+#include <algorithm>
+#include <array>
+#include <string_view>
+
+namespace sentrel {
+
+namespace {
+
+using platform::CloudAccountStatus;
+using platform::CloudError;
+using AccountStatus = std::optional<CloudAccountStatus>;
+
+constexpr const char* errorDomain = "CKErrorDomain";
+
+constexpr std::string_view passwordMessage =
+    "iCloud needs your Apple ID password.\nOpen Settings → Apple ID, sign in, then try again.";
+constexpr std::string_view networkMessage = "Could not reach iCloud.\nCheck your connection and try again.";
+constexpr std::string_view signInMessage = "Sign in to iCloud on both devices with the same Apple ID.";
+constexpr std::string_view unknownMessage = "Something went wrong with iCloud. Try again.";
+
+std::optional<std::string_view> accountMessage(CloudAccountStatus status)
+{
+    switch (status) {
+    case CloudAccountStatus::couldNotDetermine:
+        return "Could not verify iCloud.\nOpen Settings → Apple ID and confirm your account.";
+    case CloudAccountStatus::available:
+        return std::nullopt;
+    case CloudAccountStatus::restricted:
+        return "iCloud access is restricted on this device.";
+    case CloudAccountStatus::noAccount:
+        return "Sign in to iCloud on your iPhone (Settings → Apple ID).";
+    case CloudAccountStatus::temporarilyUnavailable:
+        return passwordMessage;
+    }
+    return std::nullopt; // a status that a later system has invented
+}
+
+/// The server says that it doesn't accept this user: not authenticated, permission failure.
+bool isRefusal(const CloudError& error)
+{
+    return error.code == 9 || error.code == 10;
+}
+
+std::string_view messageOfCode(int code)
+{
+    switch (code) {
+    case CloudErrorCode::internalError:
+    case CloudErrorCode::serviceUnavailable:
+    case CloudErrorCode::requestRateLimited:
+    case CloudErrorCode::zoneBusy:
+    case 34: // server response lost
+        return "iCloud is temporarily unavailable. Try again shortly.";
+    case 5: // bad container
+    case 8: // missing entitlement
+        return "This app cannot access its iCloud container.\nCheck iCloud is enabled for Sentrel in Developer Portal.";
+    case 9:  // not authenticated
+    case 10: // permission failure
+        return signInMessage;
+    case 12: // invalid arguments
+    case 15: // server rejected request
+        return "iCloud database is not ready.\nDeploy the CloudKit schema to Production in CloudKit Console.";
+    case 20: // operation cancelled
+        return "The iCloud request was cancelled.";
+    case CloudErrorCode::quotaExceeded:
+        return "Your iCloud storage is full.";
+    case 36: // account temporarily unavailable
+        return passwordMessage;
+    default:
+        return unknownMessage;
+    }
+}
+
+bool asksForPassword(std::string description)
+{
+    constexpr std::array<std::string_view, 6> hints{"password",       "apple id",          "authenticate",
+                                                    "authentication", "sign in to icloud", "not authenticated"};
+    const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c; };
+    std::transform(description.begin(), description.end(), description.begin(), lower);
+    return std::any_of(hints.begin(), hints.end(),
+                       [&](std::string_view hint) { return description.find(hint) != description.npos; });
+}
+
+std::string messageOfCloudKit(const CloudError& error, AccountStatus status, platform::Language& language)
+{
+    if (error.code == CloudErrorCode::partialFailure) {
+        const std::string unknown = language.localized(unknownMessage);
+        for (const auto& [name, item] : error.itemErrors) {
+            std::string message = userFacingMessage(item, status, language);
+            if (message != unknown) {
+                return message;
+            }
+        }
+    }
+    if (isRefusal(error) && status != CloudAccountStatus::noAccount) {
+        return language.localized(passwordMessage);
+    }
+    return language.localized(messageOfCode(error.code));
+}
+
+} // namespace
+
+const CloudError* cloudKitErrorOf(const std::exception& error)
+{
+    const auto* const cloudError = dynamic_cast<const CloudError*>(&error);
+    return cloudError != nullptr && cloudError->domain == errorDomain ? cloudError : nullptr;
+}
+
+bool isCloudKitError(const std::exception& error, int code)
+{
+    const CloudError* const cloudKitError = cloudKitErrorOf(error);
+    return cloudKitError != nullptr && cloudKitError->code == code;
+}
+
+bool isNetworkError(const std::exception& error)
+{
+    if (const auto* const own = dynamic_cast<const CloudKitServiceError*>(&error)) {
+        return own->kind() == CloudKitServiceError::Kind::networkUnavailable;
+    }
+    return dynamic_cast<const AsyncTimeout::TimedOut*>(&error) != nullptr ||
+           isCloudKitError(error, CloudErrorCode::networkUnavailable) ||
+           isCloudKitError(error, CloudErrorCode::networkFailure);
+}
+
+bool isThrottlingError(const std::exception& error)
+{
+    return isCloudKitError(error, CloudErrorCode::serviceUnavailable) ||
+           isCloudKitError(error, CloudErrorCode::requestRateLimited) ||
+           isCloudKitError(error, CloudErrorCode::zoneBusy);
+}
+
+std::string userFacingMessage(const std::exception& error, AccountStatus status, platform::Language& language)
+{
+    if (const auto* const own = dynamic_cast<const CloudKitServiceError*>(&error)) {
+        const bool isFixed = own->kind() != CloudKitServiceError::Kind::uploadFailed;
+        return isFixed ? language.localized(own->what()) : own->what();
+    }
+    if (isNetworkError(error)) {
+        return language.localized(networkMessage);
+    }
+    const CloudError* const cloudKitError = cloudKitErrorOf(error);
+    // A refusal without an account has words of its own, which name both devices.
+    const bool isRefusedStranger =
+        cloudKitError != nullptr && isRefusal(*cloudKitError) && status == CloudAccountStatus::noAccount;
+    const auto ofAccount = status && !isRefusedStranger ? accountMessage(*status) : std::nullopt;
+    if (ofAccount) {
+        return language.localized(*ofAccount);
+    }
+    if (cloudKitError == nullptr) {
+        return asksForPassword(error.what()) ? language.localized(passwordMessage) : error.what();
+    }
+    return messageOfCloudKit(*cloudKitError, status, language);
+}
+
+} // namespace sentrel

@@ -1,0 +1,297 @@
+#include "cloud/CloudKitService.hpp"
+
+#include "cloud/CloudErrors.hpp"
+#include "cloud/CloudKitServiceError.hpp"
+#include "cloud/RecordMerge.hpp"
+#include "platform/HostInfo.hpp"
+#include "platform/Journal.hpp"
+#include "platform/UserDefaults.hpp"
+#include "platform/WallClock.hpp"
+
+#include <algorithm>
+#include <utility>
+
+namespace sentrel {
+
+namespace {
+
+constexpr double secondsOfAnswer = 60.0;
+constexpr double secondsOfFailure = 20.0; // shorter, so that iCloud is soon found again
+
+std::filesystem::path cacheDirectory(platform::HostInfo& host)
+{
+    return host.applicationSupportDirectory().value_or(host.temporaryDirectory()) / "Sentrel";
+}
+
+bool isOfNetwork(const std::exception_ptr& error)
+{
+    if (error == nullptr) {
+        return false;
+    }
+    try {
+        std::rethrow_exception(error);
+    } catch (const std::exception& cause) {
+        return isNetworkError(cause);
+    }
+}
+
+/// Adds the text to the record's list; false when it is there.
+bool addToList(platform::CloudRecord& record, const std::string& field, const std::string& text)
+{
+    const auto* const listed = platform::fieldOf<std::vector<std::string>>(record, field);
+    auto texts = listed != nullptr ? *listed : std::vector<std::string>{};
+    if (std::find(texts.begin(), texts.end(), text) != texts.end()) {
+        return false;
+    }
+    texts.push_back(text);
+    record.fields[field] = std::move(texts);
+    return true;
+}
+
+} // namespace
+
+CloudKitService::CloudKitService(MainActor actor, Ports ports)
+    : actor_(actor),
+      ports_(ports),
+      alerts_(actor, {ports.database, ports.files, ports.host, ports.language, ports.journal},
+              {ports.files, ports.host, ports.defaults, ports.random, ports.wallClock}, cacheDirectory(ports.host),
+              ports.defaults.text(cacheOwnerKey)),
+      subscriptions_(ports.database, ports.wallClock,
+                     [this](const std::exception& error) { return userFacingMessage(error); })
+{
+}
+
+Async<bool> CloudKitService::refreshAvailability(bool force)
+{
+    const Date now = ports_.wallClock.now();
+    // An expiry further away than any answer lasts was set before the clock was turned back.
+    const double remaining = availabilityCacheExpiry_ ? availabilityCacheExpiry_->secondsSince(now) : 0.0;
+    if (!force && remaining > 0.0 && remaining <= secondsOfAnswer) {
+        co_return isAvailable.get();
+    }
+    try {
+        lastAccountStatus_ = co_await ports_.account.accountStatus();
+    } catch (const CancellationError&) {
+        throw;
+    } catch (const std::exception&) {
+        lastAccountStatus_.reset();
+        lastAvailabilityError_ = std::current_exception();
+        availabilityCacheExpiry_ = ports_.wallClock.now().addingSeconds(secondsOfFailure);
+        isAvailable = false;
+        co_return false;
+    }
+    lastAvailabilityError_ = nullptr;
+    availabilityCacheExpiry_ = ports_.wallClock.now().addingSeconds(secondsOfAnswer);
+    const bool isUsable = lastAccountStatus_ == platform::CloudAccountStatus::available;
+    if (isUsable) {
+        isReachable = true;
+    }
+    isAvailable = isUsable;
+    co_return isUsable;
+}
+
+std::optional<platform::CloudAccountStatus> CloudKitService::lastAccountStatus() const
+{
+    return lastAccountStatus_;
+}
+
+std::optional<Date> CloudKitService::availabilityCacheExpiry() const
+{
+    return availabilityCacheExpiry_;
+}
+
+void CloudKitService::networkPathChanged(bool isSatisfied)
+{
+    isReachable = isSatisfied;
+    if (!isSatisfied) {
+        trustAvailabilityAtMost(secondsOfFailure);
+    }
+}
+
+void CloudKitService::trustAvailabilityAtMost(double seconds)
+{
+    const Date latest = ports_.wallClock.now().addingSeconds(seconds);
+    availabilityCacheExpiry_ = std::min(availabilityCacheExpiry_.value_or(latest), latest);
+}
+
+Async<bool> CloudKitService::verifyCacheOwner()
+{
+    std::string owner;
+    try {
+        const auto name = co_await ports_.account.userRecordName();
+        owner = name.value_or("");
+    } catch (const CancellationError&) {
+        throw;
+    } catch (const std::exception&) {
+        // Nobody knows who it is, most often because the network is away. Taking that for a change would throw away
+        // the cache at each launch without a network, and storing it would hide a change that is found later.
+        co_return false;
+    }
+    const auto previous = ports_.defaults.text(cacheOwnerKey);
+    ports_.defaults.setText(cacheOwnerKey, owner);
+    if (!previous || *previous == owner) {
+        alerts_.setOwner(std::move(owner));
+        co_return false;
+    }
+    ports_.journal.note("cloud.userChanged", {});
+    alerts_.startOver(std::move(owner));
+    macDeviceIDsInCatalog_.clear();
+    // Both of them: the new user's database has neither, and has asked for no patience.
+    subscriptions_.startOver();
+    co_return true;
+}
+
+std::string CloudKitService::userFacingMessage(const std::exception& error) const
+{
+    return sentrel::userFacingMessage(error, lastAccountStatus_, ports_.language);
+}
+
+void CloudKitService::recordSyncFailure(const std::exception& error)
+{
+    lastSyncError = userFacingMessage(error);
+    if (isNetworkError(error)) {
+        isReachable = false;
+        trustAvailabilityAtMost(secondsOfFailure);
+    }
+    if (isThrottlingError(error)) {
+        requestBackoff_.recordFailure(cloudKitErrorOf(error)->retryAfter, ports_.wallClock.now());
+    }
+}
+
+void CloudKitService::recordSyncSuccess()
+{
+    lastSyncError = std::nullopt;
+    isReachable = true;
+    requestBackoff_.resetOnSuccess();
+}
+
+const CloudBackoffPolicy& CloudKitService::requestBackoff() const
+{
+    return requestBackoff_;
+}
+
+void CloudKitService::requireAvailable() const
+{
+    if (isAvailable) {
+        return;
+    }
+    const bool isNetworkAway = isOfNetwork(lastAvailabilityError_) || (!isReachable && !lastAccountStatus_);
+    throw CloudKitServiceError{isNetworkAway ? CloudKitServiceError::Kind::networkUnavailable
+                                             : CloudKitServiceError::Kind::notSignedIn};
+}
+
+Async<void> CloudKitService::uploadAlert(AlertEvent alert, std::optional<Bytes> photo)
+{
+    requireAvailable();
+    co_await alerts_.upload(std::move(alert), std::move(photo));
+    recordSyncSuccess();
+}
+
+std::vector<AlertEvent> CloudKitService::cachedAlerts() const
+{
+    return alerts_.cached();
+}
+
+Async<void> CloudKitService::refreshAlerts()
+{
+    co_await alerts_.refresh();
+    recordSyncSuccess();
+}
+
+Async<std::optional<Bytes>> CloudKitService::alertPhoto(UUID id)
+{
+    auto photo = co_await alerts_.photo(id);
+    recordSyncSuccess();
+    co_return std::move(photo);
+}
+
+Async<std::unordered_set<UUID>> CloudKitService::deleteAlerts(std::unordered_set<UUID> ids)
+{
+    if (ids.empty()) {
+        co_return ids;
+    }
+    CloudAlerts::Deletion deletion = co_await alerts_.remove(std::move(ids));
+    if (deletion.error == nullptr) {
+        recordSyncSuccess();
+    } else {
+        try {
+            std::rethrow_exception(deletion.error);
+        } catch (const std::exception& error) {
+            recordSyncFailure(error);
+        }
+    }
+    co_return std::move(deletion.gone);
+}
+
+Async<void> CloudKitService::publishPresence(DevicePresence presence)
+{
+    std::vector<platform::CloudRecord> records(1, presenceRecord(presence));
+    const std::string name = records.front().name;
+    std::vector<std::string> nothing;
+    const auto answer = co_await ports_.database.modify(std::move(records), std::move(nothing),
+                                                        platform::CloudSavePolicy::changedKeys, false);
+    const auto saved = answer.saved.find(name);
+    if (saved == answer.saved.end()) {
+        throw platform::CloudError{"CKErrorDomain", CloudErrorCode::internalError, "no word of the record"};
+    }
+    if (const auto* const error = std::get_if<platform::CloudError>(&saved->second)) {
+        throw platform::CloudError{*error};
+    }
+    if (!macDeviceIDsInCatalog_.contains(presence.deviceID)) {
+        co_await listInCatalog(presence.deviceID);
+    }
+    recordSyncSuccess();
+}
+
+Async<void> CloudKitService::listInCatalog(std::string deviceID)
+{
+    const auto owner = ports_.defaults.text(cacheOwnerKey);
+    RecordMerge merge = [deviceID](platform::CloudRecord& record) {
+        return addToList(record, deviceIDsField, deviceID);
+    };
+    co_await mergeIntoRecord(ports_.database, deviceCatalogRecordType, deviceCatalogRecordName, std::nullopt,
+                             std::move(merge));
+    // Unless the user has changed meanwhile, whose catalog is another.
+    if (ports_.defaults.text(cacheOwnerKey) == owner) {
+        macDeviceIDsInCatalog_.insert(std::move(deviceID));
+    }
+}
+
+Async<std::optional<RemoteCommand>> CloudKitService::fetchCommand(std::string deviceID)
+{
+    const std::string name = deviceRecordName(deviceID);
+    std::vector<std::string> names(1, name);
+    const auto results = co_await ports_.database.records(std::move(names), commandKeys());
+    const auto found = results.find(name);
+    std::optional<RemoteCommand> command;
+    if (found != results.end()) {
+        if (const auto* const error = std::get_if<platform::CloudError>(&found->second)) {
+            if (!isCloudKitError(*error, CloudErrorCode::unknownItem)) {
+                throw platform::CloudError{*error};
+            }
+        } else {
+            command = commandOf(std::get<platform::CloudRecord>(found->second));
+        }
+    }
+    recordSyncSuccess();
+    co_return command;
+}
+
+Async<void> CloudKitService::ensureSubscriptions()
+{
+    if (isAvailable) {
+        co_await subscriptions_.ensure();
+    }
+}
+
+bool CloudKitService::macCommandSubscriptionEnsured() const
+{
+    return subscriptions_.macCommandSubscriptionEnsured();
+}
+
+std::optional<std::string> CloudKitService::pushSubscriptionError() const
+{
+    return subscriptions_.pushSubscriptionError();
+}
+
+} // namespace sentrel

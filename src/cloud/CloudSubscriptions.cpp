@@ -1,0 +1,105 @@
+#include "cloud/CloudSubscriptions.hpp"
+
+#include "cloud/AlertRecord.hpp"
+#include "cloud/DeviceCatalog.hpp"
+#include "platform/WallClock.hpp"
+
+#include <utility>
+
+namespace sentrel {
+
+namespace {
+
+// CKQuerySubscriptionOptions
+constexpr std::uint64_t firesOnCreation = 1U << 0U;
+constexpr std::uint64_t firesOnUpdate = 1U << 1U;
+
+/// Shows a notification on the user's other devices for each alert that is meant to have one.
+platform::CloudSubscription alertSubscription()
+{
+    platform::CloudSubscription subscription;
+    subscription.identifier = CloudSubscriptions::alertIdentifier;
+    subscription.recordType = alertRecordType;
+    subscription.predicate = {"sendNotification == %@", {std::int64_t{1}}};
+    subscription.options = firesOnCreation;
+    // The receiving device looks the key up in its own language and puts the record's fields in.
+    subscription.alertLocalizationKey = "%1$@ on %2$@";
+    subscription.alertLocalizationArguments = {"triggerName", "deviceName"};
+    subscription.soundName = "default";
+    return subscription;
+}
+
+/// Wakes the Macs silently when the phone has written a command into one of their records.
+platform::CloudSubscription macCommandSubscription()
+{
+    platform::CloudSubscription subscription;
+    subscription.identifier = CloudSubscriptions::macCommandIdentifier;
+    subscription.recordType = deviceCatalogRecordType;
+    subscription.predicate = {std::string{requestedArmStateField} + " IN %@", {std::vector<std::int64_t>{0, 1}}};
+    subscription.options = firesOnCreation | firesOnUpdate;
+    subscription.sendsContentAvailable = true;
+    return subscription;
+}
+
+/// Whether to wait still. A wait beyond the longest delay is due to a clock that was turned back.
+bool mustWait(const CloudBackoffPolicy& backoff, Date now)
+{
+    const double seconds = backoff.remainingDelay(now);
+    return seconds > 0.0 && seconds <= backoff.maxDelay;
+}
+
+} // namespace
+
+CloudSubscriptions::CloudSubscriptions(platform::CloudDatabase& database, platform::WallClock& wallClock,
+                                       std::function<std::string(const std::exception&)> messageOf)
+    : database_(database), wallClock_(wallClock), messageOf_(std::move(messageOf))
+{
+}
+
+Async<void> CloudSubscriptions::ensure()
+{
+    co_await ensure(alert_, alertSubscription(), pushSubscriptionError_);
+    std::optional<std::string> unheard; // the Mac polls more often without it, which is all that the user would notice
+    co_await ensure(macCommand_, macCommandSubscription(), unheard);
+}
+
+Async<void> CloudSubscriptions::ensure(State& state, platform::CloudSubscription subscription,
+                                       std::optional<std::string>& message)
+{
+    if (state.isEnsured || state.isBeingSaved || mustWait(state.backoff, wallClock_.now())) {
+        co_return;
+    }
+    const std::uint64_t user = users_;
+    state.isBeingSaved = true;
+    try {
+        co_await database_.saveSubscription(std::move(subscription));
+    } catch (const platform::CloudError& error) {
+        state.isBeingSaved = false;
+        if (user == users_) {
+            state.backoff.recordFailure(error.retryAfter, wallClock_.now());
+            message = messageOf_(error);
+        }
+        co_return;
+    } catch (...) {
+        state.isBeingSaved = false;
+        throw;
+    }
+    state.isBeingSaved = false;
+    if (user == users_) {
+        state.isEnsured = true;
+        state.backoff.resetOnSuccess();
+        message.reset();
+    }
+}
+
+void CloudSubscriptions::startOver()
+{
+    ++users_;
+    for (State* const state : {&alert_, &macCommand_}) {
+        state->isEnsured = false;
+        state->backoff.resetOnSuccess();
+    }
+    pushSubscriptionError_.reset();
+}
+
+} // namespace sentrel

@@ -1,0 +1,62 @@
+#pragma once
+
+#include "cloud/CloudBackoffPolicy.hpp"
+#include "platform/CloudDatabase.hpp"
+#include "runtime/Async.hpp"
+
+#include <cstdint>
+#include <exception>
+#include <functional>
+#include <optional>
+#include <string>
+
+namespace sentrel {
+
+namespace platform {
+class WallClock;
+}
+
+/// The two subscriptions by which the server pushes: alerts to the user's phone, commands to this Mac. Each is saved
+/// once in a run, which costs the server nothing when it has it, and waits after a failure by a backoff of its own.
+/// Main actor only.
+class CloudSubscriptions {
+public:
+    static constexpr const char* alertIdentifier = "alert-event-subscription-v1";
+    static constexpr const char* macCommandIdentifier = "mac-device-command-subscription-v1";
+
+    /// `messageOf` words an error for the user.
+    CloudSubscriptions(platform::CloudDatabase& database, platform::WallClock& wallClock,
+                       std::function<std::string(const std::exception&)> messageOf);
+    CloudSubscriptions(const CloudSubscriptions&) = delete;
+
+    /// Saves those that are not saved yet and may be tried now. Throws only a `CancellationError`.
+    [[nodiscard]] Async<void> ensure();
+
+    /// Another user, whose database has neither and owes us no wait.
+    void startOver();
+
+    [[nodiscard]] bool macCommandSubscriptionEnsured() const { return macCommand_.isEnsured; }
+
+    /// The message of the last failure to save the alerts' subscription; none after a success.
+    [[nodiscard]] const std::optional<std::string>& pushSubscriptionError() const { return pushSubscriptionError_; }
+
+private:
+    struct State {
+        bool isEnsured = false;
+        CloudBackoffPolicy backoff;
+        bool isBeingSaved = false;
+    };
+
+    [[nodiscard]] Async<void> ensure(State& state, platform::CloudSubscription subscription,
+                                     std::optional<std::string>& message);
+
+    platform::CloudDatabase& database_;
+    platform::WallClock& wallClock_;
+    std::function<std::string(const std::exception&)> messageOf_;
+    State alert_;
+    State macCommand_;
+    std::optional<std::string> pushSubscriptionError_;
+    std::uint64_t users_ = 0; ///< how often the user has changed
+};
+
+} // namespace sentrel

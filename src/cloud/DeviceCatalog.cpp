@@ -1,0 +1,93 @@
+#include "cloud/DeviceCatalog.hpp"
+
+#include "cloud/RecordText.hpp"
+
+#include <cmath>
+
+namespace sentrel {
+
+namespace {
+
+constexpr const char* deviceIDField = "deviceID";
+constexpr const char* deviceNameField = "deviceName";
+constexpr const char* lastSeenField = "lastSeen";
+constexpr const char* isCompatibleField = "isCompatible";
+constexpr const char* isArmedField = "isArmed";
+constexpr const char* sequenceField = "commandSequence";
+constexpr const char* issuedAtField = "commandIssuedAt";
+
+platform::CloudRecord deviceRecord(const std::string& deviceID)
+{
+    platform::CloudRecord record;
+    record.type = deviceCatalogRecordType;
+    record.name = deviceRecordName(deviceID);
+    return record;
+}
+
+const Date* finiteDate(const platform::CloudRecord& record, const char* field)
+{
+    const auto* const date = platform::fieldOf<Date>(record, field);
+    return date != nullptr && std::isfinite(date->secondsSinceReferenceDate) ? date : nullptr;
+}
+
+} // namespace
+
+std::string deviceRecordName(const std::string& deviceID)
+{
+    return std::string{deviceCatalogRecordName} + "-" + deviceID;
+}
+
+platform::CloudRecord presenceRecord(const DevicePresence& presence)
+{
+    platform::CloudRecord record = deviceRecord(presence.deviceID);
+    record.fields[deviceIDField] = presence.deviceID;
+    record.fields[deviceNameField] = presence.deviceName;
+    record.fields[lastSeenField] = presence.lastSeen;
+    record.fields[isCompatibleField] = std::int64_t{presence.isCompatible};
+    record.fields[isArmedField] = std::int64_t{presence.isArmed};
+    return record;
+}
+
+std::optional<DevicePresence> presenceOf(const platform::CloudRecord& record)
+{
+    const auto* const deviceID = platform::fieldOf<std::string>(record, deviceIDField);
+    const Date* const lastSeen = finiteDate(record, lastSeenField);
+    const auto* const isCompatible = platform::fieldOf<std::int64_t>(record, isCompatibleField);
+    const auto* const isArmed = platform::fieldOf<std::int64_t>(record, isArmedField);
+    if (deviceID == nullptr || lastSeen == nullptr || isCompatible == nullptr || isArmed == nullptr) {
+        return std::nullopt;
+    }
+    return DevicePresence{*deviceID, deviceNameOf(record, deviceNameField), *lastSeen, *isCompatible != 0,
+                          *isArmed != 0};
+}
+
+const std::vector<std::string>& commandKeys()
+{
+    static const std::vector<std::string> keys{sequenceField, issuedAtField, requestedArmStateField};
+    return keys;
+}
+
+std::optional<RemoteCommand> commandOf(const platform::CloudRecord& record)
+{
+    const auto* const sequence = platform::fieldOf<std::int64_t>(record, sequenceField);
+    const auto* const requestedArmState = platform::fieldOf<std::int64_t>(record, requestedArmStateField);
+    if (sequence == nullptr || requestedArmState == nullptr) {
+        return std::nullopt;
+    }
+    const Date* const issuedAt = finiteDate(record, issuedAtField);
+    return RemoteCommand{*sequence, issuedAt != nullptr ? std::optional{*issuedAt} : std::nullopt,
+                         *requestedArmState != 0};
+}
+
+platform::CloudRecord commandRecord(const std::string& deviceID, const RemoteCommand& command)
+{
+    platform::CloudRecord record = deviceRecord(deviceID);
+    record.fields[sequenceField] = command.sequence;
+    record.fields[requestedArmStateField] = std::int64_t{command.requestedArmState};
+    if (command.issuedAt) {
+        record.fields[issuedAtField] = *command.issuedAt;
+    }
+    return record;
+}
+
+} // namespace sentrel
