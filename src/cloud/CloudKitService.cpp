@@ -1,7 +1,6 @@
 #include "cloud/CloudKitService.hpp"
 
 #include "cloud/CloudErrors.hpp"
-#include "cloud/CloudKitServiceError.hpp"
 #include "cloud/RecordMerge.hpp"
 #include "platform/HostInfo.hpp"
 #include "platform/Journal.hpp"
@@ -170,19 +169,18 @@ const CloudBackoffPolicy& CloudKitService::requestBackoff() const
     return requestBackoff_;
 }
 
-void CloudKitService::requireAvailable() const
+CloudKitServiceError CloudKitService::unavailabilityError() const
 {
-    if (isAvailable) {
-        return;
-    }
     const bool isNetworkAway = isOfNetwork(lastAvailabilityError_) || (!isReachable && !lastAccountStatus_);
-    throw CloudKitServiceError{isNetworkAway ? CloudKitServiceError::Kind::networkUnavailable
-                                             : CloudKitServiceError::Kind::notSignedIn};
+    return CloudKitServiceError{isNetworkAway ? CloudKitServiceError::Kind::networkUnavailable
+                                              : CloudKitServiceError::Kind::notSignedIn};
 }
 
 Async<void> CloudKitService::uploadAlert(AlertEvent alert, std::optional<Bytes> photo)
 {
-    requireAvailable();
+    if (!isAvailable) {
+        throw unavailabilityError();
+    }
     co_await alerts_.upload(std::move(alert), std::move(photo));
     recordSyncSuccess();
 }

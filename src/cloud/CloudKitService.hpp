@@ -2,6 +2,7 @@
 
 #include "cloud/CloudAlerts.hpp"
 #include "cloud/CloudBackoffPolicy.hpp"
+#include "cloud/CloudKitServiceError.hpp"
 #include "cloud/CloudSubscriptions.hpp"
 #include "cloud/DeviceCatalog.hpp"
 #include "core/AlertEvent.hpp"
@@ -71,6 +72,9 @@ public:
     /// for a `CancellationError`: a user who can't be asked for counts as the same.
     [[nodiscard]] Async<bool> verifyCacheOwner();
 
+    /// Why nothing can be asked of iCloud while it isn't available: the network is away, or nobody is signed in.
+    [[nodiscard]] CloudKitServiceError unavailabilityError() const;
+
     [[nodiscard]] std::string userFacingMessage(const std::exception& error) const;
 
     /// How a request went, which whoever makes it tells. A throttled one makes `requestBackoff` grow; that is kept by
@@ -115,7 +119,6 @@ public:
     [[nodiscard]] std::optional<std::string> pushSubscriptionError() const;
 
 private:
-    void requireAvailable() const;
     void trustAvailabilityAtMost(double seconds);
     [[nodiscard]] Async<void> listInCatalog(std::string deviceID);
 

@@ -1,7 +1,6 @@
 #include "cloud/MacPresenceService.hpp"
 
 #include "cloud/AsyncTimeout.hpp"
-#include "cloud/CloudKitServiceError.hpp"
 #include "cloud/PresenceTimes.hpp"
 #include "foundation/UUID.hpp"
 #include "platform/HostInfo.hpp"
@@ -106,7 +105,7 @@ Async<void> MacPresenceService::publishNow()
     try {
         const bool isPublished = co_await AsyncTimeout::run(actor_, cloudTimeLimit, publishIfAvailable());
         if (!isPublished) {
-            syncError = unavailabilityMessage();
+            syncError = cloud_.userFacingMessage(cloud_.unavailabilityError());
             co_return;
         }
     } catch (const CancellationError&) {
@@ -136,13 +135,6 @@ Async<bool> MacPresenceService::publishIfAvailable()
     co_await cloud_.publishPresence(std::move(presence));
     ports_.journal.note("presence.published", {{"isArmed", isArmed}});
     co_return true;
-}
-
-std::string MacPresenceService::unavailabilityMessage() const
-{
-    using Kind = CloudKitServiceError::Kind;
-    const bool isOffline = !cloud_.isReachable && !cloud_.lastAccountStatus();
-    return cloud_.userFacingMessage(CloudKitServiceError{isOffline ? Kind::networkUnavailable : Kind::notSignedIn});
 }
 
 void MacPresenceService::setPushTokenRegistered(bool isRegistered)

@@ -76,7 +76,6 @@ private:
     Async<void> publishAfter(Task<void> predecessor);
     Async<void> publishNow();
     Async<bool> publishIfAvailable();
-    [[nodiscard]] std::string unavailabilityMessage() const;
     void startPublication();
 
     Async<void> pollForCommands();

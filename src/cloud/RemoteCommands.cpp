@@ -20,14 +20,13 @@ namespace sentrel {
 
 namespace {
 
-constexpr const char* macCommandSubscriptionID = "mac-device-command-subscription-v1";
 constexpr const char* lastSequenceKey = "sentrel.macLastAppliedCommandSequence";
 
 } // namespace
 
 void MacPresenceService::receive(const platform::CloudNotification& notification)
 {
-    if (notification.subscriptionID != macCommandSubscriptionID) {
+    if (notification.subscriptionID != CloudSubscriptions::macCommandIdentifier) {
         return;
     }
     // Every Mac hears of every Mac's record, also of each heartbeat of one that has had a command.
