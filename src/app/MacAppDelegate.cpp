@@ -1,0 +1,193 @@
+#include "app/MacAppDelegate.hpp"
+
+#include "alerts/MacAlertsService.hpp"
+#include "app/ActivationPolicy.hpp"
+#include "app/WindowHooks.hpp"
+#include "cloud/AsyncTimeout.hpp"
+#include "cloud/CloudKitConnectionMonitor.hpp"
+#include "cloud/MacPresenceService.hpp"
+#include "core/SettingsStore.hpp"
+#include "core/coordinator/AlarmCoordinator.hpp"
+#include "lock/PasswordGate.hpp"
+#include "outputs/AlarmSoundPlayer.hpp"
+#include "platform/Journal.hpp"
+#include "platform/Language.hpp"
+#include "platform/RemoteNotifications.hpp"
+#include "platform/WorkspaceNotifications.hpp"
+#include "runtime/WeakCall.hpp"
+
+#include <utility>
+
+namespace sentrel {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr const char* didWake = "NSWorkspaceDidWakeNotification";
+constexpr Duration lastPublicationLimit = 2s;
+
+bool isUnderWay(const Task<void>& task)
+{
+    return task && !task.isFinished();
+}
+
+} // namespace
+
+MacAppDelegate::MacAppDelegate(MainActor actor, bool isCompatibleComputer, Services services, Ports ports)
+    : actor_(actor), isCompatibleComputer_(isCompatibleComputer), with_(services), ports_(ports)
+{
+}
+
+void MacAppDelegate::applicationDidFinishLaunching()
+{
+    ports_.application.setActivationPolicy(accessoryActivationPolicy);
+    with_.soundPlayer.restoreLeftoverState();
+    leaveDisarmed();
+    with_.presence.start();
+    with_.connectionMonitor.start();
+    registerForRemoteNotifications();
+    controlPreviewPanel();
+    wakeRegistration_ = ports_.workspaceNotifications.observe(
+        didWake, weakCall(actor_, anchor_.weak(), &MacAppDelegate::systemDidWake));
+    if (!isCompatibleComputer_) {
+        tasks_.add(actor_.spawn(bringUpControlPanel()));
+    }
+}
+
+platform::TerminateReply MacAppDelegate::applicationShouldTerminate()
+{
+    // Not the settings alone: nobody silences an alarm by quitting.
+    const bool needsLogin = with_.settings.settings().requirePasswordForActions || with_.coordinator.isAlarmActive;
+    if (needsLogin && !quitAuthorized_) {
+        start(authorization_, authorizeQuit());
+        return platform::TerminateReply::cancel;
+    }
+    if (quitCleanupDone_) {
+        return platform::TerminateReply::now;
+    }
+    start(cleanup_, cleanUpAndQuit());
+    return platform::TerminateReply::later;
+}
+
+void MacAppDelegate::applicationWillTerminate()
+{
+    leaveDisarmed();
+    with_.soundPlayer.stopAndWait();
+}
+
+MacAppDelegate::QuitState MacAppDelegate::quitState() const
+{
+    if (quitCleanupDone_) {
+        return QuitState::terminating;
+    }
+    if (isUnderWay(cleanup_)) {
+        return QuitState::cleaningUp;
+    }
+    return isUnderWay(authorization_) ? QuitState::authorizing : QuitState::running;
+}
+
+void MacAppDelegate::leaveDisarmed()
+{
+    // Whatever the previous run left, or this one leaves: being armed never survives the process.
+    with_.settings.set(&AlarmSettings::isArmed, false);
+    with_.coordinator.disarm();
+}
+
+void MacAppDelegate::registerForRemoteNotifications()
+{
+    const Weak<MacAppDelegate> weak = anchor_.weak();
+    const auto setRegistered = [weak](bool isRegistered) {
+        if (MacAppDelegate* const self = weak.get()) {
+            self->with_.presence.setPushTokenRegistered(isRegistered);
+        }
+    };
+    ports_.remoteNotifications.setReceiver({
+        .didRegister = [setRegistered] { setRegistered(true); },
+        .didFailToRegister = [setRegistered](const std::string& /*why*/) { setRegistered(false); },
+        .didReceive =
+            [weak](const Json& userInfo) {
+                if (MacAppDelegate* const self = weak.get()) {
+                    self->applicationDidReceiveRemoteNotification(userInfo);
+                }
+            },
+    });
+    ports_.remoteNotifications.registerForRemoteNotifications();
+}
+
+void MacAppDelegate::applicationDidReceiveRemoteNotification(const Json& userInfo)
+{
+    const auto notification = ports_.remoteNotifications.cloudNotification(userInfo);
+    if (!notification) {
+        return;
+    }
+    with_.presence.receive(*notification);
+}
+
+void MacAppDelegate::controlPreviewPanel()
+{
+    const Weak<MacAppDelegate> weak = anchor_.weak();
+    ports_.previewPanel.setControl({
+        .accepts = [] { return true; },
+        .begin =
+            [weak] {
+                MacAppDelegate* const self = weak.get();
+                if (self != nullptr && self->previewDataSource) {
+                    self->ports_.previewPanel.setDataSource(self->previewDataSource());
+                }
+            },
+        .end =
+            [weak] {
+                if (MacAppDelegate* const self = weak.get()) {
+                    self->ports_.previewPanel.setDataSource(nullptr);
+                }
+            },
+    });
+}
+
+void MacAppDelegate::systemDidWake()
+{
+    with_.presence.systemDidWake();
+}
+
+Async<void> MacAppDelegate::bringUpControlPanel()
+{
+    with_.windows.openControlPanel();
+    co_return;
+}
+
+Async<void> MacAppDelegate::authorizeQuit()
+{
+    const bool hasPassed = co_await with_.passwordGate.authenticate(ports_.language.localized("verify your Mac login"));
+    if (!hasPassed) {
+        co_return;
+    }
+    quitAuthorized_ = true;
+    ports_.application.terminate();
+}
+
+Async<void> MacAppDelegate::cleanUpAndQuit()
+{
+    with_.presence.stopHeartbeat();
+    try {
+        co_await AsyncTimeout::run<void>(actor_, lastPublicationLimit, with_.presence.publishState());
+    } catch (const CancellationError&) {
+        throw;
+    } catch (const std::exception&) {
+        // Too late, or not at all: a missing network never holds up the end.
+    }
+    quitCleanupDone_ = true;
+    ports_.application.replyToShouldTerminate(true);
+}
+
+/// Whoever asks again while an answer is under way waits for that one.
+void MacAppDelegate::start(Task<void>& task, Async<void> work)
+{
+    if (isUnderWay(task)) {
+        return;
+    }
+    task = actor_.spawn(std::move(work));
+    tasks_.add(task);
+}
+
+} // namespace sentrel

@@ -1,0 +1,98 @@
+#pragma once
+
+#include "foundation/Json.hpp"
+#include "platform/Application.hpp"
+#include "platform/PreviewPanel.hpp"
+#include "platform/Registration.hpp"
+#include "runtime/MainActor.hpp"
+#include "runtime/Weak.hpp"
+
+#include <functional>
+
+namespace sentrel {
+
+class AlarmCoordinator;
+class AlarmSoundPlayer;
+class CloudKitConnectionMonitor;
+class MacAlertsService;
+class MacPresenceService;
+class PasswordGate;
+class SettingsStore;
+class WindowHooks;
+
+namespace platform {
+class Journal;
+class Language;
+class RemoteNotifications;
+class WorkspaceNotifications;
+} // namespace platform
+
+/// Starts the services in order, decides whether the application may quit, and leaves the user's Mac as it was. Main
+/// actor; everything that it is given outlives it.
+class MacAppDelegate {
+public:
+    struct Services {
+        SettingsStore& settings;
+        AlarmSoundPlayer& soundPlayer;
+        AlarmCoordinator& coordinator;
+        MacAlertsService& alerts;
+        MacPresenceService& presence;
+        CloudKitConnectionMonitor& connectionMonitor;
+        PasswordGate& passwordGate;
+        WindowHooks& windows;
+    };
+    struct Ports {
+        platform::Application& application;
+        platform::RemoteNotifications& remoteNotifications;
+        platform::WorkspaceNotifications& workspaceNotifications;
+        platform::PreviewPanel& previewPanel;
+        platform::Language& language;
+        platform::Journal& journal;
+    };
+
+    /// Where a quit stands.
+    enum class QuitState { running, authorizing, cleaningUp, terminating };
+
+    MacAppDelegate(MainActor actor, bool isCompatibleComputer, Services services, Ports ports);
+    MacAppDelegate(const MacAppDelegate&) = delete;
+
+    void applicationDidFinishLaunching();
+
+    /// Quitting needs the login when the settings say so, and always while the alarm is sounding.
+    [[nodiscard]] platform::TerminateReply applicationShouldTerminate();
+
+    /// Returns when the user's sound is back.
+    void applicationWillTerminate();
+
+    [[nodiscard]] bool applicationShouldTerminateAfterLastWindowClosed() const { return false; }
+
+    /// What the preview panel shows while the application has it; asked each time.
+    std::function<platform::PreviewDataSource*()> previewDataSource;
+
+    [[nodiscard]] QuitState quitState() const;
+
+private:
+    void leaveDisarmed();
+    void registerForRemoteNotifications();
+    void applicationDidReceiveRemoteNotification(const Json& userInfo);
+    void controlPreviewPanel();
+    void systemDidWake();
+    Async<void> bringUpControlPanel();
+    Async<void> authorizeQuit();
+    Async<void> cleanUpAndQuit();
+    void start(Task<void>& task, Async<void> work);
+
+    MainActor actor_;
+    const bool isCompatibleComputer_;
+    Services with_;
+    Ports ports_;
+    bool quitAuthorized_ = false;
+    bool quitCleanupDone_ = false;
+    Task<void> authorization_; ///< none before the first
+    Task<void> cleanup_;       ///< likewise
+    platform::RegistrationPtr wakeRegistration_;
+    TaskBag tasks_;
+    WeakAnchor<MacAppDelegate> anchor_{*this};
+};
+
+} // namespace sentrel

@@ -1,0 +1,35 @@
+#include "app/MenuBarScene.hpp"
+
+#include <utility>
+
+namespace sentrel {
+
+MenuBarScene::MenuBarScene(MainActor actor, platform::StatusBar& statusBar)
+    : statusBar_(statusBar), redraw_(actor, [this] { draw(); })
+{
+}
+
+void MenuBarScene::appear(Content content)
+{
+    content_ = std::move(content);
+    item_ = statusBar_.makeStatusItem();
+    item_->setOpened(content_.opened);
+    draw();
+}
+
+void MenuBarScene::dismiss()
+{
+    if (item_ != nullptr) {
+        item_->dismiss();
+    }
+}
+
+void MenuBarScene::draw()
+{
+    if (item_ != nullptr) {
+        item_->setImage(content_.image(), content_.imageLabel());
+        item_->showContent(content_.menu());
+    }
+}
+
+} // namespace sentrel

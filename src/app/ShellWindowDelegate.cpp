@@ -1,0 +1,62 @@
+#include "app/ShellWindowDelegate.hpp"
+
+#include "app/ShellWindows.hpp"
+
+#include <cmath>
+
+namespace sentrel {
+
+namespace {
+
+constexpr ContentBounds mainWindowBounds{440.0, 480.0, 1200.0};
+constexpr ContentBounds alertsWindowBounds{720.0, 360.0, 900.0};
+
+} // namespace
+
+MainWindowDelegate::MainWindowDelegate(ShellWindows& windows)
+    : ShellWindowDelegate(windows, mainWindowIdentifier, mainWindowBounds)
+{
+}
+
+AlertsWindowDelegate::AlertsWindowDelegate(ShellWindows& windows)
+    : ShellWindowDelegate(windows, alertsWindowIdentifier, alertsWindowBounds)
+{
+}
+
+bool ShellWindowDelegate::windowShouldClose()
+{
+    windows_.hide(identifier_);
+    return false;
+}
+
+platform::Size ShellWindowDelegate::windowWillResize(platform::Size proposedFrameSize)
+{
+    platform::Window* const window = windows_.find(identifier_);
+    if (window == nullptr) {
+        return proposedFrameSize;
+    }
+    platform::Rectangle content =
+        window->contentForFrame({0.0, 0.0, proposedFrameSize.width, proposedFrameSize.height});
+    content.width = bounds_.width;
+    // `fmax` and `fmin` also make a number of what is none.
+    content.height = std::fmin(std::fmax(content.height, bounds_.leastHeight), bounds_.mostHeight);
+    const platform::Rectangle frame = window->frameForContent(content);
+    return {frame.width, frame.height};
+}
+
+platform::Rectangle ShellWindowDelegate::windowWillUseStandardFrame(platform::Rectangle defaultFrame)
+{
+    platform::Window* const window = windows_.find(identifier_);
+    return window == nullptr ? defaultFrame : window->frame();
+}
+
+void ShellWindowDelegate::attachTo(platform::Window& window)
+{
+    window.setDelegate({
+        .shouldClose = [this] { return windowShouldClose(); },
+        .willResize = [this](platform::Size size) { return windowWillResize(size); },
+        .willUseStandardFrame = [this](platform::Rectangle frame) { return windowWillUseStandardFrame(frame); },
+    });
+}
+
+} // namespace sentrel

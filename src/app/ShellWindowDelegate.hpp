@@ -1,0 +1,58 @@
+#pragma once
+
+#include "platform/Windows.hpp"
+
+#include <string_view>
+
+namespace sentrel {
+
+class ShellWindows;
+
+/// How large a window's content may be, in points.
+struct ContentBounds {
+    double width = 0.0;
+    double leastHeight = 0.0;
+    double mostHeight = 0.0;
+};
+
+/// What the application's windows have in common: they keep within bounds, and hide instead of closing. Main actor.
+class ShellWindowDelegate {
+public:
+    ShellWindowDelegate(const ShellWindowDelegate&) = delete;
+    virtual ~ShellWindowDelegate() = default;
+
+    [[nodiscard]] bool windowShouldClose();
+    [[nodiscard]] platform::Size windowWillResize(platform::Size proposedFrameSize);
+    [[nodiscard]] platform::Rectangle windowWillUseStandardFrame(platform::Rectangle defaultFrame);
+
+    [[nodiscard]] std::string_view identifier() const { return identifier_; }
+    [[nodiscard]] const ContentBounds& bounds() const { return bounds_; }
+
+    /// Makes this the window's delegate; it must outlive the window.
+    void attachTo(platform::Window& window);
+
+protected:
+    ShellWindowDelegate(ShellWindows& windows, std::string_view identifier, ContentBounds bounds)
+        : windows_(windows), identifier_(identifier), bounds_(bounds)
+    {
+    }
+
+private:
+    ShellWindows& windows_;
+    std::string_view identifier_; ///< a constant
+    ContentBounds bounds_;
+};
+
+/// Of the control panel.
+class MainWindowDelegate final : public ShellWindowDelegate {
+public:
+    explicit MainWindowDelegate(ShellWindows& windows);
+};
+
+/// Of the window of alerts.
+class AlertsWindowDelegate final : public ShellWindowDelegate {
+public:
+    explicit AlertsWindowDelegate(ShellWindows& windows);
+};
+
+} // namespace sentrel

@@ -1,0 +1,50 @@
+#include "app/ShellWindows.hpp"
+
+#include "app/ActivationPolicy.hpp"
+#include "platform/Application.hpp"
+#include "platform/ApplicationActivation.hpp"
+#include "platform/Windows.hpp"
+
+#include <algorithm>
+
+namespace sentrel {
+
+void ShellWindows::add(std::string_view identifier, platform::Window& window)
+{
+    windows_[std::string{identifier}] = &window;
+}
+
+platform::Window* ShellWindows::find(std::string_view identifier) const
+{
+    const auto found = windows_.find(identifier);
+    return found == windows_.end() ? nullptr : found->second;
+}
+
+void ShellWindows::show(std::string_view identifier)
+{
+    if (platform::Window* const window = find(identifier)) {
+        // First, since an application without a Dock icon can't be brought to the front reliably.
+        application_.setActivationPolicy(regularActivationPolicy);
+        activation_.activate(true);
+        window->makeKeyAndOrderFront();
+    }
+}
+
+void ShellWindows::hide(std::string_view identifier)
+{
+    if (platform::Window* const window = find(identifier)) {
+        window->orderOut();
+    }
+    refreshActivationPolicy();
+}
+
+void ShellWindows::refreshActivationPolicy()
+{
+    const bool isAnyVisible =
+        std::ranges::any_of(windows_, [](const auto& entry) { return entry.second->isVisible(); });
+    if (!isAnyVisible) {
+        application_.setActivationPolicy(accessoryActivationPolicy);
+    }
+}
+
+} // namespace sentrel

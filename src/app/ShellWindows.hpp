@@ -1,0 +1,47 @@
+#pragma once
+
+#include <map>
+#include <string>
+#include <string_view>
+
+namespace sentrel {
+
+namespace platform {
+class Application;
+class ApplicationActivation;
+class Window;
+} // namespace platform
+
+inline constexpr std::string_view mainWindowIdentifier = "sentrel-main-window";
+inline constexpr std::string_view alertsWindowIdentifier = "sentrel-alerts-window";
+
+/// The application's windows by their identifiers, and its place among the other applications: it has a Dock icon
+/// exactly while one of them is visible. Main actor.
+class ShellWindows {
+public:
+    ShellWindows(platform::Application& application, platform::ApplicationActivation& activation)
+        : application_(application), activation_(activation)
+    {
+    }
+    ShellWindows(const ShellWindows&) = delete;
+
+    /// The window lives as long as this is used.
+    void add(std::string_view identifier, platform::Window& window);
+
+    /// The window of this identifier, or null while it hasn't been made.
+    [[nodiscard]] platform::Window* find(std::string_view identifier) const;
+
+    /// Brings the application and the window to the front.
+    void show(std::string_view identifier);
+
+    void hide(std::string_view identifier);
+
+private:
+    void refreshActivationPolicy();
+
+    platform::Application& application_;
+    platform::ApplicationActivation& activation_;
+    std::map<std::string, platform::Window*, std::less<>> windows_;
+};
+
+} // namespace sentrel

@@ -1,0 +1,41 @@
+#pragma once
+
+#include "app/ShellWindowDelegate.hpp"
+
+#include <memory>
+
+namespace sentrel {
+
+/// Sets a new window up: its identifier, its delegate and the size that it starts with. Lives as long as the window.
+/// Main actor.
+class WindowConfigurator {
+public:
+    /// The content's size at first.
+    [[nodiscard]] platform::Size startSize() const { return {delegate_->bounds().width, startHeight_}; }
+
+    [[nodiscard]] std::string_view identifier() const { return delegate_->identifier(); }
+
+    void configure(platform::Window& window);
+
+protected:
+    WindowConfigurator(ShellWindows& windows, std::unique_ptr<ShellWindowDelegate> delegate, double startHeight);
+
+private:
+    ShellWindows& windows_;
+    std::unique_ptr<ShellWindowDelegate> delegate_;
+    double startHeight_;
+};
+
+/// For the control panel.
+class MainWindowConfigurator final : public WindowConfigurator {
+public:
+    explicit MainWindowConfigurator(ShellWindows& windows);
+};
+
+/// For the window of alerts.
+class AlertsWindowConfigurator final : public WindowConfigurator {
+public:
+    explicit AlertsWindowConfigurator(ShellWindows& windows);
+};
+
+} // namespace sentrel

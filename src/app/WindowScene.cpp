@@ -1,0 +1,74 @@
+#include "app/WindowScene.hpp"
+
+#include "app/ShellWindows.hpp"
+#include "app/WindowConfigurator.hpp"
+
+#include <utility>
+
+namespace sentrel {
+
+namespace {
+
+// NSWindowStyleMask: titled (1), closable (2), resizable (8). Not miniaturizable: it is hidden by closing it.
+constexpr std::uint64_t windowStyle = 11;
+constexpr std::uint64_t bufferedBacking = 2; // NSBackingStoreBuffered
+
+// Width (2) and height (16) are sizable.
+constexpr std::uint64_t resizesWithWindow = 18;
+
+platform::WindowDescription describe(platform::Size content, const std::vector<platform::Screen>& screens)
+{
+    platform::WindowDescription description;
+    description.contentRectangle = {0.0, 0.0, content.width, content.height};
+    description.styleMask = windowStyle;
+    description.backing = bufferedBacking;
+    description.isDeferred = true;
+    description.screenNumber = screens.empty() ? 0 : screens.front().number;
+    description.canBecomeKey = true;
+    description.canBecomeMain = true;
+    return description;
+}
+
+} // namespace
+
+WindowScene::WindowScene(MainActor actor, platform::Windows& windows, ShellWindows& shellWindows,
+                         WindowConfigurator& configurator, std::string title, std::function<ui::View()> body)
+    : windows_(windows),
+      shellWindows_(shellWindows),
+      configurator_(configurator),
+      title_(std::move(title)),
+      body_(std::move(body)),
+      redraw_(actor, [this] { draw(); })
+{
+}
+
+void WindowScene::open()
+{
+    if (window_ == nullptr) {
+        makeWindow();
+    }
+    if (!window_->isVisible()) {
+        window_->showContent(body_());
+    }
+    shellWindows_.show(configurator_.identifier());
+}
+
+void WindowScene::makeWindow()
+{
+    window_ = windows_.makeWindow(describe(configurator_.startSize(), windows_.screens()));
+    window_->setTitle(title_);
+    window_->setReleasedWhenClosed(false);
+    window_->hostContent(window_->contentFrame(), resizesWithWindow);
+    configurator_.configure(*window_);
+    window_->center();
+}
+
+void WindowScene::draw()
+{
+    // Nobody looks at a hidden window; what it missed it shows when it opens.
+    if (window_ != nullptr && window_->isVisible()) {
+        window_->showContent(body_());
+    }
+}
+
+} // namespace sentrel

@@ -1,0 +1,43 @@
+#pragma once
+
+#include "platform/Windows.hpp"
+#include "runtime/OncePerTurn.hpp"
+#include "ui/View.hpp"
+
+#include <functional>
+#include <memory>
+#include <string>
+
+namespace sentrel {
+
+class ShellWindows;
+class WindowConfigurator;
+
+/// A window that there is once: made when it is first opened, then hidden and shown again. Main actor.
+class WindowScene {
+public:
+    /// The title is in the user's language; `body` gives what the window shows now. The configurator outlives this.
+    WindowScene(MainActor actor, platform::Windows& windows, ShellWindows& shellWindows,
+                WindowConfigurator& configurator, std::string title, std::function<ui::View()> body);
+    WindowScene(const WindowScene&) = delete;
+
+    /// Brings the window to the front, as large and where it was the last time.
+    void open();
+
+    /// What the window shows has changed: it shows the new body at the next turn, once for all changes until then.
+    void contentChanged() { redraw_.request(); }
+
+private:
+    void makeWindow();
+    void draw();
+
+    platform::Windows& windows_;
+    ShellWindows& shellWindows_;
+    WindowConfigurator& configurator_;
+    std::string title_;
+    std::function<ui::View()> body_;
+    std::unique_ptr<platform::Window> window_;
+    OncePerTurn redraw_;
+};
+
+} // namespace sentrel
