@@ -1,0 +1,25 @@
+#pragma once
+
+#include "platform/CloudDatabase.hpp"
+#include "platform/simulated/icloud/Sqlite.hpp"
+
+#include <string>
+#include <vector>
+
+namespace sentrel::simulated {
+
+/// A part of an SQL statement about a row `r` of the store's table `records`, and the values of its question marks.
+struct SqlPart {
+    std::string sql;
+    std::vector<SqliteValue> values;
+};
+
+/// The predicate as a condition. Known are "TRUEPREDICATE" and "FIELD == %@", "FIELD = %@", "FIELD > %@" and "FIELD IN
+/// %@", joined by "AND"; a field holds only what is of its argument's kind. Any other throws error 12 (invalid
+/// arguments).
+[[nodiscard]] SqlPart conditionOf(const platform::CloudPredicate& predicate);
+
+/// What a query sorts by; records without the field come first.
+[[nodiscard]] SqlPart orderOf(const std::string& sortKey);
+
+} // namespace sentrel::simulated

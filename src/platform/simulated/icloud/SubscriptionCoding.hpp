@@ -1,0 +1,36 @@
+#pragma once
+
+#include "foundation/Bytes.hpp"
+#include "foundation/Json.hpp"
+#include "platform/CloudDatabase.hpp"
+#include "platform/simulated/icloud/ServerRecord.hpp"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace sentrel::simulated {
+
+/// `CKQuerySubscriptionOptions`.
+namespace SubscriptionOption {
+inline constexpr std::uint64_t firesOnRecordCreation = 1;
+inline constexpr std::uint64_t firesOnRecordUpdate = 2;
+inline constexpr std::uint64_t firesOnRecordDeletion = 4;
+inline constexpr std::uint64_t firesOnce = 8;
+} // namespace SubscriptionOption
+
+/// `CKQueryNotificationReason`.
+enum class PushReason : std::int64_t { recordCreated = 1, recordUpdated = 2, recordDeleted = 3 };
+
+/// The subscription as JSON text.
+[[nodiscard]] std::string encodeSubscription(const platform::CloudSubscription& subscription);
+
+/// Reads what `encodeSubscription` wrote; none for anything else.
+[[nodiscard]] std::optional<platform::CloudSubscription> decodeSubscription(BytesView text);
+
+/// The push's dictionary, as the system hands it to an application. `number` tells pushes apart; `owner` is the user's
+/// record name.
+[[nodiscard]] Json pushDictionary(const platform::CloudSubscription& subscription, const ServerRecord& record,
+                                  PushReason reason, std::int64_t number, const std::string& owner);
+
+} // namespace sentrel::simulated
