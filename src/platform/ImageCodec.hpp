@@ -49,6 +49,11 @@ public:
     /// A file of this type (a uniform type identifier) with the one image, at a quality of 0 to 1
     /// (`CGImageDestination`); none when it can't be made. The image is one of this codec's.
     [[nodiscard]] virtual std::optional<Bytes> encode(const Image& image, const std::string& type, double quality) = 0;
+
+    /// The image file as a JPEG file, at the system's own quality: its TIFF representation, read into a bitmap image
+    /// representation, and that as JPEG without further properties (`NSBitmapImageRep`). None when the data is no
+    /// image. Slow.
+    [[nodiscard]] virtual std::optional<Bytes> jpegRepresentation(BytesView data) = 0;
 };
 
 } // namespace sentrel::platform

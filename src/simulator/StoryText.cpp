@@ -22,6 +22,7 @@ public:
     {
         return text.find(part) != std::string_view::npos;
     }
+    std::size_t characterCount(std::string_view text) override { return text.size(); }
 };
 
 std::string tenths(double number)

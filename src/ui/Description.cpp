@@ -61,7 +61,7 @@ constexpr std::array<std::string_view, 3> axes{"row", "column", "layers"};
 constexpr std::array<std::string_view, 6> textStyles{", large title", ", title",  ", headline", "",
                                                      ", callout",     ", caption"};
 constexpr std::array<std::string_view, 3> textColors{"", ", secondary", ", alarm"};
-constexpr std::array<std::string_view, 3> imageSources{"asset", "symbol", "file"};
+constexpr std::array<std::string_view, 4> imageSources{"asset", "symbol", "file", "data"};
 constexpr std::array<std::string_view, 4> buttonRoles{"", ", prominent", ", destructive", ", cancel"};
 constexpr std::array<std::string_view, 3> keys{"return", "delete", "escape"};
 constexpr std::array<std::string_view, 2> toggleStyles{"checkbox", "switch"};

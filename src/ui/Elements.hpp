@@ -1,9 +1,11 @@
 #pragma once
 
+#include "foundation/Bytes.hpp"
 #include "foundation/SecretText.hpp"
 #include "ui/Binding.hpp"
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <set>
 #include <string>
@@ -41,9 +43,12 @@ struct Text {
 };
 
 struct Image {
-    enum class Source { asset, systemSymbol, file };
+    enum class Source { asset, systemSymbol, file, memory };
     Source source = Source::systemSymbol;
-    std::string name; ///< of the asset or the symbol; the path of the file
+    /// Of the asset or the symbol; the path of the file; what the data in memory is known by: other data has another
+    /// name, so that a renderer compares names only.
+    std::string name;
+    std::shared_ptr<const Bytes> data = nullptr; ///< an image file's content, in memory
 };
 
 struct Button {

@@ -28,6 +28,7 @@ public:
     {
         return text.find(part) != text.npos;
     }
+    [[nodiscard]] std::size_t characterCount(std::string_view text) override { return text.size(); }
 };
 
 /// A gate with the panels that it opens, by one clock.

@@ -51,6 +51,7 @@ public:
     {
         return type == "public.jpeg" && quality == 0.7 ? encoded : std::nullopt;
     }
+    std::optional<Bytes> jpegRepresentation(BytesView) override { return std::nullopt; }
 };
 
 class PrintedLines final : public platform::StandardOutput {

@@ -71,6 +71,10 @@ NSImage* imageOf(const ui::Image& image)
         return [NSImage imageNamed:name];
     case ui::Image::Source::file:
         return [[NSImage alloc] initWithContentsOfFile:name];
+    case ui::Image::Source::memory:
+        return image.data == nullptr
+                   ? nil
+                   : [[NSImage alloc] initWithData:[NSData dataWithBytes:image.data->data() length:image.data->size()]];
     case ui::Image::Source::systemSymbol:
         break;
     }

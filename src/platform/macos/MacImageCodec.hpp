@@ -13,6 +13,7 @@ public:
                                                                    bool transform) override;
     [[nodiscard]] std::optional<Bytes> encode(const platform::Image& image, const std::string& type,
                                               double quality) override;
+    [[nodiscard]] std::optional<Bytes> jpegRepresentation(BytesView data) override;
 };
 
 } // namespace sentrel::macos

@@ -2,6 +2,7 @@
 
 #include "platform/macos/FoundationText.hpp"
 
+#import <AppKit/AppKit.h>
 #import <CoreImage/CoreImage.h>
 #import <ImageIO/ImageIO.h>
 
@@ -26,6 +27,12 @@ private:
 NSData* dataObject(BytesView bytes)
 {
     return [NSData dataWithBytesNoCopy:const_cast<std::uint8_t*>(bytes.data()) length:bytes.size() freeWhenDone:NO];
+}
+
+Bytes copyOf(NSData* data)
+{
+    const auto* const first = static_cast<const std::uint8_t*>(data.bytes);
+    return Bytes{first, first + data.length};
 }
 
 /// An image source of the data, to be released; null for what is no image.
@@ -117,8 +124,18 @@ std::optional<Bytes> MacImageCodec::encode(const platform::Image& image, const s
         if (!isWritten) {
             return std::nullopt;
         }
-        const auto* const first = static_cast<const std::uint8_t*>(data.bytes);
-        return Bytes{first, first + data.length};
+        return copyOf(data);
+    }
+}
+
+std::optional<Bytes> MacImageCodec::jpegRepresentation(BytesView data)
+{
+    @autoreleasepool {
+        NSImage* const image = [[NSImage alloc] initWithData:dataObject(data)];
+        NSData* const tiff = image.TIFFRepresentation;
+        NSBitmapImageRep* const bitmap = tiff == nil ? nil : [NSBitmapImageRep imageRepWithData:tiff];
+        NSData* const jpeg = [bitmap representationUsingType:NSBitmapImageFileTypeJPEG properties:@{}];
+        return jpeg == nil ? std::nullopt : std::optional{copyOf(jpeg)};
     }
 }
 

@@ -9,6 +9,7 @@ class MacLanguage final : public platform::Language {
 public:
     [[nodiscard]] std::string localized(std::string_view key) override;
     [[nodiscard]] bool containsIgnoringCase(std::string_view text, std::string_view part) override;
+    [[nodiscard]] std::size_t characterCount(std::string_view text) override;
 };
 
 } // namespace sentrel::macos

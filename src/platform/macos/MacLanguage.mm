@@ -16,4 +16,19 @@ bool MacLanguage::containsIgnoringCase(std::string_view text, std::string_view p
     return [stringObject(text) localizedCaseInsensitiveContainsString:stringObject(part)];
 }
 
+std::size_t MacLanguage::characterCount(std::string_view text)
+{
+    @autoreleasepool {
+        NSString* const string = [[NSString alloc] initWithBytesNoCopy:const_cast<char*>(text.data())
+                                                                length:text.size()
+                                                              encoding:NSUTF8StringEncoding
+                                                          freeWhenDone:NO];
+        NSUInteger count = 0;
+        for (NSUInteger index = 0; index < string.length; ++count) {
+            index = NSMaxRange([string rangeOfComposedCharacterSequenceAtIndex:index]);
+        }
+        return count;
+    }
+}
+
 } // namespace sentrel::macos

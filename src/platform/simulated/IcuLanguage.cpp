@@ -1,12 +1,18 @@
 #include "platform/simulated/IcuLanguage.hpp"
 
+#include "foundation/SecretBytes.hpp"
+
 #include <algorithm>
 #include <fstream>
 #include <iterator>
 #include <optional>
+#include <unicode/brkiter.h>
+#include <unicode/locid.h>
 #include <unicode/normalizer2.h>
 #include <unicode/uchar.h>
 #include <unicode/unistr.h>
+#include <unicode/ustring.h>
+#include <unicode/utext.h>
 #include <utility>
 
 namespace sentrel::simulated {
@@ -27,6 +33,24 @@ bool isLocaleName(const std::string& locale)
     return !locale.empty() && std::all_of(locale.begin(), locale.end(), [](char c) {
         return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '-' || c == '_';
     });
+}
+
+/// The names under which a locale's table may lie, the best first.
+std::vector<std::string> tableNames(const std::string& locale)
+{
+    std::vector<std::string> names;
+    if (isLocaleName(locale)) {
+        names.push_back(locale);
+        UErrorCode error = U_ZERO_ERROR;
+        icu::Locale likely{locale.c_str()};
+        likely.addLikelySubtags(error);
+        if (U_SUCCESS(error) && *likely.getScript() != '\0') {
+            names.push_back(std::string{likely.getLanguage()} + "-" + likely.getScript());
+        }
+        names.push_back(languageOf(locale));
+    }
+    names.emplace_back("en");
+    return names;
 }
 
 std::optional<Bytes> readFile(const std::filesystem::path& file)
@@ -55,6 +79,26 @@ icu::UnicodeString folded(std::string_view text, const std::string& language)
     return U_FAILURE(error) ? units : composed;
 }
 
+/// UTF-16 units in memory that is wiped: the text may be a passcode.
+class WipedUnits {
+public:
+    explicit WipedUnits(std::string_view text) : memory_(text.size() * sizeof(char16_t))
+    {
+        constexpr char16_t replacement = 0xFFFD;
+        UErrorCode error = U_ZERO_ERROR;
+        u_strFromUTF8WithSub(units(), static_cast<std::int32_t>(text.size()), &length_, text.data(),
+                             static_cast<std::int32_t>(text.size()), replacement, nullptr, &error);
+        length_ = U_FAILURE(error) ? 0 : length_;
+    }
+
+    [[nodiscard]] char16_t* units() { return reinterpret_cast<char16_t*>(memory_.writable().data()); }
+    [[nodiscard]] std::int32_t length() const { return length_; }
+
+private:
+    SecretBytes memory_; // no UTF-8 text has more units in UTF-16 than bytes
+    std::int32_t length_ = 0;
+};
+
 } // namespace
 
 IcuLanguage::IcuLanguage(std::filesystem::path resources, platform::Journal& journal, std::string locale)
@@ -62,52 +106,82 @@ IcuLanguage::IcuLanguage(std::filesystem::path resources, platform::Journal& jou
 {
 }
 
+void IcuLanguage::setLocale(std::string locale)
+{
+    const std::lock_guard guard{mutex_};
+    locale_ = std::move(locale);
+    table_.reset();
+}
+
 std::string IcuLanguage::localized(std::string_view key)
 {
-    const auto& texts = table().texts;
-    const auto found = texts.find(key);
-    return found == texts.end() ? std::string{key} : found->second;
+    const auto current = table();
+    const auto found = current->strings.texts.find(key);
+    return found == current->strings.texts.end() ? std::string{key} : found->second;
 }
 
 bool IcuLanguage::containsIgnoringCase(std::string_view text, std::string_view part)
 {
-    const std::string language = languageOf(locale_);
+    const std::string language = languageOf(locale());
     return !part.empty() && folded(text, language).indexOf(folded(part, language)) >= 0;
 }
 
-const StringsTable& IcuLanguage::table()
+std::size_t IcuLanguage::characterCount(std::string_view text)
 {
-    bool isFirst = false;
-    std::call_once(isRead_, [&] {
-        table_ = readTable();
-        isFirst = true;
-    });
-    if (isFirst) {
-        noteDamages();
+    WipedUnits units{text};
+    UErrorCode error = U_ZERO_ERROR;
+    UText* const opened = utext_openUChars(nullptr, units.units(), units.length(), &error);
+    const std::unique_ptr<icu::BreakIterator> characters{
+        icu::BreakIterator::createCharacterInstance(icu::Locale{locale().c_str()}, error)};
+    std::size_t count = 0;
+    if (U_SUCCESS(error)) {
+        // Only refers to the units, which are not copied.
+        characters->setText(opened, error);
+        while (characters->next() != icu::BreakIterator::DONE) {
+            ++count;
+        }
     }
-    return table_;
+    utext_close(opened);
+    return count;
 }
 
-StringsTable IcuLanguage::readTable()
+std::string IcuLanguage::locale() const
 {
-    if (!isLocaleName(locale_)) {
-        return {};
+    const std::lock_guard guard{mutex_};
+    return locale_;
+}
+
+std::shared_ptr<const IcuLanguage::Table> IcuLanguage::table()
+{
+    std::shared_ptr<const Table> read;
+    {
+        const std::lock_guard guard{mutex_};
+        if (table_ != nullptr) {
+            return table_;
+        }
+        read = table_ = std::make_shared<const Table>(readTable());
     }
-    for (const std::string& name : {locale_, languageOf(locale_)}) {
-        file_ = name + ".lproj/Localizable.strings";
-        if (const auto content = readFile(resources_ / file_)) {
-            return parseStringsFile(*content);
+    // Outside the lock: an observer of the journal may ask for a text.
+    noteDamages(*read);
+    return read;
+}
+
+IcuLanguage::Table IcuLanguage::readTable() const
+{
+    for (const std::string& name : tableNames(locale_)) {
+        const std::string file = name + ".lproj/Localizable.strings";
+        if (const auto content = readFile(resources_ / file)) {
+            return {parseStringsFile(*content), file};
         }
     }
     return {};
 }
 
-// Only when the table stands: an observer of the journal may ask for a text.
-void IcuLanguage::noteDamages() const
+void IcuLanguage::noteDamages(const Table& table) const
 {
-    for (const auto& [line, problem] : table_.damages) {
+    for (const auto& [line, problem] : table.strings.damages) {
         journal_.note("localization.damaged",
-                      {{"file", file_}, {"line", static_cast<std::int64_t>(line)}, {"problem", problem}});
+                      {{"file", table.file}, {"line", static_cast<std::int64_t>(line)}, {"problem", problem}});
     }
 }
 

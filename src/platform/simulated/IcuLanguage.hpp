@@ -5,36 +5,50 @@
 #include "platform/simulated/StringsFile.hpp"
 
 #include <filesystem>
+#include <memory>
 #include <mutex>
 #include <string>
+#include <vector>
 
 namespace sentrel::simulated {
 
-/// One user's language: the localisation table of a locale, read when the first text is asked for, and case by the
-/// locale's rules. Any thread.
+/// One user's language: the localisation table of a locale, read when the first text is asked for, and case and
+/// characters by the locale's rules. Any thread.
 class IcuLanguage final : public platform::Language {
 public:
-    /// Texts come from `RESOURCES/LOCALE.lproj/Localizable.strings`, or from the language's own folder (`de` for
-    /// `de_AT`); without either every text is its key. A damaged table is noted as `localization.damaged` {file, line,
-    /// problem} and used as far as it is good.
+    /// Texts come from `RESOURCES/LOCALE.lproj/Localizable.strings`; without that from the nearest table of the
+    /// language and its script (`de` for `de_AT`, `zh-Hans` for `zh_CN`), else from the English one; without any every
+    /// text is its key. A damaged table is noted as `localization.damaged` {file, line, problem} and used as far as it
+    /// is good.
     IcuLanguage(std::filesystem::path resources, platform::Journal& journal, std::string locale = "en");
+
+    /// The user chooses another language, which holds for texts that are asked for from now on.
+    void setLocale(std::string locale);
 
     [[nodiscard]] std::string localized(std::string_view key) override;
 
     /// No text contains the empty text, as on a Mac.
     [[nodiscard]] bool containsIgnoringCase(std::string_view text, std::string_view part) override;
 
+    /// Grapheme clusters. Invalid bytes count as characters.
+    [[nodiscard]] std::size_t characterCount(std::string_view text) override;
+
 private:
-    [[nodiscard]] const StringsTable& table();
-    StringsTable readTable();
-    void noteDamages() const;
+    struct Table {
+        StringsTable strings;
+        std::string file; ///< below the resources
+    };
+
+    [[nodiscard]] std::string locale() const;
+    [[nodiscard]] std::shared_ptr<const Table> table();
+    [[nodiscard]] Table readTable() const;
+    void noteDamages(const Table& table) const;
 
     const std::filesystem::path resources_;
     platform::Journal& journal_;
-    const std::string locale_;
-    std::once_flag isRead_;
-    StringsTable table_;
-    std::string file_; // of the table, below the resources
+    mutable std::mutex mutex_;
+    std::string locale_;
+    std::shared_ptr<const Table> table_; ///< null until a text is asked for
 };
 
 } // namespace sentrel::simulated

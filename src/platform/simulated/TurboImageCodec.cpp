@@ -25,6 +25,9 @@ using platform::PixelSize;
 // What the library needs beside pixels and coefficients: tables, and some rows of the widest image.
 constexpr std::size_t libraryBytes = 8'000'000;
 
+// Of files for which nobody asks for a quality.
+constexpr double ownQuality = 0.75;
+
 class TurboImage final : public platform::Image {
 public:
     explicit TurboImage(RgbxImage pixels) : pixels_(std::move(pixels)) {}
@@ -229,6 +232,13 @@ std::optional<Bytes> TurboImageCodec::encode(const platform::Image& image, const
     }
     const auto& pixels = static_cast<const TurboImage&>(image).pixels();
     return encodeJpeg(pixels, std::max(static_cast<int>(std::lround(quality * 100)), 1));
+}
+
+std::optional<Bytes> TurboImageCodec::jpegRepresentation(BytesView data)
+{
+    const auto size = pixelSize(data);
+    const auto image = size ? createThumbnail(data, std::max(size->width, size->height), true) : nullptr;
+    return image == nullptr ? std::nullopt : encode(*image, "public.jpeg", ownQuality);
 }
 
 } // namespace sentrel::simulated

@@ -20,6 +20,9 @@ public:
     /// Only "public.jpeg" is known.
     [[nodiscard]] std::optional<Bytes> encode(const platform::Image& image, const std::string& type,
                                               double quality) override;
+
+    /// Turned upright, since the copy says nothing of the camera's orientation.
+    [[nodiscard]] std::optional<Bytes> jpegRepresentation(BytesView data) override;
 };
 
 } // namespace sentrel::simulated

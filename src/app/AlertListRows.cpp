@@ -1,0 +1,79 @@
+#include "app/AlertListRows.hpp"
+
+#include "alerts/MacAlertsService.hpp"
+#include "app/ViewParts.hpp"
+#include "platform/Language.hpp"
+#include "platform/WallClock.hpp"
+
+namespace sentrel {
+
+namespace {
+
+const char* symbolOf(AlertStorageLocation location)
+{
+    switch (location) {
+    case AlertStorageLocation::cloud:
+        return "checkmark.icloud";
+    case AlertStorageLocation::localMac:
+        return "laptopcomputer";
+    case AlertStorageLocation::pendingUpload:
+        break;
+    }
+    return "icloud.and.arrow.up";
+}
+
+} // namespace
+
+AlertListRows::AlertListRows(MacAlertsService& alerts, platform::Calendar& calendar, platform::WallClock& wallClock,
+                             platform::Language& language)
+    : alerts_(alerts), calendar_(calendar), wallClock_(wallClock), language_(language)
+{
+}
+
+const std::vector<ui::View>& AlertListRows::sections()
+{
+    const Date now = wallClock_.now();
+    if (shown_ == alerts_.alerts.get() && day_.start <= now && now < day_.end) {
+        return sections_;
+    }
+    shown_ = alerts_.alerts;
+    day_ = calendar_.interval(platform::CalendarUnit::day, now);
+    sections_.clear();
+    for (const AlertSection& each : alerts_.sections()) {
+        sections_.push_back(section(each));
+    }
+    return sections_;
+}
+
+ui::View AlertListRows::section(const AlertSection& section)
+{
+    using Style = platform::Calendar::Style;
+    // The heading says the day already.
+    const bool isNamedDay = section.id == "today" || section.id == "yesterday";
+    std::vector<ui::View> rows;
+    rows.reserve(section.alerts.size());
+    for (const AlertRow& each : section.alerts) {
+        rows.push_back(row(each, isNamedDay ? Style::none : Style::mediumStyle));
+    }
+    return ui::section(section.title, std::move(rows)).id(section.id);
+}
+
+ui::View AlertListRows::row(const AlertRow& row, platform::Calendar::Style dateStyle)
+{
+    const auto secondary = [](std::string text) {
+        return ui::text(std::move(text), ui::Text::Style::caption, ui::Text::Color::secondary);
+    };
+    return ui::verticalStack(
+               {
+                   ui::text(title(row.alert.reason, language_), ui::Text::Style::headline),
+                   secondary(
+                       calendar_.formatted(row.alert.timestamp, dateStyle, platform::Calendar::Style::shortStyle)),
+                   ui::horizontalStack({ui::view(symbol(symbolOf(row.storageLocation))),
+                                        secondary(language_.localized(label(row.storageLocation)))},
+                                       4.0),
+               },
+               2.0, ui::Stack::Alignment::leading)
+        .id(row.alert.id.text());
+}
+
+} // namespace sentrel

@@ -1,0 +1,22 @@
+#pragma once
+
+#include "platform/PreviewPanel.hpp"
+
+#include <filesystem>
+#include <utility>
+
+namespace sentrel {
+
+/// What the preview panel shows of an alert: one item, the temporary file of its photo.
+class AlertPhotoQuickLookDataSource final : public platform::PreviewDataSource {
+public:
+    explicit AlertPhotoQuickLookDataSource(std::filesystem::path photo) : photo_(std::move(photo)) {}
+
+    [[nodiscard]] std::size_t numberOfItems() override { return 1; }
+    [[nodiscard]] std::filesystem::path itemAt(std::size_t /*index*/) override { return photo_; }
+
+private:
+    std::filesystem::path photo_;
+};
+
+} // namespace sentrel

@@ -1,0 +1,49 @@
+#pragma once
+
+#include "runtime/Weak.hpp"
+#include "ui/View.hpp"
+
+#include <functional>
+#include <optional>
+#include <string>
+
+namespace sentrel {
+
+class ProtectedActions;
+
+namespace platform {
+class Language;
+class LoginItem;
+} // namespace platform
+
+/// Whether the application opens at login: the toggle, and a notice when the system refused. Main actor.
+class LoginItemToggle {
+public:
+    LoginItemToggle(platform::LoginItem& loginItem, ProtectedActions& protectedActions, platform::Language& language);
+    LoginItemToggle(const LoginItemToggle&) = delete;
+
+    /// Called after each change of what is shown.
+    std::function<void()> onChange;
+
+    /// Reads the state anew: the user may have changed it in the system's settings.
+    void refresh();
+
+    [[nodiscard]] ui::View body();
+
+    /// Hidden unless the last change was refused.
+    [[nodiscard]] ui::View notice() const;
+
+private:
+    void set(bool isOn);
+    void write(bool isOn);
+    void changed();
+
+    platform::LoginItem& loginItem_;
+    ProtectedActions& protectedActions_;
+    platform::Language& language_;
+    bool openAtLogin_ = false;
+    std::optional<std::string> refusal_;
+    WeakAnchor<LoginItemToggle> anchor_{*this};
+};
+
+} // namespace sentrel

@@ -1,0 +1,75 @@
+#pragma once
+
+#include "app/AlertListRows.hpp"
+#include "app/MacAlertDetailView.hpp"
+#include "runtime/Observable.hpp"
+#include "runtime/Weak.hpp"
+#include "ui/View.hpp"
+
+#include <functional>
+#include <set>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace sentrel {
+
+/// The alerts window: the list of alerts, and the detail of what is selected there. Main actor.
+class MacAlertsContentView {
+public:
+    struct Collaborators {
+        MainActor actor;
+        MacAlertsService& alerts;
+        AlertPhotoPreview& preview;
+        platform::Calendar& calendar;
+        platform::FileSystem& files;
+        platform::HostInfo& host;
+        platform::ImageCodec& imageCodec;
+        platform::Language& language;
+        platform::SavePanels& savePanels;
+        platform::WallClock& wallClock;
+    };
+
+    explicit MacAlertsContentView(Collaborators collaborators);
+    MacAlertsContentView(const MacAlertsContentView&) = delete;
+
+    /// Called after each change of what is shown.
+    std::function<void()> onChange;
+
+    /// The window is to be seen: brings the list up to date.
+    void appeared();
+
+    [[nodiscard]] ui::View body();
+
+private:
+    [[nodiscard]] ui::View content();
+    [[nodiscard]] ui::View sidebar();
+    [[nodiscard]] ui::View detail();
+    [[nodiscard]] ui::View messages();
+    [[nodiscard]] ui::View toolbar();
+    [[nodiscard]] ui::View deleteConfirmation();
+    [[nodiscard]] std::string localized(std::string_view text);
+    [[nodiscard]] bool hasList() const;
+    void alertsChanged();
+    void select(std::set<std::string> rows);
+    void showSelected();
+    void refresh();
+    void toggleSidebar();
+    void setSidebarShown(bool isShown);
+    void askToDelete();
+    void deleteSelected();
+    void closeConfirmation();
+    template <class T> void follow(Observable<T>& observable);
+    void changed();
+
+    Collaborators with_;
+    AlertListRows rows_;
+    MacAlertDetailView detail_;
+    std::set<std::string> selection_;
+    bool isConfirmingDeletion_ = false;
+    bool isSidebarShown_ = true;
+    std::vector<Observation> observations_;
+    WeakAnchor<MacAlertsContentView> anchor_{*this};
+};
+
+} // namespace sentrel

@@ -1,0 +1,173 @@
+#include "app/MacContentView.hpp"
+
+#include "app/ViewParts.hpp"
+#include "app/WholeNumber.hpp"
+#include "cloud/CloudKitService.hpp"
+#include "core/SettingsStore.hpp"
+#include "core/coordinator/AlarmCoordinator.hpp"
+#include "foundation/TextFormat.hpp"
+#include "platform/Language.hpp"
+
+#include <utility>
+
+namespace sentrel {
+
+namespace {
+
+constexpr double contentPadding = 20.0;
+
+// What would make no sound, or see no motion, can't be chosen.
+constexpr SettingsEditor::Range strength{0.1, 1.0, std::nullopt};
+// By whole numbers, so that the limit is the number that is read beside it.
+constexpr SettingsEditor::Range attempts{1.0, 10.0, 1.0};
+
+} // namespace
+
+MacContentView::MacContentView(Collaborators collaborators, bool isComputerCompatible)
+    : with_(collaborators),
+      isComputerCompatible_(isComputerCompatible),
+      editor_(with_.settings, with_.coordinator, with_.protectedActions),
+      stopButton_(with_.coordinator, with_.protectedActions, with_.language),
+      passwordSection_(with_.actor, editor_, with_.passcodes, with_.language)
+{
+    editor_.onChange = [this] { changed(); };
+    passwordSection_.onChange = [this] { changed(); };
+    observations_.push_back(with_.settings.observe([this](const AlarmSettings&) { changed(); }));
+    AlarmCoordinator& coordinator = with_.coordinator;
+    follow(coordinator.isArmed);
+    follow(coordinator.isAlarmActive);
+    follow(coordinator.statusMessage);
+    follow(coordinator.lastTrigger);
+    follow(coordinator.lastError);
+    follow(coordinator.cameraWarning);
+    follow(coordinator.motionWarning);
+    follow(with_.cloud.isAvailable);
+    follow(with_.cloud.isReachable);
+}
+
+void MacContentView::appeared()
+{
+    passwordSection_.appeared();
+}
+
+ui::View MacContentView::body()
+{
+    return ui::verticalStack(
+               {
+                   heading(),
+                   ui::view(ui::Form{}, {status().id("status"), triggers().id("triggers"), options().id("options"),
+                                         security().id("security"), iCloud().id("iCloud")})
+                       .id("form"),
+               },
+               16.0, ui::Stack::Alignment::leading)
+        .padding(contentPadding);
+}
+
+ui::View MacContentView::heading()
+{
+    return ui::verticalStack(
+        {
+            ui::text(localized("Sentrel"), ui::Text::Style::largeTitle),
+            ui::text(localized("Mac Alarm Guard"), ui::Text::Style::body, ui::Text::Color::secondary),
+        },
+        2.0, ui::Stack::Alignment::leading);
+}
+
+ui::View MacContentView::status()
+{
+    if (!isComputerCompatible_) {
+        return ui::section(
+            localized("Status"),
+            {ui::horizontalStack({ui::view(symbol("desktopcomputer")),
+                                  ui::text(localized("Computer Not Compatible"), ui::Text::Style::headline)}),
+             ui::text(localized("Sentrel requires a MacBook to work.\n\niMac, Mac mini, Mac Studio, and Mac Pro cannot "
+                                "use unplugged, lid closed, or motion triggers."))});
+    }
+    const AlarmCoordinator& coordinator = with_.coordinator;
+    const bool isArmed = coordinator.isArmed;
+    const std::string state = localized(isArmed ? "Armed" : "Disarmed");
+    const std::string& message = coordinator.statusMessage;
+    const auto& trigger = coordinator.lastTrigger.get();
+    const auto notice = [](const char* id, const std::optional<std::string>& text) {
+        return warning(text.value_or("")).id(id).hidden(!text);
+    };
+    return ui::section(localized("Status"),
+                       {
+                           ui::horizontalStack({ui::view(symbol(isArmed ? "lock.shield.fill" : "lock.open")),
+                                                ui::text(state, ui::Text::Style::headline).id("state")}),
+                           // Mostly the same word.
+                           ui::text(message).id("statusMessage").hidden(message == state),
+                           ui::text(trigger ? title(*trigger, with_.language) : "").id("lastTrigger").hidden(!trigger),
+                           notice("lastError", coordinator.lastError),
+                           notice("cameraWarning", coordinator.cameraWarning),
+                           notice("motionWarning", coordinator.motionWarning),
+                           stopButton_.body(StopAlarmButton::Style::controlPanel),
+                       });
+}
+
+ui::View MacContentView::triggers()
+{
+    const AlarmSettings& settings = with_.settings.settings();
+    const std::string limit = filledIn(localized("%lld"), wholeNumber(settings.failedUnlockAttemptLimit));
+    return ui::section(
+        localized("Triggers"),
+        {
+            editor_.checkbox(localized("When unplugged"), &AlarmSettings::triggerOnUnplugged),
+            editor_.checkbox(localized("When lid closed"), &AlarmSettings::triggerOnLidClosed),
+            editor_.checkbox(localized("On motion"), &AlarmSettings::triggerOnMotion),
+            editor_.slider(localized("Motion sensitivity"), &AlarmSettings::motionSensitivity, strength)
+                .disabled(!settings.triggerOnMotion),
+            editor_.checkbox(localized("On failed unlock"), &AlarmSettings::triggerOnFailedUnlock),
+            editor_.slider(localized("Wrong attempts"), &AlarmSettings::failedUnlockAttemptLimit, attempts, limit)
+                .disabled(!settings.triggerOnFailedUnlock),
+        });
+}
+
+ui::View MacContentView::options()
+{
+    return ui::section(localized("Options"),
+                       {
+                           editor_.checkbox(localized("Send notification"), &AlarmSettings::sendNotification),
+                           editor_.checkbox(localized("Take photo"), &AlarmSettings::capturePhoto),
+                           editor_.checkbox(localized("Alarm sound"), &AlarmSettings::alarmSound),
+                           editor_.slider(localized("Alarm volume"), &AlarmSettings::alarmVolume, strength)
+                               .disabled(!with_.settings.settings().alarmSound),
+                       });
+}
+
+ui::View MacContentView::security()
+{
+    return ui::section(localized("Security"), {
+                                                  passwordSection_.body().id("passcode"),
+                                                  editor_.checkbox(localized("Require Mac login for actions"),
+                                                                   &AlarmSettings::requirePasswordForActions),
+                                              });
+}
+
+ui::View MacContentView::iCloud()
+{
+    const bool isAvailable = with_.cloud.isAvailable;
+    const bool isReachable = with_.cloud.isReachable;
+    const std::string reached = localized(isReachable ? "iCloud connected" : "No connection");
+    return ui::section(localized("iCloud"),
+                       {ui::text(isAvailable ? reached : localized("Sign in to iCloud")).id("line")});
+}
+
+std::string MacContentView::localized(std::string_view text)
+{
+    return with_.language.localized(text);
+}
+
+template <class T> void MacContentView::follow(Observable<T>& observable)
+{
+    observations_.push_back(observable.observe([this](const T&) { changed(); }));
+}
+
+void MacContentView::changed()
+{
+    if (onChange) {
+        onChange();
+    }
+}
+
+} // namespace sentrel

@@ -1,0 +1,40 @@
+#include "app/MenuBarLabel.hpp"
+
+#include "core/coordinator/AlarmCoordinator.hpp"
+#include "platform/Language.hpp"
+
+namespace sentrel {
+
+MenuBarLabel::MenuBarLabel(AlarmCoordinator& coordinator, bool isComputerCompatible, platform::Language& language)
+    : coordinator_(coordinator),
+      isComputerCompatible_(isComputerCompatible),
+      language_(language),
+      observation_(coordinator.isArmed.observe([this](bool) {
+          if (onChange) {
+              onChange();
+          }
+      }))
+{
+}
+
+std::string MenuBarLabel::image() const
+{
+    return isArmed() ? "MenuBarIconArmed" : "MenuBarIcon";
+}
+
+std::string MenuBarLabel::accessibilityLabel() const
+{
+    return language_.localized("Sentrel") + ": " + language_.localized(isArmed() ? "Armed" : "Disarmed");
+}
+
+ui::View MenuBarLabel::body() const
+{
+    return ui::view(ui::Image{ui::Image::Source::asset, image()}).accessibilityLabel(accessibilityLabel());
+}
+
+bool MenuBarLabel::isArmed() const
+{
+    return isComputerCompatible_ && coordinator_.isArmed;
+}
+
+} // namespace sentrel

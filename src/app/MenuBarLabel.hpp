@@ -1,0 +1,43 @@
+#pragma once
+
+#include "runtime/Observable.hpp"
+#include "ui/View.hpp"
+
+#include <functional>
+#include <string>
+
+namespace sentrel {
+
+class AlarmCoordinator;
+
+namespace platform {
+class Language;
+}
+
+/// The icon in the menu bar: whether the Mac is armed. Main actor.
+class MenuBarLabel {
+public:
+    MenuBarLabel(AlarmCoordinator& coordinator, bool isComputerCompatible, platform::Language& language);
+    MenuBarLabel(const MenuBarLabel&) = delete;
+
+    /// Called after each change of what is shown.
+    std::function<void()> onChange;
+
+    /// The image asset.
+    [[nodiscard]] std::string image() const;
+
+    /// What screen readers say.
+    [[nodiscard]] std::string accessibilityLabel() const;
+
+    [[nodiscard]] ui::View body() const;
+
+private:
+    [[nodiscard]] bool isArmed() const;
+
+    AlarmCoordinator& coordinator_;
+    const bool isComputerCompatible_;
+    platform::Language& language_;
+    Observation observation_;
+};
+
+} // namespace sentrel

@@ -1,0 +1,69 @@
+#pragma once
+
+#include "foundation/SecretText.hpp"
+#include "runtime/DetachedWork.hpp"
+#include "runtime/MainActor.hpp"
+#include "runtime/Weak.hpp"
+#include "ui/View.hpp"
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+
+namespace sentrel {
+
+class UnlockPasscodeStore;
+
+namespace platform {
+class Language;
+}
+
+/// The sheet in which the unlock passcode is set or changed. Closing it while it saves leaves the passcode as it was.
+/// Main actor.
+class PasscodeSetupSheet {
+public:
+    /// How many characters a passcode has at least.
+    static constexpr std::int64_t minimumLength = 4;
+
+    struct Collaborators {
+        MainActor actor;
+        UnlockPasscodeStore& passcodes;
+        DetachedWork& derivations; ///< of an owner that lives longer, which waits for a derivation that is running
+        platform::Language& language;
+    };
+
+    /// `onSaved` is called after a successful save, before `dismiss`, which may destroy the sheet.
+    PasscodeSetupSheet(Collaborators collaborators, std::function<void()> onSaved, std::function<void()> dismiss);
+    PasscodeSetupSheet(const PasscodeSetupSheet&) = delete;
+
+    /// Called after each change of what is shown.
+    std::function<void()> onChange;
+
+    [[nodiscard]] ui::View body();
+
+private:
+    [[nodiscard]] ui::View fields();
+    [[nodiscard]] ui::View buttons();
+    void setPasscode(SecretText typed);
+    void setConfirmation(SecretText typed);
+    void setPasscodeFocused(bool isFocused);
+    void dismiss();
+    void save();
+    [[nodiscard]] std::optional<std::string> mistake();
+    Async<void> store(SecretText passcode);
+    void changed();
+
+    Collaborators with_;
+    std::function<void()> onSaved_;
+    std::function<void()> dismiss_;
+    SecretText passcode_;
+    SecretText confirmation_;
+    std::optional<std::string> error_;
+    bool isPasscodeFocused_ = true;
+    bool isSaving_ = false;
+    TaskBag tasks_;
+    WeakAnchor<PasscodeSetupSheet> anchor_{*this};
+};
+
+} // namespace sentrel

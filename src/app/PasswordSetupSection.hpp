@@ -1,0 +1,66 @@
+#pragma once
+
+#include "app/PasscodeSetupSheet.hpp"
+#include "runtime/DetachedWork.hpp"
+#include "runtime/MainActor.hpp"
+#include "runtime/Observable.hpp"
+#include "runtime/Weak.hpp"
+#include "ui/View.hpp"
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace sentrel {
+
+class SettingsEditor;
+class UnlockPasscodeStore;
+
+namespace platform {
+class Language;
+}
+
+/// The unlock passcode and the lock screen in the control panel. Main actor.
+class PasswordSetupSection {
+public:
+    PasswordSetupSection(MainActor actor, SettingsEditor& editor, UnlockPasscodeStore& passcodes,
+                         platform::Language& language);
+    PasswordSetupSection(const PasswordSetupSection&) = delete;
+
+    /// Called after each change of what is shown, but for the settings.
+    std::function<void()> onChange;
+
+    /// The section is to be seen: reads from the keychain whether there is a passcode.
+    void appeared();
+
+    [[nodiscard]] ui::View body();
+
+private:
+    [[nodiscard]] ui::View status();
+    [[nodiscard]] ui::View buttons();
+    [[nodiscard]] ui::View delay();
+    [[nodiscard]] ui::View removeConfirmation();
+    [[nodiscard]] std::string localized(std::string_view text);
+    void setOrChange();
+    void askToRemove();
+    void remove();
+    void closeConfirmation();
+    void openSheet();
+    void closeSheet();
+    void readPasscode();
+    void changed();
+
+    MainActor actor_;
+    SettingsEditor& editor_;
+    UnlockPasscodeStore& passcodes_;
+    platform::Language& language_;
+    bool hasPasscode_ = false;
+    bool showingRemoveConfirmation_ = false;
+    DetachedWork derivations_;
+    std::unique_ptr<PasscodeSetupSheet> passcodeSheet_; ///< while it is shown
+    Observation observation_;
+    WeakAnchor<PasswordSetupSection> anchor_{*this};
+};
+
+} // namespace sentrel

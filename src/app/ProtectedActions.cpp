@@ -1,0 +1,42 @@
+#include "app/ProtectedActions.hpp"
+
+#include "core/SettingsStore.hpp"
+#include "lock/PasswordGate.hpp"
+#include "platform/Language.hpp"
+
+#include <utility>
+
+namespace sentrel {
+
+ProtectedActions::ProtectedActions(MainActor actor, SettingsStore& settings, PasswordGate& gate,
+                                   platform::Language& language)
+    : actor_(actor), settings_(settings), gate_(gate), language_(language)
+{
+}
+
+bool ProtectedActions::isLoginRequired() const
+{
+    return settings_.settings().requirePasswordForActions;
+}
+
+void ProtectedActions::perform(const std::string& name, std::function<void()> action)
+{
+    if (!isLoginRequired()) {
+        action();
+        return;
+    }
+    if (asking_.insert(name).second) {
+        tasks_.add(actor_.spawn(performAfterLogin(name, std::move(action))));
+    }
+}
+
+Async<void> ProtectedActions::performAfterLogin(std::string name, std::function<void()> action)
+{
+    const bool hasPassed = co_await gate_.authenticate(language_.localized("verify your Mac login"));
+    asking_.erase(name);
+    if (hasPassed) {
+        action();
+    }
+}
+
+} // namespace sentrel

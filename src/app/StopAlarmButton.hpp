@@ -1,0 +1,34 @@
+#pragma once
+
+#include "runtime/Weak.hpp"
+#include "ui/View.hpp"
+
+namespace sentrel {
+
+class AlarmCoordinator;
+class ProtectedActions;
+
+namespace platform {
+class Language;
+}
+
+/// The button that silences the alarm, after the login if the settings want that. Main actor.
+class StopAlarmButton {
+public:
+    enum class Style { menuBar, controlPanel };
+
+    StopAlarmButton(AlarmCoordinator& coordinator, ProtectedActions& protectedActions, platform::Language& language);
+
+    /// Hidden while no alarm sounds.
+    [[nodiscard]] ui::View body(Style style);
+
+private:
+    void stop();
+
+    AlarmCoordinator& coordinator_;
+    ProtectedActions& protectedActions_;
+    platform::Language& language_;
+    WeakAnchor<StopAlarmButton> anchor_{*this};
+};
+
+} // namespace sentrel
