@@ -21,14 +21,4 @@ void AlertPhotoPreview::show(std::filesystem::path photo)
     panel_.makeKeyAndOrderFront();
 }
 
-void AlertPhotoPreview::beginControl()
-{
-    panel_.setDataSource(source_.get());
-}
-
-void AlertPhotoPreview::endControl()
-{
-    panel_.setDataSource(nullptr);
-}
-
 } // namespace sentrel

@@ -18,9 +18,8 @@ public:
     /// Shows this file in the panel, in front of the windows.
     void show(std::filesystem::path photo);
 
-    /// The panel is controlled by this application from now on, or not any more: what it asks for then.
-    void beginControl();
-    void endControl();
+    /// What the panel shows while the application controls it; null before a photo was shown.
+    [[nodiscard]] platform::PreviewDataSource* dataSource() const { return source_.get(); }
 
 private:
     platform::PreviewPanel& panel_;
