@@ -6,6 +6,7 @@
 #include "platform/simulated/MotionRecording.hpp"
 #include "platform/simulated/SimulatedKeychain.hpp"
 #include "platform/simulated/SimulatedLogin.hpp"
+#include "simulator/ShellAction.hpp"
 
 #include <cstdint>
 #include <nlohmann/json.hpp>
@@ -134,8 +135,10 @@ struct SetDisplays {
     std::size_t count = 1;
 };
 
-using Action = std::variant<PlainAction, SetPower, MoveMachine, PlayRecording, RestMachine, ChangeSettings, SetVolume,
-                            SetDefaultOutput, RemoveAudioDevice, UseMusic, FailPorts, ChangeCamera, ChangeKeychain,
-                            AnswerLogin, SetPasscode, TypePasscode, SetDisplays>;
+using Action =
+    std::variant<PlainAction, SetPower, MoveMachine, PlayRecording, RestMachine, ChangeSettings, SetVolume,
+                 SetDefaultOutput, RemoveAudioDevice, UseMusic, FailPorts, ChangeCamera, ChangeKeychain, AnswerLogin,
+                 SetPasscode, TypePasscode, SetDisplays, UseMenu, ClickOn, TypeText, PressKey, MoveSlider, SelectRows,
+                 OpenWindow, CloseWindow, DragWindow, AnswerLoginItem, AnswerSavePanel>;
 
 } // namespace sentrel::simulator

@@ -4,6 +4,7 @@
 #include "simulator/CameraReader.hpp"
 #include "simulator/MacReader.hpp"
 #include "simulator/SettingsReader.hpp"
+#include "simulator/ShellReader.hpp"
 
 #include <algorithm>
 #include <utility>
@@ -166,7 +167,7 @@ struct ActionRow {
     Action (*read)(const YamlValue& value, const ReadContext& context);
 };
 
-constexpr std::array<ActionRow, 14> actionsWithValue{{
+constexpr std::array<ActionRow, 25> actionsWithValue{{
     {"power", "{power: battery}", [](auto& value, auto&) { return Action{SetPower{readPower(value)}}; }},
     {"accelerometer", "{accelerometer: {sample: [0, 0, 1]}}", readAccelerometer},
     {"set", "{set: {alarmVolume: 0.5}}",
@@ -186,6 +187,19 @@ constexpr std::array<ActionRow, 14> actionsWithValue{{
      [](auto& value, auto&) { return Action{TypePasscode{readText(value, "a passcode")}}; }},
     {"set-passcode", "{set-passcode: \"2468\"}",
      [](auto& value, auto&) { return Action{SetPasscode{readText(value, "a passcode")}}; }},
+    {"menu", "{menu: Armed}", [](auto& value, auto&) { return Action{readUseMenu(value)}; }},
+    {"click", "{click: Delete}",
+     [](auto& value, auto&) { return Action{ClickOn{readText(value, "what to click on")}}; }},
+    {"type", "{type: \"2468\"}", [](auto& value, auto&) { return Action{readTypeText(value)}; }},
+    {"press", "{press: delete}", [](auto& value, auto&) { return Action{readPressKey(value)}; }},
+    {"slide", "{slide: {Alarm volume: 0.5}}", [](auto& value, auto&) { return Action{readMoveSlider(value)}; }},
+    {"select", "{select: [0, 1]}", [](auto& value, auto&) { return Action{readSelectRows(value)}; }},
+    {"open", "{open: main}", [](auto& value, auto&) { return Action{OpenWindow{readShellWindow(value)}}; }},
+    {"close", "{close: main}", [](auto& value, auto&) { return Action{CloseWindow{readShellWindow(value)}}; }},
+    {"drag", "{drag: {window: main, size: [440, 600]}}",
+     [](auto& value, auto& context) { return Action{readDragWindow(value, context)}; }},
+    {"login-item", "{login-item: fail}", [](auto& value, auto&) { return Action{readLoginItem(value)}; }},
+    {"save-panel", "{save-panel: cancel}", [](auto& value, auto&) { return Action{readSavePanel(value)}; }},
 }};
 
 std::vector<std::string_view> allNames()

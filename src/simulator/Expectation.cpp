@@ -47,10 +47,35 @@ std::string shown(const Json& value)
     }
 }
 
+/// What is missing in a list of which some items, in this order, are expected, and others not.
+void collectItems(const Expectation& expectation, const std::string& path, const Json& expected, const Json& actual,
+                  std::vector<Mismatch>& found)
+{
+    auto rest = actual.begin();
+    for (const Json& item : expected.value(containedItems, Json::array())) {
+        const auto place = std::find(rest, actual.end(), item);
+        if (place == actual.end()) {
+            const bool isThere = std::find(actual.begin(), actual.end(), item) != actual.end();
+            found.push_back({path, "a list with " + shown(item) + (isThere ? " in this place" : ""), shown(actual),
+                             expectation.line});
+            continue;
+        }
+        rest = std::next(place);
+    }
+    for (const Json& item : expected.value(absentItems, Json::array())) {
+        if (std::find(actual.begin(), actual.end(), item) != actual.end()) {
+            found.push_back({path, "a list without " + shown(item), shown(actual), expectation.line});
+        }
+    }
+}
+
 /// Goes down to the members that differ, so that a message names just these.
 void collect(const Expectation& expectation, const std::string& path, const Json& expected, const Json* actual,
              std::vector<Mismatch>& found)
 {
+    if (expected.is_object() && actual != nullptr && actual->is_array()) {
+        return collectItems(expectation, path, expected, *actual, found);
+    }
     if (expected.is_object() && actual != nullptr && actual->is_object()) {
         for (const auto& [key, value] : expected.items()) {
             std::string deeper = path;

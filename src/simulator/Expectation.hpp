@@ -11,6 +11,10 @@ namespace sentrel::simulator {
 /// How far apart two numbers may be and still count as equal.
 inline constexpr double numberTolerance = 1e-6;
 
+/// In the place of a list: the items that must be in it, in this order, and those that must not.
+inline constexpr const char* containedItems = "contains";
+inline constexpr const char* absentItems = "lacks";
+
 /// What must hold of one part of the state, as a scenario says it.
 struct Expectation {
     std::string key; ///< for example `lastAlert`
@@ -28,7 +32,8 @@ struct Mismatch {
 };
 
 /// Every difference, in the order of the expectation. Numbers match within its tolerance; of an object only the
-/// members that are expected count, and one that isn't there matches an expected null; lists match whole. `state`
+/// members that are expected count, and one that isn't there matches an expected null; lists match whole, unless just
+/// some items are expected. `state`
 /// holds a member for each key that can be expected; one without it is a mismatch.
 [[nodiscard]] std::vector<Mismatch> mismatches(const Expectation& expectation, const Json& state);
 

@@ -169,7 +169,46 @@ Json devices(const YamlValue& value)
     return object;
 }
 
-constexpr std::array<ExpectationRow, 22> expectationRows{{
+/// Some of a window's texts, in their order; or a map of those that are there and those that aren't.
+Json someTexts(const YamlValue& value)
+{
+    static constexpr std::array<ExpectationRow, 2> rows{{{containedItems, list<text>}, {absentItems, list<text>}}};
+    return value.isMap() ? readObject(value, "'texts'", rows) : Json{{containedItems, list<text>(value)}};
+}
+
+Json listOrNull(const YamlValue& value)
+{
+    return value.isNull() ? Json{} : list<text>(value);
+}
+
+Json number(const YamlValue& value)
+{
+    return readNumber(value, "a number of points");
+}
+
+constexpr std::array<std::string_view, 2> icons{"MenuBarIcon", "MenuBarIconArmed"};
+constexpr std::array<std::string_view, 2> policies{"accessory", "regular"};
+constexpr std::array<std::string_view, 3> quitStates{"running", "asked", "quit"};
+constexpr std::array<ExpectationRow, 3> windowRows{{{"visible", flag}, {"size", list<number>}, {"texts", someTexts}}};
+
+Json shellWindow(const YamlValue& value)
+{
+    return readObject(value, "a window", windowRows);
+}
+
+constexpr std::array<ExpectationRow, 2> windowsRows{{{"main", shellWindow}, {"alerts", shellWindow}}};
+
+Json windows(const YamlValue& value)
+{
+    return readObject(value, "'window'", windowsRows);
+}
+
+template <const auto& words> Json choiceOrNull(const YamlValue& value)
+{
+    return value.isNull() ? Json{} : choice<words>(value);
+}
+
+constexpr std::array<ExpectationRow, 28> expectationRows{{
     {"isArmed", flag},
     {"isAlarmActive", flag},
     {"statusMessage", text},
@@ -192,6 +231,12 @@ constexpr std::array<ExpectationRow, 22> expectationRows{{
     {"cover", choice<coverStates>},
     {"coverMessage", messageOrNull},
     {"coverWindows", count},
+    {"icon", choiceOrNull<icons>},
+    {"menu", listOrNull},
+    {"window", windows},
+    {"dialogs", list<text>},
+    {"activationPolicy", choiceOrNull<policies>},
+    {"quit", choice<quitStates>},
 }};
 
 } // namespace

@@ -2,6 +2,7 @@
 
 #include "simulator/MacSession.hpp"
 #include "simulator/NearestWord.hpp"
+#include "simulator/Person.hpp"
 
 #include <nlohmann/json.hpp>
 
@@ -224,10 +225,19 @@ AlarmSettings withFields(AlarmSettings settings, const Json& fields)
     return decodeAlarmSettings(document).value_or(settings);
 }
 
-void perform(MacSession& session, const Action& action)
+std::string perform(MacSession& session, const Action& action)
 {
-    std::visit(Performer{session}, action);
+    const auto carryOut = [&session](const auto& each) -> std::string {
+        if constexpr (requires(const Person& person) { person.perform(each); }) {
+            return Person{session}.perform(each);
+        } else {
+            Performer{session}(each);
+            return {};
+        }
+    };
+    std::string why = std::visit(carryOut, action);
     session.clock().runReady();
+    return why;
 }
 
 std::string objection(MacSession& session, const Action& action)

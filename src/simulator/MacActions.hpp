@@ -9,8 +9,8 @@ namespace sentrel::simulator {
 
 class MacSession;
 
-/// Does to the simulated MacBook what a scenario says, now.
-void perform(MacSession& session, const Action& action);
+/// Does to the simulated MacBook what a scenario says, now. Gives why a person could not do it, or nothing.
+std::string perform(MacSession& session, const Action& action);
 
 /// The settings with these fields replaced.
 [[nodiscard]] AlarmSettings withFields(AlarmSettings settings, const Json& fields);

@@ -2,6 +2,7 @@
 
 #include "outputs/PhotoProcessing.hpp"
 #include "simulator/MacSession.hpp"
+#include "simulator/ShellState.hpp"
 #include "ui/Node.hpp"
 
 #include <nlohmann/json.hpp>
@@ -191,6 +192,7 @@ Json stateOf(MacSession& session)
     addAlerts(state, session.mac());
     addAudio(state, session);
     addCover(state, session);
+    addShell(state, session);
     state["music"] = nameOf(session.mac().music.playback());
     state["cameraSession"] = session.mac().camera.isSessionRunning() ? "on" : "off";
     state["loginsAsked"] = session.mac().login.reasonsAsked().size();

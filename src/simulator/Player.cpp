@@ -119,9 +119,19 @@ private:
     {
         if (const auto* const action = std::get_if<Action>(&step.content)) {
             audience_.willPerform(session_.seconds(), step, *action);
-            perform(session_, *action);
+            tellFailure(step, perform(session_, *action));
         } else {
             check(step, std::get<std::vector<Expectation>>(step.content));
+        }
+    }
+
+    /// What can't be done is a mismatch like any other: the scenario counted on it.
+    void tellFailure(const Step& step, const std::string& why)
+    {
+        if (!why.empty()) {
+            const std::vector<Mismatch> all{{"this step", "possible", why, step.line}};
+            result_.mismatches.push_back(all.front());
+            audience_.checked(session_.seconds(), step, all);
         }
     }
 

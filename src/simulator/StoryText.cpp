@@ -2,6 +2,7 @@
 
 #include "core/TriggerReason.hpp"
 #include "platform/Language.hpp"
+#include "simulator/ShellText.hpp"
 
 #include <algorithm>
 #include <array>
@@ -297,7 +298,14 @@ struct ActionDescriber {
     {
         return "Somebody types “" + action.passcode + "” on the lock screen.";
     }
-    std::optional<std::string> operator()(const auto&) const { return std::nullopt; }
+    template <class Other> std::optional<std::string> operator()(const Other& action) const
+    {
+        if constexpr (requires { simulator::describe(action); }) {
+            return simulator::describe(action);
+        } else {
+            return std::nullopt;
+        }
+    }
 };
 
 } // namespace

@@ -6,6 +6,9 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+#include <limits>
+
 namespace sentrel::simulated {
 namespace {
 
@@ -106,6 +109,39 @@ TEST_F(DisplaysTest, AChangeIsAnnouncedOnTheMainQueueUnlessTheAnnouncementIsLost
     clock_.runReady();
     EXPECT_EQ(announced, 1);
     EXPECT_EQ(journal_.named("displays.changed").size(), 2U);
+}
+
+TEST_F(DisplaysTest, ACoverLiesOverEveryWindowAndATitledWindowCannotBeLostOrDestroyedByItsUser)
+{
+    platform::WindowDescription description;
+    description.contentRectangle = {100.0, 100.0, 400.0, 300.0};
+    description.styleMask = 11;
+    description.canBecomeKey = true;
+    const auto titled = displays_.makeWindow(description);
+    titled->setIdentifier("titled");
+    titled->makeKeyAndOrderFront();
+    constexpr double none = std::numeric_limits<double>::quiet_NaN();
+    const auto frame = titled->frame();
+    for (const platform::Size size : {platform::Size{none, 5.0}, {-5.0, 400.0}, {HUGE_VAL, 1.0}, {1.0, -HUGE_VAL}}) {
+        EXPECT_FALSE(displays_.resizeWindow("titled", size));
+        EXPECT_FALSE(displays_.moveWindow("titled", none, size.width));
+        EXPECT_EQ(titled->frame(), frame) << size.width;
+    }
+    EXPECT_TRUE(displays_.moveWindow("titled", 1e9, 1e9));
+    EXPECT_LT(titled->frame().x, 1728.0) << "a corner stays within reach";
+    EXPECT_TRUE(displays_.resizeWindow("titled", {500.0, 200.0}));
+    EXPECT_EQ(titled->contentFrame(), (platform::Rectangle{0.0, 0.0, 500.0, 200.0}));
+
+    window_->makeKeyAndOrderFront();
+    EXPECT_FALSE(displays_.closeWindow("titled"));
+    EXPECT_FALSE(displays_.moveWindow("titled", 1.0, 1.0));
+    EXPECT_EQ(displays_.useFront([](WindowContent content) { return content.fill("town", "Ulm"); }),
+              ui::Interaction::done)
+        << "the cover is in front";
+    EXPECT_EQ(town_.text, "Ulm");
+    window_->orderOut();
+    EXPECT_TRUE(displays_.closeWindow("titled"));
+    EXPECT_FALSE(titled->isVisible());
 }
 
 } // namespace

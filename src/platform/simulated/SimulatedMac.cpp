@@ -56,7 +56,11 @@ SimulatedMac::SimulatedMac(const MacSurroundings& surroundings, const MacDescrip
       keychain(files, disk_ / "Keychains" / "Keychain.json"),
       login(surroundings.hardware, journal_),
       alerts(surroundings.hardware, activation),
-      displays(process_, journal_, activation, description.displays)
+      displays(process_, journal_, activation, description.displays),
+      application(journal_),
+      savePanels(surroundings.hardware, disk_),
+      previewPanel(journal_),
+      loginItem(posixFiles_, journal_, disk_ / "Preferences" / "Login Items.json")
 {
     if (description.power == MacDescription::Power::unknown) {
         power.setUnknown();
@@ -120,6 +124,8 @@ void SimulatedMac::endProcess()
     platform_.reset();
     defaults_.reset();
     assertions.dropAll();
+    application.end();
+    previewPanel.end();
 }
 
 void SimulatedMac::setAsleep(bool isAsleep)
@@ -145,6 +151,7 @@ std::vector<std::pair<std::string, FaultSwitches*>> SimulatedMac::faults()
         {"camera", &camera.faults()},
         {"displays", &displays.faults()},
         {"keychain", &keychain.faults()},
+        {"login-item", &loginItem.faults()},
         {"files", &files.faults()},
         {"random", &random.faults()},
     };

@@ -9,6 +9,7 @@
 #include "platform/simulated/SeededRandom.hpp"
 #include "platform/simulated/SimulatedAccelerometer.hpp"
 #include "platform/simulated/SimulatedAlerts.hpp"
+#include "platform/simulated/SimulatedApplication.hpp"
 #include "platform/simulated/SimulatedApplicationActivation.hpp"
 #include "platform/simulated/SimulatedAssertions.hpp"
 #include "platform/simulated/SimulatedAudio.hpp"
@@ -22,9 +23,13 @@
 #include "platform/simulated/SimulatedKeychain.hpp"
 #include "platform/simulated/SimulatedLid.hpp"
 #include "platform/simulated/SimulatedLogin.hpp"
+#include "platform/simulated/SimulatedLoginItem.hpp"
 #include "platform/simulated/SimulatedMusic.hpp"
 #include "platform/simulated/SimulatedPower.hpp"
+#include "platform/simulated/SimulatedPreviewPanel.hpp"
+#include "platform/simulated/SimulatedSavePanels.hpp"
 #include "platform/simulated/SimulatedStandardOutput.hpp"
+#include "platform/simulated/SimulatedStatusBar.hpp"
 #include "platform/simulated/SimulatedWallClock.hpp"
 #include "platform/simulated/SimulatedWorkspace.hpp"
 #include "platform/simulated/Speaker.hpp"
@@ -105,6 +110,11 @@ public:
     SimulatedApplicationActivation activation;
     SimulatedAlerts alerts;
     SimulatedDisplays displays;
+    SimulatedApplication application;
+    SimulatedStatusBar statusBar;
+    SimulatedSavePanels savePanels;
+    SimulatedPreviewPanel previewPanel;
+    SimulatedLoginItem loginItem;
 
 private:
     std::optional<DefaultsFile> defaults_;

@@ -15,16 +15,6 @@ bool isField(const ui::View& view)
     return ui::elementOf<ui::TextField>(view) != nullptr || ui::elementOf<ui::SecureField>(view) != nullptr;
 }
 
-/// Length of the UTF-8 character at the text's beginning.
-std::size_t firstCharacter(std::string_view text)
-{
-    std::size_t length = 1;
-    while (length < text.size() && (static_cast<unsigned char>(text[length]) & 0xC0U) == 0x80U) {
-        ++length;
-    }
-    return length;
-}
-
 void tellFocus(const ui::View& content, const std::string& identity, bool isFocused)
 {
     const auto node = identity.empty() ? std::nullopt : ui::nodeAt(content, identity);
@@ -36,6 +26,15 @@ void tellFocus(const ui::View& content, const std::string& identity, bool isFocu
 }
 
 } // namespace
+
+std::size_t firstCharacter(std::string_view text)
+{
+    std::size_t length = 1;
+    while (length < text.size() && (static_cast<unsigned char>(text[length]) & 0xC0U) == 0x80U) {
+        ++length;
+    }
+    return length;
+}
 
 void WindowContent::show(ui::View content)
 {

@@ -15,6 +15,9 @@ namespace sentrel::simulated {
 /// The built-in display, in points.
 inline constexpr platform::Rectangle builtInScreen{0.0, 0.0, 1728.0, 1117.0};
 
+/// Length of the UTF-8 character at the beginning of a text that isn't empty.
+[[nodiscard]] std::size_t firstCharacter(std::string_view text);
+
 /// What can be seen of a window, and how it was set up.
 struct WindowState {
     platform::WindowDescription description;
