@@ -1,11 +1,17 @@
 #pragma once
 
+#include "alerts/AlertUploader.hpp"
 #include "alerts/LocalAlertStore.hpp"
-#include "app/UnavailableServices.hpp"
+#include "alerts/MacAlertsService.hpp"
+#include "app/CloudCatchUp.hpp"
+#include "cloud/CloudKitConnectionMonitor.hpp"
+#include "cloud/CloudKitService.hpp"
+#include "cloud/MacPresenceService.hpp"
 #include "core/SettingsStore.hpp"
 #include "core/coordinator/AlarmCoordinator.hpp"
 #include "core/coordinator/AlarmJournal.hpp"
 #include "core/coordinator/CoverAlarm.hpp"
+#include "foundation/Json.hpp"
 #include "lock/PasswordGate.hpp"
 #include "lock/ScreenCoverService.hpp"
 #include "lock/UnlockPasscodeStore.hpp"
@@ -14,7 +20,9 @@
 #include "outputs/MediaPlayback.hpp"
 #include "outputs/SystemVolumeControl.hpp"
 #include "platform/Platform.hpp"
+#include "platform/Registration.hpp"
 #include "runtime/MainActor.hpp"
+#include "runtime/Weak.hpp"
 
 namespace sentrel {
 
@@ -37,10 +45,17 @@ public:
     [[nodiscard]] UnlockPasscodeStore& passcodes() { return passcodes_; }
     [[nodiscard]] const ScreenCoverService& cover() const { return cover_; }
     [[nodiscard]] PasswordGate& passwordGate() { return passwordGate_; }
+    [[nodiscard]] CloudKitService& cloud() { return cloud_; }
+    [[nodiscard]] MacAlertsService& alertsService() { return alertsService_; }
+    [[nodiscard]] MacPresenceService& presence() { return presence_; }
     [[nodiscard]] bool isComputerCompatible() const { return isComputerCompatible_; }
 
 private:
+    [[nodiscard]] MacPresenceService::Alarm alarmForPresence();
     void leaveDisarmed();
+    void registerForPushes();
+    void receivePush(const Json& userInfo);
+    void systemDidWake();
 
     MainActor actor_;
     const bool isComputerCompatible_;
@@ -54,11 +69,19 @@ private:
     PasswordGate passwordGate_;
     CoverAlarm coverAlarm_{coordinator_};
     ScreenCoverService cover_;
-    NoCloud cloud_;
-    NoAlertList alertList_;
-    NoPresence presence_;
+    CloudKitService cloud_;
+    AlertUploader uploader_;
+    MacAlertsService alertsService_;
+    MacPresenceService presence_;
     AlarmCoordinator coordinator_;
     AlarmJournal journal_;
+    CloudCatchUp cloudCatchUp_{alertsService_, coordinator_};
+    CloudKitConnectionMonitor connectionMonitor_;
+    platform::RemoteNotifications& remoteNotifications_;
+    platform::WorkspaceNotifications& workspaceNotifications_;
+    platform::Journal& log_;
+    platform::RegistrationPtr wakeRegistration_;
+    WeakAnchor<SentrelApp> anchor_{*this};
 };
 
 } // namespace sentrel

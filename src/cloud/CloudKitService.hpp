@@ -35,6 +35,9 @@ class WallClock;
 /// push subscriptions. Main actor only; it outlives nothing that it refers to.
 class CloudKitService {
 public:
+    /// The container in iCloud whose private database holds everything.
+    static constexpr const char* containerIdentifier = "iCloud.pelma.Sentrel";
+
     struct Ports {
         platform::CloudAccount& account;
         platform::CloudDatabase& database;

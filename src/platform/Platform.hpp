@@ -12,7 +12,10 @@ class ApplicationNotifications;
 class AudioEngines;
 class AudioHardware;
 class Automation;
+class Calendar;
 class Camera;
+class CloudAccount;
+class CloudDatabase;
 class Cryptography;
 class DeviceRegistry;
 class EventPosting;
@@ -25,9 +28,11 @@ class Journal;
 class Keychain;
 class Language;
 class LoginAuthentication;
+class NetworkPaths;
 class PowerAssertions;
 class PowerSources;
 class Random;
+class RemoteNotifications;
 class RunningApplications;
 class StandardOutput;
 class SystemBeep;
@@ -46,6 +51,7 @@ struct Platform {
     FileSystem& files;
     UserDefaults& defaults;
     Language& language;
+    Calendar& calendar;
     Journal& journal;
     StandardOutput& standardOutput;
     PowerSources& powerSources;
@@ -69,6 +75,10 @@ struct Platform {
     ApplicationActivation& applicationActivation;
     ApplicationNotifications& applicationNotifications;
     Windows& windows;
+    CloudAccount& cloudAccount;
+    CloudDatabase& cloudDatabase;
+    NetworkPaths& networkPaths;
+    RemoteNotifications& remoteNotifications;
 };
 
 } // namespace sentrel::platform

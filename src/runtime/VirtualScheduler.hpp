@@ -34,6 +34,9 @@ public:
     /// Runs until nothing is runnable and no timer is armed; what repeats forever must have been stopped.
     void runUntilIdle();
 
+    /// When the next timer is due; none when none is armed.
+    [[nodiscard]] std::optional<Instant> nextDeadline() const { return timers_.earliest(); }
+
     /// How many jobs have run so far.
     [[nodiscard]] std::uint64_t turns() const { return turns_; }
 

@@ -33,13 +33,16 @@ bool storePasscode(UnlockPasscodeStore& store, std::string_view passcode)
 
 MacSession::MacSession(const simulated::MacDescription& description, std::filesystem::path disk,
                        std::filesystem::path resources, std::uint64_t seed)
-    : mac_(
+    : serverClock_(hardware_, sessionDate),
+      cloudServer_(disk / "iCloud", serverClock_, log_),
+      mac_(
           {
               .process = process_,
               .hardware = hardware_,
               .journal = log_,
               .disk = std::move(disk),
               .resources = std::move(resources),
+              .cloudServer = cloudServer_,
               .seed = seed,
               .date = sessionDate,
           },

@@ -3,6 +3,7 @@
 #include "app/SentrelApp.hpp"
 #include "platform/simulated/EventLog.hpp"
 #include "platform/simulated/SimulatedMac.hpp"
+#include "platform/simulated/icloud/PrivateCloud.hpp"
 #include "runtime/VirtualScheduler.hpp"
 
 #include <cstdint>
@@ -83,6 +84,8 @@ private:
     VirtualScheduler process_{clock_};
     VirtualScheduler hardware_{clock_};
     simulated::EventLog log_{hardware_};
+    simulated::SimulatedWallClock serverClock_;
+    simulated::PrivateCloud cloudServer_;
     simulated::SimulatedMac mac_;
     std::optional<AlarmSound> sound_;
     std::unique_ptr<SentrelApp> app_;

@@ -43,6 +43,14 @@ protected:
         session.clock().runReady();
     }
 
+    /// How many jobs an idle hour takes.
+    double turnsInAnHour()
+    {
+        const auto before = session.clock().turns();
+        session.clock().advance(1h);
+        return static_cast<double>(session.clock().turns() - before);
+    }
+
     Json state(const char* key) { return stateOf(session)[key]; }
     AlarmCoordinator& coordinator() { return session.app()->coordinator(); }
     std::vector<std::string> assertions() { return session.mac().assertions.held(); }
@@ -75,23 +83,23 @@ TEST_F(AlarmCoordinatorTest, ArmsAlsoWithEveryTriggerOff)
         settings.triggerOnUnplugged = settings.triggerOnLidClosed = settings.triggerOnMotion = false;
         settings.isArmed = true;
     });
-    const auto turns = session.clock().turns();
     unplug();
     session.closeLid();
-    session.clock().advance(1h);
+    const auto armed = turnsInAnHour();
     EXPECT_EQ(coordinator().statusMessage.get(), "Armed");
     EXPECT_EQ(state("alerts"), 0);
-    EXPECT_EQ(session.clock().turns(), turns) << "no monitor runs";
+    set(&AlarmSettings::isArmed, false);
+    EXPECT_NEAR(armed, turnsInAnHour(), 200.0) << "no monitor runs: the least eager would take 1440 turns";
 }
 
 TEST_F(AlarmCoordinatorTest, WakesFortyTwoTimesAMinuteWhileArmedAndIdle)
 {
+    session.clock().advance(10s);
+    const auto disarmed = turnsInAnHour();
     arm();
     session.clock().advance(10s);
-    const auto before = session.clock().turns();
-    session.clock().advance(1min);
-    // Each wake is a tick of a timer and the task of its check.
-    EXPECT_EQ(session.clock().turns() - before, 2U * (12 + 30));
+    // Each wake is a tick of a timer and the task of its check. What goes on beside the alarm keeps no exact time.
+    EXPECT_NEAR(turnsInAnHour() - disarmed, 60 * 2 * (12 + 30), 60.0);
 }
 
 TEST_F(AlarmCoordinatorTest, TheSameReasonWaitsOnceAndAnotherHasItsOwnAlert)

@@ -1,6 +1,7 @@
 #include "core/coordinator/AlarmCoordinator.hpp"
 
 #include "cloud/AsyncTimeout.hpp"
+#include "cloud/MacPresenceService.hpp"
 #include "lock/ScreenCoverService.hpp"
 #include "outputs/AlarmSoundPlayer.hpp"
 #include "outputs/CameraCapture.hpp"

@@ -1,8 +1,9 @@
 #pragma once
 
+#include "core/AlertEvent.hpp"
 #include "core/SettingsStore.hpp"
 #include "core/TriggerReason.hpp"
-#include "core/coordinator/AlarmCollaborators.hpp"
+#include "foundation/Bytes.hpp"
 #include "runtime/MainActor.hpp"
 #include "runtime/Observable.hpp"
 #include "runtime/Weak.hpp"
@@ -21,8 +22,12 @@
 namespace sentrel {
 
 class AlarmSoundPlayer;
+class AlertUploader;
 class CameraCapture;
+class CloudKitService;
 class LocalAlertStore;
+class MacAlertsService;
+class MacPresenceService;
 class MediaPlayback;
 class ScreenCoverService;
 
@@ -46,9 +51,10 @@ public:
         MediaPlayback& mediaPlayback;
         CameraCapture& camera;
         ScreenCoverService& cover;
-        AlarmCloud& cloud;
-        AlarmList& alertList;
-        AlarmPresence& presence;
+        CloudKitService& cloud;
+        AlertUploader& uploader;
+        MacAlertsService& alertList;
+        MacPresenceService& presence;
     };
     struct Ports {
         platform::PowerSources& powerSources;

@@ -1,11 +1,13 @@
 #include "core/coordinator/AlarmCoordinator.hpp"
 
+#include "alerts/AlertUploader.hpp"
 #include "alerts/LocalAlertStore.hpp"
+#include "alerts/MacAlertsService.hpp"
 #include "cloud/AsyncTimeout.hpp"
+#include "cloud/CloudKitService.hpp"
 #include "foundation/Fatal.hpp"
 #include "outputs/AlarmSoundPlayer.hpp"
 #include "outputs/CameraCapture.hpp"
-#include "platform/CloudError.hpp"
 #include "platform/DeviceRegistry.hpp"
 #include "platform/HostInfo.hpp"
 #include "platform/Journal.hpp"
@@ -27,15 +29,6 @@ namespace {
 
 /// A slow or hung cloud never stalls the pipeline longer than this.
 constexpr Duration longestCloudCall = 15s;
-
-/// `CKErrorQuotaExceeded` of `CKErrorDomain`.
-constexpr const char* cloudErrorDomain = "CKErrorDomain";
-constexpr int quotaExceededCode = 25;
-
-bool isQuotaExceeded(const platform::CloudError& error)
-{
-    return error.domain == cloudErrorDomain && error.code == quotaExceededCode;
-}
 
 } // namespace
 
@@ -111,7 +104,7 @@ Async<void> AlarmCoordinator::process(TriggerReason reason)
     std::optional<Bytes> photo = co_await takePhoto(settings.capturePhoto);
     AlertEvent alert = makeAlert(reason, photo.has_value());
     alert.sendNotification = settings.sendNotification;
-    const bool cloudFlag = with_.cloud.isAvailable();
+    const bool cloudFlag = with_.cloud.isAvailable;
     saveLocally(alert, photo, cloudFlag);
     if (!with_.alertList.holds(alert.id)) {
         with_.alertList.merge(StoredAlert{alert, cloudFlag});
@@ -179,7 +172,8 @@ Async<void> AlarmCoordinator::upload(AlertEvent alert, std::optional<Bytes> phot
 Async<bool> AlarmCoordinator::isCloudReachable()
 {
     try {
-        const bool isAvailable = co_await AsyncTimeout::run(actor_, longestCloudCall, with_.cloud.checkAvailability());
+        const bool isAvailable =
+            co_await AsyncTimeout::run(actor_, longestCloudCall, with_.cloud.refreshAvailability(false));
         co_return isAvailable;
     } catch (const std::exception&) {
         co_return false;
@@ -189,20 +183,24 @@ Async<bool> AlarmCoordinator::isCloudReachable()
 Async<void> AlarmCoordinator::uploadNow(AlertEvent alert, std::optional<Bytes> photo)
 {
     const UUID id = alert.id;
-    try {
-        co_await AsyncTimeout::run(actor_, longestCloudCall, with_.cloud.upload(std::move(alert), std::move(photo)));
+    const auto outcome = co_await with_.uploader.upload(std::move(alert), std::move(photo));
+    switch (outcome) {
+    case AlertUploader::Outcome::uploaded:
         with_.alertStore.remove(id);
         // Deliberately also another notice: the alert is safe, and that is the news.
         clearNotices();
-    } catch (const platform::CloudError& error) {
-        if (isQuotaExceeded(error)) {
-            with_.alertList.setICloudStorageIsFull(true);
-            with_.alertList.refreshStorageNotice();
-        } else {
-            showLocalSaveNotice();
-        }
-    } catch (const std::exception&) {
+        break;
+    case AlertUploader::Outcome::deleted:
+        clearLocalSaveNoticeIfResolved();
+        break;
+    case AlertUploader::Outcome::storageFull:
+        with_.alertList.iCloudStorageIsFull = true;
+        with_.alertList.refreshStorageNotice();
+        break;
+    case AlertUploader::Outcome::unreachable:
+    case AlertUploader::Outcome::failed:
         showLocalSaveNotice();
+        break;
     }
 }
 

@@ -8,7 +8,10 @@
 #include "platform/macos/MacAudioEngines.hpp"
 #include "platform/macos/MacAudioHardware.hpp"
 #include "platform/macos/MacAutomation.hpp"
+#include "platform/macos/MacCalendar.hpp"
 #include "platform/macos/MacCamera.hpp"
+#include "platform/macos/MacCloudAccount.hpp"
+#include "platform/macos/MacCloudDatabase.hpp"
 #include "platform/macos/MacCryptography.hpp"
 #include "platform/macos/MacDeviceRegistry.hpp"
 #include "platform/macos/MacHidEventSystem.hpp"
@@ -18,9 +21,11 @@
 #include "platform/macos/MacKeychain.hpp"
 #include "platform/macos/MacLanguage.hpp"
 #include "platform/macos/MacLoginAuthentication.hpp"
+#include "platform/macos/MacNetworkPaths.hpp"
 #include "platform/macos/MacPowerAssertions.hpp"
 #include "platform/macos/MacPowerSources.hpp"
 #include "platform/macos/MacRandom.hpp"
+#include "platform/macos/MacRemoteNotifications.hpp"
 #include "platform/macos/MacSystemBeep.hpp"
 #include "platform/macos/MacUserDefaults.hpp"
 #include "platform/macos/MacWallClock.hpp"
@@ -34,11 +39,18 @@ namespace sentrel::macos {
 /// The Mac as the product sees it. Made and destroyed on the main thread; it outlives the product.
 class MacPlatform {
 public:
-    MacPlatform() = default;
+    /// The container in iCloud is the product's, by its identifier.
+    explicit MacPlatform(const std::string& cloudContainer)
+        : cloudAccount_(cloudContainer), cloudDatabase_(cloudContainer)
+    {
+    }
     MacPlatform(const MacPlatform&) = delete;
     MacPlatform& operator=(const MacPlatform&) = delete;
 
     [[nodiscard]] platform::Platform& ports() { return ports_; }
+
+    /// For the application's delegate, which hears of pushes.
+    [[nodiscard]] MacRemoteNotifications& remoteNotifications() { return remoteNotifications_; }
 
 private:
     DispatchScheduler scheduler_;
@@ -48,6 +60,7 @@ private:
     posix::PosixFileSystem files_;
     MacUserDefaults defaults_;
     MacLanguage language_;
+    MacCalendar calendar_;
     MacJournal journal_;
     posix::PosixStandardOutput standardOutput_;
     MacPowerSources powerSources_;
@@ -70,6 +83,10 @@ private:
     MacApplicationActivation applicationActivation_;
     MacApplicationNotifications applicationNotifications_;
     MacWindows windows_;
+    MacCloudAccount cloudAccount_;
+    MacCloudDatabase cloudDatabase_;
+    MacNetworkPaths networkPaths_;
+    MacRemoteNotifications remoteNotifications_;
     platform::Platform ports_{
         .scheduler = scheduler_,
         .wallClock = wallClock_,
@@ -78,6 +95,7 @@ private:
         .files = files_,
         .defaults = defaults_,
         .language = language_,
+        .calendar = calendar_,
         .journal = journal_,
         .standardOutput = standardOutput_,
         .powerSources = powerSources_,
@@ -101,6 +119,10 @@ private:
         .applicationActivation = applicationActivation_,
         .applicationNotifications = applicationNotifications_,
         .windows = windows_,
+        .cloudAccount = cloudAccount_,
+        .cloudDatabase = cloudDatabase_,
+        .networkPaths = networkPaths_,
+        .remoteNotifications = remoteNotifications_,
     };
 };
 

@@ -5,18 +5,20 @@
 
 /// Hands the application's launch and end to the product.
 @interface SentrelApplicationDelegate : NSObject <NSApplicationDelegate>
-- (instancetype)initWithApp:(sentrel::SentrelApp&)app;
+- (instancetype)initWithApp:(sentrel::SentrelApp&)app pushes:(sentrel::macos::MacRemoteNotifications&)pushes;
 @end
 
 @implementation SentrelApplicationDelegate {
     sentrel::SentrelApp* _app;
+    sentrel::macos::MacRemoteNotifications* _pushes;
 }
 
-- (instancetype)initWithApp:(sentrel::SentrelApp&)app
+- (instancetype)initWithApp:(sentrel::SentrelApp&)app pushes:(sentrel::macos::MacRemoteNotifications&)pushes
 {
     self = [super init];
     if (self != nil) {
         _app = &app;
+        _pushes = &pushes;
     }
     return self;
 }
@@ -32,6 +34,21 @@
     _app->terminate();
 }
 
+- (void)application:(NSApplication*)application didRegisterForRemoteNotificationsWithDeviceToken:(NSData*)deviceToken
+{
+    _pushes->didRegister();
+}
+
+- (void)application:(NSApplication*)application didFailToRegisterForRemoteNotificationsWithError:(NSError*)error
+{
+    _pushes->didFailToRegister(error);
+}
+
+- (void)application:(NSApplication*)application didReceiveRemoteNotification:(NSDictionary*)userInfo
+{
+    _pushes->didReceive(userInfo);
+}
+
 - (BOOL)applicationShouldTerminateAfterLastWindowClosed:(NSApplication*)sender
 {
     // It lives in the menu bar.
@@ -43,11 +60,12 @@
 int main()
 {
     @autoreleasepool {
-        sentrel::macos::MacPlatform mac;
+        sentrel::macos::MacPlatform mac{sentrel::CloudKitService::containerIdentifier};
         sentrel::SentrelApp app{mac.ports()};
         NSApplication* const application = NSApplication.sharedApplication;
         [application setActivationPolicy:NSApplicationActivationPolicyAccessory];
-        SentrelApplicationDelegate* const delegate = [[SentrelApplicationDelegate alloc] initWithApp:app];
+        SentrelApplicationDelegate* const delegate =
+            [[SentrelApplicationDelegate alloc] initWithApp:app pushes:mac.remoteNotifications()];
         application.delegate = delegate; // which the application does not retain
         [application run];
     }

@@ -40,6 +40,9 @@ public:
     [[nodiscard]] std::unique_ptr<platform::Window> makeWindow(const platform::WindowDescription& description) override;
     [[nodiscard]] platform::RegistrationPtr observe(const std::string& name, std::function<void()> received) override;
 
+    /// Posts a notification of the application's own center. Any thread.
+    void post(const std::string& name) { notifications_.post(name); }
+
     /// Connects or disconnects displays until there are this many. The first, 1728 x 1117 points, is built in; each
     /// further one, 1920 x 1080, stands to the right. What was on a display that goes stays where it was.
     void setCount(std::size_t count);

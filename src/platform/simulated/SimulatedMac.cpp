@@ -60,8 +60,18 @@ SimulatedMac::SimulatedMac(const MacSurroundings& surroundings, const MacDescrip
       application(journal_),
       savePanels(surroundings.hardware, disk_),
       previewPanel(journal_),
-      loginItem(posixFiles_, journal_, disk_ / "Preferences" / "Login Items.json")
+      loginItem(posixFiles_, journal_, disk_ / "Preferences" / "Login Items.json"),
+      iCloud({
+          .process = process_,
+          .hardware = surroundings.hardware,
+          .journal = journal_,
+          .server = surroundings.cloudServer,
+          .device = description.localizedName.value_or("Mac"),
+          .assets = disk_ / "Caches" / "CloudKit",
+          .seed = surroundings.seed,
+      })
 {
+    iCloud.account.onChange([this] { displays.post("CKAccountChangedNotification"); });
     if (description.power == MacDescription::Power::unknown) {
         power.setUnknown();
     } else if (description.power == MacDescription::Power::battery) {
@@ -78,6 +88,8 @@ SimulatedMac::SimulatedMac(const MacSurroundings& surroundings, const MacDescrip
     music.setConsent(consentOf(description.automationConsent));
     apply(description.camera, camera);
     login.setAnswer(description.login);
+    // Who has an account says so.
+    iCloud.account.setStatus(platform::CloudAccountStatus::noAccount);
 }
 
 platform::Platform& SimulatedMac::startProcess()
@@ -92,6 +104,7 @@ platform::Platform& SimulatedMac::startProcess()
         .files = files,
         .defaults = *defaults_,
         .language = language,
+        .calendar = calendar,
         .journal = journal_,
         .standardOutput = standardOutput,
         .powerSources = power,
@@ -115,6 +128,10 @@ platform::Platform& SimulatedMac::startProcess()
         .applicationActivation = activation,
         .applicationNotifications = displays,
         .windows = displays,
+        .cloudAccount = iCloud.account,
+        .cloudDatabase = iCloud.database,
+        .networkPaths = iCloud.network,
+        .remoteNotifications = iCloud.notifications,
     });
     return *platform_;
 }
@@ -126,6 +143,7 @@ void SimulatedMac::endProcess()
     assertions.dropAll();
     application.end();
     previewPanel.end();
+    iCloud.notifications.endProcess();
 }
 
 void SimulatedMac::setAsleep(bool isAsleep)

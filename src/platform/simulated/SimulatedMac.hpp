@@ -3,6 +3,7 @@
 #include "platform/Platform.hpp"
 #include "platform/posix/PosixFileSystem.hpp"
 #include "platform/simulated/DefaultsFile.hpp"
+#include "platform/simulated/IcuCalendar.hpp"
 #include "platform/simulated/IcuLanguage.hpp"
 #include "platform/simulated/MacDescription.hpp"
 #include "platform/simulated/OpenSslCryptography.hpp"
@@ -34,6 +35,7 @@
 #include "platform/simulated/SimulatedWorkspace.hpp"
 #include "platform/simulated/Speaker.hpp"
 #include "platform/simulated/TurboImageCodec.hpp"
+#include "platform/simulated/icloud/SimulatedICloud.hpp"
 
 #include <cstdint>
 #include <filesystem>
@@ -51,6 +53,7 @@ struct MacSurroundings {
     platform::Journal& journal;      ///< hears what happens
     std::filesystem::path disk;      ///< holds "Application Support", "Preferences" and "tmp"
     std::filesystem::path resources; ///< holds the localisation tables
+    PrivateCloud& cloudServer;       ///< which other Macs and the phone may share
     std::uint64_t seed = 1;          ///< of noise and identifiers
     Date date{};                     ///< when it all begins
 };
@@ -90,6 +93,7 @@ public:
     SimulatedHost host;
     SimulatedFileSystem files{posixFiles_};
     IcuLanguage language;
+    IcuCalendar calendar;
     SimulatedPower power;
     SimulatedAssertions assertions;
     SimulatedLid lid;
@@ -115,6 +119,7 @@ public:
     SimulatedSavePanels savePanels;
     SimulatedPreviewPanel previewPanel;
     SimulatedLoginItem loginItem;
+    SimulatedICloud iCloud;
 
 private:
     std::optional<DefaultsFile> defaults_;

@@ -1,0 +1,25 @@
+#pragma once
+
+#include "cloud/CloudKitConnectionMonitor.hpp"
+
+namespace sentrel {
+
+class AlarmCoordinator;
+class MacAlertsService;
+
+/// What catches up with iCloud: the list of alerts and the alarm's notices. Main actor.
+class CloudCatchUp final : public CloudDependents {
+public:
+    CloudCatchUp(MacAlertsService& alerts, AlarmCoordinator& coordinator) : alerts_(alerts), coordinator_(coordinator)
+    {
+    }
+
+    [[nodiscard]] Async<void> catchUp() override;
+    void refreshStatus() override;
+
+private:
+    MacAlertsService& alerts_;
+    AlarmCoordinator& coordinator_;
+};
+
+} // namespace sentrel
