@@ -49,6 +49,11 @@ struct Image {
     /// name, so that a renderer compares names only.
     std::string name;
     std::shared_ptr<const Bytes> data = nullptr; ///< an image file's content, in memory
+
+    friend bool operator==(const Image& one, const Image& other)
+    {
+        return one.source == other.source && one.name == other.name;
+    }
 };
 
 struct Button {

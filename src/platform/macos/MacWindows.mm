@@ -1,14 +1,12 @@
 #include "platform/macos/MacWindows.hpp"
 
-#include "platform/macos/ElementViews.hpp"
+#include "platform/macos/Appearance.hpp"
 #include "platform/macos/FoundationText.hpp"
-#include "platform/macos/TreeRenderer.hpp"
-#include "ui/Interaction.hpp"
+#include "platform/macos/HostView.hpp"
 
 #import <AppKit/AppKit.h>
 
 #include <memory>
-#include <optional>
 #include <utility>
 
 /// A window whose description says whether it may have the keyboard.
@@ -28,57 +26,6 @@
 {
     return mayBecomeMain;
 }
-@end
-
-/// A view that draws view trees.
-@interface SentrelHostView : NSView {
-@public
-    std::unique_ptr<sentrel::macos::TreeRenderer> renderer;
-}
-@end
-
-@implementation SentrelHostView
-
-- (instancetype)initWithFrame:(NSRect)frame
-{
-    self = [super initWithFrame:frame];
-    if (self != nil) {
-        renderer = std::make_unique<sentrel::macos::TreeRenderer>(self);
-    }
-    return self;
-}
-
-- (void)viewDidMoveToWindow
-{
-    [super viewDidMoveToWindow];
-    renderer->applyFocus();
-}
-
-- (BOOL)acceptsFirstResponder
-{
-    return YES;
-}
-
-/// Keys that nothing in the window has taken.
-- (void)keyDown:(NSEvent*)event
-{
-    NSString* const characters = event.charactersIgnoringModifiers;
-    const unichar character = characters.length == 1 ? [characters characterAtIndex:0] : 0;
-    std::optional<sentrel::ui::Key> key;
-    if (character == NSCarriageReturnCharacter) {
-        key = sentrel::ui::Key::returnKey;
-    } else if (character == NSDeleteCharacter) {
-        key = sentrel::ui::Key::deleteKey;
-    } else if (character == 0x1b) {
-        key = sentrel::ui::Key::escape;
-    }
-    // A copy: what the key does may bring a new tree.
-    const sentrel::ui::View content = renderer->content();
-    if (!key || sentrel::ui::pressKey(content, *key, "") != sentrel::ui::Interaction::done) {
-        [super keyDown:event];
-    }
-}
-
 @end
 
 namespace sentrel::macos {
@@ -167,6 +114,7 @@ public:
     ~MacWindow() override
     {
         window_.delegate = nil;
+        [host_ endContent];
         [window_ orderOut:nil];
     }
 
@@ -215,9 +163,17 @@ public:
             host_->renderer->render(std::move(content));
         }
     }
-    void orderFrontRegardless() override { [window_ orderFrontRegardless]; }
+    void orderFrontRegardless() override
+    {
+        [window_ orderFrontRegardless];
+        [host_ windowDidAppear];
+    }
     void makeKey() override { [window_ makeKeyWindow]; }
-    void makeKeyAndOrderFront() override { [window_ makeKeyAndOrderFront:nil]; }
+    void makeKeyAndOrderFront() override
+    {
+        [window_ makeKeyAndOrderFront:nil];
+        [host_ windowDidAppear];
+    }
     void orderOut() override { [window_ orderOut:nil]; }
 
 private:

@@ -14,8 +14,15 @@
 - (void)slid:(id)sender;
 - (void)submitted:(id)sender;
 
-/// The field has got the keyboard.
+/// The control has got the keyboard, or something else has it now.
 - (void)gainedFocus;
+- (void)lostFocus;
+@end
+
+/// What a field does not use itself goes up its responder chain by these; whoever shows the tree answers them.
+@protocol SentrelKeyReceiver
+- (void)returnKeyPressed:(id)sender;
+- (void)cancelOperation:(id)sender;
 @end
 
 /// Fields that tell their target when they get the keyboard.

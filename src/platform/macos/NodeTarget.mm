@@ -57,11 +57,22 @@ template <class T> void assign(std::function<void(T)> set, T value)
 
 - (void)submitted:(id)sender
 {
-    if (const auto* const secure = ui::elementOf<ui::SecureField>(node)) {
-        perform(secure->submit);
-    } else if (const auto* const field = ui::elementOf<ui::TextField>(node)) {
-        perform(field->submit);
+    const auto* const secure = ui::elementOf<ui::SecureField>(node);
+    const auto* const plain = ui::elementOf<ui::TextField>(node);
+    const ui::Action submit = secure != nullptr ? secure->submit : plain != nullptr ? plain->submit : ui::Action{};
+    if (submit) {
+        submit();
+        return;
     }
+    [static_cast<NSControl*>(sender).nextResponder tryToPerform:@selector(returnKeyPressed:) with:sender];
+}
+
+- (BOOL)control:(NSControl*)control textView:(NSTextView*)textView doCommandBySelector:(SEL)commandSelector
+{
+    if (commandSelector != @selector(cancelOperation:)) {
+        return NO;
+    }
+    return [control.nextResponder tryToPerform:@selector(cancelOperation:) with:control];
 }
 
 - (void)controlTextDidChange:(NSNotification*)notification
@@ -81,6 +92,11 @@ template <class T> void assign(std::function<void(T)> set, T value)
     if (movement.integerValue != NSTextMovementReturn) {
         [self tellFocus:false];
     }
+}
+
+- (void)lostFocus
+{
+    [self tellFocus:false];
 }
 
 - (void)gainedFocus

@@ -1,39 +1,35 @@
 #pragma once
 
-#include "ui/View.hpp"
-
-#import <AppKit/AppKit.h>
-
-#include <memory>
+#include "platform/macos/Placing.hpp"
+#include "platform/macos/WindowAttachments.hpp"
 
 namespace sentrel::macos {
 
-/// Draws view trees in a container with AppKit. A node keeps its AppKit view as long as its identity and its kind stay,
-/// and with it what the user is doing there: a field keeps the keyboard, the caret and its text. Draws stacks, texts,
-/// images, buttons, toggles, sliders, fields, progress, and forms with their sections; a window that shows another kind
-/// ends the program. Main thread.
+/// Draws view trees in a container with AppKit, and what is attached to them (toolbars, sheets and dialogs) at the
+/// container's window. A node keeps its AppKit view as long as its identity and its kind stay. Main thread.
 class TreeRenderer {
 public:
     explicit TreeRenderer(NSView* container);
     ~TreeRenderer();
     TreeRenderer(const TreeRenderer&) = delete;
+    TreeRenderer& operator=(const TreeRenderer&) = delete;
 
     /// Shows the tree from now on.
     void render(ui::View content);
 
-    /// Gives the keyboard to the node that asks for it; for a container that has just come into a window.
-    void applyFocus();
+    /// The container has come into a window, or its window to the screen: gives the keyboard to the node that asks for
+    /// it, and begins what lies over the window.
+    void windowChanged();
 
-    [[nodiscard]] const ui::View& content() const { return content_; }
+    /// The tree that is shown; null before the first.
+    [[nodiscard]] std::shared_ptr<const ui::View> content() const { return content_; }
 
 private:
-    struct Node;
-
-    void fill(Node& node);
-
     __weak NSView* container_;
-    ui::View content_;
-    std::unique_ptr<Node> root_;
+    std::shared_ptr<const ui::View> content_;
+    std::unique_ptr<DrawnNode> root_;
+    Placement placement_;
+    WindowAttachments attachments_;
 };
 
 } // namespace sentrel::macos

@@ -1,0 +1,210 @@
+#include "platform/macos/Appearance.hpp"
+#include "platform/macos/ElementNodes.hpp"
+#include "platform/macos/Placing.hpp"
+#include "ui/Node.hpp"
+
+#include <algorithm>
+
+// What is only looked at.
+
+namespace sentrel::macos {
+
+namespace {
+
+constexpr double barWidth = 160.0;
+
+/// `NSTextAlignmentCenter`: which number it is depends on the processor.
+#ifdef __x86_64__
+constexpr auto centered = static_cast<NSTextAlignment>(2);
+#else
+constexpr auto centered = static_cast<NSTextAlignment>(1);
+#endif
+
+/// How much of its height a symbol fills.
+constexpr double symbolShare = 0.8;
+
+class TextNode final : public DrawnNode {
+public:
+    TextNode() : DrawnNode(makeLabel()) {}
+
+private:
+    void show(const ui::View& view, const Surroundings& surroundings) override
+    {
+        const ui::Text& text = *ui::elementOf<ui::Text>(view);
+        NSTextField* const label = static_cast<NSTextField*>(this->view());
+        setLabel(label, text.text);
+        label.font = fontOf(text.style);
+        label.textColor = surroundings.isEnabled ? colorOf(text.color) : NSColor.disabledControlTextColor;
+        label.alignment = surroundings.isInCenteredColumn ? centered : NSTextAlignmentNatural;
+    }
+};
+
+class ImageNode final : public DrawnNode {
+public:
+    ImageNode() : DrawnNode([[NSImageView alloc] init]) {}
+
+private:
+    [[nodiscard]] NSImageView* imageView() const { return static_cast<NSImageView*>(view()); }
+
+    void show(const ui::View& view, const Surroundings& /*surroundings*/) override
+    {
+        const ui::Image& image = *ui::elementOf<ui::Image>(view);
+        // What could not be loaded is tried again: the file may be there by now.
+        if (!(shown_ == image) || imageView().image == nil) {
+            shown_ = image;
+            imageView().image = imageOf(image, view.traits.accessibilityLabel);
+            fit();
+        }
+        scale(view.traits.size);
+        // A picture without a name tells a listener nothing.
+        imageView().accessibilityElement = !view.traits.accessibilityLabel.empty();
+    }
+
+    /// A photo is as large as the space there is, others have a size of their own.
+    void fit()
+    {
+        const NSLayoutPriority priority = isPicture() ? givesWay : NSLayoutPriorityDefaultHigh;
+        for (const auto orientation :
+             {NSLayoutConstraintOrientationHorizontal, NSLayoutConstraintOrientationVertical}) {
+            [imageView() setContentHuggingPriority:priority forOrientation:orientation];
+            [imageView() setContentCompressionResistancePriority:priority forOrientation:orientation];
+        }
+        imageView().imageScaling = NSImageScaleProportionallyUpOrDown;
+    }
+
+    void scale(const ui::SizeWish& wish)
+    {
+        if (shown_.source != ui::Image::Source::systemSymbol) {
+            return;
+        }
+        const double larger = std::max(wish.width.value_or(0.0), wish.height.value_or(0.0));
+        const double smaller = std::min(wish.width.value_or(larger), wish.height.value_or(larger));
+        imageView().symbolConfiguration =
+            smaller > 0.0 ? [NSImageSymbolConfiguration configurationWithPointSize:symbolShare * smaller
+                                                                            weight:NSFontWeightRegular]
+                          : [NSImageSymbolConfiguration configurationWithTextStyle:NSFontTextStyleBody];
+    }
+
+    [[nodiscard]] bool isPicture() const
+    {
+        return shown_.source == ui::Image::Source::file || shown_.source == ui::Image::Source::memory;
+    }
+    [[nodiscard]] bool wantsAll(NSLayoutConstraintOrientation /*orientation*/) const override { return isPicture(); }
+
+    ui::Image shown_;
+};
+
+class SpacerNode final : public DrawnNode {
+public:
+    SpacerNode() : DrawnNode([[NSView alloc] init])
+    {
+        for (const auto orientation :
+             {NSLayoutConstraintOrientationHorizontal, NSLayoutConstraintOrientationVertical}) {
+            [view() setContentHuggingPriority:givesWay forOrientation:orientation];
+            [view() setContentCompressionResistancePriority:givesWay forOrientation:orientation];
+        }
+    }
+
+private:
+    [[nodiscard]] bool isSpacer() const override { return true; }
+    void show(const ui::View& /*view*/, const Surroundings& surroundings) override { isInRow_ = surroundings.isInRow; }
+    [[nodiscard]] bool wantsAll(NSLayoutConstraintOrientation orientation) const override
+    {
+        return isInRow_ == (orientation == NSLayoutConstraintOrientationHorizontal);
+    }
+
+    bool isInRow_ = false;
+};
+
+class DividerNode final : public DrawnNode {
+public:
+    DividerNode() : DrawnNode([[NSBox alloc] init]) { static_cast<NSBox*>(view()).boxType = NSBoxSeparator; }
+
+private:
+    [[nodiscard]] bool stretchesAcross() const override { return true; }
+    void show(const ui::View& /*view*/, const Surroundings& surroundings) override
+    {
+        if (thickness_ != nil && isInRow_ == surroundings.isInRow) {
+            return;
+        }
+        isInRow_ = surroundings.isInRow;
+        thickness_.active = NO;
+        thickness_ = [(isInRow_ ? view().widthAnchor : view().heightAnchor) constraintEqualToConstant:1.0];
+        thickness_.active = YES;
+    }
+
+    bool isInRow_ = false;
+    NSLayoutConstraint* thickness_ = nil;
+};
+
+class ProgressNode final : public DrawnNode {
+public:
+    ProgressNode() : DrawnNode([[NSStackView alloc] init])
+    {
+        NSStackView* const row = static_cast<NSStackView*>(view());
+        indicator_.translatesAutoresizingMaskIntoConstraints = NO;
+        indicator_.minValue = 0.0;
+        indicator_.maxValue = 1.0;
+        indicator_.controlSize = NSControlSizeSmall;
+        barWidth_ = [indicator_.widthAnchor constraintGreaterThanOrEqualToConstant:barWidth];
+        label_.textColor = NSColor.secondaryLabelColor;
+        [row addArrangedSubview:indicator_];
+        [row addArrangedSubview:label_];
+    }
+
+private:
+    void show(const ui::View& view, const Surroundings& /*surroundings*/) override
+    {
+        const ui::Progress& progress = *ui::elementOf<ui::Progress>(view);
+        const bool isBar = progress.fraction.has_value();
+        indicator_.style = isBar ? NSProgressIndicatorStyleBar : NSProgressIndicatorStyleSpinning;
+        indicator_.indeterminate = !isBar;
+        indicator_.doubleValue = progress.fraction.value_or(0.0);
+        barWidth_.active = isBar;
+        if (isBar) {
+            [indicator_ stopAnimation:nil];
+        } else {
+            [indicator_ startAnimation:nil];
+        }
+        setLabel(label_, progress.label);
+        label_.hidden = progress.label.empty();
+    }
+    [[nodiscard]] NSView* control() const override { return indicator_; }
+    [[nodiscard]] std::string spokenText(const ui::View& view) const override
+    {
+        return ui::elementOf<ui::Progress>(view)->label;
+    }
+
+    NSProgressIndicator* const indicator_ = [[NSProgressIndicator alloc] init];
+    NSTextField* const label_ = makeLabel();
+    NSLayoutConstraint* barWidth_ = nil;
+};
+
+} // namespace
+
+std::unique_ptr<DrawnNode> makeNode(const ui::Text& /*text*/)
+{
+    return std::make_unique<TextNode>();
+}
+
+std::unique_ptr<DrawnNode> makeNode(const ui::Image& /*image*/)
+{
+    return std::make_unique<ImageNode>();
+}
+
+std::unique_ptr<DrawnNode> makeNode(const ui::Spacer& /*spacer*/)
+{
+    return std::make_unique<SpacerNode>();
+}
+
+std::unique_ptr<DrawnNode> makeNode(const ui::Divider& /*divider*/)
+{
+    return std::make_unique<DividerNode>();
+}
+
+std::unique_ptr<DrawnNode> makeNode(const ui::Progress& /*progress*/)
+{
+    return std::make_unique<ProgressNode>();
+}
+
+} // namespace sentrel::macos
