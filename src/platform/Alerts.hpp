@@ -19,8 +19,8 @@ class Alerts {
 public:
     virtual ~Alerts() = default;
 
-    /// Runs an alert modally (`NSAlert`, `runModal`); gives the modal response once the user has closed it. On a Mac
-    /// the call occupies the main thread meanwhile, except for what its modal run loop serves.
+    /// Runs an alert modally (`NSAlert`, `runModal`); gives the modal response once the user has closed it. The
+    /// main actor goes on meanwhile.
     [[nodiscard]] virtual Async<std::int64_t> runModal(AlertContent content) = 0;
 };
 

@@ -14,6 +14,7 @@ struct Surroundings {
     bool isEnabled = true;
     bool isInForm = false;
     bool isInSidebar = false;
+    bool isPane = false;  ///< one side of a split view: how wide it is, the person says
     bool isInRow = false; ///< side by side with its siblings
     bool isInCenteredColumn = false;
 };
@@ -77,7 +78,7 @@ protected:
 private:
     [[nodiscard]] bool canShow(const ui::View& view) const;
     void update(const ui::View& view, std::string step, const Surroundings& surroundings);
-    void updateSize(const ui::SizeWish& wish);
+    void updateSize(ui::SizeWish wish);
     void updateBackground(const std::optional<ui::Color>& color);
     void wrap(double padding);
 
@@ -87,6 +88,7 @@ private:
     NSView* outer_;
     NSArray<NSLayoutConstraint*>* sizes_ = @[];
     std::string spoken_;
+    bool isPane_ = false;
     bool isDrawn_ = false;
 };
 

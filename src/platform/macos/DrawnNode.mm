@@ -95,6 +95,8 @@ void DrawnNode::update(const ui::View& view, std::string step, const Surrounding
     step_ = std::move(step);
     Surroundings own = surroundings;
     own.isEnabled = own.isEnabled && !view.traits.isDisabled;
+    own.isPane = false;
+    isPane_ = surroundings.isPane;
     show(view, own);
     if (!isDrawn_ || before.size != view.traits.size) {
         updateSize(view.traits.size);
@@ -113,8 +115,11 @@ void DrawnNode::update(const ui::View& view, std::string step, const Surrounding
     isDrawn_ = true;
 }
 
-void DrawnNode::updateSize(const ui::SizeWish& wish)
+void DrawnNode::updateSize(ui::SizeWish wish)
 {
+    if (isPane_) {
+        wish.width.reset();
+    }
     [NSLayoutConstraint deactivateConstraints:sizes_];
     sizes_ = constraintsFor(view_, wish);
     [NSLayoutConstraint activateConstraints:sizes_];
@@ -140,8 +145,8 @@ void DrawnNode::updateBackground(const std::optional<ui::Color>& color)
 bool DrawnNode::expands(NSLayoutConstraintOrientation orientation) const
 {
     const ui::SizeWish& size = target_->node.traits.size;
-    const bool isFixed =
-        orientation == NSLayoutConstraintOrientationHorizontal ? size.width.has_value() : size.height.has_value();
+    const bool isAcross = orientation == NSLayoutConstraintOrientationHorizontal;
+    const bool isFixed = isAcross ? size.width && !isPane_ : size.height.has_value();
     return !isFixed && wantsAll(orientation);
 }
 

@@ -9,7 +9,6 @@
 
 namespace {
 
-constexpr double formPadding = 20.0;
 constexpr double formSpacing = 18.0;
 constexpr double sectionSpacing = 6.0;
 constexpr double rowSpacing = 10.0;
@@ -195,7 +194,7 @@ public:
         NSView* const document = [[SentrelDocumentView alloc] init];
         document.translatesAutoresizingMaskIntoConstraints = NO;
         [document addSubview:sections_.column()];
-        pin(sections_.column(), document, formPadding);
+        pin(sections_.column(), document, 0.0);
         scroll.documentView = document;
         NSLayoutConstraint* const height = [scroll.heightAnchor constraintEqualToAnchor:document.heightAnchor];
         height.priority = naturalHeight;

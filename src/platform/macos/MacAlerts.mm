@@ -1,19 +1,48 @@
 #include "platform/macos/MacAlerts.hpp"
 
 #include "platform/macos/FoundationText.hpp"
+#include "platform/macos/ModalPanels.hpp"
 
 #import <AppKit/AppKit.h>
 
 namespace sentrel::macos {
 
-Async<std::int64_t> MacAlerts::runModal(platform::AlertContent content)
+namespace {
+
+/// Ends the modal loop of the window, if it is the one that runs.
+void stopModal(NSWindow* window)
+{
+    if (NSApp.modalWindow != window) {
+        return;
+    }
+    [NSApp stopModalWithCode:NSModalResponseAbort];
+    // The loop looks at that only after an event.
+    NSEvent* const event = [NSEvent otherEventWithType:NSEventTypeApplicationDefined
+                                              location:NSZeroPoint
+                                         modifierFlags:NSEventModifierFlags {}
+                                             timestamp:0.0
+                                          windowNumber:0
+                                               context:nil
+                                               subtype:0
+                                                 data1:0
+                                                 data2:0];
+    [NSApp postEvent:event atStart:YES];
+}
+
+ModalPanel panelOf(const platform::AlertContent& content)
 {
     NSAlert* const alert = [[NSAlert alloc] init];
     alert.alertStyle = static_cast<NSAlertStyle>(content.style);
     alert.messageText = stringObject(content.messageText);
     alert.informativeText = stringObject(content.informativeText);
-    const NSModalResponse response = [alert runModal];
-    co_return response;
+    return {[alert]() -> std::int64_t { return [alert runModal]; }, [alert] { stopModal(alert.window); }};
+}
+
+} // namespace
+
+Async<std::int64_t> MacAlerts::runModal(platform::AlertContent content)
+{
+    return runModally(panelOf(content));
 }
 
 } // namespace sentrel::macos

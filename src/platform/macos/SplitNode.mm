@@ -16,12 +16,23 @@ constexpr double narrowestDetail = 280.0;
 @interface SentrelSplitController : NSSplitViewController {
 @public
     sentrel::ui::Binding<bool> isSidebarShown;
-    BOOL isMoving; ///< because the tree says so
+    BOOL isMoving;      ///< because the tree says so
+    double wishedWidth; ///< of the sidebar, when it first appears; 0: as AppKit likes
 }
 - (void)showSidebar:(BOOL)isShown;
 @end
 
 @implementation SentrelSplitController
+
+- (void)viewDidAppear
+{
+    [super viewDidAppear];
+    if (wishedWidth > 0.0 && !self.sidebar.isCollapsed) {
+        [self.splitView setPosition:wishedWidth ofDividerAtIndex:0];
+        // From now on it is as wide as the person makes it.
+        wishedWidth = 0.0;
+    }
+}
 
 - (NSSplitViewItem*)sidebar
 {
@@ -139,8 +150,13 @@ private:
     {
         controller_->isSidebarShown = ui::elementOf<ui::SplitView>(view)->isSidebarShown;
         [controller_ showSidebar:controller_->isSidebarShown.value];
+        if (!isShown_ && !view.children.empty()) {
+            controller_->wishedWidth = view.children.front().traits.size.width.value_or(0.0);
+        }
+        isShown_ = true;
         Surroundings inner;
         inner.isEnabled = surroundings.isEnabled;
+        inner.isPane = true;
         showPane(detail_, view, 1, inner);
         inner.isInSidebar = true;
         showPane(sidebar_, view, 0, inner);
@@ -163,6 +179,7 @@ private:
     }
 
     SentrelSplitController* const controller_;
+    bool isShown_ = false;
     Pane sidebar_;
     Pane detail_;
 };

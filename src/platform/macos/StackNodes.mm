@@ -112,6 +112,13 @@ private:
     }
     [[nodiscard]] bool wantsAll(Orientation orientation) const override { return children_.anyExpands(orientation); }
     void eachChild(const std::function<void(DrawnNode&)>& visit) override { children_.each(visit); }
+    void collectLabels(NSMutableArray<NSView*>* labels) const override
+    {
+        // In a row other things stand before them.
+        if (!isRow_) {
+            children_.collectLabels(labels);
+        }
+    }
 
     bool isRow_ = false;
     DrawnChildren children_;

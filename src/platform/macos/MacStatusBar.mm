@@ -1,0 +1,90 @@
+#include "platform/macos/MacStatusBar.hpp"
+
+#include "platform/macos/FoundationText.hpp"
+#include "platform/macos/MenuPanel.hpp"
+
+#include <functional>
+#include <utility>
+
+/// Opens and closes the menu when the person clicks the item.
+@interface SentrelStatusItemTarget : NSObject {
+@public
+    SentrelMenuPanel* panel;
+    std::function<void()> opened;
+}
+- (void)clicked:(id)sender;
+@end
+
+@implementation SentrelStatusItemTarget
+
+- (void)clicked:(id)sender
+{
+    if (panel.isVisible) {
+        [panel dismiss];
+        return;
+    }
+    // First, so that the menu opens with what has changed.
+    if (const auto told = opened) {
+        told();
+    }
+    [panel open];
+}
+
+@end
+
+namespace sentrel::macos {
+
+namespace {
+
+class MacStatusItem final : public platform::StatusItem {
+public:
+    MacStatusItem()
+    {
+        NSStatusBarButton* const button = item_.button;
+        target_->panel = [[SentrelMenuPanel alloc] initForButton:button];
+        button.target = target_;
+        button.action = @selector(clicked:);
+        // A menu opens when the button goes down.
+        [button sendActionOn:NSEventMaskLeftMouseDown | NSEventMaskRightMouseDown];
+    }
+    ~MacStatusItem() override
+    {
+        [target_->panel dismiss];
+        [target_->panel->host endContent];
+        item_.button.target = nil;
+        [NSStatusBar.systemStatusBar removeStatusItem:item_];
+    }
+    MacStatusItem(const MacStatusItem&) = delete;
+    MacStatusItem& operator=(const MacStatusItem&) = delete;
+
+    void setImage(const std::string& asset, const std::string& accessibilityLabel) override
+    {
+        NSImage* const image = [NSImage imageNamed:stringObject(asset)];
+        // In the color of the menu bar, light or dark.
+        [image setTemplate:YES];
+        item_.button.image = image;
+        item_.button.accessibilityLabel = stringObject(accessibilityLabel);
+    }
+    void showContent(ui::View content) override
+    {
+        target_->panel->host->renderer->render(std::move(content));
+        if (target_->panel.isVisible) {
+            [target_->panel fit];
+        }
+    }
+    void setOpened(std::function<void()> opened) override { target_->opened = std::move(opened); }
+    void dismiss() override { [target_->panel dismiss]; }
+
+private:
+    NSStatusItem* const item_ = [NSStatusBar.systemStatusBar statusItemWithLength:NSVariableStatusItemLength];
+    SentrelStatusItemTarget* const target_ = [[SentrelStatusItemTarget alloc] init];
+};
+
+} // namespace
+
+std::unique_ptr<platform::StatusItem> MacStatusBar::makeStatusItem()
+{
+    return std::make_unique<MacStatusItem>();
+}
+
+} // namespace sentrel::macos

@@ -1,0 +1,17 @@
+#pragma once
+
+#include "platform/macos/HostView.hpp"
+
+/// A menu in the style of a window: hangs below its item in the menu bar, and closes when the person turns to something
+/// else. Main thread.
+@interface SentrelMenuPanel : NSPanel {
+@public
+    SentrelHostView* host;
+}
+- (instancetype)initForButton:(NSStatusBarButton*)button;
+- (void)open;
+- (void)dismiss;
+
+/// As large as its content, at its place; after the content has changed.
+- (void)fit;
+@end

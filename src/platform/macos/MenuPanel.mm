@@ -1,0 +1,123 @@
+#include "platform/macos/MenuPanel.hpp"
+
+#include "platform/macos/Placing.hpp"
+
+#include <algorithm>
+
+namespace {
+
+constexpr double cornerRadius = 10.0;
+constexpr double gapBelowBar = 4.0;
+constexpr double screenMargin = 8.0;
+
+/// The ground of menus, with their rounded corners.
+NSVisualEffectView* makeGround()
+{
+    NSVisualEffectView* const ground = [[NSVisualEffectView alloc] init];
+    ground.material = NSVisualEffectMaterialMenu;
+    ground.blendingMode = NSVisualEffectBlendingModeBehindWindow;
+    ground.state = NSVisualEffectStateActive;
+    ground.wantsLayer = YES;
+    ground.layer.cornerRadius = cornerRadius;
+    ground.layer.masksToBounds = YES;
+    return ground;
+}
+
+} // namespace
+
+@interface SentrelMenuPanel () <NSWindowDelegate>
+@end
+
+@implementation SentrelMenuPanel {
+    __weak NSStatusBarButton* _button;
+    id _clickMonitor;
+}
+
+- (instancetype)initForButton:(NSStatusBarButton*)button
+{
+    self = [super initWithContentRect:NSZeroRect
+                            styleMask:NSWindowStyleMaskBorderless | NSWindowStyleMaskNonactivatingPanel
+                              backing:NSBackingStoreBuffered
+                                defer:YES];
+    if (self == nil) {
+        return nil;
+    }
+    _button = button;
+    self.level = NSPopUpMenuWindowLevel;
+    self.collectionBehavior = NSWindowCollectionBehaviorMoveToActiveSpace |
+                              NSWindowCollectionBehaviorFullScreenAuxiliary | NSWindowCollectionBehaviorTransient;
+    self.opaque = NO;
+    self.backgroundColor = NSColor.clearColor;
+    self.hasShadow = YES;
+    self.releasedWhenClosed = NO;
+    self.hidesOnDeactivate = NO;
+    self.animationBehavior = NSWindowAnimationBehaviorUtilityWindow;
+    self.delegate = self;
+    NSView* const ground = makeGround();
+    host = [[SentrelHostView alloc] initWithFrame:NSZeroRect];
+    host.translatesAutoresizingMaskIntoConstraints = NO;
+    [ground addSubview:host];
+    sentrel::macos::pin(host, ground, 0.0);
+    self.contentView = ground;
+    __weak SentrelMenuPanel* const weakSelf = self;
+    host->escaped = [weakSelf] { [weakSelf dismiss]; };
+    return self;
+}
+
+- (BOOL)canBecomeKeyWindow
+{
+    return YES;
+}
+
+- (void)open
+{
+    [self fit];
+    [self makeKeyAndOrderFront:nil];
+    [_button highlight:YES];
+    [host windowDidAppear];
+    if (_clickMonitor == nil) {
+        __weak SentrelMenuPanel* const weakSelf = self;
+        // Clicks on other applications, which take the keyboard from nobody here.
+        _clickMonitor =
+            [NSEvent addGlobalMonitorForEventsMatchingMask:NSEventMaskLeftMouseDown | NSEventMaskRightMouseDown
+                                                   handler:^(NSEvent*) {
+                                                       [weakSelf dismiss];
+                                                   }];
+    }
+}
+
+- (void)dismiss
+{
+    if (_clickMonitor != nil) {
+        [NSEvent removeMonitor:_clickMonitor];
+        _clickMonitor = nil;
+    }
+    [_button highlight:NO];
+    [self orderOut:nil];
+}
+
+- (void)windowDidResignKey:(NSNotification*)notification
+{
+    // A sheet or a dialog of its own takes the keyboard, too.
+    if (self.attachedSheet == nil) {
+        [self dismiss];
+    }
+}
+
+- (void)fit
+{
+    NSWindow* const bar = _button.window;
+    if (bar == nil) {
+        return;
+    }
+    [self.contentView layoutSubtreeIfNeeded];
+    const NSSize size = self.contentView.fittingSize;
+    const NSRect item = [bar convertRectToScreen:[_button convertRect:_button.bounds toView:nil]];
+    const NSRect screen = bar.screen.visibleFrame;
+    const double rightmost = NSMaxX(screen) - size.width - screenMargin;
+    const double left = std::max(NSMinX(screen) + screenMargin, std::min(NSMinX(item), rightmost));
+    const double top = NSMinY(item) - gapBelowBar;
+    [self setFrame:NSMakeRect(left, top - size.height, size.width, size.height) display:YES];
+}
+
+@end
