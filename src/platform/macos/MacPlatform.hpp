@@ -3,6 +3,7 @@
 #include "platform/Platform.hpp"
 #include "platform/macos/DispatchScheduler.hpp"
 #include "platform/macos/MacAlerts.hpp"
+#include "platform/macos/MacApplication.hpp"
 #include "platform/macos/MacApplicationActivation.hpp"
 #include "platform/macos/MacApplicationNotifications.hpp"
 #include "platform/macos/MacAudioEngines.hpp"
@@ -21,11 +22,15 @@
 #include "platform/macos/MacKeychain.hpp"
 #include "platform/macos/MacLanguage.hpp"
 #include "platform/macos/MacLoginAuthentication.hpp"
+#include "platform/macos/MacLoginItem.hpp"
 #include "platform/macos/MacNetworkPaths.hpp"
 #include "platform/macos/MacPowerAssertions.hpp"
 #include "platform/macos/MacPowerSources.hpp"
+#include "platform/macos/MacPreviewPanel.hpp"
 #include "platform/macos/MacRandom.hpp"
 #include "platform/macos/MacRemoteNotifications.hpp"
+#include "platform/macos/MacSavePanels.hpp"
+#include "platform/macos/MacStatusBar.hpp"
 #include "platform/macos/MacSystemBeep.hpp"
 #include "platform/macos/MacUserDefaults.hpp"
 #include "platform/macos/MacWallClock.hpp"
@@ -49,8 +54,8 @@ public:
 
     [[nodiscard]] platform::Platform& ports() { return ports_; }
 
-    /// For the application's delegate, which hears of pushes.
-    [[nodiscard]] MacRemoteNotifications& remoteNotifications() { return remoteNotifications_; }
+    /// To be run.
+    [[nodiscard]] MacApplication& application() { return application_; }
 
 private:
     DispatchScheduler scheduler_;
@@ -87,6 +92,11 @@ private:
     MacCloudDatabase cloudDatabase_;
     MacNetworkPaths networkPaths_;
     MacRemoteNotifications remoteNotifications_;
+    MacPreviewPanel previewPanel_;
+    MacApplication application_{remoteNotifications_, previewPanel_};
+    MacStatusBar statusBar_;
+    MacSavePanels savePanels_;
+    MacLoginItem loginItem_;
     platform::Platform ports_{
         .scheduler = scheduler_,
         .wallClock = wallClock_,
