@@ -37,7 +37,8 @@ public:
                      std::function<void()> uploadsCaughtUp, Ports ports);
     MacAlertsService(const MacAlertsService&) = delete;
 
-    Observable<AlertList> alerts; ///< newest first; never null
+    /// Newest first. Shared, so that a list of thousands is told without being copied; never null.
+    Observable<std::shared_ptr<const std::vector<AlertRow>>> alerts;
     Observable<std::optional<std::string>> errorMessage;
     Observable<std::optional<std::string>> infoMessage;
     Observable<bool> isLoading;

@@ -57,6 +57,13 @@ public:
     /// The code of the request's error; 0 when it went well.
     template <class T> int code(Async<T> request) { return codeOf(outcome(std::move(request))); }
 
+    /// A request without an answer of its own, as one whose answer is true.
+    static Async<bool> done(Async<void> request)
+    {
+        co_await std::move(request);
+        co_return true;
+    }
+
     template <class Result> static int codeOf(const Result& result)
     {
         const auto* const error = std::get_if<platform::CloudError>(&result);

@@ -18,6 +18,9 @@ public:
     [[nodiscard]] platform::NetworkPathStatus status() const;
 
     void setUp(bool isUp);
+
+    /// The path is lost and comes back, as often as that, in no time.
+    void flap(int times);
     [[nodiscard]] bool isUp() const { return status() == platform::NetworkPathStatus::satisfied; }
 
     /// For what is part of the Mac: told of each change at once, on the thread of whoever makes it.
