@@ -12,7 +12,7 @@ namespace sentrel {
 
 Async<void> AlertRefresh::run()
 {
-    const auto changes = cache_.watch();
+    auto changes = cache_.watch();
     platform::CloudRecord record = co_await AlertCatalog::read(database_);
     listed_ = AlertCatalog::contentsOf(record);
     if (!cache_.isComplete() || !listed_) {
@@ -26,7 +26,9 @@ Async<void> AlertRefresh::run()
     if (changes->isAnotherUser) {
         co_return;
     }
-    apply(changes->ids);
+    const std::unordered_set<UUID> newer = changes->ids;
+    changes.reset();
+    apply(newer);
     co_await catalog_.payDebts(std::move(record));
 }
 
