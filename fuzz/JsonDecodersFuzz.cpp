@@ -1,4 +1,5 @@
 #include "alerts/StoredAlert.hpp"
+#include "cloud/AlertCacheFile.hpp"
 #include "core/AlarmSettings.hpp"
 #include "foundation/Fatal.hpp"
 #include "foundation/Json.hpp"
@@ -22,11 +23,14 @@ void check(bool holds, const char* what)
 
 void decodeAll(BytesView bytes)
 {
-    // Reads its own bytes, and fails on its own.
+    // Each reads its own bytes, and fails on its own.
     const auto state = decodeSavedOutputState(bytes);
+    const auto cache = decodeAlertCache(bytes);
+    check(!cache || decodeAlertCache(bytesOf(encodeAlertCache(*cache))) == cache, "a cache changed on the way");
     const auto document = parseJson(bytes);
     if (!document) {
         check(!state, "an audio state of what is no JSON");
+        check(!cache, "a cache of what is no JSON");
         return;
     }
     if (const auto settings = decodeAlarmSettings(*document)) {
