@@ -3,6 +3,7 @@
 #include "alerts/StoredAlert.hpp"
 #include "core/AlertEvent.hpp"
 
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -29,12 +30,14 @@ struct AlertRow {
 /// Where an alert lives that is kept on this Mac.
 [[nodiscard]] AlertStorageLocation locationOf(const StoredAlert& stored);
 
+/// A whole list, shared so that thousands of rows are told and sectioned without being copied.
+using AlertList = std::shared_ptr<const std::vector<AlertRow>>;
+
 /// Rows of one stretch of time under a title in the user's language.
 struct AlertSection {
     std::string id;
     std::string title;
-    std::vector<AlertRow> alerts;
-    friend bool operator==(const AlertSection&, const AlertSection&) = default;
+    std::vector<std::shared_ptr<const AlertRow>> alerts; ///< never null; they share the list that they are of
 };
 
 } // namespace sentrel

@@ -72,16 +72,18 @@ public:
     {
     }
 
-    std::vector<AlertSection> sections(const std::vector<AlertRow>& rows)
+    std::vector<AlertSection> sections(const AlertList& list)
     {
-        auto row = rows.begin();
-        while (row != rows.end()) {
+        auto row = list->begin();
+        while (row != list->end()) {
             const Date date = row->alert.timestamp;
             const Stretch stretch = boundaries_.stretchOf(date);
-            const auto end = endOfRun(std::next(row), rows.end(), stretch, date);
-            std::vector<AlertRow>& alerts = sectionOf(stretch, date).alerts;
-            alerts.insert(alerts.end(), row, end);
-            row = end;
+            const auto end = endOfRun(std::next(row), list->end(), stretch, date);
+            auto& alerts = sectionOf(stretch, date).alerts;
+            alerts.reserve(alerts.size() + static_cast<std::size_t>(end - row));
+            for (; row != end; ++row) {
+                alerts.emplace_back(list, &*row);
+            }
         }
         return std::move(sections_);
     }
@@ -147,10 +149,10 @@ private:
 
 } // namespace
 
-std::vector<AlertSection> alertSections(const std::vector<AlertRow>& rows, Date now, platform::Calendar& calendar,
+std::vector<AlertSection> alertSections(const AlertList& list, Date now, platform::Calendar& calendar,
                                         platform::Language& language)
 {
-    return Sectioner{now, calendar, language}.sections(rows);
+    return Sectioner{now, calendar, language}.sections(list);
 }
 
 } // namespace sentrel

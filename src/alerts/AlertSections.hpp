@@ -11,10 +11,10 @@ class Calendar;
 class Language;
 } // namespace platform
 
-/// Groups rows that are newest first into stretches of time as seen from now: today, yesterday, this week, this month,
+/// Groups a list, newest first, into stretches of time as seen from now: today, yesterday, this week, this month,
 /// the earlier months of this year, earlier years. No section is empty, and none occurs twice. The calendar is asked
 /// a constant number of times for each section.
-[[nodiscard]] std::vector<AlertSection> alertSections(const std::vector<AlertRow>& rows, Date now,
-                                                      platform::Calendar& calendar, platform::Language& language);
+[[nodiscard]] std::vector<AlertSection> alertSections(const AlertList& list, Date now, platform::Calendar& calendar,
+                                                      platform::Language& language);
 
 } // namespace sentrel

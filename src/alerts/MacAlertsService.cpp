@@ -76,7 +76,7 @@ MacAlertsService::MacAlertsService(MainActor actor, CloudKitService& cloud, Loca
 
 std::vector<AlertSection> MacAlertsService::sections() const
 {
-    return alertSections(*alerts.get(), ports_.wallClock.now(), ports_.calendar, ports_.language);
+    return alertSections(alerts.get(), ports_.wallClock.now(), ports_.calendar, ports_.language);
 }
 
 bool MacAlertsService::holds(const UUID& id) const

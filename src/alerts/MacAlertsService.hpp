@@ -37,8 +37,7 @@ public:
                      std::function<void()> uploadsCaughtUp, Ports ports);
     MacAlertsService(const MacAlertsService&) = delete;
 
-    /// Newest first. Shared, so that a list of thousands is told without being copied; never null.
-    Observable<std::shared_ptr<const std::vector<AlertRow>>> alerts;
+    Observable<AlertList> alerts; ///< newest first; never null
     Observable<std::optional<std::string>> errorMessage;
     Observable<std::optional<std::string>> infoMessage;
     Observable<bool> isLoading;

@@ -52,8 +52,8 @@ ui::View AlertListRows::section(const AlertSection& section)
     const bool isNamedDay = section.id == "today" || section.id == "yesterday";
     std::vector<ui::View> rows;
     rows.reserve(section.alerts.size());
-    for (const AlertRow& each : section.alerts) {
-        rows.push_back(row(each, isNamedDay ? Style::none : Style::mediumStyle));
+    for (const auto& each : section.alerts) {
+        rows.push_back(row(*each, isNamedDay ? Style::none : Style::mediumStyle));
     }
     return ui::section(section.title, std::move(rows)).id(section.id);
 }

@@ -3,6 +3,7 @@
 #include <array>
 #include <compare>
 #include <cstdint>
+#include <cstring>
 #include <functional>
 #include <optional>
 #include <string>
@@ -41,11 +42,11 @@ private:
 template <> struct std::hash<sentrel::UUID> {
     std::size_t operator()(const sentrel::UUID& uuid) const noexcept
     {
-        // Random octets need no mixing.
-        std::size_t mixed = 0;
-        for (const std::uint8_t octet : uuid.octets()) {
-            mixed = mixed * 31 + octet;
-        }
-        return mixed;
+        // Random octets need no mixing, but for both halves to count.
+        std::array<std::uint64_t, 2> halves{};
+        std::memcpy(halves.data(), uuid.octets().data(), sizeof halves);
+        constexpr std::uint64_t odd = 0x9E3779B97F4A7C15U;
+        const std::uint64_t mixed = halves[0] ^ (halves[1] * odd);
+        return static_cast<std::size_t>(mixed);
     }
 };

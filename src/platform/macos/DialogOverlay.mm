@@ -101,11 +101,11 @@ private:
     void showButtons()
     {
         for (NSUInteger index = 0; index < alert_.buttons.count && index < question_->answers.size(); ++index) {
-            showButton(alert_.buttons[index], question_->answers[index]);
+            showButton(alert_.buttons[index], question_->answers[index], question_->answers.size() == 1);
         }
     }
 
-    static void showButton(NSButton* shown, const ui::View& answer)
+    static void showButton(NSButton* shown, const ui::View& answer, bool isOnlyOne)
     {
         const ui::Button& button = *ui::elementOf<ui::Button>(answer);
         shown.title = stringObject(button.title);
@@ -113,7 +113,7 @@ private:
         shown.hasDestructiveAction = button.role == ui::Button::Role::destructive;
         if (button.shortcut) {
             shown.keyEquivalent = keyEquivalentOf(button.shortcut);
-        } else if (button.role == ui::Button::Role::cancel) {
+        } else if (button.role == ui::Button::Role::cancel && !isOnlyOne) {
             shown.keyEquivalent = keyEquivalentOf(ui::Key::escape);
         } else if (button.role == ui::Button::Role::destructive) {
             // AppKit gives the first button the return key: what can't be undone must not happen by it.

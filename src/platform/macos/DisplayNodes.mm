@@ -20,6 +20,9 @@ constexpr auto centered = static_cast<NSTextAlignment>(2);
 constexpr auto centered = static_cast<NSTextAlignment>(1);
 #endif
 
+/// Points of a symbol that stands alone in the middle.
+constexpr double emblemSize = 36.0;
+
 /// How much of its height a symbol fills.
 constexpr double symbolShare = 0.8;
 
@@ -46,7 +49,7 @@ public:
 private:
     [[nodiscard]] NSImageView* imageView() const { return static_cast<NSImageView*>(view()); }
 
-    void show(const ui::View& view, const Surroundings& /*surroundings*/) override
+    void show(const ui::View& view, const Surroundings& surroundings) override
     {
         const ui::Image& image = *ui::elementOf<ui::Image>(view);
         // What could not be loaded is tried again: the file may be there by now.
@@ -55,12 +58,13 @@ private:
             imageView().image = imageOf(image, view.traits.accessibilityLabel);
             fit();
         }
-        scale(view.traits.size);
+        // A symbol above centered texts is their emblem.
+        scale(view.traits.size, surroundings.isInCenteredColumn);
         // A picture without a name tells a listener nothing.
         imageView().accessibilityElement = !view.traits.accessibilityLabel.empty();
     }
 
-    /// A photo is as large as the space there is, others have a size of their own.
+    /// A photo is as wide as the space there is and as tall as that makes it; others have a size of their own.
     void fit()
     {
         const NSLayoutPriority priority = isPicture() ? givesWay : NSLayoutPriorityDefaultHigh;
@@ -70,27 +74,45 @@ private:
             [imageView() setContentCompressionResistancePriority:priority forOrientation:orientation];
         }
         imageView().imageScaling = NSImageScaleProportionallyUpOrDown;
+        proportion_.active = NO;
+        const NSSize size = imageView().image.size;
+        if (isPicture() && size.width > 0.0 && size.height > 0.0) {
+            proportion_ = [imageView().heightAnchor constraintEqualToAnchor:imageView().widthAnchor
+                                                                 multiplier:size.height / size.width];
+            proportion_.priority = NSLayoutPriorityDefaultLow;
+            proportion_.active = YES;
+        }
     }
 
-    void scale(const ui::SizeWish& wish)
+    void scale(const ui::SizeWish& wish, bool isEmblem)
     {
         if (shown_.source != ui::Image::Source::systemSymbol) {
             return;
         }
         const double larger = std::max(wish.width.value_or(0.0), wish.height.value_or(0.0));
         const double smaller = std::min(wish.width.value_or(larger), wish.height.value_or(larger));
+        const double points = smaller > 0.0 ? symbolShare * smaller : isEmblem ? emblemSize : 0.0;
+        if (points_ == points) {
+            return;
+        }
+        points_ = points;
         imageView().symbolConfiguration =
-            smaller > 0.0 ? [NSImageSymbolConfiguration configurationWithPointSize:symbolShare * smaller
-                                                                            weight:NSFontWeightRegular]
-                          : [NSImageSymbolConfiguration configurationWithTextStyle:NSFontTextStyleBody];
+            points > 0.0 ? [NSImageSymbolConfiguration configurationWithPointSize:points weight:NSFontWeightRegular]
+                         : [NSImageSymbolConfiguration configurationWithTextStyle:NSFontTextStyleBody];
+        imageView().contentTintColor = isEmblem ? NSColor.secondaryLabelColor : nil;
     }
 
     [[nodiscard]] bool isPicture() const
     {
         return shown_.source == ui::Image::Source::file || shown_.source == ui::Image::Source::memory;
     }
-    [[nodiscard]] bool wantsAll(NSLayoutConstraintOrientation /*orientation*/) const override { return isPicture(); }
+    [[nodiscard]] bool wantsAll(NSLayoutConstraintOrientation orientation) const override
+    {
+        return isPicture() && orientation == NSLayoutConstraintOrientationHorizontal;
+    }
 
+    NSLayoutConstraint* proportion_ = nil;
+    double points_ = -1.0; // of the symbol
     ui::Image shown_;
 };
 

@@ -4,6 +4,10 @@
 
 #import <Foundation/Foundation.h>
 
+#include <map>
+#include <mutex>
+#include <utility>
+
 namespace sentrel::macos {
 
 using platform::CalendarUnit;
@@ -53,6 +57,32 @@ NSDateFormatterStyle styleOf(platform::Calendar::Style style)
 
 } // namespace
 
+/// Formatters by their styles: they are costly to make, and follow the user's settings by themselves.
+struct MacCalendar::Formatters {
+    NSDateFormatter* formatter(Style dateStyle, Style timeStyle)
+    {
+        const std::lock_guard guard{mutex};
+        NSDateFormatter* __strong& formatter = made[{dateStyle, timeStyle}];
+        if (formatter == nil) {
+            formatter = [[NSDateFormatter alloc] init];
+            formatter.locale = NSLocale.autoupdatingCurrentLocale;
+            formatter.timeZone = NSTimeZone.localTimeZone;
+            formatter.dateStyle = styleOf(dateStyle);
+            formatter.timeStyle = styleOf(timeStyle);
+        }
+        return formatter;
+    }
+
+    std::mutex mutex;
+    std::map<std::pair<Style, Style>, NSDateFormatter*> made;
+};
+
+MacCalendar::MacCalendar() : formatters_(std::make_unique<Formatters>())
+{
+}
+
+MacCalendar::~MacCalendar() = default;
+
 DateInterval MacCalendar::interval(CalendarUnit unit, Date date)
 {
     NSDate* start = nil;
@@ -87,9 +117,7 @@ std::string MacCalendar::monthName(Date date)
 
 std::string MacCalendar::formatted(Date date, Style dateStyle, Style timeStyle)
 {
-    return textOf([NSDateFormatter localizedStringFromDate:dateObject(date)
-                                                 dateStyle:styleOf(dateStyle)
-                                                 timeStyle:styleOf(timeStyle)]);
+    return textOf([formatters_->formatter(dateStyle, timeStyle) stringFromDate:dateObject(date)]);
 }
 
 std::string MacCalendar::formatted(Date date, const std::string& pattern, const std::string& locale)

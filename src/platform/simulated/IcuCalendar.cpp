@@ -1,5 +1,6 @@
 #include "platform/simulated/IcuCalendar.hpp"
 
+#include <map>
 #include <unicode/calendar.h>
 #include <unicode/datefmt.h>
 #include <unicode/smpdtfmt.h>
@@ -125,10 +126,27 @@ struct IcuCalendar::Setting {
         return icu::TimeZone::createTimeZone(icu::UnicodeString::fromUTF8(timeZoneName));
     }
 
+    std::string formatted(Date date, Style dateStyle, Style timeStyle) const
+    {
+        const std::lock_guard guard{mutex};
+        std::unique_ptr<icu::DateFormat>& format = formats[{dateStyle, timeStyle}];
+        if (!format) {
+            format.reset(icu::DateFormat::createDateTimeInstance(icuStyle(dateStyle), icuStyle(timeStyle), locale));
+            if (!format) {
+                return {};
+            }
+            format->adoptTimeZone(zone());
+        }
+        icu::UnicodeString units;
+        return textOf(format->format(icuDate(date), units));
+    }
+
     std::string localeName;
     std::string timeZoneName;
     icu::Locale locale;
     std::unique_ptr<icu::Calendar> calendar;
+    mutable std::mutex mutex;
+    mutable std::map<std::pair<Style, Style>, std::unique_ptr<icu::DateFormat>> formats; // costly to make
 };
 
 IcuCalendar::IcuCalendar(std::string locale, std::string timeZone)
@@ -196,15 +214,7 @@ std::string IcuCalendar::formatted(Date date, Style dateStyle, Style timeStyle)
     if (dateStyle == Style::none && timeStyle == Style::none) {
         return {};
     }
-    const auto present = setting();
-    const std::unique_ptr<icu::DateFormat> format{
-        icu::DateFormat::createDateTimeInstance(icuStyle(dateStyle), icuStyle(timeStyle), present->locale)};
-    if (!format) {
-        return {};
-    }
-    format->adoptTimeZone(present->zone());
-    icu::UnicodeString units;
-    return textOf(format->format(icuDate(date), units));
+    return setting()->formatted(date, dateStyle, timeStyle);
 }
 
 std::string IcuCalendar::formatted(Date date, const std::string& pattern, const std::string& locale)
