@@ -164,9 +164,17 @@ void setBackground(NSView* view, NSBackgroundStyle style)
     return static_cast<NSInteger>(rows.size());
 }
 
+/// Null beyond the rows: a table may ask for one that is just going.
+- (const sentrel::ui::ListRow*)rowAt:(NSInteger)row
+{
+    const auto index = static_cast<std::size_t>(row);
+    return index < rows.size() ? &rows[index] : nullptr;
+}
+
 - (NSView*)tableView:(NSTableView*)tableView viewForTableColumn:(NSTableColumn*)tableColumn row:(NSInteger)row
 {
-    const bool isRow = rows.at(static_cast<std::size_t>(row)).kind == sentrel::ui::ListRow::Kind::row;
+    const sentrel::ui::ListRow* const shown = [self rowAt:row];
+    const bool isRow = shown != nullptr && shown->kind == sentrel::ui::ListRow::Kind::row;
     NSString* const identifier = isRow ? @"row" : @"caption";
     const id reused = [tableView makeViewWithIdentifier:identifier owner:nil];
     SentrelRowCell* const cell = reused != nil ? reused : [[SentrelRowCell alloc] init];
@@ -177,19 +185,23 @@ void setBackground(NSView* view, NSBackgroundStyle style)
 
 - (void)fill:(SentrelRowCell*)cell at:(NSInteger)row
 {
-    const sentrel::ui::ListRow& shown = rows.at(static_cast<std::size_t>(row));
-    sentrel::macos::Surroundings own = surroundings;
-    own.isEnabled = own.isEnabled && shown.isEnabled;
-    if (shown.kind == sentrel::ui::ListRow::Kind::row) {
-        [cell show:*shown.view in:own];
+    const sentrel::ui::ListRow* const shown = [self rowAt:row];
+    if (shown == nullptr) {
         return;
     }
-    [cell show:sentrel::macos::captionOf(shown) in:own];
+    sentrel::macos::Surroundings own = surroundings;
+    own.isEnabled = own.isEnabled && shown->isEnabled;
+    if (shown->kind == sentrel::ui::ListRow::Kind::row) {
+        [cell show:*shown->view in:own];
+        return;
+    }
+    [cell show:sentrel::macos::captionOf(*shown) in:own];
 }
 
 - (BOOL)tableView:(NSTableView*)tableView isGroupRow:(NSInteger)row
 {
-    return rows.at(static_cast<std::size_t>(row)).kind == sentrel::ui::ListRow::Kind::header;
+    const sentrel::ui::ListRow* const shown = [self rowAt:row];
+    return shown != nullptr && shown->kind == sentrel::ui::ListRow::Kind::header;
 }
 
 - (NSIndexSet*)tableView:(NSTableView*)tableView
