@@ -72,6 +72,11 @@ MacAlertsService::MacAlertsService(MainActor actor, CloudKitService& cloud, Loca
             cloudRecovered();
         }
     }));
+    observations_.push_back(iCloudStorageIsFull.observe([this](bool isFull) {
+        if (!isFull) {
+            cloudRecovered();
+        }
+    }));
 }
 
 std::vector<AlertSection> MacAlertsService::sections() const
@@ -260,8 +265,8 @@ bool MacAlertsService::isAnyWaiting()
     return !waiting.empty();
 }
 
-/// A request has been answered after one that had failed: time for what was left undone. Whatever a pass itself
-/// brings about doesn't count, or an alert that is refused would be tried for ever.
+/// A request has been answered after one that had failed, or there is room again: time for what was left undone.
+/// Whatever a pass itself brings about doesn't count, or an alert that is refused would be tried for ever.
 void MacAlertsService::cloudRecovered()
 {
     const bool hasLoaded = hasLoadedInitialAlerts;

@@ -3,10 +3,13 @@
 #include "alerts/MacAlertsService.hpp"
 #include "core/coordinator/AlarmCoordinator.hpp"
 
+#include <utility>
+
 namespace sentrel {
 
 Async<void> CloudCatchUp::catchUp()
 {
+    hasCaughtUp_ = true;
     return alerts_.catchUp();
 }
 
@@ -14,7 +17,7 @@ void CloudCatchUp::refreshStatus()
 {
     coordinator_.clearLocalSaveNoticeIfResolved();
     alerts_.refreshStorageNotice();
-    if (!alerts_.hasLoadedInitialAlerts) {
+    if (!std::exchange(hasCaughtUp_, false)) {
         // Without iCloud nothing has caught up, but there is a list: that of this Mac.
         alerts_.startRefresh();
     }

@@ -20,6 +20,7 @@ public:
 private:
     MacAlertsService& alerts_;
     AlarmCoordinator& coordinator_;
+    bool hasCaughtUp_ = false; ///< since the last `refreshStatus`
 };
 
 } // namespace sentrel

@@ -2,10 +2,12 @@
 
 #include "foundation/Json.hpp"
 #include "platform/simulated/CameraChange.hpp"
+#include "platform/simulated/CloudChange.hpp"
 #include "platform/simulated/MacDescription.hpp"
 #include "platform/simulated/MotionRecording.hpp"
 #include "platform/simulated/SimulatedKeychain.hpp"
 #include "platform/simulated/SimulatedLogin.hpp"
+#include "platform/simulated/icloud/CompanionPhone.hpp"
 #include "simulator/ShellAction.hpp"
 
 #include <cstdint>
@@ -32,6 +34,7 @@ enum class PlainAction {
     sleep,
     wake,
     quit,
+    refresh, ///< of the list of alerts
 };
 
 /// The power sources change to this.
@@ -135,10 +138,26 @@ struct SetDisplays {
     std::size_t count = 1;
 };
 
-using Action =
-    std::variant<PlainAction, SetPower, MoveMachine, PlayRecording, RestMachine, ChangeSettings, SetVolume,
-                 SetDefaultOutput, RemoveAudioDevice, UseMusic, FailPorts, ChangeCamera, ChangeKeychain, AnswerLogin,
-                 SetPasscode, TypePasscode, SetDisplays, UseMenu, ClickOn, TypeText, PressKey, MoveSlider, SelectRows,
-                 OpenWindow, CloseWindow, DragWindow, AnswerLoginItem, AnswerSavePanel>;
+/// The iCloud account, the cloud and the network.
+struct ChangeCloud {
+    simulated::CloudChange change;
+};
+
+/// The owner's phone sends this Mac a command.
+struct UsePhone {
+    simulated::CompanionPhone::Command command;
+};
+
+/// The owner deletes alerts from the list.
+struct DeleteAlerts {
+    enum class Which { all, oldest, newest };
+    Which which = Which::all;
+};
+
+using Action = std::variant<PlainAction, SetPower, MoveMachine, PlayRecording, RestMachine, ChangeSettings, SetVolume,
+                            SetDefaultOutput, RemoveAudioDevice, UseMusic, FailPorts, ChangeCamera, ChangeKeychain,
+                            AnswerLogin, SetPasscode, TypePasscode, SetDisplays, UseMenu, ClickOn, TypeText, PressKey,
+                            MoveSlider, SelectRows, OpenWindow, CloseWindow, DragWindow, AnswerLoginItem,
+                            AnswerSavePanel, ChangeCloud, UsePhone, DeleteAlerts>;
 
 } // namespace sentrel::simulator

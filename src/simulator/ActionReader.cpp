@@ -2,6 +2,7 @@
 
 #include "platform/simulated/MotionRecording.hpp"
 #include "simulator/CameraReader.hpp"
+#include "simulator/CloudReader.hpp"
 #include "simulator/MacReader.hpp"
 #include "simulator/SettingsReader.hpp"
 #include "simulator/ShellReader.hpp"
@@ -13,7 +14,7 @@ namespace sentrel::simulator {
 
 namespace {
 
-constexpr std::array<Word<PlainAction>, 13> plainActions{{
+constexpr std::array<Word<PlainAction>, 14> plainActions{{
     {"arm", PlainAction::arm},
     {"disarm", PlainAction::disarm},
     {"stop-alarm", PlainAction::stopAlarm},
@@ -27,6 +28,7 @@ constexpr std::array<Word<PlainAction>, 13> plainActions{{
     {"sleep", PlainAction::sleep},
     {"wake", PlainAction::wake},
     {"quit", PlainAction::quit},
+    {"refresh", PlainAction::refresh},
 }};
 
 MoveMachine readSample(const YamlValue& value)
@@ -167,7 +169,7 @@ struct ActionRow {
     Action (*read)(const YamlValue& value, const ReadContext& context);
 };
 
-constexpr std::array<ActionRow, 25> actionsWithValue{{
+constexpr std::array<ActionRow, 29> actionsWithValue{{
     {"power", "{power: battery}", [](auto& value, auto&) { return Action{SetPower{readPower(value)}}; }},
     {"accelerometer", "{accelerometer: {sample: [0, 0, 1]}}", readAccelerometer},
     {"set", "{set: {alarmVolume: 0.5}}",
@@ -200,6 +202,10 @@ constexpr std::array<ActionRow, 25> actionsWithValue{{
      [](auto& value, auto& context) { return Action{readDragWindow(value, context)}; }},
     {"login-item", "{login-item: fail}", [](auto& value, auto&) { return Action{readLoginItem(value)}; }},
     {"save-panel", "{save-panel: cancel}", [](auto& value, auto&) { return Action{readSavePanel(value)}; }},
+    {"network", "{network: down}", [](auto& value, auto&) { return Action{readNetwork(value)}; }},
+    {"icloud", "{icloud: {quota: full}}", [](auto& value, auto& context) { return Action{readCloud(value, context)}; }},
+    {"phone", "{phone: {arm: true}}", [](auto& value, auto& context) { return Action{readPhone(value, context)}; }},
+    {"delete-alerts", "{delete-alerts: all}", [](auto& value, auto&) { return Action{readDeleteAlerts(value)}; }},
 }};
 
 std::vector<std::string_view> allNames()

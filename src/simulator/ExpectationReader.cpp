@@ -4,6 +4,7 @@
 #include "simulator/SettingsReader.hpp"
 #include "simulator/ValueReader.hpp"
 
+#include <algorithm>
 #include <limits>
 #include <string>
 
@@ -142,6 +143,32 @@ constexpr std::array<ExpectationRow, 3> photoRows{
     {{"width", countOrNull}, {"height", countOrNull}, {"brightness", brightness}}};
 constexpr std::array<ExpectationRow, 2> deviceRows{{{"volume", level}, {"muted", flag}}};
 
+/// A section's name; those of months and years go on with which one.
+Json section(const YamlValue& value)
+{
+    static constexpr std::array<std::string_view, 6> words{"today",      "yesterday", "this-week",
+                                                           "this-month", "month-",    "year-"};
+    const std::string id = readText(value, "a section");
+    const bool isKnown = std::find(words.begin(), words.end(), id) != words.end();
+    if (!isKnown && !id.starts_with("month-") && !id.starts_with("year-")) {
+        throw SourceFault(value.line, unknownWord("section", id, words));
+    }
+    return id;
+}
+
+template <const auto& rows> Json item(const YamlValue& value)
+{
+    return readObject(value, "an item of the list", rows);
+}
+
+constexpr std::array<std::string_view, 3> storageWords{"cloud", "localMac", "pendingUpload"};
+constexpr std::array<ExpectationRow, 2> listedAlertRows{{{"reason", reason}, {"storage", choice<storageWords>}}};
+constexpr std::array<ExpectationRow, 2> listedMacRows{{{"deviceName", text}, {"isArmed", flag}}};
+constexpr std::array<ExpectationRow, 3> phoneRows{
+    {{"alerts", count}, {"notifications", count}, {"macs", list<item<listedMacRows>>}}};
+constexpr std::array<ExpectationRow, 3> cloudRows{
+    {{"isAvailable", flag}, {"isReachable", flag}, {"lastSyncError", textOrNull}}};
+
 Json lastAlert(const YamlValue& value)
 {
     return readNullableObject(value, "'lastAlert'", alertRows);
@@ -155,6 +182,16 @@ Json photo(const YamlValue& value)
 Json sound(const YamlValue& value)
 {
     return readNullableObject(value, "'sound'", soundRows);
+}
+
+Json phone(const YamlValue& value)
+{
+    return readNullableObject(value, "'phone'", phoneRows);
+}
+
+Json cloudState(const YamlValue& value)
+{
+    return readNullableObject(value, "'icloud'", cloudRows);
 }
 
 /// Devices by their numbers; null for one that must not be there.
@@ -208,7 +245,7 @@ template <const auto& words> Json choiceOrNull(const YamlValue& value)
     return value.isNull() ? Json{} : choice<words>(value);
 }
 
-constexpr std::array<ExpectationRow, 28> expectationRows{{
+constexpr std::array<ExpectationRow, 38> expectationRows{{
     {"isArmed", flag},
     {"isAlarmActive", flag},
     {"statusMessage", text},
@@ -237,6 +274,16 @@ constexpr std::array<ExpectationRow, 28> expectationRows{{
     {"dialogs", list<text>},
     {"activationPolicy", choiceOrNull<policies>},
     {"quit", choice<quitStates>},
+    {"cloudAlerts", count},
+    {"phone", phone},
+    {"pendingUploads", count},
+    {"pendingDeletions", count},
+    {"alertRows", list<item<listedAlertRows>>},
+    {"sections", list<section>},
+    {"infoMessage", textOrNull},
+    {"errorMessage", textOrNull},
+    {"icloud", cloudState},
+    {"syncError", textOrNull},
 }};
 
 } // namespace

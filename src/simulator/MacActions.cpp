@@ -7,6 +7,7 @@
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
+#include <unordered_set>
 
 namespace sentrel::simulator {
 
@@ -23,6 +24,19 @@ void relaunch(MacSession& session)
 {
     session.quit();
     session.launch();
+}
+
+/// The identifiers of the chosen rows, which stand in the list newest first.
+std::unordered_set<UUID> chosen(const std::vector<AlertRow>& rows, DeleteAlerts::Which which)
+{
+    std::unordered_set<UUID> ids;
+    for (const AlertRow& row : rows) {
+        ids.insert(row.alert.id);
+    }
+    if (which != DeleteAlerts::Which::all && !rows.empty()) {
+        ids = {(which == DeleteAlerts::Which::newest ? rows.front() : rows.back()).alert.id};
+    }
+    return ids;
 }
 
 /// One overload for each kind of action.
@@ -59,6 +73,8 @@ public:
             return session_.wake();
         case PlainAction::quit:
             return session_.quit();
+        case PlainAction::refresh:
+            return session_.onMain([](SentrelApp& app) { app.alertsService().startRefresh(); });
         }
     }
 
@@ -148,6 +164,17 @@ public:
     void operator()(const TypePasscode& action) const { session_.typePasscode(action.passcode); }
 
     void operator()(const SetDisplays& action) const { session_.mac().displays.setCount(action.count); }
+
+    void operator()(const ChangeCloud& action) const { apply(action.change, session_.mac().iCloud); }
+
+    void operator()(const UsePhone& action) const { session_.commandByPhone(action.command); }
+
+    void operator()(const DeleteAlerts& action) const
+    {
+        session_.onMain([&action](SentrelApp& app) {
+            app.alertsService().deleteAlerts(chosen(*app.alertsService().alerts.get(), action.which));
+        });
+    }
 
 private:
     MacSession& session_;

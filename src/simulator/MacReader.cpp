@@ -2,6 +2,7 @@
 
 #include "simulator/AudioReader.hpp"
 #include "simulator/CameraReader.hpp"
+#include "simulator/CloudReader.hpp"
 
 #include <algorithm>
 
@@ -36,7 +37,7 @@ struct Draft {
     const YamlValue* defaultOutput = nullptr;
 };
 
-constexpr std::array<FieldRow<Draft>, 15> macFields{{
+constexpr std::array<FieldRow<Draft>, 16> macFields{{
     {"model", [](auto& draft, auto& value, auto&) { draft.mac.model = readText(value, "'model'"); }},
     {"localizedName",
      [](auto& draft, auto& value, auto&) { draft.mac.localizedName = readOptionalText(value, "'localizedName'"); }},
@@ -57,6 +58,13 @@ constexpr std::array<FieldRow<Draft>, 15> macFields{{
                             auto&) { draft.mac.bundleIdentifier = readOptionalText(value, "'bundleIdentifier'"); }},
     {"displays", [](auto& draft, auto& value, auto&) { draft.mac.displays = readDisplayCount(value); }},
     {"camera", [](auto& draft, auto& value, auto& context) { draft.mac.camera = readCamera(value, context).change; }},
+    {"icloud",
+     [](auto& draft, auto& value, auto& context) {
+         draft.mac.iCloud = readCloud(value, context).change;
+         if (!draft.mac.iCloud.account && !draft.mac.iCloud.user) {
+             draft.mac.iCloud.account = platform::CloudAccountStatus::available;
+         }
+     }},
     {"login", [](auto& draft, auto& value, auto&) { draft.mac.login = readLoginAnswer(value); }},
     {"passcode", [](auto& draft, auto& value, auto&) { draft.mac.passcode = readText(value, "'passcode'"); }},
     {"files",

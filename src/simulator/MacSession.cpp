@@ -35,6 +35,7 @@ MacSession::MacSession(const simulated::MacDescription& description, std::filesy
                        std::filesystem::path resources, std::uint64_t seed)
     : serverClock_(hardware_, sessionDate),
       cloudServer_(disk / "iCloud", serverClock_, log_),
+      phone_(cloudServer_, serverClock_, description.iCloud.user.value_or("owner")),
       mac_(
           {
               .process = process_,
@@ -49,6 +50,9 @@ MacSession::MacSession(const simulated::MacDescription& description, std::filesy
           description)
 {
     log_.observe([this](const simulated::Event& event) { followSound(event); });
+    phone_.onNotification([this](const auto& shown) {
+        log_.note("phone.notified", {{"text", std::string_view{shown.text}}, {"id", std::string_view{shown.alertID}}});
+    });
 }
 
 MacSession::~MacSession()
@@ -162,6 +166,17 @@ void MacSession::typePasscode(std::string_view passcode)
             log_.note("typed.nowhere", {});
         }
     });
+}
+
+void MacSession::commandByPhone(const simulated::CompanionPhone::Command& command)
+{
+    const auto macs = phone_.macs();
+    if (macs.empty()) {
+        log_.note("phone.noMac", {});
+        return;
+    }
+    const std::int64_t sequence = phone_.send(macs.front().deviceID, command);
+    log_.note("phone.command", {{"sequence", sequence}, {"arm", command.arm}});
 }
 
 void MacSession::onMain(const std::function<void(SentrelApp&)>& function)

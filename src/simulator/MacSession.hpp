@@ -3,6 +3,7 @@
 #include "app/SentrelApp.hpp"
 #include "platform/simulated/EventLog.hpp"
 #include "platform/simulated/SimulatedMac.hpp"
+#include "platform/simulated/icloud/CompanionPhone.hpp"
 #include "platform/simulated/icloud/PrivateCloud.hpp"
 #include "runtime/VirtualScheduler.hpp"
 
@@ -62,6 +63,10 @@ public:
     /// cover takes it.
     void typePasscode(std::string_view passcode);
 
+    /// The owner's phone sends its first Mac a command. Notes `phone.command` {sequence, arm}, or `phone.noMac` when
+    /// the phone knows of none.
+    void commandByPhone(const simulated::CompanionPhone::Command& command);
+
     /// Runs a function on the product's main thread, and everything that is then due. Nothing while it doesn't run.
     void onMain(const std::function<void(SentrelApp&)>& function);
 
@@ -69,6 +74,10 @@ public:
     [[nodiscard]] VirtualClock& clock() { return clock_; }
     [[nodiscard]] simulated::SimulatedMac& mac() { return mac_; }
     [[nodiscard]] simulated::EventLog& log() { return log_; }
+    [[nodiscard]] simulated::PrivateCloud& cloudServer() { return cloudServer_; }
+
+    /// The phone of the user who is signed in at first.
+    [[nodiscard]] simulated::CompanionPhone& phone() { return phone_; }
 
     /// None while the alarm is silent.
     [[nodiscard]] const std::optional<AlarmSound>& sound() const { return sound_; }
@@ -86,6 +95,7 @@ private:
     simulated::EventLog log_{hardware_};
     simulated::SimulatedWallClock serverClock_;
     simulated::PrivateCloud cloudServer_;
+    simulated::CompanionPhone phone_;
     simulated::SimulatedMac mac_;
     std::optional<AlarmSound> sound_;
     std::unique_ptr<SentrelApp> app_;

@@ -1,8 +1,10 @@
 #include "simulator/MacState.hpp"
 
 #include "outputs/PhotoProcessing.hpp"
+#include "simulator/CloudState.hpp"
 #include "simulator/MacSession.hpp"
 #include "simulator/ShellState.hpp"
+#include "simulator/StoredDefaults.hpp"
 #include "ui/Node.hpp"
 
 #include <nlohmann/json.hpp>
@@ -91,6 +93,8 @@ void addAlerts(Json& state, simulated::SimulatedMac& mac)
     state["lastAlert"] = lastAlertOf(mac, alerts);
     state["photo"] = lastPhotoOf(mac, alerts);
     state["alertReasons"] = std::move(reasons);
+    state["pendingUploads"] =
+        std::count_if(alerts.begin(), alerts.end(), [](const StoredAlert& stored) { return stored.pendingUpload; });
 }
 
 void addCoordinator(Json& state, const AlarmCoordinator& coordinator)
@@ -166,16 +170,13 @@ std::string_view nameOf(simulated::SimulatedMusic::Playback playback)
     return "absent";
 }
 
-/// The stored settings, read past a product that doesn't run.
-AlarmSettings storedSettings(simulated::SimulatedMac& mac)
+AlarmSettings settingsOf(MacSession& session)
 {
-    posix::PosixFileSystem files;
-    struct Silence final : platform::Journal {
-        void note(std::string_view /*event*/, std::initializer_list<Field> /*fields*/) override {}
-    } silence;
-    simulated::DefaultsFile defaults{files, silence, mac.preferences(),
-                                     mac.host.bundleIdentifier().value_or("Sentrel")};
-    return SettingsStore{defaults}.settings();
+    if (session.app() != nullptr) {
+        return session.app()->settings().settings();
+    }
+    StoredDefaults stored{session.mac()};
+    return SettingsStore{stored.get()}.settings();
 }
 
 } // namespace
@@ -190,6 +191,7 @@ Json stateOf(MacSession& session)
         addNoCoordinator(state);
     }
     addAlerts(state, session.mac());
+    addCloud(state, session);
     addAudio(state, session);
     addCover(state, session);
     addShell(state, session);
@@ -197,8 +199,7 @@ Json stateOf(MacSession& session)
     state["cameraSession"] = session.mac().camera.isSessionRunning() ? "on" : "off";
     state["loginsAsked"] = session.mac().login.reasonsAsked().size();
     state["assertions"] = session.mac().assertions.held();
-    state["settings"] =
-        encodeAlarmSettings(app != nullptr ? app->settings().settings() : storedSettings(session.mac()));
+    state["settings"] = encodeAlarmSettings(settingsOf(session));
     return state;
 }
 

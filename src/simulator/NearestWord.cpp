@@ -17,6 +17,13 @@ char lowered(char letter)
     return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
 }
 
+std::string loweredText(std::string_view text)
+{
+    std::string result{text};
+    std::transform(result.begin(), result.end(), result.begin(), lowered);
+    return result;
+}
+
 std::size_t costOfChange(char from, char to)
 {
     if (from == to) {
@@ -60,6 +67,13 @@ std::string_view nearestWord(std::string_view word, std::span<const std::string_
         }
     }
     return nearest;
+}
+
+bool isNearly(std::string_view word, std::string_view meant)
+{
+    constexpr std::size_t lettersForOneSlip = 4;
+    const std::size_t allowed = meant.size() / lettersForOneSlip * oneChange;
+    return word.size() <= longestCompared && distance(loweredText(word), loweredText(meant)) <= allowed;
 }
 
 std::string inQuotes(std::string_view text)

@@ -10,6 +10,9 @@ namespace sentrel::simulator {
 /// little; the first of equals. Empty when there are no words.
 [[nodiscard]] std::string_view nearestWord(std::string_view word, std::span<const std::string_view> words);
 
+/// Whether `word` looks like a slip of `meant`: the same but for letter case and for at most every fourth letter.
+[[nodiscard]] bool isNearly(std::string_view word, std::string_view meant);
+
 /// Text between single quotes for a message: on one line, shortened when it is long, control characters replaced.
 [[nodiscard]] std::string inQuotes(std::string_view text);
 

@@ -67,6 +67,7 @@ constexpr Artefact artefacts[] = {
     {"events", "everything that happened", "events.jsonl"},
     {"applicationSupport", "the alerts", "Application Support"},
     {"preferences", "the user defaults", "Preferences"},
+    {"cloud", "the account in iCloud", "iCloud"},
 };
 
 std::vector<std::pair<Artefact, std::filesystem::path>> keptArtefacts(const PlayCommand& command)

@@ -14,8 +14,8 @@ namespace {
 namespace fs = std::filesystem;
 
 /// What a play leaves in its folder. The events come first: they are the mark by which a folder is known as a play's.
-constexpr std::array<const char*, 6> leftBehind{"events.jsonl", "alarm.wav", "Application Support",
-                                                "Preferences",  "Keychains", "tmp"};
+constexpr std::array<const char*, 7> leftBehind{
+    "events.jsonl", "alarm.wav", "Application Support", "Preferences", "Keychains", "iCloud", "tmp"};
 
 fs::path makeTemporaryFolder()
 {

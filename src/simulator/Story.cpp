@@ -82,8 +82,11 @@ void Story::tell(const Event& event)
     }
     const auto found =
         std::find_if(std::begin(rows), std::end(rows), [&](const Row& row) { return row.event == event.name; });
+    const auto ofCloud = cloud_.tell(event);
     if (found != std::end(rows)) {
         (this->*found->tell)(event);
+    } else if (ofCloud) {
+        tellSentence(event.at, *ofCloud);
     } else if (const auto sentence = sentenceOf(event)) {
         tellSentence(event.at, *sentence);
     } else {
@@ -315,6 +318,7 @@ void Story::endProcess()
     soundingSince_.reset();
     disturbed_.clear();
     assertions_.clear();
+    cloud_.endProcess();
 }
 
 std::string Story::deviceName(std::optional<std::uint32_t> device) const

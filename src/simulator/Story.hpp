@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/simulated/Event.hpp"
+#include "simulator/CloudStory.hpp"
 #include "simulator/Scenario.hpp"
 #include "simulator/StoryPage.hpp"
 
@@ -13,8 +14,6 @@
 #include <vector>
 
 namespace sentrel::simulator {
-
-struct StorySentence;
 
 /// What stands under a story.
 struct StorySummary {
@@ -92,6 +91,7 @@ private:
     [[nodiscard]] std::string deviceName(std::optional<std::uint32_t> device) const;
 
     StoryPage page_;
+    CloudStory cloud_;
     std::map<std::uint32_t, std::string> names_;
     std::map<std::uint32_t, Level> levels_;     // what the ear knows
     std::map<std::uint32_t, double> disturbed_; // device: since when it isn't as the alarm set it

@@ -190,6 +190,27 @@ StorySentence login(const Event& event)
                                                                : "Sentrel no longer wants to know.")};
 }
 
+StorySentence phoneFindsNoMac(const Event&)
+{
+    return {StoryTone::reaction, "The phone knows of no Mac."};
+}
+
+StorySentence otherUser(const Event&)
+{
+    return {StoryTone::reaction, "Sentrel forgets the alerts of the account that was there before."};
+}
+
+StorySentence cloudDamaged(const Event& event)
+{
+    return {StoryTone::reaction,
+            "What iCloud held for " + std::string{event.text("account")} + " can't be read. The account begins anew."};
+}
+
+StorySentence cacheDamaged(const Event&)
+{
+    return {StoryTone::reaction, "What Sentrel remembered of iCloud can't be read. It asks anew."};
+}
+
 struct Row {
     std::string_view event;
     StorySentence (*tell)(const Event& event);
@@ -220,11 +241,15 @@ constexpr Row rows[] = {
     {"typed.nowhere", typedNowhere},
     {"displays.changed", displaysChanged},
     {"login", login},
+    {"phone.noMac", phoneFindsNoMac},
+    {"cloud.userChanged", otherUser},
+    {"icloud.damaged", cloudDamaged},
+    {"alertCache.damaged", cacheDamaged},
 };
 
 /// Told as actions, or of no interest to a listener.
-constexpr std::string_view untold[] = {"accelerometer.sample", "accelerometer.recording", "audio-device.removed",
-                                       "workspace.notification"};
+constexpr std::string_view untold[] = {"accelerometer.sample",   "accelerometer.recording", "audio-device.removed",
+                                       "workspace.notification", "push.received",           "fanout"};
 
 } // namespace
 

@@ -2,6 +2,7 @@
 
 #include "core/TriggerReason.hpp"
 #include "platform/Language.hpp"
+#include "simulator/CloudText.hpp"
 #include "simulator/ShellText.hpp"
 
 #include <algorithm>
@@ -260,6 +261,8 @@ std::optional<std::string> plainText(PlainAction action)
         return "The owner stops the alarm.";
     case PlainAction::screensSleep:
         return "The screen goes dark.";
+    case PlainAction::refresh:
+        return "The owner refreshes the list of alerts.";
     default:
         return std::nullopt;
     }
@@ -322,7 +325,8 @@ std::string describe(const Mac& mac)
     text += powerText(mac.power);
     text += lidText(mac.lid);
     text += mac.accelerometer == Mac::Accelerometer::absent ? ", without an accelerometer. " : ". ";
-    return text + soundText(mac) + musicText(mac) + camerasText(mac) + displaysText(mac) + passcodeText(mac);
+    return text + soundText(mac) + musicText(mac) + camerasText(mac) + displaysText(mac) + passcodeText(mac) +
+           accountText(mac.iCloud);
 }
 
 std::optional<std::string> describe(const Action& action, const std::function<std::string(std::uint32_t)>& deviceName)

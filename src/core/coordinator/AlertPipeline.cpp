@@ -189,6 +189,7 @@ Async<void> AlarmCoordinator::uploadNow(AlertEvent alert, std::optional<Bytes> p
         with_.alertStore.remove(id);
         // Deliberately also another notice: the alert is safe, and that is the news.
         clearNotices();
+        with_.alertList.iCloudStorageIsFull = false;
         break;
     case AlertUploader::Outcome::deleted:
         clearLocalSaveNoticeIfResolved();

@@ -2,6 +2,7 @@
 
 #include "platform/simulated/AudioDevice.hpp"
 #include "platform/simulated/CameraChange.hpp"
+#include "platform/simulated/CloudChange.hpp"
 #include "platform/simulated/SimulatedLogin.hpp"
 
 #include <cstddef>
@@ -39,6 +40,8 @@ struct MacDescription {
     Music music = Music::absent;
     Consent automationConsent = Consent::undetermined;
     CameraChange camera; ///< what differs from a Mac without cameras whose user allows them
+    /// What differs from a Mac with a network whose user is signed in. By itself a Mac has no account.
+    CloudChange iCloud{.account = platform::CloudAccountStatus::noAccount};
     LoginAnswer login = LoginAnswer::succeed;
     /// The unlock passcode that is set before the first launch.
     std::optional<std::string> passcode;

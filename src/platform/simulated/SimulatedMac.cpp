@@ -88,8 +88,7 @@ SimulatedMac::SimulatedMac(const MacSurroundings& surroundings, const MacDescrip
     music.setConsent(consentOf(description.automationConsent));
     apply(description.camera, camera);
     login.setAnswer(description.login);
-    // Who has an account says so.
-    iCloud.account.setStatus(platform::CloudAccountStatus::noAccount);
+    apply(description.iCloud, iCloud);
 }
 
 platform::Platform& SimulatedMac::startProcess()

@@ -50,6 +50,11 @@ constexpr std::array<std::string_view, 37> names{
 
 } // namespace
 
+std::span<const std::string_view> cloudErrorNames()
+{
+    return names;
+}
+
 std::string cloudErrorName(int code)
 {
     if (code < 1 || code > static_cast<int>(names.size())) {

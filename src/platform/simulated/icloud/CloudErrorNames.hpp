@@ -3,6 +3,7 @@
 #include "platform/CloudError.hpp"
 
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -25,6 +26,9 @@ inline constexpr int limitExceeded = 27;
 inline constexpr int assetNotAvailable = 35;
 inline constexpr int accountTemporarilyUnavailable = 36;
 } // namespace CKError
+
+/// The names of the codes from 1, without gaps.
+[[nodiscard]] std::span<const std::string_view> cloudErrorNames();
 
 /// CloudKit's name of an error code, for example "networkFailure"; its digits when it has none.
 [[nodiscard]] std::string cloudErrorName(int code);

@@ -209,12 +209,27 @@ bool CompanionPhone::deleteAlert(const std::string& id)
     return !result;
 }
 
+void CompanionPhone::onNotification(std::function<void(const Notification&)> shown)
+{
+    const std::lock_guard guard{mutex_};
+    shown_ = std::move(shown);
+}
+
 void CompanionPhone::receive(const std::string& user, const Json& push)
 {
     auto text = shownText(push);
-    const std::lock_guard guard{mutex_};
-    if (text && user == user_) {
-        notifications_.push_back({std::move(*text), recordOf(push)});
+    if (!text || user != this->user()) {
+        return;
+    }
+    const Notification notification{std::move(*text), recordOf(push)};
+    std::function<void(const Notification&)> shown;
+    {
+        const std::lock_guard guard{mutex_};
+        notifications_.push_back(notification);
+        shown = shown_;
+    }
+    if (shown) {
+        shown(notification);
     }
 }
 

@@ -7,6 +7,7 @@
 #include "platform/simulated/icloud/ServerRecord.hpp"
 
 #include <cstdint>
+#include <functional>
 #include <mutex>
 #include <optional>
 #include <string>
@@ -70,6 +71,9 @@ public:
     /// What was shown so far, oldest first.
     [[nodiscard]] std::vector<Notification> notifications() const;
 
+    /// Who is told of each notification as it is shown, on the thread of whoever caused it.
+    void onNotification(std::function<void(const Notification&)> shown);
+
     /// Writes the command into the Mac's record, and gives its sequence.
     std::int64_t send(const std::string& deviceID, const Command& command);
 
@@ -87,6 +91,7 @@ private:
     mutable std::mutex mutex_;
     std::string user_;
     std::vector<Notification> notifications_;
+    std::function<void(const Notification&)> shown_;
     platform::RegistrationPtr pushes_; // last: nothing comes any more when the rest goes
 };
 

@@ -1,0 +1,152 @@
+#include "simulator/Player.hpp"
+#include "simulator/ScenarioReader.hpp"
+#include "simulator/Story.hpp"
+#include "support/TemporaryFolder.hpp"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <sstream>
+#include <string>
+#include <vector>
+
+namespace sentrel::simulator {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+/// Hears the story.
+class Listener final : public Audience {
+public:
+    void happened(const simulated::Event& event) override { story.tell(event); }
+    void willPerform(double at, const Step&, const Action& action) override { story.perform(at, action); }
+    void checked(double, const Step&, const std::vector<Mismatch>&) override {}
+
+    std::ostringstream heard;
+    Story story{heard, {.isColoured = false, .width = 200}};
+};
+
+class CloudScenarios : public testing::Test {
+protected:
+    /// What didn't hold, as sentences.
+    std::vector<std::string> played(const Scenario& scenario)
+    {
+        const PlayOptions options{.out = out, .resources = SENTREL_SOURCE_DIR "/resources", .seed = 1};
+        std::vector<std::string> sentences;
+        for (const Mismatch& mismatch : play(scenario, options, listener).mismatches) {
+            sentences.push_back(sentence(mismatch));
+        }
+        return sentences;
+    }
+
+    std::vector<std::string> playedText(const std::string& text) { return played(parseScenario(text, "talk.yaml")); }
+
+    TemporaryFolder folder;
+    std::optional<std::filesystem::path> out;
+    Listener listener;
+};
+
+TEST_F(CloudScenarios, ThatComeWithTheProgramHold)
+{
+    for (const char* name :
+         {"offline-then-online", "storage-full", "remote-arm", "lost-answer", "second-apple-id", "throttled"}) {
+        const std::filesystem::path scenarios = SENTREL_SOURCE_DIR "/scenarios";
+        EXPECT_THAT(played(readScenario(scenarios / (std::string{name} + ".yaml"))), IsEmpty()) << name;
+    }
+}
+
+TEST_F(CloudScenarios, WithoutAnAccountEverythingStaysOnTheMacAndThePhoneFindsNone)
+{
+    EXPECT_THAT(playedText(R"(
+steps:
+- {at: 1s, do: arm}
+- {at: 2s, do: {phone: disarm}}
+- {at: 3s, do: unplug}
+- at: 5s
+  expect:
+    isArmed: true
+    alerts: 1
+    pendingUploads: 0
+    cloudAlerts: 0
+    alertRows: [{reason: unplugged, storage: localMac}]
+    infoMessage: Some alerts are waiting to upload to iCloud.
+    lastError: null
+    icloud: {isAvailable: false}
+    phone: {alerts: 0, notifications: 0, macs: []}
+)"),
+                IsEmpty());
+    EXPECT_THAT(listener.heard.str(), HasSubstr("→ The phone knows of no Mac."));
+}
+
+TEST_F(CloudScenarios, EachPlayInAFolderBeginsWithAnEmptyCloud)
+{
+    out = folder.path() / "play";
+    const std::string text = "mac: {icloud: maya}\n"
+                             "steps:\n- {at: 1s, do: arm}\n- {at: 2s, do: unplug}\n- {at: 5s, expect: {cloudAlerts: 1, "
+                             "phone: {alerts: 1, notifications: 1, macs: [{deviceName: MacBook, isArmed: true}]}}}\n";
+    EXPECT_THAT(playedText(text), IsEmpty());
+    EXPECT_TRUE(std::filesystem::exists(*out / "iCloud" / "maya.sqlite"));
+    EXPECT_THAT(playedText(text), IsEmpty());
+}
+
+TEST_F(CloudScenarios, DeletionsGoByAgeAndReachThePhone)
+{
+    EXPECT_THAT(playedText(R"(
+mac: {icloud: maya}
+steps:
+- {at: 1s, do: arm}
+- {at: 2s, do: unplug}
+- {at: 4s, do: close-lid}
+- {at: 6s, do: plug-in}
+- {at: 8s, do: {accelerometer: {sample: [0.6, 0.5, 1.4]}}}
+- {at: 8100ms, do: {accelerometer: {sample: [-0.6, -0.5, 0.2]}}}
+- {at: 10s, do: {delete-alerts: oldest}}
+- {at: 12s, expect: {alertRows: [{reason: motion}, {reason: lidClosed}], cloudAlerts: 2, phone: {alerts: 2}}}
+- {at: 13s, do: {delete-alerts: newest}}
+- {at: 15s, expect: {alertRows: [{reason: lidClosed}], cloudAlerts: 1, pendingDeletions: 0}}
+- {at: 16s, do: {network: down}}
+- {at: 17s, do: {delete-alerts: all}}
+- {at: 18s, expect: {alertRows: [], cloudAlerts: 1, pendingDeletions: 1, sections: []}}
+- {at: 19s, do: crash}
+- {at: 20s, expect: {icloud: null, syncError: null, pendingDeletions: 1}}
+)"),
+                IsEmpty());
+}
+
+TEST_F(CloudScenarios, TellWhatHappensBetweenTheMacAndICloudOnceAndInPlainWords)
+{
+    static_cast<void>(playedText(R"(
+mac: {icloud: {account: maya, quota: 9000000}}
+steps:
+- {at: 1s, do: {icloud: {fail: {code: zoneBusy, times: 2, operation: save, retryAfter: 20}, latency: 200ms}}}
+- {at: 2s, do: arm}
+- {at: 3s, do: unplug}
+- {at: 5s, do: close-lid}
+- {at: 90s, do: {icloud: {user: Tom}}}
+)"));
+    std::vector<std::string> lines;
+    std::istringstream heard{listener.heard.str()};
+    for (std::string line; std::getline(heard, line);) {
+        if (line.find("Cloud") != std::string::npos || line.find("phone") != std::string::npos) {
+            lines.push_back(line.substr(12));
+        }
+    }
+    EXPECT_THAT(
+        lines, ElementsAre("→ The phone can see that the Mac is disarmed.",
+                           "The next 2 “save” requests to iCloud will fail with “zoneBusy”, which asks to wait "
+                           "20 s. iCloud now takes 0.2 s to answer.",
+                           "→ The phone can see that the Mac is armed.", "→ iCloud asks the Mac for patience.",
+                           "→ The alert can't be uploaded: “iCloud is temporarily unavailable. Try again "
+                           "shortly.” It stays on the Mac.",
+                           "→ Sentrel says: “Alert saved on this Mac. It will upload when iCloud is available.”",
+                           "→ The owner's phone shows: “Unplugged on MacBook”",
+                           "→ The alert is safe in iCloud: Power Unplugged.",
+                           "→ The owner's phone shows: “Lid closed on MacBook”",
+                           "→ The alert is safe in iCloud: Lid Closed.", "The Mac is now signed in to iCloud as Tom."));
+}
+
+} // namespace
+} // namespace sentrel::simulator
