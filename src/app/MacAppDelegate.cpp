@@ -2,9 +2,11 @@
 
 #include "alerts/MacAlertsService.hpp"
 #include "app/ActivationPolicy.hpp"
+#include "app/AlertPhotoPreview.hpp"
 #include "app/WindowHooks.hpp"
 #include "cloud/AsyncTimeout.hpp"
 #include "cloud/CloudKitConnectionMonitor.hpp"
+#include "cloud/CloudSubscriptions.hpp"
 #include "cloud/MacPresenceService.hpp"
 #include "core/SettingsStore.hpp"
 #include "core/coordinator/AlarmCoordinator.hpp"
@@ -12,6 +14,7 @@
 #include "outputs/AlarmSoundPlayer.hpp"
 #include "platform/Journal.hpp"
 #include "platform/Language.hpp"
+#include "platform/PreviewPanel.hpp"
 #include "platform/RemoteNotifications.hpp"
 #include "platform/WorkspaceNotifications.hpp"
 #include "runtime/WeakCall.hpp"
@@ -121,27 +124,27 @@ void MacAppDelegate::applicationDidReceiveRemoteNotification(const Json& userInf
     if (!notification) {
         return;
     }
+    ports_.journal.note("push.received",
+                        {{"subscription", std::string_view{notification->subscriptionID.value_or("")}}});
     with_.presence.receive(*notification);
+    if (notification->subscriptionID == CloudSubscriptions::alertIdentifier) {
+        // Another Mac's alert.
+        with_.alerts.startRefresh();
+    }
 }
 
 void MacAppDelegate::controlPreviewPanel()
 {
     const Weak<MacAppDelegate> weak = anchor_.weak();
+    const auto hand = [weak](bool isControlled) {
+        if (MacAppDelegate* const self = weak.get()) {
+            self->ports_.previewPanel.setDataSource(isControlled ? self->with_.photoPreview.dataSource() : nullptr);
+        }
+    };
     ports_.previewPanel.setControl({
         .accepts = [] { return true; },
-        .begin =
-            [weak] {
-                MacAppDelegate* const self = weak.get();
-                if (self != nullptr && self->previewDataSource) {
-                    self->ports_.previewPanel.setDataSource(self->previewDataSource());
-                }
-            },
-        .end =
-            [weak] {
-                if (MacAppDelegate* const self = weak.get()) {
-                    self->ports_.previewPanel.setDataSource(nullptr);
-                }
-            },
+        .begin = [hand] { hand(true); },
+        .end = [hand] { hand(false); },
     });
 }
 

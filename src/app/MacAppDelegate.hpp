@@ -2,17 +2,15 @@
 
 #include "foundation/Json.hpp"
 #include "platform/Application.hpp"
-#include "platform/PreviewPanel.hpp"
 #include "platform/Registration.hpp"
 #include "runtime/MainActor.hpp"
 #include "runtime/Weak.hpp"
-
-#include <functional>
 
 namespace sentrel {
 
 class AlarmCoordinator;
 class AlarmSoundPlayer;
+class AlertPhotoPreview;
 class CloudKitConnectionMonitor;
 class MacAlertsService;
 class MacPresenceService;
@@ -23,6 +21,7 @@ class WindowHooks;
 namespace platform {
 class Journal;
 class Language;
+class PreviewPanel;
 class RemoteNotifications;
 class WorkspaceNotifications;
 } // namespace platform
@@ -39,6 +38,7 @@ public:
         MacPresenceService& presence;
         CloudKitConnectionMonitor& connectionMonitor;
         PasswordGate& passwordGate;
+        AlertPhotoPreview& photoPreview;
         WindowHooks& windows;
     };
     struct Ports {
@@ -65,9 +65,6 @@ public:
     void applicationWillTerminate();
 
     [[nodiscard]] bool applicationShouldTerminateAfterLastWindowClosed() const { return false; }
-
-    /// What the preview panel shows while the application has it; asked each time.
-    std::function<platform::PreviewDataSource*()> previewDataSource;
 
     [[nodiscard]] QuitState quitState() const;
 

@@ -1,11 +1,7 @@
 #include "app/SentrelApp.hpp"
 
-#include "cloud/CloudSubscriptions.hpp"
 #include "core/CompatibleComputer.hpp"
-#include "platform/Journal.hpp"
-#include "platform/RemoteNotifications.hpp"
-#include "platform/WorkspaceNotifications.hpp"
-#include "runtime/WeakCall.hpp"
+#include "platform/Application.hpp"
 
 namespace sentrel {
 
@@ -40,10 +36,29 @@ SentrelApp::SentrelApp(platform::Platform& platform)
       journal_(coordinator_, platform.journal),
       connectionMonitor_(actor_, cloud_, cloudCatchUp_, presence_,
                          {platform.networkPaths, platform.applicationNotifications, platform.journal}),
-      remoteNotifications_(platform.remoteNotifications),
-      workspaceNotifications_(platform.workspaceNotifications),
-      log_(platform.journal)
+      photoPreview_(platform.previewPanel),
+      delegate_(actor_, isComputerCompatible_,
+                {settings_, soundPlayer_, coordinator_, alertsService_, presence_, connectionMonitor_, passwordGate_,
+                 photoPreview_, windowHooks_},
+                {platform.application, platform.remoteNotifications, platform.workspaceNotifications,
+                 platform.previewPanel, platform.language, platform.journal}),
+      scenes_(actor_, isComputerCompatible_,
+              {settings_, coordinator_, cloud_, alertsService_, passcodes_, passwordGate_, photoPreview_, windowHooks_},
+              platform),
+      application_(platform.application)
 {
+    application_.setDelegate({
+        .didFinishLaunching = [this] { launch(); },
+        .shouldTerminate = [this] { return delegate_.applicationShouldTerminate(); },
+        .willTerminate = [this] { terminate(); },
+        .shouldTerminateAfterLastWindowClosed =
+            [this] { return delegate_.applicationShouldTerminateAfterLastWindowClosed(); },
+    });
+}
+
+SentrelApp::~SentrelApp()
+{
+    application_.setDelegate({});
 }
 
 MacPresenceService::Alarm SentrelApp::alarmForPresence()
@@ -57,71 +72,13 @@ MacPresenceService::Alarm SentrelApp::alarmForPresence()
 
 void SentrelApp::launch()
 {
-    soundPlayer_.restoreLeftoverState();
-    leaveDisarmed();
-    presence_.start();
-    connectionMonitor_.start();
-    registerForPushes();
-    wakeRegistration_ = workspaceNotifications_.observe("NSWorkspaceDidWakeNotification",
-                                                        weakCall(actor_, anchor_.weak(), &SentrelApp::systemDidWake));
-}
-
-void SentrelApp::registerForPushes()
-{
-    const Weak<SentrelApp> weak = anchor_.weak();
-    remoteNotifications_.setReceiver({
-        .didRegister =
-            [weak] {
-                if (SentrelApp* const app = weak.get()) {
-                    app->presence_.setPushTokenRegistered(true);
-                }
-            },
-        .didFailToRegister =
-            [weak](const std::string& /*why*/) {
-                if (SentrelApp* const app = weak.get()) {
-                    app->presence_.setPushTokenRegistered(false);
-                }
-            },
-        .didReceive =
-            [weak](const Json& userInfo) {
-                if (SentrelApp* const app = weak.get()) {
-                    app->receivePush(userInfo);
-                }
-            },
-    });
-    remoteNotifications_.registerForRemoteNotifications();
-}
-
-void SentrelApp::receivePush(const Json& userInfo)
-{
-    const auto notification = remoteNotifications_.cloudNotification(userInfo);
-    if (!notification) {
-        return;
-    }
-    log_.note("push.received", {{"subscription", std::string_view{notification->subscriptionID.value_or("")}}});
-    presence_.receive(*notification);
-    if (notification->subscriptionID == CloudSubscriptions::alertIdentifier) {
-        // Another Mac's alert.
-        alertsService_.startRefresh();
-    }
-}
-
-void SentrelApp::systemDidWake()
-{
-    presence_.systemDidWake();
+    delegate_.applicationDidFinishLaunching();
+    scenes_.appear();
 }
 
 void SentrelApp::terminate()
 {
-    leaveDisarmed();
-    soundPlayer_.stopAndWait();
-}
-
-void SentrelApp::leaveDisarmed()
-{
-    // Whatever the previous run left, or this one leaves: being armed never survives the process.
-    settings_.set(&AlarmSettings::isArmed, false);
-    coordinator_.disarm();
+    delegate_.applicationWillTerminate();
 }
 
 } // namespace sentrel

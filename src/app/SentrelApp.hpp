@@ -3,7 +3,11 @@
 #include "alerts/AlertUploader.hpp"
 #include "alerts/LocalAlertStore.hpp"
 #include "alerts/MacAlertsService.hpp"
+#include "app/AlertPhotoPreview.hpp"
 #include "app/CloudCatchUp.hpp"
+#include "app/MacAppDelegate.hpp"
+#include "app/SentrelScenes.hpp"
+#include "app/WindowHooks.hpp"
 #include "cloud/CloudKitConnectionMonitor.hpp"
 #include "cloud/CloudKitService.hpp"
 #include "cloud/MacPresenceService.hpp"
@@ -11,7 +15,6 @@
 #include "core/coordinator/AlarmCoordinator.hpp"
 #include "core/coordinator/AlarmJournal.hpp"
 #include "core/coordinator/CoverAlarm.hpp"
-#include "foundation/Json.hpp"
 #include "lock/PasswordGate.hpp"
 #include "lock/ScreenCoverService.hpp"
 #include "lock/UnlockPasscodeStore.hpp"
@@ -20,9 +23,7 @@
 #include "outputs/MediaPlayback.hpp"
 #include "outputs/SystemVolumeControl.hpp"
 #include "platform/Platform.hpp"
-#include "platform/Registration.hpp"
 #include "runtime/MainActor.hpp"
-#include "runtime/Weak.hpp"
 
 namespace sentrel {
 
@@ -32,6 +33,7 @@ class SentrelApp {
 public:
     explicit SentrelApp(platform::Platform& platform);
     SentrelApp(const SentrelApp&) = delete;
+    ~SentrelApp();
 
     /// What the system calls once the application has finished launching. The application always starts disarmed.
     void launch();
@@ -48,14 +50,11 @@ public:
     [[nodiscard]] CloudKitService& cloud() { return cloud_; }
     [[nodiscard]] MacAlertsService& alertsService() { return alertsService_; }
     [[nodiscard]] MacPresenceService& presence() { return presence_; }
+    [[nodiscard]] const MacAppDelegate& delegate() const { return delegate_; }
     [[nodiscard]] bool isComputerCompatible() const { return isComputerCompatible_; }
 
 private:
     [[nodiscard]] MacPresenceService::Alarm alarmForPresence();
-    void leaveDisarmed();
-    void registerForPushes();
-    void receivePush(const Json& userInfo);
-    void systemDidWake();
 
     MainActor actor_;
     const bool isComputerCompatible_;
@@ -77,11 +76,11 @@ private:
     AlarmJournal journal_;
     CloudCatchUp cloudCatchUp_{alertsService_, coordinator_};
     CloudKitConnectionMonitor connectionMonitor_;
-    platform::RemoteNotifications& remoteNotifications_;
-    platform::WorkspaceNotifications& workspaceNotifications_;
-    platform::Journal& log_;
-    platform::RegistrationPtr wakeRegistration_;
-    WeakAnchor<SentrelApp> anchor_{*this};
+    AlertPhotoPreview photoPreview_;
+    WindowHooks windowHooks_;
+    MacAppDelegate delegate_;
+    SentrelScenes scenes_;
+    platform::Application& application_;
 };
 
 } // namespace sentrel

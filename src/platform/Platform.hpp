@@ -7,6 +7,7 @@ class Scheduler;
 namespace sentrel::platform {
 
 class Alerts;
+class Application;
 class ApplicationActivation;
 class ApplicationNotifications;
 class AudioEngines;
@@ -28,13 +29,17 @@ class Journal;
 class Keychain;
 class Language;
 class LoginAuthentication;
+class LoginItem;
 class NetworkPaths;
 class PowerAssertions;
 class PowerSources;
+class PreviewPanel;
 class Random;
 class RemoteNotifications;
 class RunningApplications;
+class SavePanels;
 class StandardOutput;
+class StatusBar;
 class SystemBeep;
 class UserDefaults;
 class WallClock;
@@ -79,6 +84,11 @@ struct Platform {
     CloudDatabase& cloudDatabase;
     NetworkPaths& networkPaths;
     RemoteNotifications& remoteNotifications;
+    Application& application;
+    StatusBar& statusBar;
+    SavePanels& savePanels;
+    PreviewPanel& previewPanel;
+    LoginItem& loginItem;
 };
 
 } // namespace sentrel::platform

@@ -20,12 +20,6 @@ void setArmed(MacSession& session, bool isArmed)
     session.changeSettings([isArmed](AlarmSettings& settings) { settings.isArmed = isArmed; });
 }
 
-void relaunch(MacSession& session)
-{
-    session.quit();
-    session.launch();
-}
-
 /// The identifiers of the chosen rows, which stand in the list newest first.
 std::unordered_set<UUID> chosen(const std::vector<AlertRow>& rows, DeleteAlerts::Which which)
 {
@@ -66,7 +60,7 @@ public:
         case PlainAction::crash:
             return session_.crash();
         case PlainAction::relaunch:
-            return relaunch(session_);
+            return session_.relaunch();
         case PlainAction::sleep:
             return session_.sleep();
         case PlainAction::wake:

@@ -49,7 +49,12 @@ MacSession::MacSession(const simulated::MacDescription& description, std::filesy
           },
           description)
 {
-    log_.observe([this](const simulated::Event& event) { followSound(event); });
+    log_.observe([this](const simulated::Event& event) {
+        followSound(event);
+        if (event.name == "login" && event.text("answer") != "succeed") {
+            isRelaunching_ = false;
+        }
+    });
     phone_.onNotification([this](const auto& shown) {
         log_.note("phone.notified", {{"text", std::string_view{shown.text}}, {"id", std::string_view{shown.alertID}}});
     });
@@ -62,12 +67,14 @@ MacSession::~MacSession()
 
 void MacSession::launch()
 {
+    isRelaunching_ = false;
     if (app_ != nullptr) {
         return;
     }
     log_.note("launched", {});
+    mac_.application.start([this] { processHasEnded(); });
     app_ = std::make_unique<SentrelApp>(mac_.startProcess());
-    onMain([](SentrelApp& app) { app.launch(); });
+    onMain([this](SentrelApp&) { mac_.application.finishLaunching(); });
 }
 
 void MacSession::crash()
@@ -81,18 +88,35 @@ void MacSession::crash()
 
 void MacSession::quit()
 {
+    onMain([this](SentrelApp&) { mac_.application.terminate(); });
+}
+
+void MacSession::relaunch()
+{
+    isRelaunching_ = true;
     if (app_ == nullptr) {
-        return;
+        return launch();
     }
-    log_.note("quit", {});
-    onMain([](SentrelApp& app) { app.terminate(); });
-    endProcess();
+    quit();
+}
+
+/// A process ends in the middle of its last call. It is taken apart a turn later, and does nothing until then.
+void MacSession::processHasEnded()
+{
+    process_.setAsleep(true);
+    post(hardware_.mainExecutor(), [this] {
+        endProcess();
+        if (isRelaunching_) {
+            launch();
+        }
+    });
 }
 
 void MacSession::endProcess()
 {
     app_.reset();
     process_.endProcess();
+    process_.setAsleep(isAsleep_);
     mac_.endProcess();
     sound_.reset();
 }
@@ -100,6 +124,7 @@ void MacSession::endProcess()
 void MacSession::sleep()
 {
     log_.note("slept", {});
+    isAsleep_ = true;
     process_.setAsleep(true);
     mac_.setAsleep(true);
 }
@@ -107,8 +132,10 @@ void MacSession::sleep()
 void MacSession::wake()
 {
     log_.note("woke", {});
+    isAsleep_ = false;
     process_.setAsleep(false);
     mac_.setAsleep(false);
+    mac_.workspace.post("NSWorkspaceDidWakeNotification");
     clock_.runReady();
 }
 
@@ -136,7 +163,6 @@ void MacSession::changeSettings(const std::function<void(AlarmSettings&)>& chang
         AlarmSettings settings = app.settings().settings();
         change(settings);
         app.settings().setSettings(settings);
-        app.coordinator().syncWithSettings(settings);
     });
 }
 

@@ -42,8 +42,11 @@ public:
     /// The process's memory is lost; its files stay.
     void crash();
 
-    /// The user quits the product: it cleans up and ends.
+    /// The user quits the product, which asks for the login if it wants to, cleans up and ends.
     void quit();
+
+    /// The same, and starts it again once it has ended; starts it if it doesn't run.
+    void relaunch();
 
     void sleep();
     void wake();
@@ -52,7 +55,7 @@ public:
     void closeLid();
     void sleepScreens();
 
-    /// Writes fields of the settings as a window does, and tells the coordinator.
+    /// Writes fields of the settings as a window does.
     void changeSettings(const std::function<void(AlarmSettings&)>& change);
     void stopAlarm();
 
@@ -87,6 +90,7 @@ public:
 
 private:
     void followSound(const simulated::Event& event);
+    void processHasEnded();
     void endProcess();
 
     VirtualClock clock_;
@@ -98,6 +102,8 @@ private:
     simulated::CompanionPhone phone_;
     simulated::SimulatedMac mac_;
     std::optional<AlarmSound> sound_;
+    bool isAsleep_ = false;
+    bool isRelaunching_ = false;
     std::unique_ptr<SentrelApp> app_;
 };
 

@@ -58,6 +58,11 @@ Json dialogsOf(simulated::SimulatedMac& mac)
     return texts;
 }
 
+std::string_view nameOf(MacAppDelegate::QuitState state)
+{
+    return state == MacAppDelegate::QuitState::running ? "running" : "asked";
+}
+
 } // namespace
 
 void addShell(Json& state, MacSession& session)
@@ -72,7 +77,7 @@ void addShell(Json& state, MacSession& session)
                        {"alerts", windowOf(mac.displays, ShellWindow::alerts)}};
     state["dialogs"] = dialogsOf(mac);
     state["activationPolicy"] = !isRunning ? Json(nullptr) : Json(isRegular ? "regular" : "accessory");
-    state["quit"] = !isRunning ? "quit" : mac.application.isAwaitingReply() ? "asked" : "running";
+    state["quit"] = isRunning ? nameOf(session.app()->delegate().quitState()) : "quit";
 }
 
 } // namespace sentrel::simulator

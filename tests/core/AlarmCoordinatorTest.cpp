@@ -85,6 +85,7 @@ TEST_F(AlarmCoordinatorTest, ArmsAlsoWithEveryTriggerOff)
     });
     unplug();
     session.closeLid();
+    session.clock().advance(10s);
     const auto armed = turnsInAnHour();
     EXPECT_EQ(coordinator().statusMessage.get(), "Armed");
     EXPECT_EQ(state("alerts"), 0);
@@ -256,6 +257,8 @@ TEST_F(AlarmCoordinatorTest, QuittingGivesTheSoundBackBeforeTheProcessEnds)
     unplug();
     session.clock().advance(3s);
     session.quit();
+    session.clock().advance(2s);
+    ASSERT_EQ(session.app(), nullptr);
     EXPECT_EQ(state("devices")["73"], Json::parse(R"({"volume":0.5,"muted":false})"));
     EXPECT_EQ(state("settings")["isArmed"], false);
     session.clock().advance(1min);

@@ -122,6 +122,43 @@ TEST_F(LanguageTest, ATextWithoutATableOrAnEntryIsItsKey)
     EXPECT_EQ(IcuLanguage(resources.path(), log, "").localized("Armed"), "Armed");
 }
 
+TEST_F(LanguageTest, TheNearestTableServesALocaleAndEnglishTheRest)
+{
+    put("en.lproj", "\"Armed\" = \"armed\";");
+    put("zh-Hans.lproj", "\"Armed\" = \"已布防\";");
+    put("pt-BR.lproj", "\"Armed\" = \"Armado\";");
+    const std::pair<const char*, const char*> cases[] = {
+        {"zh-Hans", "已布防"}, {"zh_CN", "已布防"}, {"zh-Hans-SG", "已布防"}, {"zh", "已布防"}, {"zh-TW", "armed"},
+        {"pt-BR", "Armado"},   {"pt-PT", "armed"},  {"nl", "armed"},          {"", "armed"},    {"../zh-Hans", "armed"},
+    };
+    IcuLanguage language{resources.path(), log};
+    for (const auto& [locale, text] : cases) {
+        language.setLocale(locale);
+        EXPECT_EQ(language.localized("Armed"), text) << locale;
+    }
+}
+
+TEST_F(LanguageTest, CountsCharactersAsAPersonSeesThem)
+{
+    const std::pair<std::string_view, std::size_t> cases[] = {
+        {"", 0},
+        {"abcd", 4},
+        {"äöü", 3},
+        {"e\u0301e\u0301", 2},             // accents of their own
+        {"👍🏽👍", 2},                     // a skin tone
+        {"👨\u200D👩\u200D👧\u200D👦", 1}, // a family
+        {"🇩🇪🇫🇷🇯🇵", 3},                     // flags of two letters each
+        {"각\u1100\u1161\u11A8", 2},       // a syllable, whole and in parts
+        {"\r\n", 1},
+        {std::string_view{"a\0b", 3}, 3},
+        {"\xFF\xFE", 2},
+    };
+    IcuLanguage language{resources.path(), log};
+    for (const auto& [text, count] : cases) {
+        EXPECT_EQ(language.characterCount(text), count) << text;
+    }
+}
+
 TEST_F(LanguageTest, ADamagedTableIsNotedOnceAndUsedAsFarAsItIsGood)
 {
     put("de.lproj", "\"Armed\" = \"Scharf\"\n\"Disarmed\" = \"Unscharf\";");

@@ -133,6 +133,11 @@ private:
         .cloudDatabase = cloudDatabase_,
         .networkPaths = networkPaths_,
         .remoteNotifications = remoteNotifications_,
+        .application = application_,
+        .statusBar = statusBar_,
+        .savePanels = savePanels_,
+        .previewPanel = previewPanel_,
+        .loginItem = loginItem_,
     };
 };
 

@@ -14,6 +14,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace sentrel::platform {
@@ -53,6 +54,9 @@ public:
 
     /// Whether nothing of a display can be seen past an opaque cover.
     [[nodiscard]] bool isCovered(std::size_t display) const;
+
+    /// Calls back, in the call that does it, when a window is given the keyboard.
+    void onKeyWindow(std::function<void()> given) { windows_.onKey = std::move(given); }
 
     /// The visible windows below the shielding level, the one in front first.
     [[nodiscard]] std::vector<WindowState> windows() const;

@@ -71,6 +71,8 @@ SimulatedMac::SimulatedMac(const MacSurroundings& surroundings, const MacDescrip
           .seed = surroundings.seed,
       })
 {
+    // The menu is open as long as nothing else has the keyboard.
+    displays.onKeyWindow([this] { statusBar.closeMenu(); });
     iCloud.account.onChange([this] { displays.post("CKAccountChangedNotification"); });
     if (description.power == MacDescription::Power::unknown) {
         power.setUnknown();
@@ -131,6 +133,11 @@ platform::Platform& SimulatedMac::startProcess()
         .cloudDatabase = iCloud.database,
         .networkPaths = iCloud.network,
         .remoteNotifications = iCloud.notifications,
+        .application = application,
+        .statusBar = statusBar,
+        .savePanels = savePanels,
+        .previewPanel = previewPanel,
+        .loginItem = loginItem,
     });
     return *platform_;
 }

@@ -167,6 +167,9 @@ void WindowList::makeKey(WindowState& window)
         other->isKey = false;
     }
     window.isKey = true;
+    if (onKey) {
+        onKey();
+    }
 }
 
 void WindowList::orderFront(WindowState& window)

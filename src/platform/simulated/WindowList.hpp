@@ -3,6 +3,8 @@
 #include "platform/Windows.hpp"
 #include "platform/simulated/SimulatedWindow.hpp"
 
+#include <cstdint>
+#include <functional>
 #include <memory>
 #include <string_view>
 #include <vector>
@@ -41,6 +43,9 @@ public:
 
     /// Takes it off the screen; the keyboard goes to the next window that can have it.
     void orderOut(WindowState& window);
+
+    /// Called when a window is given the keyboard; none at first.
+    std::function<void()> onKey;
 
     // What a person does with the title bar and the edges; the window's delegate is asked first. False when the
     // window's style doesn't offer it, or the answer keeps the window as it is.

@@ -87,6 +87,29 @@ TEST_F(PrivateCloudTest, ADamagedFileIsPutAsideAndItsAccountBeginsAnew)
     EXPECT_EQ(log.named("icloud.damaged").size(), damages.size());
 }
 
+TEST_F(PrivateCloudTest, AFileThatIsDamagedWhileItIsOpenCostsOneRequest)
+{
+    ASSERT_EQ(put(server, "owner", "one"), 0);
+    ASSERT_EQ(put(*restart(), "owner", "two"), 0); // the server must look at the file again
+    for (const char* const name : {"owner.sqlite", "owner.sqlite-wal"}) {
+        const auto size = std::filesystem::file_size(file(name));
+        std::fstream{file(name), std::ios::in | std::ios::out | std::ios::binary} << std::string(size, 'x');
+    }
+    EXPECT_EQ(code(mac.database.record("one")), CKError::internalError);
+    EXPECT_EQ(code(mac.database.record("one")), CKError::unknownItem);
+    EXPECT_EQ(put(server, "owner", "one"), 0);
+    EXPECT_EQ(log.named("icloud.damaged").size(), 1U);
+}
+
+TEST_F(PrivateCloudTest, AFileThatAnotherProgramWritesIsABusyZone)
+{
+    ASSERT_EQ(put(server, "owner", "one"), 0);
+    SqliteDatabase other{file()};
+    const SqliteTransaction writing{other};
+    EXPECT_EQ(code(mac.database.save(thing("two"))), CKError::zoneBusy);
+    EXPECT_EQ(code(mac.database.record("one")), 0);
+}
+
 TEST_F(PrivateCloudTest, AVersionOfTheLostDatabaseIsNoVersionOfTheNewOne)
 {
     const CloudRecord old = answer(mac.database.save(thing("one")));

@@ -2,11 +2,13 @@
 
 #include <sqlite3.h>
 
+#include <utility>
+
 namespace sentrel::simulated {
 
 namespace {
 
-constexpr int patience = 2000; // milliseconds that a locked file is waited for
+constexpr int patience = 250; // milliseconds that a locked file is waited for
 
 [[noreturn]] void fail(sqlite3* database, int code)
 {
@@ -30,25 +32,38 @@ bool SqliteError::isBusy() const
     return code_ == SQLITE_BUSY || code_ == SQLITE_LOCKED;
 }
 
-void SqliteStatement::Finalize::operator()(sqlite3_stmt* statement) const
+void SqliteFinalize::operator()(sqlite3_stmt* statement) const
 {
     sqlite3_finalize(statement);
 }
 
-SqliteStatement::SqliteStatement(sqlite3& database, const std::string& sql) : database_(database)
+SqliteStatement::SqliteStatement(sqlite3& database, SqliteStatements& idle, const std::string& sql)
+    : database_(database), idle_(idle), node_(idle.extract(sql))
 {
-    sqlite3_stmt* statement = nullptr;
-    const int code = sqlite3_prepare_v2(&database, sql.c_str(), -1, &statement, nullptr);
-    statement_.reset(statement);
-    if (code != SQLITE_OK) {
-        fail(&database, code);
+    if (node_.empty()) {
+        sqlite3_stmt* statement = nullptr;
+        const int code = sqlite3_prepare_v2(&database, sql.c_str(), -1, &statement, nullptr);
+        if (code != SQLITE_OK) {
+            fail(&database, code);
+        }
+        SqliteStatements made;
+        made.emplace(sql, statement);
+        node_ = made.extract(made.begin());
     }
+    statement_ = node_.mapped().get();
+}
+
+SqliteStatement::~SqliteStatement()
+{
+    sqlite3_reset(statement_);
+    sqlite3_clear_bindings(statement_); // values may be large
+    idle_.insert(std::move(node_));
 }
 
 void SqliteStatement::start(const std::vector<SqliteValue>& values)
 {
-    sqlite3_reset(statement_.get());
-    sqlite3_clear_bindings(statement_.get());
+    sqlite3_reset(statement_);
+    sqlite3_clear_bindings(statement_);
     int place = 0;
     for (const SqliteValue& value : values) {
         bind(++place, value);
@@ -57,18 +72,17 @@ void SqliteStatement::start(const std::vector<SqliteValue>& values)
 
 void SqliteStatement::bind(int place, const SqliteValue& value)
 {
-    sqlite3_stmt* const statement = statement_.get();
     int code = SQLITE_OK;
     if (const auto* const integer = std::get_if<std::int64_t>(&value)) {
-        code = sqlite3_bind_int64(statement, place, *integer);
+        code = sqlite3_bind_int64(statement_, place, *integer);
     } else if (const auto* const real = std::get_if<double>(&value)) {
-        code = sqlite3_bind_double(statement, place, *real);
+        code = sqlite3_bind_double(statement_, place, *real);
     } else if (const auto* const text = std::get_if<std::string>(&value)) {
-        code = sqlite3_bind_text64(statement, place, text->data(), text->size(), SQLITE_TRANSIENT, SQLITE_UTF8);
+        code = sqlite3_bind_text64(statement_, place, text->data(), text->size(), SQLITE_TRANSIENT, SQLITE_UTF8);
     } else if (const auto* const bytes = std::get_if<Bytes>(&value)) {
         // No bytes at all are still bytes, where a null pointer would mean NULL.
-        code = bytes->empty() ? sqlite3_bind_zeroblob(statement, place, 0)
-                              : sqlite3_bind_blob64(statement, place, bytes->data(), bytes->size(), SQLITE_TRANSIENT);
+        code = bytes->empty() ? sqlite3_bind_zeroblob(statement_, place, 0)
+                              : sqlite3_bind_blob64(statement_, place, bytes->data(), bytes->size(), SQLITE_TRANSIENT);
     }
     if (code != SQLITE_OK) {
         fail(&database_, code);
@@ -77,7 +91,7 @@ void SqliteStatement::bind(int place, const SqliteValue& value)
 
 bool SqliteStatement::next()
 {
-    const int code = sqlite3_step(statement_.get());
+    const int code = sqlite3_step(statement_);
     if (code != SQLITE_ROW && code != SQLITE_DONE) {
         fail(&database_, code);
     }
@@ -86,12 +100,12 @@ bool SqliteStatement::next()
 
 std::int64_t SqliteStatement::integer(int column) const
 {
-    return sqlite3_column_int64(statement_.get(), column);
+    return sqlite3_column_int64(statement_, column);
 }
 
 double SqliteStatement::real(int column) const
 {
-    return sqlite3_column_double(statement_.get(), column);
+    return sqlite3_column_double(statement_, column);
 }
 
 std::string SqliteStatement::text(int column) const
@@ -103,8 +117,8 @@ std::string SqliteStatement::text(int column) const
 Bytes SqliteStatement::bytes(int column) const
 {
     // The content is asked for before its size, which is that of the form asked for last.
-    const auto* const content = static_cast<const std::uint8_t*>(sqlite3_column_blob(statement_.get(), column));
-    const int size = sqlite3_column_bytes(statement_.get(), column);
+    const auto* const content = static_cast<const std::uint8_t*>(sqlite3_column_blob(statement_, column));
+    const int size = sqlite3_column_bytes(statement_, column);
     return content == nullptr ? Bytes{} : Bytes(content, content + size);
 }
 

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <map>
 #include <memory>
 #include <optional>
 #include <stdexcept>
@@ -36,10 +37,22 @@ private:
 
 using SqliteValue = std::variant<std::monostate, std::int64_t, double, std::string, Bytes>;
 
-/// A prepared statement. Its database outlives it. No lock of its own.
+/// Frees a statement of SQLite's.
+struct SqliteFinalize {
+    void operator()(sqlite3_stmt* statement) const;
+};
+
+/// Statements that have been prepared and wait to be used again, by their text: preparing one takes longer than most
+/// take to run.
+using SqliteStatements = std::multimap<std::string, std::unique_ptr<sqlite3_stmt, SqliteFinalize>>;
+
+/// A prepared statement, which goes back to the others when it ends. Its database outlives it. No lock of its own.
 class SqliteStatement {
 public:
-    SqliteStatement(sqlite3& database, const std::string& sql);
+    SqliteStatement(sqlite3& database, SqliteStatements& idle, const std::string& sql);
+    ~SqliteStatement();
+    SqliteStatement(const SqliteStatement&) = delete;
+    SqliteStatement& operator=(const SqliteStatement&) = delete;
 
     /// Begins anew with these values for its question marks. Throws `SqliteError`.
     void start(const std::vector<SqliteValue>& values = {});
@@ -54,14 +67,12 @@ public:
     [[nodiscard]] Bytes bytes(int column) const;
 
 private:
-    struct Finalize {
-        void operator()(sqlite3_stmt* statement) const;
-    };
-
     void bind(int place, const SqliteValue& value);
 
     sqlite3& database_;
-    std::unique_ptr<sqlite3_stmt, Finalize> statement_;
+    SqliteStatements& idle_;
+    SqliteStatements::node_type node_;
+    sqlite3_stmt* statement_ = nullptr;
 };
 
 /// An open database file. No lock of its own.
@@ -70,7 +81,7 @@ public:
     /// Opens the file, and makes it when it isn't there. Throws `SqliteError`.
     explicit SqliteDatabase(const std::filesystem::path& file);
 
-    [[nodiscard]] SqliteStatement prepare(const std::string& sql) { return {*database_, sql}; }
+    [[nodiscard]] SqliteStatement prepare(const std::string& sql) { return {*database_, idle_, sql}; }
 
     /// Runs one statement to its end. Throws `SqliteError`.
     void run(const std::string& sql, const std::vector<SqliteValue>& values = {});
@@ -86,6 +97,7 @@ private:
     };
 
     std::unique_ptr<sqlite3, Close> database_;
+    SqliteStatements idle_;
 };
 
 /// Everything between its making and `commit` happens, or nothing of it. Throws `SqliteError`.

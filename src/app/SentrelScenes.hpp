@@ -1,0 +1,70 @@
+#pragma once
+
+#include "app/MacAlertsContentView.hpp"
+#include "app/MacContentView.hpp"
+#include "app/MenuBarLabel.hpp"
+#include "app/MenuBarScene.hpp"
+#include "app/MenuBarView.hpp"
+#include "app/ProtectedActions.hpp"
+#include "app/ShellWindows.hpp"
+#include "app/WindowConfigurator.hpp"
+#include "app/WindowHooks.hpp"
+#include "app/WindowScene.hpp"
+#include "platform/Platform.hpp"
+
+#include <optional>
+
+namespace sentrel {
+
+class AlarmCoordinator;
+class AlertPhotoPreview;
+class CloudKitService;
+class MacAlertsService;
+class PasswordGate;
+class SettingsStore;
+class UnlockPasscodeStore;
+
+/// What people see of the application: the item in the menu bar, the control panel "main" and the window of alerts
+/// "alerts". A part of the composition root. Main actor.
+class SentrelScenes {
+public:
+    struct Services {
+        SettingsStore& settings;
+        AlarmCoordinator& coordinator;
+        CloudKitService& cloud;
+        MacAlertsService& alerts;
+        UnlockPasscodeStore& passcodes;
+        PasswordGate& passwordGate;
+        AlertPhotoPreview& photoPreview;
+        WindowHooks& windowHooks;
+    };
+
+    SentrelScenes(MainActor actor, bool isComputerCompatible, Services services, platform::Platform& platform);
+    SentrelScenes(const SentrelScenes&) = delete;
+
+    /// The item comes into the menu bar. From now on the alarm follows the stored settings, and the windows can be
+    /// opened.
+    void appear();
+
+private:
+    void openMainWindow();
+    void openAlertsWindow();
+    [[nodiscard]] MenuBarView::Actions menuActions();
+
+    Services with_;
+    platform::Platform& platform_;
+    const bool isComputerCompatible_;
+    ProtectedActions protectedActions_;
+    ShellWindows windows_;
+    MainWindowConfigurator mainConfigurator_{windows_};
+    AlertsWindowConfigurator alertsConfigurator_{windows_};
+    MacContentView mainView_;
+    MacAlertsContentView alertsView_;
+    MenuBarLabel menuLabel_;
+    std::optional<MenuBarView> menuView_; ///< none before it appears
+    WindowScene mainScene_;
+    WindowScene alertsScene_;
+    MenuBarScene menuScene_;
+};
+
+} // namespace sentrel

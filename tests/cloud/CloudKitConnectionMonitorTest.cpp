@@ -1,0 +1,162 @@
+#include "cloud/CloudKitConnectionMonitor.hpp"
+#include "cloud/PresenceMac.hpp"
+#include "platform/ApplicationNotifications.hpp"
+#include "platform/simulated/NotificationHub.hpp"
+#include "runtime/Sleep.hpp"
+
+#include <gtest/gtest.h>
+
+namespace sentrel::test {
+namespace {
+
+using namespace std::chrono_literals;
+
+/// A Mac whose dependents take a while to catch up.
+class CloudKitConnectionMonitorTest : public testing::Test,
+                                      public CloudDependents,
+                                      public platform::ApplicationNotifications {
+protected:
+    CloudKitConnectionMonitorTest()
+    {
+        mac.icloud.account.onChange([this] { hub.post("CKAccountChangedNotification"); });
+    }
+
+    /// Starts everything, and waits until it is quiet.
+    void start()
+    {
+        monitor->start();
+        monitor->start(); // nothing more
+        world.clock.advance(10s);
+        EXPECT_EQ(passes(), 2U) << "one at the start, and one for the first path";
+    }
+
+    void setNetwork(bool isUp)
+    {
+        mac.icloud.network.setUp(isUp);
+        world.clock.runReady();
+    }
+
+    std::unique_ptr<CloudKitConnectionMonitor> makeMonitor()
+    {
+        return std::make_unique<CloudKitConnectionMonitor>(
+            MainActor{mac.process}, *mac.cloud, *this, mac.presence,
+            CloudKitConnectionMonitor::Ports{mac.icloud.network, *this, world.log});
+    }
+
+    [[nodiscard]] std::size_t passes() const { return world.log.named("fanout").size(); }
+
+    CloudWorld world;
+    PresenceMac mac{world};
+    Duration catchingUpTakes = 0s;
+    int caughtUp = 0;
+    int refreshed = 0;
+    simulated::NotificationHub hub{mac.process.mainExecutor()};
+    std::unique_ptr<CloudKitConnectionMonitor> monitor = makeMonitor();
+
+private:
+    Async<void> catchUp() override
+    {
+        co_await sleepFor(catchingUpTakes);
+        ++caughtUp;
+    }
+    void refreshStatus() override { ++refreshed; }
+
+    platform::RegistrationPtr observe(const std::string& name, std::function<void()> received) override
+    {
+        return hub.observe(name, std::move(received));
+    }
+};
+
+TEST_F(CloudKitConnectionMonitorTest, AFlappingNetworkCausesOnePassTwoSecondsAfterItsLastChange)
+{
+    start();
+    for (int change = 0; change < 10; ++change) {
+        setNetwork(change % 2 != 0);
+        EXPECT_EQ(mac.cloud->isReachable, change % 2 != 0) << "known at once";
+        EXPECT_LE(mac.cloud->availabilityCacheExpiry()->secondsSince(mac.wallClock.now()), 20.0);
+        world.clock.advance(100ms);
+    }
+    world.clock.advance(1899ms);
+    EXPECT_EQ(passes(), 2U);
+    world.clock.advance(1ms);
+    EXPECT_EQ(passes(), 3U);
+    world.clock.advance(1min);
+    EXPECT_EQ(passes(), 3U);
+    EXPECT_EQ(caughtUp, 3);
+    EXPECT_EQ(refreshed, 3);
+}
+
+TEST_F(CloudKitConnectionMonitorTest, WhateverHappensDuringAPassCausesOneMore)
+{
+    start();
+    catchingUpTakes = 30s;
+    const auto owners = mac.icloud.link.requests(CloudOperation::userRecord);
+    mac.icloud.account.signIn("owner");
+    world.clock.advance(5s);
+    EXPECT_EQ(passes(), 3U);
+    for (int i = 0; i < 3; ++i) {
+        mac.icloud.account.signIn("owner");
+        setNetwork(true);
+        world.clock.advance(3s);
+    }
+    EXPECT_EQ(passes(), 3U);
+    EXPECT_EQ(mac.icloud.link.requests(CloudOperation::userRecord) - owners, 4U);
+    world.clock.advance(5min);
+    EXPECT_EQ(passes(), 4U);
+    EXPECT_EQ(caughtUp, 4);
+
+    // A change of the path doesn't break off the pass that the change before it caused.
+    setNetwork(true);
+    world.clock.advance(5s);
+    setNetwork(true);
+    world.clock.advance(5min);
+    EXPECT_EQ(passes(), 6U);
+    EXPECT_EQ(caughtUp, 6);
+}
+
+TEST_F(CloudKitConnectionMonitorTest, APassEndsWithAPollAndCatchesUpOnlyWithIcloud)
+{
+    mac.registerForPushes();
+    mac.presence.start();
+    start();
+    const auto polls = mac.polls();
+    mac.icloud.account.setStatus(platform::CloudAccountStatus::noAccount);
+    world.clock.advance(10s);
+    EXPECT_EQ(passes(), 3U);
+    EXPECT_EQ(caughtUp, 2);
+    EXPECT_EQ(refreshed, 3);
+    EXPECT_EQ(mac.polls(), polls);
+    mac.icloud.account.setStatus(platform::CloudAccountStatus::available);
+    world.clock.advance(10s);
+    EXPECT_EQ(caughtUp, 3);
+    EXPECT_EQ(mac.polls(), polls + 1);
+}
+
+TEST_F(CloudKitConnectionMonitorTest, AnAccountThatHangsDoesNotEndAllCatchingUp)
+{
+    start();
+    mac.icloud.link.setLatency(24h);
+    mac.icloud.account.signIn("owner");
+    world.clock.advance(2min);
+    mac.icloud.link.setLatency(80ms);
+    mac.icloud.account.signIn("owner");
+    world.clock.advance(10s);
+    EXPECT_EQ(passes(), 4U);
+    EXPECT_EQ(refreshed, 4);
+}
+
+TEST_F(CloudKitConnectionMonitorTest, GoesInTheMiddleOfAPassAndOfAPause)
+{
+    for (const Duration moment : {0ms, 100ms, 500ms, 2100ms}) {
+        catchingUpTakes = 200ms;
+        monitor->start();
+        world.clock.advance(moment);
+        mac.icloud.network.setUp(true);
+        monitor.reset();
+        world.clock.advance(1min);
+        monitor = makeMonitor();
+    }
+}
+
+} // namespace
+} // namespace sentrel::test
