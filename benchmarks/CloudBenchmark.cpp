@@ -33,29 +33,34 @@ public:
     void note(std::string_view /*event*/, std::initializer_list<Field> /*fields*/) override {}
 };
 
-/// Stands in the main thread's queue over and over: between two of its turns the others had theirs.
-class TurnWatch {
+/// Stands in the main thread's queue over and over: between two of its turns the others had theirs. In processor time,
+/// since on a busy machine the wall clock tells of other programs. Shared with the turn that waits still when the watch
+/// is over.
+class TurnWatch : public std::enable_shared_from_this<TurnWatch> {
 public:
     explicit TurnWatch(Executor& executor) : executor_(executor) {}
 
     void begin()
     {
-        last_ = wallSeconds();
-        post(executor_, [this] { look(); });
+        last_ = processorSeconds();
+        stand();
     }
     void end() { isOver_ = true; }
     [[nodiscard]] double longest() const { return longest_; }
 
 private:
+    void stand()
+    {
+        post(executor_, [self = shared_from_this()] { self->look(); });
+    }
     void look()
     {
-        if (isOver_) {
-            return;
+        if (!isOver_) {
+            const double now = processorSeconds();
+            longest_ = std::max(longest_, now - last_);
+            last_ = now;
+            stand();
         }
-        const double now = wallSeconds();
-        longest_ = std::max(longest_, now - last_);
-        last_ = now;
-        post(executor_, [this] { look(); });
     }
 
     Executor& executor_;
@@ -88,13 +93,14 @@ public:
         run(fill());
     }
 
-    /// Runs the work on the main actor; gives the main thread's longest turn meanwhile, in seconds.
+    /// Runs the work on the main actor; gives the main thread's longest turn meanwhile, in seconds of
+    /// its processor.
     double run(Async<void> work)
     {
-        TurnWatch watch{scheduler.mainExecutor()};
+        const auto watch = std::make_shared<TurnWatch>(scheduler.mainExecutor());
         MainActor{scheduler}.spawn(watched(std::move(work), watch));
         scheduler.runMain();
-        return watch.longest();
+        return watch->longest();
     }
 
     /// The process begins with the cache that the last one left, or with none.
@@ -127,11 +133,11 @@ public:
 private:
     static constexpr Duration untilWritten = 1300ms; // the cache file follows a second after a change
 
-    Async<void> watched(Async<void> work, TurnWatch& watch)
+    Async<void> watched(Async<void> work, std::shared_ptr<TurnWatch> watch)
     {
-        watch.begin();
+        watch->begin();
         co_await std::move(work);
-        watch.end();
+        watch->end();
         scheduler.stopMain();
     }
     Async<void> fill()
