@@ -38,13 +38,13 @@ std::optional<std::vector<UUID>> idsMember(const Json& document, std::string_vie
     return ids;
 }
 
-std::optional<std::unordered_map<UUID, AlertEvent>> alertsMember(const Json& document)
+std::optional<AlertMap> alertsMember(const Json& document)
 {
     const Json* const entries = member(document, "alerts");
     if (entries == nullptr || !entries->is_array()) {
         return std::nullopt;
     }
-    std::unordered_map<UUID, AlertEvent> alerts;
+    AlertMap alerts;
     alerts.reserve(entries->size());
     for (const Json& entry : *entries) {
         auto alert = decodeAlertEvent(entry);

@@ -11,6 +11,9 @@
 
 namespace sentrel {
 
+/// Alerts by identifier.
+using AlertMap = std::unordered_map<UUID, AlertEvent>;
+
 /// What this Mac still has to tell the alert catalog.
 struct CatalogDebts {
     std::vector<UUID> additions; ///< in the order in which they came; one may be there twice
@@ -24,7 +27,7 @@ struct CatalogDebts {
 struct AlertCacheContents {
     std::optional<std::string> owner; ///< the iCloud user's record name; none when it was never learnt
     bool isComplete = false;          ///< all alerts of the database were listed once
-    std::unordered_map<UUID, AlertEvent> alerts;
+    AlertMap alerts;
     CatalogDebts debts;
 
     friend bool operator==(const AlertCacheContents&, const AlertCacheContents&) = default;

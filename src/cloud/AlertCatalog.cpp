@@ -89,10 +89,10 @@ Async<void> AlertCatalog::payDebts(std::optional<platform::CloudRecord> fresh)
     }
     const auto changes = cache_.watch();
     CatalogDebts paid;
-    // Each attempt pays what is owed then: another user's debts are gone, and newer ones are there.
-    RecordMerge merging = [&paid, &cache = cache_](platform::CloudRecord& record) {
+    // Each attempt pays what is owed then. One user's record must never be saved among another's.
+    RecordMerge merging = [&paid, &cache = cache_, changes](platform::CloudRecord& record) {
         paid = cache.debts();
-        return merge(record, paid);
+        return !changes->isAnotherUser && merge(record, paid);
     };
     try {
         co_await mergeIntoRecord(database_, recordType, recordName, std::move(fresh), std::move(merging));

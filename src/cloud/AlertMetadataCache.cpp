@@ -72,15 +72,23 @@ void AlertMetadataCache::setComplete()
     }
 }
 
-void AlertMetadataCache::insert(AlertEvent alert)
+void AlertMetadataCache::insert(AlertMap alerts)
 {
-    const UUID id = alert.id;
-    const auto known = alertCache_.alerts.find(id);
-    if (known != alertCache_.alerts.end() && !alert.photoFileName) {
-        alert.photoFileName = known->second.photoFileName;
+    while (!alerts.empty()) {
+        // Whole nodes change hands: thousands of alerts cost no allocation.
+        auto node = alerts.extract(alerts.begin());
+        const UUID id = node.key();
+        const auto known = alertCache_.alerts.find(id);
+        if (known == alertCache_.alerts.end()) {
+            alertCache_.alerts.insert(std::move(node));
+        } else {
+            auto photoFileName =
+                node.mapped().photoFileName ? node.mapped().photoFileName : known->second.photoFileName;
+            known->second = std::move(node.mapped());
+            known->second.photoFileName = std::move(photoFileName);
+        }
+        markChanged(id);
     }
-    alertCache_.alerts.insert_or_assign(id, std::move(alert));
-    markChanged(id);
     persistSoon();
 }
 

@@ -38,7 +38,7 @@ public:
                        std::filesystem::path directory, std::optional<std::string> owner);
     AlertMetadataCache(const AlertMetadataCache&) = delete;
 
-    [[nodiscard]] const std::unordered_map<UUID, AlertEvent>& alerts() const { return alertCache_.alerts; }
+    [[nodiscard]] const AlertMap& alerts() const { return alertCache_.alerts; }
 
     /// Whether every alert of the database was in the cache once, so that the catalog's changes suffice from then on.
     [[nodiscard]] bool isComplete() const { return alertCache_.isComplete; }
@@ -46,9 +46,9 @@ public:
 
     [[nodiscard]] const CatalogDebts& debts() const { return alertCache_.debts; }
 
-    /// Enters an alert or replaces it. That it has a photo, once known, is not forgotten for a record that was fetched
+    /// Enters alerts or replaces them. That one has a photo, once known, is not forgotten for a record that was fetched
     /// without.
-    void insert(AlertEvent alert);
+    void insert(AlertMap alerts);
     void setPhoto(const UUID& id, bool hasPhoto);
     void erase(const std::unordered_set<UUID>& ids);
 

@@ -3,6 +3,8 @@
 #include "cloud/AlertRecord.hpp"
 #include "cloud/CloudErrors.hpp"
 #include "runtime/CurrentTask.hpp"
+#include "runtime/Detached.hpp"
+#include "runtime/Sleep.hpp"
 
 #include <algorithm>
 #include <iterator>
@@ -13,8 +15,7 @@ namespace sentrel {
 Async<void> AlertRefresh::run()
 {
     auto changes = cache_.watch();
-    platform::CloudRecord record = co_await AlertCatalog::read(database_);
-    listed_ = AlertCatalog::contentsOf(record);
+    const auto record = co_await readCatalog();
     if (!cache_.isComplete() || !listed_) {
         co_await queryAll();
     }
@@ -29,7 +30,25 @@ Async<void> AlertRefresh::run()
     const std::unordered_set<UUID> newer = changes->ids;
     changes.reset();
     apply(newer);
-    co_await catalog_.payDebts(std::move(record));
+    changes = cache_.watch();
+    co_await sleepFor(Duration::zero()); // thousands of alerts are enough for one turn of the main thread
+    if (!changes->isAnotherUser) {
+        co_await catalog_.payDebts(std::move(*record));
+    }
+}
+
+/// Reads what the catalog lists, of which there may be thousands, off the main thread.
+Async<std::shared_ptr<platform::CloudRecord>> AlertRefresh::readCatalog()
+{
+    platform::CloudRecord record = co_await AlertCatalog::read(database_);
+    const auto shared = std::make_shared<platform::CloudRecord>(std::move(record));
+    auto work = [shared] {
+        return std::make_shared<std::optional<AlertCatalog::Contents>>(AlertCatalog::contentsOf(*shared));
+    };
+    const auto reading = detached(scheduler_, QualityOfService::userInitiated, std::move(work));
+    const auto contents = co_await reading;
+    listed_ = std::move(*contents);
+    co_return shared;
 }
 
 Async<void> AlertRefresh::queryAll()
@@ -116,8 +135,8 @@ void AlertRefresh::apply(const std::unordered_set<UUID>& newer)
         oweUnlisted();
         cache_.setComplete();
     }
-    for (auto& [id, alert] : found_) {
-        cache_.insert(std::move(alert));
+    if (!found_.empty()) {
+        cache_.insert(std::move(found_));
     }
 }
 

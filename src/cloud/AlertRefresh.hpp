@@ -7,7 +7,6 @@
 #include <memory>
 #include <optional>
 #include <string>
-#include <unordered_map>
 #include <unordered_set>
 #include <vector>
 
@@ -23,9 +22,9 @@ public:
     static constexpr std::size_t batchSize = 200;
 
     /// `unusable`: alerts whose records can't be read, so that they aren't fetched again and again.
-    AlertRefresh(platform::CloudDatabase& database, AlertCatalog& catalog, AlertMetadataCache& cache,
-                 std::unordered_set<UUID>& unusable)
-        : database_(database), catalog_(catalog), cache_(cache), unusable_(unusable)
+    AlertRefresh(Scheduler& scheduler, platform::CloudDatabase& database, AlertCatalog& catalog,
+                 AlertMetadataCache& cache, std::unordered_set<UUID>& unusable)
+        : scheduler_(scheduler), database_(database), catalog_(catalog), cache_(cache), unusable_(unusable)
     {
     }
 
@@ -33,6 +32,7 @@ public:
     [[nodiscard]] Async<void> run();
 
 private:
+    [[nodiscard]] Async<std::shared_ptr<platform::CloudRecord>> readCatalog();
     [[nodiscard]] Async<void> queryAll();
     [[nodiscard]] Async<void> fetch(std::vector<UUID> ids);
     [[nodiscard]] std::vector<UUID> unknownIDs() const;
@@ -41,6 +41,7 @@ private:
     void dropDeleted(const std::unordered_set<UUID>& newer);
     void oweUnlisted();
 
+    Scheduler& scheduler_;
     platform::CloudDatabase& database_;
     AlertCatalog& catalog_;
     AlertMetadataCache& cache_;
@@ -48,7 +49,7 @@ private:
 
     std::optional<AlertCatalog::Contents> listed_;
     bool hasQueried_ = false;
-    std::unordered_map<UUID, AlertEvent> found_;
+    AlertMap found_;
     std::unordered_set<UUID> unreadable_; ///< they exist, but the server couldn't give them this time
     std::unordered_set<UUID> gone_;
 };

@@ -88,11 +88,11 @@ Async<void> CloudAlerts::upload(AlertEvent alert, std::optional<Bytes> photo)
     }
     // Before anything else is awaited: whatever comes now, the alert is known to be there.
     if (uploaded) {
-        cache_.insert(*uploaded);
+        cache_.insert({{alert.id, *uploaded}});
         cache_.oweAdditions({alert.id});
     }
     auto catalog = co_await bookkeeping;
-    if (catalog) {
+    if (catalog && !changes->isAnotherUser) {
         co_await settleDebts(std::move(catalog));
     } else {
         co_await cache_.flush();
@@ -122,7 +122,7 @@ Async<void> CloudAlerts::settleDebts(std::optional<platform::CloudRecord> catalo
 
 Async<void> CloudAlerts::refresh()
 {
-    AlertRefresh refresh{ports_.database, catalog_, cache_, unusable_};
+    AlertRefresh refresh{actor_.scheduler(), ports_.database, catalog_, cache_, unusable_};
     co_await refresh.run();
 }
 
