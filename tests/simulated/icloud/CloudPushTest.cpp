@@ -76,12 +76,12 @@ protected:
 
 TEST_F(CloudPushTest, ASubscriptionTellsOfTheChangesThatItNamesWhoeverMadeThemButTheWriter)
 {
-    using namespace SubscriptionOption;
+    using Option = SubscriptionOption;
     EXPECT_THAT(takeHeard(), ElementsAre("registered"));
-    subscribe("created", {}, firesOnRecordCreation);
-    subscribe("first", {}, firesOnRecordCreation | firesOnce);
-    subscribe("updated", {"n > %@", {std::int64_t{1}}}, firesOnRecordUpdate);
-    subscribe("removed", {"n IN %@", {std::vector<std::int64_t>{5}}}, firesOnRecordDeletion);
+    subscribe("created", {}, Option::firesOnRecordCreation);
+    subscribe("first", {}, Option::firesOnRecordCreation | Option::firesOnce);
+    subscribe("updated", {"n > %@", {std::int64_t{1}}}, Option::firesOnRecordUpdate);
+    subscribe("removed", {"n IN %@", {std::vector<std::int64_t>{5}}}, Option::firesOnRecordDeletion);
 
     write("a", {{"n", std::int64_t{1}}});
     EXPECT_THAT(takeHeard(), ElementsAre("created:a", "first:a"));

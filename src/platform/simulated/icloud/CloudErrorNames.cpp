@@ -2,6 +2,8 @@
 
 #include <array>
 #include <charconv>
+#include <memory>
+#include <span>
 
 namespace sentrel::simulated {
 
@@ -71,8 +73,9 @@ std::optional<int> cloudErrorCode(std::string_view nameOrNumber)
         }
     }
     int code = 0;
-    const char* const end = nameOrNumber.data() + nameOrNumber.size();
-    const auto [stop, error] = std::from_chars(nameOrNumber.data(), end, code);
+    const std::span digits{nameOrNumber};
+    const char* const end = std::to_address(digits.end());
+    const auto [stop, error] = std::from_chars(std::to_address(digits.begin()), end, code);
     if (error != std::errc{} || stop != end || code <= 0) {
         return std::nullopt;
     }

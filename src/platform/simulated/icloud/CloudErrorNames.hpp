@@ -10,22 +10,22 @@
 namespace sentrel::simulated {
 
 /// Those of `CKErrorCode` that the server gives of its own accord.
-namespace CKError {
-inline constexpr int internalError = 1;
-inline constexpr int networkUnavailable = 3;
-inline constexpr int networkFailure = 4;
-inline constexpr int notAuthenticated = 9;
-inline constexpr int unknownItem = 11;
-inline constexpr int invalidArguments = 12;
-inline constexpr int serverRecordChanged = 14;
-inline constexpr int assetFileNotFound = 16;
-inline constexpr int batchRequestFailed = 22;
-inline constexpr int zoneBusy = 23;
-inline constexpr int quotaExceeded = 25;
-inline constexpr int limitExceeded = 27;
-inline constexpr int assetNotAvailable = 35;
-inline constexpr int accountTemporarilyUnavailable = 36;
-} // namespace CKError
+struct CKError {
+    static constexpr int internalError = 1;
+    static constexpr int networkUnavailable = 3;
+    static constexpr int networkFailure = 4;
+    static constexpr int notAuthenticated = 9;
+    static constexpr int unknownItem = 11;
+    static constexpr int invalidArguments = 12;
+    static constexpr int serverRecordChanged = 14;
+    static constexpr int assetFileNotFound = 16;
+    static constexpr int batchRequestFailed = 22;
+    static constexpr int zoneBusy = 23;
+    static constexpr int quotaExceeded = 25;
+    static constexpr int limitExceeded = 27;
+    static constexpr int assetNotAvailable = 35;
+    static constexpr int accountTemporarilyUnavailable = 36;
+};
 
 /// The names of the codes from 1, without gaps.
 [[nodiscard]] std::span<const std::string_view> cloudErrorNames();

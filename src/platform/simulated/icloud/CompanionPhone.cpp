@@ -20,7 +20,7 @@ constexpr const char* alertType = "AlertEvent";
 constexpr const char* catalogType = "MacDeviceCatalog";
 constexpr const char* catalogName = "mac-device-catalog";
 
-template <class Kind> Kind valueOr(const ServerRecord& record, const char* field, Kind otherwise)
+template <class Kind> Kind valueOr(const ServerRecord& record, const char* field, const Kind& otherwise)
 {
     const Kind* const value = fieldOf<Kind>(record, field);
     return value == nullptr ? otherwise : *value;

@@ -14,7 +14,7 @@ namespace sentrel::simulated {
 namespace {
 
 constexpr std::size_t longestName = 255;
-constexpr std::uint64_t mostRecordBytes = 1024 * 1024; // without assets, as CloudKit has it
+constexpr std::uint64_t mostRecordBytes = 1'048'576; // without assets, as CloudKit has it
 constexpr std::uint64_t bytesOfNumber = 8;
 
 // What a record has of its own: no field is called so.

@@ -25,6 +25,7 @@ template <class Answer> using Serve = std::function<Answer(const CloudDevice&)>;
 CloudQueryPage delivered(CloudLink& link, AssetFolder& assets, CloudOperation operation, const ServerPage& page)
 {
     std::vector<std::string> names;
+    names.reserve(page.results.size());
     for (const auto& [name, result] : page.results) {
         names.push_back(name);
     }

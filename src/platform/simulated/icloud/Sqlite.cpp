@@ -147,6 +147,11 @@ void SqliteDatabase::run(const std::string& sql, const std::vector<SqliteValue>&
     }
 }
 
+void SqliteDatabase::attempt(const char* sql)
+{
+    sqlite3_exec(database_.get(), sql, nullptr, nullptr, nullptr);
+}
+
 std::optional<std::int64_t> SqliteDatabase::integer(const std::string& sql, const std::vector<SqliteValue>& values)
 {
     SqliteStatement statement = prepare(sql);
@@ -163,13 +168,8 @@ std::optional<std::string> SqliteDatabase::text(const std::string& sql, const st
 
 SqliteTransaction::~SqliteTransaction()
 {
-    if (!isOpen_) {
-        return;
-    }
-    try {
-        database_.run("ROLLBACK");
-    } catch (const SqliteError&) {
-        // The failure that brought us here may have rolled back already.
+    if (isOpen_) {
+        database_.attempt("ROLLBACK"); // the failure that brought us here may have rolled back already
     }
 }
 

@@ -86,6 +86,9 @@ public:
     /// Runs one statement to its end. Throws `SqliteError`.
     void run(const std::string& sql, const std::vector<SqliteValue>& values = {});
 
+    /// Runs one statement, and takes no notice when that fails.
+    void attempt(const char* sql);
+
     /// The first column of the first row; none without a row. Throws `SqliteError`.
     [[nodiscard]] std::optional<std::int64_t> integer(const std::string& sql,
                                                       const std::vector<SqliteValue>& values = {});

@@ -44,21 +44,20 @@ Argument decodeArgument(const Json& json)
     return json.at("integers").get<std::vector<std::int64_t>>();
 }
 
+/// Lists and assets don't travel with a push: null.
 Json valueForPush(const ServerValue& value)
 {
+    Json json;
     if (const auto* const text = std::get_if<std::string>(&value)) {
-        return Json(*text);
+        json = *text;
+    } else if (const auto* const integer = std::get_if<std::int64_t>(&value)) {
+        json = *integer;
+    } else if (const auto* const real = std::get_if<double>(&value)) {
+        json = *real;
+    } else if (const auto* const date = std::get_if<Date>(&value)) {
+        json = date->secondsSinceReferenceDate;
     }
-    if (const auto* const integer = std::get_if<std::int64_t>(&value)) {
-        return Json(*integer);
-    }
-    if (const auto* const real = std::get_if<double>(&value)) {
-        return Json(*real);
-    }
-    if (const auto* const date = std::get_if<Date>(&value)) {
-        return Json(date->secondsSinceReferenceDate);
-    }
-    return {}; // lists and assets don't travel with a push
+    return json;
 }
 
 /// What the notification says: the values of the fields that its text names.

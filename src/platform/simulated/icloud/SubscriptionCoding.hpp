@@ -12,12 +12,12 @@
 namespace sentrel::simulated {
 
 /// `CKQuerySubscriptionOptions`.
-namespace SubscriptionOption {
-inline constexpr std::uint64_t firesOnRecordCreation = 1;
-inline constexpr std::uint64_t firesOnRecordUpdate = 2;
-inline constexpr std::uint64_t firesOnRecordDeletion = 4;
-inline constexpr std::uint64_t firesOnce = 8;
-} // namespace SubscriptionOption
+struct SubscriptionOption {
+    static constexpr std::uint64_t firesOnRecordCreation = 1;
+    static constexpr std::uint64_t firesOnRecordUpdate = 2;
+    static constexpr std::uint64_t firesOnRecordDeletion = 4;
+    static constexpr std::uint64_t firesOnce = 8;
+};
 
 /// `CKQueryNotificationReason`.
 enum class PushReason : std::int64_t { recordCreated = 1, recordUpdated = 2, recordDeleted = 3 };
