@@ -27,19 +27,14 @@
 
 namespace sentrel {
 
-/// The composition root: makes every service once, hands each its collaborators and wires the callbacks. The same on
-/// every platform. Main thread; the platform outlives it.
+/// The composition root: makes every service once, hands each its collaborators, wires the callbacks and declares the
+/// scenes. The same on every platform: it hears of launch, quit and end as the application's delegate. Main thread; the
+/// platform outlives it.
 class SentrelApp {
 public:
     explicit SentrelApp(platform::Platform& platform);
     SentrelApp(const SentrelApp&) = delete;
     ~SentrelApp();
-
-    /// What the system calls once the application has finished launching. The application always starts disarmed.
-    void launch();
-
-    /// What the system calls last before the process ends: disarms, and returns when the user's sound is back.
-    void terminate();
 
     [[nodiscard]] SettingsStore& settings() { return settings_; }
     [[nodiscard]] AlarmCoordinator& coordinator() { return coordinator_; }
@@ -54,6 +49,8 @@ public:
     [[nodiscard]] bool isComputerCompatible() const { return isComputerCompatible_; }
 
 private:
+    void launch();
+    void terminate();
     [[nodiscard]] MacPresenceService::Alarm alarmForPresence();
 
     MainActor actor_;

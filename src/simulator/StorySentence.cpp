@@ -211,6 +211,28 @@ StorySentence cacheDamaged(const Event&)
     return {StoryTone::reaction, "What Sentrel remembered of iCloud can't be read. It asks anew."};
 }
 
+StorySentence quitAsked(const Event&)
+{
+    return {StoryTone::event, "Sentrel is asked to quit."};
+}
+
+StorySentence quitCancelled(const Event&)
+{
+    return {StoryTone::reaction, "It does not quit without the Mac login."};
+}
+
+StorySentence loginItem(const Event& event)
+{
+    constexpr double enabled = 1.0; // SMAppServiceStatusEnabled
+    const bool isEnabled = numberIn(event, "status") == enabled;
+    return {StoryTone::reaction, isEnabled ? "Sentrel will open at login." : "Sentrel will not open at login."};
+}
+
+StorySentence previewShown(const Event&)
+{
+    return {StoryTone::reaction, "The photo is shown in a panel of its own."};
+}
+
 struct Row {
     std::string_view event;
     StorySentence (*tell)(const Event& event);
@@ -245,11 +267,16 @@ constexpr Row rows[] = {
     {"cloud.userChanged", otherUser},
     {"icloud.damaged", cloudDamaged},
     {"alertCache.damaged", cacheDamaged},
+    {"quit.asked", quitAsked},
+    {"quit.cancelled", quitCancelled},
+    {"login-item", loginItem},
+    {"preview.shown", previewShown},
 };
 
 /// Told as actions, or of no interest to a listener.
 constexpr std::string_view untold[] = {"accelerometer.sample",   "accelerometer.recording", "audio-device.removed",
-                                       "workspace.notification", "push.received",           "fanout"};
+                                       "workspace.notification", "push.received",           "fanout",
+                                       "activation-policy",      "preview.closed"};
 
 } // namespace
 

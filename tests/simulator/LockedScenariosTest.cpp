@@ -59,7 +59,8 @@ protected:
 
 TEST_F(LockedScenarios, ThatComeWithTheProgramHold)
 {
-    for (const char* name : {"night-photo", "wrong-passcodes", "two-displays", "cafe-theft"}) {
+    for (const char* name : {"night-photo", "wrong-passcodes", "two-displays", "cafe-theft", "quitting",
+                             "control-panel", "bulk-deletion", "passcode-sheet"}) {
         const std::filesystem::path scenarios = SENTREL_SOURCE_DIR "/scenarios";
         EXPECT_THAT(played(readScenario(scenarios / (std::string{name} + ".yaml"))), IsEmpty()) << name;
     }

@@ -32,6 +32,7 @@ void SimulatedApplication::finishLaunching()
 void SimulatedApplication::setActivationPolicy(std::int64_t policy)
 {
     policy_ = policy;
+    journal_.note("activation-policy", {{"policy", policy}});
 }
 
 void SimulatedApplication::terminate()

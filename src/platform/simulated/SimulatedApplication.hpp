@@ -12,8 +12,8 @@ class Journal;
 
 namespace sentrel::simulated {
 
-/// The application object of the product's process. Being asked to quit notes `quit.asked`, the delegate's no
-/// `quit.cancelled`, and the end `quit`. The product's main thread.
+/// The application object of the product's process. A policy that is set is noted as `activation-policy`. Being asked
+/// to quit notes `quit.asked`, the delegate's no `quit.cancelled`, and the end `quit`. The product's main thread.
 class SimulatedApplication final : public platform::Application {
 public:
     explicit SimulatedApplication(platform::Journal& journal) : journal_(journal) {}

@@ -1,0 +1,187 @@
+#include "simulator/MacSession.hpp"
+#include "simulator/MacState.hpp"
+#include "simulator/Person.hpp"
+#include "support/TemporaryFolder.hpp"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+namespace sentrel::simulator {
+namespace {
+
+using namespace std::chrono_literals;
+using simulated::LoginAnswer;
+using testing::AllOf;
+using testing::Contains;
+using testing::ElementsAre;
+
+/// A MacBook whose owner sits before it, with the application launched.
+struct Desk {
+    explicit Desk(const simulated::MacDescription& description = {})
+        : session(description, disk.path(), SENTREL_SOURCE_DIR "/resources", 1)
+    {
+        session.launch();
+    }
+    Json state(const char* key) { return stateOf(session)[key]; }
+    template <class Field> void set(Field AlarmSettings::* field, Field value)
+    {
+        session.changeSettings([&](AlarmSettings& settings) { settings.*field = value; });
+    }
+    void soundTheAlarm()
+    {
+        set(&AlarmSettings::isArmed, true);
+        session.mac().power.setAC(false);
+        session.clock().advance(2s);
+        ASSERT_EQ(state("isAlarmActive"), true);
+    }
+    simulated::SimulatedLogin& login() { return session.mac().login; }
+
+    TemporaryFolder disk;
+    MacSession session;
+};
+
+TEST(MacAppDelegate, QuittingAsksForTheLoginWhenTheSettingsSaySoAndAlwaysWhileTheAlarmSounds)
+{
+    struct Row {
+        bool isLoginRequired;
+        bool isSounding;
+        LoginAnswer answer;
+        std::size_t asked;
+        bool ends;
+    };
+    const Row rows[] = {
+        {false, false, LoginAnswer::fail, 0, true},        {true, false, LoginAnswer::succeed, 1, true},
+        {true, false, LoginAnswer::fail, 1, false},        {true, false, LoginAnswer::cancel, 1, false},
+        {true, false, LoginAnswer::unavailable, 0, false}, {false, true, LoginAnswer::succeed, 1, true},
+        {false, true, LoginAnswer::fail, 1, false},        {true, true, LoginAnswer::cancel, 1, false},
+        {true, true, LoginAnswer::succeed, 1, true},
+    };
+    for (const Row& row : rows) {
+        Desk desk;
+        desk.set(&AlarmSettings::requirePasswordForActions, row.isLoginRequired);
+        if (row.isSounding) {
+            desk.soundTheAlarm();
+        }
+        desk.login().setAnswer(row.answer);
+        desk.session.quit();
+        desk.session.clock().advance(2s);
+        const std::string name = std::string{row.isLoginRequired ? "required" : "free"} +
+                                 (row.isSounding ? ", sounding, " : ", silent, ") +
+                                 std::string{simulated::nameOf(row.answer)};
+        EXPECT_EQ(desk.login().reasonsAsked().size(), row.asked) << name;
+        EXPECT_EQ(desk.state("quit"), row.ends ? "quit" : "running") << name;
+        EXPECT_EQ(desk.session.sound().has_value(), row.isSounding && !row.ends) << name;
+        EXPECT_EQ(desk.state("settings")["isArmed"], row.isSounding && !row.ends) << name;
+    }
+}
+
+TEST(MacAppDelegate, WhoeverQuitsTwiceIsAskedOnce)
+{
+    Desk desk;
+    desk.login().setAnswerDelay(std::nullopt);
+    desk.session.quit();
+    desk.session.quit();
+    EXPECT_EQ(desk.state("quit"), "asked");
+    EXPECT_THAT(desk.login().reasonsAsked(), ElementsAre("verify your Mac login"));
+    desk.login().answerPanel(LoginAnswer::fail);
+    desk.session.clock().advance(1s);
+    EXPECT_EQ(desk.state("quit"), "running");
+
+    desk.session.quit();
+    desk.login().answerPanel(LoginAnswer::succeed);
+    desk.session.clock().runReady();
+    desk.session.quit();
+    desk.session.clock().advance(2s);
+    EXPECT_EQ(desk.state("quit"), "quit");
+    EXPECT_EQ(desk.session.log().named("quit").size(), 1U);
+    desk.session.quit();
+    desk.session.launch();
+    EXPECT_EQ(desk.state("quit"), "running");
+}
+
+TEST(MacAppDelegate, APublicationThatHangsHoldsUpTheEndForTwoSeconds)
+{
+    Desk desk;
+    desk.session.mac().iCloud.account.setStatus(platform::CloudAccountStatus::available);
+    desk.session.clock().advance(1min);
+    desk.session.mac().iCloud.link.setLatency(1h);
+    desk.set(&AlarmSettings::requirePasswordForActions, false);
+    desk.session.quit();
+    desk.session.clock().advance(1900ms);
+    EXPECT_EQ(desk.state("quit"), "asked");
+    desk.session.clock().advance(100ms);
+    EXPECT_EQ(desk.state("quit"), "quit");
+}
+
+TEST(MacAppDelegate, StartsAsAnAccessoryThenDisarmsThenTalksToICloud)
+{
+    simulated::MacDescription description;
+    Desk desk{description};
+    desk.session.clock().advance(1s);
+    std::vector<std::string> order;
+    for (const simulated::Event& event : desk.session.log().events()) {
+        const bool isWanted = event.name == "launched" || event.name == "activation-policy" ||
+                              event.name == "disarmed" || event.name == "cloud.request";
+        if (isWanted && (order.empty() || order.back() != event.name)) {
+            order.push_back(event.name);
+        }
+    }
+    EXPECT_THAT(order, ElementsAre("launched", "activation-policy", "disarmed", "cloud.request"));
+    EXPECT_EQ(desk.state("icon"), "MenuBarIcon");
+    EXPECT_EQ(desk.state("activationPolicy"), "accessory");
+}
+
+TEST(MacAppDelegate, OnAnythingButAMacBookTheControlPanelComesUpAndSaysWhy)
+{
+    simulated::MacDescription description;
+    description.model = "Macmini9,1";
+    Desk desk{description};
+    const Json window = desk.state("window")["main"];
+    EXPECT_EQ(window["visible"], true);
+    EXPECT_THAT(window["texts"].get<std::vector<std::string>>(), Contains("Computer Not Compatible"));
+    EXPECT_EQ(desk.state("activationPolicy"), "regular");
+    EXPECT_EQ(Person{desk.session}.perform(UseMenu{"armed"}), "'armed' can't be used now");
+    desk.set(&AlarmSettings::isArmed, true);
+    EXPECT_EQ(desk.state("isArmed"), false);
+    EXPECT_EQ(desk.state("icon"), "MenuBarIcon");
+
+    Desk macBook;
+    EXPECT_EQ(macBook.state("window")["main"]["visible"], false);
+}
+
+TEST(MacAppDelegate, AfterSleepThePhoneHearsOfTheMacAtOnce)
+{
+    Desk desk;
+    desk.session.mac().iCloud.account.setStatus(platform::CloudAccountStatus::available);
+    desk.session.clock().advance(1min);
+    desk.session.sleep();
+    desk.session.clock().advance(8h);
+    const auto before = desk.session.log().named("presence.published").size();
+    desk.session.wake();
+    desk.session.clock().advance(1s);
+    EXPECT_GT(desk.session.log().named("presence.published").size(), before);
+}
+
+TEST(MacAppDelegate, NothingBehindTheLockScreenCanBeUsed)
+{
+    simulated::MacDescription description;
+    Desk desk{description};
+    desk.set(&AlarmSettings::requirePasswordForActions, false);
+    EXPECT_EQ(Person{desk.session}.perform(OpenWindow{ShellWindow::main}), "");
+    desk.session.setPasscode("2468");
+    desk.set(&AlarmSettings::lockScreenOnArm, true);
+    desk.set(&AlarmSettings::isArmed, true);
+    desk.session.clock().advance(1s);
+    ASSERT_EQ(desk.state("cover"), "shown");
+    EXPECT_EQ(Person{desk.session}.perform(UseMenu{}), "the lock screen covers the menu bar");
+    EXPECT_EQ(Person{desk.session}.perform(CloseWindow{}), "the window can't be closed");
+    EXPECT_EQ(Person{desk.session}.perform(ClickOn{"Take photo"}), "there is no 'Take photo' to be seen");
+    EXPECT_EQ(Person{desk.session}.perform(TypeText{std::nullopt, "2468"}), "");
+    EXPECT_EQ(Person{desk.session}.perform(PressKey{ui::Key::returnKey}), "");
+    desk.session.clock().advance(1s);
+    EXPECT_EQ(desk.state("cover"), "hidden");
+}
+
+} // namespace
+} // namespace sentrel::simulator
