@@ -53,14 +53,20 @@ void addApp(Json& state, SentrelApp& app)
     state["syncError"] = jsonOf(app.presence().syncError.get());
 }
 
+/// None when the server doesn't let the phone read.
 Json phoneOf(simulated::CompanionPhone& phone)
 {
-    Json macs = Json::array();
-    for (const auto& mac : phone.macs()) {
-        macs.push_back({{"deviceName", mac.deviceName}, {"isArmed", mac.isArmed}});
+    try {
+        Json macs = Json::array();
+        for (const auto& mac : phone.macs()) {
+            macs.push_back({{"deviceName", mac.deviceName}, {"isArmed", mac.isArmed}});
+        }
+        return {{"alerts", phone.alerts().size()},
+                {"notifications", phone.notifications().size()},
+                {"macs", std::move(macs)}};
+    } catch (const platform::CloudError&) {
+        return nullptr;
     }
-    return {
-        {"alerts", phone.alerts().size()}, {"notifications", phone.notifications().size()}, {"macs", std::move(macs)}};
 }
 
 /// What the account that is signed in holds, past the product.

@@ -195,6 +195,11 @@ StorySentence phoneFindsNoMac(const Event&)
     return {StoryTone::reaction, "The phone knows of no Mac."};
 }
 
+StorySentence phoneRefused(const Event& event)
+{
+    return {StoryTone::reaction, "iCloud refuses what the phone says: “" + std::string{event.text("why")} + "”."};
+}
+
 StorySentence otherUser(const Event&)
 {
     return {StoryTone::reaction, "Sentrel forgets the alerts of the account that was there before."};
@@ -264,6 +269,7 @@ constexpr Row rows[] = {
     {"displays.changed", displaysChanged},
     {"login", login},
     {"phone.noMac", phoneFindsNoMac},
+    {"phone.refused", phoneRefused},
     {"cloud.userChanged", otherUser},
     {"icloud.damaged", cloudDamaged},
     {"alertCache.damaged", cacheDamaged},
@@ -274,9 +280,15 @@ constexpr Row rows[] = {
 };
 
 /// Told as actions, or of no interest to a listener.
-constexpr std::string_view untold[] = {"accelerometer.sample",   "accelerometer.recording", "audio-device.removed",
-                                       "workspace.notification", "push.received",           "fanout",
-                                       "activation-policy",      "preview.closed"};
+constexpr std::string_view untold[] = {"accelerometer.sample",
+                                       "accelerometer.recording",
+                                       "audio-device.removed",
+                                       "workspace.notification",
+                                       "phone.command",
+                                       "push.received",
+                                       "fanout",
+                                       "activation-policy",
+                                       "preview.closed"};
 
 } // namespace
 

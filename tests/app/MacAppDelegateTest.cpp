@@ -114,20 +114,26 @@ TEST(MacAppDelegate, APublicationThatHangsHoldsUpTheEndForTwoSeconds)
     EXPECT_EQ(desk.state("quit"), "quit");
 }
 
-TEST(MacAppDelegate, StartsAsAnAccessoryThenDisarmsThenTalksToICloud)
+TEST(MacAppDelegate, StartsAsADisarmedAccessoryThatThenTalksToICloud)
 {
     simulated::MacDescription description;
     Desk desk{description};
+    desk.set(&AlarmSettings::isArmed, true);
+    desk.session.crash();
+    const std::size_t before = desk.session.log().size();
+    desk.session.launch();
+    EXPECT_EQ(desk.state("isArmed"), false) << "being armed does not outlive the process";
+    EXPECT_FALSE(desk.session.app()->settings().settings().isArmed);
     desk.session.clock().advance(1s);
     std::vector<std::string> order;
-    for (const simulated::Event& event : desk.session.log().events()) {
-        const bool isWanted = event.name == "launched" || event.name == "activation-policy" ||
-                              event.name == "disarmed" || event.name == "cloud.request";
+    for (const simulated::Event& event : desk.session.log().events(before)) {
+        const bool isWanted =
+            event.name == "launched" || event.name == "activation-policy" || event.name == "cloud.request";
         if (isWanted && (order.empty() || order.back() != event.name)) {
             order.push_back(event.name);
         }
     }
-    EXPECT_THAT(order, ElementsAre("launched", "activation-policy", "disarmed", "cloud.request"));
+    EXPECT_THAT(order, ElementsAre("launched", "activation-policy", "cloud.request"));
     EXPECT_EQ(desk.state("icon"), "MenuBarIcon");
     EXPECT_EQ(desk.state("activationPolicy"), "accessory");
 }

@@ -81,6 +81,23 @@ steps:
     EXPECT_THAT(listener.heard.str(), HasSubstr("→ The phone knows of no Mac."));
 }
 
+TEST_F(CloudScenarios, ACommandThatTheServerRefusesEndsNoPlay)
+{
+    EXPECT_THAT(playedText(R"(
+mac: {icloud: maya}
+steps:
+- {at: 5s, do: {icloud: {quota: full}}}
+- {at: 6s, do: {phone: arm}}
+- {at: 9s, expect: {isArmed: false}}
+- {at: 10s, do: {icloud: {quota: ok}}}
+- {at: 11s, do: {phone: arm}}
+- {at: 12s, expect: {isArmed: true}}
+)"),
+                IsEmpty());
+    EXPECT_THAT(listener.heard.str(), HasSubstr("iCloud refuses what the phone says: “quotaExceeded”."));
+    EXPECT_THAT(listener.heard.str(), testing::Not(HasSubstr("phone.command")));
+}
+
 TEST_F(CloudScenarios, EachPlayInAFolderBeginsWithAnEmptyCloud)
 {
     out = folder.path() / "play";
