@@ -1,4 +1,5 @@
 #include "simulator/PlayCommand.hpp"
+#include "simulator/serve/ServeCommand.hpp"
 
 #include <CLI/CLI.hpp>
 
@@ -27,6 +28,22 @@ int main(int argc, char** argv)
     play->add_flag("--json", command.isJson, "Print the outcome as one JSON object instead of the story");
     play->add_option("--seed", command.seed, "Seed of sensor noise and identifiers")->capture_default_str();
 
+    ServeCommand serving;
+    serving.resources = SENTREL_RESOURCES_DIR;
+    serving.web = SENTREL_WEB_DIR;
+    serving.scenario = SENTREL_SCENARIOS_DIR "/cafe-theft.yaml";
+    std::string disk;
+    std::string token;
+    CLI::App* const serve =
+        app.add_subcommand("serve", "Lets the MacBook live, in real time, on a page in the browser");
+    serve->add_option("--scenario", serving.scenario, "Whose MacBook it is; its steps are not played");
+    serve->add_option("--port", serving.port, "The port on this machine; 0 takes any that is free")
+        ->check(CLI::Range(0, 65535))
+        ->capture_default_str();
+    serve->add_option("--disk", disk, "Keep the MacBook's disk in this folder, and find it again there");
+    serve->add_option("--token", token, "The page's token, instead of a random one");
+    serve->add_option("--seed", serving.seed, "Seed of sensor noise and identifiers")->capture_default_str();
+
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
@@ -36,6 +53,15 @@ int main(int argc, char** argv)
     try {
         if (!out.empty()) {
             command.out = out;
+        }
+        if (serve->parsed()) {
+            if (!disk.empty()) {
+                serving.disk = disk;
+            }
+            if (!token.empty()) {
+                serving.token = token;
+            }
+            return run(serving, std::cout, std::cerr);
         }
         return run(command, std::cout, std::cerr);
     } catch (const std::exception& error) {

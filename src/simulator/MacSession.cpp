@@ -8,10 +8,6 @@ namespace sentrel::simulator {
 
 namespace {
 
-/// Every session begins on a Saturday morning, 14 June 2025, 09:41 UTC: a day is as good as another, and the same day
-/// makes the same run.
-constexpr Date sessionDate{771586860.0};
-
 constexpr std::string_view passcodeField = "passcode";
 
 /// Whether something stands in the first cover's field, as a row of dots shows to anybody.
@@ -32,8 +28,8 @@ bool storePasscode(UnlockPasscodeStore& store, std::string_view passcode)
 }
 
 MacSession::MacSession(const simulated::MacDescription& description, std::filesystem::path disk,
-                       std::filesystem::path resources, std::uint64_t seed)
-    : serverClock_(hardware_, sessionDate),
+                       std::filesystem::path resources, std::uint64_t seed, Date date)
+    : serverClock_(hardware_, date),
       cloudServer_(disk / "iCloud", serverClock_, log_),
       phone_(cloudServer_, serverClock_, description.iCloud.user.value_or("owner")),
       mac_(
@@ -45,7 +41,7 @@ MacSession::MacSession(const simulated::MacDescription& description, std::filesy
               .resources = std::move(resources),
               .cloudServer = cloudServer_,
               .seed = seed,
-              .date = sessionDate,
+              .date = date,
           },
           description)
 {
@@ -196,13 +192,17 @@ void MacSession::typePasscode(std::string_view passcode)
 
 void MacSession::commandByPhone(const simulated::CompanionPhone::Command& command)
 {
-    const auto macs = phone_.macs();
-    if (macs.empty()) {
-        log_.note("phone.noMac", {});
-        return;
+    try {
+        const auto macs = phone_.macs();
+        if (macs.empty()) {
+            log_.note("phone.noMac", {});
+            return;
+        }
+        const std::int64_t sequence = phone_.send(macs.front().deviceID, command);
+        log_.note("phone.command", {{"sequence", sequence}, {"arm", command.arm}});
+    } catch (const platform::CloudError& error) {
+        log_.note("phone.refused", {{"why", std::string_view{error.description}}});
     }
-    const std::int64_t sequence = phone_.send(macs.front().deviceID, command);
-    log_.note("phone.command", {{"sequence", sequence}, {"arm", command.arm}});
 }
 
 void MacSession::onMain(const std::function<void(SentrelApp&)>& function)

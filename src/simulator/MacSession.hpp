@@ -30,9 +30,13 @@ struct AlarmSound {
 /// A simulated MacBook with the product on it, in virtual time: what people do at it and what befalls it. One thread.
 class MacSession {
 public:
+    /// Stories begin on a Saturday morning, 14 June 2025, 09:41 UTC: a day is as good as another, and the same day
+    /// makes the same run.
+    static constexpr Date storyDate{771586860.0};
+
     /// The disk is an existing folder; resources hold the localisation tables.
     MacSession(const simulated::MacDescription& description, std::filesystem::path disk,
-               std::filesystem::path resources, std::uint64_t seed);
+               std::filesystem::path resources, std::uint64_t seed, Date date = storyDate);
     ~MacSession();
     MacSession(const MacSession&) = delete;
 
@@ -50,6 +54,7 @@ public:
 
     void sleep();
     void wake();
+    [[nodiscard]] bool isAsleep() const { return isAsleep_; }
 
     void openLid();
     void closeLid();
@@ -66,8 +71,8 @@ public:
     /// cover takes it.
     void typePasscode(std::string_view passcode);
 
-    /// The owner's phone sends its first Mac a command. Notes `phone.command` {sequence, arm}, or `phone.noMac` when
-    /// the phone knows of none.
+    /// The owner's phone sends its first Mac a command. Notes `phone.command` {sequence, arm}, `phone.noMac` when the
+    /// phone knows of none, or `phone.refused` {why} by the server.
     void commandByPhone(const simulated::CompanionPhone::Command& command);
 
     /// Runs a function on the product's main thread, and everything that is then due. Nothing while it doesn't run.

@@ -237,6 +237,9 @@ bool SimulatedAccelerometer::isWorking() const
 
 void SimulatedAccelerometer::broadcast(const HidMessage& message)
 {
+    if (delivered_ && message.type == accelerometerEvent && !message.isNull) {
+        delivered_(message.acceleration);
+    }
     for (Client* client : scheduled_) {
         if (client->isMatching()) {
             client->send(message);

@@ -9,6 +9,7 @@
 #include "runtime/Scheduler.hpp"
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <vector>
@@ -47,6 +48,10 @@ public:
     /// says. They pause while a recording plays.
     void setResting(bool isResting);
 
+    /// Calls back for each sample that is delivered, on whatever thread delivers it and under the device's lock: it
+    /// must not come back here. Set before the first.
+    void observe(std::function<void(const Acceleration&)> delivered) { delivered_ = std::move(delivered); }
+
     /// While the machine sleeps nothing is delivered.
     void setAsleep(bool isAsleep);
 
@@ -84,6 +89,7 @@ private:
     bool isPresent_ = true;
     bool isAsleep_ = false;
     bool isEnding_ = false;
+    std::function<void(const Acceleration&)> delivered_;
     std::vector<Client*> scheduled_;
     Ticker ticker_{*this};
     std::unique_ptr<Executor> executor_;

@@ -118,6 +118,12 @@ void SimulatedCamera::setBrightness(std::optional<double> brightness)
     world_->brightness = brightness;
 }
 
+std::optional<double> SimulatedCamera::brightness() const
+{
+    const std::lock_guard guard{world_->mutex};
+    return world_->brightness;
+}
+
 void SimulatedCamera::setPhotoDelay(Duration delay)
 {
     const std::lock_guard guard{world_->mutex};
@@ -128,6 +134,12 @@ void SimulatedCamera::setPhotoFile(std::optional<Bytes> file)
 {
     const std::lock_guard guard{world_->mutex};
     world_->photoFile = std::move(file);
+}
+
+bool SimulatedCamera::hasPhotoFile() const
+{
+    const std::lock_guard guard{world_->mutex};
+    return world_->photoFile.has_value();
 }
 
 FaultSwitches& SimulatedCamera::faults()

@@ -45,12 +45,14 @@ public:
 
     /// How bright a photo of the cafe measures, 0 to 1; none for what the time of day gives.
     void setBrightness(std::optional<double> brightness);
+    [[nodiscard]] std::optional<double> brightness() const;
 
     /// How long a photo takes from the request to the callback; nothing at first.
     void setPhotoDelay(Duration delay);
 
     /// A file that every photo is, as it is; none for the cafe.
     void setPhotoFile(std::optional<Bytes> file);
+    [[nodiscard]] bool hasPhotoFile() const;
 
     /// Faults: "input" (the device can't be opened), "add-input", "add-output" (the session refuses), "photo" (ends
     /// with an error), "photo-data" (has no file representation), "start" (the session does not come to run).

@@ -4,6 +4,8 @@
 #include "platform/simulated/SimulatedApplicationActivation.hpp"
 
 #include <algorithm>
+#include <bit>
+#include <functional>
 #include <utility>
 
 namespace sentrel::simulated {
@@ -118,6 +120,27 @@ ui::Interaction SimulatedDisplays::click(std::size_t cover, std::string_view wan
         return ui::Interaction::notFound;
     }
     return useWindow(windows[cover], [wanted](WindowContent content) { return content.click(wanted); });
+}
+
+ui::Interaction SimulatedDisplays::useCover(std::size_t cover, const Use& use)
+{
+    const auto windows = visibleCovers();
+    return cover < windows.size() ? useWindow(windows[cover], use) : ui::Interaction::notFound;
+}
+
+std::uint64_t SimulatedDisplays::version() const
+{
+    std::uint64_t version = count_;
+    const auto add = [&version](std::uint64_t part) { version = version * 1099511628211ULL + part; };
+    for (const WindowPtr& window : windows_.all()) {
+        add(window->contentVersion);
+        add(static_cast<std::uint64_t>(window->isVisible) * 2 + static_cast<std::uint64_t>(window->isKey));
+        add(std::hash<std::string>{}(window->focusedIdentity));
+        for (const double length : {window->frame.x, window->frame.y, window->frame.width, window->frame.height}) {
+            add(std::bit_cast<std::uint64_t>(length));
+        }
+    }
+    return version;
 }
 
 ui::Interaction SimulatedDisplays::use(std::string_view identifier, const Use& use)

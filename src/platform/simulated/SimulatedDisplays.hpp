@@ -83,6 +83,12 @@ public:
     /// Does it in the window that the person has before them: a cover, else the key window, else the one in front.
     [[nodiscard]] ui::Interaction useFront(const Use& use);
 
+    /// Does it in a cover, by its place in `covers`.
+    [[nodiscard]] ui::Interaction useCover(std::size_t cover, const Use& use);
+
+    /// Another number after each change of what the windows show or where they are.
+    [[nodiscard]] std::uint64_t version() const;
+
     // The frame of a window, by its identifier. False when nothing came of it: there is no such window, a cover lies
     // over it, its style doesn't offer this, or its delegate says no. Sizes are of the content.
     bool closeWindow(std::string_view identifier);

@@ -107,6 +107,15 @@ void SimulatedPower::setSources(std::vector<PowerSource> sources)
     }
 }
 
+bool SimulatedPower::isOnAC() const
+{
+    const auto present = sources();
+    return std::any_of(present->begin(), present->end(), [](const PowerSource& source) {
+        return source.description && source.description->contains(stateKey) &&
+               source.description->find(stateKey)->second == "AC Power";
+    });
+}
+
 std::shared_ptr<const SimulatedPower::Sources> SimulatedPower::sources() const
 {
     const std::lock_guard guard{mutex_};

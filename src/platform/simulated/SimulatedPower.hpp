@@ -40,6 +40,9 @@ public:
     /// One internal battery, with the adapter plugged in or not.
     void setAC(bool isOnAC);
 
+    /// Whether any source draws from the adapter.
+    [[nodiscard]] bool isOnAC() const;
+
     /// An empty list, as on a Mac without a battery.
     void setUnknown();
 

@@ -1,5 +1,6 @@
 #include "platform/simulated/SimulatedStatusBar.hpp"
 
+#include <functional>
 #include <utility>
 
 namespace sentrel::simulated {
@@ -41,6 +42,15 @@ std::optional<SimulatedStatusBar::Item> SimulatedStatusBar::item() const
         return std::nullopt;
     }
     return Item{state_->image, state_->accessibilityLabel, state_->menu.content, state_->isMenuOpen};
+}
+
+std::uint64_t SimulatedStatusBar::version() const
+{
+    if (state_ == nullptr) {
+        return 0;
+    }
+    const std::uint64_t image = std::hash<std::string>{}(state_->image);
+    return image + state_->menu.contentVersion * 2 + static_cast<std::uint64_t>(state_->isMenuOpen);
 }
 
 bool SimulatedStatusBar::openMenu()

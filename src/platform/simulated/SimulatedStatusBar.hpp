@@ -27,6 +27,8 @@ public:
 
     /// The item that came last; none while there is none.
     [[nodiscard]] std::optional<Item> item() const;
+    /// Another number after each change of the item or its menu.
+    [[nodiscard]] std::uint64_t version() const;
     [[nodiscard]] bool isMenuOpen() const { return state_ != nullptr && state_->isMenuOpen; }
 
     // What the person does.

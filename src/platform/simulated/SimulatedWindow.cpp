@@ -39,6 +39,7 @@ std::size_t firstCharacter(std::string_view text)
 void WindowContent::show(ui::View content)
 {
     state_.content = std::move(content);
+    ++state_.contentVersion;
     std::string kept;
     for (const ui::Node& node : ui::nodesOf(state_.content)) {
         const auto& focus = node.view->traits.focus;

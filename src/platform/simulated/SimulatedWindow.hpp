@@ -35,6 +35,7 @@ struct WindowState {
     std::uint64_t hostAutoresizing = 0;
     bool isHosting = false;
     ui::View content;
+    std::uint64_t contentVersion = 0; ///< another one for each tree
     bool isVisible = false;
     std::uint64_t order = 0;     ///< greater than that of the windows behind it on its level
     bool isKey = false;          ///< has the keyboard, while the application is active
@@ -66,6 +67,12 @@ public:
     [[nodiscard]] bool type(std::string_view text);
 
     [[nodiscard]] ui::Interaction pressKey(ui::Key key);
+
+    /// Moves the keyboard to a node.
+    void focus(const std::string& identity) { moveFocus(identity); }
+
+    /// What is shown, for hands that need more. A copy: what they do may bring another tree.
+    [[nodiscard]] ui::View tree() const { return state_.content; }
 
 private:
     void moveFocus(const std::string& identity);

@@ -100,7 +100,7 @@ std::vector<Sounding> Speaker::sounding() const
     std::vector<Sounding> result;
     for (const Sound& sound : sounds_) {
         if (sound.start <= now && !isOver(sound, now)) {
-            result.push_back({sound.kind, sound.device, sound.gain});
+            result.push_back({sound.kind, sound.device, sound.gain, sound.id, sound.samples});
         }
     }
     return result;

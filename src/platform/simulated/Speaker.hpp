@@ -20,6 +20,8 @@ struct Sounding {
     Kind kind = Kind::loop;
     std::optional<platform::AudioObjectId> device; ///< where it is played; none without any output
     float gain = 0.0F;                             ///< from the samples to the ear: mixer, device volume, mute
+    std::uint64_t id = 0;                          ///< the same as long as it sounds
+    std::shared_ptr<const std::vector<float>> samples = nullptr; ///< at 44.1 kHz
 };
 
 /// Plays sounds through the simulated audio devices, and so knows what the ear hears, now and on a recording. It keeps

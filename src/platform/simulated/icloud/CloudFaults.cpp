@@ -36,6 +36,14 @@ void CloudFaults::clear()
     faults_.clear();
 }
 
+std::vector<CloudFault> CloudFaults::all() const
+{
+    const std::lock_guard guard{mutex_};
+    std::vector<CloudFault> left = faults_;
+    std::erase_if(left, [](const CloudFault& fault) { return fault.times == 0; });
+    return left;
+}
+
 std::optional<CloudFault> CloudFaults::strike(CloudOperation operation)
 {
     const std::lock_guard guard{mutex_};

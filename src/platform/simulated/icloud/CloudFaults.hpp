@@ -36,6 +36,9 @@ public:
     /// Heals everything.
     void clear();
 
+    /// What is still to strike.
+    [[nodiscard]] std::vector<CloudFault> all() const;
+
     /// The fault that strikes this request as a whole; none when it goes well. Counts as one strike.
     [[nodiscard]] std::optional<CloudFault> strike(CloudOperation operation);
 
@@ -46,7 +49,7 @@ public:
 private:
     [[nodiscard]] std::optional<CloudFault> strikeLocked(CloudOperation operation, const std::string& record);
 
-    std::mutex mutex_;
+    mutable std::mutex mutex_;
     std::mt19937_64 generator_;
     std::vector<CloudFault> faults_;
 };

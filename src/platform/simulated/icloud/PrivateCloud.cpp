@@ -114,6 +114,13 @@ void PrivateCloud::setQuota(const std::string& user, std::optional<std::uint64_t
     quotas_[user] = bytes.value_or(BatchWriter::Terms{}.quota);
 }
 
+bool PrivateCloud::isFull(const std::string& user)
+{
+    const std::lock_guard guard{mutex_};
+    const auto found = quotas_.find(user);
+    return found != quotas_.end() && found->second == 0;
+}
+
 /// Does the work with the account's store, under the lock. What goes wrong with the file is no fault of the request's.
 template <class Serve> auto PrivateCloud::serve(const std::string& user, Serve work)
 {

@@ -51,6 +51,9 @@ public:
     /// The bytes that an account may store: 0 is full, none is without limit, as at first.
     void setQuota(const std::string& user, std::optional<std::uint64_t> bytes);
 
+    /// Whether an account has been left no room at all.
+    [[nodiscard]] bool isFull(const std::string& user);
+
     /// A page of records for which the predicate holds: at most 200, and at most `limit` when that isn't 0.
     [[nodiscard]] ServerPage query(const CloudDevice& who, const platform::CloudQuery& query,
                                    const platform::CloudDesiredKeys& wanted, std::size_t limit);

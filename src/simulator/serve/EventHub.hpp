@@ -1,0 +1,63 @@
+#pragma once
+
+#include <chrono>
+#include <condition_variable>
+#include <cstddef>
+#include <cstdint>
+#include <list>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+
+namespace sentrel::simulator {
+
+/// Hands server-sent events to every page that listens. A page that doesn't keep up is cut off, and starts anew by
+/// connecting again. Any thread.
+class EventHub {
+public:
+    /// One page's stream.
+    class Subscriber {
+    public:
+        /// The next piece of the stream, after at most `wait`: empty when nothing came, none when the stream has ended.
+        [[nodiscard]] std::optional<std::string> next(std::chrono::milliseconds wait);
+
+        void push(const std::string& text);
+        void close();
+        [[nodiscard]] bool isClosed() const;
+
+    private:
+        mutable std::mutex mutex_;
+        std::condition_variable arrived_;
+        std::string waiting_;
+        bool isClosed_ = false;
+    };
+
+    /// So many pages may listen at once.
+    static constexpr std::size_t mostSubscribers = 16;
+
+    /// A new stream; null when there are too many, or everything has been closed.
+    [[nodiscard]] std::shared_ptr<Subscriber> subscribe();
+    void unsubscribe(const std::shared_ptr<Subscriber>& subscriber);
+
+    /// Sends an event to all.
+    void publish(const std::string& event, const std::string& data);
+
+    /// Sends an event to one.
+    void send(Subscriber& subscriber, const std::string& event, const std::string& data);
+
+    [[nodiscard]] bool hasSubscribers() const;
+
+    /// Ends all streams, for good.
+    void closeAll();
+
+private:
+    [[nodiscard]] std::string framed(const std::string& event, const std::string& data);
+
+    mutable std::mutex mutex_;
+    std::list<std::shared_ptr<Subscriber>> subscribers_;
+    std::uint64_t lastId_ = 0;
+    bool isClosed_ = false;
+};
+
+} // namespace sentrel::simulator

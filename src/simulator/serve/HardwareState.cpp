@@ -1,0 +1,156 @@
+#include "platform/simulated/icloud/CloudErrorNames.hpp"
+#include "platform/simulated/icloud/CompanionPhone.hpp"
+#include "sensors/MotionDetector.hpp"
+#include "simulator/MacSession.hpp"
+#include "simulator/serve/PageFiles.hpp"
+#include "simulator/serve/PageState.hpp"
+
+#include <array>
+#include <nlohmann/json.hpp>
+#include <set>
+
+// The Mac as a thing, the way to iCloud, and the phone beside it.
+
+namespace sentrel::simulator {
+
+namespace {
+
+const char* nameOf(simulated::SimulatedMusic::Playback playback)
+{
+    constexpr std::array names{"absent", "paused", "playing"};
+    return names[static_cast<std::size_t>(playback)];
+}
+
+const char* nameOf(platform::CloudAccountStatus status)
+{
+    constexpr std::array names{"unknown", "available", "restricted", "none", "temporarily-unavailable"};
+    return names[static_cast<std::size_t>(status)];
+}
+
+double since1970(Date date)
+{
+    return date.secondsSinceReferenceDate + Date::secondsFrom1970To2001;
+}
+
+Json audioJson(const simulated::SimulatedAudio& audio)
+{
+    const auto defaultOutput = audio.defaultOutput();
+    Json devices = Json::array();
+    for (const simulated::AudioDevice& device : audio.devices()) {
+        if (device.hasOutput()) {
+            devices.push_back({{"id", device.id},
+                               {"name", device.name},
+                               {"volume", device.volume().value_or(1.0F)},
+                               {"isMuted", device.isMuted()},
+                               {"isDefault", defaultOutput == device.id}});
+        }
+    }
+    return {{"devices", std::move(devices)}};
+}
+
+} // namespace
+
+Json PageState::run() const
+{
+    return {{"title", title_},
+            {"process", session_.app() != nullptr ? "running" : "ended"},
+            {"date", since1970(session_.mac().wallClock.now())},
+            {"timeZone", "UTC"}};
+}
+
+Json PageState::hardware() const
+{
+    simulated::SimulatedMac& mac = session_.mac();
+    Json threshold = nullptr;
+    if (session_.app() != nullptr) {
+        const AlarmSettings& settings = session_.app()->settings().settings();
+        if (settings.triggerOnMotion) {
+            threshold = MotionDetector::thresholdFor(settings.motionSensitivity);
+        }
+    }
+    return {{"power", mac.power.isOnAC() ? "ac" : "battery"},
+            {"lid", mac.lid.isClosed() ? "closed" : "open"},
+            {"displays", mac.displays.count()},
+            {"isAsleep", session_.isAsleep()},
+            {"audio", audioJson(mac.audio)},
+            {"music", nameOf(mac.music.playback())},
+            {"camera",
+             {{"lamp", mac.camera.isSessionRunning()},
+              {"brightness", mac.camera.brightness().value_or(0.4)},
+              {"source", mac.camera.hasPhotoFile() ? "webcam" : "scene"}}},
+            {"threshold", threshold}};
+}
+
+Json PageState::sound()
+{
+    Json sounds = Json::array();
+    for (const simulated::Sounding& sounding : session_.mac().speaker.sounding()) {
+        if (sounding.gain > 0.0F && sounding.samples != nullptr && !sounding.samples->empty()) {
+            sounds.push_back({{"id", sounding.id},
+                              {"url", files_.addSound(sounding.samples)},
+                              {"loops", sounding.kind == simulated::Sounding::Kind::loop},
+                              {"gain", sounding.gain},
+                              {"device", sounding.device ? Json(*sounding.device) : Json(nullptr)}});
+        }
+    }
+    return sounds;
+}
+
+Json PageState::cloud() const
+{
+    simulated::SimulatedICloud& iCloud = session_.mac().iCloud;
+    Json faults = Json::array();
+    for (const simulated::CloudFault& fault : iCloud.link.faults().all()) {
+        faults.push_back({{"name", simulated::cloudErrorName(fault.error.code)}, {"times", fault.times}});
+    }
+    const std::string user = iCloud.link.device().user;
+    return {{"network", iCloud.network.isUp() ? "up" : "down"},
+            {"account", nameOf(iCloud.link.accountStatus())},
+            {"user", user},
+            {"quota", session_.cloudServer().isFull(user) ? "full" : "ok"},
+            {"latency", toSeconds(iCloud.link.latency())},
+            {"faults", std::move(faults)},
+            {"requests", iCloud.link.requests()}};
+}
+
+Json PageState::phone()
+{
+    simulated::CompanionPhone& phone = session_.phone();
+    Json alerts = Json::array();
+    std::set<std::string> present;
+    for (auto& alert : phone.alerts()) {
+        present.insert(alert.id);
+        Json photo = nullptr;
+        if (alert.photo) {
+            photo = photoUrl(alert.id, std::make_shared<const Bytes>(*std::move(alert.photo)));
+        }
+        alerts.push_back({{"id", alert.id},
+                          {"title", alert.triggerName},
+                          {"device", alert.deviceName},
+                          {"date", since1970(alert.timestamp)},
+                          {"photo", std::move(photo)}});
+    }
+    std::erase_if(phonePhotos_, [&](const auto& entry) { return !present.contains(entry.first); });
+    Json notifications = Json::array();
+    const auto shown = phone.notifications();
+    for (auto notification = shown.rbegin(); notification != shown.rend(); ++notification) {
+        notifications.push_back({{"text", notification->text}});
+    }
+    Json macs = Json::array();
+    for (const auto& mac : phone.macs()) {
+        macs.push_back({{"id", mac.deviceID},
+                        {"name", mac.deviceName},
+                        {"isArmed", mac.isArmed},
+                        {"isCompatible", mac.isCompatible},
+                        {"lastSeen", since1970(mac.lastSeen)}});
+    }
+    return {{"alerts", std::move(alerts)}, {"notifications", std::move(notifications)}, {"macs", std::move(macs)}};
+}
+
+std::string PageState::photoUrl(const std::string& alert, std::shared_ptr<const Bytes> photo)
+{
+    // An alert's photo never changes, so that its bytes are looked at once.
+    return files_.addImage(phonePhotos_.try_emplace(alert, std::move(photo)).first->second);
+}
+
+} // namespace sentrel::simulator

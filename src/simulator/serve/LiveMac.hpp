@@ -1,0 +1,73 @@
+#pragma once
+
+#include "simulator/MacSession.hpp"
+#include "simulator/Scenario.hpp"
+#include "simulator/WorldThread.hpp"
+#include "simulator/serve/EventHub.hpp"
+#include "simulator/serve/PageFiles.hpp"
+#include "simulator/serve/PageState.hpp"
+#include "simulator/serve/StoryLines.hpp"
+
+#include <cstdint>
+#include <filesystem>
+#include <map>
+#include <string>
+#include <vector>
+
+namespace sentrel::simulator {
+
+/// A simulated MacBook that lives in real time, and tells every page what changes.
+class LiveMac {
+public:
+    /// The Mac of the scenario; its steps are not played. The disk is an existing folder.
+    LiveMac(const Scenario& scenario, const std::filesystem::path& disk, const std::filesystem::path& resources,
+            std::uint64_t seed, Date date);
+    ~LiveMac();
+    LiveMac(const LiveMac&) = delete;
+
+    void start();
+    void stop();
+
+    /// Does something with the Mac on its own thread; see `WorldThread::call`.
+    template <class Function> auto call(Function function)
+    {
+        return world_.call([this, &function] {
+            isTouched_ = true;
+            return function(session_);
+        });
+    }
+
+    /// Does an action of the scenario language; gives why it can't be done, or nothing.
+    [[nodiscard]] std::string perform(const Action& action);
+
+    [[nodiscard]] EventHub& hub() { return hub_; }
+    [[nodiscard]] PageFiles& files() { return files_; }
+
+    /// Sends a page everything that there is.
+    void greet(EventHub::Subscriber& subscriber);
+
+private:
+    void happened();
+    void tellStory();
+    void tellMotion(double now);
+    void tellChanges();
+    [[nodiscard]] bool mayHaveChanged();
+    [[nodiscard]] std::map<std::string, Json> rooms(bool withPhone);
+
+    PageFiles files_;
+    EventHub hub_;
+    MacSession session_;
+    PageState state_;
+    StoryLines story_;
+    std::map<std::string, std::string> told_; // room: what the pages were told last
+    std::size_t eventsSeen_ = 0;
+    std::size_t storyTold_ = 0;
+    std::uint64_t screenVersion_ = 0;
+    double lastMotion_ = -1.0;
+    bool isTouched_ = true;
+    bool isLogRead_ = false;
+    std::vector<simulated::Acceleration> samples_;
+    WorldThread world_; // last: its end comes before that of what it uses
+};
+
+} // namespace sentrel::simulator

@@ -1,0 +1,125 @@
+#include "simulator/serve/ServeCommand.hpp"
+
+#include "simulator/PlayCommand.hpp"
+#include "simulator/ScenarioError.hpp"
+#include "simulator/ScenarioReader.hpp"
+#include "simulator/serve/LiveMac.hpp"
+#include "simulator/serve/PageServer.hpp"
+
+#include <openssl/rand.h>
+
+#include <pthread.h>
+
+#include <array>
+#include <chrono>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <ostream>
+#include <stdexcept>
+#include <thread>
+
+namespace sentrel::simulator {
+
+namespace {
+
+/// 128 random bits as hexadecimal digits.
+std::string randomToken()
+{
+    std::array<unsigned char, 16> bytes{};
+    if (RAND_bytes(bytes.data(), static_cast<int>(bytes.size())) != 1) {
+        throw std::runtime_error{"the system gives no random numbers"};
+    }
+    std::string token;
+    for (const unsigned char byte : bytes) {
+        std::array<char, 3> digits{};
+        std::snprintf(digits.data(), digits.size(), "%02x", byte);
+        token += digits.data();
+    }
+    return token;
+}
+
+/// A folder for the run: the one that is wanted, or one that goes away with this.
+class RunDisk {
+public:
+    explicit RunDisk(const std::optional<std::filesystem::path>& wanted) : isTemporary_(!wanted)
+    {
+        if (wanted) {
+            path_ = *wanted;
+            std::filesystem::create_directories(path_);
+            return;
+        }
+        std::string name = (std::filesystem::temp_directory_path() / "sentrel-XXXXXX").string();
+        if (mkdtemp(name.data()) == nullptr) {
+            throw std::runtime_error{"no folder can be made for the MacBook's disk"};
+        }
+        path_ = name;
+    }
+    ~RunDisk()
+    {
+        if (isTemporary_) {
+            std::error_code ignored;
+            std::filesystem::remove_all(path_, ignored);
+        }
+    }
+    RunDisk(const RunDisk&) = delete;
+
+    [[nodiscard]] const std::filesystem::path& path() const { return path_; }
+
+private:
+    bool isTemporary_;
+    std::filesystem::path path_;
+};
+
+Date today()
+{
+    const auto since1970 = std::chrono::system_clock::now().time_since_epoch();
+    return Date{std::chrono::duration<double>(since1970).count() - Date::secondsFrom1970To2001};
+}
+
+/// The signals that end the program, taken by whoever waits for them.
+sigset_t endingSignals()
+{
+    sigset_t signals{};
+    sigemptyset(&signals);
+    sigaddset(&signals, SIGINT);
+    sigaddset(&signals, SIGTERM);
+    return signals;
+}
+
+} // namespace
+
+int run(const ServeCommand& command, std::ostream& out, std::ostream& err)
+{
+    // Before any thread is made, so that all of them leave the signals alone.
+    const sigset_t signals = endingSignals();
+    pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+
+    Scenario scenario;
+    try {
+        scenario = readScenario(command.scenario);
+    } catch (const ScenarioError& error) {
+        err << error.what() << '\n';
+        return exitUnreadable;
+    }
+    const RunDisk disk{command.disk};
+    LiveMac mac{scenario, disk.path(), command.resources, command.seed, today()};
+    const std::string token = command.token.value_or(randomToken());
+    PageServer server{mac, {.web = command.web, .token = token, .port = command.port}};
+    if (!server.bind()) {
+        err << "sentrel-simulator: port " << command.port << " is taken; try another with --port\n";
+        return exitUnreadable;
+    }
+    mac.start();
+    std::thread serving{[&server] { server.run(); }};
+    out << "The simulated MacBook is at http://127.0.0.1:" << server.port() << "/?token=" << token << '\n'
+        << "Ctrl-C ends it." << std::endl;
+    int signal = 0;
+    sigwait(&signals, &signal);
+    server.stop();
+    serving.join();
+    mac.stop();
+    return exitAllHeld;
+}
+
+} // namespace sentrel::simulator

@@ -1,0 +1,70 @@
+import { h } from "./dom.js";
+import { hardwareCards } from "./hardware.js";
+import { Phone } from "./phone.js";
+import { Screen } from "./screen.js";
+import { onProblem, Stream } from "./server.js";
+import { Sound } from "./sound.js";
+
+const problemShown = 5000; // milliseconds
+const storyKept = 200; // lines
+
+const stream = new Stream();
+const sound = new Sound(stream);
+const screen = new Screen(document.getElementById("screen"), stream);
+
+// The simulated world's clock goes on between two events.
+const clock = { date: 0, taken: 0, zone: "UTC" };
+const now = () => clock.date + (performance.now() - clock.taken) / 1000;
+
+const phone = new Phone(document.getElementById("phone"), stream, now);
+document.getElementById("hardware").append(...hardwareCards(stream, sound));
+
+stream.on("run", (run) => {
+    Object.assign(clock, { date: run.date, taken: performance.now(), zone: run.timeZone ?? "UTC" });
+    phone.timeZone = clock.zone;
+    document.title = run.title ? `${run.title} – Sentrel` : "Sentrel";
+    document.getElementById("ended").hidden = run.process === "running";
+    tick();
+});
+
+function tick() {
+    if (clock.date === 0) {
+        return;
+    }
+    const format = { weekday: "short", hour: "2-digit", minute: "2-digit", timeZone: clock.zone };
+    screen.showTime(new Date(now() * 1000).toLocaleString([], format));
+    phone.refreshTimes();
+}
+setInterval(tick, 1000);
+
+const story = document.getElementById("story");
+stream.on("story", ({ from, lines }) => {
+    if (from === 0) {
+        story.replaceChildren();
+    }
+    for (const line of lines) {
+        const minutes = Math.floor(line.at / 60);
+        const seconds = (line.at % 60).toFixed(1).padStart(4, "0");
+        story.append(h("li", {}, h("time", {}, `${minutes}:${seconds}`), line.text));
+    }
+    while (story.childElementCount > storyKept) {
+        story.firstElementChild.remove();
+    }
+    story.scrollTop = story.scrollHeight;
+});
+
+const problem = document.getElementById("problem");
+onProblem((text) => {
+    problem.textContent = text;
+    problem.hidden = false;
+    clearTimeout(problem.timer);
+    problem.timer = setTimeout(() => (problem.hidden = true), problemShown);
+});
+
+stream.on("connected", (isConnected) => {
+    document.body.classList.toggle("offline", !isConnected);
+});
+
+// For measurements from outside: what the page hears.
+globalThis.sentrelSound = sound;
+stream.open();

@@ -1,0 +1,291 @@
+// The MacBook's screen: menu bar, windows, panels, and the cover over everything.
+
+import { h, icon, set } from "./dom.js";
+import { latest, post } from "./server.js";
+import { keyOf, Tree } from "./tree.js";
+
+/// A window of the product: drawn at a readable size whatever the screen's, at the place that corresponds.
+class WindowView {
+    constructor(screen, id) {
+        this.id = id;
+        this.screen = screen;
+        this.title = h("span", { className: "window-title" });
+        this.close = h("button", {
+            type: "button",
+            className: "window-close",
+            ariaLabel: "Close window",
+            onclick: () => post("window", { window: id, do: "close" }),
+        });
+        this.bar = h("div", { className: "window-bar" }, this.close, this.title);
+        this.content = h("div", { className: "window-content" });
+        this.grip = h("div", { className: "window-grip", ariaHidden: "true" });
+        this.element = h(
+            "div",
+            { className: "window", role: "dialog", tabIndex: -1 },
+            this.bar,
+            this.content,
+            this.grip,
+        );
+        this.tree = new Tree(this.content, (action) => post("ui", { in: id, ...action }));
+        this.element.addEventListener("pointerdown", () => {
+            if (!this.state?.isKey) {
+                post("window", { window: id, do: "front" });
+            }
+        });
+        this.element.addEventListener("keydown", (event) => this.#press(event));
+        this.bar.addEventListener("dblclick", () => post("window", { window: id, do: "zoom" }));
+        this.#drag(this.bar, "move", (frame, dx, dy) => ({ ...frame, x: frame.x + dx, y: frame.y + dy }));
+        this.#drag(this.grip, "resize", (frame, dx, dy) => ({
+            ...frame,
+            width: frame.width + dx,
+            height: frame.height + dy,
+        }));
+    }
+
+    show(state) {
+        this.state = state;
+        set(this.title, { textContent: state.title });
+        set(this.element, { "aria-label": state.title });
+        this.element.classList.toggle("key", state.isKey);
+        this.grip.hidden = !state.isResizable;
+        const place = this.screen.place(state.frame);
+        Object.assign(this.element.style, {
+            left: `${place.left}px`,
+            top: `${place.top}px`,
+            width: `${state.frame.width}px`,
+            height: `${state.frame.height}px`,
+            transform: `scale(${place.zoom})`,
+        });
+        this.tree.show(state.content, state.focus);
+    }
+
+    #press(event) {
+        const key = keyOf(event);
+        if (key && !event.defaultPrevented) {
+            post("ui", { in: this.id, node: "", do: "key", value: key });
+        }
+    }
+
+    #drag(handle, action, moved) {
+        const send = latest((frame) => post("window", { window: this.id, do: action, frame }));
+        handle.addEventListener("pointerdown", (down) => {
+            if (down.button !== 0 || down.target.closest("button")) {
+                return;
+            }
+            const start = this.state.frame;
+            const scale = this.screen.dragScale(action, start);
+            handle.setPointerCapture(down.pointerId);
+            const follow = (move) =>
+                send(moved(start, (move.clientX - down.clientX) * scale.x, (move.clientY - down.clientY) * scale.y));
+            const stop = () => {
+                handle.removeEventListener("pointermove", follow);
+                handle.removeEventListener("pointerup", stop);
+                handle.removeEventListener("pointercancel", stop);
+            };
+            handle.addEventListener("pointermove", follow);
+            handle.addEventListener("pointerup", stop);
+            handle.addEventListener("pointercancel", stop);
+        });
+    }
+}
+
+/// A panel of the system with a question and its answers.
+function systemPanel(title, text, fields, answers) {
+    return h(
+        "div",
+        { className: "system-panel", role: "dialog", ariaModal: "true", ariaLabel: title },
+        h("h3", {}, title),
+        text ? h("p", {}, text) : null,
+        ...fields,
+        h(
+            "div",
+            { className: "dialog-buttons" },
+            ...answers.map(([label, act, kind]) =>
+                h("button", { type: "button", className: kind ?? "", onclick: act }, label),
+            ),
+        ),
+    );
+}
+
+export class Screen {
+    #windows = new Map();
+    #covers = new Map();
+    #panelKeys = new Map();
+    #display = { width: 1728, height: 1117 };
+
+    constructor(element, stream) {
+        this.element = element;
+        this.clock = h("time", { className: "menu-clock" });
+        this.itemIcon = h("span", {});
+        this.item = h("button", {
+            type: "button",
+            className: "menu-item",
+            "aria-haspopup": "true",
+            onclick: () => post("menu", { open: !this.menuShown }),
+        });
+        this.item.append(this.itemIcon);
+        this.menuContent = h("div", { className: "menu", role: "dialog", ariaLabel: "Sentrel menu", hidden: true });
+        this.menuTree = new Tree(this.menuContent, (action) => post("ui", { in: "menu", ...action }));
+        this.desk = h("div", { className: "desk" });
+        this.panels = h("div", { className: "panels" });
+        this.coverLayer = h("div", { className: "covers" });
+        const bar = h("div", { className: "menu-bar" }, h("span", { className: "menu-name" }, "Finder"));
+        bar.append(this.item, this.clock);
+        element.append(bar, this.desk, this.menuContent, this.panels, this.coverLayer);
+        this.desk.addEventListener("pointerdown", (event) => {
+            if (this.menuShown && event.target === this.desk) {
+                post("menu", { open: false });
+            }
+        });
+        element.addEventListener("keydown", (event) => {
+            if (event.key === "Escape" && this.menuShown) {
+                post("menu", { open: false });
+                this.item.focus();
+            }
+        });
+        stream.on("screen", (screen) => this.#show(screen));
+        stream.on("menuBar", (bar) => this.#showMenuBar(bar));
+        stream.on("panels", (panels) => this.#showPanels(panels));
+        new ResizeObserver(() => this.#show(stream.state.screen)).observe(element);
+    }
+
+    showTime(text) {
+        this.clock.textContent = text;
+    }
+
+    // Windows are drawn as large as they fit, and at most at their own size; where they stand is in proportion.
+    place(frame) {
+        const room = { width: this.desk.clientWidth, height: this.desk.clientHeight };
+        const zoom = Math.min(1, (room.width - 8) / frame.width, (room.height - 8) / frame.height);
+        const part = (offset, outer, inner) => Math.min(Math.max(offset / Math.max(outer - inner, 1), 0), 1);
+        return {
+            zoom,
+            left: part(frame.x, this.#display.width, frame.width) * (room.width - frame.width * zoom),
+            top: part(frame.y, this.#display.height, frame.height) * (room.height - frame.height * zoom),
+        };
+    }
+
+    dragScale(action, frame) {
+        const { zoom } = this.place(frame);
+        if (action === "resize") {
+            return { x: 1 / zoom, y: 1 / zoom };
+        }
+        const room = { width: this.desk.clientWidth, height: this.desk.clientHeight };
+        const ratio = (outer, own, inside) => (outer - own) / Math.max(inside - own * zoom, 1);
+        return {
+            x: ratio(this.#display.width, frame.width, room.width),
+            y: ratio(this.#display.height, frame.height, room.height),
+        };
+    }
+
+    #show(screen) {
+        if (!screen) {
+            return;
+        }
+        this.#display = screen.displays[0] ?? this.#display;
+        this.element.classList.toggle("asleep", Boolean(screen.isAsleep));
+        const seen = new Set();
+        screen.windows.forEach((state, index) => {
+            seen.add(state.id);
+            let view = this.#windows.get(state.id);
+            if (!view) {
+                view = new WindowView(this, state.id);
+                this.#windows.set(state.id, view);
+                this.desk.append(view.element);
+            }
+            view.element.style.zIndex = String(index + 1);
+            view.show(state);
+        });
+        for (const [id, view] of this.#windows) {
+            if (!seen.has(id)) {
+                view.element.remove();
+                this.#windows.delete(id);
+            }
+        }
+        this.#showCovers(screen.covers);
+    }
+
+    #showCovers(covers) {
+        this.coverLayer.hidden = covers.length === 0;
+        this.coverLayer.dataset.count = String(covers.length);
+        for (const index of this.#covers.keys()) {
+            if (index >= covers.length) {
+                this.#covers.get(index).element.remove();
+                this.#covers.delete(index);
+            }
+        }
+        covers.forEach((cover, index) => {
+            let view = this.#covers.get(index);
+            if (!view) {
+                const element = h("div", { className: "cover", role: "dialog", ariaModal: "true" });
+                set(element, { "aria-label": `Lock screen of display ${cover.display + 1}` });
+                const tree = new Tree(element, (action) => post("ui", { in: `cover:${index}`, ...action }));
+                view = { element, tree };
+                this.#covers.set(index, view);
+                this.coverLayer.append(element);
+            }
+            view.tree.show(cover.content, cover.focus);
+        });
+    }
+
+    #showMenuBar(bar) {
+        const isThere = Boolean(bar?.icon);
+        this.item.hidden = !isThere;
+        if (isThere && this.item.dataset.icon !== bar.icon) {
+            this.item.dataset.icon = bar.icon;
+            this.itemIcon.replaceChildren(icon(bar.icon));
+        }
+        this.menuShown = Boolean(bar?.menu);
+        set(this.item, { "aria-label": bar?.label || "Sentrel", "aria-expanded": String(this.menuShown) });
+        const opens = this.menuShown && this.menuContent.hidden;
+        this.menuContent.hidden = !this.menuShown;
+        this.menuTree.show(bar?.menu ?? null);
+        if (opens) {
+            this.menuContent.querySelector("button, input")?.focus({ preventScroll: true });
+        }
+    }
+
+    #showPanels(panels) {
+        this.#showPanel("login", panels.login, (login) =>
+            systemPanel("Sentrel", `Sentrel is trying to ${login.reason}.`, [
+                h("p", { className: "quiet" }, "Touch ID or enter the password of this Mac's user."),
+            ], [
+                ["Cancel", () => answer("login", "cancel")],
+                ["Wrong password", () => answer("login", "fail")],
+                ["Log in", () => answer("login", "succeed"), "default"],
+            ]),
+        );
+        this.#showPanel("alert", panels.alert, (alert) =>
+            systemPanel(alert.message, alert.informative, [], [["OK", () => answer("alert", "close"), "default"]]),
+        );
+        this.#showPanel("save", panels.save, (save) => {
+            const name = h("input", { type: "text", value: save.name, ariaLabel: "File name" });
+            return systemPanel(save.title, `In “${save.folder}”`, [name], [
+                ["Cancel", () => answer("save", "cancel")],
+                ["Save", () => answer("save", name.value), "default"],
+            ]);
+        });
+        this.#showPanel("preview", panels.preview, (preview) =>
+            systemPanel(preview.name, "", [h("img", { src: preview.image, alt: preview.name })], [
+                ["Close", () => answer("preview", "close"), "default"],
+            ]),
+        );
+        this.panels.hidden = this.panels.childElementCount === 0;
+    }
+
+    #showPanel(name, content, make) {
+        const key = JSON.stringify(content ?? null);
+        if (this.#panelKeys.get(name)?.key === key) {
+            return;
+        }
+        this.#panelKeys.get(name)?.element?.remove();
+        const element = content ? make(content) : null;
+        if (element) {
+            this.panels.append(element);
+            element.querySelector("input, button.default")?.focus({ preventScroll: true });
+        }
+        this.#panelKeys.set(name, { key, element });
+    }
+}
+
+const answer = (panel, value) => post("panel", { panel, answer: value });

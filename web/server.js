@@ -1,0 +1,97 @@
+// The way to the simulated MacBook: one stream of what is, and requests for what is to happen.
+
+const waitBeforeRetry = { first: 250, longest: 5000 }; // milliseconds
+
+/// Tells every state, whole at first and then what has changed, and whether the stream is there.
+export class Stream {
+    #listeners = new Map();
+    #wait = waitBeforeRetry.first;
+    #state = {};
+
+    on(key, listener) {
+        this.#listeners.set(key, [...(this.#listeners.get(key) ?? []), listener]);
+    }
+
+    get state() {
+        return this.#state;
+    }
+
+    open() {
+        const source = new EventSource("/api/events");
+        source.addEventListener("open", () => {
+            this.#wait = waitBeforeRetry.first;
+            this.#tell("connected", true);
+        });
+        source.addEventListener("state", (event) => this.#take(JSON.parse(event.data)));
+        source.addEventListener("motion", (event) => this.#tell("motion", JSON.parse(event.data)));
+        source.addEventListener("error", () => {
+            // The browser's own attempts stop after some answers; ours do not.
+            source.close();
+            this.#tell("connected", false);
+            setTimeout(() => this.open(), this.#wait);
+            this.#wait = Math.min(2 * this.#wait, waitBeforeRetry.longest);
+        });
+    }
+
+    #take(change) {
+        Object.assign(this.#state, change);
+        for (const [key, value] of Object.entries(change)) {
+            this.#tell(key, value);
+        }
+        this.#tell("state", this.#state);
+    }
+
+    #tell(key, value) {
+        for (const listener of this.#listeners.get(key) ?? []) {
+            listener(value);
+        }
+    }
+}
+
+let complain = () => {};
+
+/// Who shows what went wrong with a request.
+export function onProblem(show) {
+    complain = show;
+}
+
+/// Sends a request; true when it was done. What the server refuses is shown to the person.
+export async function post(path, body) {
+    try {
+        const isImage = body instanceof Blob;
+        const response = await fetch(`/api/${path}`, {
+            method: "POST",
+            headers: { "Content-Type": isImage ? "image/jpeg" : "application/json" },
+            body: isImage ? body : JSON.stringify(body),
+        });
+        if (response.ok) {
+            return true;
+        }
+        const answer = await response.json().catch(() => ({}));
+        complain(answer.error ?? `The simulated MacBook answered ${response.status}.`);
+    } catch {
+        complain("The simulated MacBook does not answer.");
+    }
+    return false;
+}
+
+export const act = (action) => post("action", action);
+
+/// The latest value only, and one request at a time: for what is dragged.
+export function latest(send) {
+    let waiting;
+    let isSending = false;
+    return async (value) => {
+        waiting = { value };
+        if (isSending) {
+            return;
+        }
+        isSending = true;
+        while (waiting) {
+            const next = waiting.value;
+            waiting = undefined;
+            await send(next);
+        }
+        isSending = false;
+    };
+}

@@ -1,0 +1,113 @@
+// Makes audible what the simulated speakers play.
+
+import { h, icon, set } from "./dom.js";
+
+export class Sound {
+    #context = null;
+    #output = null;
+    #playing = new Map();
+    #buffers = new Map();
+    #wanted = [];
+    #music = null;
+
+    constructor(stream) {
+        this.button = h("button", { type: "button", className: "sound-button", onclick: () => this.#switch() });
+        this.#showButton();
+        stream.on("sound", (sounds) => {
+            this.#wanted = sounds;
+            this.#follow();
+        });
+        stream.on("hardware", (hardware) => this.#followMusic(hardware));
+    }
+
+    /// What a measurement may listen to; null while nothing is switched on.
+    get output() {
+        return this.#output;
+    }
+
+    get isOn() {
+        return this.#context?.state === "running";
+    }
+
+    // Browsers let a page sound only after the person has done something on it.
+    async #switch() {
+        if (!this.#context) {
+            this.#context = new AudioContext();
+            this.#output = this.#context.createGain();
+            this.#output.connect(this.#context.destination);
+        }
+        await (this.isOn ? this.#context.suspend() : this.#context.resume());
+        this.#showButton();
+        this.#follow();
+    }
+
+    #showButton() {
+        const text = this.isOn ? "Sound on" : "Sound off";
+        this.button.replaceChildren(icon(this.isOn ? "speaker" : "muted"), h("span", {}, text));
+        set(this.button, { "aria-pressed": String(this.isOn), title: "Hear what the MacBook's speakers play" });
+    }
+
+    async #bufferOf(url) {
+        if (!this.#buffers.has(url)) {
+            const load = async () => this.#context.decodeAudioData(await (await fetch(url)).arrayBuffer());
+            this.#buffers.set(url, load());
+        }
+        return this.#buffers.get(url);
+    }
+
+    async #follow() {
+        if (!this.isOn) {
+            return;
+        }
+        for (const [id, { source }] of this.#playing) {
+            if (!this.#wanted.some((sound) => sound.id === id)) {
+                source?.stop();
+                this.#playing.delete(id);
+            }
+        }
+        for (const sound of this.#wanted) {
+            const present = this.#playing.get(sound.id);
+            if (present) {
+                present.gain.gain.setTargetAtTime(sound.gain, this.#context.currentTime, 0.01);
+            } else {
+                await this.#begin(sound);
+            }
+        }
+    }
+
+    async #begin(sound) {
+        const gain = this.#context.createGain();
+        gain.gain.value = sound.gain;
+        gain.connect(this.#output);
+        const entry = { gain, source: null };
+        this.#playing.set(sound.id, entry);
+        const buffer = await this.#bufferOf(sound.url);
+        if (this.#playing.get(sound.id) !== entry) {
+            return; // it ended while its samples came
+        }
+        entry.source = new AudioBufferSourceNode(this.#context, { buffer, loop: sound.loops });
+        entry.source.connect(gain);
+        entry.source.start();
+    }
+
+    // The music is nobody's recording: a few soft notes that tell that it plays.
+    #followMusic(hardware) {
+        const device = hardware.audio.devices.find((each) => each.isDefault);
+        const level = hardware.music === "playing" && device && !device.isMuted ? device.volume * 0.08 : 0;
+        if (!this.isOn) {
+            return;
+        }
+        if (!this.#music && level > 0) {
+            const gain = this.#context.createGain();
+            gain.connect(this.#output);
+            const notes = [220, 277.18, 329.63].map((frequency) => {
+                const note = new OscillatorNode(this.#context, { type: "sine", frequency });
+                note.connect(gain);
+                note.start();
+                return note;
+            });
+            this.#music = { gain, notes };
+        }
+        this.#music?.gain.gain.setTargetAtTime(level, this.#context.currentTime, 0.05);
+    }
+}

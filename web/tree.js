@@ -1,0 +1,384 @@
+// Draws the product's view trees. An element stays as long as its node keeps its identity and kind, so that what the
+// person is doing (typing, dragging, scrolling) goes on while the tree changes around it.
+
+import { h, icon, set } from "./dom.js";
+import { latest } from "./server.js";
+
+const lengths = { padding: "padding", width: "width", height: "height", maxWidth: "maxWidth" };
+
+/// One tree in one container. `send` takes what the person does: {node, do, value}.
+export class Tree {
+    #container;
+    #send;
+    #focus = "";
+    #selectionAnchor = null;
+
+    constructor(container, send) {
+        this.#container = container;
+        this.#send = send;
+    }
+
+    show(root, focus = "") {
+        if (!root) {
+            this.#container.replaceChildren();
+            return;
+        }
+        this.#fill(this.#container, [root]);
+        if (focus && focus !== this.#focus) {
+            this.#find(focus)?.focus({ preventScroll: true });
+        }
+        this.#focus = focus;
+    }
+
+    #find(identity) {
+        return [...this.#container.querySelectorAll("[data-control]")].find((e) => e.dataset.control === identity);
+    }
+
+    // Brings the children of an element into line with nodes, in order.
+    #fill(parent, nodes) {
+        const present = new Map();
+        for (const element of parent.children) {
+            if (element.sentrelKey) {
+                present.set(element.sentrelKey, element);
+            }
+        }
+        let place = parent.firstChild;
+        for (const node of nodes) {
+            const key = `${node.kind} ${node.id}`;
+            let element = present.get(key);
+            present.delete(key);
+            if (!element) {
+                element = this.#make(node);
+                element.sentrelKey = key;
+            }
+            if (element !== place) {
+                parent.insertBefore(element, place);
+            } else {
+                place = place.nextSibling;
+            }
+            this.#update(element, node);
+        }
+        for (const gone of present.values()) {
+            gone.remove();
+        }
+    }
+
+    #make(node) {
+        const make = this.#makers[node.kind];
+        const element = make ? make(node) : h("div", { className: "group" });
+        element.classList.add(`ui-${node.kind}`);
+        return element;
+    }
+
+    #update(element, node) {
+        element.sentrelNode = node;
+        const control = element.inputPart ?? element;
+        set(element, { title: node.help ?? "" });
+        set(control, { "aria-label": node.label ?? null, disabled: node.disabled ?? false, "data-control": node.id });
+        element.classList.toggle("disabled", node.disabled ?? false);
+        for (const [name, style] of Object.entries(lengths)) {
+            element.style[style] = node[name] === undefined ? "" : `${node[name]}px`;
+        }
+        element.style.background = node.background ?? "";
+        this.#updaters[node.kind]?.(element, node);
+        const inside = element.inside ?? (node.children || node.sheet || node.dialog || node.toolbar ? element : null);
+        if (inside) {
+            const overlays = [node.toolbar && { kind: "toolbar", id: `${node.id}/toolbar`, children: node.toolbar }];
+            this.#fill(inside, [...overlays.filter(Boolean), ...(node.children ?? [])]);
+            this.#fill(this.#overlayOf(element, inside), [node.sheet, node.dialog].filter(Boolean));
+        }
+    }
+
+    // Sheets and dialogs lie over the whole window.
+    #overlayOf(element, inside) {
+        if (!element.overlay) {
+            element.overlay = h("div", { className: "overlays" });
+            (inside === element ? element : element).append(element.overlay);
+        }
+        return element.overlay;
+    }
+
+    #act(element, action, value) {
+        return this.#send({ node: element.sentrelNode.id, do: action, value });
+    }
+
+    #stack = (node) => {
+        const element = h("div", {});
+        element.sentrelNode = node;
+        return element;
+    };
+
+    #button = () => {
+        const text = h("span", {});
+        const button = h("button", { type: "button", onclick: () => this.#act(button, "press") }, text);
+        button.text = text;
+        return button;
+    };
+
+    #toggle = () => {
+        const input = h("input", { type: "checkbox" });
+        const text = h("span", {});
+        const label = h("label", {}, input, text);
+        input.addEventListener("change", () => {
+            const wanted = input.checked;
+            // The state decides what the box shows.
+            input.checked = Boolean(label.sentrelNode.on);
+            this.#act(label, "switch", wanted);
+        });
+        label.inputPart = input;
+        label.text = text;
+        return label;
+    };
+
+    #slider = () => {
+        const input = h("input", { type: "range" });
+        const text = h("span", {});
+        const value = h("output", {});
+        const label = h("label", {}, text, input, value);
+        const send = latest((wanted) => this.#act(label, "slide", wanted));
+        input.addEventListener("input", () => send(input.valueAsNumber));
+        input.addEventListener("change", () => {
+            label.wasReleased = true;
+        });
+        Object.assign(label, { inputPart: input, text, value });
+        return label;
+    };
+
+    #field = (node) => {
+        const input = h("input", { type: node.kind === "secure" ? "password" : "text", autocomplete: "off" });
+        const send = latest((wanted) => this.#act(input, "text", wanted));
+        input.addEventListener("input", () => send(input.value));
+        input.addEventListener("focus", () => this.#act(input, "focus", true));
+        input.addEventListener("keydown", (event) => {
+            if (event.key === "Enter" && !event.isComposing) {
+                event.preventDefault();
+                event.stopPropagation();
+                this.#act(input, "submit");
+            }
+        });
+        return input;
+    };
+
+    #list = () => {
+        const list = h("div", { role: "listbox", tabIndex: 0 });
+        list.addEventListener("click", (event) => this.#clickRow(list, event));
+        list.addEventListener("keydown", (event) => this.#moveInList(list, event));
+        return list;
+    };
+
+    #rowsOf(list) {
+        return [...list.querySelectorAll("[role=option]")];
+    }
+
+    #select(list, rows) {
+        return this.#act(list, "select", rows.map((row) => row.dataset.row));
+    }
+
+    #clickRow(list, event) {
+        const row = event.target.closest("[role=option]");
+        if (!row) {
+            return;
+        }
+        const rows = this.#rowsOf(list);
+        const selected = new Set(list.sentrelNode.selection ?? []);
+        const isMultiple = list.sentrelNode.mode === "multiple";
+        if (isMultiple && event.shiftKey && this.#selectionAnchor) {
+            const anchor = rows.findIndex((other) => other.dataset.row === this.#selectionAnchor);
+            const [from, to] = [anchor, rows.indexOf(row)].sort((a, b) => a - b);
+            this.#select(list, rows.slice(Math.max(from, 0), to + 1));
+            return;
+        }
+        this.#selectionAnchor = row.dataset.row;
+        if (isMultiple && (event.metaKey || event.ctrlKey)) {
+            this.#select(list, rows.filter((other) => (other === row) !== selected.has(other.dataset.row)));
+            return;
+        }
+        this.#select(list, [row]);
+    }
+
+    #moveInList(list, event) {
+        const step = { ArrowDown: 1, ArrowUp: -1 }[event.key];
+        const rows = this.#rowsOf(list);
+        if (event.key === "a" && (event.metaKey || event.ctrlKey) && list.sentrelNode.mode === "multiple") {
+            event.preventDefault();
+            this.#select(list, rows);
+            return;
+        }
+        if (!step || rows.length === 0) {
+            return;
+        }
+        event.preventDefault();
+        const selected = new Set(list.sentrelNode.selection ?? []);
+        const present = rows.findIndex((row) => selected.has(row.dataset.row));
+        const next = rows[Math.min(Math.max(present + step, 0), rows.length - 1)];
+        this.#selectionAnchor = next.dataset.row;
+        this.#select(list, [next]);
+        next.scrollIntoView({ block: "nearest" });
+    }
+
+    #section = (node) => {
+        const header = h("h3", {});
+        const body = h("div", { className: "section-body" });
+        const footer = h("p", { className: "section-footer" });
+        const section = h("div", { role: "group" }, header, body, footer);
+        Object.assign(section, { header, inside: body, footer, sentrelNode: node });
+        return section;
+    };
+
+    #dialog = () => {
+        const title = h("h3", {});
+        const message = h("p", {});
+        const buttons = h("div", { className: "dialog-buttons" });
+        const dialog = h("div", { role: "alertdialog", "aria-modal": "true" }, title, message, buttons);
+        Object.assign(dialog, { titleText: title, message, inside: buttons });
+        return h("div", { className: "veil" }, dialog);
+    };
+
+    #sheet = () => {
+        const body = h("div", { role: "dialog", "aria-modal": "true", className: "sheet-body" });
+        const veil = h("div", { className: "veil" }, body);
+        veil.inside = body;
+        veil.addEventListener("keydown", (event) => {
+            if (event.key === "Escape") {
+                event.stopPropagation();
+                this.#act(veil, "dismiss");
+            }
+        });
+        return veil;
+    };
+
+    #makers = {
+        vstack: this.#stack,
+        hstack: this.#stack,
+        zstack: this.#stack,
+        text: () => h("span", {}),
+        divider: () => h("hr", {}),
+        image: (node) => (node.source === "data" ? h("img", { alt: "" }) : h("span", { className: "symbol" })),
+        button: this.#button,
+        toggle: this.#toggle,
+        slider: this.#slider,
+        field: this.#field,
+        secure: this.#field,
+        list: this.#list,
+        section: this.#section,
+        progress: () => h("div", { role: "status" }, h("progress", {}), h("span", {})),
+        sheetContent: this.#sheet,
+        dialogContent: this.#dialog,
+    };
+
+    #updaters = {
+        vstack: (element, node) => this.#updateStack(element, node),
+        hstack: (element, node) => this.#updateStack(element, node),
+        zstack: (element, node) => this.#updateStack(element, node),
+        text: (element, node) => {
+            set(element, { textContent: node.text });
+            element.className = `ui-text text-${node.style ?? "body"} color-${node.color ?? "primary"}`;
+        },
+        image: (element, node) => {
+            if (node.source === "data") {
+                set(element, { src: node.url, alt: node.label ?? "" });
+            } else if (element.shown !== node.name) {
+                element.shown = node.name;
+                element.replaceChildren(icon(node.name, node.label ?? ""));
+            }
+        },
+        button: (element, node) => {
+            set(element.text, { textContent: node.text });
+            element.className = `ui-button role-${node.role ?? "standard"}${node.image ? " has-image" : ""}`;
+            if (element.shown !== node.image?.name) {
+                element.shown = node.image?.name;
+                element.querySelector("svg")?.remove();
+                if (node.image) {
+                    element.prepend(icon(node.image.name));
+                }
+            }
+            if (node.image && !node.label) {
+                set(element, { "aria-label": node.text });
+            }
+            const offersReturn = node.key === "return" || node.role === "prominent";
+            element.classList.toggle("default", offersReturn);
+        },
+        toggle: (element, node) => {
+            set(element.text, { textContent: node.text });
+            set(element.inputPart, { checked: Boolean(node.on), role: node.style === "switch" ? "switch" : null });
+        },
+        slider: (element, node) => {
+            set(element.text, { textContent: node.text });
+            set(element.value, { textContent: node.valueText ?? "" });
+            set(element.inputPart, { min: node.lower, max: node.upper, step: node.step ?? "any" });
+            if (!element.inputPart.matches(":active")) {
+                element.inputPart.value = String(node.value);
+            }
+            set(element.inputPart, { "aria-label": node.label ?? node.text });
+        },
+        field: (element, node) => {
+            set(element, { placeholder: node.prompt ?? "", "aria-label": node.label ?? node.prompt ?? "" });
+            if (document.activeElement !== element && element.value !== (node.value ?? "")) {
+                element.value = node.value ?? "";
+            }
+        },
+        secure: (element, node) => {
+            set(element, { placeholder: node.prompt ?? "", "aria-label": node.label ?? node.prompt ?? "" });
+            // Nobody can read the text back; what can be seen is that it was emptied.
+            if ((node.length ?? 0) === 0 && element.sentrelLength > 0) {
+                element.value = "";
+            }
+            element.sentrelLength = node.length ?? 0;
+        },
+        list: (element, node) => {
+            set(element, { "aria-multiselectable": node.mode === "multiple" ? "true" : null });
+            const selected = new Set(node.selection ?? []);
+            queueMicrotask(() => this.#markRows(element, selected));
+        },
+        section: (element, node) => {
+            set(element.header, { textContent: node.header ?? "", hidden: !node.header });
+            set(element.footer, { textContent: node.footer ?? "", hidden: !node.footer });
+        },
+        split: (element, node) => element.classList.toggle("no-sidebar", node.isSidebarShown === false),
+        progress: (element, node) => {
+            set(element.lastChild, { textContent: node.text ?? "" });
+            if (node.fraction !== undefined) {
+                element.firstChild.value = node.fraction;
+            }
+        },
+        dialogContent: (element, node) => {
+            const dialog = element.firstChild;
+            set(dialog.titleText, { textContent: node.title });
+            set(dialog.message, { textContent: node.message ?? "", hidden: !node.message });
+            element.inside = dialog.inside;
+            if (!element.wasFocused) {
+                element.wasFocused = true;
+                queueMicrotask(() => dialog.querySelector("button.default, button")?.focus());
+            }
+        },
+    };
+
+    #markRows(list, selected) {
+        for (const section of list.querySelectorAll(".ui-section > .section-body")) {
+            for (const row of section.children) {
+                if (!row.sentrelNode) {
+                    continue;
+                }
+                const id = row.sentrelNode.id.split("/").pop();
+                set(row, { role: "option", "aria-selected": String(selected.has(id)), "data-row": id });
+            }
+        }
+    }
+
+    #updateStack(element, node) {
+        element.style.gap = `${node.spacing ?? 8}px`;
+        element.dataset.align = node.align ?? "center";
+    }
+}
+
+/// What a key does in a window: the name that the server knows, or none when the page keeps the key.
+export function keyOf(event) {
+    const isEditing = event.target.matches("input:not([type=checkbox]):not([type=range]), textarea");
+    if (event.key === "Escape") {
+        return "escape";
+    }
+    if (isEditing || event.target.closest("button") === event.target) {
+        return null;
+    }
+    return { Delete: "delete", Backspace: "delete", Enter: "return" }[event.key] ?? null;
+}
