@@ -4,6 +4,8 @@ import { h, icon, set } from "./dom.js";
 import { latest, post } from "./server.js";
 import { keyOf, Tree } from "./tree.js";
 
+const smallestZoom = 0.85;
+
 /// A window of the product: drawn at a readable size whatever the screen's, at the place that corresponds.
 class WindowView {
     constructor(screen, id) {
@@ -53,7 +55,7 @@ class WindowView {
             left: `${place.left}px`,
             top: `${place.top}px`,
             width: `${state.frame.width}px`,
-            height: `${state.frame.height}px`,
+            height: `${place.height}px`,
             transform: `scale(${place.zoom})`,
         });
         this.tree.show(state.content, state.focus);
@@ -153,15 +155,19 @@ export class Screen {
         this.clock.textContent = text;
     }
 
-    // Windows are drawn as large as they fit, and at most at their own size; where they stand is in proportion.
+    // Windows are drawn as large as they fit, at most at their own size, and not too small to be read: what is then
+    // too high is cut off at the bottom, and its content scrolls. Where they stand is in proportion.
     place(frame) {
         const room = { width: this.desk.clientWidth, height: this.desk.clientHeight };
-        const zoom = Math.min(1, (room.width - 8) / frame.width, (room.height - 8) / frame.height);
+        const widest = Math.min(1, (room.width - 8) / frame.width);
+        const zoom = Math.min(widest, Math.max((room.height - 8) / frame.height, smallestZoom));
+        const height = Math.min(frame.height, (room.height - 8) / zoom);
         const part = (offset, outer, inner) => Math.min(Math.max(offset / Math.max(outer - inner, 1), 0), 1);
         return {
             zoom,
+            height,
             left: part(frame.x, this.#display.width, frame.width) * (room.width - frame.width * zoom),
-            top: part(frame.y, this.#display.height, frame.height) * (room.height - frame.height * zoom),
+            top: part(frame.y, this.#display.height, frame.height) * (room.height - height * zoom),
         };
     }
 
