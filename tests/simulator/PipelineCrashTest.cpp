@@ -32,8 +32,8 @@ public:
     void happens()
     {
         session_.mac().power.setAC(false);
-        for (Duration passed{}; passed < 20s && !files().isPowerCut(); passed += 1ms) {
-            session_.clock().advance(1ms);
+        for (Duration passed{}; passed < 20s && !files().isPowerCut(); passed += 10ms) {
+            session_.clock().advance(10ms);
         }
     }
 
