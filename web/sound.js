@@ -9,6 +9,7 @@ export class Sound {
     #buffers = new Map();
     #wanted = [];
     #music = null;
+    #hardware = null;
 
     constructor(stream) {
         this.button = h("button", { type: "button", className: "sound-button", onclick: () => this.#switch() });
@@ -17,7 +18,10 @@ export class Sound {
             this.#wanted = sounds;
             this.#follow();
         });
-        stream.on("hardware", (hardware) => this.#followMusic(hardware));
+        stream.on("hardware", (hardware) => {
+            this.#hardware = hardware;
+            this.#followMusic();
+        });
     }
 
     /// What a measurement may listen to; null while nothing is switched on.
@@ -31,14 +35,16 @@ export class Sound {
 
     // Browsers let a page sound only after the person has done something on it.
     async #switch() {
+        const isWanted = !this.isOn; // before there is a context: a new one may run at once
         if (!this.#context) {
             this.#context = new AudioContext();
             this.#output = this.#context.createGain();
             this.#output.connect(this.#context.destination);
         }
-        await (this.isOn ? this.#context.suspend() : this.#context.resume());
+        await (isWanted ? this.#context.resume() : this.#context.suspend());
         this.#showButton();
         this.#follow();
+        this.#followMusic();
     }
 
     #showButton() {
@@ -91,12 +97,13 @@ export class Sound {
     }
 
     // The music is nobody's recording: a few soft notes that tell that it plays.
-    #followMusic(hardware) {
-        const device = hardware.audio.devices.find((each) => each.isDefault);
-        const level = hardware.music === "playing" && device && !device.isMuted ? device.volume * 0.08 : 0;
-        if (!this.isOn) {
+    #followMusic() {
+        if (!this.isOn || !this.#hardware) {
             return;
         }
+        const { audio, music } = this.#hardware;
+        const device = audio.devices.find((each) => each.isDefault);
+        const level = music === "playing" && device && !device.isMuted ? device.volume * 0.08 : 0;
         if (!this.#music && level > 0) {
             const gain = this.#context.createGain();
             gain.connect(this.#output);
