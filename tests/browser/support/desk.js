@@ -1,0 +1,109 @@
+// A person at the desk: a simulated MacBook of her own, its page in the browser, and what she does there all the time.
+
+import assert from "node:assert/strict";
+import { after } from "node:test";
+import { closeBrowser, newContext } from "./browser.js";
+import { Simulator } from "./simulator.js";
+
+after(closeBrowser);
+
+/// Starts a simulator and opens its page. At the test's end both go, and what the pages complained of fails the test.
+export async function sitDown(test, options = {}) {
+    const simulator = await Simulator.start(options);
+    const desks = [];
+    test.after(async () => {
+        await Promise.all(desks.map((desk) => desk.page.context().close()));
+        await simulator.close();
+        assert.deepEqual(desks.flatMap((desk) => desk.complaints), [], "the page complained");
+    });
+    return openPage({ simulator, desks }, options.browser);
+}
+
+/// One more page of the same MacBook.
+export async function openPage({ simulator, desks }, browser = {}) {
+    const page = await (await newContext(browser)).newPage();
+    const desk = new Desk(simulator, page, desks);
+    page.on("pageerror", (error) => desk.complaints.push(String(error)));
+    page.on("console", (message) => message.type() === "error" && desk.complaints.push(message.text()));
+    desks.push(desk);
+    await page.goto(simulator.address);
+    await desk.menuItem.waitFor();
+    return desk;
+}
+
+export class Desk {
+    complaints = [];
+
+    constructor(simulator, page, desks) {
+        Object.assign(this, { simulator, page, desks });
+        this.screen = page.locator("#screen");
+        this.phone = page.locator("#phone");
+        this.hardware = page.locator("#hardware");
+        this.story = page.locator("#story");
+        this.menuItem = page.locator(".menu-item");
+        this.menu = page.getByRole("dialog", { name: "Sentrel menu" });
+    }
+
+    /// A control somewhere: `button("Unplugged")`, or in a part of the page.
+    button(name, part = this.page) {
+        return part.getByRole("button", { name, exact: true });
+    }
+
+    window(title) {
+        return this.screen.getByRole("dialog", { name: title, exact: true });
+    }
+
+    async openMenu() {
+        if ((await this.menuItem.getAttribute("aria-expanded")) !== "true") {
+            await this.menuItem.click();
+        }
+        await this.menu.waitFor();
+        return this.menu;
+    }
+
+    async arm() {
+        await (await this.openMenu()).getByRole("checkbox", { name: "Armed", exact: true }).click();
+        await this.isArmed();
+    }
+
+    isArmed(armed = true) {
+        return this.button(`Sentrel: ${armed ? "Armed" : "Disarmed"}`, this.screen).waitFor();
+    }
+
+    /// Opens a window by the menu's button and logs in.
+    async open(button, title) {
+        await this.button(button, await this.openMenu()).click();
+        await this.logIn();
+        await this.window(title).waitFor();
+        return this.window(title);
+    }
+
+    async logIn(answer = "Log in") {
+        await this.button(answer, this.screen).click();
+        await this.button(answer, this.screen).waitFor({ state: "detached" });
+    }
+
+    /// Waits until the story tells this.
+    tells(text) {
+        return this.story.getByText(text).first().waitFor();
+    }
+
+    /// Pulls the charger of the armed Mac, and waits until the owner's phone shows the alert with its photo.
+    async haveAnAlert() {
+        await this.arm();
+        await this.button("Unplugged", this.hardware).click();
+        await this.button("Photo: Unplugged", this.phone).waitFor();
+    }
+}
+
+/// How many colours a picture shows, of a 32nd of its pixels; none while it is not decoded.
+export function coloursOf(image) {
+    return image.evaluate(async (element) => {
+        await element.decode();
+        const [width, height] = [element.naturalWidth, element.naturalHeight];
+        const context = Object.assign(document.createElement("canvas"), { width, height }).getContext("2d");
+        context.drawImage(element, 0, 0);
+        const pixels = new Uint32Array(context.getImageData(0, 0, width, height).data.buffer);
+        return new Set(pixels.filter((_, index) => index % 32 === 0)).size;
+    });
+}
