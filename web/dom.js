@@ -24,6 +24,21 @@ export function set(element, properties) {
     }
 }
 
+/// Notes where the keyboard is, for something that comes in front.
+export function rememberFocus(element) {
+    element.cameFrom = document.activeElement;
+    return element;
+}
+
+/// Removes an element; a keyboard that was in it returns to where it was before.
+export function leave(element) {
+    const hadFocus = element.contains(document.activeElement);
+    element.remove();
+    if (hadFocus && element.cameFrom?.isConnected) {
+        element.cameFrom.focus({ preventScroll: true });
+    }
+}
+
 const symbols = {
     bell: "M8 2a4 4 0 0 0-4 4v3l-1.5 2.5h11L12 9V6a4 4 0 0 0-4-4zM6.5 13a1.5 1.5 0 0 0 3 0",
     "bell.slash": "M8 2a4 4 0 0 0-4 4v3l-1.5 2.5h11L12 9V6a4 4 0 0 0-4-4zM6.5 13a1.5 1.5 0 0 0 3 0M2 2l12 12",

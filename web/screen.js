@@ -1,6 +1,6 @@
 // The MacBook's screen: menu bar, windows, panels, and the cover over everything.
 
-import { h, icon, set } from "./dom.js";
+import { h, icon, leave, rememberFocus, set } from "./dom.js";
 import { latest, post } from "./server.js";
 import { keyOf, Tree } from "./tree.js";
 
@@ -64,7 +64,8 @@ class WindowView {
     #press(event) {
         const key = keyOf(event);
         if (key && !event.defaultPrevented) {
-            post("ui", { in: this.id, node: "", do: "key", value: key });
+            // Most keys mean nothing to most windows.
+            post("ui", { in: this.id, node: "", do: "key", value: key }, { isOptional: true });
         }
     }
 
@@ -284,8 +285,11 @@ export class Screen {
         if (this.#panelKeys.get(name)?.key === key) {
             return;
         }
-        this.#panelKeys.get(name)?.element?.remove();
-        const element = content ? make(content) : null;
+        const before = this.#panelKeys.get(name)?.element;
+        const element = content ? rememberFocus(make(content)) : null;
+        if (before) {
+            leave(before);
+        }
         if (element) {
             this.panels.append(element);
             element.querySelector("input, button.default")?.focus({ preventScroll: true });

@@ -55,8 +55,8 @@ export function onProblem(show) {
     complain = show;
 }
 
-/// Sends a request; true when it was done. What the server refuses is shown to the person.
-export async function post(path, body) {
+/// Sends a request; true when it was done. What the server refuses is shown to the person, unless nobody minds.
+export async function post(path, body, { isOptional = false } = {}) {
     try {
         const isImage = body instanceof Blob;
         const response = await fetch(`/api/${path}`, {
@@ -66,6 +66,9 @@ export async function post(path, body) {
         });
         if (response.ok) {
             return true;
+        }
+        if (isOptional && response.status === 409) {
+            return false;
         }
         const answer = await response.json().catch(() => ({}));
         complain(answer.error ?? `The simulated MacBook answered ${response.status}.`);

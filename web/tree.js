@@ -1,7 +1,7 @@
 // Draws the product's view trees. An element stays as long as its node keeps its identity and kind, so that what the
 // person is doing (typing, dragging, scrolling) goes on while the tree changes around it.
 
-import { h, icon, set } from "./dom.js";
+import { h, icon, leave, rememberFocus, set } from "./dom.js";
 import { latest } from "./server.js";
 
 const lengths = { padding: "padding", width: "width", height: "height", maxWidth: "maxWidth" };
@@ -59,7 +59,7 @@ export class Tree {
             this.#update(element, node);
         }
         for (const gone of present.values()) {
-            gone.remove();
+            leave(gone);
         }
     }
 
@@ -231,12 +231,19 @@ export class Tree {
         const buttons = h("div", { className: "dialog-buttons" });
         const dialog = h("div", { role: "alertdialog", "aria-modal": "true" }, title, message, buttons);
         Object.assign(dialog, { titleText: title, message, inside: buttons });
-        return h("div", { className: "veil" }, dialog);
+        dialog.addEventListener("keydown", (event) => {
+            const cancel = dialog.querySelector(".role-cancel");
+            if (event.key === "Escape" && cancel) {
+                event.stopPropagation();
+                cancel.click();
+            }
+        });
+        return rememberFocus(h("div", { className: "veil" }, dialog));
     };
 
     #sheet = () => {
         const body = h("div", { role: "dialog", "aria-modal": "true", className: "sheet-body" });
-        const veil = h("div", { className: "veil" }, body);
+        const veil = rememberFocus(h("div", { className: "veil" }, body));
         veil.inside = body;
         veil.addEventListener("keydown", (event) => {
             if (event.key === "Escape") {

@@ -96,14 +96,27 @@ export class Desk {
     }
 }
 
-/// How many colours a picture shows, of a 32nd of its pixels; none while it is not decoded.
+/// How many colours a picture shows, of a 32nd of its pixels; waits until it is decoded.
 export function coloursOf(image) {
     return image.evaluate(async (element) => {
         await element.decode();
         const [width, height] = [element.naturalWidth, element.naturalHeight];
-        const context = Object.assign(document.createElement("canvas"), { width, height }).getContext("2d");
+        const context = new OffscreenCanvas(width, height).getContext("2d");
         context.drawImage(element, 0, 0);
         const pixels = new Uint32Array(context.getImageData(0, 0, width, height).data.buffer);
         return new Set(pixels.filter((_, index) => index % 32 === 0)).size;
     });
+}
+
+/// How far a picture on the page is from one in a file: the mean over all pixels and channels, of 255.
+export function differenceOf(image, file) {
+    return image.evaluate(async (element, bytes) => {
+        const picture = await createImageBitmap(new Blob([new Uint8Array(bytes)]));
+        const [one, other] = [element, picture].map((each) => {
+            const context = new OffscreenCanvas(picture.width, picture.height).getContext("2d");
+            context.drawImage(each, 0, 0, picture.width, picture.height);
+            return context.getImageData(0, 0, picture.width, picture.height).data;
+        });
+        return one.reduce((sum, value, index) => sum + Math.abs(value - other[index]), 0) / one.length;
+    }, [...file]);
 }

@@ -1,0 +1,57 @@
+// The window of all alerts: looking at them, keeping a photo, deleting.
+
+import assert from "node:assert/strict";
+import { readFile } from "node:fs/promises";
+import path from "node:path";
+import test from "node:test";
+import { fillWithAlerts } from "./support/alerts.js";
+import { coloursOf, differenceOf, sitDown } from "./support/desk.js";
+
+test("an alert is looked at, its photo previewed and saved, and then it is deleted everywhere", async (t) => {
+    const desk = await sitDown(t);
+    await desk.haveAnAlert();
+    const window = await desk.open("Alert List", "Alert List");
+    await window.getByRole("option", { name: "Power Unplugged" }).click();
+    const photo = window.getByRole("img", { name: "Photo of the alert" });
+    assert.ok((await coloursOf(photo)) > 100, "the photo shows something");
+
+    await desk.button("Preview", window).click();
+    const preview = desk.screen.getByRole("dialog").filter({ has: desk.button("Close") });
+    assert.ok((await coloursOf(preview.getByRole("img"))) > 100);
+    await desk.button("Close", preview).click();
+
+    await desk.button("Download Photo", window).click();
+    const name = desk.screen.getByRole("textbox", { name: "File name" });
+    await name.fill("../Evidence of the café.jpg"); // never leads out of the folder
+    await desk.button("Save", desk.screen).click();
+    await name.waitFor({ state: "detached" });
+    const saved = await readFile(path.join(desk.simulator.disk, "Downloads/Evidence of the café.jpg"));
+    assert.ok((await differenceOf(photo, saved)) < 4, "the file is the photo");
+
+    await window.getByRole("option").click();
+    await desk.page.keyboard.press("Delete");
+    const question = window.getByRole("alertdialog");
+    await question.getByText("This alert will be permanently removed.").waitFor();
+    await desk.page.keyboard.press("Escape");
+    await question.waitFor({ state: "detached" });
+    await desk.page.keyboard.press("Delete");
+    await desk.button("Delete", question).click();
+    await window.getByText("No Alerts Yet").waitFor();
+    await desk.phone.getByText("No alerts").waitFor();
+});
+
+test("a thousand alerts are scrolled, chosen by keyboard, and deleted in one go", async (t) => {
+    const desk = await sitDown(t, { scenario: "control-panel", prepare: (disk) => fillWithAlerts(disk, 1000) });
+    const window = await desk.open("Alert List", "Alert List");
+    const rows = window.getByRole("option");
+    assert.equal(await rows.count(), 1000);
+    await rows.nth(997).click();
+    await window.getByRole("option", { selected: true }).waitFor();
+    await desk.page.keyboard.press("ArrowDown");
+    await window.locator("[role=option][aria-selected=true]").and(rows.nth(998)).waitFor();
+    await desk.page.keyboard.press("Control+a");
+    await window.getByText(/^1,?000 Alerts Selected$/).waitFor();
+    await desk.page.keyboard.press("Delete");
+    await desk.button("Delete", window.getByRole("alertdialog")).click();
+    await window.getByText("No Alerts Yet").waitFor();
+});
