@@ -1,5 +1,6 @@
 #include "simulator/Player.hpp"
 
+#include "simulator/EarlierRun.hpp"
 #include "simulator/MacActions.hpp"
 #include "simulator/MacSession.hpp"
 #include "simulator/MacState.hpp"
@@ -18,29 +19,6 @@ std::string place(const Scenario& scenario, int line)
     return scenario.file + ":" + std::to_string(line) + ": ";
 }
 
-/// The settings that the scenario starts with, as an earlier run would have left them.
-void storeSettings(MacSession& session, const Json& fields)
-{
-    if (fields.empty()) {
-        return;
-    }
-    SettingsStore store{session.mac().startProcess().defaults};
-    store.setSettings(withFields(store.settings(), fields));
-}
-
-/// The passcode that the scenario starts with, as an earlier run would have left it.
-void storeFirstPasscode(MacSession& session, const std::optional<std::string>& passcode)
-{
-    if (!passcode) {
-        return;
-    }
-    const platform::Platform& platform = session.mac().startProcess();
-    UnlockPasscodeStore store{platform.keychain, platform.cryptography, platform.random, platform.generalRandom};
-    if (!storePasscode(store, *passcode)) {
-        throw PlayError{"the passcode can't be put into the keychain"};
-    }
-}
-
 /// A scenario on its MacBook.
 class Play {
 public:
@@ -54,8 +32,9 @@ public:
         if (scenario.mac.files) {
             folder_.copyFiles(*scenario.mac.files);
         }
-        storeSettings(session_, scenario.settings);
-        storeFirstPasscode(session_, scenario.mac.passcode);
+        if (!leaveFromEarlierRun(session_, scenario)) {
+            throw PlayError{"the passcode can't be put into the keychain"};
+        }
         session_.log().observe([this](const simulated::Event& event) {
             if (!hasEnded_) { // how the product is taken apart afterwards is no part of the play
                 audience_.happened(event);

@@ -1,8 +1,11 @@
 #include "simulator/serve/LiveMac.hpp"
 
+#include "simulator/EarlierRun.hpp"
 #include "simulator/MacActions.hpp"
 
+#include <filesystem>
 #include <nlohmann/json.hpp>
+#include <stdexcept>
 #include <utility>
 
 namespace sentrel::simulator {
@@ -32,10 +35,11 @@ LiveMac::LiveMac(const Scenario& scenario, const std::filesystem::path& disk, co
     });
     story_.open(scenario);
     world_.happened = [this] { happened(); };
-    session_.launch();
-    if (!scenario.settings.empty()) {
-        session_.changeSettings([&](AlarmSettings& settings) { settings = withFields(settings, scenario.settings); });
+    // What a person has changed on a disk that was kept stays.
+    if (!std::filesystem::exists(session_.mac().preferences()) && !leaveFromEarlierRun(session_, scenario)) {
+        throw std::runtime_error{"the passcode can't be put into the keychain"};
     }
+    session_.launch();
 }
 
 LiveMac::~LiveMac()
