@@ -80,21 +80,21 @@ export async function post(path, body, { isOptional = false } = {}) {
 
 export const act = (action) => post("action", action);
 
-/// The latest value only, and one request at a time: for what is dragged.
+/// The latest value only, and one request at a time: for what is dragged or typed. Resolves when all of it has arrived.
 export function latest(send) {
     let waiting;
-    let isSending = false;
-    return async (value) => {
-        waiting = { value };
-        if (isSending) {
-            return;
-        }
-        isSending = true;
+    let sending = null;
+    const sendAll = async () => {
         while (waiting) {
             const next = waiting.value;
             waiting = undefined;
             await send(next);
         }
-        isSending = false;
+        sending = null;
+    };
+    return (value) => {
+        waiting = { value };
+        sending ??= sendAll();
+        return sending;
     };
 }

@@ -12,6 +12,7 @@ export class Tree {
     #send;
     #focus = "";
     #selectionAnchor = null;
+    #typing = null;
 
     constructor(container, send) {
         this.#container = container;
@@ -98,7 +99,10 @@ export class Tree {
         return element.overlay;
     }
 
-    #act(element, action, value) {
+    async #act(element, action, value) {
+        if (action !== "text") {
+            await this.#typing; // a button never overtakes what was typed before it
+        }
         return this.#send({ node: element.sentrelNode.id, do: action, value });
     }
 
@@ -147,7 +151,9 @@ export class Tree {
     #field = (node) => {
         const input = h("input", { type: node.kind === "secure" ? "password" : "text", autocomplete: "off" });
         const send = latest((wanted) => this.#act(input, "text", wanted));
-        input.addEventListener("input", () => send(input.value));
+        input.addEventListener("input", () => {
+            this.#typing = send(input.value);
+        });
         input.addEventListener("focus", () => this.#act(input, "focus", true));
         input.addEventListener("keydown", (event) => {
             if (event.key === "Enter" && !event.isComposing) {
