@@ -1,5 +1,7 @@
 // Listens to what the page plays.
 
+import assert from "node:assert/strict";
+
 /// Listens for so many seconds of the page's own audio time: how loud it gets, and at which frequency it is loudest.
 export function listen(page, seconds = 1) {
     return page.evaluate(async (length) => {
@@ -29,4 +31,12 @@ export function listen(page, seconds = 1) {
         output.disconnect(analyser);
         return heard;
     }, seconds);
+}
+
+/// Waits until nothing has been heard for a second.
+export async function fallsSilent(page) {
+    const until = Date.now() + 10_000;
+    while ((await listen(page)).loudness > 1e-4) {
+        assert.ok(Date.now() < until, "it does not become silent");
+    }
 }
