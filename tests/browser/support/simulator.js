@@ -45,6 +45,7 @@ export class Simulator {
                     return Number(found[1]);
                 }
             }
+            return failed; // it has ended without a word
         })();
         this.#port = await Promise.race([told, failed]);
         failed.catch(() => {}); // its end is expected from now on
