@@ -39,6 +39,27 @@ export function leave(element) {
     }
 }
 
+/// Brings a list's elements into line with its items, each known by a key. What stays is not moved, so that the keyboard
+/// stays on it.
+export function follow(list, items, { key, make, update = () => {} }) {
+    const present = new Map([...list.children].map((element) => [element.sentrelKey, element]));
+    let place = list.firstElementChild;
+    for (const item of items) {
+        const element = present.get(key(item)) ?? make(item);
+        element.sentrelKey = key(item);
+        present.delete(element.sentrelKey);
+        if (element === place) {
+            place = place.nextElementSibling;
+        } else {
+            list.insertBefore(element, place);
+        }
+        update(element, item);
+    }
+    for (const gone of present.values()) {
+        gone.remove();
+    }
+}
+
 const symbols = {
     bell: "M8 2a4 4 0 0 0-4 4v3l-1.5 2.5h11L12 9V6a4 4 0 0 0-4-4zM6.5 13a1.5 1.5 0 0 0 3 0",
     "bell.slash": "M8 2a4 4 0 0 0-4 4v3l-1.5 2.5h11L12 9V6a4 4 0 0 0-4-4zM6.5 13a1.5 1.5 0 0 0 3 0M2 2l12 12",

@@ -1,6 +1,6 @@
 // The phone beside the Mac.
 
-import { h, set } from "./dom.js";
+import { follow, h, set } from "./dom.js";
 import { act } from "./server.js";
 
 /// How long ago, in words.
@@ -24,7 +24,9 @@ export class Phone {
         this.now = now;
         this.banner = h("div", { className: "banner", role: "status", hidden: true });
         this.macs = h("div", { className: "phone-macs" });
+        this.noMacs = h("p", { className: "quiet" }, "No Mac has been seen in this account.");
         this.alerts = h("ul", { className: "phone-alerts" });
+        this.noAlerts = h("p", { className: "quiet" }, "No alerts");
         this.photo = h("button", { type: "button", className: "phone-photo", hidden: true, ariaLabel: "Close photo" });
         this.photo.addEventListener("click", () => {
             this.photo.hidden = true;
@@ -34,8 +36,10 @@ export class Phone {
             this.banner,
             h("h2", {}, "Sentrel"),
             this.macs,
+            this.noMacs,
             h("h3", {}, "Alerts"),
             this.alerts,
+            this.noAlerts,
             this.photo,
         );
         stream.on("phone", (state) => this.#show(state));
@@ -50,25 +54,34 @@ export class Phone {
             clearTimeout(this.timer);
             this.timer = setTimeout(() => (this.banner.hidden = true), 6000);
         }
-        this.macs.replaceChildren(...state.macs.map((mac) => this.#mac(mac)));
-        if (state.macs.length === 0) {
-            this.macs.append(h("p", { className: "quiet" }, "No Mac has been seen in this account."));
-        }
-        this.alerts.replaceChildren(...state.alerts.slice(0, longestShown).map((alert) => this.#alert(alert)));
-        if (state.alerts.length === 0) {
-            this.alerts.append(h("li", { className: "quiet" }, "No alerts"));
-        }
+        follow(this.macs, state.macs, {
+            key: (mac) => mac.id,
+            make: () => this.#mac(),
+            update: (element, mac) => this.#showMac(element, mac),
+        });
+        this.noMacs.hidden = state.macs.length > 0;
+        follow(this.alerts, state.alerts.slice(0, longestShown), {
+            key: (alert) => JSON.stringify(alert),
+            make: (alert) => this.#alert(alert),
+        });
+        this.noAlerts.hidden = state.alerts.length > 0;
         this.refreshTimes();
     }
 
-    #mac(mac) {
-        const state = h("span", { className: mac.isArmed ? "badge armed" : "badge" }, mac.isArmed ? "Armed" : "Disarmed");
-        const seen = h("span", { className: "quiet" });
+    #mac() {
+        const [name, state, seen] = [h("strong", {}), h("span", {}), h("span", { className: "quiet" })];
+        const arm = h("button", { type: "button", onclick: () => act({ phone: { arm: !element.mac.isArmed } }) });
+        const element = h("div", { className: "phone-mac" }, name, state, seen, arm);
+        return Object.assign(element, { name, state, seen, arm });
+    }
+
+    #showMac(element, mac) {
+        const { name, state, seen, arm } = Object.assign(element, { mac });
         seen.lastSeen = mac.lastSeen;
-        const arm = h("button", { type: "button", onclick: () => act({ phone: { arm: !mac.isArmed } }) });
+        set(name, { textContent: mac.name });
+        set(state, { textContent: mac.isArmed ? "Armed" : "Disarmed", className: mac.isArmed ? "badge armed" : "badge" });
         set(arm, { textContent: mac.isArmed ? "Disarm" : "Arm", disabled: !mac.isCompatible });
         set(arm, { "aria-label": `${mac.isArmed ? "Disarm" : "Arm"} ${mac.name} from the phone` });
-        return h("div", { className: "phone-mac" }, h("strong", {}, mac.name), state, seen, arm);
     }
 
     #alert(alert) {

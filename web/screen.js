@@ -1,6 +1,6 @@
 // The MacBook's screen: menu bar, windows, panels, and the cover over everything.
 
-import { h, icon, leave, rememberFocus, set } from "./dom.js";
+import { h, icon, set } from "./dom.js";
 import { latest, post } from "./server.js";
 import { keyOf, Tree } from "./tree.js";
 
@@ -132,9 +132,9 @@ export class Screen {
         this.desk = h("div", { className: "desk" });
         this.panels = h("div", { className: "panels" });
         this.coverLayer = h("div", { className: "covers" });
-        const bar = h("div", { className: "menu-bar" }, h("span", { className: "menu-name" }, "Finder"));
-        bar.append(this.item, this.clock);
-        element.append(bar, this.desk, this.menuContent, this.panels, this.coverLayer);
+        this.bar = h("div", { className: "menu-bar" }, h("span", { className: "menu-name" }, "Finder"));
+        this.bar.append(this.item, this.clock);
+        element.append(this.bar, this.desk, this.menuContent, this.panels, this.coverLayer);
         this.desk.addEventListener("pointerdown", (event) => {
             if (this.menuShown && event.target === this.desk) {
                 post("menu", { open: false });
@@ -231,8 +231,9 @@ export class Screen {
                 this.#covers.set(index, view);
                 this.coverLayer.append(element);
             }
-            view.tree.show(cover.content, cover.focus);
         });
+        this.#showReach(); // before anything on a cover takes the keyboard
+        covers.forEach((cover, index) => this.#covers.get(index).tree.show(cover.content, cover.focus));
     }
 
     #showMenuBar(bar) {
@@ -253,6 +254,10 @@ export class Screen {
     }
 
     #showPanels(panels) {
+        const wasAsking = this.panels.childElementCount > 0;
+        if (!wasAsking) {
+            this.cameFrom = document.activeElement;
+        }
         this.#showPanel("login", panels.login, (login) =>
             systemPanel("Sentrel", `Sentrel is trying to ${login.reason}.`, [
                 h("p", { className: "quiet" }, "Touch ID or enter the password of this Mac's user."),
@@ -277,7 +282,23 @@ export class Screen {
                 ["Close", () => answer("preview", "close"), "default"],
             ]),
         );
-        this.panels.hidden = this.panels.childElementCount === 0;
+        const isAsking = this.panels.childElementCount > 0;
+        this.panels.hidden = !isAsking;
+        this.#showReach();
+        if (isAsking) {
+            this.panels.lastElementChild.querySelector("input, button.default")?.focus({ preventScroll: true });
+        } else if (wasAsking) {
+            this.cameFrom?.focus({ preventScroll: true });
+        }
+    }
+
+    // The keyboard can't go where the mouse can't: behind panels and covers.
+    #showReach() {
+        const isAsking = this.panels.childElementCount > 0;
+        this.coverLayer.inert = isAsking;
+        for (const part of [this.bar, this.desk, this.menuContent]) {
+            part.inert = isAsking || !this.coverLayer.hidden;
+        }
     }
 
     #showPanel(name, content, make) {
@@ -285,14 +306,10 @@ export class Screen {
         if (this.#panelKeys.get(name)?.key === key) {
             return;
         }
-        const before = this.#panelKeys.get(name)?.element;
-        const element = content ? rememberFocus(make(content)) : null;
-        if (before) {
-            leave(before);
-        }
+        this.#panelKeys.get(name)?.element?.remove();
+        const element = content ? make(content) : null;
         if (element) {
             this.panels.append(element);
-            element.querySelector("input, button.default")?.focus({ preventScroll: true });
         }
         this.#panelKeys.set(name, { key, element });
     }
