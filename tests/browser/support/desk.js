@@ -16,16 +16,17 @@ export async function sitDown(test, options = {}) {
         await simulator.close();
         assert.deepEqual(desks.flatMap((desk) => desk.complaints), [], "the page complained");
     });
-    return openPage({ simulator, desks }, options.browser);
+    return openPage({ simulator, desks }, options.browser, options.watch);
 }
 
-/// One more page of the same MacBook.
-export async function openPage({ simulator, desks }, browser = {}) {
+/// One more page of the same MacBook; `watch(page)` sees it before it opens.
+export async function openPage({ simulator, desks }, browser = {}, watch = () => {}) {
     const page = await (await newContext(browser)).newPage();
     const desk = new Desk(simulator, page, desks);
     page.on("pageerror", (error) => desk.complaints.push(String(error)));
     page.on("console", (message) => message.type() === "error" && desk.complaints.push(message.text()));
     desks.push(desk);
+    watch(page);
     await page.goto(simulator.address);
     await desk.menuItem.waitFor();
     return desk;

@@ -1,0 +1,113 @@
+// The page as a page: for people without a mouse, for those who don't see it, and for slow networks.
+
+import assert from "node:assert/strict";
+import test from "node:test";
+import { sitDown } from "./support/desk.js";
+
+const heaviest = 120_000; // bytes, without photos and icons
+
+/// What the browser tells assistive technology of everything that can have the keyboard.
+async function focusable(page) {
+    const session = await page.context().newCDPSession(page);
+    const { nodes } = await session.send("Accessibility.getFullAXTree");
+    await session.detach();
+    const isSet = (node, name) => node.properties?.some((each) => each.name === name && each.value.value === true);
+    return nodes.filter((node) => !node.ignored && isSet(node, "focusable") && !/Web|document/.test(node.role.value));
+}
+
+/// Goes through the page by the Tab key, from its beginning: what had the keyboard and how that is seen.
+async function tabThrough(page) {
+    await page.evaluate(() => {
+        globalThis.tabbedTo = new Set([document.body]);
+        document.body.tabIndex = -1;
+        document.body.focus();
+        document.body.removeAttribute("tabindex");
+    });
+    const steps = [];
+    for (;;) {
+        await page.keyboard.press("Tab");
+        const step = await page.evaluate(() => {
+            const element = document.activeElement;
+            const style = getComputedStyle(element);
+            const isNew = !globalThis.tabbedTo.has(element);
+            globalThis.tabbedTo.add(element);
+            return { isNew, html: element.outerHTML.slice(0, 160), outline: `${style.outlineStyle} ${style.outlineWidth}` };
+        });
+        if (!step.isNew) {
+            return steps;
+        }
+        steps.push(step);
+    }
+}
+
+/// Every control has a name, is reached by the Tab key, and shows when it has the keyboard.
+async function checkControls(page, least) {
+    const named = await focusable(page);
+    assert.deepEqual(named.filter((node) => !node.name?.value).map((node) => node.role.value), [], "controls without name");
+    const steps = await tabThrough(page);
+    assert.deepEqual(steps.filter((step) => /none|auto 0px| 0px/.test(step.outline)), [], "focus that can't be seen");
+    const missed = await page.evaluate(() =>
+        [...document.querySelectorAll("button, input, select, [tabindex='0']")]
+            .filter((element) => element.checkVisibility({ visibilityProperty: true }) && !element.disabled)
+            .filter((element) => !globalThis.tabbedTo.has(element))
+            .map((element) => element.outerHTML.slice(0, 160)),
+    );
+    assert.deepEqual(missed, [], "controls that the Tab key misses");
+    assert.ok(steps.length >= least, `${steps.length} controls`);
+}
+
+test("every control has a name, and the keyboard reaches it visibly", async (t) => {
+    const desk = await sitDown(t);
+    await desk.phone.getByText("Disarmed").waitFor();
+    await checkControls(desk.page, 30);
+    await desk.haveAnAlert();
+    const list = await desk.open("Alert List", "Alert List");
+    await list.getByRole("option").click();
+    await list.getByRole("img", { name: "Photo of the alert" }).waitFor();
+    await desk.open("Settings", "Sentrel");
+    await checkControls(desk.page, 50);
+});
+
+test("a Mac is armed and its alarm stopped without a mouse", async (t) => {
+    const desk = await sitDown(t);
+    const { keyboard } = desk.page;
+    await desk.menuItem.focus();
+    await keyboard.press("Enter");
+    await desk.menu.locator("input:focus").waitFor();
+    await keyboard.press("Space");
+    await desk.isArmed();
+    await keyboard.press("Escape");
+    await desk.menu.waitFor({ state: "hidden" });
+    await desk.screen.locator(".menu-item:focus").waitFor();
+    await desk.button("Unplugged", desk.hardware).focus();
+    await keyboard.press("Enter");
+    await desk.tells("→ The alarm sounds through MacBook Pro Speakers at 83 %.");
+    await desk.menuItem.focus();
+    await keyboard.press("Enter");
+    await desk.menu.locator("input:focus").waitFor();
+    const stop = desk.button("Stop Alarm", desk.menu);
+    while (!(await stop.evaluate((button) => document.activeElement === button))) {
+        await keyboard.press("Tab");
+    }
+    await keyboard.press("Enter");
+    await desk.button("Log in", desk.screen).and(desk.page.locator(":focus")).waitFor();
+    await keyboard.press("Enter");
+    await stop.waitFor({ state: "detached" });
+});
+
+test("the page is light, and asks nobody but its server", async (t) => {
+    const weights = [];
+    const desk = await sitDown(t, {
+        watch: (page) => page.on("response", (response) => weights.push(response)),
+    });
+    await desk.phone.getByText("Disarmed").waitFor();
+    const origin = new URL(desk.page.url()).origin;
+    let weight = 0;
+    for (const response of weights) {
+        assert.equal(new URL(response.url()).origin, origin);
+        if (/\.(js|css|html)$|\/$/.test(new URL(response.url()).pathname) && response.ok()) {
+            weight += (await response.body()).length;
+        }
+    }
+    assert.ok(weight > 10_000 && weight <= heaviest, `${weight} bytes`);
+});
