@@ -7,29 +7,40 @@ namespace sentrel::simulator {
 
 namespace {
 
-/// What may wait for one page: far beyond a whole state.
+/// What may wait for one page: far beyond the whole state of a usual Mac.
 constexpr std::size_t mostWaiting = std::size_t{8} << 20;
 
 } // namespace
 
-std::optional<std::string> EventHub::Subscriber::next(std::chrono::milliseconds wait)
+std::shared_ptr<const std::string> EventHub::Subscriber::next(std::chrono::milliseconds wait)
 {
+    static const auto nothing = std::make_shared<const std::string>();
     std::unique_lock lock{mutex_};
     arrived_.wait_for(lock, wait, [this] { return isClosed_ || !waiting_.empty(); });
     if (isClosed_) {
-        return std::nullopt;
+        return nullptr;
     }
-    return std::exchange(waiting_, {});
+    if (waiting_.empty()) {
+        return nothing;
+    }
+    auto text = std::move(waiting_.front());
+    waiting_.pop_front();
+    bytes_ -= text->size();
+    return text;
 }
 
-void EventHub::Subscriber::push(const std::string& text)
+void EventHub::Subscriber::push(std::shared_ptr<const std::string> text)
 {
     {
         const std::lock_guard guard{mutex_};
-        if (waiting_.size() + text.size() > mostWaiting) {
+        // One event passes whatever its size, or a page of a Mac with very many alerts would never see anything.
+        if (isClosed_ || (!waiting_.empty() && bytes_ + text->size() > mostWaiting)) {
             isClosed_ = true;
+            waiting_.clear();
+            bytes_ = 0;
         } else {
-            waiting_ += text;
+            bytes_ += text->size();
+            waiting_.push_back(std::move(text));
         }
     }
     arrived_.notify_all();
@@ -66,15 +77,19 @@ void EventHub::unsubscribe(const std::shared_ptr<Subscriber>& subscriber)
     subscribers_.remove(subscriber);
 }
 
-std::string EventHub::framed(const std::string& event, const std::string& data)
+std::shared_ptr<const std::string> EventHub::framed(const std::string& event, const std::string& data)
 {
-    return "id: " + std::to_string(++lastId_) + "\nevent: " + event + "\ndata: " + data + "\n\n";
+    auto text = std::make_shared<std::string>("id: " + std::to_string(++lastId_) + "\nevent: " + event + "\ndata: ");
+    text->reserve(text->size() + data.size() + 2);
+    *text += data;
+    *text += "\n\n";
+    return text;
 }
 
 void EventHub::publish(const std::string& event, const std::string& data)
 {
     const std::lock_guard guard{mutex_};
-    const std::string text = framed(event, data);
+    const auto text = framed(event, data);
     for (const auto& subscriber : subscribers_) {
         subscriber->push(text);
     }
@@ -86,11 +101,11 @@ void EventHub::send(Subscriber& subscriber, const std::string& event, const std:
     subscriber.push(framed(event, data));
 }
 
-bool EventHub::hasSubscribers() const
+std::size_t EventHub::subscribers() const
 {
     const std::lock_guard guard{mutex_};
-    return std::any_of(subscribers_.begin(), subscribers_.end(),
-                       [](const auto& subscriber) { return !subscriber->isClosed(); });
+    return static_cast<std::size_t>(std::count_if(subscribers_.begin(), subscribers_.end(),
+                                                  [](const auto& subscriber) { return !subscriber->isClosed(); }));
 }
 
 void EventHub::closeAll()

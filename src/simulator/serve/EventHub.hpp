@@ -4,10 +4,10 @@
 #include <condition_variable>
 #include <cstddef>
 #include <cstdint>
+#include <deque>
 #include <list>
 #include <memory>
 #include <mutex>
-#include <optional>
 #include <string>
 
 namespace sentrel::simulator {
@@ -19,17 +19,19 @@ public:
     /// One page's stream.
     class Subscriber {
     public:
-        /// The next piece of the stream, after at most `wait`: empty when nothing came, none when the stream has ended.
-        [[nodiscard]] std::optional<std::string> next(std::chrono::milliseconds wait);
+        /// The next event, as it is sent, after at most `wait`: empty when nothing came, null when the stream has
+        /// ended.
+        [[nodiscard]] std::shared_ptr<const std::string> next(std::chrono::milliseconds wait);
 
-        void push(const std::string& text);
+        void push(std::shared_ptr<const std::string> text);
         void close();
         [[nodiscard]] bool isClosed() const;
 
     private:
         mutable std::mutex mutex_;
         std::condition_variable arrived_;
-        std::string waiting_;
+        std::deque<std::shared_ptr<const std::string>> waiting_; // shared: sixteen pages take no more than one
+        std::size_t bytes_ = 0;
         bool isClosed_ = false;
     };
 
@@ -46,13 +48,14 @@ public:
     /// Sends an event to one.
     void send(Subscriber& subscriber, const std::string& event, const std::string& data);
 
-    [[nodiscard]] bool hasSubscribers() const;
+    /// How many pages listen.
+    [[nodiscard]] std::size_t subscribers() const;
 
     /// Ends all streams, for good.
     void closeAll();
 
 private:
-    [[nodiscard]] std::string framed(const std::string& event, const std::string& data);
+    [[nodiscard]] std::shared_ptr<const std::string> framed(const std::string& event, const std::string& data);
 
     mutable std::mutex mutex_;
     std::list<std::shared_ptr<Subscriber>> subscribers_;

@@ -69,20 +69,25 @@ std::string LiveMac::perform(const Action& action)
     });
 }
 
-void LiveMac::greet(EventHub::Subscriber& subscriber)
+std::shared_ptr<EventHub::Subscriber> LiveMac::listen()
 {
-    call([this, &subscriber](MacSession&) {
+    return call([this](MacSession&) {
         tellStory();
         // So that what comes after the whole state is news to this page, too.
         if (mayHaveChanged()) {
             tellChanges();
+        }
+        auto subscriber = hub_.subscribe();
+        if (subscriber == nullptr) {
+            return subscriber;
         }
         Json all = Json::object();
         for (auto& [room, value] : rooms(true)) {
             all[room] = std::move(value);
         }
         all["story"] = story_.from(0);
-        hub_.send(subscriber, "state", all.dump(-1, ' ', false, Json::error_handler_t::replace));
+        hub_.send(*subscriber, "state", all.dump(-1, ' ', false, Json::error_handler_t::replace));
+        return subscriber;
     });
 }
 
@@ -90,8 +95,9 @@ void LiveMac::happened()
 {
     tellStory();
     const double now = session_.seconds();
-    if (!hub_.hasSubscribers()) {
+    if (hub_.subscribers() == 0) {
         samples_.clear();
+        lastMotion_ = now;
         isTouched_ = true;
         return;
     }

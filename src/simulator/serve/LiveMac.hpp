@@ -11,6 +11,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <map>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -43,8 +44,8 @@ public:
     [[nodiscard]] EventHub& hub() { return hub_; }
     [[nodiscard]] PageFiles& files() { return files_; }
 
-    /// Sends a page everything that there is.
-    void greet(EventHub::Subscriber& subscriber);
+    /// A stream for a page: everything that there is, and then what changes. Null when there are too many.
+    [[nodiscard]] std::shared_ptr<EventHub::Subscriber> listen();
 
 private:
     void happened();

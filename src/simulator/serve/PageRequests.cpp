@@ -215,7 +215,7 @@ PageAnswer useWindow(LiveMac& mac, const Json& body)
         bool isDone = false;
         session.onMain([&](SentrelApp&) {
             const auto state = displays.window(window);
-            if (!state) {
+            if (!state || !state->isVisible || !displays.covers().empty()) {
                 return;
             }
             if (how == "close") {

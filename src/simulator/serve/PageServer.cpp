@@ -1,6 +1,7 @@
 #include "simulator/serve/PageServer.hpp"
 
 #include "foundation/Json.hpp"
+#include "simulator/serve/HttpServer.hpp"
 #include "simulator/serve/LiveMac.hpp"
 #include "simulator/serve/PageRequests.hpp"
 #include "simulator/serve/RequestGuard.hpp"
@@ -8,6 +9,7 @@
 #include <httplib.h>
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
 #include <array>
 #include <chrono>
 #include <fstream>
@@ -22,8 +24,11 @@ namespace {
 
 constexpr std::size_t largestBody = std::size_t{64} << 10;
 constexpr std::size_t largestPicture = std::size_t{2} << 20;
-constexpr std::size_t threads = EventHub::mostSubscribers + 8;
-constexpr std::chrono::seconds quietStream{15};
+constexpr std::size_t slice = std::size_t{64} << 10;
+
+// How often a stream looks whether its page is still there, and after how many looks it says that it is itself.
+constexpr std::chrono::seconds look{1};
+constexpr int looksUntilComment = 15;
 
 constexpr const char* contentSecurityPolicy =
     "default-src 'none'; script-src 'self'; style-src 'self'; img-src 'self' data:; connect-src 'self'; "
@@ -36,6 +41,14 @@ constexpr std::array<std::pair<std::string_view, const char*>, 5> fileTypes{{
     {".svg", "image/svg+xml"},
     {".png", "image/png"},
 }};
+
+const char* meaningOf(int status)
+{
+    return status == 413   ? "The request is too large."
+           : status == 404 ? "There is nothing here."
+           : status == 400 ? "This is no request."
+                           : "The request was refused.";
+}
 
 std::optional<std::string> contentOf(const std::filesystem::path& file)
 {
@@ -58,6 +71,30 @@ RequestGuard::Request described(const httplib::Request& request)
             request.get_header_value("Cookie"), request.get_param_value("token")};
 }
 
+/// Writes to the page that listens what comes next; false when its stream has ended.
+bool writeNext(EventHub::Subscriber& subscriber, int& looks, httplib::DataSink& sink)
+{
+    const auto event = subscriber.next(look);
+    if (event == nullptr) {
+        return false;
+    }
+    if (event->empty()) {
+        if (++looks < looksUntilComment) {
+            return sink.is_writable();
+        }
+        constexpr std::string_view comment = ": still here\n\n";
+        looks = 0;
+        return sink.write(comment.data(), comment.size());
+    }
+    looks = 0;
+    for (std::size_t from = 0; from < event->size(); from += slice) {
+        if (subscriber.isClosed() || !sink.write(event->data() + from, std::min(slice, event->size() - from))) {
+            return false;
+        }
+    }
+    return true;
+}
+
 } // namespace
 
 /// What is answered to which request.
@@ -67,10 +104,8 @@ public:
 
     bool bind()
     {
-        port_ = setup_.port == 0                                 ? server_.bind_to_any_port("127.0.0.1")
-                : server_.bind_to_port("127.0.0.1", setup_.port) ? setup_.port
-                                                                 : -1;
-        if (port_ <= 0) {
+        port_ = server_.bind(setup_.port);
+        if (port_ == 0) {
             return false;
         }
         guard_.emplace(setup_.token, port_);
@@ -79,20 +114,16 @@ public:
     }
 
     [[nodiscard]] int port() const { return port_; }
-    void run() { server_.listen_after_bind(); }
+    void run() { server_.serve(); }
     void stop()
     {
         mac_.hub().closeAll();
-        server_.stop();
+        server_.end();
     }
 
 private:
     void setUp()
     {
-        server_.new_task_queue = [] { return new httplib::ThreadPool(threads); };
-        server_.set_payload_max_length(largestPicture);
-        server_.set_read_timeout(std::chrono::seconds{5});
-        server_.set_keep_alive_max_count(1000);
         server_.set_default_headers({{"Content-Security-Policy", contentSecurityPolicy},
                                      {"X-Content-Type-Options", "nosniff"},
                                      {"Referrer-Policy", "no-referrer"},
@@ -101,7 +132,7 @@ private:
             [this](const httplib::Request& request, httplib::Response& response) { return guard(request, response); });
         server_.set_error_handler([](const httplib::Request&, httplib::Response& response) {
             if (response.body.empty()) {
-                refuse(response, response.status, "There is nothing here.");
+                refuse(response, response.status, meaningOf(response.status));
             }
         });
         server_.set_exception_handler(
@@ -128,6 +159,10 @@ private:
         using Outcome = httplib::Server::HandlerResponse;
         const RequestGuard::Request what = described(request);
         const auto refusal = guard_->refusal(what);
+        if (!refusal && (request.has_header("Transfer-Encoding") || request.has_header("Content-Encoding"))) {
+            refuse(response, 415, "Bodies come as they are.");
+            return Outcome::Handled;
+        }
         if (!refusal) {
             return Outcome::Unhandled;
         }
@@ -152,21 +187,15 @@ private:
 
     void openStream(httplib::Response& response)
     {
-        auto subscriber = mac_.hub().subscribe();
+        auto subscriber = mac_.listen();
         if (subscriber == nullptr) {
             return refuse(response, 429, "Too many pages are open.");
         }
-        mac_.greet(*subscriber);
         response.set_header("Cache-Control", "no-store");
         response.set_chunked_content_provider(
             "text/event-stream",
-            [subscriber](std::size_t, httplib::DataSink& sink) {
-                const auto piece = subscriber->next(quietStream);
-                if (!piece) {
-                    return false;
-                }
-                const std::string text = piece->empty() ? ": still here\n\n" : *piece;
-                return sink.write(text.data(), text.size());
+            [subscriber, looks = 0](std::size_t, httplib::DataSink& sink) mutable {
+                return writeNext(*subscriber, looks, sink);
             },
             [this, subscriber](bool) { mac_.hub().unsubscribe(subscriber); });
     }
@@ -198,7 +227,7 @@ private:
     const Setup setup_;
     int port_ = 0;
     std::optional<RequestGuard> guard_;
-    httplib::Server server_;
+    HttpServer server_{largestPicture};
 };
 
 PageServer::PageServer(LiveMac& mac, Setup setup) : routes_(std::make_unique<Routes>(mac, std::move(setup)))

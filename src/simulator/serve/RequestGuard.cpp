@@ -74,9 +74,6 @@ std::optional<RequestGuard::Refusal> RequestGuard::refusal(const Request& reques
     if (!isOurHost(request.host)) {
         return Refusal{403, "This is not the address of the simulated MacBook."};
     }
-    if (!isWithinRate()) {
-        return Refusal{429, "Too many requests at once."};
-    }
     if (request.method != "GET" && request.method != "POST") {
         return Refusal{405, "Only GET and POST are answered."};
     }
@@ -86,6 +83,10 @@ std::optional<RequestGuard::Refusal> RequestGuard::refusal(const Request& reques
     }
     if (!isSame(tokenOf(request.cookie), token_)) {
         return Refusal{403, "Open the address that the program has printed: it carries this run's token."};
+    }
+    // Last, so that nobody else can use up what is the page's.
+    if (!isWithinRate()) {
+        return Refusal{429, "Too many requests at once."};
     }
     return std::nullopt;
 }

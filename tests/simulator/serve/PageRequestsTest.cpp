@@ -23,7 +23,8 @@ protected:
     {
         std::string heard;
         for (int attempt = 0; attempt < 100; ++attempt) {
-            heard += stream.next(100ms).value_or("");
+            const auto event = stream.next(100ms);
+            heard += event == nullptr ? "" : *event;
             if (heard.find(text) != std::string::npos) {
                 return true;
             }
@@ -40,8 +41,7 @@ protected:
 
 TEST_F(PageThreads, ArmOnOnePageAndTheOtherSeesIt)
 {
-    const auto stream = mac.hub().subscribe();
-    mac.greet(*stream);
+    const auto stream = mac.listen();
     EXPECT_TRUE(says(*stream, R"("icon":"MenuBarIcon")"));
     EXPECT_EQ(ask("menu", R"({"open": true})").error, "");
     EXPECT_EQ(ask("ui", R"({"in": "menu", "node": "armed", "do": "switch", "value": true})").error, "");
