@@ -2,8 +2,9 @@
 
 import assert from "node:assert/strict";
 import test from "node:test";
-import { coloursOf, openPage, sitDown } from "./support/desk.js";
+import { coloursOf } from "./support/desk.js";
 import { fallsSilent, listen } from "./support/ear.js";
+import { openPage, sitDown } from "./support/sitting.js";
 
 const toneFrequency = 880; // hertz
 

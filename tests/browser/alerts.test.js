@@ -5,7 +5,8 @@ import { readFile } from "node:fs/promises";
 import path from "node:path";
 import test from "node:test";
 import { fillWithAlerts } from "./support/alerts.js";
-import { coloursOf, differenceOf, sitDown } from "./support/desk.js";
+import { coloursOf, differenceOf } from "./support/desk.js";
+import { sitDown } from "./support/sitting.js";
 
 test("an alert is looked at, its photo previewed and saved, and then it is deleted everywhere", async (t) => {
     const desk = await sitDown(t);

@@ -2,8 +2,8 @@
 
 import assert from "node:assert/strict";
 import test from "node:test";
-import { sitDown } from "./support/desk.js";
 import { fallsSilent, listen } from "./support/ear.js";
+import { sitDown } from "./support/sitting.js";
 
 test("nobody quits a sounding Sentrel without the login; launched again, it is disarmed", async (t) => {
     const desk = await sitDown(t);

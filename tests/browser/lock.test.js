@@ -1,7 +1,7 @@
 // The passcode and the lock screen.
 
 import test from "node:test";
-import { sitDown } from "./support/desk.js";
+import { sitDown } from "./support/sitting.js";
 
 /// Types where the keyboard goes by itself.
 async function type(desk, passcode) {

@@ -2,7 +2,7 @@
 
 import assert from "node:assert/strict";
 import test from "node:test";
-import { sitDown } from "./support/desk.js";
+import { sitDown } from "./support/sitting.js";
 
 const heaviest = 120_000; // bytes, without photos and icons
 

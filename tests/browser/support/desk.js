@@ -1,36 +1,4 @@
-// A person at the desk: a simulated MacBook of her own, its page in the browser, and what she does there all the time.
-
-import assert from "node:assert/strict";
-import { after } from "node:test";
-import { closeBrowser, newContext } from "./browser.js";
-import { Simulator } from "./simulator.js";
-
-after(closeBrowser);
-
-/// Starts a simulator and opens its page. At the test's end both go, and what the pages complained of fails the test.
-export async function sitDown(test, options = {}) {
-    const simulator = await Simulator.start(options);
-    const desks = [];
-    test.after(async () => {
-        await Promise.all(desks.map((desk) => desk.page.context().close()));
-        await simulator.close();
-        assert.deepEqual(desks.flatMap((desk) => desk.complaints), [], "the page complained");
-    });
-    return openPage({ simulator, desks }, options.browser, options.watch);
-}
-
-/// One more page of the same MacBook; `watch(page)` sees it before it opens.
-export async function openPage({ simulator, desks }, browser = {}, watch = () => {}) {
-    const page = await (await newContext(browser)).newPage();
-    const desk = new Desk(simulator, page, desks);
-    page.on("pageerror", (error) => desk.complaints.push(String(error)));
-    page.on("console", (message) => message.type() === "error" && desk.complaints.push(message.text()));
-    desks.push(desk);
-    watch(page);
-    await page.goto(simulator.address);
-    await desk.menuItem.waitFor();
-    return desk;
-}
+// A person at the desk: the page of a simulated MacBook, and what she does there all the time.
 
 export class Desk {
     complaints = [];

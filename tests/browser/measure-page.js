@@ -1,0 +1,101 @@
+// How heavy the page is, how soon it shows the Mac, and how long it holds up the browser with a thousand alerts.
+
+import { fillWithAlerts } from "./support/alerts.js";
+import { closeBrowser, newContext } from "./support/browser.js";
+import { Desk } from "./support/desk.js";
+import { Simulator } from "./support/simulator.js";
+
+const alerts = 1000;
+const rounds = 7;
+const heaviest = 120_000; // bytes
+const longestEvent = 16; // milliseconds, a frame
+
+const median = (values) => values.sort((one, other) => one - other)[Math.floor(values.length / 2)];
+
+function tell(what, value, unit, limit) {
+    const beside = limit === undefined ? "" : `   limit ${limit} ${unit}${value > limit ? ": MISSED" : ""}`;
+    console.log(`${what.padEnd(44)}${value.toFixed(unit === "ms" ? 1 : 0).padStart(8)} ${unit.padEnd(6)}${beside}`);
+}
+
+/// Has the page note how long it works on each event, with the work that the event leaves for right afterwards.
+function timeEvents() {
+    globalThis.eventTimes = [];
+    const listen = EventSource.prototype.addEventListener;
+    EventSource.prototype.addEventListener = function (type, listener) {
+        listen.call(this, type, (event) => {
+            const start = performance.now();
+            listener(event);
+            queueMicrotask(() => globalThis.eventTimes.push({ type, ms: performance.now() - start }));
+        });
+    };
+}
+
+/// The longest work on an event while something is done.
+async function longestDuring(page, something) {
+    await page.evaluate(() => globalThis.eventTimes.splice(0));
+    await something();
+    return page.evaluate(() => Math.max(...globalThis.eventTimes.map((each) => each.ms)));
+}
+
+async function open(simulator) {
+    const page = await (await newContext()).newPage();
+    await page.addInitScript(timeEvents);
+    const loaded = [];
+    page.on("response", (response) => loaded.push(response));
+    await page.goto(simulator.address);
+    const desk = new Desk(simulator, page, []);
+    await desk.menuItem.waitFor();
+    return { desk, page, loaded };
+}
+
+async function measureLoading(simulator) {
+    const paints = [];
+    let weight = 0;
+    for (let round = 0; round < rounds; ++round) {
+        const { page, loaded } = await open(simulator);
+        paints.push(await page.evaluate(() => performance.getEntriesByName("first-contentful-paint")[0].startTime));
+        if (round === 0) {
+            const files = loaded.filter((each) => each.ok() && /(\/|\.html|\.js|\.css)$/.test(new URL(each.url()).pathname));
+            weight = (await Promise.all(files.map((each) => each.body()))).reduce((sum, body) => sum + body.length, 0);
+        }
+        await page.context().close();
+    }
+    tell("page, without photos and icons", weight, "bytes", heaviest);
+    tell("first paint of something useful, median", median(paints), "ms");
+}
+
+async function measureList(simulator) {
+    const { desk, page } = await open(simulator);
+    const [opening, choosing] = [[], []];
+    for (let round = 0; round < rounds; ++round) {
+        let window;
+        opening.push(
+            await longestDuring(page, async () => {
+                window = await desk.open("Alert List", "Alert List");
+                await window.getByRole("option").nth(alerts - 1).waitFor({ state: "attached" });
+            }),
+        );
+        choosing.push(
+            await longestDuring(page, async () => {
+                await window.getByRole("option").nth(round + 1).click();
+                await window.locator("[aria-selected=true]").and(window.getByRole("option").nth(round + 1)).waitFor();
+            }),
+        );
+        await desk.button("Close window", window).click();
+        await window.waitFor({ state: "detached" });
+    }
+    tell(`opening the list of ${alerts} alerts, script, median`, median(opening), "ms", longestEvent);
+    tell("choosing one of them, script, median", median(choosing), "ms", longestEvent);
+}
+
+const simulator = await Simulator.start({
+    scenario: "control-panel",
+    prepare: (disk) => fillWithAlerts(disk, alerts),
+});
+try {
+    await measureLoading(simulator);
+    await measureList(simulator);
+} finally {
+    await closeBrowser();
+    await simulator.close();
+}
