@@ -13,15 +13,19 @@ const sound = new Sound(stream);
 const screen = new Screen(document.getElementById("screen"), stream);
 
 // The simulated world's clock goes on between two events.
-const clock = { date: 0, taken: 0, zone: "UTC" };
+const clock = { date: 0, taken: 0, zone: "", format: null };
 const now = () => clock.date + (performance.now() - clock.taken) / 1000;
 
 const phone = new Phone(document.getElementById("phone"), stream, now);
 document.getElementById("hardware").append(...hardwareCards(stream, sound));
 
 stream.on("run", (run) => {
-    Object.assign(clock, { date: run.date, taken: performance.now(), zone: run.timeZone ?? "UTC" });
-    phone.timeZone = clock.zone;
+    const timeZone = run.timeZone ?? "UTC";
+    if (timeZone !== clock.zone) {
+        clock.zone = phone.timeZone = timeZone;
+        clock.format = new Intl.DateTimeFormat([], { weekday: "short", hour: "2-digit", minute: "2-digit", timeZone });
+    }
+    Object.assign(clock, { date: run.date, taken: performance.now() });
     document.title = run.title ? `${run.title} – Sentrel` : "Sentrel";
     document.getElementById("ended").hidden = run.process === "running";
     tick();
@@ -31,8 +35,7 @@ function tick() {
     if (clock.date === 0) {
         return;
     }
-    const format = { weekday: "short", hour: "2-digit", minute: "2-digit", timeZone: clock.zone };
-    screen.showTime(new Date(now() * 1000).toLocaleString([], format));
+    screen.showTime(clock.format.format(now() * 1000));
     phone.refreshTimes();
 }
 setInterval(tick, 1000);
@@ -50,7 +53,8 @@ stream.on("story", ({ from, lines }) => {
     while (story.childElementCount > storyKept) {
         story.firstElementChild.remove();
     }
-    story.scrollTop = story.scrollHeight;
+    // In the frame, whose layout is due anyway.
+    requestAnimationFrame(() => (story.scrollTop = story.scrollHeight));
 });
 
 const problem = document.getElementById("problem");

@@ -4,7 +4,19 @@
 import { h, icon, leave, rememberFocus, set } from "./dom.js";
 import { latest } from "./server.js";
 
+const rowsDrawnAtOnce = 24;
+const drawnAhead = "600px";
 const lengths = { padding: "padding", width: "width", height: "height", maxWidth: "maxWidth" };
+
+function isSame(one, other) {
+    if (one === other || typeof one !== "object" || typeof other !== "object" || !one || !other) {
+        return one === other;
+    }
+    const names = Object.keys(one);
+    return names.length === Object.keys(other).length && names.every((name) => isSame(one[name], other[name]));
+}
+
+const textsOf = (node) => [node.text ?? "", ...(node.children ?? []).map(textsOf)].filter(Boolean).join(", ");
 
 /// One tree in one container. `send` takes what the person does: {node, do, value}.
 export class Tree {
@@ -51,17 +63,50 @@ export class Tree {
             if (!element) {
                 element = this.#make(node);
                 element.sentrelKey = key;
+                if (parent.rowObserver && element.inside) {
+                    element.inside.list = parent;
+                }
+            }
+            // What is new is made whole before it gets its place: the browser looks at it once.
+            if (parent.list) {
+                this.#showRow(parent.list, element, node);
+            } else {
+                this.#update(element, node);
             }
             if (element !== place) {
                 parent.insertBefore(element, place);
             } else {
                 place = place.nextSibling;
             }
-            this.#update(element, node);
         }
         for (const gone of present.values()) {
             leave(gone);
         }
+    }
+
+    // Of a long list only the rows that are nearly visible are drawn; the others are there, and have their names.
+    #showRow(list, row, node) {
+        const isNew = row.isDrawn === undefined;
+        if (!isNew && isSame(row.sentrelNode, node)) {
+            return;
+        }
+        row.sentrelNode = node;
+        if (row.isDrawn || (isNew && list.rowsDrawn < rowsDrawnAtOnce)) {
+            this.#drawRow(list, row);
+            return;
+        }
+        row.isDrawn = false;
+        row.setAttribute("aria-label", textsOf(node));
+        list.rowObserver.observe(row);
+    }
+
+    #drawRow(list, row) {
+        if (!row.isDrawn) {
+            row.isDrawn = true;
+            ++list.rowsDrawn;
+            list.rowObserver.unobserve(row);
+        }
+        this.#update(row, row.sentrelNode); // which takes the name away again
     }
 
     #make(node) {
@@ -86,15 +131,18 @@ export class Tree {
         if (inside) {
             const overlays = [node.toolbar && { kind: "toolbar", id: `${node.id}/toolbar`, children: node.toolbar }];
             this.#fill(inside, [...overlays.filter(Boolean), ...(node.children ?? [])]);
-            this.#fill(this.#overlayOf(element, inside), [node.sheet, node.dialog].filter(Boolean));
+            const over = [node.sheet, node.dialog].filter(Boolean);
+            if (over.length > 0 || element.overlay) {
+                this.#fill(this.#overlayOf(element), over);
+            }
         }
     }
 
     // Sheets and dialogs lie over the whole window.
-    #overlayOf(element, inside) {
+    #overlayOf(element) {
         if (!element.overlay) {
             element.overlay = h("div", { className: "overlays" });
-            (inside === element ? element : element).append(element.overlay);
+            element.append(element.overlay);
         }
         return element.overlay;
     }
@@ -167,6 +215,9 @@ export class Tree {
 
     #list = () => {
         const list = h("div", { role: "listbox", tabIndex: 0 });
+        list.rowsDrawn = 0;
+        const draw = (seen) => seen.filter((each) => each.isIntersecting).forEach(({ target }) => this.#drawRow(list, target));
+        list.rowObserver = new IntersectionObserver(draw, { scrollMargin: drawnAhead });
         list.addEventListener("click", (event) => this.#clickRow(list, event));
         list.addEventListener("keydown", (event) => this.#moveInList(list, event));
         return list;
@@ -372,8 +423,14 @@ export class Tree {
                 if (!row.sentrelNode) {
                     continue;
                 }
-                const id = row.sentrelNode.id.split("/").pop();
-                set(row, { role: "option", "aria-selected": String(selected.has(id)), "data-row": id });
+                if (!row.dataset.row) {
+                    set(row, { role: "option", "data-row": row.sentrelNode.id.split("/").pop() });
+                }
+                const isSelected = selected.has(row.dataset.row);
+                if (row.isSelected !== isSelected) {
+                    row.isSelected = isSelected;
+                    row.setAttribute("aria-selected", isSelected);
+                }
             }
         }
     }
