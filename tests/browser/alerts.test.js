@@ -46,7 +46,9 @@ test("a thousand alerts are scrolled, chosen by keyboard, and deleted in one go"
     const window = await desk.open("Alert List", "Alert List");
     const rows = window.getByRole("option");
     assert.equal(await rows.count(), 1000);
+    assert.equal(await window.getByRole("option", { name: "Saved on this Mac only" }).count(), 1000, "all have names");
     await rows.nth(999).scrollIntoViewIfNeeded();
+    await rows.nth(999).getByText("Saved on this Mac only").waitFor();
     const selected = window.locator("[role=option][aria-selected=true]");
     await rows.first().click();
     await selected.and(rows.first()).waitFor();

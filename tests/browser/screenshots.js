@@ -23,11 +23,11 @@ async function withDesk(options, take) {
     }
 }
 
-async function picture(desk, name, options = {}) {
+async function picture(desk, name) {
     // Without the pointer's and the keyboard's traces, and with all pictures there.
     await desk.page.mouse.move(0, 0);
     await desk.page.evaluate(() => Promise.all([...document.images].map((image) => image.decode().catch(() => {}))));
-    await desk.page.screenshot({ path: path.join(folder, `${name}.png`), ...options });
+    await desk.page.screenshot({ path: path.join(folder, `${name}.png`) });
     console.log(path.join(folder, `${name}.png`));
 }
 
@@ -66,10 +66,10 @@ async function cover(desk) {
     await picture(desk, "lock-screen");
 }
 
-async function alertIn(name, options, desk) {
+async function alertIn(name, desk) {
     await desk.haveAnAlert();
     await lookAtAlert(desk);
-    await picture(desk, name, options);
+    await picture(desk, name);
 }
 
 await mkdir(folder, { recursive: true });
@@ -77,9 +77,9 @@ try {
     await withDesk({}, theft);
     await withDesk({}, controlPanel);
     await withDesk({ scenario: "wrong-passcodes" }, cover);
-    await withDesk({ browser: { colorScheme: "dark" } }, (desk) => alertIn("dark", {}, desk));
+    await withDesk({ browser: { colorScheme: "dark" } }, (desk) => alertIn("dark", desk));
     const narrow = { viewport: { width: 390, height: 800 } };
-    await withDesk({ browser: narrow }, (desk) => alertIn("narrow", { fullPage: true }, desk));
+    await withDesk({ browser: narrow }, (desk) => alertIn("narrow", desk));
 } finally {
     await closeBrowser();
 }
