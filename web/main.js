@@ -68,6 +68,11 @@ onProblem((text) => {
 stream.on("connected", (isConnected) => {
     document.body.classList.toggle("offline", !isConnected);
 });
+const connection = document.querySelector(".connection");
+const connecting = connection.textContent;
+stream.on("refused", (why) => {
+    connection.textContent = why || connecting;
+});
 
 // For measurements from outside: what the page hears.
 globalThis.sentrelSound = sound;

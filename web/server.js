@@ -28,6 +28,7 @@ export class Stream {
             // The browser's own attempts stop after some answers; ours do not.
             source.close();
             this.#tell("connected", false);
+            whyRefused().then((why) => this.#tell("refused", why));
             setTimeout(() => this.open(), this.#wait);
             this.#wait = Math.min(2 * this.#wait, waitBeforeRetry.longest);
         });
@@ -45,6 +46,19 @@ export class Stream {
         for (const listener of this.#listeners.get(key) ?? []) {
             listener(value);
         }
+    }
+}
+
+/// Why the stream is not given, in the server's words; empty while there is no server, or nothing against it any more.
+async function whyRefused() {
+    const question = new AbortController();
+    try {
+        const answer = await fetch("/api/events", { signal: question.signal });
+        return answer.ok ? "" : (await answer.json()).error;
+    } catch {
+        return "";
+    } finally {
+        question.abort();
     }
 }
 
