@@ -9,11 +9,11 @@ import { fileURLToPath } from "node:url";
 
 export const root = fileURLToPath(new URL("../../..", import.meta.url));
 const program = process.env.SENTREL_SIMULATOR ?? path.join(root, "build/release/sentrel-simulator");
-const token = "0123456789abcdef0123456789abcdef";
 
 export class Simulator {
     #process = null;
     #port = 0;
+    #token = "0123456789abcdef0123456789abcdef";
 
     /// `prepare(disk)` may put files on the disk before the Mac starts; `scenario` is one of `scenarios/`, without .yaml.
     static async start({ scenario = "cafe-theft", prepare = () => {} } = {}) {
@@ -27,12 +27,13 @@ export class Simulator {
 
     /// The page's address, with the run's token.
     get address() {
-        return `http://127.0.0.1:${this.#port}/?token=${token}`;
+        return `http://127.0.0.1:${this.#port}/?token=${this.#token}`;
     }
 
-    /// Starts the program; once more after `end`, it comes back at the same address.
-    async launch() {
-        const options = ["--scenario", this.scenario, "--disk", this.disk, "--token", token, "--port", `${this.#port}`];
+    /// Starts the program; once more after `end`, it comes back at the same address, unless its token is another.
+    async launch(token = this.#token) {
+        this.#token = token;
+        const options = ["--scenario", this.scenario, "--disk", this.disk, "--token", this.#token, "--port", `${this.#port}`];
         this.#process = spawn(program, ["serve", ...options], { stdio: ["ignore", "pipe", "inherit"] });
         const failed = new Promise((_, reject) => {
             this.#process.once("error", reject);
