@@ -4,9 +4,8 @@
 import { h, icon, leave, rememberFocus, set } from "./dom.js";
 import { latest } from "./server.js";
 
-const rowsDrawnAtOnce = 24;
-const drawnAhead = "600px";
-const lengths = { padding: "padding", width: "width", height: "height", maxWidth: "maxWidth" };
+const rowsDrawnAtOnce = "oncontentvisibilityautostatechange" in document ? 12 : Infinity;
+const styles = ["padding", "width", "height", "maxWidth", "background"];
 
 function isSame(one, other) {
     if (one === other || typeof one !== "object" || typeof other !== "object" || !one || !other) {
@@ -17,6 +16,9 @@ function isSame(one, other) {
 }
 
 const textsOf = (node) => [node.text ?? "", ...(node.children ?? []).map(textsOf)].filter(Boolean).join(", ");
+
+const whenIdle = globalThis.requestIdleCallback ?? ((work) => setTimeout(work, 50));
+const rowPatterns = new Map(["vstack", "hstack"].map((kind) => [kind, h("div", { className: `ui-${kind}` })]));
 
 /// One tree in one container. `send` takes what the person does: {node, do, value}.
 export class Tree {
@@ -61,9 +63,9 @@ export class Tree {
             let element = present.get(key);
             present.delete(key);
             if (!element) {
-                element = this.#make(node);
+                element = parent.list ? this.#makeRow(node) : this.#make(node);
                 element.sentrelKey = key;
-                if (parent.rowObserver && element.inside) {
+                if (parent.rowsDrawn !== undefined && element.inside) {
                     element.inside.list = parent;
                 }
             }
@@ -84,6 +86,14 @@ export class Tree {
         }
     }
 
+    #makeRow(node) {
+        const row = rowPatterns.get(node.kind)?.cloneNode() ?? this.#make(node);
+        row.rowId = node.id.slice(node.id.lastIndexOf("/") + 1);
+        row.setAttribute("role", "option");
+        row.setAttribute("aria-selected", "false");
+        return row;
+    }
+
     // Of a long list only the rows that are nearly visible are drawn; the others are there, and have their names.
     #showRow(list, row, node) {
         const isNew = row.isDrawn === undefined;
@@ -96,15 +106,23 @@ export class Tree {
             return;
         }
         row.isDrawn = false;
-        row.setAttribute("aria-label", textsOf(node));
-        list.rowObserver.observe(row);
+        this.#nameLater(list, row);
+    }
+
+    #nameLater(list, row) {
+        list.unnamed.push(row);
+        list.naming ??= whenIdle(() => {
+            list.naming = null;
+            for (const unnamed of list.unnamed.splice(0).filter((each) => !each.isDrawn)) {
+                unnamed.setAttribute("aria-label", textsOf(unnamed.sentrelNode));
+            }
+        });
     }
 
     #drawRow(list, row) {
         if (!row.isDrawn) {
             row.isDrawn = true;
             ++list.rowsDrawn;
-            list.rowObserver.unobserve(row);
         }
         this.#update(row, row.sentrelNode); // which takes the name away again
     }
@@ -122,10 +140,13 @@ export class Tree {
         set(element, { title: node.help ?? "" });
         set(control, { "aria-label": node.label ?? null, disabled: node.disabled ?? false, "data-control": node.id });
         element.classList.toggle("disabled", node.disabled ?? false);
-        for (const [name, style] of Object.entries(lengths)) {
-            element.style[style] = node[name] === undefined ? "" : `${node[name]}px`;
+        const shown = (element.sentrelStyle ??= {});
+        for (const name of styles) {
+            if (shown[name] !== node[name]) {
+                shown[name] = node[name];
+                element.style[name] = typeof node[name] === "number" ? `${node[name]}px` : (node[name] ?? "");
+            }
         }
-        element.style.background = node.background ?? "";
         this.#updaters[node.kind]?.(element, node);
         const inside = element.inside ?? (node.children || node.sheet || node.dialog || node.toolbar ? element : null);
         if (inside) {
@@ -134,6 +155,9 @@ export class Tree {
             const over = [node.sheet, node.dialog].filter(Boolean);
             if (over.length > 0 || element.overlay) {
                 this.#fill(this.#overlayOf(element), over);
+            }
+            if (element.rowsDrawn !== undefined) {
+                this.#markRows(element);
             }
         }
     }
@@ -215,9 +239,12 @@ export class Tree {
 
     #list = () => {
         const list = h("div", { role: "listbox", tabIndex: 0 });
-        list.rowsDrawn = 0;
-        const draw = (seen) => seen.filter((each) => each.isIntersecting).forEach(({ target }) => this.#drawRow(list, target));
-        list.rowObserver = new IntersectionObserver(draw, { scrollMargin: drawnAhead });
+        Object.assign(list, { rowsDrawn: 0, unnamed: [], naming: null });
+        list.addEventListener("contentvisibilityautostatechange", ({ target, skipped }) => {
+            if (!skipped && target.isDrawn === false) {
+                this.#drawRow(list, target);
+            }
+        });
         list.addEventListener("click", (event) => this.#clickRow(list, event));
         list.addEventListener("keydown", (event) => this.#moveInList(list, event));
         return list;
@@ -228,7 +255,7 @@ export class Tree {
     }
 
     #select(list, rows) {
-        return this.#act(list, "select", rows.map((row) => row.dataset.row));
+        return this.#act(list, "select", rows.map((row) => row.rowId));
     }
 
     #clickRow(list, event) {
@@ -240,14 +267,14 @@ export class Tree {
         const selected = new Set(list.sentrelNode.selection ?? []);
         const isMultiple = list.sentrelNode.mode === "multiple";
         if (isMultiple && event.shiftKey && this.#selectionAnchor) {
-            const anchor = rows.findIndex((other) => other.dataset.row === this.#selectionAnchor);
+            const anchor = rows.findIndex((other) => other.rowId === this.#selectionAnchor);
             const [from, to] = [anchor, rows.indexOf(row)].sort((a, b) => a - b);
             this.#select(list, rows.slice(Math.max(from, 0), to + 1));
             return;
         }
-        this.#selectionAnchor = row.dataset.row;
+        this.#selectionAnchor = row.rowId;
         if (isMultiple && (event.metaKey || event.ctrlKey)) {
-            this.#select(list, rows.filter((other) => (other === row) !== selected.has(other.dataset.row)));
+            this.#select(list, rows.filter((other) => (other === row) !== selected.has(other.rowId)));
             return;
         }
         this.#select(list, [row]);
@@ -266,9 +293,9 @@ export class Tree {
         }
         event.preventDefault();
         const selected = new Set(list.sentrelNode.selection ?? []);
-        const present = rows.findIndex((row) => selected.has(row.dataset.row));
+        const present = rows.findIndex((row) => selected.has(row.rowId));
         const next = rows[Math.min(Math.max(present + step, 0), rows.length - 1)];
-        this.#selectionAnchor = next.dataset.row;
+        this.#selectionAnchor = next.rowId;
         this.#select(list, [next]);
         next.scrollIntoView({ block: "nearest" });
     }
@@ -391,8 +418,6 @@ export class Tree {
         },
         list: (element, node) => {
             set(element, { "aria-multiselectable": node.mode === "multiple" ? "true" : null });
-            const selected = new Set(node.selection ?? []);
-            queueMicrotask(() => this.#markRows(element, selected));
         },
         section: (element, node) => {
             set(element.header, { textContent: node.header ?? "", hidden: !node.header });
@@ -417,20 +442,13 @@ export class Tree {
         },
     };
 
-    #markRows(list, selected) {
-        for (const section of list.querySelectorAll(".ui-section > .section-body")) {
-            for (const row of section.children) {
-                if (!row.sentrelNode) {
-                    continue;
-                }
-                if (!row.dataset.row) {
-                    set(row, { role: "option", "data-row": row.sentrelNode.id.split("/").pop() });
-                }
-                const isSelected = selected.has(row.dataset.row);
-                if (row.isSelected !== isSelected) {
-                    row.isSelected = isSelected;
-                    row.setAttribute("aria-selected", isSelected);
-                }
+    #markRows(list) {
+        const selected = new Set(list.sentrelNode.selection ?? []);
+        for (const row of this.#rowsOf(list)) {
+            const isSelected = selected.has(row.rowId);
+            if ((row.isSelected ?? false) !== isSelected) {
+                row.isSelected = isSelected;
+                row.setAttribute("aria-selected", isSelected);
             }
         }
     }
