@@ -46,7 +46,7 @@ test("a thousand alerts are scrolled, chosen by keyboard, and deleted in one go"
     const window = await desk.open("Alert List", "Alert List");
     const rows = window.getByRole("option");
     assert.equal(await rows.count(), 1000);
-    assert.equal(await window.getByRole("option", { name: "Saved on this Mac only" }).count(), 1000, "all have names");
+    await window.getByRole("option", { name: "Saved on this Mac only" }).nth(999).waitFor({ state: "attached" });
     await rows.nth(999).scrollIntoViewIfNeeded();
     await rows.nth(999).getByText("Saved on this Mac only").waitFor();
     const selected = window.locator("[role=option][aria-selected=true]");

@@ -23,29 +23,19 @@ function tell(what, value, unit, limit) {
     console.log(`${what.padEnd(56)}${value.toFixed(unit === "ms" ? 1 : 0).padStart(8)} ${unit.padEnd(6)}${beside}`);
 }
 
-/// Has the page note how long it works on each event, with the work that the event leaves for right afterwards.
-function timeEvents() {
-    globalThis.eventTimes = [];
-    const listen = EventSource.prototype.addEventListener;
-    EventSource.prototype.addEventListener = function (type, listener) {
-        listen.call(this, type, (event) => {
-            const start = performance.now();
-            listener(event);
-            queueMicrotask(() => globalThis.eventTimes.push({ type, ms: performance.now() - start }));
-        });
-    };
-}
-
-/// The longest work on an event while something is done.
+/// The longest work on an event from the server while something is done: the time of the main thread alone, whatever
+/// else the machine is doing.
 async function longestDuring(page, something) {
-    await page.evaluate(() => globalThis.eventTimes.splice(0));
+    const browser = page.context().browser();
+    await browser.startTracing(page, { categories: ["devtools.timeline"] });
     await something();
-    return page.evaluate(() => Math.max(...globalThis.eventTimes.map((each) => each.ms)));
+    const { traceEvents } = JSON.parse((await browser.stopTracing()).toString());
+    const calls = traceEvents.filter((each) => each.name === "FunctionCall" && each.args.data?.url?.endsWith("/server.js"));
+    return Math.max(...calls.map((each) => each.tdur)) / 1000;
 }
 
 async function open(simulator) {
     const page = await (await newContext()).newPage();
-    await page.addInitScript(timeEvents);
     const loaded = [];
     page.on("response", (response) => loaded.push(response));
     await page.goto(simulator.address);
