@@ -52,6 +52,9 @@ platform::Rectangle ShellWindowDelegate::windowWillUseStandardFrame(platform::Re
 
 void ShellWindowDelegate::attachTo(platform::Window& window)
 {
+    // Not everything that resizes a window asks its delegate.
+    window.setContentMinSize({bounds_.width, bounds_.leastHeight});
+    window.setContentMaxSize({bounds_.width, bounds_.mostHeight});
     window.setDelegate({
         .shouldClose = [this] { return windowShouldClose(); },
         .willResize = [this](platform::Size size) { return windowWillResize(size); },

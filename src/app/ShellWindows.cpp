@@ -26,6 +26,7 @@ void ShellWindows::show(std::string_view identifier)
         // First, since an application without a Dock icon can't be brought to the front reliably.
         application_.setActivationPolicy(regularActivationPolicy);
         activation_.activate(true);
+        shown_.emplace(identifier);
         window->makeKeyAndOrderFront();
     }
 }
@@ -33,6 +34,7 @@ void ShellWindows::show(std::string_view identifier)
 void ShellWindows::hide(std::string_view identifier)
 {
     if (platform::Window* const window = find(identifier)) {
+        shown_.erase(std::string{identifier});
         window->orderOut();
     }
     refreshActivationPolicy();

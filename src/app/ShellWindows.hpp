@@ -1,6 +1,7 @@
 #pragma once
 
 #include <map>
+#include <set>
 #include <string>
 #include <string_view>
 
@@ -36,12 +37,17 @@ public:
 
     void hide(std::string_view identifier);
 
+    /// Whether the window was shown and not hidden since. The whole application may be hidden all the same: then the
+    /// system brings the window back, and nobody is told.
+    [[nodiscard]] bool isShown(std::string_view identifier) const { return shown_.contains(identifier); }
+
 private:
     void refreshActivationPolicy();
 
     platform::Application& application_;
     platform::ApplicationActivation& activation_;
     std::map<std::string, platform::Window*, std::less<>> windows_;
+    std::set<std::string, std::less<>> shown_;
 };
 
 } // namespace sentrel

@@ -11,6 +11,8 @@ namespace {
 
 // NSWindowStyleMask: titled (1), closable (2), resizable (8). Not miniaturizable: it is hidden by closing it.
 constexpr std::uint64_t windowStyle = 11;
+// NSWindowCollectionBehaviorFullScreenNone: a full screen asks no delegate for the window's size.
+constexpr std::uint64_t collectionBehavior = 512;
 constexpr std::uint64_t bufferedBacking = 2; // NSBackingStoreBuffered
 
 // Width (2) and height (16) are sizable.
@@ -47,7 +49,7 @@ void WindowScene::open()
     if (window_ == nullptr) {
         makeWindow();
     }
-    if (!window_->isVisible()) {
+    if (!shellWindows_.isShown(configurator_.identifier())) {
         window_->showContent(body_());
     }
     shellWindows_.show(configurator_.identifier());
@@ -58,6 +60,7 @@ void WindowScene::makeWindow()
     window_ = windows_.makeWindow(describe(configurator_.startSize(), windows_.screens()));
     window_->setTitle(title_);
     window_->setReleasedWhenClosed(false);
+    window_->setCollectionBehavior(collectionBehavior);
     window_->hostContent(window_->contentFrame(), resizesWithWindow);
     configurator_.configure(*window_);
     window_->center();
@@ -66,7 +69,7 @@ void WindowScene::makeWindow()
 void WindowScene::draw()
 {
     // Nobody looks at a hidden window; what it missed it shows when it opens.
-    if (window_ != nullptr && window_->isVisible()) {
+    if (window_ != nullptr && shellWindows_.isShown(configurator_.identifier())) {
         window_->showContent(body_());
     }
 }

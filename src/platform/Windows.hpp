@@ -66,6 +66,8 @@ public:
     virtual void setIdentifier(const std::string& identifier) = 0;
     virtual void setDelegate(WindowDelegate delegate) = 0;
     virtual void setFrame(const Rectangle& frame, bool display) = 0;
+    virtual void setContentMinSize(const Size& size) = 0;
+    virtual void setContentMaxSize(const Size& size) = 0;
     virtual void center() = 0;
     [[nodiscard]] virtual Rectangle frame() = 0;
     [[nodiscard]] virtual bool isVisible() = 0;

@@ -78,6 +78,10 @@ TEST_F(ShellWindowsTest, KeepTheirWidthAndStayWithinTheirHeights)
         EXPECT_EQ(contentSize(row.identifier), (Size{width, row.height}))
             << row.identifier << " dragged to " << row.dragged.width << " x " << row.dragged.height;
     }
+    const auto alertsState = window(alertsWindowIdentifier);
+    EXPECT_EQ(alertsState.contentMinSize, (Size{720, 360})) << "for what asks no delegate";
+    EXPECT_EQ(alertsState.contentMaxSize, (Size{720, 900}));
+    EXPECT_EQ(alertsState.collectionBehavior, 512U) << "no full screen";
     const auto before = window(mainWindowIdentifier).frame;
     EXPECT_FALSE(displays.zoomWindow(mainWindowIdentifier)) << "zooming does nothing";
     EXPECT_EQ(window(mainWindowIdentifier).frame, before);
@@ -137,6 +141,10 @@ TEST_F(ShellWindowsTest, ShowWhatChangedOnceATurnAndOnlyWhileVisible)
     EXPECT_EQ(drawn, 2);
     main.open();
     EXPECT_THAT(shown(), ElementsAre("3"));
+    windows.find(mainWindowIdentifier)->orderOut(); // as the system does it when the application is hidden
+    main.contentChanged();
+    machine.clock.runReady();
+    EXPECT_THAT(shown(), ElementsAre("4")) << "the system brings it back without a word";
 }
 
 } // namespace

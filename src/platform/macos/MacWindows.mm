@@ -37,6 +37,11 @@ NSRect rectOf(const platform::Rectangle& rectangle)
     return NSMakeRect(rectangle.x, rectangle.y, rectangle.width, rectangle.height);
 }
 
+NSSize sizeOf(const platform::Size& size)
+{
+    return NSMakeSize(size.width, size.height);
+}
+
 platform::Rectangle rectangleOf(NSRect rect)
 {
     return {rect.origin.x, rect.origin.y, rect.size.width, rect.size.height};
@@ -65,8 +70,7 @@ platform::Rectangle rectangleOf(NSRect rect)
     if (!delegate.willResize) {
         return frameSize;
     }
-    const sentrel::platform::Size size = delegate.willResize({frameSize.width, frameSize.height});
-    return NSMakeSize(size.width, size.height);
+    return sentrel::macos::sizeOf(delegate.willResize({frameSize.width, frameSize.height}));
 }
 
 - (NSRect)windowWillUseStandardFrame:(NSWindow*)window defaultFrame:(NSRect)newFrame
@@ -118,7 +122,12 @@ public:
         [window_ orderOut:nil];
     }
 
-    void setLevel(std::int64_t level) override { window_.level = level; }
+    void setLevel(std::int64_t level) override
+    {
+        window_.level = level;
+        // Hiding the application must not bare the screen.
+        window_.canHide = level < CGShieldingWindowLevel();
+    }
     void setCollectionBehavior(std::uint64_t behavior) override
     {
         window_.collectionBehavior = static_cast<NSWindowCollectionBehavior>(behavior);
@@ -139,6 +148,8 @@ public:
     {
         [window_ setFrame:rectOf(frame) display:display];
     }
+    void setContentMinSize(const platform::Size& size) override { window_.contentMinSize = sizeOf(size); }
+    void setContentMaxSize(const platform::Size& size) override { window_.contentMaxSize = sizeOf(size); }
     void center() override { [window_ center]; }
     [[nodiscard]] platform::Rectangle frame() override { return rectangleOf(window_.frame); }
     [[nodiscard]] bool isVisible() override { return window_.isVisible; }
@@ -196,6 +207,16 @@ std::vector<platform::Screen> MacWindows::screens()
 std::int64_t MacWindows::shieldingLevel()
 {
     return CGShieldingWindowLevel();
+}
+
+bool isScreenShielded()
+{
+    for (NSWindow* const window in NSApp.windows) {
+        if (window.visible && window.level >= CGShieldingWindowLevel()) {
+            return true;
+        }
+    }
+    return false;
 }
 
 std::unique_ptr<platform::Window> MacWindows::makeWindow(const platform::WindowDescription& description)

@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -14,6 +15,9 @@ namespace sentrel::simulated {
 
 /// The built-in display, in points.
 inline constexpr platform::Rectangle builtInScreen{0.0, 0.0, 1728.0, 1117.0};
+
+/// `FLT_MAX`, the largest side of a window that has no limits of its own.
+inline constexpr double maximumSize = std::numeric_limits<float>::max();
 
 /// Length of the UTF-8 character at the beginning of a text that isn't empty.
 [[nodiscard]] std::size_t firstCharacter(std::string_view text);
@@ -25,6 +29,8 @@ struct WindowState {
     std::string identifier;
     platform::WindowDelegate delegate;
     platform::Rectangle frame;
+    platform::Size contentMinSize;
+    platform::Size contentMaxSize{maximumSize, maximumSize};
     std::int64_t level = 0;
     std::uint64_t collectionBehavior = 0;
     bool isOpaque = false;
