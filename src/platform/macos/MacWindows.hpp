@@ -12,4 +12,8 @@ public:
     [[nodiscard]] std::unique_ptr<platform::Window> makeWindow(const platform::WindowDescription& description) override;
 };
 
+/// Whether a window of this application shields the screen. Then nothing may take it away, or act behind it, but what
+/// the window itself offers.
+[[nodiscard]] bool isScreenShielded();
+
 } // namespace sentrel::macos

@@ -1,6 +1,32 @@
 #include "platform/macos/MainMenu.hpp"
 
+#include "platform/macos/MacWindows.hpp"
+
 #include <initializer_list>
+
+/// Hides and ends the application, except while the screen is shielded: the keys and the menu work behind a shield,
+/// too.
+@interface SentrelApplicationCommands : NSObject <NSMenuItemValidation>
+@end
+
+@implementation SentrelApplicationCommands
+
+- (void)hide:(id)sender
+{
+    [NSApp hide:sender];
+}
+
+- (void)terminate:(id)sender
+{
+    [NSApp terminate:sender];
+}
+
+- (BOOL)validateMenuItem:(NSMenuItem*)menuItem
+{
+    return !sentrel::macos::isScreenShielded();
+}
+
+@end
 
 namespace sentrel::macos {
 
@@ -18,6 +44,13 @@ NSString* localized(NSString* title)
     return [NSBundle.mainBundle localizedStringForKey:title value:title table:nil];
 }
 
+/// Who carries a command out; nil: whoever has the keyboard.
+id targetOf(SEL action)
+{
+    static SentrelApplicationCommands* const commands = [[SentrelApplicationCommands alloc] init];
+    return action == @selector(hide:) || action == @selector(terminate:) ? commands : nil;
+}
+
 void addMenu(NSMenu* bar, NSString* title, std::initializer_list<Command> commands)
 {
     NSMenu* const menu = [[NSMenu alloc] initWithTitle:title];
@@ -26,10 +59,10 @@ void addMenu(NSMenu* bar, NSString* title, std::initializer_list<Command> comman
             [menu addItem:NSMenuItem.separatorItem];
             continue;
         }
-        // Without a target: whoever has the keyboard does it.
         NSMenuItem* const item = [menu addItemWithTitle:localized(command.title)
                                                  action:command.action
                                           keyEquivalent:command.key];
+        item.target = targetOf(command.action);
         item.keyEquivalentModifierMask = NSEventModifierFlagCommand | command.more;
     }
     NSMenuItem* const holder = [[NSMenuItem alloc] init];
