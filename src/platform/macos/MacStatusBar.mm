@@ -1,6 +1,7 @@
 #include "platform/macos/MacStatusBar.hpp"
 
 #include "platform/macos/FoundationText.hpp"
+#include "platform/macos/MacWindows.hpp"
 #include "platform/macos/MenuPanel.hpp"
 
 #include <functional>
@@ -19,6 +20,10 @@
 
 - (void)clicked:(id)sender
 {
+    // The keyboard reaches the menu bar behind a shield, too.
+    if (sentrel::macos::isScreenShielded()) {
+        return;
+    }
     if (panel.isVisible) {
         [panel dismiss];
         return;
@@ -35,6 +40,16 @@
 namespace sentrel::macos {
 
 namespace {
+
+/// The asset, or a symbol of the system's: an item without an image can't be seen, nor clicked.
+NSImage* imageOf(NSString* asset)
+{
+    if (NSImage* const image = [NSImage imageNamed:asset]) {
+        return image;
+    }
+    NSString* const symbol = [asset hasSuffix:@"Armed"] ? @"checkmark.shield" : @"shield";
+    return [NSImage imageWithSystemSymbolName:symbol accessibilityDescription:nil];
+}
 
 class MacStatusItem final : public platform::StatusItem {
 public:
@@ -59,7 +74,7 @@ public:
 
     void setImage(const std::string& asset, const std::string& accessibilityLabel) override
     {
-        NSImage* const image = [NSImage imageNamed:stringObject(asset)];
+        NSImage* const image = imageOf(stringObject(asset));
         // In the color of the menu bar, light or dark.
         [image setTemplate:YES];
         item_.button.image = image;
