@@ -16,20 +16,30 @@ namespace sentrel {
 namespace {
 
 constexpr std::uint32_t ownersOnly = 0600;
-constexpr std::uint32_t asUsual = 0644;
+// Not every volume on which people keep photos can do more.
+constexpr std::nullopt_t asUsual = std::nullopt;
 
-/// Writes the file; one that can't be completed is taken away. 0 or an `errno` value.
-int writeFile(platform::FileSystem& files, const std::filesystem::path& path, std::uint32_t mode, BytesView content)
+/// 0 or an `errno` value.
+int fillFile(platform::FileSystem& files, const std::filesystem::path& path, std::optional<std::uint32_t> mode,
+             BytesView content)
 {
     int error = 0;
-    auto file = files.create(path, mode, error);
-    if (file == nullptr) {
-        return error;
+    const auto file = files.create(path, mode, error);
+    return file == nullptr ? error : file->write(content);
+}
+
+/// Writes the file; when that fails, what was there is still there. 0 or an `errno` value.
+int writeFile(platform::FileSystem& files, const std::filesystem::path& path, std::optional<std::uint32_t> mode,
+              BytesView content)
+{
+    std::filesystem::path partial = path;
+    partial += ".partial";
+    int error = fillFile(files, partial, mode, content);
+    if (error == 0) {
+        error = files.rename(partial, path);
     }
-    error = file->write(content);
-    file.reset();
     if (error != 0) {
-        files.remove(path);
+        files.remove(partial);
     }
     return error;
 }
@@ -85,7 +95,8 @@ Async<void> AlertPhotoExport::saveAs(std::string name, Photo photo)
     finish(ports_.language.localized("Couldn't Save Photo"), written);
 }
 
-Task<AlertPhotoExport::Written> AlertPhotoExport::write(std::filesystem::path file, std::uint32_t mode, Photo photo)
+Task<AlertPhotoExport::Written> AlertPhotoExport::write(std::filesystem::path file, std::optional<std::uint32_t> mode,
+                                                        Photo photo)
 {
     auto work = [&ports = ports_, file = std::move(file), mode, photo = std::move(photo)]() -> Written {
         const auto jpeg = ports.imageCodec.jpegRepresentation(*photo);

@@ -39,9 +39,10 @@ public:
 
     [[nodiscard]] virtual bool exists(const std::filesystem::path& file) = 0;
 
-    /// Makes a new file or empties the one that is there, with this mode; null when that fails, with `error` set.
-    [[nodiscard]] virtual std::unique_ptr<WritableFile> create(const std::filesystem::path& file, std::uint32_t mode,
-                                                               int& error) = 0;
+    /// Makes a new file or empties the one that is there, with this mode, or, without one, as new files are made there;
+    /// null when that fails, with `error` set.
+    [[nodiscard]] virtual std::unique_ptr<WritableFile> create(const std::filesystem::path& file,
+                                                               std::optional<std::uint32_t> mode, int& error) = 0;
 
     /// Puts the file in the other's place in one step.
     [[nodiscard]] virtual int rename(const std::filesystem::path& from, const std::filesystem::path& to) = 0;

@@ -14,6 +14,9 @@ namespace sentrel::posix {
 
 namespace {
 
+// Of a file for which no mode is asked: the umask takes off what the user doesn't want.
+constexpr mode_t usualMode = 0666;
+
 /// Makes a call that gives -1 on failure, again and again while signals interrupt it.
 template <class Call> auto uninterrupted(Call call)
 {
@@ -160,17 +163,17 @@ bool PosixFileSystem::exists(const std::filesystem::path& file)
     return ::stat(file.c_str(), &status) == 0;
 }
 
-std::unique_ptr<platform::WritableFile> PosixFileSystem::create(const std::filesystem::path& file, std::uint32_t mode,
-                                                                int& error)
+std::unique_ptr<platform::WritableFile> PosixFileSystem::create(const std::filesystem::path& file,
+                                                                std::optional<std::uint32_t> mode, int& error)
 {
-    const auto bits = static_cast<mode_t>(mode);
+    const auto bits = static_cast<mode_t>(mode.value_or(usualMode));
     Descriptor descriptor{file, O_WRONLY | O_CREAT | O_TRUNC | O_APPEND | O_NOFOLLOW, bits};
     if (!descriptor.isOpen()) {
         error = errno;
         return nullptr;
     }
     // Neither the umask nor the mode of a file that was there counts, and no byte is written before this holds.
-    error = errorOf(::fchmod(descriptor.number(), bits));
+    error = mode ? errorOf(::fchmod(descriptor.number(), bits)) : 0;
     if (error != 0) {
         return nullptr;
     }

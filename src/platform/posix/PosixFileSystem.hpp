@@ -14,8 +14,8 @@ public:
     [[nodiscard]] bool exists(const std::filesystem::path& file) override;
 
     /// A symbolic link in the file's place is not followed (`ELOOP`).
-    [[nodiscard]] std::unique_ptr<platform::WritableFile> create(const std::filesystem::path& file, std::uint32_t mode,
-                                                                 int& error) override;
+    [[nodiscard]] std::unique_ptr<platform::WritableFile>
+    create(const std::filesystem::path& file, std::optional<std::uint32_t> mode, int& error) override;
     [[nodiscard]] int rename(const std::filesystem::path& from, const std::filesystem::path& to) override;
     [[nodiscard]] int synchronizeDirectory(const std::filesystem::path& directory) override;
 

@@ -65,7 +65,7 @@ bool SimulatedFileSystem::exists(const std::filesystem::path& file)
 }
 
 std::unique_ptr<platform::WritableFile> SimulatedFileSystem::create(const std::filesystem::path& file,
-                                                                    std::uint32_t mode, int& error)
+                                                                    std::optional<std::uint32_t> mode, int& error)
 {
     error = begin("create", EACCES);
     if (error != 0) {

@@ -27,8 +27,8 @@ public:
     [[nodiscard]] std::optional<std::vector<std::string>> list(const std::filesystem::path& directory) override;
     [[nodiscard]] std::optional<Bytes> read(const std::filesystem::path& file) override;
     [[nodiscard]] bool exists(const std::filesystem::path& file) override;
-    [[nodiscard]] std::unique_ptr<platform::WritableFile> create(const std::filesystem::path& file, std::uint32_t mode,
-                                                                 int& error) override;
+    [[nodiscard]] std::unique_ptr<platform::WritableFile>
+    create(const std::filesystem::path& file, std::optional<std::uint32_t> mode, int& error) override;
     [[nodiscard]] int rename(const std::filesystem::path& from, const std::filesystem::path& to) override;
     [[nodiscard]] int synchronizeDirectory(const std::filesystem::path& directory) override;
     int remove(const std::filesystem::path& file) override;
