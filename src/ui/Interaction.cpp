@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <vector>
 
 namespace sentrel::ui {
 
@@ -97,6 +98,41 @@ bool submitField(const View& field)
 bool isUsable(const Node& node)
 {
     return node.isEnabled && !node.isBlocked;
+}
+
+/// The answer that the key gives to a dialog, or null: escape what cancels, return the first, unless that can't be
+/// undone.
+const Button* answerTo(const View& dialog, Key key)
+{
+    std::vector<const Button*> answers;
+    for (const View& child : dialog.children) {
+        const auto* const button = elementOf<Button>(child);
+        if (button != nullptr && !child.traits.isHidden && !child.traits.isDisabled) {
+            answers.push_back(button);
+        }
+    }
+    if (key == Key::returnKey && !answers.empty()) {
+        const Button::Role role = answers.front()->role;
+        const bool isCancel = role == Button::Role::cancel && answers.size() > 1;
+        return role == Button::Role::destructive || isCancel ? nullptr : answers.front();
+    }
+    const auto cancel = std::ranges::find(answers, Button::Role::cancel, &Button::role);
+    return key == Key::escape && cancel != answers.end() ? *cancel : nullptr;
+}
+
+bool answerDialog(const std::vector<Node>& nodes, Key key)
+{
+    for (const Node& node : nodes) {
+        const auto* const dialog = elementOf<Dialog>(*node.view);
+        const Button* const answer = dialog != nullptr && isUsable(node) ? answerTo(*node.view, key) : nullptr;
+        if (answer != nullptr) {
+            const Action dismiss = dialog->dismiss;
+            perform(answer->action);
+            perform(dismiss);
+            return true;
+        }
+    }
+    return false;
 }
 
 bool holdsRow(const View& list, const std::string& id)
@@ -223,6 +259,9 @@ Interaction pressKey(const View& root, Key key, std::string_view focusedIdentity
             pressButton(root, node, *button);
             return Interaction::done;
         }
+    }
+    if (answerDialog(nodes, key)) {
+        return Interaction::done;
     }
     for (const Node& node : nodes) {
         const auto& commands = node.view->traits.keyCommands;

@@ -41,7 +41,8 @@ Interaction clearText(const View& root, std::string_view wanted);
 Interaction selectRows(const View& root, std::string_view wanted, const std::set<std::string>& rows);
 
 /// Presses a key while the view of this identity (empty: none) has the keyboard: return submits a field, delete edits
-/// it. What no field takes goes to the button that has this shortcut, then to the window's key commands.
+/// it. What no field takes goes to the button that has this shortcut, then to the dialog in front (escape cancels,
+/// return gives its first answer if that can be undone), then to the window's key commands.
 Interaction pressKey(const View& root, Key key, std::string_view focusedIdentity);
 
 } // namespace sentrel::ui

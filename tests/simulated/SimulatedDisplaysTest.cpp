@@ -140,6 +140,10 @@ TEST_F(DisplaysTest, ACoverLiesOverEveryWindowAndATitledWindowCannotBeLostOrDest
         << "the cover is in front";
     EXPECT_EQ(town_.text, "Ulm");
     window_->orderOut();
+    titled->hostContent(titled->contentFrame(), 18);
+    titled->showContent(ui::text("behind").attach(ui::view(ui::Dialog{})));
+    EXPECT_FALSE(displays_.closeWindow("titled")) << "the question comes first";
+    titled->showContent(ui::text("behind"));
     EXPECT_TRUE(displays_.closeWindow("titled"));
     EXPECT_FALSE(titled->isVisible());
 }

@@ -1,5 +1,7 @@
 #include "platform/simulated/WindowList.hpp"
 
+#include "ui/Node.hpp"
+
 #include <algorithm>
 #include <cmath>
 #include <tuple>
@@ -33,6 +35,14 @@ bool isFrame(const platform::Rectangle& frame)
 {
     return std::isfinite(frame.x) && std::isfinite(frame.y) && std::isfinite(frame.width) &&
            std::isfinite(frame.height) && frame.width >= 0.0 && frame.height >= 0.0;
+}
+
+/// Whether a sheet or a dialog is attached to the window.
+bool isCovered(const ui::View& content)
+{
+    return std::ranges::any_of(ui::nodesOf(content), [](const ui::Node& node) {
+        return ui::elementOf<ui::Sheet>(*node.view) != nullptr || ui::elementOf<ui::Dialog>(*node.view) != nullptr;
+    });
 }
 
 bool setFrame(WindowState& window, const platform::Rectangle& frame)
@@ -79,6 +89,8 @@ public:
     void setIdentifier(const std::string& identifier) override { state_->identifier = identifier; }
     void setDelegate(platform::WindowDelegate delegate) override { state_->delegate = std::move(delegate); }
     void setFrame(const platform::Rectangle& frame, bool /*display*/) override { simulated::setFrame(*state_, frame); }
+    void setContentMinSize(const platform::Size& size) override { state_->contentMinSize = size; }
+    void setContentMaxSize(const platform::Size& size) override { state_->contentMaxSize = size; }
     void center() override
     {
         // As the system does it: horizontally in the middle, vertically somewhat above it.
@@ -194,7 +206,8 @@ void WindowList::orderOut(WindowState& window)
 
 bool WindowList::close(const WindowPtr& window)
 {
-    if (!has(*window, closable)) {
+    // What lies over a window comes first.
+    if (!has(*window, closable) || isCovered(window->content)) {
         return false;
     }
     const auto shouldClose = window->delegate.shouldClose;
