@@ -106,6 +106,19 @@ void PasscodeSetupSheet::save()
         return;
     }
     error_ = mistake();
+    changed();
+    if (!error_) {
+        with_.permit(weakAction(anchor_.weak(), &PasscodeSetupSheet::saveNow));
+    }
+}
+
+void PasscodeSetupSheet::saveNow()
+{
+    if (isSaving_) {
+        return;
+    }
+    // A login takes its time: somebody may have typed on.
+    error_ = mistake();
     if (!error_) {
         isSaving_ = true;
         tasks_.add(with_.actor.spawn(store(passcode_)));

@@ -31,6 +31,7 @@ public:
         UnlockPasscodeStore& passcodes;
         DetachedWork& derivations; ///< of an owner that lives longer, which waits for a derivation that is running
         platform::Language& language;
+        std::function<void(std::function<void()> save)> permit; ///< calls `save` once the user may replace the passcode
     };
 
     /// `onSaved` is called after a successful save, before `dismiss`, which may destroy the sheet.
@@ -50,6 +51,7 @@ private:
     void setPasscodeFocused(bool isFocused);
     void dismiss();
     void save();
+    void saveNow();
     [[nodiscard]] std::optional<std::string> mistake();
     Async<void> store(SecretText passcode);
     void changed();

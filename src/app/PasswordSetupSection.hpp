@@ -46,7 +46,8 @@ private:
     void askToRemove();
     void remove();
     void closeConfirmation();
-    void openSheet();
+    void openSheet(bool hasLoggedIn);
+    void replacePasscode(bool hasLoggedIn, std::function<void()> save);
     void closeSheet();
     void readPasscode();
     void changed();
