@@ -3,6 +3,7 @@
 #include "app/ViewParts.hpp"
 #include "app/WholeNumber.hpp"
 #include "cloud/CloudKitService.hpp"
+#include "cloud/MacPresenceService.hpp"
 #include "core/SettingsStore.hpp"
 #include "core/coordinator/AlarmCoordinator.hpp"
 #include "foundation/TextFormat.hpp"
@@ -20,6 +21,11 @@ constexpr double contentPadding = 20.0;
 constexpr SettingsEditor::Range strength{0.1, 1.0, std::nullopt};
 // By whole numbers, so that the limit is the number that is read beside it.
 constexpr SettingsEditor::Range attempts{1.0, 10.0, 1.0};
+
+ui::View notice(const char* id, const std::optional<std::string>& text)
+{
+    return warning(text.value_or("")).id(id).hidden(!text);
+}
 
 } // namespace
 
@@ -43,10 +49,13 @@ MacContentView::MacContentView(Collaborators collaborators, bool isComputerCompa
     follow(coordinator.motionWarning);
     follow(with_.cloud.isAvailable);
     follow(with_.cloud.isReachable);
+    follow(with_.cloud.lastSyncError);
+    follow(with_.presence.syncError);
 }
 
 void MacContentView::appeared()
 {
+    with_.coordinator.refreshAccelerometer();
     passwordSection_.appeared();
 }
 
@@ -88,9 +97,6 @@ ui::View MacContentView::status()
     const std::string state = localized(isArmed ? "Armed" : "Disarmed");
     const std::string& message = coordinator.statusMessage;
     const auto& trigger = coordinator.lastTrigger.get();
-    const auto notice = [](const char* id, const std::optional<std::string>& text) {
-        return warning(text.value_or("")).id(id).hidden(!text);
-    };
     return ui::section(localized("Status"),
                        {
                            ui::horizontalStack({ui::view(symbol(isArmed ? "lock.shield.fill" : "lock.open")),
@@ -115,12 +121,23 @@ ui::View MacContentView::triggers()
             editor_.checkbox(localized("When unplugged"), &AlarmSettings::triggerOnUnplugged),
             editor_.checkbox(localized("When lid closed"), &AlarmSettings::triggerOnLidClosed),
             editor_.checkbox(localized("On motion"), &AlarmSettings::triggerOnMotion),
+            notice("accelerometer", accelerometerNotice()),
             editor_.slider(localized("Motion sensitivity"), &AlarmSettings::motionSensitivity, strength)
                 .disabled(!settings.triggerOnMotion),
             editor_.checkbox(localized("On failed unlock"), &AlarmSettings::triggerOnFailedUnlock),
             editor_.slider(localized("Wrong attempts"), &AlarmSettings::failedUnlockAttemptLimit, attempts, limit)
                 .disabled(!settings.triggerOnFailedUnlock),
         });
+}
+
+std::optional<std::string> MacContentView::accelerometerNotice()
+{
+    // On an armed Mac the status says it, and on one that never arms there is nothing to choose.
+    const AlarmCoordinator& coordinator = with_.coordinator;
+    if (coordinator.hasAccelerometer() || coordinator.motionWarning.get() || !isComputerCompatible_) {
+        return std::nullopt;
+    }
+    return localized("Motion detection is unavailable on this Mac.");
 }
 
 ui::View MacContentView::options()
@@ -149,8 +166,15 @@ ui::View MacContentView::iCloud()
     const bool isAvailable = with_.cloud.isAvailable;
     const bool isReachable = with_.cloud.isReachable;
     const std::string reached = localized(isReachable ? "iCloud connected" : "No connection");
+    const std::optional<std::string>& syncError = with_.cloud.lastSyncError;
+    const std::optional<std::string>& presenceError = with_.presence.syncError;
     return ui::section(localized("iCloud"),
-                       {ui::text(isAvailable ? reached : localized("Sign in to iCloud")).id("line")});
+                       {
+                           ui::text(isAvailable ? reached : localized("Sign in to iCloud")).id("line"),
+                           notice("lastSyncError", syncError),
+                           // Mostly the same failure.
+                           notice("syncError", presenceError == syncError ? std::nullopt : presenceError),
+                       });
 }
 
 std::string MacContentView::localized(std::string_view text)

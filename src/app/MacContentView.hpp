@@ -16,6 +16,7 @@ namespace sentrel {
 
 class AlarmCoordinator;
 class CloudKitService;
+class MacPresenceService;
 class ProtectedActions;
 class SettingsStore;
 class UnlockPasscodeStore;
@@ -28,6 +29,7 @@ public:
         SettingsStore& settings;
         AlarmCoordinator& coordinator;
         CloudKitService& cloud;
+        MacPresenceService& presence;
         UnlockPasscodeStore& passcodes;
         ProtectedActions& protectedActions;
         platform::Language& language;
@@ -48,6 +50,7 @@ private:
     [[nodiscard]] ui::View heading();
     [[nodiscard]] ui::View status();
     [[nodiscard]] ui::View triggers();
+    [[nodiscard]] std::optional<std::string> accelerometerNotice();
     [[nodiscard]] ui::View options();
     [[nodiscard]] ui::View security();
     [[nodiscard]] ui::View iCloud();

@@ -43,7 +43,8 @@ SentrelApp::SentrelApp(platform::Platform& platform)
                 {platform.application, platform.remoteNotifications, platform.workspaceNotifications,
                  platform.previewPanel, platform.language, platform.journal}),
       scenes_(actor_, isComputerCompatible_,
-              {settings_, coordinator_, cloud_, alertsService_, passcodes_, passwordGate_, photoPreview_, windowHooks_},
+              {settings_, coordinator_, cloud_, alertsService_, presence_, passcodes_, passwordGate_, photoPreview_,
+               windowHooks_},
               platform),
       application_(platform.application)
 {

@@ -20,6 +20,7 @@ class AlarmCoordinator;
 class AlertPhotoPreview;
 class CloudKitService;
 class MacAlertsService;
+class MacPresenceService;
 class PasswordGate;
 class SettingsStore;
 class UnlockPasscodeStore;
@@ -33,6 +34,7 @@ public:
         AlarmCoordinator& coordinator;
         CloudKitService& cloud;
         MacAlertsService& alerts;
+        MacPresenceService& presence;
         UnlockPasscodeStore& passcodes;
         PasswordGate& passwordGate;
         AlertPhotoPreview& photoPreview;

@@ -227,6 +227,36 @@ TEST(ControlPanel, SaysWhereICloudStands)
         mac.cloud.isReachable = isReachable;
         EXPECT_EQ(lineOf(mac, "iCloud/line"), line);
     }
+    int redrawn = 0;
+    mac.panel.onChange = [&] { ++redrawn; };
+    mac.app().presence().syncError = "no answer";
+    EXPECT_THAT(std::tuple(lineOf(mac, "lastSyncError"), lineOf(mac, "syncError"), redrawn),
+                testing::FieldsAre("", "no answer", 1));
+    mac.cloud.lastSyncError = "storage full";
+    EXPECT_THAT(std::tuple(lineOf(mac, "lastSyncError"), lineOf(mac, "syncError"), redrawn),
+                testing::FieldsAre("storage full", "no answer", 2));
+    mac.app().presence().syncError = "storage full";
+    EXPECT_THAT(std::tuple(lineOf(mac, "lastSyncError"), lineOf(mac, "syncError")),
+                testing::FieldsAre("storage full", ""))
+        << "told once";
+}
+
+TEST(ControlPanel, LooksForTheAccelerometerEachTimeItAppears)
+{
+    constexpr const char* missing = "Motion detection is unavailable on this Mac.";
+    ControlsMac mac;
+    mac.set(&AlarmSettings::triggerOnMotion, true);
+    const auto lookWith = [&](bool isPresent) {
+        mac.mac().accelerometer.setPresent(isPresent);
+        mac.panel.appeared();
+        return std::tuple(lineOf(mac, "accelerometer"), lineOf(mac, "motionWarning"));
+    };
+    EXPECT_THAT(lookWith(true), testing::FieldsAre("", ""));
+    EXPECT_THAT(lookWith(false), testing::FieldsAre(missing, ""));
+    EXPECT_THAT(lookWith(true), testing::FieldsAre("", ""));
+    mac.arm();
+    EXPECT_THAT(lookWith(false), testing::FieldsAre("", missing));
+    EXPECT_THAT(lookWith(true), testing::FieldsAre("", missing)) << "nobody listens to it yet";
 }
 
 TEST(ControlPanel, SaysThatTheComputerIsNoMacBook)
@@ -345,6 +375,29 @@ TEST(PasscodeSetup, RemovesAfterAConfirmationAndAnArmedMacAsksForTheLogin)
     mac.press(mac.panel, "Set Passcode");
     EXPECT_TRUE(mac.shows(mac.panel, "passcodeSetup")) << "setting one protects, and needs no login";
     EXPECT_EQ(mac.loginsAsked(), 4U);
+}
+
+TEST(PasscodeSetup, ASheetThatWasOpenBeforeTheMacWasArmedAsksForTheLoginWhenItSaves)
+{
+    ControlsMac mac;
+    const auto saves = [&](const char* passcode) {
+        const auto asked = mac.loginsAsked();
+        mac.press(mac.panel, "save");
+        return std::tuple(mac.app().passcodes().verifyStoredPasscode(bytesOf(passcode)), mac.loginsAsked() - asked);
+    };
+    enterPasscode(mac, "first");
+    mac.arm();
+    EXPECT_THAT(saves("first"), testing::FieldsAre(true, 0U)) << "setting one protects";
+    mac.set(&AlarmSettings::isArmed, false);
+    enterPasscode(mac, "second");
+    mac.arm();
+    mac.login(LoginAnswer::fail);
+    EXPECT_THAT(saves("second"), testing::FieldsAre(false, 1U));
+    EXPECT_TRUE(mac.isEnabled(mac.panel, "save"));
+    mac.login(LoginAnswer::succeed);
+    EXPECT_THAT(saves("second"), testing::FieldsAre(true, 1U));
+    enterPasscode(mac, "third");
+    EXPECT_THAT(saves("third"), testing::FieldsAre(true, 0U)) << "it was asked for when the sheet opened";
 }
 
 } // namespace

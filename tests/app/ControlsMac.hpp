@@ -108,8 +108,8 @@ public:
                      app().isComputerCompatible(),
                      {[this] { done.emplace_back("dismiss"); }, [this] { done.emplace_back("main"); },
                       [this] { done.emplace_back("alerts"); }, [this] { done.emplace_back("quit"); }}};
-    MacContentView panel{{MainActor{scheduler_}, app().settings(), coordinator(), cloud, app().passcodes(),
-                          protectedActions, mac().language},
+    MacContentView panel{{MainActor{scheduler_}, app().settings(), coordinator(), cloud, app().presence(),
+                          app().passcodes(), protectedActions, mac().language},
                          app().isComputerCompatible()};
 };
 

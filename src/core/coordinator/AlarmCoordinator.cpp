@@ -133,6 +133,14 @@ void AlarmCoordinator::updateScreenGuard(const AlarmSettings& settings)
     }
 }
 
+void AlarmCoordinator::refreshAccelerometer()
+{
+    // One that has come since doesn't take the warning back: nobody listens to it before the watch starts anew.
+    if (!motionMonitor_.refreshAvailability() && isArmed) {
+        refreshMotionWarning(with_.settings.settings());
+    }
+}
+
 std::string AlarmCoordinator::localized(std::string_view text)
 {
     return ports_.language.localized(text);

@@ -98,6 +98,13 @@ public:
     /// Starts or cancels the delayed lock screen after a change of settings while armed.
     void updateScreenGuard(const AlarmSettings& settings);
 
+    /// Looks again whether this Mac has an accelerometer, and warns when an armed Mac that watches motion has none
+    /// left.
+    void refreshAccelerometer();
+
+    /// What the last look, or the last start of the watch, has found.
+    [[nodiscard]] bool hasAccelerometer() const { return motionMonitor_.isAccelerometerAvailable(); }
+
     /// A trigger has fired. Ignored while disarmed.
     void trigger(TriggerReason reason);
 
