@@ -36,7 +36,10 @@ MacAlertsContentView::MacAlertsContentView(Collaborators collaborators)
 
 void MacAlertsContentView::appeared()
 {
-    with_.alerts.startRefresh();
+    // Opened again while the list still comes for the first time: a new start would only make it come later.
+    if (with_.alerts.hasLoadedInitialAlerts || !with_.alerts.isLoading) {
+        with_.alerts.startRefresh();
+    }
 }
 
 ui::View MacAlertsContentView::body()

@@ -15,6 +15,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <fstream>
+#include <tuple>
+
 namespace sentrel::test {
 namespace {
 
@@ -144,7 +147,11 @@ TEST_F(AlertsWindowTest, LoadsThenSaysThatThereIsNothing)
 {
     EXPECT_THAT(ui::visibleTexts(window_.body()),
                 ElementsAre("Loading alerts…", "Toggle Sidebar", "Refresh", "Delete Alert"));
-    open();
+    // Somebody impatient, who closes the window and opens it again.
+    for (int i = 0; i < 100; ++i) {
+        window_.appeared();
+        world_.clock.advance(std::chrono::milliseconds{20});
+    }
     EXPECT_THAT(ui::visibleTexts(window_.body()),
                 ElementsAre("No Alerts Yet", "Arm Sentrel on this Mac. When a trigger fires, alerts appear here.",
                             "Toggle Sidebar", "Refresh", "Delete Alert"));
@@ -262,6 +269,7 @@ TEST_F(AlertsWindowTest, SavesUnderTheAlertsDateWhateverTheLocale)
     }
     const auto saved = mac_.posixFiles.read(mac_.disk / "Downloads" / "alert_2026-03-05_14-07-09.jpg");
     ASSERT_TRUE(saved);
+    EXPECT_EQ(mac_.posixFiles.list(mac_.disk / "Downloads")->size(), 1U);
     EXPECT_EQ(codec_.pixelSize(*saved), (platform::PixelSize{40, 30}));
 }
 
@@ -276,21 +284,30 @@ TEST_F(AlertsWindowTest, SaysWhyAPhotoCouldNotBeSaved)
     EXPECT_FALSE(shows("photoFailure")) << "cancelling is no failure";
 
     savePanels_.setAnswer({.isCancelled = false, .folder = {}, .name = "photo.jpg"});
-    const std::pair<const char*, const char*> faults[] = {{"create", "Permission denied"},
-                                                          {"write", "No space left on device"}};
-    for (const auto& [fault, message] : faults) {
+    const auto downloads = mac_.disk / "Downloads";
+    const std::tuple<const char*, const char*, bool> faults[] = {{"create", "Permission denied", false},
+                                                                 {"write", "No space left on device", false},
+                                                                 {"write", "No space left on device", true},
+                                                                 {"rename", "Permission denied", true}};
+    for (const auto& [fault, message, isThere] : faults) {
+        if (isThere) {
+            std::ofstream{downloads / "photo.jpg"} << "older";
+        }
         mac_.files.faults().set(fault, 1);
         press("Download Photo");
         EXPECT_THAT(textsIn("photoFailure"), ElementsAre("Couldn't Save Photo", message, "OK"));
         EXPECT_EQ(press("Refresh"), ui::Interaction::unreachable) << "it has to be read first";
         press("OK");
         EXPECT_FALSE(shows("photoFailure"));
-        EXPECT_FALSE(mac_.posixFiles.exists(mac_.disk / "Downloads" / "photo.jpg")) << "no half file stays";
+        EXPECT_EQ(mac_.posixFiles.list(downloads)->size(), isThere ? 1U : 0U) << "no half file stays";
+        EXPECT_EQ(mac_.posixFiles.read(downloads / "photo.jpg") == bytesOf("older"), isThere) << "nor does one go";
     }
     select({half});
     press("Download Photo");
     EXPECT_THAT(textsIn("photoFailure"),
                 ElementsAre("Couldn't Save Photo", "The photo could not be converted for saving.", "OK"));
+    EXPECT_EQ(ui::pressKey(window_.body(), ui::Key::returnKey, ""), ui::Interaction::done);
+    EXPECT_FALSE(shows("photoFailure"));
 }
 
 TEST_F(AlertsWindowTest, OnePhotoIsTakenOutAtATime)
