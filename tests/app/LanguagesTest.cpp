@@ -27,10 +27,9 @@ std::string contentOf(const fs::path& file)
     return {std::istreambuf_iterator<char>{stream}, {}};
 }
 
-simulated::StringsTable tableOf(const std::string& language)
+simulated::StringsTable tableOf(const std::string& language, const char* name = "Localizable.strings")
 {
-    return simulated::parseStringsFile(
-        bytesOf(contentOf(root / "resources" / (language + ".lproj") / "Localizable.strings")));
+    return simulated::parseStringsFile(bytesOf(contentOf(root / "resources" / (language + ".lproj") / name)));
 }
 
 std::vector<std::string> matchesOf(const std::string& text, const char* pattern)
@@ -114,6 +113,27 @@ TEST(Languages, EveryTableTranslatesWhatTheEnglishOneHasWithTheSamePlaceholders)
         }
         EXPECT_EQ(table.texts.size(), english.texts.size()) << language << " has texts that nobody shows";
         EXPECT_LE(untranslated, 3U) << language; // "Options", "Code", "OK" and the like
+    }
+}
+
+TEST(Languages, EveryPromptOfTheSystemIsTranslated)
+{
+    constexpr const char* pattern = R"(<key>(NS\w+UsageDescription)</key>\s*<string>([^<]*)</string>)";
+    const std::string list = contentOf(root / "src" / "platform" / "macos" / "Info.plist.in");
+    simulated::StringsTable prompts;
+    const std::regex expression{pattern};
+    for (std::sregex_iterator match{list.begin(), list.end(), expression}; match != std::sregex_iterator{}; ++match) {
+        prompts.texts.emplace(match->str(1), match->str(2));
+    }
+    EXPECT_FALSE(prompts.texts.empty());
+    EXPECT_EQ(tableOf("en", "InfoPlist.strings").texts, prompts.texts);
+    for (const std::string language : {"de", "es", "fr", "ja", "zh-Hans"}) {
+        const auto table = tableOf(language, "InfoPlist.strings");
+        EXPECT_TRUE(table.damages.empty()) << language;
+        EXPECT_EQ(table.texts.size(), prompts.texts.size()) << language;
+        for (const auto& [key, text] : table.texts) {
+            EXPECT_TRUE(prompts.texts.contains(key) && prompts.texts.at(key) != text) << language << ": " << key;
+        }
     }
 }
 
