@@ -24,29 +24,41 @@ LoginItemToggle::LoginItemToggle(platform::LoginItem& loginItem, ProtectedAction
 
 void LoginItemToggle::refresh()
 {
-    const bool isEnabled = loginItem_.status() == enabled;
-    if (isEnabled == openAtLogin_) {
+    const std::int64_t status = loginItem_.status();
+    if (status == status_) {
         return;
     }
-    openAtLogin_ = isEnabled;
+    status_ = status;
     refusal_.reset(); // it was about another state
     changed();
+}
+
+bool LoginItemToggle::isRegistered() const
+{
+    // One that waits for the user's approval is registered, too, and can be withdrawn.
+    return status_ == enabled || status_ == requiresApproval;
 }
 
 ui::View LoginItemToggle::body()
 {
     return ui::toggle(language_.localized("Open at login"),
-                      weakBinding(anchor_.weak(), openAtLogin_, &LoginItemToggle::set))
+                      weakBinding(anchor_.weak(), isRegistered(), &LoginItemToggle::set))
         .id("openAtLogin");
 }
 
 ui::View LoginItemToggle::notice() const
 {
-    return ui::verticalStack({warning(language_.localized("Couldn't change whether Sentrel opens at login.")),
-                              ui::text(refusal_.value_or(""), ui::Text::Style::caption, ui::Text::Color::secondary)},
-                             2.0, ui::Stack::Alignment::leading)
+    const bool isWaiting = !refusal_ && status_ == requiresApproval;
+    const std::string why =
+        isWaiting ? language_.localized("Allow Sentrel under Login Items in System Settings.") : refusal_.value_or("");
+    return ui::verticalStack(
+               {
+                   warning(language_.localized("Couldn't change whether Sentrel opens at login.")).hidden(!refusal_),
+                   ui::text(why, ui::Text::Style::caption, ui::Text::Color::secondary),
+               },
+               2.0, ui::Stack::Alignment::leading)
         .id("loginItemNotice")
-        .hidden(!refusal_);
+        .hidden(!refusal_ && !isWaiting);
 }
 
 void LoginItemToggle::set(bool isOn)
@@ -66,11 +78,7 @@ void LoginItemToggle::set(bool isOn)
 void LoginItemToggle::write(bool isOn)
 {
     refusal_ = isOn ? loginItem_.registerItem() : loginItem_.unregisterItem();
-    const std::int64_t status = loginItem_.status();
-    openAtLogin_ = status == enabled;
-    if (isOn && !refusal_ && status == requiresApproval) {
-        refusal_ = language_.localized("Allow Sentrel under Login Items in System Settings.");
-    }
+    status_ = loginItem_.status();
     changed();
 }
 

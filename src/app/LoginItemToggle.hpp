@@ -3,6 +3,7 @@
 #include "runtime/Weak.hpp"
 #include "ui/View.hpp"
 
+#include <cstdint>
 #include <functional>
 #include <optional>
 #include <string>
@@ -30,10 +31,11 @@ public:
 
     [[nodiscard]] ui::View body();
 
-    /// Hidden unless the last change was refused.
+    /// Hidden unless the last change was refused, or waits for the user's approval.
     [[nodiscard]] ui::View notice() const;
 
 private:
+    [[nodiscard]] bool isRegistered() const;
     void set(bool isOn);
     void write(bool isOn);
     void changed();
@@ -41,7 +43,7 @@ private:
     platform::LoginItem& loginItem_;
     ProtectedActions& protectedActions_;
     platform::Language& language_;
-    bool openAtLogin_ = false;
+    std::int64_t status_ = 0; ///< an `SMAppServiceStatus`
     std::optional<std::string> refusal_;
     WeakAnchor<LoginItemToggle> anchor_{*this};
 };

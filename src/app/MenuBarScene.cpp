@@ -13,7 +13,10 @@ void MenuBarScene::appear(Content content)
 {
     content_ = std::move(content);
     item_ = statusBar_.makeStatusItem();
-    item_->setOpened(content_.opened);
+    item_->setOpened([this] {
+        content_.opened();
+        draw(); // at once: the menu shall not begin with what it showed the last time
+    });
     draw();
 }
 

@@ -188,6 +188,27 @@ TEST(MenuBar, OpensAtLoginAsTheSystemHasIt)
     mac.menu.opened();
     EXPECT_TRUE(isOn());
     EXPECT_FALSE(mac.shows(mac.menu, notice));
+
+    mac.press(mac.menu, "openAtLogin");
+    mac.loginItem.faults().set("approval");
+    mac.press(mac.menu, "openAtLogin");
+    constexpr const char* hint = "Allow Sentrel under Login Items in System Settings.";
+    EXPECT_TRUE(isOn() && mac.shows(mac.menu, hint));
+    EXPECT_FALSE(mac.shows(mac.menu, notice));
+    mac.press(mac.menu, "openAtLogin");
+    EXPECT_FALSE(isOn() || mac.shows(mac.menu, hint));
+    EXPECT_EQ(mac.loginItem.status(), 0) << "what waits for approval can be withdrawn";
+}
+
+TEST(MenuBar, OpensWithWhatIsSoNow)
+{
+    ControlsMac mac;
+    mac.session().onMain([&](SentrelApp&) {
+        static_cast<void>(mac.mac().loginItem.setStatus(1)); // in the system's settings
+        EXPECT_TRUE(mac.mac().statusBar.openMenu());
+        const ui::View menu = mac.mac().statusBar.item()->menu;
+        EXPECT_TRUE(ui::elementOf<ui::Toggle>(*ui::find(menu, "openAtLogin")->view)->isOn.value);
+    });
 }
 
 } // namespace

@@ -17,6 +17,7 @@ namespace {
 // SMAppServiceStatus
 constexpr std::int64_t notRegistered = 0;
 constexpr std::int64_t enabled = 1;
+constexpr std::int64_t requiresApproval = 2;
 constexpr std::int64_t notFound = 3;
 
 constexpr std::uint32_t fileMode = 0600;
@@ -42,7 +43,10 @@ std::int64_t SimulatedLoginItem::status()
 
 std::optional<std::string> SimulatedLoginItem::registerItem()
 {
-    return faults_.strikes("register") ? std::optional<std::string>{"Operation not permitted"} : setStatus(enabled);
+    if (faults_.strikes("register")) {
+        return "Operation not permitted";
+    }
+    return setStatus(faults_.strikes("approval") ? requiresApproval : enabled);
 }
 
 std::optional<std::string> SimulatedLoginItem::unregisterItem()

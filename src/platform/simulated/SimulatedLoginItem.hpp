@@ -15,7 +15,8 @@ namespace sentrel::simulated {
 /// The system's list of login items as far as it concerns the product, kept in a JSON file: {"status": 1}. A file that
 /// holds anything else reads as not registered. A change notes `login-item` {status}.
 ///
-/// Faults: `register`, `unregister` (the system refuses).
+/// Faults: `register`, `unregister` (the system refuses), `approval` (a new registration waits for the user's
+/// approval).
 class SimulatedLoginItem final : public platform::LoginItem {
 public:
     SimulatedLoginItem(platform::FileSystem& files, platform::Journal& journal, std::filesystem::path file);
@@ -33,7 +34,7 @@ private:
     platform::FileSystem& files_;
     platform::Journal& journal_;
     const std::filesystem::path file_;
-    FaultSwitches faults_{"register", "unregister"};
+    FaultSwitches faults_{"register", "unregister", "approval"};
 };
 
 } // namespace sentrel::simulated
