@@ -17,6 +17,7 @@
 #include "platform/PreviewPanel.hpp"
 #include "platform/RemoteNotifications.hpp"
 #include "platform/WorkspaceNotifications.hpp"
+#include "runtime/CurrentTask.hpp"
 #include "runtime/WeakCall.hpp"
 
 #include <utility>
@@ -174,10 +175,13 @@ Async<void> MacAppDelegate::cleanUpAndQuit()
     with_.presence.stopHeartbeat();
     try {
         co_await AsyncTimeout::run<void>(actor_, lastPublicationLimit, with_.presence.publishState());
-    } catch (const CancellationError&) {
-        throw;
     } catch (const std::exception&) {
         // Too late, or not at all: a missing network never holds up the end.
+    }
+    // Somebody else's cancellation leaves the system without an answer as little as any error.
+    const bool isCancelled = co_await isTaskCancelled();
+    if (isCancelled) {
+        throw CancellationError{};
     }
     quitCleanupDone_ = true;
     ports_.application.replyToShouldTerminate(true);
