@@ -34,9 +34,11 @@ struct Question {
     std::vector<ui::View> answers;
     ui::Action dismiss;
     bool isWanted = true;
+    bool hasEnded = false;
 
     void answer(NSModalResponse response)
     {
+        hasEnded = true;
         if (!isWanted) {
             return;
         }
@@ -57,7 +59,10 @@ public:
     ~DialogOverlay() override
     {
         question_->isWanted = false;
-        [alert_.window.sheetParent endSheet:alert_.window returnCode:NSModalResponseAbort];
+        // Through the window that was asked: an alert that still waits for its turn has no parent.
+        if (hasBegun_ && !question_->hasEnded) {
+            [parent_ endSheet:alert_.window returnCode:NSModalResponseAbort];
+        }
     }
 
     [[nodiscard]] bool suits(const ui::View& attachment) const override
@@ -65,7 +70,10 @@ public:
         if (ui::elementOf<ui::Dialog>(attachment) == nullptr) {
             return false;
         }
-        // The buttons of an alert are made once.
+        // An alert is shown once, and its buttons are made once.
+        if (question_->hasEnded) {
+            return false;
+        }
         return !hasBegun_ || answersOf(attachment).size() == question_->answers.size();
     }
 
@@ -80,6 +88,7 @@ public:
         alert_.informativeText = stringObject(dialog.message);
         if (!hasBegun_ && window != nil) {
             hasBegun_ = true;
+            parent_ = window;
             begin(window);
         }
         showButtons();
@@ -123,6 +132,7 @@ private:
 
     const std::shared_ptr<Question> question_ = std::make_shared<Question>();
     NSAlert* const alert_ = [[NSAlert alloc] init];
+    __weak NSWindow* parent_ = nil;
     bool hasBegun_ = false;
 };
 

@@ -43,6 +43,12 @@ using sentrel::ui::Key;
     return YES;
 }
 
+/// The tab key finds the controls in it, not the view, of which nothing is to be seen.
+- (BOOL)canBecomeKeyView
+{
+    return NO;
+}
+
 - (void)keyDown:(NSEvent*)event
 {
     const auto key = sentrel::macos::keyOf(event);

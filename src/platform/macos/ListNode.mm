@@ -30,6 +30,10 @@ NSIndexSet* indexSet(const std::vector<std::size_t>& indexes)
 std::vector<std::size_t> placesOf(NSIndexSet* set)
 {
     std::vector<std::size_t> places;
+    // Without a set each index would be 0, again and again.
+    if (set == nil) {
+        return places;
+    }
     for (NSUInteger index = set.firstIndex; index != NSNotFound; index = [set indexGreaterThanIndex:index]) {
         places.push_back(index);
     }
@@ -152,6 +156,7 @@ void setBackground(NSView* view, NSBackgroundStyle style)
     sentrel::ui::List::Selection mode;
     BOOL isUpdating;      ///< the table changes because the tree did
     BOOL hasNewSelection; ///< the person's, not told yet
+    std::set<std::string> newSelection;
 }
 - (void)fill:(SentrelRowCell*)cell at:(NSInteger)row;
 - (std::set<std::string>)selectedIn:(NSTableView*)table;
@@ -221,27 +226,28 @@ void setBackground(NSView* view, NSBackgroundStyle style)
 
 - (void)tableViewSelectionDidChange:(NSNotification*)notification
 {
-    if (isUpdating || hasNewSelection) {
+    if (isUpdating) {
+        return;
+    }
+    // Now, while the rows are those that the person has seen.
+    newSelection = [self selectedIn:notification.object];
+    if (hasNewSelection) {
         return;
     }
     hasNewSelection = YES;
     // Not from within the table's own event: the new tree may take the table away.
     __weak SentrelListController* const weakSelf = self;
-    __weak NSTableView* const weakTable = notification.object;
     dispatch_async(dispatch_get_main_queue(), ^{
-        SentrelListController* const controller = weakSelf;
-        if (controller != nil) {
-            [controller tellSelectionOf:weakTable];
-        }
+        [weakSelf tellSelection];
     });
 }
 
-- (void)tellSelectionOf:(NSTableView*)table
+- (void)tellSelection
 {
     hasNewSelection = NO;
-    const auto selected = [self selectedIn:table];
+    const auto selected = std::exchange(newSelection, {});
     const auto set = selection.set; // a copy: the new tree brings another
-    if (table != nil && set && selected != selection.value) {
+    if (set && selected != selection.value) {
         set(selected);
     }
 }
