@@ -1,7 +1,7 @@
 // The MacBook as a thing: what a person, or a thief, does to it.
 
 import { card, choice, h, set, slider } from "./dom.js";
-import { act, latest, post } from "./server.js";
+import { act, latest, post, report } from "./server.js";
 import { Trace } from "./trace.js";
 
 const percent = (value) => `${Math.round(value * 100)} %`;
@@ -144,6 +144,7 @@ class Webcam {
         try {
             this.#stream = await navigator.mediaDevices.getUserMedia({ video: { width: 1280, height: 720 } });
         } catch {
+            report("The webcam can't be used: there is none, or the browser does not allow it.");
             return;
         }
         const video = h("video", { muted: true, playsInline: true });

@@ -69,6 +69,9 @@ export function onProblem(show) {
     complain = show;
 }
 
+/// Shows the person what went wrong.
+export const report = (text) => complain(text);
+
 /// Sends a request; true when it was done. What the server refuses is shown to the person, unless nobody minds.
 export async function post(path, body, { isOptional = false } = {}) {
     try {
