@@ -2,7 +2,7 @@
 
 import assert from "node:assert/strict";
 import test from "node:test";
-import { coloursOf } from "./support/desk.js";
+import { coloursOf, meanColourOf } from "./support/desk.js";
 import { fallsSilent, listen } from "./support/ear.js";
 import { openPage, sitDown } from "./support/sitting.js";
 
@@ -68,4 +68,19 @@ test("two pages show the same Mac", async (t) => {
     await other.button("Log in", other.screen).waitFor({ state: "detached" });
     await stop.waitFor({ state: "detached" });
     assert.equal(await other.story.innerText(), await one.story.innerText());
+});
+
+test("the visitor's own webcam is what the Mac's camera sees", async (t) => {
+    const desk = await sitDown(t);
+    const source = desk.hardware.getByRole("group", { name: "Camera sees" });
+    await desk.button("Your webcam", source).click();
+    await desk.page.getByRole("alert").getByText("The webcam can't be used").waitFor();
+    await desk.page.context().grantPermissions(["camera"]);
+    await desk.button("Your webcam", source).click();
+    await source.locator("[aria-pressed=true]").getByText("Your webcam").waitFor();
+    await desk.haveAnAlert();
+    const [red, green, blue] = await meanColourOf(desk.button("Photo: Unplugged", desk.phone).locator("img"));
+    assert.ok(green > red + 40 && green > blue + 40, `the photo is the webcam's: ${[red, green, blue]}`);
+    await desk.button("A café", source).click();
+    await source.locator("[aria-pressed=true]").getByText("A café").waitFor();
 });

@@ -27,6 +27,7 @@ const quiet = [
     "--disable-background-networking",
     "--disable-component-update",
     "--disable-sync",
+    "--use-fake-device-for-media-stream", // a webcam that shows a green picture with a moving disc
 ];
 
 let browser;

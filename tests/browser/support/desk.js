@@ -89,3 +89,14 @@ export function differenceOf(image, file) {
         return one.reduce((sum, value, index) => sum + Math.abs(value - other[index]), 0) / one.length;
     }, [...file]);
 }
+
+/// A picture's mean colour: red, green and blue, of 255.
+export function meanColourOf(image) {
+    return image.evaluate(async (element) => {
+        await element.decode();
+        const context = new OffscreenCanvas(1, 1).getContext("2d");
+        context.imageSmoothingQuality = "high";
+        context.drawImage(element, 0, 0, 1, 1);
+        return [...context.getImageData(0, 0, 1, 1).data.slice(0, 3)];
+    });
+}
