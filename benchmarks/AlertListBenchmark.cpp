@@ -29,6 +29,7 @@ public:
     {
         return false;
     }
+    [[nodiscard]] std::size_t characterCount(std::string_view text) override { return text.size(); }
 };
 
 /// Alerts of three years. A tenth of those on this Mac, where no more than a thousand are kept, is in the cloud too.

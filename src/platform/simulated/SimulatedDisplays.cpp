@@ -76,6 +76,20 @@ std::vector<WindowState> SimulatedDisplays::covers() const
     return covers;
 }
 
+std::vector<SimulatedDisplays::SeenWindow> SimulatedDisplays::seenCovers() const
+{
+    const auto covers = visibleCovers();
+    return {covers.begin(), covers.end()};
+}
+
+std::vector<SimulatedDisplays::SeenWindow> SimulatedDisplays::seenWindows() const
+{
+    std::vector<SeenWindow> windows;
+    std::ranges::copy_if(windows_.frontToBack(), std::back_inserter(windows),
+                         [](const WindowPtr& window) { return window->level < shielding; });
+    return windows;
+}
+
 bool SimulatedDisplays::isCovered(std::size_t display) const
 {
     return std::ranges::any_of(visibleCovers(), [&](const auto& window) {
@@ -87,10 +101,8 @@ bool SimulatedDisplays::isCovered(std::size_t display) const
 std::vector<WindowState> SimulatedDisplays::windows() const
 {
     std::vector<WindowState> windows;
-    for (const WindowPtr& window : windows_.frontToBack()) {
-        if (window->level < shielding) {
-            windows.push_back(*window);
-        }
+    for (const SeenWindow& window : seenWindows()) {
+        windows.push_back(*window);
     }
     return windows;
 }
@@ -134,6 +146,7 @@ std::uint64_t SimulatedDisplays::version() const
     const auto add = [&version](std::uint64_t part) { version = version * 1099511628211ULL + part; };
     for (const WindowPtr& window : windows_.all()) {
         add(window->contentVersion);
+        add(window->order);
         add(static_cast<std::uint64_t>(window->isVisible) * 2 + static_cast<std::uint64_t>(window->isKey));
         add(std::hash<std::string>{}(window->focusedIdentity));
         for (const double length : {window->frame.x, window->frame.y, window->frame.width, window->frame.height}) {

@@ -61,6 +61,11 @@ public:
     /// The visible windows below the shielding level, the one in front first.
     [[nodiscard]] std::vector<WindowState> windows() const;
 
+    /// What `windows` and `covers` copy, as it is now: for looking only, before anything else happens.
+    using SeenWindow = std::shared_ptr<const WindowState>;
+    [[nodiscard]] std::vector<SeenWindow> seenWindows() const;
+    [[nodiscard]] std::vector<SeenWindow> seenCovers() const;
+
     /// The window of this identifier, also while it is hidden; none when the product hasn't made it.
     [[nodiscard]] std::optional<WindowState> window(std::string_view identifier) const;
 

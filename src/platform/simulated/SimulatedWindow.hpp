@@ -24,6 +24,7 @@ inline constexpr double maximumSize = std::numeric_limits<float>::max();
 
 /// What can be seen of a window, and how it was set up.
 struct WindowState {
+    std::uint64_t number = 0; ///< no other window ever has it
     platform::WindowDescription description;
     std::string title;
     std::string identifier;

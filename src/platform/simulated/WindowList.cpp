@@ -141,6 +141,7 @@ private:
 std::unique_ptr<platform::Window> WindowList::open(const platform::WindowDescription& description)
 {
     auto state = std::make_shared<WindowState>();
+    state->number = ++opened_;
     state->description = description;
     state->frame = frameAround(*state, description.contentRectangle);
     windows_.push_back(state);

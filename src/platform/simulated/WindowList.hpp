@@ -61,6 +61,7 @@ private:
     class Handle;
 
     std::vector<WindowPtr> windows_;
+    std::uint64_t opened_ = 0;
     std::uint64_t ordered_ = 0;
 };
 

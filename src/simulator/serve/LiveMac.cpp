@@ -15,6 +15,12 @@ namespace {
 constexpr double shortestMotionPause = 0.05; // seconds
 constexpr std::size_t mostSamples = 100;
 
+/// A member of an object's text, to be added to those before.
+std::string member(const std::string& before, const std::string& name, const std::string& value)
+{
+    return (before.empty() ? "\"" : ",\"") + name + "\":" + value;
+}
+
 } // namespace
 
 LiveMac::LiveMac(const Scenario& scenario, const std::filesystem::path& disk, const std::filesystem::path& resources,
@@ -81,12 +87,13 @@ std::shared_ptr<EventHub::Subscriber> LiveMac::listen()
         if (subscriber == nullptr) {
             return subscriber;
         }
-        Json all = Json::object();
-        for (auto& [room, value] : rooms(true)) {
-            all[room] = std::move(value);
+        state_.redraw();
+        std::string all;
+        for (const auto& [room, text] : rooms(true)) {
+            all += member(all, room, text);
         }
-        all["story"] = story_.from(0);
-        hub_.send(*subscriber, "state", all.dump(-1, ' ', false, Json::error_handler_t::replace));
+        all += member(all, "story", PageState::textOf(story_.from(0)));
+        hub_.send(*subscriber, "state", "{" + all + "}");
         return subscriber;
     });
 }
@@ -142,19 +149,19 @@ bool LiveMac::mayHaveChanged()
     return isTouched_;
 }
 
-std::map<std::string, Json> LiveMac::rooms(bool withPhone)
+std::map<std::string, std::string> LiveMac::rooms(bool withPhone)
 {
-    std::map<std::string, Json> rooms;
-    rooms["run"] = state_.run();
-    rooms["menuBar"] = state_.menuBar();
+    std::map<std::string, std::string> rooms;
+    rooms["run"] = PageState::textOf(state_.run());
+    rooms["menuBar"] = PageState::textOf(state_.menuBar());
     rooms["screen"] = state_.screen();
-    rooms["panels"] = state_.panels();
-    rooms["hardware"] = state_.hardware();
-    rooms["sound"] = state_.sound();
-    rooms["cloud"] = state_.cloud();
+    rooms["panels"] = PageState::textOf(state_.panels());
+    rooms["hardware"] = PageState::textOf(state_.hardware());
+    rooms["sound"] = PageState::textOf(state_.sound());
+    rooms["cloud"] = PageState::textOf(state_.cloud());
     if (withPhone) {
         try {
-            rooms["phone"] = state_.phone();
+            rooms["phone"] = PageState::textOf(state_.phone());
         } catch (const platform::CloudError&) {
             // Its server can't be read now; what it showed stays.
         }
@@ -166,28 +173,30 @@ void LiveMac::tellChanges()
 {
     isTouched_ = false;
     std::string changes;
-    for (const auto& [room, value] : rooms(std::exchange(isLogRead_, false))) {
-        std::string text = value.dump(-1, ' ', false, Json::error_handler_t::replace);
+    for (auto& [room, text] : rooms(std::exchange(isLogRead_, false))) {
         // Time goes by without being told: the page has a clock.
-        Json untimed;
-        if (room == "run") {
-            untimed = value;
-            untimed.erase("date");
-        }
-        const std::string compared = room == "run" ? untimed.dump() : text;
+        const bool isTimed = room == "run";
+        std::string untimed = isTimed ? untimedRun() : std::string{};
         std::string& before = told_[room];
-        if (before != compared) {
-            before = compared;
-            changes += (changes.empty() ? "\"" : ",\"") + room + "\":" + text;
+        if (before != (isTimed ? untimed : text)) {
+            changes += member(changes, room, text);
+            before = std::move(isTimed ? untimed : text);
         }
     }
     if (story_.count() != storyTold_) {
-        changes += std::string{changes.empty() ? "" : ","} + "\"story\":" + story_.from(storyTold_).dump();
+        changes += member(changes, "story", PageState::textOf(story_.from(storyTold_)));
         storyTold_ = story_.count();
     }
     if (!changes.empty()) {
         hub_.publish("state", "{" + changes + "}");
     }
+}
+
+std::string LiveMac::untimedRun() const
+{
+    Json run = state_.run();
+    run.erase("date");
+    return PageState::textOf(run);
 }
 
 } // namespace sentrel::simulator

@@ -53,7 +53,8 @@ private:
     void tellMotion(double now);
     void tellChanges();
     [[nodiscard]] bool mayHaveChanged();
-    [[nodiscard]] std::map<std::string, Json> rooms(bool withPhone);
+    [[nodiscard]] std::map<std::string, std::string> rooms(bool withPhone);
+    [[nodiscard]] std::string untimedRun() const;
 
     PageFiles files_;
     EventHub hub_;

@@ -6,6 +6,9 @@
 
 #include <algorithm>
 #include <nlohmann/json.hpp>
+#include <string_view>
+#include <utility>
+#include <vector>
 
 // The Mac's screen: what the product and the system show on it.
 
@@ -31,6 +34,24 @@ std::size_t displayOf(const platform::Rectangle& frame, const std::vector<platfo
     return found == screens.end() ? 0 : static_cast<std::size_t>(found - screens.begin());
 }
 
+/// The text of an object that has members, with one more, whose value is JSON already.
+std::string withMember(std::string object, std::string_view name, const std::string& value)
+{
+    object.reserve(object.size() + name.size() + value.size() + 8);
+    object.back() = ',';
+    object.append("\"").append(name).append("\":").append(value).append("}");
+    return object;
+}
+
+std::string listOf(const std::vector<std::string>& values)
+{
+    std::string list = "[";
+    for (const std::string& value : values) {
+        list += (list.size() == 1 ? "" : ",") + value;
+    }
+    return list + "]";
+}
+
 } // namespace
 
 Json PageState::menuBar()
@@ -44,7 +65,7 @@ Json PageState::menuBar()
             {"menu", item->isMenuOpen ? nodeJson(item->menu, files_) : Json(nullptr)}};
 }
 
-Json PageState::screen()
+std::string PageState::screen()
 {
     simulated::SimulatedMac& mac = session_.mac();
     const auto screens = mac.displays.screens();
@@ -53,28 +74,45 @@ Json PageState::screen()
     for (const platform::Screen& screen : screens) {
         displays.push_back(rectangleJson(screen.frame, height));
     }
-    Json windows = Json::array();
-    const auto frontToBack = mac.displays.windows();
-    for (auto window = frontToBack.rbegin(); window != frontToBack.rend(); ++window) {
-        windows.push_back({{"id", window->identifier},
-                           {"title", window->title},
-                           {"frame", rectangleJson(window->frame, height)},
-                           {"isKey", window->isKey},
-                           {"isResizable", (window->description.styleMask & resizable) != 0},
-                           {"content", nodeJson(window->content, files_)},
-                           {"focus", window->focusedIdentity}});
+    const auto windows = mac.displays.seenWindows();
+    const auto covers = mac.displays.seenCovers();
+    std::erase_if(drawn_, [&](const auto& entry) {
+        const auto isIt = [&](const auto& window) { return window->number == entry.first; };
+        return std::none_of(windows.begin(), windows.end(), isIt) && std::none_of(covers.begin(), covers.end(), isIt);
+    });
+    std::vector<std::string> windowTexts;
+    for (auto window = windows.rbegin(); window != windows.rend(); ++window) {
+        const simulated::WindowState& seen = **window;
+        const Json json{{"id", seen.identifier},
+                        {"title", seen.title},
+                        {"frame", rectangleJson(seen.frame, height)},
+                        {"isKey", seen.isKey},
+                        {"isResizable", (seen.description.styleMask & resizable) != 0},
+                        {"focus", seen.focusedIdentity}};
+        windowTexts.push_back(withMember(textOf(json), "content", contentOf(seen)));
     }
-    Json covers = Json::array();
-    for (const simulated::WindowState& cover : mac.displays.covers()) {
-        covers.push_back({{"display", displayOf(cover.frame, screens)},
-                          {"content", nodeJson(cover.content, files_)},
-                          {"focus", cover.focusedIdentity}});
+    std::vector<std::string> coverTexts;
+    for (const auto& cover : covers) {
+        const Json json{{"display", displayOf(cover->frame, screens)}, {"focus", cover->focusedIdentity}};
+        coverTexts.push_back(withMember(textOf(json), "content", contentOf(*cover)));
     }
-    return {{"displays", std::move(displays)},
-            {"isActive", mac.activation.isActive()},
-            {"isAsleep", session_.isAsleep()},
-            {"windows", std::move(windows)},
-            {"covers", std::move(covers)}};
+    const Json rest{
+        {"displays", std::move(displays)}, {"isActive", mac.activation.isActive()}, {"isAsleep", session_.isAsleep()}};
+    return withMember(withMember(textOf(rest), "windows", listOf(windowTexts)), "covers", listOf(coverTexts));
+}
+
+const std::string& PageState::contentOf(const simulated::WindowState& window)
+{
+    const auto [drawn, isNew] = drawn_.try_emplace(window.number);
+    if (isNew || drawn->second.version != window.contentVersion) {
+        drawn->second = {window.contentVersion, textOf(nodeJson(window.content, files_))};
+    }
+    return drawn->second.content;
+}
+
+std::string PageState::textOf(const Json& value)
+{
+    return value.dump(-1, ' ', false, Json::error_handler_t::replace);
 }
 
 Json PageState::panels()

@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <utility>
 #include <vector>
 
 namespace sentrel::simulator {
@@ -326,6 +327,29 @@ TEST_F(PageServerThreads, HalfRequestsAndEndlessOnesHoldUpNobody)
     }
     EXPECT_LT(lines, 10'000) << "a head has an end";
     EXPECT_EQ(post("action", R"("plug-in")"), 204);
+}
+
+TEST_F(PageServerThreads, OfAWindowThatStaysTheNewContentIsTold)
+{
+    ListeningPage listening{port};
+    const auto nextContent = [&listening] {
+        for (Json state = listening.next(); !state.is_null(); state = listening.next()) {
+            if (state.contains("screen") && !state["screen"]["windows"].empty()) {
+                return state["screen"]["windows"][0]["content"];
+            }
+        }
+        return Json(nullptr);
+    };
+    EXPECT_EQ(post("action", R"({"open": "main"})"), 204);
+    Json content = nextContent();
+    for (const bool isOn : {false, true}) {
+        mac.call([isOn](MacSession& session) {
+            session.changeSettings([isOn](AlarmSettings& settings) { settings.triggerOnMotion = isOn; });
+        });
+        const Json before = std::exchange(content, nextContent());
+        EXPECT_TRUE(content.is_object());
+        EXPECT_NE(content, before);
+    }
 }
 
 TEST_F(PageServerThreads, WhatComesTooLateIsRefused)
