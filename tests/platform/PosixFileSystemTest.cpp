@@ -40,7 +40,7 @@ protected:
         return ::stat(path.c_str(), &status) == 0 ? status.st_mode & 07777U : 0U;
     }
 
-    void write(const fs::path& file, std::string_view text, std::uint32_t mode = 0600)
+    void write(const fs::path& file, std::string_view text, std::optional<std::uint32_t> mode = 0600)
     {
         int error = 0;
         const auto open = files_.create(file, mode, error);
@@ -94,6 +94,8 @@ TEST_F(PosixFileSystem, EmptiesAFileThatIsThereAndTightensItsMode)
     write(root_ / "alert", "new", 0600);
     EXPECT_EQ(files_.read(root_ / "alert"), bytesOf("new"));
     EXPECT_EQ(modeOf(root_ / "alert"), 0600U);
+    write(root_ / "photo", "for others, too", std::nullopt);
+    EXPECT_EQ(modeOf(root_ / "photo"), 0400U) << "without a mode the umask counts";
 }
 
 TEST_F(PosixFileSystem, AppendsOneWriteToTheOther)
