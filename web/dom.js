@@ -39,8 +39,8 @@ export function leave(element) {
     }
 }
 
-/// Brings a list's elements into line with its items, each known by a key. What stays is not moved, so that the keyboard
-/// stays on it.
+/// Brings a list's elements into line with its items, each known by a key. What stays is not moved, so that the
+/// keyboard stays on it.
 export function follow(list, items, { key, make, update = () => {} }) {
     const present = new Map([...list.children].map((element) => [element.sentrelKey, element]));
     let place = list.firstElementChild;
@@ -73,6 +73,12 @@ const symbols = {
     eye: "M1.5 8S4 3.5 8 3.5 14.5 8 14.5 8 12 12.5 8 12.5 1.5 8 1.5 8zM8 6a2 2 0 1 0 0 4 2 2 0 0 0 0-4",
     lock: "M4 7.5h8V14H4zM5.5 7.5V5a2.5 2.5 0 0 1 5 0v2.5",
     "lock.fill": "M4 7.5h8V14H4zM5.5 7.5V5a2.5 2.5 0 0 1 5 0v2.5M8 10v2",
+    "lock.open": "M4 7.5h8V14H4zM5.5 7.5V5a2.5 2.5 0 0 1 4.8-1",
+    "lock.shield.fill": "M8 1.8 13 4v4c0 3-2 5.2-5 6.3C5 13.2 3 11 3 8V4zM6 7.5h4v3H6zM7 7.5V6a1 1 0 0 1 2 0v1.5",
+    "bell.slash.fill": "M8 2a4 4 0 0 0-4 4v3l-1.5 2.5h11L12 9V6a4 4 0 0 0-4-4zM6.5 13a1.5 1.5 0 0 0 3 0M2 2l12 12",
+    laptopcomputer: "M3.5 4h9v6.5h-9zM1.5 12.5h13",
+    "checkmark.icloud": "M4.5 12.5a3 3 0 0 1-.3-6 4 4 0 0 1 7.6 .1 3 3 0 0 1-.3 5.9zM6 9l1.5 1.5L10.2 7.8",
+    "icloud.and.arrow.up": "M4.5 12.5a3 3 0 0 1-.3-6 4 4 0 0 1 7.6 .1 3 3 0 0 1-.3 5.9zM8 11V7.5M6.5 8.8 8 7.3l1.5 1.5",
     power: "M8 2v5M4.8 4a5 5 0 1 0 6.4 0",
     speaker: "M3 6v4h2.5L9 13V3L5.5 6zM11 6a3 3 0 0 1 0 4M12.8 4a6 6 0 0 1 0 8",
     muted: "M3 6v4h2.5L9 13V3L5.5 6zM11.5 6.5l3 3M14.5 6.5l-3 3",
