@@ -25,6 +25,16 @@ function body(stream) {
     );
     const sleep = choice("System", [[false, "Awake"], [true, "Asleep"]], (asleep) => act(asleep ? "sleep" : "wake"));
     const displays = choice("Displays", [[1, "1"], [2, "2"], [3, "3"]], (count) => act({ displays: count }));
+    const launch = button("Open", () => post("launch", {}), "default");
+    const quit = button("Quit", () => act("quit"));
+    const crash = button("Crash", () => act("crash"));
+    for (const [control, name] of [[launch, "Open Sentrel"], [quit, "Quit Sentrel"], [crash, "Crash Sentrel"]]) {
+        set(control, { "aria-label": name });
+    }
+    stream.on("run", (run) => {
+        launch.hidden = run.process === "running";
+        quit.hidden = crash.hidden = !launch.hidden;
+    });
     stream.on("hardware", (hardware) => {
         power.show(hardware.power);
         lid.show(hardware.lid);
@@ -37,6 +47,7 @@ function body(stream) {
         row("Lid", lid.element),
         row("System", sleep.element),
         row("Displays", displays.element),
+        row("Sentrel", h("div", { className: "buttons" }, launch, quit, crash)),
     );
 }
 
@@ -78,12 +89,13 @@ function audio(stream, sound) {
         act({ music: to === "playing" ? "play" : "pause" }),
     );
     const make = (device) => {
-        const volume = slider(device.name, { min: 0, max: 1, step: 0.01, text: percent }, latest((value) =>
+        const volume = slider(`Volume of ${device.name}`, { min: 0, max: 1, step: 0.01, text: percent }, latest((value) =>
             act({ volume: { device: device.id, value } }),
         ));
         const mute = button("Mute", () => act({ volume: { device: device.id, muted: !rows.get(device.id).isMuted } }));
         const use = button("Use", () => act({ "default-output": device.id }));
-        const element = h("div", { className: "device" }, volume.element, h("div", { className: "buttons" }, use, mute));
+        const head = h("div", { className: "row" }, h("span", {}, device.name), h("div", { className: "buttons" }, use, mute));
+        const element = h("div", { className: "device" }, head, volume.element);
         return { element, volume, mute, use, isMuted: false };
     };
     stream.on("hardware", (hardware) => {
@@ -104,11 +116,13 @@ function audio(stream, sound) {
             const entry = rows.get(device.id);
             entry.isMuted = device.isMuted;
             entry.volume.show(device.volume);
+            entry.mute.textContent = device.isMuted ? "Muted" : "Mute";
+            entry.use.textContent = device.isDefault ? "In use" : "Use";
             set(entry.mute, { "aria-pressed": String(device.isMuted), "aria-label": `Mute ${device.name}` });
             set(entry.use, { "aria-pressed": String(device.isDefault), "aria-label": `Play through ${device.name}` });
         }
     });
-    return card("Sound", sound.button, list, row("Music app", music.element));
+    return card("Sound", sound.button, list, row("Music", music.element));
 }
 
 function camera(stream) {
@@ -118,7 +132,7 @@ function camera(stream) {
         act({ camera: { brightness } }),
     ));
     const webcam = new Webcam();
-    const source = choice("Camera sees", [["scene", "A café"], ["webcam", "Your webcam"]], (to) =>
+    const source = choice("The camera sees", [["scene", "A café"], ["webcam", "Your webcam"]], (to) =>
         to === "webcam" ? webcam.start() : webcam.stop(),
     );
     stream.on("hardware", ({ camera: state }) => {
@@ -131,7 +145,7 @@ function camera(stream) {
         lamp.classList.toggle("on", Boolean(state.lamp));
         set(lamp, { "aria-label": state.lamp ? "The camera is on" : "The camera is off" });
     });
-    return card("Camera", h("div", { className: "scene-box" }, picture, lamp), light.element, source.element);
+    return card("Camera", h("div", { className: "scene-box" }, picture, lamp), light.element, row("Sees", source.element));
 }
 
 /// The visitor's own webcam in the place of the drawn scene.
@@ -199,36 +213,26 @@ function cloud(stream) {
         const faults = state.faults.map((each) => (each.times < 0 ? each.name : `${each.name} × ${each.times}`));
         failing.textContent = faults.join(", ") || `${state.requests} requests so far`;
     });
-    return card(
-        "Network and iCloud",
-        row("Network", network.element),
-        row("Account", account.element),
-        row("Storage", quota.element),
-        latency.element,
+    const states = h("div", { className: "half" }, row("Network", network.element), row("Account", account.element));
+    states.append(row("Storage", quota.element), latency.element);
+    const troubles = h(
+        "div",
+        { className: "half" },
+        row("Fails with", fault),
         h(
             "div",
             { className: "buttons" },
-            fault,
             button("Fail 3 times", () => act({ icloud: { fail: { code: Number(fault.value), times: 3 } } })),
             button("Lose an answer", () => act({ icloud: { loseAnswers: 1 } })),
             button("Heal", () => act({ icloud: { fail: "none" } })),
         ),
         failing,
     );
-}
-
-function application(stream) {
-    const launch = button("Open Sentrel", () => post("launch", {}), "default");
-    const quit = button("Quit", () => act("quit"));
-    const crash = button("Crash", () => act("crash"));
-    stream.on("run", (run) => {
-        const isRunning = run.process === "running";
-        launch.hidden = isRunning;
-        quit.hidden = crash.hidden = !isRunning;
-    });
-    return card("Application", h("div", { className: "buttons" }, launch, quit, crash));
+    const whole = card("Network and iCloud", h("div", { className: "halves" }, states, troubles));
+    whole.classList.add("wide");
+    return whole;
 }
 
 export function hardwareCards(stream, sound) {
-    return [body(stream), motion(stream), audio(stream, sound), camera(stream), cloud(stream), application(stream)];
+    return [body(stream), motion(stream), audio(stream, sound), camera(stream), cloud(stream)];
 }

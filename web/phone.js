@@ -15,6 +15,7 @@ export function ago(seconds) {
 }
 
 const longestShown = 50;
+const noticesShown = 5;
 
 export class Phone {
     #state = { alerts: [], notifications: [], macs: [] };
@@ -27,6 +28,8 @@ export class Phone {
         this.noMacs = h("p", { className: "quiet" }, "No Mac has been seen in this account.");
         this.alerts = h("ul", { className: "phone-alerts" });
         this.noAlerts = h("p", { className: "quiet" }, "No alerts");
+        this.noticesTitle = h("h3", {}, "Notifications");
+        this.notices = h("ul", { className: "phone-notices" });
         this.photo = h("button", { type: "button", className: "phone-photo", hidden: true, ariaLabel: "Close photo" });
         this.photo.addEventListener("click", () => {
             this.photo.hidden = true;
@@ -40,6 +43,8 @@ export class Phone {
             h("h3", {}, "Alerts"),
             this.alerts,
             this.noAlerts,
+            this.noticesTitle,
+            this.notices,
             this.photo,
         );
         stream.on("phone", (state) => this.#show(state));
@@ -49,7 +54,7 @@ export class Phone {
         const fresh = state.notifications.length - this.#state.notifications.length;
         this.#state = state;
         if (this.#seen++ > 0 && fresh > 0) {
-            this.banner.textContent = state.notifications[0].text;
+            this.banner.replaceChildren(h("small", {}, "Sentrel · now"), state.notifications[0].text);
             this.banner.hidden = false;
             clearTimeout(this.timer);
             this.timer = setTimeout(() => (this.banner.hidden = true), 6000);
@@ -65,7 +70,17 @@ export class Phone {
             make: (alert) => this.#alert(alert),
         });
         this.noAlerts.hidden = state.alerts.length > 0;
+        const latest = state.notifications.slice(0, noticesShown);
+        this.noticesTitle.hidden = latest.length === 0;
+        this.notices.replaceChildren(
+            ...latest.map(({ text, date }) => h("li", {}, text, h("span", { className: "quiet" }, this.#time(date)))),
+        );
         this.refreshTimes();
+    }
+
+    #time(seconds) {
+        const format = { hour: "2-digit", minute: "2-digit", timeZone: this.timeZone };
+        return new Date(seconds * 1000).toLocaleTimeString([], format);
     }
 
     #mac() {
@@ -85,9 +100,8 @@ export class Phone {
     }
 
     #alert(alert) {
-        const date = new Date(alert.date * 1000);
-        const time = date.toLocaleTimeString([], { hour: "2-digit", minute: "2-digit", timeZone: this.timeZone });
-        const text = h("div", {}, h("strong", {}, alert.title), h("span", { className: "quiet" }, `${alert.device}, ${time}`));
+        const about = h("span", { className: "quiet" }, `${alert.device}, ${this.#time(alert.date)}`);
+        const text = h("div", {}, h("strong", {}, alert.title), about);
         if (!alert.photo) {
             return h("li", {}, text);
         }

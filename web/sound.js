@@ -10,6 +10,7 @@ export class Sound {
     #wanted = [];
     #music = null;
     #hardware = null;
+    #hardware = null;
 
     constructor(stream) {
         this.button = h("button", { type: "button", className: "sound-button", onclick: () => this.#switch() });
@@ -96,25 +97,38 @@ export class Sound {
         entry.source.start();
     }
 
-    // The music is nobody's recording: a few soft notes that tell that it plays.
-    #followMusic() {
-        if (!this.isOn || !this.#hardware) {
+    #followMusic(hardware) {
+        const device = hardware.audio.devices.find((each) => each.isDefault);
+        const level = hardware.music === "playing" && device && !device.isMuted ? device.volume * 0.5 : 0;
+        if (!this.isOn) {
             return;
         }
-        const { audio, music } = this.#hardware;
-        const device = audio.devices.find((each) => each.isDefault);
-        const level = music === "playing" && device && !device.isMuted ? device.volume * 0.08 : 0;
         if (!this.#music && level > 0) {
-            const gain = this.#context.createGain();
-            gain.connect(this.#output);
-            const notes = [220, 277.18, 329.63].map((frequency) => {
-                const note = new OscillatorNode(this.#context, { type: "sine", frequency });
-                note.connect(gain);
-                note.start();
-                return note;
-            });
-            this.#music = { gain, notes };
+            const gain = new GainNode(this.#context, { gain: 0 });
+            const tune = new AudioBufferSourceNode(this.#context, { buffer: tuneIn(this.#context), loop: true });
+            tune.connect(gain).connect(this.#output);
+            tune.start();
+            this.#music = gain;
         }
-        this.#music?.gain.gain.setTargetAtTime(level, this.#context.currentTime, 0.05);
+        this.#music?.gain.setTargetAtTime(level, this.#context.currentTime, 0.05);
     }
+}
+
+// The music is nobody's recording: a few plucked notes, over and over, that tell that it plays.
+function tuneIn(context) {
+    const beat = 0.4; // seconds
+    const notes = [220, 330, 440, 550, 494, 440, 330, 275, 185, 277, 370, 440, 415, 370, 277, 247]; // Hz
+    const length = Math.round(beat * context.sampleRate);
+    const buffer = new AudioBuffer({ length: notes.length * length, sampleRate: context.sampleRate });
+    const samples = buffer.getChannelData(0);
+    notes.forEach((frequency, index) => {
+        for (let step = 0; step < 2 * length; ++step) {
+            const time = step / context.sampleRate;
+            const phase = 2 * Math.PI * frequency * time;
+            const pluck = Math.min(time / 0.005, 1) * Math.exp(-4 * time) * (1 - step / (2 * length));
+            samples[(index * length + step) % samples.length] +=
+                0.25 * pluck * (Math.sin(phase) + 0.3 * Math.sin(2 * phase));
+        }
+    });
+    return buffer;
 }

@@ -3,16 +3,10 @@
 import { h } from "./dom.js";
 
 const seconds = 5;
-const fullScale = 0.6; // g beyond rest at the top edge
-
-/// How far a sample is from rest: the change of its length and direction against what the sensor showed before.
-function deviation(sample, rest) {
-    return Math.hypot(sample[0] - rest[0], sample[1] - rest[1], sample[2] - rest[2]);
-}
+const smallestScale = 0.2; // g from rest at the top edge
 
 export class Trace {
     #points = [];
-    #rest = null;
     #threshold = null;
     #clock = 0;
     #isDrawing = false;
@@ -30,14 +24,9 @@ export class Trace {
         matchMedia("(prefers-color-scheme: dark)").addEventListener("change", () => this.#draw());
     }
 
-    #take({ at, samples, rate }) {
-        samples.forEach((sample, index) => {
-            this.#rest ??= [...sample];
-            for (let axis = 0; axis < 3; ++axis) {
-                this.#rest[axis] += (sample[axis] - this.#rest[axis]) * 0.02;
-            }
-            const time = at - (samples.length - 1 - index) / rate;
-            this.#points.push({ time, value: deviation(sample, this.#rest) });
+    #take({ at, departures, rate }) {
+        departures.forEach((value, index) => {
+            this.#points.push({ time: at - (departures.length - 1 - index) / rate, value });
         });
         this.#clock = at;
         this.#points = this.#points.filter((point) => point.time > at - seconds);
@@ -64,6 +53,7 @@ export class Trace {
         }
         const context = this.canvas.getContext("2d");
         const style = getComputedStyle(this.canvas);
+        const fullScale = Math.max(1.4 * (this.#threshold ?? 0), smallestScale);
         const y = (value) => height - 4 - Math.min(value / fullScale, 1) * (height - 8);
         context.setTransform(scale, 0, 0, scale, 0, 0);
         context.clearRect(0, 0, width, height);
@@ -75,6 +65,9 @@ export class Trace {
             context.lineTo(width, y(this.#threshold));
             context.stroke();
             context.setLineDash([]);
+            context.fillStyle = style.getPropertyValue("--alarm");
+            context.font = "11px system-ui, sans-serif";
+            context.fillText(`alarm beyond ${this.#threshold.toFixed(2)} g`, 6, y(this.#threshold) + 13);
         }
         context.strokeStyle = style.getPropertyValue("--accent");
         context.lineWidth = 1.5;

@@ -133,13 +133,27 @@ void SimulatedCamera::setPhotoDelay(Duration delay)
 void SimulatedCamera::setPhotoFile(std::optional<Bytes> file)
 {
     const std::lock_guard guard{world_->mutex};
-    world_->photoFile = std::move(file);
+    world_->photoFile = file ? std::make_shared<const Bytes>(*std::move(file)) : nullptr;
+}
+
+CameraView SimulatedCamera::view() const
+{
+    std::optional<double> brightness;
+    {
+        const std::lock_guard guard{world_->mutex};
+        brightness = world_->brightness;
+        if (world_->photoFile) {
+            return {world_->photoFile, brightness};
+        }
+    }
+    const CafePreview preview = world_->scene.preview(world_->wallClock.now(), brightness);
+    return {preview.jpeg, preview.brightness};
 }
 
 bool SimulatedCamera::hasPhotoFile() const
 {
     const std::lock_guard guard{world_->mutex};
-    return world_->photoFile.has_value();
+    return world_->photoFile != nullptr;
 }
 
 FaultSwitches& SimulatedCamera::faults()

@@ -21,6 +21,12 @@ struct CameraModel {
     Duration adjustsWhiteBalanceFor{}; ///< after its session has started
 };
 
+/// What is before the camera.
+struct CameraView {
+    std::shared_ptr<const Bytes> jpeg;
+    std::optional<double> brightness; ///< 0 to 1; none for a file whose brightness nobody set
+};
+
 /// The cameras of the simulated MacBook, which stands in a cafe: authorised and without any device at first. The first
 /// device is the system's default. A photo shows the cafe at the time of day, with whoever sits at the Mac, or replays
 /// a file. Any thread.
@@ -53,6 +59,10 @@ public:
     /// A file that every photo is, as it is; none for the cafe.
     void setPhotoFile(std::optional<Bytes> file);
     [[nodiscard]] bool hasPhotoFile() const;
+
+    /// What is before the camera now, for somebody who looks on: the file, or a small picture of the cafe. The same
+    /// object as long as nothing changes.
+    [[nodiscard]] CameraView view() const;
 
     /// Faults: "input" (the device can't be opened), "add-input", "add-output" (the session refuses), "photo" (ends
     /// with an error), "photo-data" (has no file representation), "start" (the session does not come to run).

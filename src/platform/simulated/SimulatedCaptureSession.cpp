@@ -33,7 +33,7 @@ private:
     std::shared_ptr<World> world_;
     Date date_;
     std::optional<double> brightness_;
-    std::optional<Bytes> file_;
+    std::shared_ptr<const Bytes> file_;
 };
 
 Async<void> deliver(std::shared_ptr<SimulatedPhoto> photo, Duration delay, std::optional<std::string> error,

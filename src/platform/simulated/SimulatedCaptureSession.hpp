@@ -26,7 +26,7 @@ struct SimulatedCamera::World {
     std::string openedDevice;
     std::optional<double> brightness;
     Duration photoDelay{};
-    std::optional<Bytes> photoFile;
+    std::shared_ptr<const Bytes> photoFile; // none for the cafe
     const void* runningSession = nullptr;
     Instant startedAt;
     int sessionsStarted = 0;

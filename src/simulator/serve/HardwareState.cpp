@@ -48,6 +48,15 @@ Json audioJson(const simulated::SimulatedAudio& audio)
     return {{"devices", std::move(devices)}};
 }
 
+Json cameraJson(const simulated::SimulatedCamera& camera, PageFiles& files)
+{
+    const simulated::CameraView view = camera.view();
+    return {{"lamp", camera.isSessionRunning()},
+            {"brightness", view.brightness ? Json(*view.brightness) : Json(nullptr)},
+            {"source", camera.hasPhotoFile() ? "webcam" : "scene"},
+            {"scene", files.addImage(view.jpeg)}};
+}
+
 } // namespace
 
 Json PageState::run() const
@@ -58,27 +67,28 @@ Json PageState::run() const
             {"timeZone", "UTC"}};
 }
 
-Json PageState::hardware() const
+std::optional<double> PageState::motionThreshold() const
+{
+    if (session_.app() == nullptr) {
+        return std::nullopt;
+    }
+    const AlarmSettings& settings = session_.app()->settings().settings();
+    return settings.triggerOnMotion ? std::optional{MotionDetector::thresholdFor(settings.motionSensitivity)}
+                                    : std::nullopt;
+}
+
+Json PageState::hardware()
 {
     simulated::SimulatedMac& mac = session_.mac();
-    Json threshold = nullptr;
-    if (session_.app() != nullptr) {
-        const AlarmSettings& settings = session_.app()->settings().settings();
-        if (settings.triggerOnMotion) {
-            threshold = MotionDetector::thresholdFor(settings.motionSensitivity);
-        }
-    }
+    const auto threshold = motionThreshold();
     return {{"power", mac.power.isOnAC() ? "ac" : "battery"},
             {"lid", mac.lid.isClosed() ? "closed" : "open"},
             {"displays", mac.displays.count()},
             {"isAsleep", session_.isAsleep()},
             {"audio", audioJson(mac.audio)},
             {"music", nameOf(mac.music.playback())},
-            {"camera",
-             {{"lamp", mac.camera.isSessionRunning()},
-              {"brightness", mac.camera.brightness().value_or(0.4)},
-              {"source", mac.camera.hasPhotoFile() ? "webcam" : "scene"}}},
-            {"threshold", threshold}};
+            {"camera", cameraJson(mac.camera, files_)},
+            {"threshold", threshold ? Json(*threshold) : Json(nullptr)}};
 }
 
 Json PageState::sound()
@@ -134,7 +144,7 @@ Json PageState::phone()
     Json notifications = Json::array();
     const auto shown = phone.notifications();
     for (auto notification = shown.rbegin(); notification != shown.rend(); ++notification) {
-        notifications.push_back({{"text", notification->text}});
+        notifications.push_back({{"text", notification->text}, {"date", since1970(notification->date)}});
     }
     Json macs = Json::array();
     for (const auto& mac : phone.macs()) {

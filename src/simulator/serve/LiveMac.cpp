@@ -3,6 +3,7 @@
 #include "simulator/EarlierRun.hpp"
 #include "simulator/MacActions.hpp"
 
+#include <cmath>
 #include <filesystem>
 #include <nlohmann/json.hpp>
 #include <stdexcept>
@@ -35,8 +36,8 @@ LiveMac::LiveMac(const Scenario& scenario, const std::filesystem::path& disk, co
     mac.alerts.setReadingTime(std::nullopt);
     mac.savePanels.setAnswerDelay(std::nullopt);
     mac.accelerometer.observe([this](const simulated::Acceleration& sample) {
-        if (samples_.size() < mostSamples) {
-            samples_.push_back(sample);
+        if (departures_.size() < mostSamples) {
+            departures_.push_back(departureOf(sample));
         }
     });
     story_.open(scenario);
@@ -103,7 +104,7 @@ void LiveMac::happened()
     tellStory();
     const double now = session_.seconds();
     if (hub_.subscribers() == 0) {
-        samples_.clear();
+        departures_.clear();
         lastMotion_ = now;
         isTouched_ = true;
         return;
@@ -124,18 +125,27 @@ void LiveMac::tellStory()
     }
 }
 
+double LiveMac::departureOf(const simulated::Acceleration& sample)
+{
+    const double threshold = state_.motionThreshold().value_or(meterThreshold_);
+    if (!meter_ || threshold != meterThreshold_) {
+        meter_.emplace(threshold);
+        meterThreshold_ = threshold;
+    }
+    static_cast<void>(meter_->departs({sample.x, sample.y, sample.z}));
+    const AccelerationSample& baseline = meter_->baseline();
+    const double distance = std::hypot(sample.x - baseline.x, sample.y - baseline.y, sample.z - baseline.z);
+    return std::isfinite(distance) ? distance : 0.0;
+}
+
 void LiveMac::tellMotion(double now)
 {
-    if (samples_.empty() || now - lastMotion_ < shortestMotionPause) {
+    if (departures_.empty() || now - lastMotion_ < shortestMotionPause) {
         return;
     }
-    Json samples = Json::array();
-    for (const simulated::Acceleration& sample : samples_) {
-        samples.push_back({sample.x, sample.y, sample.z});
-    }
-    const double rate = static_cast<double>(samples_.size()) / std::max(now - lastMotion_, 0.02);
-    hub_.publish("motion", Json{{"at", now}, {"samples", std::move(samples)}, {"rate", std::min(rate, 100.0)}}.dump());
-    samples_.clear();
+    const double rate = static_cast<double>(departures_.size()) / std::max(now - lastMotion_, 0.02);
+    hub_.publish("motion", Json{{"at", now}, {"departures", departures_}, {"rate", std::min(rate, 100.0)}}.dump());
+    departures_.clear();
     lastMotion_ = now;
 }
 

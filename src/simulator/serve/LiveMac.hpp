@@ -1,5 +1,6 @@
 #pragma once
 
+#include "sensors/MotionDetector.hpp"
 #include "simulator/MacSession.hpp"
 #include "simulator/Scenario.hpp"
 #include "simulator/WorldThread.hpp"
@@ -50,6 +51,7 @@ public:
 private:
     void happened();
     void tellStory();
+    [[nodiscard]] double departureOf(const simulated::Acceleration& sample);
     void tellMotion(double now);
     void tellChanges();
     [[nodiscard]] bool mayHaveChanged();
@@ -68,8 +70,10 @@ private:
     double lastMotion_ = -1.0;
     bool isTouched_ = true;
     bool isLogRead_ = false;
-    std::vector<simulated::Acceleration> samples_;
-    WorldThread world_; // last: its end comes before that of what it uses
+    double meterThreshold_ = 0.0;
+    std::optional<MotionDetector> meter_; // the product's own measure, on an instrument of ours
+    std::vector<double> departures_;      // of the samples since the last motion event
+    WorldThread world_;                   // last: its end comes before that of what it uses
 };
 
 } // namespace sentrel::simulator

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 
 namespace sentrel::simulated {
@@ -29,7 +30,9 @@ public:
     [[nodiscard]] Json menuBar();
     [[nodiscard]] std::string screen();
     [[nodiscard]] Json panels();
-    [[nodiscard]] Json hardware() const;
+    [[nodiscard]] Json hardware();
+    /// The distance from rest in g that sets off the alarm; none while motion does not.
+    [[nodiscard]] std::optional<double> motionThreshold() const;
     [[nodiscard]] Json sound();
     [[nodiscard]] Json cloud() const;
     [[nodiscard]] Json phone();

@@ -221,7 +221,7 @@ void CompanionPhone::receive(const std::string& user, const Json& push)
     if (!text || user != this->user()) {
         return;
     }
-    const Notification notification{std::move(*text), recordOf(push)};
+    const Notification notification{std::move(*text), recordOf(push), clock_.now()};
     std::function<void(const Notification&)> shown;
     {
         const std::lock_guard guard{mutex_};

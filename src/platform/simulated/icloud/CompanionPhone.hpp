@@ -47,6 +47,7 @@ public:
     struct Notification {
         std::string text;
         std::string alertID;
+        Date date{}; ///< when it was shown
     };
 
     /// What the phone's owner asks of a Mac.

@@ -15,6 +15,8 @@ namespace {
 
 constexpr int minutesOfDay = 24 * 60;
 constexpr int cameraQuality = 92;
+constexpr int previewQuality = 80;
+constexpr int previewShare = 4; // of width and height
 
 int minuteOfDay(Date date)
 {
@@ -37,22 +39,68 @@ double meanLuma(const RgbxImage& image)
     return weighted * RgbxImage::pixelBytes / (255.0 * static_cast<double>(bytes.size()));
 }
 
+/// The image with its sides divided by a number: every pixel the mean of a square.
+RgbxImage shrunk(const RgbxImage& image, int share)
+{
+    RgbxImage small{image.width() / share, image.height() / share};
+    const int area = share * share;
+    for (int y = 0; y < small.height(); ++y) {
+        std::uint8_t* pixel = small.row(y);
+        for (int x = 0; x < small.stride(); ++x) {
+            const int channel = x % static_cast<int>(RgbxImage::pixelBytes);
+            const int left = (x - channel) * share + channel;
+            int sum = 0;
+            for (int row = 0; row < share; ++row) {
+                const std::uint8_t* from = image.row(y * share + row) + left;
+                for (int column = 0; column < share; ++column) {
+                    sum += from[column * static_cast<int>(RgbxImage::pixelBytes)];
+                }
+            }
+            pixel[x] = static_cast<std::uint8_t>(sum / area);
+        }
+    }
+    return small;
+}
+
 } // namespace
 
 Bytes CafeScene::photograph(Date date, std::optional<double> brightness)
 {
     const std::lock_guard guard{mutex_};
-    if (const int minute = minuteOfDay(date); minute != drawnMinute_) {
+    const RgbxImage& drawn = drawnAt(minuteOfDay(date));
+    if (!brightness) {
+        return *encodeJpeg(drawn, cameraQuality);
+    }
+    RgbxImage exposed{width, height};
+    std::ranges::copy(drawn.bytes(), exposed.data());
+    expose(exposed, *brightness);
+    return *encodeJpeg(exposed, cameraQuality);
+}
+
+CafePreview CafeScene::preview(Date date, std::optional<double> brightness)
+{
+    const std::lock_guard guard{mutex_};
+    const int minute = minuteOfDay(date);
+    if (preview_.jpeg && minute == previewMinute_ && brightness == previewBrightness_) {
+        return preview_;
+    }
+    RgbxImage small = shrunk(drawnAt(minute), previewShare);
+    if (brightness) {
+        expose(small, *brightness);
+    }
+    preview_ = {std::make_shared<const Bytes>(*encodeJpeg(small, previewQuality)), meanLuma(small)};
+    previewMinute_ = minute;
+    previewBrightness_ = brightness;
+    return preview_;
+}
+
+const RgbxImage& CafeScene::drawnAt(int minute)
+{
+    if (minute != drawnMinute_) {
         drawn_ = drawCafe(minute);
         drawnMinute_ = minute;
     }
-    if (!brightness) {
-        return *encodeJpeg(drawn_, cameraQuality);
-    }
-    RgbxImage exposed{width, height};
-    std::ranges::copy(drawn_.bytes(), exposed.data());
-    expose(exposed, *brightness);
-    return *encodeJpeg(exposed, cameraQuality);
+    return drawn_;
 }
 
 RgbxImage drawCafe(int minuteOfDay)

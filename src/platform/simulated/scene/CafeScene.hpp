@@ -4,10 +4,17 @@
 #include "foundation/Date.hpp"
 #include "platform/simulated/RgbxImage.hpp"
 
+#include <memory>
 #include <mutex>
 #include <optional>
 
 namespace sentrel::simulated {
+
+/// A look at the cafe.
+struct CafePreview {
+    std::shared_ptr<const Bytes> jpeg;
+    double brightness = 0.0; ///< 0 to 1, as a photo would measure
+};
 
 /// What the camera sees: a cafe at the time of day, its clock on the wall, and somebody at the Mac. Any thread.
 class CafeScene {
@@ -19,10 +26,18 @@ public:
     /// light of the hour gives. Equal calls give equal bytes.
     [[nodiscard]] Bytes photograph(Date date, std::optional<double> brightness);
 
+    /// A small picture of the same, for somebody who looks on; the same object as long as nothing changes.
+    [[nodiscard]] CafePreview preview(Date date, std::optional<double> brightness);
+
 private:
+    const RgbxImage& drawnAt(int minute);
+
     std::mutex mutex_;
     int drawnMinute_ = -1;
     RgbxImage drawn_; // at `drawnMinute_`: drawing takes far longer than the rest
+    int previewMinute_ = -1;
+    std::optional<double> previewBrightness_;
+    CafePreview preview_;
 };
 
 /// Draws the scene at a minute of the day.
