@@ -10,7 +10,6 @@ export class Sound {
     #wanted = [];
     #music = null;
     #hardware = null;
-    #hardware = null;
 
     constructor(stream) {
         this.button = h("button", { type: "button", className: "sound-button", onclick: () => this.#switch() });
@@ -97,12 +96,13 @@ export class Sound {
         entry.source.start();
     }
 
-    #followMusic(hardware) {
-        const device = hardware.audio.devices.find((each) => each.isDefault);
-        const level = hardware.music === "playing" && device && !device.isMuted ? device.volume * 0.5 : 0;
-        if (!this.isOn) {
+    #followMusic() {
+        if (!this.isOn || !this.#hardware) {
             return;
         }
+        const { audio, music } = this.#hardware;
+        const device = audio.devices.find((each) => each.isDefault);
+        const level = music === "playing" && device && !device.isMuted ? device.volume * 0.5 : 0;
         if (!this.#music && level > 0) {
             const gain = new GainNode(this.#context, { gain: 0 });
             const tune = new AudioBufferSourceNode(this.#context, { buffer: tuneIn(this.#context), loop: true });
