@@ -257,7 +257,7 @@ Async<void> CloudKitService::listInCatalog(std::string deviceID)
 
 Async<std::optional<RemoteCommand>> CloudKitService::fetchCommand(std::string deviceID)
 {
-    const std::string name = deviceRecordName(deviceID);
+    const std::string name = commandRecordName(deviceID);
     std::vector<std::string> names(1, name);
     const auto results = co_await ports_.database.records(std::move(names), commandKeys());
     const auto found = results.find(name);

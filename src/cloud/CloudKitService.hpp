@@ -111,7 +111,7 @@ public:
     /// requests throw.
     [[nodiscard]] Async<void> publishPresence(DevicePresence presence);
 
-    /// The command that waits in the record of this device; none without one or without a record. Throws what the
+    /// The command that waits for this device; none without one or without a record. Throws what the
     /// request throws.
     [[nodiscard]] Async<std::optional<RemoteCommand>> fetchCommand(std::string deviceID);
 

@@ -29,7 +29,8 @@ platform::CloudSubscription alertSubscription()
     return subscription;
 }
 
-/// Wakes the Macs silently when the phone has written a command into one of their records.
+/// Wakes the Macs silently when the phone has written a command for one of them. The database has one subscription of
+/// this name for all devices, so that it can't be narrowed to the commands of the Mac that saves it.
 platform::CloudSubscription macCommandSubscription()
 {
     platform::CloudSubscription subscription;

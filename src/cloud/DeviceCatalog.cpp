@@ -3,6 +3,7 @@
 #include "cloud/RecordText.hpp"
 
 #include <cmath>
+#include <utility>
 
 namespace sentrel {
 
@@ -16,11 +17,11 @@ constexpr const char* isArmedField = "isArmed";
 constexpr const char* sequenceField = "commandSequence";
 constexpr const char* issuedAtField = "commandIssuedAt";
 
-platform::CloudRecord deviceRecord(const std::string& deviceID)
+platform::CloudRecord catalogRecord(std::string name)
 {
     platform::CloudRecord record;
     record.type = deviceCatalogRecordType;
-    record.name = deviceRecordName(deviceID);
+    record.name = std::move(name);
     return record;
 }
 
@@ -37,9 +38,14 @@ std::string deviceRecordName(const std::string& deviceID)
     return std::string{deviceCatalogRecordName} + "-" + deviceID;
 }
 
+std::string commandRecordName(const std::string& deviceID)
+{
+    return deviceRecordName(deviceID) + "-command";
+}
+
 platform::CloudRecord presenceRecord(const DevicePresence& presence)
 {
-    platform::CloudRecord record = deviceRecord(presence.deviceID);
+    platform::CloudRecord record = catalogRecord(deviceRecordName(presence.deviceID));
     record.fields[deviceIDField] = presence.deviceID;
     record.fields[deviceNameField] = presence.deviceName;
     record.fields[lastSeenField] = presence.lastSeen;
@@ -81,7 +87,7 @@ std::optional<RemoteCommand> commandOf(const platform::CloudRecord& record)
 
 platform::CloudRecord commandRecord(const std::string& deviceID, const RemoteCommand& command)
 {
-    platform::CloudRecord record = deviceRecord(deviceID);
+    platform::CloudRecord record = catalogRecord(commandRecordName(deviceID));
     record.fields[sequenceField] = command.sequence;
     record.fields[requestedArmStateField] = std::int64_t{command.requestedArmState};
     if (command.issuedAt) {

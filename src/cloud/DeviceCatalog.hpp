@@ -11,8 +11,10 @@
 namespace sentrel {
 
 // How the Macs and the phone of one account know each other. The catalog is one record that lists device identifiers;
-// beside it each Mac has a record of its own, of the same type. The Mac writes the presence fields of its record, the
-// phone its command fields, both with the policy "changed keys", so that nobody overwrites anybody.
+// beside it each Mac has two records of the same type: one in which it tells of itself, and one for the command that
+// the phone asks of it. They are two, since a subscription hears of every change of a record that it matches: were the
+// command among what the Mac tells, each heartbeat would push to all devices, and the system delays pushes that come
+// too often.
 
 inline constexpr const char* deviceCatalogRecordType = "MacDeviceCatalog";
 inline constexpr const char* deviceCatalogRecordName = "mac-device-catalog";
@@ -23,8 +25,11 @@ inline constexpr const char* deviceIDsField = "deviceIDs";
 /// The command's field that says what the phone asks: 1 to arm, 0 to disarm.
 inline constexpr const char* requestedArmStateField = "requestedArmState";
 
-/// The name of the record of one Mac: the catalog's, a hyphen and the device's identifier.
+/// The name of the record in which one Mac tells of itself: the catalog's, a hyphen and the device's identifier.
 [[nodiscard]] std::string deviceRecordName(const std::string& deviceID);
+
+/// The name of the record with the command for one Mac.
+[[nodiscard]] std::string commandRecordName(const std::string& deviceID);
 
 /// What a Mac tells of itself.
 struct DevicePresence {
@@ -44,7 +49,7 @@ struct RemoteCommand {
     friend bool operator==(const RemoteCommand&, const RemoteCommand&) = default;
 };
 
-/// The record with the presence fields and no others.
+/// The record in which the Mac tells of itself.
 [[nodiscard]] platform::CloudRecord presenceRecord(const DevicePresence& presence);
 
 /// None when a field is missing or of another type; a missing name is "Mac".
@@ -53,10 +58,10 @@ struct RemoteCommand {
 /// The fields that make up a command.
 [[nodiscard]] const std::vector<std::string>& commandKeys();
 
-/// The command in a Mac's record; none when there is no sequence or no requested state.
+/// The command in a record; none when there is no sequence or no requested state.
 [[nodiscard]] std::optional<RemoteCommand> commandOf(const platform::CloudRecord& record);
 
-/// The record with the command fields and no others.
+/// The record with the command for this device.
 [[nodiscard]] platform::CloudRecord commandRecord(const std::string& deviceID, const RemoteCommand& command);
 
 } // namespace sentrel

@@ -29,8 +29,8 @@ void MacPresenceService::receive(const platform::CloudNotification& notification
     if (notification.subscriptionID != CloudSubscriptions::macCommandIdentifier) {
         return;
     }
-    // Every Mac hears of every Mac's record, also of each heartbeat of one that has had a command.
-    if (!notification.recordName || *notification.recordName == deviceRecordName(deviceID())) {
+    // The subscription is the account's, not this Mac's: every Mac hears of every Mac's commands.
+    if (!notification.recordName || *notification.recordName == commandRecordName(deviceID())) {
         pollSoon();
     }
 }

@@ -42,7 +42,7 @@ protected:
         simulated::ServerBatch batch;
         simulated::ServerRecord& record = batch.save.emplace_back();
         record.type = deviceCatalogRecordType;
-        record.name = deviceRecordName(itsMac.presence.deviceID());
+        record.name = commandRecordName(itsMac.presence.deviceID());
         record.fields = {{"commandSequence", sequence}, {"requestedArmState", std::int64_t{1}}};
         static_cast<void>(itsMac.world.server.modify({"owner", "phone"}, batch));
     }
@@ -56,7 +56,8 @@ TEST_F(MacPresenceServiceTest, AnIdleHourCostsFewRequestsAndNeverTwoOfAKindAtATi
     PresenceMac other{world, "another Mac", true, 2};
     other.registerForPushes();
     other.presence.start();
-    other.command(1, true); // its record now announces each of its heartbeats to all Macs
+    world.clock.advance(1s);
+    other.command(1, true);
     for (const bool hasPushes : {false, true}) {
         if (hasPushes) {
             mac.registerForPushes();
@@ -77,6 +78,7 @@ TEST_F(MacPresenceServiceTest, AnIdleHourCostsFewRequestsAndNeverTwoOfAKindAtATi
         EXPECT_EQ(mac.icloud.link.mostAtATime(kind), 1U);
     }
     EXPECT_TRUE(other.isArmed);
+    EXPECT_EQ(mac.pushes + other.pushes, 1) << "heartbeats push nothing, or the system would delay the next command";
 }
 
 TEST_F(MacPresenceServiceTest, APushedCommandIsObeyedAtOnceAndAnyOtherWithinOnePoll)

@@ -26,6 +26,7 @@ public:
             {[this] { presence.setPushTokenRegistered(true); },
              [this](const std::string& /*why*/) { presence.setPushTokenRegistered(false); },
              [this](const Json& push) {
+                 ++pushes;
                  if (const auto told = icloud.notifications.cloudNotification(push)) {
                      presence.receive(*told);
                  }
@@ -69,6 +70,7 @@ public:
     const bool isCompatible;
     SettingsStore settings{defaults};
     bool isArmed = false;
+    int pushes = 0;
     int caughtUp = 0; ///< how often the local-save notice was looked at
     MacPresenceService presence{MainActor{process}, isCompatible, *cloud,
                                 settings,           alarm(),      {defaults, host, wallClock, random, world.log}};

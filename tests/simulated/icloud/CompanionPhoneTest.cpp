@@ -106,15 +106,15 @@ TEST_F(CompanionPhoneTest, ItSeesTheMacsOfTheCatalog)
 
 TEST_F(CompanionPhoneTest, ACommandIsWrittenBesideWhatTheMacTells)
 {
-    const std::string name = "mac-device-catalog-A";
-    save("MacDeviceCatalog", name, {{"deviceName", "Desk"s}});
+    save("MacDeviceCatalog", "mac-device-catalog-A", {{"deviceName", "Desk"s}});
     const double now = wallClock.now().secondsSinceReferenceDate;
     EXPECT_EQ(phone.send("A", {.arm = true}), 1);
     EXPECT_EQ(phone.send("A", {.arm = false, .issuedAgo = 121.0}), 2);
-    EXPECT_EQ(answer(mac.database.record(name)).fields, (Fields{{"deviceName", "Desk"s},
-                                                                {"commandSequence", std::int64_t{2}},
-                                                                {"commandIssuedAt", Date{now - 121.0}},
-                                                                {"requestedArmState", std::int64_t{0}}}));
+    EXPECT_EQ(answer(mac.database.record("mac-device-catalog-A-command")).fields,
+              (Fields{{"commandSequence", std::int64_t{2}},
+                      {"commandIssuedAt", Date{now - 121.0}},
+                      {"requestedArmState", std::int64_t{0}}}));
+    EXPECT_EQ(answer(mac.database.record("mac-device-catalog-A")).fields, (Fields{{"deviceName", "Desk"s}}));
     EXPECT_EQ(phone.send("A", {.arm = true, .sequence = 1}), 1) << "as a phone whose counting has begun anew";
     EXPECT_EQ(phone.send("B", {}), 1) << "before the Mac has ever published itself";
     EXPECT_EQ(phone.send("B", {.sequence = std::numeric_limits<std::int64_t>::max()}),

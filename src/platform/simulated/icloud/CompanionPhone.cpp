@@ -102,6 +102,11 @@ std::string macRecordName(const std::string& deviceID)
     return std::string{catalogName} + "-" + deviceID;
 }
 
+std::string commandRecordName(const std::string& deviceID)
+{
+    return macRecordName(deviceID) + "-command";
+}
+
 } // namespace
 
 CompanionPhone::CompanionPhone(PrivateCloud& cloud, platform::WallClock& clock, std::string user, std::string device)
@@ -175,7 +180,7 @@ std::vector<CompanionPhone::Notification> CompanionPhone::notifications() const
 
 std::int64_t CompanionPhone::send(const std::string& deviceID, const Command& command)
 {
-    const std::string name = macRecordName(deviceID);
+    const std::string name = commandRecordName(deviceID);
     const auto known = command.sequence ? std::nullopt : read(name);
     const std::int64_t last = known ? valueOr<std::int64_t>(*known, "commandSequence", 0) : 0;
     const std::int64_t next = last < std::numeric_limits<std::int64_t>::max() ? last + 1 : 1;

@@ -75,7 +75,7 @@ public:
     /// Who is told of each notification as it is shown, on the thread of whoever caused it.
     void onNotification(std::function<void(const Notification&)> shown);
 
-    /// Writes the command into the Mac's record, and gives its sequence.
+    /// Writes the command for the Mac, and gives its sequence.
     std::int64_t send(const std::string& deviceID, const Command& command);
 
     /// Deletes an alert for all devices; false when it is gone already.
