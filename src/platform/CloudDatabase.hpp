@@ -94,6 +94,7 @@ public:
     [[nodiscard]] virtual Async<std::map<std::string, CloudRecordResult>> records(std::vector<std::string> names,
                                                                                   CloudDesiredKeys desiredKeys) = 0;
 
+    /// Each record has its own fate in the default zone, which knows no atomic batches.
     [[nodiscard]] virtual Async<CloudModification> modify(std::vector<CloudRecord> save,
                                                           std::vector<std::string> deleteNames, CloudSavePolicy policy,
                                                           bool isAtomic) = 0;

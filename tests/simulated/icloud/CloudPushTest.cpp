@@ -102,8 +102,8 @@ TEST_F(CloudPushTest, ASubscriptionTellsOfTheChangesThatItNamesWhoeverMadeThemBu
     answer(second.database.save(thing("c")));
     EXPECT_THAT(takeHeard(), ElementsAre("created:c"));
 
-    ServerBatch failing{{{"Thing", "d", {}, {}, {}}, {"Thing", "c", {}, {}, {}}}, {}, {}, true, {}};
-    EXPECT_EQ(codeOf(server.modify({"owner", "phone"}, failing).saved.at("d")), CKError::batchRequestFailed);
+    const ServerBatch failing{{{"Thing", "c", {}, {}, {}}}, {}, {}, false, {}};
+    EXPECT_EQ(codeOf(server.modify({"owner", "phone"}, failing).saved.at("c")), CKError::serverRecordChanged);
     EXPECT_THAT(takeHeard(), IsEmpty()) << "nothing happened";
     const ServerBatch elsewhere{{{"Thing", "d", {}, {}, {}}}, {}, {}, false, {}};
     EXPECT_EQ(codeOf(server.modify({"other", "phone"}, elsewhere).saved.at("d")), 0);

@@ -45,13 +45,11 @@ ServerModification BatchWriter::apply(const ServerBatch& batch)
         const auto refused = batch.refused.find(record.name);
         ServerRecordResult result =
             refused == batch.refused.end() ? save(record, batch.policy) : ServerRecordResult{refused->second};
-        hasFailures_ = hasFailures_ || std::holds_alternative<platform::CloudError>(result);
         modification.saved.emplace(record.name, std::move(result));
     }
     for (const std::string& name : batch.deleteNames) {
         const auto refused = batch.refused.find(name);
         platform::CloudDeleteResult result = refused == batch.refused.end() ? remove(name) : refused->second;
-        hasFailures_ = hasFailures_ || result.has_value();
         modification.deleted.emplace(name, std::move(result));
     }
     return modification;

@@ -30,9 +30,6 @@ public:
     /// What became of each record. Throws `SqliteError`.
     [[nodiscard]] ServerModification apply(const ServerBatch& batch);
 
-    /// Some record failed.
-    [[nodiscard]] bool hasFailures() const { return hasFailures_; }
-
     /// The dictionaries of the pushes that are due once the transaction is done.
     [[nodiscard]] std::vector<Json> takePushes() { return std::move(pushes_); }
 
@@ -46,7 +43,6 @@ private:
     const Terms terms_;
     std::vector<platform::CloudSubscription> subscriptions_;
     std::vector<Json> pushes_;
-    bool hasFailures_ = false;
 };
 
 } // namespace sentrel::simulated

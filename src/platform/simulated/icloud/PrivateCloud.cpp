@@ -48,8 +48,12 @@ ServerPage nextPage(CloudStore& store, Cursor cursor, const platform::CloudDesir
     return page;
 }
 
-void checkExtent(const ServerBatch& batch)
+void check(const ServerBatch& batch)
 {
+    if (batch.isAtomic) {
+        // Only zones that a device has made can do that. Said aloud, so that nobody relies on it.
+        throw cloudError(CKError::invalidArguments);
+    }
     if (batch.save.size() + batch.deleteNames.size() > mostItems) {
         throw cloudError(CKError::limitExceeded);
     }
@@ -59,20 +63,6 @@ void checkExtent(const ServerBatch& batch)
     }
     if (names.size() < batch.save.size() + batch.deleteNames.size()) {
         throw cloudError(CKError::invalidArguments); // the same record twice
-    }
-}
-
-void blameBatch(ServerModification& modification)
-{
-    for (auto& [name, result] : modification.saved) {
-        if (std::holds_alternative<ServerRecord>(result)) {
-            result = cloudError(CKError::batchRequestFailed);
-        }
-    }
-    for (auto& [name, result] : modification.deleted) {
-        if (!result) {
-            result = cloudError(CKError::batchRequestFailed);
-        }
     }
 }
 
@@ -244,7 +234,7 @@ std::map<std::string, ServerRecordResult> PrivateCloud::fetch(const CloudDevice&
 
 ServerModification PrivateCloud::modify(const CloudDevice& who, const ServerBatch& batch)
 {
-    checkExtent(batch);
+    check(batch);
     std::vector<Json> pushes;
     ServerModification modification =
         serve(who.user, [&](CloudStore& store) { return write(store, who, batch, pushes); });
@@ -269,10 +259,6 @@ ServerModification PrivateCloud::write(CloudStore& store, const CloudDevice& who
     SqliteTransaction transaction{store.database()};
     BatchWriter writer{store, std::move(terms)};
     ServerModification modification = writer.apply(batch);
-    if (batch.isAtomic && writer.hasFailures()) {
-        blameBatch(modification);
-        return modification;
-    }
     transaction.commit();
     pushes = writer.takePushes();
     return modification;

@@ -66,8 +66,7 @@ public:
     [[nodiscard]] std::map<std::string, ServerRecordResult>
     fetch(const CloudDevice& who, const std::vector<std::string>& names, const platform::CloudDesiredKeys& wanted);
 
-    /// An atomic batch happens whole or not at all: then those that did not fail themselves have error 22 (batch
-    /// request failed).
+    /// Each record has its own fate: the default zone knows no atomic batches, and one is refused with error 12.
     [[nodiscard]] ServerModification modify(const CloudDevice& who, const ServerBatch& batch);
 
     /// One of the same identifier is replaced.
