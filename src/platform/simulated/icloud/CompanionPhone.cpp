@@ -19,6 +19,9 @@ namespace {
 constexpr const char* alertType = "AlertEvent";
 constexpr const char* catalogType = "MacDeviceCatalog";
 constexpr const char* catalogName = "mac-device-catalog";
+constexpr const char* alertCatalogName = "alert-catalog";
+
+constexpr int mostAttempts = 5; // to change a record that others change, too
 
 template <class Kind> Kind valueOr(const ServerRecord& record, const char* field, const Kind& otherwise)
 {
@@ -211,7 +214,30 @@ bool CompanionPhone::deleteAlert(const std::string& id)
     if (result && result->code != CKError::unknownItem) {
         throw platform::CloudError{*result};
     }
+    unlist(id);
     return !result;
+}
+
+void CompanionPhone::unlist(const std::string& id)
+{
+    for (int attempt = 0; attempt < mostAttempts; ++attempt) {
+        auto catalog = read(alertCatalogName);
+        auto ids = catalog ? valueOr<std::vector<std::string>>(*catalog, "alertIDs", {}) : std::vector<std::string>{};
+        if (std::erase(ids, id) == 0) {
+            return;
+        }
+        ServerBatch batch;
+        catalog->fields["alertIDs"] = std::move(ids);
+        batch.save.push_back(*std::move(catalog));
+        const ServerModification done = cloud_.modify({user(), device_}, batch);
+        const auto* const error = std::get_if<platform::CloudError>(&done.saved.at(alertCatalogName));
+        if (error == nullptr) {
+            return;
+        }
+        if (error->code != CKError::serverRecordChanged) {
+            throw platform::CloudError{*error};
+        }
+    }
 }
 
 void CompanionPhone::onNotification(std::function<void(const Notification&)> shown)

@@ -78,12 +78,14 @@ public:
     /// Writes the command for the Mac, and gives its sequence.
     std::int64_t send(const std::string& deviceID, const Command& command);
 
-    /// Deletes an alert for all devices; false when it is gone already.
+    /// Deletes an alert for all devices, and takes it off the list by which the Macs learn of that; false when it is
+    /// gone already.
     bool deleteAlert(const std::string& id);
 
 private:
     [[nodiscard]] std::string user() const;
     [[nodiscard]] std::optional<ServerRecord> read(const std::string& name);
+    void unlist(const std::string& id);
     void receive(const std::string& user, const Json& push);
 
     PrivateCloud& cloud_;
