@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <map>
+#include <memory>
 #include <optional>
 #include <string>
 #include <variant>
@@ -13,10 +14,12 @@
 
 namespace sentrel::platform {
 
-/// A file that travels with a record. In a fetched record it is the system's own copy, to be read at once.
+/// A file that travels with a record. In a fetched record it is the system's own copy, which may go with the last
+/// `CloudAsset` that names it: whoever reads the file keeps one meanwhile.
 struct CloudAsset {
     std::filesystem::path file;
-    friend bool operator==(const CloudAsset&, const CloudAsset&) = default;
+    std::shared_ptr<const void> holder{}; ///< opaque: the system's own object
+    friend bool operator==(const CloudAsset& left, const CloudAsset& right) { return left.file == right.file; }
 };
 
 /// What a field can hold. The database keeps booleans as the integers 0 and 1.

@@ -26,9 +26,6 @@ namespace sentrel::macos {
 /// The record, or the error where there is none.
 [[nodiscard]] platform::CloudRecordResult cloudResultOf(CKRecord* record, NSError* error);
 
-/// The assets in the record's fields.
-[[nodiscard]] NSArray<CKAsset*>* assetsOf(CKRecord* record);
-
 [[nodiscard]] CKQuery* queryObject(const platform::CloudQuery& query);
 [[nodiscard]] CKQuerySubscription* subscriptionObject(const platform::CloudSubscription& subscription);
 

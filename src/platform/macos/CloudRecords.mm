@@ -3,6 +3,7 @@
 #include "platform/macos/FoundationText.hpp"
 
 #include <algorithm>
+#include <memory>
 
 namespace sentrel::macos {
 
@@ -108,6 +109,20 @@ std::optional<CloudValue> textsOf(NSArray* array)
     return texts;
 }
 
+/// Keeps the framework's object, with which its file may go.
+struct AssetHolder {
+    CKAsset* asset;
+};
+
+std::optional<CloudValue> assetOf(CKAsset* asset)
+{
+    NSURL* const url = asset.fileURL;
+    if (url == nil) {
+        return std::nullopt;
+    }
+    return platform::CloudAsset{pathOf(url), std::make_shared<const AssetHolder>(AssetHolder{asset})};
+}
+
 /// None when the object is of a kind that the port doesn't have.
 std::optional<CloudValue> valueOf(id object)
 {
@@ -124,8 +139,7 @@ std::optional<CloudValue> valueOf(id object)
         return textsOf(object);
     }
     if ([object isKindOfClass:CKAsset.class]) {
-        NSURL* const url = static_cast<CKAsset*>(object).fileURL;
-        return url == nil ? std::nullopt : std::optional<CloudValue>{platform::CloudAsset{pathOf(url)}};
+        return assetOf(object);
     }
     return std::nullopt;
 }
@@ -262,18 +276,6 @@ platform::CloudRecordResult cloudResultOf(CKRecord* record, NSError* error)
         return cloudErrorOf(error);
     }
     return cloudRecordOf(record);
-}
-
-NSArray<CKAsset*>* assetsOf(CKRecord* record)
-{
-    NSMutableArray<CKAsset*>* const assets = [NSMutableArray array];
-    for (NSString* const key in record.allKeys) {
-        const id value = [record objectForKey:key];
-        if ([value isKindOfClass:CKAsset.class]) {
-            [assets addObject:value];
-        }
-    }
-    return assets;
 }
 
 CKQuery* queryObject(const platform::CloudQuery& query)

@@ -16,7 +16,6 @@ template <class Answer> struct CloudRequest {
     Semaphore finished;
     Answer answer{};
     std::optional<platform::CloudError> error; ///< of the request as a whole
-    NSMutableArray<CKAsset*>* assets = [NSMutableArray array];
 
     /// What was asked for, once finished. Throws the error there is.
     Answer take()

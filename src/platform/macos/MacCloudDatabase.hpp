@@ -25,10 +25,8 @@ public:
 
 private:
     [[nodiscard]] CKDatabase* database() { return container_.open().privateCloudDatabase; }
-    void keep(NSArray<CKAsset*>* assets);
 
     CloudContainer container_;
-    NSArray<CKAsset*>* assets_ = @[];
 };
 
 } // namespace sentrel::macos

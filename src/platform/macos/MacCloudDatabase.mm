@@ -92,7 +92,6 @@ OperationHold startQuery(CKDatabase* database, CKQueryOperation* operation, cons
     operation.resultsLimit = resultsLimit;
     operation.recordMatchedBlock = ^(CKRecordID* recordID, CKRecord* record, NSError* error) {
         shared->answer.results.emplace_back(textOf(recordID.recordName), cloudResultOf(record, error));
-        [shared->assets addObjectsFromArray:assetsOf(record)];
     };
     operation.queryCompletionBlock = ^(CKQueryCursor* cursor, NSError* error) {
         if (error != nil && !isPartialFailure(error)) {
@@ -117,7 +116,6 @@ OperationHold startFetch(CKDatabase* database, const std::vector<std::string>& n
     operation.perRecordCompletionBlock = ^(CKRecord* record, CKRecordID* recordID, NSError* error) {
         if (recordID != nil) {
             shared->answer.emplace(textOf(recordID.recordName), cloudResultOf(record, error));
-            [shared->assets addObjectsFromArray:assetsOf(record)];
         }
     };
     operation.fetchRecordsCompletionBlock = ^(NSDictionary<CKRecordID*, CKRecord*>* /*records*/, NSError* error) {
@@ -221,7 +219,6 @@ Async<CloudQueryPage> MacCloudDatabase::query(platform::CloudQuery query, CloudD
     const auto request = std::make_shared<PageRequest>();
     const auto operation = startQuery(database(), queryOperation(query), request, desiredKeys, resultsLimit);
     co_await request->finished.wait();
-    keep(request->assets);
     co_return request->take();
 }
 
@@ -231,7 +228,6 @@ Async<CloudQueryPage> MacCloudDatabase::continueQuery(std::shared_ptr<const plat
     const auto request = std::make_shared<PageRequest>();
     const auto operation = startQuery(database(), queryOperation(*cursor), request, desiredKeys, resultsLimit);
     co_await request->finished.wait();
-    keep(request->assets);
     co_return request->take();
 }
 
@@ -240,7 +236,6 @@ Async<RecordResults> MacCloudDatabase::records(std::vector<std::string> names, C
     const auto request = std::make_shared<FetchRequest>();
     const auto operation = startFetch(database(), names, desiredKeys, request);
     co_await request->finished.wait();
-    keep(request->assets);
     co_return request->take();
 }
 
@@ -259,7 +254,6 @@ Async<CloudRecord> MacCloudDatabase::record(std::string name)
     const auto request = std::make_shared<FetchRequest>();
     const auto operation = startFetch(database(), {name}, std::nullopt, request);
     co_await request->finished.wait();
-    keep(request->assets);
     co_return onlyRecord(request->take(), name);
 }
 
@@ -280,14 +274,6 @@ Async<void> MacCloudDatabase::saveSubscription(platform::CloudSubscription subsc
     const auto operation = startSubscription(database(), subscription, request);
     co_await request->finished.wait();
     request->take();
-}
-
-void MacCloudDatabase::keep(NSArray<CKAsset*>* assets)
-{
-    // The file of a fetched asset may go with its object: the newest ones stay for who reads them at once.
-    if (assets.count > 0) {
-        assets_ = [assets copy];
-    }
 }
 
 } // namespace sentrel::macos
