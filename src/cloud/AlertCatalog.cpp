@@ -1,5 +1,6 @@
 #include "cloud/AlertCatalog.hpp"
 
+#include "cloud/CloudErrors.hpp"
 #include "cloud/RecordMerge.hpp"
 
 #include <string>
@@ -11,6 +12,11 @@ namespace sentrel {
 namespace {
 
 using Texts = std::vector<std::string>;
+
+std::optional<platform::CloudError> ifThrottling(const platform::CloudError& error)
+{
+    return isThrottlingError(error) ? std::optional{error} : std::nullopt;
+}
 
 bool isTruncated(const platform::CloudRecord& record)
 {
@@ -54,15 +60,15 @@ Async<platform::CloudRecord> AlertCatalog::read(platform::CloudDatabase& databas
     return recordOrNew(database, recordType, recordName);
 }
 
-Async<std::optional<platform::CloudRecord>> AlertCatalog::tryToRead(platform::CloudDatabase& database)
+Async<AlertCatalog::Reading> AlertCatalog::tryToRead(platform::CloudDatabase& database)
 {
-    std::optional<platform::CloudRecord> record;
+    Reading reading;
     try {
-        record = co_await read(database);
-    } catch (const platform::CloudError&) {
-        co_return std::nullopt;
+        reading.record = co_await read(database);
+    } catch (const platform::CloudError& error) {
+        reading.throttling = ifThrottling(error);
     }
-    co_return record;
+    co_return reading;
 }
 
 std::optional<AlertCatalog::Contents> AlertCatalog::contentsOf(const platform::CloudRecord& record)
@@ -82,10 +88,10 @@ std::optional<AlertCatalog::Contents> AlertCatalog::contentsOf(const platform::C
     return contents;
 }
 
-Async<void> AlertCatalog::payDebts(std::optional<platform::CloudRecord> fresh)
+Async<std::optional<platform::CloudError>> AlertCatalog::payDebts(std::optional<platform::CloudRecord> fresh)
 {
     if (cache_.debts().isEmpty()) {
-        co_return;
+        co_return std::nullopt;
     }
     const auto changes = cache_.watch();
     CatalogDebts paid;
@@ -96,12 +102,13 @@ Async<void> AlertCatalog::payDebts(std::optional<platform::CloudRecord> fresh)
     };
     try {
         co_await mergeIntoRecord(database_, recordType, recordName, std::move(fresh), std::move(merging));
-    } catch (const platform::CloudError&) {
-        co_return;
+    } catch (const platform::CloudError& error) {
+        co_return ifThrottling(error);
     }
     if (!changes->isAnotherUser) {
         cache_.settle(paid);
     }
+    co_return std::nullopt;
 }
 
 } // namespace sentrel

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "cloud/AlertMetadataCache.hpp"
+#include "platform/CloudError.hpp"
 #include "platform/CloudRecord.hpp"
 #include "runtime/Async.hpp"
 
@@ -41,15 +42,19 @@ public:
     /// The catalog's record; a new and empty one when there is none. Throws what the request throws.
     [[nodiscard]] static Async<platform::CloudRecord> read(platform::CloudDatabase& database);
 
-    /// The same; none when the request fails.
-    [[nodiscard]] static Async<std::optional<platform::CloudRecord>> tryToRead(platform::CloudDatabase& database);
+    /// What an attempt to read the catalog came to.
+    struct Reading {
+        std::optional<platform::CloudRecord> record;    ///< none when the request failed
+        std::optional<platform::CloudError> throttling; ///< by which the server asked for patience
+    };
+    [[nodiscard]] static Async<Reading> tryToRead(platform::CloudDatabase& database);
 
     /// What the record lists; none when it has no such list, so that nothing follows from it.
     [[nodiscard]] static std::optional<Contents> contentsOf(const platform::CloudRecord& record);
 
     /// Pays what is owed. A failure leaves the debt for the next time; only a `CancellationError` is thrown. `fresh` is
-    /// the record as it has just been read.
-    [[nodiscard]] Async<void> payDebts(std::optional<platform::CloudRecord> fresh);
+    /// the record as it has just been read. Gives the error by which the server asked for patience.
+    [[nodiscard]] Async<std::optional<platform::CloudError>> payDebts(std::optional<platform::CloudRecord> fresh);
 
 private:
     platform::CloudDatabase& database_;

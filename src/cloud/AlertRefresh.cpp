@@ -12,7 +12,7 @@
 
 namespace sentrel {
 
-Async<void> AlertRefresh::run()
+Async<std::optional<platform::CloudError>> AlertRefresh::run()
 {
     auto changes = cache_.watch();
     const auto record = co_await readCatalog();
@@ -25,16 +25,18 @@ Async<void> AlertRefresh::run()
         throw CancellationError{};
     }
     if (changes->isAnotherUser) {
-        co_return;
+        co_return std::nullopt;
     }
     const std::unordered_set<UUID> newer = changes->ids;
     changes.reset();
     apply(newer);
     changes = cache_.watch();
     co_await sleepFor(Duration::zero()); // thousands of alerts are enough for one turn of the main thread
+    std::optional<platform::CloudError> throttling;
     if (!changes->isAnotherUser) {
-        co_await catalog_.payDebts(std::move(*record));
+        throttling = co_await catalog_.payDebts(std::move(*record));
     }
+    co_return throttling;
 }
 
 /// Reads what the catalog lists, of which there may be thousands, off the main thread.

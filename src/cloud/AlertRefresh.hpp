@@ -28,8 +28,9 @@ public:
     {
     }
 
-    /// Throws what the requests throw, and then has changed nothing.
-    [[nodiscard]] Async<void> run();
+    /// Throws what the requests throw, and then has changed nothing. Gives the error by which the server asked for
+    /// patience with the catalog.
+    [[nodiscard]] Async<std::optional<platform::CloudError>> run();
 
 private:
     [[nodiscard]] Async<std::shared_ptr<platform::CloudRecord>> readCatalog();

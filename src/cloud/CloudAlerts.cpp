@@ -62,7 +62,7 @@ std::vector<AlertEvent> CloudAlerts::cached() const
     return alerts;
 }
 
-Async<void> CloudAlerts::upload(AlertEvent alert, std::optional<Bytes> photo)
+Async<CloudAlerts::Throttling> CloudAlerts::upload(AlertEvent alert, std::optional<Bytes> photo)
 {
     const auto changes = cache_.watch();
     platform::CloudRecord record = alertRecord(alert, ports_.host.localizedName().value_or("Mac"), ports_.language);
@@ -84,19 +84,20 @@ Async<void> CloudAlerts::upload(AlertEvent alert, std::optional<Bytes> photo)
         throw;
     }
     if (changes->isAnotherUser) {
-        co_return; // it is in the database of the user who has left
+        co_return std::nullopt; // it is in the database of the user who has left
     }
     // Before anything else is awaited: whatever comes now, the alert is known to be there.
     if (uploaded) {
         cache_.insert({{alert.id, *uploaded}});
         cache_.oweAdditions({alert.id});
     }
-    auto catalog = co_await bookkeeping;
-    if (catalog && !changes->isAnotherUser) {
-        co_await settleDebts(std::move(catalog));
+    AlertCatalog::Reading catalog = co_await bookkeeping;
+    if (catalog.record && !changes->isAnotherUser) {
+        catalog.throttling = co_await settleDebts(std::move(catalog.record));
     } else {
         co_await cache_.flush();
     }
+    co_return std::move(catalog.throttling);
 }
 
 /// An alert that is there already counts as saved: the answer to an earlier attempt was lost.
@@ -112,18 +113,19 @@ Async<void> CloudAlerts::save(platform::CloudRecord record)
 }
 
 /// A debt that could not be paid is on the disk before anybody learns that the alert is safe, or gone.
-Async<void> CloudAlerts::settleDebts(std::optional<platform::CloudRecord> catalog)
+Async<CloudAlerts::Throttling> CloudAlerts::settleDebts(std::optional<platform::CloudRecord> catalog)
 {
-    co_await catalog_.payDebts(std::move(catalog));
+    Throttling throttling = co_await catalog_.payDebts(std::move(catalog));
     if (!cache_.debts().isEmpty()) {
         co_await cache_.flush();
     }
+    co_return throttling;
 }
 
-Async<void> CloudAlerts::refresh()
+Async<CloudAlerts::Throttling> CloudAlerts::refresh()
 {
     AlertRefresh refresh{actor_.scheduler(), ports_.database, catalog_, cache_, unusable_};
-    co_await refresh.run();
+    co_return co_await refresh.run();
 }
 
 Async<std::optional<Bytes>> CloudAlerts::photo(UUID id)
@@ -151,7 +153,7 @@ Async<std::optional<Bytes>> CloudAlerts::photo(UUID id)
     if (asset == nullptr) {
         co_return std::nullopt;
     }
-    auto work = [&files = ports_.files, file = asset->file] { return files.read(file); };
+    auto work = [&files = ports_.files, held = *asset] { return files.read(held.file); };
     const auto reading = reading_.start(QualityOfService::userInitiated, std::move(work));
     co_return co_await reading;
 }
@@ -175,7 +177,7 @@ Async<CloudAlerts::Deletion> CloudAlerts::remove(std::unordered_set<UUID> ids)
     if (deletion.error != nullptr) {
         co_await cache_.flush();
     } else {
-        co_await settleDebts(std::nullopt);
+        deletion.throttling = co_await settleDebts(std::nullopt);
     }
     if (deletion.error == nullptr && !errors.empty()) {
         deletion.error = std::make_exception_ptr(errorOf(errors));

@@ -35,10 +35,14 @@ public:
         platform::Journal& journal;
     };
 
+    /// The error by which the server asked for patience with the catalog, when what was asked for went well.
+    using Throttling = std::optional<platform::CloudError>;
+
     /// What a deletion came to.
     struct Deletion {
         std::unordered_set<UUID> gone; ///< the database doesn't hold these any more, whoever deleted them
         std::exception_ptr error;      ///< why it holds others still; null when it holds none
+        Throttling throttling;
     };
 
     CloudAlerts(MainActor actor, Ports ports, UploadPhotoFiles::Ports photoPorts, std::filesystem::path cacheDirectory,
@@ -48,8 +52,8 @@ public:
     [[nodiscard]] std::vector<AlertEvent> cached() const;
 
     /// As `CloudKitService::uploadAlert`, whether or not the account is available.
-    [[nodiscard]] Async<void> upload(AlertEvent alert, std::optional<Bytes> photo);
-    [[nodiscard]] Async<void> refresh();
+    [[nodiscard]] Async<Throttling> upload(AlertEvent alert, std::optional<Bytes> photo);
+    [[nodiscard]] Async<Throttling> refresh();
     [[nodiscard]] Async<std::optional<Bytes>> photo(UUID id);
 
     /// Throws only a `CancellationError`.
@@ -63,7 +67,7 @@ private:
     [[nodiscard]] Async<void> save(platform::CloudRecord record);
     [[nodiscard]] Async<void> removeBatch(std::vector<UUID> ids, std::unordered_set<UUID>& gone,
                                           std::map<std::string, platform::CloudError>& errors);
-    [[nodiscard]] Async<void> settleDebts(std::optional<platform::CloudRecord> catalog);
+    [[nodiscard]] Async<Throttling> settleDebts(std::optional<platform::CloudRecord> catalog);
     void forget(const std::unordered_set<UUID>& ids);
 
     MainActor actor_;

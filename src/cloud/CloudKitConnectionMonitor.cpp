@@ -10,6 +10,7 @@
 
 #include <chrono>
 #include <limits>
+#include <string_view>
 
 namespace sentrel {
 
@@ -117,12 +118,17 @@ void CloudKitConnectionMonitor::accountDidChange()
 
 Async<void> CloudKitConnectionMonitor::verifyOwnerAndFanOut()
 {
+    co_await verifyOwner();
+    requestFanOut();
+}
+
+Async<void> CloudKitConnectionMonitor::verifyOwner()
+{
     try {
         co_await AsyncTimeout::run(actor_, accountTimeLimit, cloud_.verifyCacheOwner());
     } catch (const AsyncTimeout::TimedOut& error) {
         cloud_.recordSyncFailure(error);
     }
-    requestFanOut();
 }
 
 void CloudKitConnectionMonitor::requestFanOut()
@@ -139,7 +145,12 @@ Async<void> CloudKitConnectionMonitor::fanOut()
 {
     do {
         fanOutRerunRequested_ = false;
-        co_await passOnce();
+        try {
+            co_await passOnce();
+        } catch (const std::exception& error) {
+            // Whatever became of this pass, the next change has its own.
+            ports_.journal.note("fanout.failed", {{"why", std::string_view{error.what()}}});
+        }
     } while (fanOutRerunRequested_);
     fanOutRunning_ = false;
 }
@@ -147,8 +158,14 @@ Async<void> CloudKitConnectionMonitor::fanOut()
 Async<void> CloudKitConnectionMonitor::passOnce()
 {
     ports_.journal.note("fanout", {});
-    co_await refreshAvailability(true);
-    const bool isAvailable = co_await refreshAvailability(false);
+    // An account that doesn't answer has said nothing: what was known of it before is no reason to catch up.
+    bool isAvailable = co_await refreshAvailability(true);
+    if (isAvailable) {
+        isAvailable = co_await refreshAvailability(false);
+    }
+    if (isAvailable && cloud_.isOwnerCheckOwed()) {
+        co_await verifyOwner();
+    }
     if (isAvailable) {
         co_await dependents_.catchUp();
     }

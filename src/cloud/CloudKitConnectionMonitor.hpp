@@ -53,6 +53,7 @@ private:
     static Async<void> debounce(Weak<CloudKitConnectionMonitor> weak);
     void accountDidChange();
     Async<void> verifyOwnerAndFanOut();
+    Async<void> verifyOwner();
     void requestFanOut();
     Async<void> fanOut();
     Async<void> passOnce();

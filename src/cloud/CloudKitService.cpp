@@ -55,7 +55,7 @@ CloudKitService::CloudKitService(MainActor actor, Ports ports)
       alerts_(actor, {ports.database, ports.files, ports.host, ports.language, ports.journal},
               {ports.files, ports.host, ports.defaults, ports.random, ports.wallClock}, cacheDirectory(ports.host),
               ports.defaults.text(cacheOwnerKey)),
-      subscriptions_(ports.database, ports.wallClock,
+      subscriptions_(actor, ports.database, ports.wallClock,
                      [this](const std::exception& error) { return userFacingMessage(error); })
 {
 }
@@ -115,6 +115,8 @@ void CloudKitService::trustAvailabilityAtMost(double seconds)
 
 Async<bool> CloudKitService::verifyCacheOwner()
 {
+    const std::uint64_t check = ++ownerChecks_;
+    isOwnerCheckOwed_ = true;
     std::string owner;
     try {
         const auto name = co_await ports_.account.userRecordName();
@@ -126,6 +128,10 @@ Async<bool> CloudKitService::verifyCacheOwner()
         // the cache at each launch without a network, and storing it would hide a change that is found later.
         co_return false;
     }
+    if (check != ownerChecks_) {
+        co_return false; // a later check knows better: answers don't come in the order of their questions
+    }
+    isOwnerCheckOwed_ = false;
     const auto previous = ports_.defaults.text(cacheOwnerKey);
     ports_.defaults.setText(cacheOwnerKey, owner);
     if (!previous || *previous == owner) {
@@ -164,6 +170,15 @@ void CloudKitService::recordSyncSuccess()
     requestBackoff_.resetOnSuccess();
 }
 
+/// The request itself went well, but the server may have asked for patience with the catalog.
+void CloudKitService::recordSync(const std::optional<platform::CloudError>& throttling)
+{
+    recordSyncSuccess();
+    if (throttling) {
+        recordSyncFailure(*throttling);
+    }
+}
+
 const CloudBackoffPolicy& CloudKitService::requestBackoff() const
 {
     return requestBackoff_;
@@ -181,8 +196,8 @@ Async<void> CloudKitService::uploadAlert(AlertEvent alert, std::optional<Bytes> 
     if (!isAvailable) {
         throw unavailabilityError();
     }
-    co_await alerts_.upload(std::move(alert), std::move(photo));
-    recordSyncSuccess();
+    const auto throttling = co_await alerts_.upload(std::move(alert), std::move(photo));
+    recordSync(throttling);
 }
 
 std::vector<AlertEvent> CloudKitService::cachedAlerts() const
@@ -192,8 +207,8 @@ std::vector<AlertEvent> CloudKitService::cachedAlerts() const
 
 Async<void> CloudKitService::refreshAlerts()
 {
-    co_await alerts_.refresh();
-    recordSyncSuccess();
+    const auto throttling = co_await alerts_.refresh();
+    recordSync(throttling);
 }
 
 Async<std::optional<Bytes>> CloudKitService::alertPhoto(UUID id)
@@ -210,7 +225,7 @@ Async<std::unordered_set<UUID>> CloudKitService::deleteAlerts(std::unordered_set
     }
     CloudAlerts::Deletion deletion = co_await alerts_.remove(std::move(ids));
     if (deletion.error == nullptr) {
-        recordSyncSuccess();
+        recordSync(deletion.throttling);
     } else {
         try {
             std::rethrow_exception(deletion.error);

@@ -11,6 +11,7 @@
 #include "runtime/MainActor.hpp"
 #include "runtime/Observable.hpp"
 
+#include <cstdint>
 #include <exception>
 #include <memory>
 #include <optional>
@@ -72,8 +73,11 @@ public:
     void networkPathChanged(bool isSatisfied);
 
     /// Drops what was remembered of the previous iCloud user. True when the user has changed since. Never throws, but
-    /// for a `CancellationError`: a user who can't be asked for counts as the same.
+    /// for a `CancellationError`: a user who can't be asked for counts as the same for now, and the check is owed.
     [[nodiscard]] Async<bool> verifyCacheOwner();
+
+    /// Whether the last check of the user has had no answer.
+    [[nodiscard]] bool isOwnerCheckOwed() const { return isOwnerCheckOwed_; }
 
     /// Why nothing can be asked of iCloud while it isn't available: the network is away, or nobody is signed in.
     [[nodiscard]] CloudKitServiceError unavailabilityError() const;
@@ -123,6 +127,7 @@ public:
 
 private:
     void trustAvailabilityAtMost(double seconds);
+    void recordSync(const std::optional<platform::CloudError>& throttling);
     [[nodiscard]] Async<void> listInCatalog(std::string deviceID);
 
     MainActor actor_;
@@ -131,6 +136,8 @@ private:
     std::optional<Date> availabilityCacheExpiry_;
     std::exception_ptr lastAvailabilityError_;
     CloudBackoffPolicy requestBackoff_;
+    std::uint64_t ownerChecks_ = 0; ///< how many have begun
+    bool isOwnerCheckOwed_ = false;
     CloudAlerts alerts_;
     std::unordered_set<std::string> macDeviceIDsInCatalog_;
     CloudSubscriptions subscriptions_;

@@ -1,7 +1,9 @@
 #include "cloud/CloudSubscriptions.hpp"
 
 #include "cloud/AlertRecord.hpp"
+#include "cloud/AsyncTimeout.hpp"
 #include "cloud/DeviceCatalog.hpp"
+#include "cloud/PresenceTimes.hpp"
 #include "platform/WallClock.hpp"
 
 #include <utility>
@@ -51,17 +53,18 @@ bool mustWait(const CloudBackoffPolicy& backoff, Date now)
 
 } // namespace
 
-CloudSubscriptions::CloudSubscriptions(platform::CloudDatabase& database, platform::WallClock& wallClock,
+CloudSubscriptions::CloudSubscriptions(MainActor actor, platform::CloudDatabase& database,
+                                       platform::WallClock& wallClock,
                                        std::function<std::string(const std::exception&)> messageOf)
-    : database_(database), wallClock_(wallClock), messageOf_(std::move(messageOf))
+    : actor_(actor), database_(database), wallClock_(wallClock), messageOf_(std::move(messageOf))
 {
 }
 
 Async<void> CloudSubscriptions::ensure()
 {
-    co_await ensure(alert_, alertSubscription(), pushSubscriptionError_);
     std::optional<std::string> unheard; // the Mac polls more often without it, which is all that the user would notice
     co_await ensure(macCommand_, macCommandSubscription(), unheard);
+    co_await ensure(alert_, alertSubscription(), pushSubscriptionError_);
 }
 
 Async<void> CloudSubscriptions::ensure(State& state, platform::CloudSubscription subscription,
@@ -73,17 +76,19 @@ Async<void> CloudSubscriptions::ensure(State& state, platform::CloudSubscription
     const std::uint64_t user = users_;
     state.isBeingSaved = true;
     try {
-        co_await database_.saveSubscription(std::move(subscription));
-    } catch (const platform::CloudError& error) {
+        co_await AsyncTimeout::run(actor_, cloudTimeLimit, database_.saveSubscription(std::move(subscription)));
+    } catch (const CancellationError&) {
+        state.isBeingSaved = false;
+        throw;
+    } catch (const std::exception& error) {
         state.isBeingSaved = false;
         if (user == users_) {
-            state.backoff.recordFailure(error.retryAfter, wallClock_.now());
+            const auto* const cloudError = dynamic_cast<const platform::CloudError*>(&error);
+            state.backoff.recordFailure(cloudError != nullptr ? cloudError->retryAfter : std::nullopt,
+                                        wallClock_.now());
             message = messageOf_(error);
         }
         co_return;
-    } catch (...) {
-        state.isBeingSaved = false;
-        throw;
     }
     state.isBeingSaved = false;
     if (user == users_) {

@@ -2,7 +2,7 @@
 
 #include "cloud/CloudBackoffPolicy.hpp"
 #include "platform/CloudDatabase.hpp"
-#include "runtime/Async.hpp"
+#include "runtime/MainActor.hpp"
 
 #include <cstdint>
 #include <exception>
@@ -25,11 +25,12 @@ public:
     static constexpr const char* macCommandIdentifier = "mac-device-command-subscription-v1";
 
     /// `messageOf` words an error for the user.
-    CloudSubscriptions(platform::CloudDatabase& database, platform::WallClock& wallClock,
+    CloudSubscriptions(MainActor actor, platform::CloudDatabase& database, platform::WallClock& wallClock,
                        std::function<std::string(const std::exception&)> messageOf);
     CloudSubscriptions(const CloudSubscriptions&) = delete;
 
-    /// Saves those that are not saved yet and may be tried now. Throws only a `CancellationError`.
+    /// Saves those that are not saved yet, not being saved and may be tried now, each within 15 s. Throws only a
+    /// `CancellationError`.
     [[nodiscard]] Async<void> ensure();
 
     /// Another user, whose database has neither and owes us no wait.
@@ -50,6 +51,7 @@ private:
     [[nodiscard]] Async<void> ensure(State& state, platform::CloudSubscription subscription,
                                      std::optional<std::string>& message);
 
+    MainActor actor_;
     platform::CloudDatabase& database_;
     platform::WallClock& wallClock_;
     std::function<std::string(const std::exception&)> messageOf_;

@@ -93,11 +93,20 @@ Async<void> MacPresenceService::publishState()
 Async<void> MacPresenceService::publishAfter(Task<void> predecessor)
 {
     if (predecessor) {
-        co_await predecessor;
+        try {
+            co_await predecessor;
+        } catch (const std::exception&) {
+            // Whatever became of the one before, this one has its turn.
+        }
         predecessor = {}; // or each publication would keep all earlier ones in memory
     }
     publication_ = std::exchange(nextPublication_, {});
-    co_await publishNow();
+    try {
+        co_await publishNow();
+    } catch (const std::exception& error) {
+        // The heartbeat, which waits for this, must not end with it.
+        ports_.journal.note("presence.failed", {{"why", std::string_view{error.what()}}});
+    }
 }
 
 Async<void> MacPresenceService::publishNow()

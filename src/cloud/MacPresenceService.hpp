@@ -81,7 +81,6 @@ private:
     Async<void> pollForCommands();
     Async<bool> poll();
     Async<PollAnswer> askForCommand();
-    Async<void> ensureSubscriptions();
     [[nodiscard]] Duration pollWait() const;
     Async<void> sleepUntilWokenOrElapsed(Duration span);
     static Async<void> wakeAfter(Weak<MacPresenceService> weak, std::int64_t generation, Duration span);

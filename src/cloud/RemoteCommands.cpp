@@ -56,7 +56,8 @@ Async<void> MacPresenceService::pollForCommands()
         const bool isAnswered = co_await poll();
         pollOwed_ = !isAnswered && (isRequested || pollOwed_);
         if (isAnswered) {
-            co_await ensureSubscriptions();
+            // On its own: a subscription that hangs delays no command.
+            tasks_.add(actor_.spawn(cloud_.ensureSubscriptions()));
         }
         if (!pollRequested_) {
             co_await sleepUntilWokenOrElapsed(pollWait());
@@ -90,15 +91,6 @@ Async<MacPresenceService::PollAnswer> MacPresenceService::askForCommand()
         answer.isGiven = true;
     }
     co_return answer;
-}
-
-Async<void> MacPresenceService::ensureSubscriptions()
-{
-    try {
-        co_await AsyncTimeout::run(actor_, cloudTimeLimit, cloud_.ensureSubscriptions());
-    } catch (const AsyncTimeout::TimedOut& error) {
-        cloud_.recordSyncFailure(error);
-    }
 }
 
 Duration MacPresenceService::pollWait() const
@@ -151,6 +143,8 @@ void MacPresenceService::apply(const RemoteCommand& command)
 {
     handledCommand_ = command;
     settings_.set(&AlarmSettings::isArmed, command.requestedArmState);
+    // Whoever follows the settings has heard of a change by now, and syncing again does no harm. Of a command that
+    // changes nothing stored, nobody else hears, and the alarm may be in another state than the one stored.
     alarm_.syncWithSettings(settings_.settings());
     ports_.defaults.setInteger(lastSequenceKey, command.sequence);
     const std::string_view why = command.requestedArmState ? "arm" : "disarm";

@@ -2,9 +2,12 @@
 #include "cloud/PresenceMac.hpp"
 #include "platform/ApplicationNotifications.hpp"
 #include "platform/simulated/NotificationHub.hpp"
+#include "platform/simulated/icloud/CloudErrorNames.hpp"
 #include "runtime/Sleep.hpp"
 
 #include <gtest/gtest.h>
+
+#include <stdexcept>
 
 namespace sentrel::test {
 namespace {
@@ -49,6 +52,7 @@ protected:
     PresenceMac mac{world};
     Duration catchingUpTakes = 0s;
     int caughtUp = 0;
+    bool failsToCatchUp = false;
     int refreshed = 0;
     simulated::NotificationHub hub{mac.process.mainExecutor()};
     std::unique_ptr<CloudKitConnectionMonitor> monitor = makeMonitor();
@@ -58,6 +62,9 @@ private:
     {
         co_await sleepFor(catchingUpTakes);
         ++caughtUp;
+        if (failsToCatchUp) {
+            throw std::runtime_error{"a stray exception"};
+        }
     }
     void refreshStatus() override { ++refreshed; }
 
@@ -138,11 +145,29 @@ TEST_F(CloudKitConnectionMonitorTest, AnAccountThatHangsDoesNotEndAllCatchingUp)
     mac.icloud.link.setLatency(24h);
     mac.icloud.account.signIn("owner");
     world.clock.advance(2min);
+    EXPECT_EQ(refreshed, 3);
+    EXPECT_EQ(caughtUp, 2) << "whoever doesn't answer is not available";
     mac.icloud.link.setLatency(80ms);
     mac.icloud.account.signIn("owner");
     world.clock.advance(10s);
     EXPECT_EQ(passes(), 4U);
     EXPECT_EQ(refreshed, 4);
+    EXPECT_EQ(caughtUp, 3);
+}
+
+TEST_F(CloudKitConnectionMonitorTest, AnUnansweredQuestionForTheOwnerIsAskedAgainAndAStrayExceptionEndsOnePassOnly)
+{
+    start();
+    mac.icloud.link.faults().add({simulated::cloudError(4), CloudOperation::userRecord, "", 1});
+    failsToCatchUp = true;
+    mac.icloud.account.signIn("other");
+    world.clock.advance(10s);
+    EXPECT_EQ(world.log.named("cloud.userChanged").size(), 1U);
+    EXPECT_EQ(refreshed, 2);
+    failsToCatchUp = false;
+    setNetwork(true);
+    world.clock.advance(10s);
+    EXPECT_EQ(refreshed, 3);
 }
 
 TEST_F(CloudKitConnectionMonitorTest, GoesInTheMiddleOfAPassAndOfAPause)

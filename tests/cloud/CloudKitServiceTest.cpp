@@ -159,6 +159,7 @@ TEST_F(CloudKitServiceTest, AnUploadThatOutlivesItsUserIsNotTheNextOnes)
     mac.await(mac.cloud->verifyCacheOwner());
     const auto upload = MainActor{mac.process}.spawn(mac.cloud->uploadAlert(alertNumber(1), std::nullopt));
     const auto refresh = MainActor{mac.process}.spawn(mac.cloud->refreshAlerts());
+    MainActor{mac.process}.spawn(mac.cloud->verifyCacheOwner());
     world.clock.advance(50ms);
     mac.icloud.link.setUser("other");
     mac.icloud.link.setLatency(10ms);
@@ -167,6 +168,7 @@ TEST_F(CloudKitServiceTest, AnUploadThatOutlivesItsUserIsNotTheNextOnes)
     EXPECT_TRUE(upload.isFinished() && refresh.isFinished());
     EXPECT_TRUE(mac.cloud->cachedAlerts().empty());
     EXPECT_EQ(world.server.count("other", "AlertCatalog"), 0U);
+    EXPECT_FALSE(mac.await(mac.cloud->verifyCacheOwner())) << "the answer to an older question counts no more";
 }
 
 TEST_F(CloudKitServiceTest, TwoMacsListThemselvesInOneCatalogAndTakeTheirOwnCommands)
@@ -197,16 +199,38 @@ TEST_F(CloudKitServiceTest, TwoMacsListThemselvesInOneCatalogAndTakeTheirOwnComm
     EXPECT_EQ(outcomeOf(mac, mac.cloud->publishPresence(first)), "CloudKit 25");
 }
 
+TEST_F(CloudKitServiceTest, PatienceThatIsAskedForOfTheCatalogIsHeardThoughAllElseGoesWell)
+{
+    check();
+    const auto waitsAfter = [this](CloudOperation operation, auto work) {
+        mac.icloud.link.faults().add({cloudError(CloudErrorCode::zoneBusy, 40.0), operation, "", 1});
+        static_cast<void>(mac.await(std::move(work)), 0);
+        const double wait = mac.cloud->requestBackoff().remainingDelay(mac.wallClock.now());
+        mac.cloud->recordSyncSuccess();
+        return wait;
+    };
+    EXPECT_GT(waitsAfter(CloudOperation::fetchOne, mac.cloud->uploadAlert(alertNumber(1), std::nullopt)), 39.0);
+    EXPECT_GT(waitsAfter(CloudOperation::save, mac.cloud->refreshAlerts()), 39.0);
+    mac.await(mac.cloud->refreshAlerts());
+    EXPECT_GT(waitsAfter(CloudOperation::save, mac.cloud->deleteAlerts({alertNumber(1).id})), 39.0);
+    EXPECT_EQ(world.server.count("owner", "AlertEvent"), 0U);
+}
+
 TEST_F(CloudKitServiceTest, SubscriptionsAreSavedOnceAndRetriedAfterAWait)
 {
     const auto ensure = [&] { return mac.requestsOf(mac.cloud->ensureSubscriptions()); };
     EXPECT_EQ(ensure(), 0U) << "not before the account is available";
     check();
+    mac.icloud.link.setLatency(1h);
+    EXPECT_EQ(ensure(), 2U) << "neither is answered";
+    mac.icloud.link.setLatency(80ms);
+    EXPECT_EQ(ensure(), 1U) << "the first one's 5 s are over";
+    EXPECT_TRUE(mac.cloud->macCommandSubscriptionEnsured()) << "each has its own fate";
+    world.clock.advance(5s);
     mac.icloud.link.faults().add(
         {cloudError(CloudErrorCode::requestRateLimited, 30.0), CloudOperation::saveSubscription, {}, 1});
-    EXPECT_EQ(ensure(), 2U);
+    EXPECT_EQ(ensure(), 1U);
     EXPECT_EQ(mac.cloud->pushSubscriptionError(), "iCloud is temporarily unavailable. Try again shortly.");
-    EXPECT_TRUE(mac.cloud->macCommandSubscriptionEnsured()) << "each has its own fate";
     world.clock.advance(29s);
     EXPECT_EQ(ensure(), 0U);
     world.clock.advance(1s);

@@ -114,6 +114,21 @@ TEST_F(MacPresenceServiceTest, APushedCommandIsObeyedAtOnceAndAnyOtherWithinOneP
     EXPECT_GE(untilNextPoll(), 290s) << "then pushes are trusted again";
 }
 
+TEST_F(MacPresenceServiceTest, ASubscriptionThatHangsDelaysNoCommand)
+{
+    mac.presence.start();
+    world.clock.advance(120ms);
+    mac.icloud.link.setLatency(1h);
+    world.clock.advance(120ms);
+    mac.icloud.link.setLatency(80ms);
+    mac.command(1, true);
+    world.clock.advance(10s);
+    EXPECT_TRUE(mac.isArmed);
+    EXPECT_FALSE(mac.cloud->macCommandSubscriptionEnsured());
+    world.clock.advance(20s);
+    EXPECT_TRUE(mac.cloud->macCommandSubscriptionEnsured()) << "tried again";
+}
+
 TEST_F(MacPresenceServiceTest, ObeysEachFreshCommandOnceAndNotesOnceWhyNot)
 {
     struct Case {
@@ -208,8 +223,10 @@ TEST_F(MacPresenceServiceTest, APublicationThatBeganBeforeACallIsNotItsAnswer)
 
 TEST_F(MacPresenceServiceTest, TheHeartbeatRespectsTheServersWishButAChangeOfStateGoesAtOnce)
 {
+    mac.failsToCatchUp = true; // which ends neither the heartbeat nor later publications
     mac.presence.start();
     world.clock.advance(20s);
+    mac.failsToCatchUp = false;
     mac.icloud.link.faults().add({cloudError(7, 100.0), CloudOperation::modify, "", 1});
     world.clock.advance(15s);
     EXPECT_EQ(mac.publications(), 2U);

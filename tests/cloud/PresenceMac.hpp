@@ -6,6 +6,7 @@
 #include "platform/RemoteNotifications.hpp"
 #include "platform/simulated/icloud/CompanionPhone.hpp"
 
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -71,6 +72,7 @@ public:
     SettingsStore settings{defaults};
     bool isArmed = false;
     int pushes = 0;
+    bool failsToCatchUp = false;
     int caughtUp = 0; ///< how often the local-save notice was looked at
     MacPresenceService presence{MainActor{process}, isCompatible, *cloud,
                                 settings,           alarm(),      {defaults, host, wallClock, random, world.log}};
@@ -79,7 +81,12 @@ private:
     MacPresenceService::Alarm alarm()
     {
         return {[this] { return isArmed; }, [this](const AlarmSettings& changed) { sync(changed); },
-                [this] { ++caughtUp; }};
+                [this] {
+                    ++caughtUp;
+                    if (failsToCatchUp) {
+                        throw std::runtime_error{"a stray exception"};
+                    }
+                }};
     }
 
     /// As the alarm does it: it arms on a MacBook only, and has its state published there.
