@@ -2,8 +2,12 @@
 
 #include "alerts/LocalAlertStore.hpp"
 #include "cloud/AsyncTimeout.hpp"
+#include "cloud/PresenceTimes.hpp"
 #include "platform/FileSystem.hpp"
+#include "platform/WallClock.hpp"
+#include "runtime/CurrentTask.hpp"
 #include "runtime/Detached.hpp"
+#include "runtime/Sleep.hpp"
 
 #include <algorithm>
 #include <chrono>
@@ -25,6 +29,16 @@ constexpr Duration longestDeletion = 15s;
 /// So many deletions share a deadline: what a batch has achieved is remembered before the next one begins.
 constexpr std::size_t batchSize = 200;
 
+/// Between two attempts with what waits.
+constexpr Duration shortestRetryDelay = 30s;
+constexpr Duration longestRetryDelay = 300s;
+
+/// So many alerts are held in memory while the disk is full, each with its photo; the newest.
+constexpr std::size_t mostHeld = 100;
+
+/// An upload that takes too long may be a large photo's fault; a second one in a row is the network's.
+constexpr int mostMissedDeadlines = 2;
+
 /// A photo's file as an upload finds it.
 struct PhotoFile {
     bool isThere = false;
@@ -44,6 +58,7 @@ void MacAlertsService::deleteAlerts(const std::unordered_set<UUID>& ids)
         return;
     }
     localStore_.remove(ids);
+    std::erase_if(held_, [&ids](const auto& entry) { return ids.contains(entry.first); });
     pendingDeletions_.add(ids);
     uploader_.discard(ids);
     std::vector<AlertRow> kept;
@@ -60,22 +75,118 @@ Async<void> MacAlertsService::catchUp()
     return catchUps_.run();
 }
 
+/// Those on the disk and those that could not be saved.
+Async<std::vector<StoredAlert>> MacAlertsService::alertsHere()
+{
+    std::vector<StoredAlert> here = co_await localStore_.alertsInBackground();
+    std::erase_if(here, [this](const StoredAlert& stored) { return held_.contains(stored.alert.id); });
+    for (const auto& [id, held] : held_) {
+        here.insert(here.begin(), {held.alert, true});
+    }
+    co_return here;
+}
+
+void MacAlertsService::hold(const AlertEvent& alert, std::optional<Bytes> photo)
+{
+    if (held_.size() == mostHeld) {
+        const auto isOlder = [](const auto& left, const auto& right) {
+            return left.second.alert.timestamp < right.second.alert.timestamp;
+        };
+        held_.erase(std::min_element(held_.begin(), held_.end(), isOlder));
+    }
+    held_.insert_or_assign(alert.id, HeldAlert{alert, std::move(photo)});
+    merge({alert, true});
+}
+
+/// There may be room on the disk again.
+void MacAlertsService::saveHeld()
+{
+    std::erase_if(held_, [this](const auto& entry) {
+        try {
+            localStore_.save(entry.second.alert, entry.second.photo, true);
+        } catch (const std::exception&) {
+            return false;
+        }
+        return true;
+    });
+}
+
 Async<void> MacAlertsService::catchUpPass()
 {
+    saveHeld();
     co_await deletions_.run();
     co_await uploadWaiting();
     co_await refresh();
     uploadsCaughtUp_();
+    planRetry();
+}
+
+/// Whatever a pass itself brings about doesn't count, or an alert that is refused would be tried again at once for
+/// ever.
+void MacAlertsService::catchUpIfOwed()
+{
+    if (hasLoadedInitialAlerts && !catchUps_.isRunning() && isAnythingOwed()) {
+        catchUps_.start();
+    }
+}
+
+/// Whether something waits that nobody is seeing to.
+bool MacAlertsService::isAnythingOwed()
+{
+    const std::unordered_set<UUID> waiting = waitingIDs();
+    return !pendingDeletions_.ids().empty() ||
+           std::any_of(waiting.begin(), waiting.end(), [this](const UUID& id) { return !uploader_.isUploading(id); });
+}
+
+/// No event needs to come any more that would cause a pass: what is left is tried again by the clock.
+void MacAlertsService::planRetry()
+{
+    if (retry_) {
+        retry_.cancel();
+        retry_ = {};
+    }
+    if (!isAnythingOwed()) {
+        retryDelay_ = {};
+        return;
+    }
+    const Duration patience = remainingBackoff(cloud_.requestBackoff(), ports_.wallClock.now());
+    retry_ = actor_.spawn(retryAfter(std::max({shortestRetryDelay, retryDelay_, patience})));
+    tasks_.add(retry_);
+}
+
+/// The same, for what is left outside of a pass.
+void MacAlertsService::ensureRetry()
+{
+    if (!retry_ && !catchUps_.isRunning() && isAnythingOwed()) {
+        planRetry();
+    }
+}
+
+Async<void> MacAlertsService::retryAfter(Duration delay)
+{
+    co_await sleepFor(delay);
+    const bool isCancelled = co_await isTaskCancelled(); // just when it was over
+    if (isCancelled) {
+        co_return;
+    }
+    retry_ = {};
+    if (isAnythingOwed()) {
+        retryDelay_ = std::min(std::max(shortestRetryDelay, retryDelay_) * 2, longestRetryDelay);
+        catchUps_.start();
+    }
 }
 
 Async<void> MacAlertsService::uploadWaiting()
 {
-    std::vector<StoredAlert> newestFirst = co_await localStore_.alertsInBackground();
+    std::vector<StoredAlert> newestFirst = co_await alertsHere();
+    int missedDeadlines = 0; // in a row
     while (!newestFirst.empty()) {
         StoredAlert oldest = std::move(newestFirst.back());
         newestFirst.pop_back();
-        const bool mayGoOn = co_await uploadStored(std::move(oldest));
-        if (!mayGoOn) {
+        const auto outcome = co_await uploadStored(std::move(oldest));
+        missedDeadlines = outcome == AlertUploader::Outcome::timedOut ? missedDeadlines + 1 : 0;
+        if (outcome == AlertUploader::Outcome::storageFull || outcome == AlertUploader::Outcome::unreachable ||
+            missedDeadlines == mostMissedDeadlines) {
             co_return;
         }
     }
@@ -88,36 +199,45 @@ Async<bool> MacAlertsService::mayUploadNext()
     co_return isAvailable && !isThrottled();
 }
 
-/// One alert's turn. False when those behind it needn't be tried.
-Async<bool> MacAlertsService::uploadStored(StoredAlert stored)
+/// One alert's turn.
+Async<AlertUploader::Outcome> MacAlertsService::uploadStored(StoredAlert stored)
 {
     const UUID id = stored.alert.id;
     const bool mayUpload = co_await mayUploadNext();
     if (!mayUpload) {
-        co_return false;
+        co_return AlertUploader::Outcome::unreachable;
     }
     auto reading =
         detached(actor_.scheduler(), QualityOfService::utility,
                  [&files = ports_.files, file = localStore_.photoFile(id)] { return readPhoto(files, file); });
     PhotoFile photo = co_await reading;
+    const auto held = held_.find(id);
+    if (held != held_.end()) {
+        photo = {held->second.photo.has_value(), held->second.photo};
+    }
     const bool isUnreadable = photo.isThere && !photo.content;
-    if (isUnreadable || uploader_.isUploading(id) || !localStore_.storedAlert(id)) {
+    const bool isHere = held != held_.end() || localStore_.storedAlert(id);
+    if (isUnreadable || uploader_.isUploading(id) || !isHere) {
         // Its photo must not be lost; somebody else sees to it; or it has gone meanwhile.
-        co_return true;
+        co_return AlertUploader::Outcome::failed;
     }
     const auto outcome = co_await uploader_.upload(std::move(stored.alert), std::move(photo.content));
     if (outcome == AlertUploader::Outcome::uploaded) {
         noteUploaded(id);
+    } else {
+        localStore_.setPendingUpload(id);
     }
     if (outcome == AlertUploader::Outcome::storageFull) {
         iCloudStorageIsFull = true;
     }
-    co_return outcome != AlertUploader::Outcome::storageFull&& outcome != AlertUploader::Outcome::unreachable;
+    co_return outcome;
 }
 
 void MacAlertsService::noteUploaded(const UUID& id)
 {
     localStore_.remove(id);
+    held_.erase(id);
+    retryDelay_ = {}; // something works
     iCloudStorageIsFull = false;
     std::vector<AlertRow> rows = *alerts.get();
     const auto row =
@@ -143,6 +263,7 @@ Async<void> MacAlertsService::deletePending()
         if (cloud_.isAvailable) {
             errorMessage = cloud_.lastSyncError.get(); // the account doesn't answer
         }
+        ensureRetry();
         co_return;
     }
     bool mayGoOn = true;
@@ -152,6 +273,7 @@ Async<void> MacAlertsService::deletePending()
         std::unordered_set<UUID> batch(first, last);
         mayGoOn = co_await deleteBatch(std::move(batch));
     }
+    ensureRetry();
 }
 
 /// False when the network fails.
@@ -164,11 +286,14 @@ Async<bool> MacAlertsService::deleteBatch(std::unordered_set<UUID> ids)
     } catch (const AsyncTimeout::TimedOut& error) {
         cloud_.recordSyncFailure(error);
     }
+    const bool isDone = gone.size() == count;
+    // What may still arrive is deleted once more by a later pass: it would be on no list, and nobody would find it.
+    std::erase_if(gone, [this](const UUID& id) { return uploader_.mayArriveLate(id); });
     pendingDeletions_.remove(gone);
-    if (gone.size() < count) {
+    if (!isDone) {
         errorMessage = cloud_.lastSyncError.get();
     }
-    co_return gone.size() == count || cloud_.isReachable;
+    co_return isDone || cloud_.isReachable;
 }
 
 /// Oldest first. An alert that is on its way into the cloud can be deleted there once it has arrived.

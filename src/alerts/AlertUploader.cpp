@@ -18,6 +18,9 @@ namespace {
 /// A slow or hung cloud never holds an upload longer than this.
 constexpr Duration longestUpload = 15s;
 
+/// What was given up longer ago than this has been lost on its way.
+constexpr Duration longestWay = 60s;
+
 } // namespace
 
 AlertUploader::AlertUploader(MainActor actor, CloudKitService& cloud, platform::Journal& journal)
@@ -75,7 +78,17 @@ AlertUploader::Outcome AlertUploader::noteFailure(const UUID& id, const std::exc
     if (isCloudKitError(error, CloudErrorCode::quotaExceeded)) {
         return Outcome::storageFull;
     }
+    if (dynamic_cast<const AsyncTimeout::TimedOut*>(&error) != nullptr) {
+        givenUp_.insert_or_assign(id, actor_.scheduler().now());
+        return Outcome::timedOut;
+    }
     return isNetworkError(error) ? Outcome::unreachable : Outcome::failed;
+}
+
+bool AlertUploader::mayArriveLate(const UUID& id) const
+{
+    const auto found = givenUp_.find(id);
+    return found != givenUp_.end() && actor_.scheduler().now() - found->second < longestWay;
 }
 
 void AlertUploader::discard(const std::unordered_set<UUID>& ids)

@@ -20,7 +20,8 @@ public:
         uploaded,    ///< now, or by an earlier attempt whose answer was lost
         deleted,     ///< by the user, before it was uploaded: there is nothing to upload any more
         storageFull, ///< the user's iCloud storage
-        unreachable, ///< the network is at fault; the deadline counts as that
+        unreachable, ///< the network is at fault
+        timedOut,    ///< no answer within the time; the record may arrive all the same
         failed,      ///< anything else: whether the server asks for patience, the cloud's `requestBackoff` knows
     };
 
@@ -35,6 +36,9 @@ public:
     /// Whether an attempt with this alert is under way.
     [[nodiscard]] bool isUploading(const UUID& id) const { return attempts_.contains(id); }
 
+    /// Whether the record may reach the server still, since an attempt with it was given up a short while ago.
+    [[nodiscard]] bool mayArriveLate(const UUID& id) const;
+
     /// The user has deleted these alerts: no attempt with them begins any more in this run of the application.
     void discard(const std::unordered_set<UUID>& ids);
     [[nodiscard]] const std::unordered_set<UUID>& discarded() const { return discarded_; }
@@ -47,6 +51,7 @@ private:
     CloudKitService& cloud_;
     platform::Journal& journal_;
     std::unordered_set<UUID> discarded_;
+    std::unordered_map<UUID, Instant> givenUp_; ///< when the deadline of the last attempt passed
     std::unordered_map<UUID, Task<Outcome>> attempts_;
 };
 

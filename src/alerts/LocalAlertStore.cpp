@@ -8,6 +8,7 @@
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
+#include <string>
 #include <system_error>
 #include <utility>
 
@@ -64,6 +65,21 @@ void LocalAlertStore::save(const AlertEvent& alert, const std::optional<Bytes>& 
         index_->insert_or_assign(alert.id, stored);
     }
     prune();
+}
+
+void LocalAlertStore::setPendingUpload(const UUID& id)
+{
+    std::optional<StoredAlert> stored = storedAlert(id);
+    if (!stored || stored->pendingUpload) {
+        return;
+    }
+    stored->pendingUpload = true;
+    // When this fails, the next launch finds the alert as one that was only kept here, and uploads it all the same.
+    const std::string document = encodeJson(encodeStoredAlert(*stored));
+    static_cast<void>(platform::writeDurably(files_, alertFile(id), bytesOf(document), fileMode));
+    if (index_) {
+        index_->insert_or_assign(id, *std::move(stored));
+    }
 }
 
 std::vector<StoredAlert> LocalAlertStore::alerts()

@@ -33,6 +33,10 @@ public:
     /// `JsonEncodingError` when the alert has no encoding.
     void save(const AlertEvent& alert, const std::optional<Bytes>& photo, bool pendingUpload);
 
+    /// An attempt to upload the alert has failed: it waits from now on. Nothing when it is not here or waits already; a
+    /// failed write is ignored.
+    void setPendingUpload(const UUID& id);
+
     /// All alerts, newest first, and by identifier where dates are equal, so that the order stays put.
     [[nodiscard]] std::vector<StoredAlert> alerts();
 

@@ -69,12 +69,12 @@ MacAlertsService::MacAlertsService(MainActor actor, CloudKitService& cloud, Loca
     observations_.push_back(cloud_.isReachable.observe([this](bool) { refreshStorageNotice(); }));
     observations_.push_back(cloud_.lastSyncError.observe([this](const std::optional<std::string>& error) {
         if (!error) {
-            cloudRecovered();
+            catchUpIfOwed();
         }
     }));
     observations_.push_back(iCloudStorageIsFull.observe([this](bool isFull) {
         if (!isFull) {
-            cloudRecovered();
+            catchUpIfOwed();
         }
     }));
 }
@@ -108,7 +108,7 @@ Async<void> MacAlertsService::refresh()
     const Loading loading{anchor_.weak()};
     const std::int64_t generation = ++refreshGeneration_;
     const CloudAnswer answer = co_await askCloud();
-    std::vector<StoredAlert> local = co_await localStore_.alertsInBackground();
+    std::vector<StoredAlert> local = co_await alertsHere();
     const bool isCancelled = co_await isTaskCancelled();
     if (isCancelled || generation < appliedGeneration_) {
         co_return;
@@ -184,6 +184,7 @@ void MacAlertsService::apply(const CloudAnswer& answer, std::vector<StoredAlert>
     if (isFresh) {
         // What is only remembered to be in the cloud doesn't cost the copy here.
         localStore_.remove(merged.redundant);
+        std::erase_if(held_, [&](const auto& entry) { return merged.redundant.contains(entry.first); });
     }
     publish(std::move(merged.rows));
     errorMessage = answer.error;
@@ -194,6 +195,7 @@ void MacAlertsService::apply(const CloudAnswer& answer, std::vector<StoredAlert>
     if (isFresh && !pendingDeletions_.ids().empty() && !catchUps_.isRunning()) {
         deletions_.start();
     }
+    ensureRetry();
 }
 
 /// The alerts of the cloud that the list shows: none that the user has deleted.
@@ -238,7 +240,7 @@ std::optional<std::string> MacAlertsService::storageNotice()
     if (isListEmpty) {
         return std::nullopt;
     }
-    if (isAnyWaiting()) {
+    if (!waitingIDs().empty()) {
         return "Some alerts are waiting to upload to iCloud.";
     }
     if (!cloud_.isAvailable) {
@@ -250,29 +252,22 @@ std::optional<std::string> MacAlertsService::storageNotice()
     return std::nullopt;
 }
 
-/// Whether an alert is on this Mac that the cloud is not known to hold.
-bool MacAlertsService::isAnyWaiting()
+/// The alerts on this Mac that the cloud is not known to hold.
+std::unordered_set<UUID> MacAlertsService::waitingIDs()
 {
     std::unordered_set<UUID> waiting = localStore_.identifiers();
+    for (const auto& [id, alert] : held_) {
+        waiting.insert(id);
+    }
     if (waiting.empty()) {
-        return false;
+        return waiting;
     }
     for (const AlertRow& row : *alerts.get()) {
         if (row.storageLocation == AlertStorageLocation::cloud) {
             waiting.erase(row.alert.id);
         }
     }
-    return !waiting.empty();
-}
-
-/// A request has been answered after one that had failed, or there is room again: time for what was left undone.
-/// Whatever a pass itself brings about doesn't count, or an alert that is refused would be tried for ever.
-void MacAlertsService::cloudRecovered()
-{
-    const bool hasLoaded = hasLoadedInitialAlerts;
-    if (hasLoaded && !catchUps_.isRunning() && (!pendingDeletions_.ids().empty() || isAnyWaiting())) {
-        catchUps_.start();
-    }
+    return waiting;
 }
 
 Async<std::optional<Bytes>> MacAlertsService::photo(UUID id)

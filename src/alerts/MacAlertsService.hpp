@@ -11,6 +11,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <unordered_map>
 
 namespace sentrel {
 
@@ -52,6 +53,13 @@ public:
     /// Shows an alert that has just been saved on this Mac; nothing when it is shown already or has been deleted.
     void merge(const StoredAlert& stored);
 
+    /// Takes in an alert that could not be saved on this Mac. It is shown, and waits in memory for the next catch-up to
+    /// save or upload it.
+    void hold(const AlertEvent& alert, std::optional<Bytes> photo);
+
+    /// The alert has been uploaded: nothing of it is kept here any more.
+    void noteUploaded(const UUID& id);
+
     /// Recomputes `infoMessage`.
     void refreshStorageNotice();
 
@@ -74,6 +82,10 @@ public:
     /// up those behind it. One pass at a time: a call during a pass asks for one more.
     [[nodiscard]] Async<void> catchUp();
 
+    /// ICloud works: starts a pass when something waits and none is under way. What a pass leaves waiting is tried
+    /// again after 30 s, and then at growing intervals of at most 5 min.
+    void catchUpIfOwed();
+
     [[nodiscard]] const PendingCloudDeletionStore& pendingDeletions() const { return pendingDeletions_; }
 
 private:
@@ -81,6 +93,10 @@ private:
     struct CloudAnswer {
         bool isFresh = false; ///< the database itself has answered
         std::optional<std::string> error;
+    };
+    struct HeldAlert {
+        AlertEvent alert;
+        std::optional<Bytes> photo;
     };
     class Loading;
 
@@ -92,14 +108,18 @@ private:
     [[nodiscard]] std::vector<AlertEvent> cloudAlerts(bool isFresh);
     void publish(std::vector<AlertRow> rows);
     [[nodiscard]] std::optional<std::string> storageNotice();
-    [[nodiscard]] bool isAnyWaiting();
-    void cloudRecovered();
+    [[nodiscard]] std::unordered_set<UUID> waitingIDs();
+    [[nodiscard]] bool isAnythingOwed();
+    void planRetry();
+    void ensureRetry();
+    Async<void> retryAfter(Duration delay);
 
     Async<void> catchUpPass();
     Async<void> uploadWaiting();
     Async<bool> mayUploadNext();
-    Async<bool> uploadStored(StoredAlert stored);
-    void noteUploaded(const UUID& id);
+    Async<AlertUploader::Outcome> uploadStored(StoredAlert stored);
+    Async<std::vector<StoredAlert>> alertsHere();
+    void saveHeld();
     Async<void> deletePending();
     Async<bool> deleteBatch(std::unordered_set<UUID> ids);
     [[nodiscard]] std::vector<UUID> deletableIDs() const;
@@ -115,6 +135,9 @@ private:
     std::int64_t appliedGeneration_ = 0;
     int refreshesUnderWay_ = 0;
     bool lastRefreshTimedOut_ = false;
+    std::unordered_map<UUID, HeldAlert> held_; ///< those that could not be saved
+    Duration retryDelay_{}; ///< at least so long until the next retry; zero when none was made since the last success
+    Task<void> retry_;      ///< waits; none when nothing is owed or a pass sees to it
     std::vector<Observation> observations_;
     std::optional<Task<void>> activeRefreshTask_;
     CoalescedPasses deletions_;

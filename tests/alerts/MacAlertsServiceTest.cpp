@@ -347,20 +347,57 @@ TEST_F(MacAlertsServiceTest, StopsForWhatConcernsAllAlertsAndGoesOnPastWhatConce
     }
 }
 
-TEST_F(MacAlertsServiceTest, AnAlertThatIsRefusedHoldsUpNoOther)
+TEST_F(MacAlertsServiceTest, AnAlertThatIsRefusedHoldsUpNoOtherAndIsTriedAgainEverLessOften)
+{
+    refresh();
+    for (const int number : {1, 2, 3}) {
+        save(number, false);
+    }
+    fail(15, CloudOperation::save);
+    catchUp();
+    const auto failures = [this] { return world.log.named("alert.uploadFailed").size(); };
+    for (const Duration pause : {30s, 60s, 120s, 240s, 300s, 300s}) {
+        EXPECT_EQ(rows(), "3c 2c 1w ");
+        fail(15, CloudOperation::save);
+        const auto before = failures();
+        world.clock.advance(pause - 10s);
+        EXPECT_EQ(failures(), before) << toSeconds(pause);
+        world.clock.advance(11s);
+        EXPECT_EQ(failures(), before + 1) << toSeconds(pause);
+    }
+    EXPECT_EQ(service->infoMessage.get(), "Some alerts are waiting to upload to iCloud.");
+
+    world.clock.advance(300s);
+    EXPECT_EQ(rows(), "3c 2c 1c ");
+    const auto requests = mac.icloud.link.requests();
+    world.clock.advance(1h);
+    EXPECT_EQ(mac.icloud.link.requests(), requests) << "nothing waits any more";
+
+    fail(4, CloudOperation::modify);
+    service->deleteAlerts(ids({1}));
+    world.clock.advance(31s);
+    EXPECT_EQ(countInCloud(), 2U) << "deletions are owed in the same way";
+}
+
+TEST_F(MacAlertsServiceTest, AnAlertThatTakesTooLongHoldsUpNoOtherButTwoInARowEndThePass)
 {
     refresh();
     for (const int number : {1, 2, 3}) {
         save(number);
     }
-    for (int pass = 0; pass < 3; ++pass) {
-        fail(15, CloudOperation::save);
-        catchUp();
-        world.clock.advance(60s);
-        EXPECT_EQ(rows(), "3c 2c 1w ");
-    }
-    EXPECT_EQ(world.log.named("alert.uploadFailed").size(), 3U) << "one attempt a pass, and none in between";
-    EXPECT_EQ(service->infoMessage.get(), "Some alerts are waiting to upload to iCloud.");
+    mac.icloud.link.setLatency(60s);
+    const auto pass = start(service->catchUp());
+    world.clock.advance(2s);
+    mac.icloud.link.setLatency(80ms);
+    world.clock.advance(20s);
+    EXPECT_TRUE(pass.isFinished());
+    EXPECT_EQ(rows(), "3c 2c 1w ");
+    save(4);
+    save(5);
+    mac.icloud.link.setLatency(60s);
+    world.clock.advance(60s);
+    EXPECT_EQ(saves(), 5U);
+    EXPECT_EQ(rows(), "5w 4w 3c 2c 1w ");
 }
 
 TEST_F(MacAlertsServiceTest, PassesNeverOverlapAndACallDuringOneMeansOneMore)
@@ -537,6 +574,21 @@ TEST_F(MacAlertsServiceTest, AnAlertThatReachesTheServerAfterItsDeletionIsDelete
     EXPECT_EQ(rows(), "");
     world.clock.advance(1s);
     EXPECT_EQ(countInCloud(), 0U);
+
+    // One that nobody lists, since it arrives after everybody has given it up.
+    save(2);
+    mac.icloud.link.setLatency(60s);
+    const auto upload = start(uploader->upload(alert(2), std::nullopt));
+    world.clock.advance(16s);
+    ASSERT_TRUE(upload.isFinished());
+    mac.icloud.link.setLatency(80ms);
+    service->deleteAlerts(ids({2}));
+    world.clock.advance(20s);
+    EXPECT_EQ(countInCloud(), 1U);
+    world.clock.advance(20s);
+    EXPECT_EQ(countInCloud(), 0U);
+    world.clock.advance(2min);
+    EXPECT_THAT(service->pendingDeletions().ids(), IsEmpty());
 }
 
 TEST_F(MacAlertsServiceTest, WhereverTheProcessDiesAnAlertIsHereOrInTheCloudAndAtLastThereOnce)

@@ -1,3 +1,5 @@
+#include "platform/simulated/icloud/CloudErrorNames.hpp"
+#include "platform/simulated/icloud/CompanionPhone.hpp"
 #include "simulator/MacSession.hpp"
 #include "simulator/MacState.hpp"
 #include "support/TemporaryFolder.hpp"
@@ -223,16 +225,37 @@ TEST_F(AlarmCoordinatorTest, TheLockScreenWaitsForItsDelayAndReadsTheSettingAgai
     EXPECT_EQ(coordinator().lastError.get(), std::nullopt);
 }
 
-TEST_F(AlarmCoordinatorTest, AFullDiskCostsTheLocalCopyAndNothingElse)
+TEST_F(AlarmCoordinatorTest, AFullDiskCostsNoAlertAndNobodyIsToldThatItIsSaved)
 {
     set(&AlarmSettings::alarmSound, false); // which would write to the disk first
+    session.mac().camera.setDevices({{}});
+    session.mac().iCloud.account.setStatus(platform::CloudAccountStatus::available);
+    session.clock().advance(5s);
     arm();
-    ASSERT_TRUE(session.mac().files.faults().set("write", 1));
+    session.mac().iCloud.link.faults().add({simulated::cloudError(15), simulated::CloudOperation::save});
+    simulated::FaultSwitches& writing = session.mac().files.faults();
+    ASSERT_TRUE(writing.set("write"));
     trigger({TriggerReason::unplugged});
+    session.clock().advance(10s);
     EXPECT_EQ(state("alerts"), 0);
-    EXPECT_EQ(session.log().named("alert.saveFailed").size(), 1U);
+    EXPECT_EQ(coordinator().lastError.get(), std::nullopt);
+    EXPECT_EQ(state("alertRows").size(), 1U) << "but it is shown";
+
+    ASSERT_TRUE(writing.set("write", 0));
+    session.clock().advance(40s);
+    EXPECT_EQ(state("alerts"), 1) << "as soon as there is room";
+    session.mac().iCloud.link.faults().clear();
+    session.clock().advance(2min);
+    const auto uploaded = session.phone().alerts();
+    ASSERT_EQ(uploaded.size(), 1U);
+    EXPECT_TRUE(uploaded.front().photo);
+
+    ASSERT_TRUE(writing.set("write", 1));
+    session.mac().iCloud.network.setUp(false);
     trigger({TriggerReason::motion});
-    EXPECT_EQ(state("alertReasons"), Json::parse(R"(["motion"])"));
+    session.clock().advance(20s);
+    EXPECT_EQ(state("alertReasons"), Json::parse(R"(["motion"])")) << "without the photo there was room";
+    EXPECT_NE(coordinator().lastError.get(), std::nullopt);
     EXPECT_EQ(coordinator().processingCount(), 0);
 }
 

@@ -98,6 +98,41 @@ steps:
     EXPECT_THAT(listener.heard.str(), testing::Not(HasSubstr("phone.command")));
 }
 
+TEST_F(CloudScenarios, AnUploadThatWorksTakesThoseAlongThatFailedBefore)
+{
+    EXPECT_THAT(playedText(R"(
+mac: {icloud: maya}
+steps:
+- {at: 1s, do: {icloud: {fail: {code: serverRejectedRequest, times: 2, operation: save}}}}
+- {at: 2s, do: arm}
+- {at: 3s, do: unplug}
+- {at: 9s, expect: {cloudAlerts: 0, pendingUploads: 1}}
+- {at: 10s, do: close-lid}
+- {at: 13s, expect: {cloudAlerts: 2, pendingUploads: 0}}
+)"),
+                IsEmpty());
+}
+
+TEST_F(CloudScenarios, AnAlertThatWasKeptWithoutICloudWaitsOnceItsUploadHasFailed)
+{
+    EXPECT_THAT(playedText(R"(
+mac: {icloud: maya}
+steps:
+- {at: 70s, do: {icloud: {fail: {code: internalError, times: 1, operation: accountStatus}}}}
+- {at: 71s, do: {icloud: {fail: {code: serverRejectedRequest, times: 2, operation: save}}}}
+- {at: 72s, do: arm}
+- {at: 99s, expect: {icloud: {isAvailable: false}}}
+- {at: 100s, do: unplug}
+- at: 125s
+  expect:
+    pendingUploads: 1
+    alertRows: [{reason: unplugged, storage: pendingUpload}]
+    icloud: {isAvailable: true}
+    lastError: Alert saved on this Mac. It will upload when iCloud is available.
+)"),
+                IsEmpty());
+}
+
 TEST_F(CloudScenarios, EachPlayInAFolderBeginsWithAnEmptyCloud)
 {
     out = folder.path() / "play";

@@ -137,9 +137,11 @@ private:
     Async<std::optional<Bytes>> takePhoto(bool isWanted);
     void finishProcessing();
     [[nodiscard]] AlertEvent makeAlert(TriggerReason reason, bool hasPhoto);
-    void saveLocally(const AlertEvent& alert, const std::optional<Bytes>& photo, bool cloudFlag);
+    void keep(const AlertEvent& alert, const std::optional<Bytes>& photo, bool cloudFlag);
+    bool saveLocally(const AlertEvent& alert, const std::optional<Bytes>& photo, bool cloudFlag);
     Async<void> upload(AlertEvent alert, std::optional<Bytes> photo, bool cloudFlag);
     Async<bool> isCloudReachable();
+    void noteKept(const UUID& id);
     Async<void> uploadNow(AlertEvent alert, std::optional<Bytes> photo);
     void clearNotices();
 

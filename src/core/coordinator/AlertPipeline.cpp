@@ -105,11 +105,7 @@ Async<void> AlarmCoordinator::process(TriggerReason reason)
     AlertEvent alert = makeAlert(reason, photo.has_value());
     alert.sendNotification = settings.sendNotification;
     const bool cloudFlag = with_.cloud.isAvailable;
-    saveLocally(alert, photo, cloudFlag);
-    if (!with_.alertList.holds(alert.id)) {
-        with_.alertList.merge(StoredAlert{alert, cloudFlag});
-        with_.alertList.refreshStorageNotice();
-    }
+    keep(alert, photo, cloudFlag);
     tasks_.add(actor_.spawn(upload(std::move(alert), std::move(photo), cloudFlag)));
 }
 
@@ -141,27 +137,47 @@ AlertEvent AlarmCoordinator::makeAlert(TriggerReason reason, bool hasPhoto)
     return alert;
 }
 
-void AlarmCoordinator::saveLocally(const AlertEvent& alert, const std::optional<Bytes>& photo, bool cloudFlag)
+/// On the disk, without the photo if there is no room for it, and in the list. What cannot be saved at all must not be
+/// lost either: the list holds it in memory.
+void AlarmCoordinator::keep(const AlertEvent& alert, const std::optional<Bytes>& photo, bool cloudFlag)
+{
+    StoredAlert stored{alert, cloudFlag};
+    bool isSaved = saveLocally(alert, photo, cloudFlag);
+    if (!isSaved && photo) {
+        stored.alert.photoFileName.reset();
+        isSaved = saveLocally(stored.alert, std::nullopt, cloudFlag);
+    }
+    if (!isSaved) {
+        with_.alertList.hold(alert, photo);
+    } else if (!with_.alertList.holds(alert.id)) {
+        with_.alertList.merge(stored);
+        with_.alertList.refreshStorageNotice();
+    }
+}
+
+bool AlarmCoordinator::saveLocally(const AlertEvent& alert, const std::optional<Bytes>& photo, bool cloudFlag)
 {
     try {
         with_.alertStore.save(alert, photo, cloudFlag);
-        ports_.journal.note("alert.saved", {{"id", std::string_view{alert.id.text()}},
-                                            {"reason", rawValue(alert.reason)},
-                                            {"photo", photo.has_value()}});
     } catch (const std::exception& error) {
-        // A full disk must not cost the upload: the alert goes on in memory.
         ports_.journal.note("alert.saveFailed",
                             {{"id", std::string_view{alert.id.text()}}, {"why", std::string_view{error.what()}}});
+        return false;
     }
+    ports_.journal.note(
+        "alert.saved",
+        {{"id", std::string_view{alert.id.text()}}, {"reason", rawValue(alert.reason)}, {"photo", photo.has_value()}});
+    return true;
 }
 
 Async<void> AlarmCoordinator::upload(AlertEvent alert, std::optional<Bytes> photo, bool cloudFlag)
 {
+    const UUID id = alert.id;
     const bool isReachable = co_await isCloudReachable();
     if (isReachable) {
         co_await uploadNow(std::move(alert), std::move(photo));
     } else if (cloudFlag) {
-        showLocalSaveNotice();
+        noteKept(id);
     } else {
         // A Mac that knew iCloud to be unavailable says so in its alerts window instead.
         clearNotices();
@@ -186,22 +202,33 @@ Async<void> AlarmCoordinator::uploadNow(AlertEvent alert, std::optional<Bytes> p
     const auto outcome = co_await with_.uploader.upload(std::move(alert), std::move(photo));
     switch (outcome) {
     case AlertUploader::Outcome::uploaded:
-        with_.alertStore.remove(id);
+        with_.alertList.noteUploaded(id);
         // Deliberately also another notice: the alert is safe, and that is the news.
         clearNotices();
-        with_.alertList.iCloudStorageIsFull = false;
+        with_.alertList.catchUpIfOwed(); // what failed before it may work, too
         break;
     case AlertUploader::Outcome::deleted:
         clearLocalSaveNoticeIfResolved();
         break;
     case AlertUploader::Outcome::storageFull:
+        with_.alertStore.setPendingUpload(id);
         with_.alertList.iCloudStorageIsFull = true;
         with_.alertList.refreshStorageNotice();
         break;
     case AlertUploader::Outcome::unreachable:
+    case AlertUploader::Outcome::timedOut:
     case AlertUploader::Outcome::failed:
-        showLocalSaveNotice();
+        with_.alertStore.setPendingUpload(id);
+        noteKept(id);
         break;
+    }
+}
+
+/// Says that the alert is saved on this Mac, if it is.
+void AlarmCoordinator::noteKept(const UUID& id)
+{
+    if (with_.alertStore.storedAlert(id)) {
+        showLocalSaveNotice();
     }
 }
 
