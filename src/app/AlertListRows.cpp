@@ -30,7 +30,7 @@ AlertListRows::AlertListRows(MacAlertsService& alerts, platform::Calendar& calen
 {
 }
 
-const std::vector<ui::View>& AlertListRows::sections()
+const ui::Children& AlertListRows::sections()
 {
     const Date now = wallClock_.now();
     if (shown_ == alerts_.alerts.get() && day_.start <= now && now < day_.end) {
@@ -38,10 +38,11 @@ const std::vector<ui::View>& AlertListRows::sections()
     }
     shown_ = alerts_.alerts;
     day_ = calendar_.interval(platform::CalendarUnit::day, now);
-    sections_.clear();
+    std::vector<ui::View> sections;
     for (const AlertSection& each : alerts_.sections()) {
-        sections_.push_back(section(each));
+        sections.push_back(section(each));
     }
+    sections_ = std::move(sections);
     return sections_;
 }
 

@@ -24,7 +24,7 @@ public:
                   platform::Language& language);
 
     /// Section views. A row's id is its alert's.
-    [[nodiscard]] const std::vector<ui::View>& sections();
+    [[nodiscard]] const ui::Children& sections();
 
 private:
     [[nodiscard]] ui::View section(const AlertSection& section);
@@ -36,7 +36,7 @@ private:
     platform::Language& language_;
     std::shared_ptr<const std::vector<AlertRow>> shown_; ///< what the sections were made of
     platform::DateInterval day_;                         ///< likewise
-    std::vector<ui::View> sections_;
+    ui::Children sections_;
 };
 
 } // namespace sentrel

@@ -2,6 +2,46 @@
 
 namespace sentrel::ui {
 
+Children::Children(std::vector<View> views)
+    : views_(views.empty() ? nullptr : std::make_shared<const std::vector<View>>(std::move(views)))
+{
+}
+
+Children::Children(std::initializer_list<View> views) : Children(std::vector<View>{views})
+{
+}
+
+Children::operator const std::vector<View>&() const
+{
+    static const std::vector<View> none;
+    return views_ == nullptr ? none : *views_;
+}
+
+const View* Children::begin() const
+{
+    return views_ == nullptr ? nullptr : views_->data();
+}
+
+const View* Children::end() const
+{
+    return begin() + size();
+}
+
+const View& Children::front() const
+{
+    return views_->front();
+}
+
+const View& Children::operator[](std::size_t index) const
+{
+    return (*views_)[index];
+}
+
+std::size_t Children::size() const
+{
+    return views_ == nullptr ? 0 : views_->size();
+}
+
 View View::id(std::string value) &&
 {
     traits.id = std::move(value);
@@ -74,7 +114,7 @@ View View::attach(View attachment) &&
     return std::move(*this);
 }
 
-View view(Element element, std::vector<View> children)
+View view(Element element, Children children)
 {
     View made;
     made.element = std::move(element);

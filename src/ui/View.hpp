@@ -2,6 +2,9 @@
 
 #include "ui/Elements.hpp"
 
+#include <cstddef>
+#include <initializer_list>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -47,11 +50,35 @@ struct Traits {
     std::vector<std::pair<Key, Action>> keyCommands;
 };
 
+struct View;
+
+/// The views inside another. Copies share them, so that a tree is copied in no time however long its lists are.
+class Children {
+public:
+    Children() = default;
+    Children(std::vector<View> views);
+    Children(std::initializer_list<View> views);
+
+    operator const std::vector<View>&() const;
+    [[nodiscard]] const View* begin() const;
+    [[nodiscard]] const View* end() const;
+    [[nodiscard]] const View& front() const;
+    [[nodiscard]] const View& operator[](std::size_t index) const;
+    [[nodiscard]] std::size_t size() const;
+    [[nodiscard]] bool empty() const { return size() == 0; }
+
+    /// Whether they are the very same views, not only equal ones.
+    [[nodiscard]] bool isSameAs(const Children& other) const { return views_ == other.views_; }
+
+private:
+    std::shared_ptr<const std::vector<View>> views_; ///< null: none
+};
+
 /// What a window shows, or a part of it: a value. A new state makes a new view, and a renderer changes only what
 /// differs, knowing each part by its identity (see `Node`). Made and used on the main thread.
 struct View {
     Element element;
-    std::vector<View> children;
+    Children children;
     std::vector<View> attachments; ///< toolbar, sheet, dialogs
     Traits traits;
 
@@ -71,7 +98,7 @@ struct View {
 };
 
 /// A leaf, or a view of any kind with its children.
-[[nodiscard]] View view(Element element, std::vector<View> children = {});
+[[nodiscard]] View view(Element element, Children children = {});
 [[nodiscard]] View verticalStack(std::vector<View> children, double spacing = 8.0,
                                  Stack::Alignment alignment = Stack::Alignment::center);
 [[nodiscard]] View horizontalStack(std::vector<View> children, double spacing = 8.0,

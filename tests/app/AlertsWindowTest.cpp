@@ -310,6 +310,22 @@ TEST_F(AlertsWindowTest, SaysWhyAPhotoCouldNotBeSaved)
     EXPECT_FALSE(shows("photoFailure"));
 }
 
+TEST_F(AlertsWindowTest, WhatIsSelectedMakesNoRowsAnew)
+{
+    const auto rows = [&] {
+        const ui::View body = window_.body();
+        return ui::find(body, "sidebar/alerts")->view->children;
+    };
+    const auto id = save(60);
+    open();
+    const ui::Children before = rows();
+    select({id});
+    EXPECT_TRUE(before.size() == 1 && before.isSameAs(rows()));
+    save(120);
+    open();
+    EXPECT_FALSE(before.isSameAs(rows()));
+}
+
 TEST_F(AlertsWindowTest, OnePhotoIsTakenOutAtATime)
 {
     const auto id = save(0, photo());

@@ -302,7 +302,10 @@ private:
         table_.allowsMultipleSelection = list.mode == ui::List::Selection::multiple;
         table_.enabled = surroundings.isEnabled;
         controller_->isUpdating = YES;
-        showRows(ui::rowsOf(view));
+        if (view.children.isSameAs(shown_) || showRows(ui::rowsOf(view))) {
+            fillVisibleRows();
+        }
+        shown_ = view.children;
         if (!controller_->hasNewSelection) {
             showSelection(list.selection.value);
         }
@@ -318,8 +321,9 @@ private:
         static_cast<NSScrollView*>(view()).drawsBackground = !surroundings.isInSidebar;
     }
 
-    /// Rows that stay keep their place on the screen, their selection and what stands in them.
-    void showRows(std::vector<ui::ListRow> rows)
+    /// Rows that stay keep their place on the screen, their selection and what stands in them. False when the table
+    /// fills itself anew.
+    [[nodiscard]] bool showRows(std::vector<ui::ListRow> rows)
     {
         // Asked for before the rows change: the table counts them only when it needs to.
         const auto counted = static_cast<std::size_t>(table_.numberOfRows);
@@ -327,7 +331,7 @@ private:
         const ui::RowChanges changes = ui::changesBetween(before, controller_->rows);
         if (changes.isReordered || before.empty() || counted != before.size()) {
             [table_ reloadData];
-            return;
+            return false;
         }
         if (!changes.removed.empty() || !changes.inserted.empty()) {
             [table_ beginUpdates];
@@ -335,6 +339,11 @@ private:
             [table_ insertRowsAtIndexes:indexSet(changes.inserted) withAnimation:NSTableViewAnimationEffectFade];
             [table_ endUpdates];
         }
+        return true;
+    }
+
+    void fillVisibleRows()
+    {
         SentrelListController* const controller = controller_;
         NSTableView* const table = table_;
         [table enumerateAvailableRowViewsUsingBlock:^(NSTableRowView*, NSInteger row) {
@@ -364,6 +373,7 @@ private:
     [[nodiscard]] NSView* control() const override { return table_; }
     [[nodiscard]] bool wantsAll(NSLayoutConstraintOrientation /*orientation*/) const override { return true; }
 
+    ui::Children shown_; // held: the rows point into them
     SentrelTableView* const table_ = [[SentrelTableView alloc] init];
     SentrelListController* const controller_ = [[SentrelListController alloc] init];
 };
