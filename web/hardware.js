@@ -132,7 +132,7 @@ function camera(stream) {
         act({ camera: { brightness } }),
     ));
     const webcam = new Webcam();
-    const source = choice("The camera sees", [["scene", "A café"], ["webcam", "Your webcam"]], (to) =>
+    const source = choice("Camera sees", [["scene", "A café"], ["webcam", "Your webcam"]], (to) =>
         to === "webcam" ? webcam.start() : webcam.stop(),
     );
     stream.on("hardware", ({ camera: state }) => {

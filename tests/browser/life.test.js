@@ -33,7 +33,7 @@ test("a crash is survived: the sound ends, and the next launch brings the speake
     await desk.haveAnAlert();
     const use = desk.button("Play through Headphones", desk.hardware);
     assert.equal(await use.getAttribute("aria-pressed"), "false");
-    await desk.button("Crash", desk.hardware).click();
+    await desk.button("Crash Sentrel", desk.hardware).click();
     await desk.button("Open Sentrel", desk.hardware).click();
     await desk.isArmed(false);
     await desk.hardware.locator("[aria-label='Play through Headphones'][aria-pressed=true]").waitFor();
