@@ -1,5 +1,8 @@
 // The few things that every part of the page does with elements.
 
+// Of the same name as a property that is something else: an element's form, or an address made absolute.
+const attributesOnly = new Set(["list", "form", "src"]);
+
 /// An element with properties, attributes (when there is no such property), listeners ("onclick") and children.
 export function h(tag, properties = {}, ...children) {
     const element = document.createElement(tag);
@@ -12,7 +15,7 @@ export function set(element, properties) {
     for (const [name, value] of Object.entries(properties)) {
         if (name.startsWith("on")) {
             element.addEventListener(name.slice(2), value);
-        } else if (name in element && name !== "list" && name !== "form") {
+        } else if (name in element && !attributesOnly.has(name)) {
             if (element[name] !== value) {
                 element[name] = value;
             }

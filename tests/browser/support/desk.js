@@ -65,10 +65,24 @@ export class Desk {
     }
 }
 
-/// How many colours a picture shows, of a 32nd of its pixels; waits until it is decoded.
-export function coloursOf(image) {
-    return image.evaluate(async (element) => {
-        await element.decode();
+/// Waits until a picture is decoded, also one that another follows meanwhile.
+async function decoded(image) {
+    await image.evaluate(async (element) => {
+        for (let tries = 0; tries < 20; ++tries) {
+            try {
+                return await element.decode();
+            } catch {
+                await new Promise((done) => setTimeout(done, 50));
+            }
+        }
+        throw new Error(`${element.src} can't be decoded`);
+    });
+    return image;
+}
+
+/// How many colours a picture shows, of a 32nd of its pixels.
+export async function coloursOf(image) {
+    return (await decoded(image)).evaluate((element) => {
         const [width, height] = [element.naturalWidth, element.naturalHeight];
         const context = new OffscreenCanvas(width, height).getContext("2d");
         context.drawImage(element, 0, 0);
@@ -91,9 +105,8 @@ export function differenceOf(image, file) {
 }
 
 /// A picture's mean colour: red, green and blue, of 255.
-export function meanColourOf(image) {
-    return image.evaluate(async (element) => {
-        await element.decode();
+export async function meanColourOf(image) {
+    return (await decoded(image)).evaluate((element) => {
         const context = new OffscreenCanvas(1, 1).getContext("2d");
         context.imageSmoothingQuality = "high";
         context.drawImage(element, 0, 0, 1, 1);
