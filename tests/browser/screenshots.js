@@ -26,7 +26,11 @@ async function withDesk(options, take) {
 async function picture(desk, name) {
     // Without the pointer's and the keyboard's traces, and with all pictures there.
     await desk.page.mouse.move(0, 0);
-    await desk.page.evaluate(() => Promise.all([...document.images].map((image) => image.decode().catch(() => {}))));
+    await desk.page.evaluate(() => {
+        // One further down is loaded only when somebody scrolls there.
+        const seen = [...document.images].filter((image) => image.getBoundingClientRect().top < innerHeight);
+        return Promise.all(seen.map((image) => image.decode().catch(() => {})));
+    });
     await desk.page.screenshot({ path: path.join(folder, `${name}.png`) });
     console.log(path.join(folder, `${name}.png`));
 }
