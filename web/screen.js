@@ -54,7 +54,7 @@ class WindowView {
         Object.assign(this.element.style, {
             left: `${place.left}px`,
             top: `${place.top}px`,
-            width: `${state.frame.width}px`,
+            width: `${place.width}px`,
             height: `${place.height}px`,
             transform: `scale(${place.zoom})`,
         });
@@ -156,32 +156,32 @@ export class Screen {
         this.clock.textContent = text;
     }
 
-    // Windows are drawn as large as they fit, at most at their own size, and not too small to be read: what is then
-    // too high is cut off at the bottom, and its content scrolls. Where they stand is in proportion.
+    // Windows are drawn as large as they fit, at most at their own size, and not too small to be read: one that is then
+    // too large is cut to what there is, and its content wraps and scrolls. Where they stand is in proportion.
     place(frame) {
         const room = { width: this.desk.clientWidth, height: this.desk.clientHeight };
-        const widest = Math.min(1, (room.width - 8) / frame.width);
-        const zoom = Math.min(widest, Math.max((room.height - 8) / frame.height, smallestZoom));
+        const fitting = Math.min((room.width - 8) / frame.width, (room.height - 8) / frame.height);
+        const zoom = Math.min(1, Math.max(fitting, smallestZoom));
+        const width = Math.min(frame.width, (room.width - 8) / zoom);
         const height = Math.min(frame.height, (room.height - 8) / zoom);
         const part = (offset, outer, inner) => Math.min(Math.max(offset / Math.max(outer - inner, 1), 0), 1);
         return {
             zoom,
+            width,
             height,
-            left: part(frame.x, this.#display.width, frame.width) * (room.width - frame.width * zoom),
+            left: part(frame.x, this.#display.width, frame.width) * (room.width - width * zoom),
             top: part(frame.y, this.#display.height, frame.height) * (room.height - height * zoom),
         };
     }
 
     dragScale(action, frame) {
-        const { zoom } = this.place(frame);
+        const { zoom, width, height } = this.place(frame);
         if (action === "resize") {
             return { x: 1 / zoom, y: 1 / zoom };
         }
-        const room = { width: this.desk.clientWidth, height: this.desk.clientHeight };
-        const ratio = (outer, own, inside) => (outer - own) / Math.max(inside - own * zoom, 1);
         return {
-            x: ratio(this.#display.width, frame.width, room.width),
-            y: ratio(this.#display.height, frame.height, room.height),
+            x: (this.#display.width - frame.width) / Math.max(this.desk.clientWidth - width * zoom, 1),
+            y: (this.#display.height - frame.height) / Math.max(this.desk.clientHeight - height * zoom, 1),
         };
     }
 
