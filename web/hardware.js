@@ -218,7 +218,7 @@ function cloud(stream) {
     const troubles = h(
         "div",
         { className: "half" },
-        row("Fails with", fault),
+        row("Error", fault),
         h(
             "div",
             { className: "buttons" },
