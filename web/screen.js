@@ -210,6 +210,17 @@ export class Screen {
             }
         }
         this.#showCovers(screen.covers);
+        this.#giveKeyboardTo(screen.windows.find((state) => state.isKey)?.id);
+    }
+
+    // A window that comes to the front has the keyboard, unless a question or the lock screen has it.
+    #giveKeyboardTo(id) {
+        const isNews = id !== this.keyWindow;
+        this.keyWindow = id;
+        const element = this.#windows.get(id)?.element;
+        if (isNews && element && !this.desk.inert && !element.contains(document.activeElement)) {
+            element.focus({ preventScroll: true });
+        }
     }
 
     #showCovers(covers) {

@@ -93,6 +93,8 @@ test("a Mac is armed and its alarm stopped without a mouse", async (t) => {
     await desk.button("Log in", desk.screen).and(desk.page.locator(":focus")).waitFor();
     await keyboard.press("Enter");
     await stop.waitFor({ state: "detached" });
+    const panel = await desk.open("Settings", "Sentrel");
+    await panel.and(desk.page.locator(":focus")).waitFor();
 });
 
 test("the page is light, and asks nobody but its server", async (t) => {
