@@ -210,15 +210,18 @@ export class Screen {
             }
         }
         this.#showCovers(screen.covers);
-        this.#giveKeyboardTo(screen.windows.find((state) => state.isKey)?.id);
+        this.keyWindow = screen.windows.find((state) => state.isKey)?.id;
+        this.#giveKeyboard();
     }
 
-    // A window that comes to the front has the keyboard, unless a question or the lock screen has it.
-    #giveKeyboardTo(id) {
-        const isNews = id !== this.keyWindow;
-        this.keyWindow = id;
-        const element = this.#windows.get(id)?.element;
-        if (isNews && element && !this.desk.inert && !element.contains(document.activeElement)) {
+    // A window that comes to the front has the keyboard, as soon as no question and no lock screen has it.
+    #giveKeyboard() {
+        if (this.desk.inert || this.keyWindow === this.hasKeyboard) {
+            return;
+        }
+        this.hasKeyboard = this.keyWindow;
+        const element = this.#windows.get(this.keyWindow)?.element;
+        if (element && !element.contains(document.activeElement)) {
             element.focus({ preventScroll: true });
         }
     }
@@ -300,6 +303,7 @@ export class Screen {
             this.panels.lastElementChild.querySelector("input, button.default")?.focus({ preventScroll: true });
         } else if (wasAsking) {
             this.cameFrom?.focus({ preventScroll: true });
+            this.#giveKeyboard();
         }
     }
 
