@@ -23,7 +23,7 @@ class WindowView {
         this.grip = h("div", { className: "window-grip", ariaHidden: "true" });
         this.element = h(
             "div",
-            { className: "window", role: "dialog", tabIndex: -1 },
+            { className: "window", role: "dialog", tabindex: "-1" },
             this.bar,
             this.content,
             this.grip,

@@ -1,5 +1,6 @@
 // The passcode and the lock screen.
 
+import assert from "node:assert/strict";
 import test from "node:test";
 import { sitDown } from "./support/sitting.js";
 
