@@ -110,9 +110,6 @@ void MacSession::processHasEnded()
 
 void MacSession::endProcess()
 {
-    // Not on the process's own thread, where the application's end would end its tasks: they go while all that they
-    // wait for is there, and what the end itself begins goes after it.
-    process_.endProcess();
     app_.reset();
     process_.endProcess();
     process_.setAsleep(isAsleep_);
