@@ -173,7 +173,7 @@ Async<void> AlertMetadataCache::flush()
     if (!persistAlertCacheTask_ || persistAlertCacheTask_.isFinished()) {
         co_return;
     }
-    hurry_.signal();
+    hurry_->signal();
     const Task<void> persisting = persistAlertCacheTask_;
     co_await persisting;
 }
@@ -198,8 +198,9 @@ void AlertMetadataCache::persistSoon()
 
 Async<void> AlertMetadataCache::persist()
 {
+    const auto hurry = hurry_;
     while (isDirty_) {
-        co_await hurry_.waitUntil(actor_.scheduler().now() + persistDelay);
+        co_await hurry->waitUntil(actor_.scheduler().now() + persistDelay);
         isDirty_ = false;
         const auto snapshot = std::make_shared<const AlertCacheContents>(alertCache_);
         auto work = [&files = files_, directory = cacheDirectory_, snapshot] {

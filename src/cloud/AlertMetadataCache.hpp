@@ -83,7 +83,8 @@ private:
     AlertCacheContents alertCache_;
     std::vector<std::weak_ptr<Changes>> watches_;
     bool isDirty_ = false;
-    Semaphore hurry_;
+    // Shared with who waits for it: a process that is taken apart from outside may end that wait after this.
+    const std::shared_ptr<Semaphore> hurry_ = std::make_shared<Semaphore>();
     DetachedWork writing_;
     Task<void> persistAlertCacheTask_;
     TaskBag tasks_;

@@ -49,6 +49,17 @@ protected:
     Listener listener;
 };
 
+TEST_F(CloudScenarios, WhatICloudAnswersDuringTheQuitDoesNoHarm)
+{
+    for (int latency = 10; latency <= 500; latency += 10) {
+        EXPECT_THAT(playedText("title: Quit\nmac: {icloud: {account: maya, latency: " + std::to_string(latency) +
+                               "ms}}\nsettings: {requirePasswordForActions: false}\nsteps:\n"
+                               "- {at: 100ms, do: quit}\n- {at: +20s, expect: {quit: quit}}\n"),
+                    IsEmpty())
+            << latency;
+    }
+}
+
 TEST_F(CloudScenarios, ThatComeWithTheProgramHold)
 {
     for (const char* name :
