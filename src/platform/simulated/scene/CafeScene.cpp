@@ -17,6 +17,7 @@ constexpr int minutesOfDay = 24 * 60;
 constexpr int cameraQuality = 92;
 constexpr int previewQuality = 80;
 constexpr int previewShare = 4; // of width and height
+constexpr int stripRows = 72;
 
 int minuteOfDay(Date date)
 {
@@ -37,29 +38,6 @@ double meanLuma(const RgbxImage& image)
     const double weighted = 0.2126 * static_cast<double>(sums[0]) + 0.7152 * static_cast<double>(sums[1]) +
                             0.0722 * static_cast<double>(sums[2]);
     return weighted * RgbxImage::pixelBytes / (255.0 * static_cast<double>(bytes.size()));
-}
-
-/// The image with its sides divided by a number: every pixel the mean of a square.
-RgbxImage shrunk(const RgbxImage& image, int share)
-{
-    RgbxImage small{image.width() / share, image.height() / share};
-    const int area = share * share;
-    for (int y = 0; y < small.height(); ++y) {
-        std::uint8_t* pixel = small.row(y);
-        for (int x = 0; x < small.stride(); ++x) {
-            const int channel = x % static_cast<int>(RgbxImage::pixelBytes);
-            const int left = (x - channel) * share + channel;
-            int sum = 0;
-            for (int row = 0; row < share; ++row) {
-                const std::uint8_t* from = image.row(y * share + row) + left;
-                for (int column = 0; column < share; ++column) {
-                    sum += from[column * static_cast<int>(RgbxImage::pixelBytes)];
-                }
-            }
-            pixel[x] = static_cast<std::uint8_t>(sum / area);
-        }
-    }
-    return small;
 }
 
 } // namespace
@@ -84,7 +62,7 @@ CafePreview CafeScene::preview(Date date, std::optional<double> brightness)
     if (preview_.jpeg && minute == previewMinute_ && brightness == previewBrightness_) {
         return preview_;
     }
-    RgbxImage small = shrunk(drawnAt(minute), previewShare);
+    RgbxImage small = drawCafe(minute, previewShare);
     if (brightness) {
         expose(small, *brightness);
     }
@@ -97,19 +75,24 @@ CafePreview CafeScene::preview(Date date, std::optional<double> brightness)
 const RgbxImage& CafeScene::drawnAt(int minute)
 {
     if (minute != drawnMinute_) {
-        drawn_ = drawCafe(minute);
+        drawn_ = drawCafe(minute, 1);
         drawnMinute_ = minute;
     }
     return drawn_;
 }
 
-RgbxImage drawCafe(int minuteOfDay)
+RgbxImage drawCafe(int minuteOfDay, int share)
 {
     const SceneLight light = SceneLight::at(static_cast<float>(minuteOfDay) / 60);
-    SceneCanvas canvas{CafeScene::width, CafeScene::height};
-    drawRoom(canvas, light, minuteOfDay);
-    drawFigure(canvas, light);
-    return canvas.finished();
+    RgbxImage picture{CafeScene::width / share, CafeScene::height / share};
+    for (int row = 0; row < picture.height(); row += stripRows) {
+        const int rows = std::min(stripRows, picture.height() - row);
+        SceneCanvas canvas{{CafeScene::width, CafeScene::height, share, row, rows}};
+        drawRoom(canvas, light, minuteOfDay);
+        drawFigure(canvas, light);
+        canvas.finish(picture);
+    }
+    return picture;
 }
 
 void expose(RgbxImage& image, double brightness)

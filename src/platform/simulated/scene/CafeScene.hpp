@@ -40,8 +40,8 @@ private:
     CafePreview preview_;
 };
 
-/// Draws the scene at a minute of the day.
-[[nodiscard]] RgbxImage drawCafe(int minuteOfDay);
+/// Draws the scene at a minute of the day, with the sides divided by `share`.
+[[nodiscard]] RgbxImage drawCafe(int minuteOfDay, int share);
 
 /// Brightens or darkens the image evenly until its mean luma (ITU-R BT.709) is this, 0 to 1.
 void expose(RgbxImage& image, double brightness);

@@ -13,19 +13,19 @@ std::uint8_t byteOf(float value)
 
 } // namespace
 
-RgbxImage SceneCanvas::finished() const
+void SceneCanvas::finish(RgbxImage& picture) const
 {
     constexpr float vignette = 0.30F;
     constexpr float grain = 0.012F;
 
-    RgbxImage image{width_, height_};
-    std::uint32_t noise = 0x9E3779B9;
     const Rgb* pixel = pixels_.data();
-    for (int y = 0; y < height_; ++y) {
-        std::uint8_t* out = image.row(y);
-        const float v = static_cast<float>(2 * y - height_) / static_cast<float>(height_);
-        for (int x = 0; x < width_; ++x, ++pixel, out += RgbxImage::pixelBytes) {
-            const float u = static_cast<float>(2 * x - width_) / static_cast<float>(width_);
+    for (int y = firstRow_; y < firstRow_ + rows_; ++y) {
+        std::uint8_t* out = picture.row(y);
+        const float v = static_cast<float>(2 * y - picture.height()) / static_cast<float>(picture.height());
+        // By row, so that the strips' height makes no difference.
+        std::uint32_t noise = (static_cast<std::uint32_t>(y) + 1) * 0x9E3779B9;
+        for (int x = 0; x < columns_; ++x, ++pixel, out += RgbxImage::pixelBytes) {
+            const float u = static_cast<float>(2 * x - columns_) / static_cast<float>(columns_);
             const float away = (u * u + v * v) / 2;
             const float shade = 1 - vignette * away * away;
             noise = noise * 1664525 + 1013904223;
@@ -36,7 +36,6 @@ RgbxImage SceneCanvas::finished() const
             out[3] = 255;
         }
     }
-    return image;
 }
 
 } // namespace sentrel::simulated

@@ -151,15 +151,31 @@ private:
     std::vector<Point> corners_;
 };
 
-/// A picture made of smooth shapes, with unlimited brightness until it is finished.
+/// A level strip of a picture that is made of smooth shapes, with unlimited brightness until it is finished. A whole
+/// picture of such pixels would be large: each strip draws every shape, as far as it reaches.
 class SceneCanvas {
 public:
-    SceneCanvas(int width, int height)
-        : width_(width), height_(height), pixels_(static_cast<std::size_t>(width) * static_cast<std::size_t>(height))
+    /// The strip for some rows of a picture of `width` x `height` scene units, whose pixels are squares of
+    /// `unitsPerPixel`.
+    struct Strip {
+        int width = 0;
+        int height = 0;
+        int unitsPerPixel = 1;
+        int firstRow = 0;
+        int rows = 0;
+    };
+
+    explicit SceneCanvas(const Strip& strip)
+        : columns_(strip.width / strip.unitsPerPixel),
+          firstRow_(strip.firstRow),
+          rows_(strip.rows),
+          strip_(strip),
+          scale_(static_cast<float>(strip.unitsPerPixel)),
+          pixels_(static_cast<std::size_t>(columns_) * static_cast<std::size_t>(rows_))
     {
     }
 
-    /// Paints the shape; the paint says the colour at a point. `softness` is the width of its edge in pixels.
+    /// Paints the shape; the paint says the colour at a point. `softness` is the width of its edge in scene units.
     template <class Shape, class Paint>
         requires requires(Paint paint) { Rgb{paint(Point{})}; }
     void fill(const Shape& shape, Paint paint, float opacity = 1, float softness = 1)
@@ -178,31 +194,32 @@ public:
         visit(shape, softness, [&](Rgb& pixel, Point, float cover) { pixel = pixel + light * (cover * cover); });
     }
 
-    /// The finished picture: darker towards the corners, with a little grain.
-    [[nodiscard]] RgbxImage finished() const;
+    /// Puts the finished strip into its rows of the picture: darker towards the corners, with a little grain.
+    void finish(RgbxImage& picture) const;
 
-    [[nodiscard]] int width() const { return width_; }
-    [[nodiscard]] int height() const { return height_; }
     [[nodiscard]] RoundedBox whole() const
     {
-        return {{-9, -9, static_cast<float>(width_) + 9, static_cast<float>(height_) + 9}, 0};
+        return {{-9, -9, static_cast<float>(strip_.width) + 9, static_cast<float>(strip_.height) + 9}, 0};
     }
 
 private:
+    [[nodiscard]] int pixelAt(float units, float margin) const { return static_cast<int>((units + margin) / scale_); }
+
     template <class Shape, class Blend> void visit(const Shape& shape, float softness, Blend blend)
     {
         const Box reach = shape.reach();
-        const float margin = softness / 2 + 1;
-        const int left = std::max(static_cast<int>(reach.left - margin), 0);
-        const int top = std::max(static_cast<int>(reach.top - margin), 0);
-        const int right = std::min(static_cast<int>(reach.right + margin) + 1, width_);
-        const int bottom = std::min(static_cast<int>(reach.bottom + margin) + 1, height_);
+        const float edge = std::max(softness, scale_); // an edge is never sharper than a pixel
+        const float margin = edge / 2 + scale_;
+        const int left = std::max(pixelAt(reach.left, -margin), 0);
+        const int top = std::max(pixelAt(reach.top, -margin), firstRow_);
+        const int right = std::min(pixelAt(reach.right, margin) + 1, columns_);
+        const int bottom = std::min(pixelAt(reach.bottom, margin) + 1, firstRow_ + rows_);
         for (int y = top; y < bottom; ++y) {
             for (int x = left; x < right; ++x) {
-                const Point p{static_cast<float>(x) + 0.5F, static_cast<float>(y) + 0.5F};
-                const float cover = 0.5F - shape.distance(p) / softness;
+                const Point p{(static_cast<float>(x) + 0.5F) * scale_, (static_cast<float>(y) + 0.5F) * scale_};
+                const float cover = 0.5F - shape.distance(p) / edge;
                 if (cover > 0) {
-                    blend(pixels_[static_cast<std::size_t>(y) * static_cast<std::size_t>(width_) +
+                    blend(pixels_[static_cast<std::size_t>(y - firstRow_) * static_cast<std::size_t>(columns_) +
                                   static_cast<std::size_t>(x)],
                           p, std::min(cover, 1.0F));
                 }
@@ -210,8 +227,11 @@ private:
         }
     }
 
-    int width_;
-    int height_;
+    int columns_;
+    int firstRow_;
+    int rows_;
+    Strip strip_;
+    float scale_; // scene units in a pixel's side
     std::vector<Rgb> pixels_;
 };
 
