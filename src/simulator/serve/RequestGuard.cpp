@@ -18,10 +18,9 @@ bool isSame(std::string_view left, std::string_view right)
     return left.size() == right.size() && CRYPTO_memcmp(left.data(), right.data(), left.size()) == 0;
 }
 
-/// The value of our cookie among all of the request's.
-std::string_view tokenOf(std::string_view cookies)
+/// The value of a cookie, given as "name=", among all of the request's.
+std::string_view valueOf(std::string_view name, std::string_view cookies)
 {
-    constexpr std::string_view name = "sentrel=";
     while (!cookies.empty()) {
         const auto end = std::min(cookies.find(';'), cookies.size());
         std::string_view cookie = cookies.substr(0, end);
@@ -39,6 +38,7 @@ std::string_view tokenOf(std::string_view cookies)
 RequestGuard::RequestGuard(std::string token, int port)
     : token_(std::move(token)),
       port_(std::to_string(port)),
+      cookieName_("sentrel-" + port_ + "="),
       allowance_(mostPerSecond),
       refilled_(std::chrono::steady_clock::now())
 {
@@ -81,7 +81,7 @@ std::optional<RequestGuard::Refusal> RequestGuard::refusal(const Request& reques
     if ((!request.origin.empty() && !isOurOrigin) || (request.method == "POST" && !isOurOrigin)) {
         return Refusal{403, "The request comes from another page."};
     }
-    if (!isSame(tokenOf(request.cookie), token_)) {
+    if (!isSame(valueOf(cookieName_, request.cookie), token_)) {
         return Refusal{403, "Open the address that the program has printed: it carries this run's token."};
     }
     // Last, so that nobody else can use up what is the page's.
@@ -93,7 +93,7 @@ std::optional<RequestGuard::Refusal> RequestGuard::refusal(const Request& reques
 
 std::string RequestGuard::cookieHeader() const
 {
-    return "sentrel=" + token_ + "; Path=/; HttpOnly; SameSite=Strict";
+    return cookieName_ + token_ + "; Path=/; HttpOnly; SameSite=Strict";
 }
 
 } // namespace sentrel::simulator

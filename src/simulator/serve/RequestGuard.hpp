@@ -40,6 +40,7 @@ private:
 
     const std::string token_;
     const std::string port_;
+    const std::string cookieName_; // browsers keep one jar for all ports of a host, and two runs must not share
     std::mutex mutex_;
     double allowance_;
     std::chrono::steady_clock::time_point refilled_;

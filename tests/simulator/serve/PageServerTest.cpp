@@ -68,10 +68,9 @@ protected:
     std::thread serving;
     const int port = server.bind() ? server.port() : 0;
     const std::string host = "127.0.0.1:" + std::to_string(port);
+    const std::string cookieLine = "\r\nCookie: " + visitorsCookie(port);
     httplib::Client page{"127.0.0.1", port};
 };
-
-const std::string cookieLine = std::string{"\r\nCookie: sentrel="} + visitorsToken;
 
 TEST_F(PageServerThreads, TheInvitationOpensTheDoorAndNothingElseDoes)
 {
@@ -80,13 +79,12 @@ TEST_F(PageServerThreads, TheInvitationOpensTheDoorAndNothingElseDoes)
     ASSERT_TRUE(invited);
     EXPECT_EQ(invited->status, 303);
     EXPECT_EQ(invited->get_header_value("Location"), "/");
-    EXPECT_EQ(invited->get_header_value("Set-Cookie"),
-              std::string{"sentrel="} + visitorsToken + "; Path=/; HttpOnly; SameSite=Strict");
+    EXPECT_EQ(invited->get_header_value("Set-Cookie"), visitorsCookie(port) + "; Path=/; HttpOnly; SameSite=Strict");
     EXPECT_EQ(stranger.Get("/?token=wrong")->status, 403);
     for (const char* path : {"/", "/main.js", "/api/events", "/api/file/0123456789abcdef.jpg"}) {
         EXPECT_EQ(stranger.Get(path)->status, 403) << path;
     }
-    const std::string cookie = std::string{"sentrel="} + visitorsToken;
+    const std::string cookie = visitorsCookie(port);
     const std::string origin = "http://" + host;
     for (const Headers& headers :
          {Headers{{"Origin", origin}}, Headers{{"Cookie", cookie}}, Headers{{"Cookie", cookie}, {"Origin", "null"}},

@@ -16,19 +16,19 @@ TEST(RequestGuard, LetsInOnlyOurPageAndWhoeverKnowsTheToken)
     RequestGuard guard{"secret", 8080};
     const std::string host = "127.0.0.1:8080";
     const std::string origin = "http://127.0.0.1:8080";
-    const std::string cookie = "sentrel=secret";
+    const std::string cookie = "sentrel-8080=secret";
     const struct {
         const char* what;
         RequestGuard::Request request;
         int status;
     } cases[] = {
-        {"a page of ours", {"GET", host, "", "theme=dark; sentrel=secret", ""}, 200},
+        {"a page of ours", {"GET", host, "", "theme=dark; sentrel-8080=secret", ""}, 200},
         {"an action of ours", {"POST", host, origin, cookie, ""}, 200},
         {"the other name of loopback", {"POST", "localhost:8080", "http://localhost:8080", cookie, ""}, 200},
         {"no token", {"GET", host, "", "", ""}, 403},
-        {"a wrong token", {"GET", host, "", "sentrel=secreT", ""}, 403},
-        {"half a token", {"GET", host, "", "sentrel=sec", ""}, 403},
-        {"a token under another name", {"GET", host, "", "xsentrel=secret", ""}, 403},
+        {"a wrong token", {"GET", host, "", "sentrel-8080=secreT", ""}, 403},
+        {"half a token", {"GET", host, "", "sentrel-8080=sec", ""}, 403},
+        {"a token under another name", {"GET", host, "", "xsentrel-8080=secret", ""}, 403},
         {"another page's action", {"POST", host, "http://evil.example", cookie, ""}, 403},
         {"an action from nowhere", {"POST", host, "", cookie, ""}, 403},
         {"another page reading", {"GET", host, "null", cookie, ""}, 403},
@@ -48,7 +48,7 @@ TEST(RequestGuard, SlowsDownAFlood)
     RequestGuard guard{"secret", 8080};
     int refused = 0;
     for (int count = 0; count < 2000; ++count) {
-        refused += statusFor(guard, {"GET", "127.0.0.1:8080", "", "sentrel=secret", ""}) == 429 ? 1 : 0;
+        refused += statusFor(guard, {"GET", "127.0.0.1:8080", "", "sentrel-8080=secret", ""}) == 429 ? 1 : 0;
     }
     EXPECT_GT(refused, 0);
 }

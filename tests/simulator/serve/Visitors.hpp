@@ -72,11 +72,16 @@ private:
     bool isConnected_ = false;
 };
 
+/// The cookie that the page has.
+inline std::string visitorsCookie(int port)
+{
+    return "sentrel-" + std::to_string(port) + "=" + visitorsToken;
+}
+
 /// The page: it has the cookie, and says where it comes from.
 inline httplib::Headers pageHeaders(int port)
 {
-    return {{"Cookie", std::string{"sentrel="} + visitorsToken},
-            {"Origin", "http://127.0.0.1:" + std::to_string(port)}};
+    return {{"Cookie", visitorsCookie(port)}, {"Origin", "http://127.0.0.1:" + std::to_string(port)}};
 }
 
 /// A page that listens to the events until it is closed.
