@@ -1,6 +1,7 @@
 #include "app/AlertPhotoExport.hpp"
 
 #include "app/AlertPhotoPreview.hpp"
+#include "foundation/TextFormat.hpp"
 #include "platform/Calendar.hpp"
 #include "platform/FileSystem.hpp"
 #include "platform/HostInfo.hpp"
@@ -8,7 +9,7 @@
 #include "platform/Language.hpp"
 #include "platform/SavePanels.hpp"
 
-#include <system_error>
+#include <cerrno>
 #include <utility>
 
 namespace sentrel {
@@ -42,6 +43,25 @@ int writeFile(platform::FileSystem& files, const std::filesystem::path& path, st
         files.remove(partial);
     }
     return error;
+}
+
+/// Why a file could not be written, for people.
+std::string writeErrorText(int error, platform::Language& language)
+{
+    switch (error) {
+    case EACCES:
+    case EPERM:
+    case EROFS:
+        return language.localized("You don't have permission to save it there.");
+    case ENOSPC:
+    case EDQUOT:
+        return language.localized("There is not enough space for it there.");
+    case ENOENT:
+    case ENOTDIR:
+        return language.localized("The folder doesn't exist.");
+    default:
+        return filledIn(language.localized("It could not be written (error %lld)."), error);
+    }
 }
 
 } // namespace
@@ -125,7 +145,7 @@ void AlertPhotoExport::finish(std::string title, const Written& written)
     if (!written.isConverted) {
         failure_ = Failure{std::move(title), ports_.language.localized("The photo could not be converted for saving.")};
     } else if (written.error != 0) {
-        failure_ = Failure{std::move(title), std::error_code{written.error, std::generic_category()}.message()};
+        failure_ = Failure{std::move(title), writeErrorText(written.error, ports_.language)};
     }
     changed();
 }

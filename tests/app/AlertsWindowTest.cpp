@@ -251,7 +251,8 @@ TEST_F(AlertsWindowTest, PreviewsATemporaryCopy)
 
     mac_.files.faults().set("create", 1);
     press("Preview");
-    EXPECT_THAT(textsIn("photoFailure"), ElementsAre("Couldn't Preview Photo", "Permission denied", "OK"));
+    EXPECT_THAT(textsIn("photoFailure"),
+                ElementsAre("Couldn't Preview Photo", "You don't have permission to save it there.", "OK"));
 }
 
 TEST_F(AlertsWindowTest, SavesUnderTheAlertsDateWhateverTheLocale)
@@ -285,10 +286,10 @@ TEST_F(AlertsWindowTest, SaysWhyAPhotoCouldNotBeSaved)
 
     savePanels_.setAnswer({.isCancelled = false, .folder = {}, .name = "photo.jpg"});
     const auto downloads = mac_.disk / "Downloads";
-    const std::tuple<const char*, const char*, bool> faults[] = {{"create", "Permission denied", false},
-                                                                 {"write", "No space left on device", false},
-                                                                 {"write", "No space left on device", true},
-                                                                 {"rename", "Permission denied", true}};
+    constexpr auto denied = "You don't have permission to save it there.";
+    constexpr auto full = "There is not enough space for it there.";
+    const std::tuple<const char*, const char*, bool> faults[] = {
+        {"create", denied, false}, {"write", full, false}, {"write", full, true}, {"rename", denied, true}};
     for (const auto& [fault, message, isThere] : faults) {
         if (isThere) {
             std::ofstream{downloads / "photo.jpg"} << "older";
