@@ -34,6 +34,7 @@ int main(int argc, char** argv)
     serving.scenario = SENTREL_SCENARIOS_DIR "/cafe-theft.yaml";
     std::string disk;
     std::string token;
+    std::string language;
     CLI::App* const serve =
         app.add_subcommand("serve", "Lets the MacBook live, in real time, on a page in the browser");
     serve->add_option("--scenario", serving.scenario, "Whose MacBook it is; its steps are not played");
@@ -42,6 +43,7 @@ int main(int argc, char** argv)
         ->capture_default_str();
     serve->add_option("--disk", disk, "Keep the MacBook's disk in this folder, and find it again there");
     serve->add_option("--token", token, "The page's token, instead of a random one");
+    serve->add_option("--language", language, "Its user's language, such as de, fr_CA or zh-Hans");
     serve->add_option("--seed", serving.seed, "Seed of sensor noise and identifiers")->capture_default_str();
 
     try {
@@ -60,6 +62,9 @@ int main(int argc, char** argv)
             }
             if (!token.empty()) {
                 serving.token = token;
+            }
+            if (!language.empty()) {
+                serving.language = language;
             }
             return run(serving, std::cout, std::cerr);
         }

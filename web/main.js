@@ -13,17 +13,19 @@ const sound = new Sound(stream);
 const screen = new Screen(document.getElementById("screen"), stream);
 
 // The simulated world's clock goes on between two events.
-const clock = { date: 0, taken: 0, zone: "", format: null };
+const clock = { date: 0, taken: 0, language: "", zone: "", format: null };
 const now = () => clock.date + (performance.now() - clock.taken) / 1000;
 
 const phone = new Phone(document.getElementById("phone"), stream, now);
 document.getElementById("hardware").append(...hardwareCards(stream, sound));
 
 stream.on("run", (run) => {
-    const timeZone = run.timeZone ?? "UTC";
-    if (timeZone !== clock.zone) {
+    const { language, timeZone } = run;
+    if (timeZone !== clock.zone || language !== clock.language) {
         clock.zone = phone.timeZone = timeZone;
-        clock.format = new Intl.DateTimeFormat([], { weekday: "short", hour: "2-digit", minute: "2-digit", timeZone });
+        clock.language = screen.element.lang = language;
+        const shown = { weekday: "short", hour: "2-digit", minute: "2-digit", timeZone };
+        clock.format = new Intl.DateTimeFormat(language, shown);
     }
     Object.assign(clock, { date: run.date, taken: performance.now() });
     document.title = run.title ? `${run.title} – Sentrel` : "Sentrel";

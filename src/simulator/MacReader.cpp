@@ -1,5 +1,6 @@
 #include "simulator/MacReader.hpp"
 
+#include "platform/simulated/IcuCalendar.hpp"
 #include "simulator/AudioReader.hpp"
 #include "simulator/CameraReader.hpp"
 #include "simulator/CloudReader.hpp"
@@ -37,10 +38,32 @@ struct Draft {
     const YamlValue* defaultOutput = nullptr;
 };
 
-constexpr std::array<FieldRow<Draft>, 16> macFields{{
+std::string readLanguage(const YamlValue& value)
+{
+    std::string text = readText(value, "'language'");
+    if (!simulated::IcuCalendar::isLocale(text)) {
+        throw SourceFault(value.line,
+                          "'language' must be one such as de, fr_CA or zh-Hans, and " + inQuotes(text) + " is none");
+    }
+    return text;
+}
+
+std::string readTimeZone(const YamlValue& value)
+{
+    std::string text = readText(value, "'timeZone'");
+    if (!simulated::IcuCalendar::isTimeZone(text)) {
+        throw SourceFault(value.line,
+                          "'timeZone' must be one such as UTC or Europe/Paris, and " + inQuotes(text) + " is none");
+    }
+    return text;
+}
+
+constexpr std::array<FieldRow<Draft>, 18> macFields{{
     {"model", [](auto& draft, auto& value, auto&) { draft.mac.model = readText(value, "'model'"); }},
     {"localizedName",
      [](auto& draft, auto& value, auto&) { draft.mac.localizedName = readOptionalText(value, "'localizedName'"); }},
+    {"language", [](auto& draft, auto& value, auto&) { draft.mac.language = readLanguage(value); }},
+    {"timeZone", [](auto& draft, auto& value, auto&) { draft.mac.timeZone = readTimeZone(value); }},
     {"power", [](auto& draft, auto& value, auto&) { draft.mac.power = readPower(value); }},
     {"lid", [](auto& draft, auto& value, auto&) { draft.mac.lid = readWord(value, "lid", lids); }},
     {"accelerometer", [](auto& draft, auto& value,

@@ -97,6 +97,29 @@ test("a Mac is armed and its alarm stopped without a mouse", async (t) => {
     await panel.and(desk.page.locator(":focus")).waitFor();
 });
 
+test("the control panel has room for every language", async (t) => {
+    const titles = new Set();
+    for (const language of ["en", "de", "fr", "es", "ja", "zh-Hans"]) {
+        const desk = await sitDown(t, { language });
+        await desk.page.evaluate(() => fetch("/api/action", { method: "POST", body: JSON.stringify({ open: "main" }) }));
+        await desk.logIn();
+        const panel = desk.window("Sentrel");
+        await panel.waitFor();
+        titles.add(await panel.locator("h3").nth(1).innerText());
+        const crowded = await panel.evaluate((element) => {
+            const slider = (each) => [each.firstElementChild, each.querySelector("input")].map((part) => part.getBoundingClientRect());
+            const overlaps = [...element.querySelectorAll(".ui-slider")].filter((each) => {
+                const [label, control] = slider(each);
+                return label.right > control.left || control.width < 60;
+            });
+            const cut = [...element.querySelectorAll("*")].filter((each) => each.scrollWidth > each.clientWidth + 1 && each.clientWidth > 0);
+            return [...overlaps, ...cut].map((each) => each.outerHTML.slice(0, 160));
+        });
+        assert.deepEqual(crowded, [], language);
+    }
+    assert.equal(titles.size, 6, [...titles].join());
+});
+
 test("the page is light, and asks nobody but its server", async (t) => {
     const weights = [];
     const desk = await sitDown(t, {

@@ -159,6 +159,8 @@ TEST(ScenarioReader, NamesFileLineAndNearestWordOfTheFirstFault)
         {"titel: x\n" + step("at: 0s, do: arm"), "talk.yaml:1: unknown key 'titel'; did you mean 'title'?"},
         {"mac:\n  power: ac\n  modle: x\n", "talk.yaml:3: unknown key 'modle'; did you mean 'model'? (in 'mac')"},
         {"mac: {lid: opne}\n", "talk.yaml:1: unknown lid 'opne'; did you mean 'open'?"},
+        {"mac: {language: klingon}\n", "talk.yaml:1: 'language' must be one such as de, fr_CA or zh-Hans"},
+        {"mac: {timeZone: Europe/Atlantis}\n", "talk.yaml:1: 'timeZone' must be one such as UTC or Europe/Paris"},
         {"mac: {audio: [{id: 2, transport: blutooth}]}\n",
          "talk.yaml:1: unknown transport 'blutooth'; did you mean 'bluetooth'?"},
         {"settings: {alarmvolume: 1}\n", "talk.yaml:1: unknown key 'alarmvolume'; did you mean 'alarmVolume'?"},

@@ -12,7 +12,7 @@ namespace sentrel::macos {
 
 namespace {
 
-constexpr double sliderWidth = 160.0;
+constexpr double sliderWidth = 100.0; // at least: some languages have long labels
 constexpr double valueWidth = 44.0;
 constexpr double fieldWidth = 120.0;
 

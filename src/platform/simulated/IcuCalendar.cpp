@@ -156,6 +156,47 @@ IcuCalendar::IcuCalendar(std::string locale, std::string timeZone)
 
 IcuCalendar::~IcuCalendar() = default;
 
+bool IcuCalendar::isLocale(const std::string& text)
+{
+    const icu::Locale locale{text.c_str()};
+    return !locale.isBogus() && *locale.getISO3Language() != '\0';
+}
+
+bool IcuCalendar::isTimeZone(const std::string& text)
+{
+    const std::unique_ptr<icu::TimeZone> zone{icu::TimeZone::createTimeZone(icu::UnicodeString::fromUTF8(text))};
+    return *zone != icu::TimeZone::getUnknown();
+}
+
+std::string IcuCalendar::machinesTimeZone()
+{
+    const std::unique_ptr<icu::TimeZone> zone{icu::TimeZone::detectHostTimeZone()};
+    icu::UnicodeString name;
+    return *zone == icu::TimeZone::getUnknown() ? "UTC" : textOf(zone->getID(name));
+}
+
+std::string IcuCalendar::timeZone()
+{
+    return setting()->timeZoneName;
+}
+
+std::string IcuCalendar::languageTag()
+{
+    UErrorCode error = U_ZERO_ERROR;
+    const auto tag = setting()->locale.toLanguageTag<std::string>(error);
+    return U_SUCCESS(error) ? tag : "en";
+}
+
+Date IcuCalendar::onClocks(Date date)
+{
+    const std::unique_ptr<icu::TimeZone> zone{setting()->zone()};
+    UErrorCode error = U_ZERO_ERROR;
+    std::int32_t offset = 0;
+    std::int32_t daylightSaving = 0;
+    zone->getOffset(icuDate(date), false, offset, daylightSaving, error);
+    return U_SUCCESS(error) ? date.addingSeconds((offset + daylightSaving) / millisecondsPerSecond) : date;
+}
+
 void IcuCalendar::setLocale(std::string locale)
 {
     const std::lock_guard guard{mutex_};

@@ -17,8 +17,20 @@ public:
     explicit IcuCalendar(std::string locale = "en_US", std::string timeZone = "UTC");
     ~IcuCalendar() override;
 
+    /// Whether the text names a language of this world, perhaps with a script, a region or a calendar.
+    [[nodiscard]] static bool isLocale(const std::string& text);
+    [[nodiscard]] static bool isTimeZone(const std::string& text);
+    /// The zone of the machine on which this runs.
+    [[nodiscard]] static std::string machinesTimeZone();
+
     void setLocale(std::string locale);
     void setTimeZone(std::string timeZone);
+    [[nodiscard]] std::string timeZone();
+    /// The locale in BCP 47, as browsers take it.
+    [[nodiscard]] std::string languageTag();
+
+    /// The date at which a clock in UTC shows what the clocks of the time zone show at this one.
+    [[nodiscard]] Date onClocks(Date date);
 
     [[nodiscard]] platform::DateInterval interval(platform::CalendarUnit unit, Date date) override;
     [[nodiscard]] Date adding(platform::CalendarUnit unit, int count, Date date) override;

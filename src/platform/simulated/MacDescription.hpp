@@ -31,6 +31,8 @@ struct MacDescription {
     std::string model = "MacBookPro18,3"; ///< `hw.model`
     std::optional<std::string> localizedName = "MacBook";
     std::optional<std::string> bundleIdentifier = "pelma.Sentrel";
+    std::string language = "en_US";      ///< its user's, as ICU or BCP 47 writes it
+    std::optional<std::string> timeZone; ///< as the zone database names it; none for UTC
     Power power = Power::ac;
     Lid lid = Lid::open;
     Accelerometer accelerometer = Accelerometer::present;

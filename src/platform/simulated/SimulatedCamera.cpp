@@ -58,8 +58,8 @@ void tell(World& world, std::function<void(bool)> answered, bool granted)
 
 } // namespace
 
-SimulatedCamera::SimulatedCamera(Scheduler& scheduler, platform::WallClock& wallClock)
-    : world_(std::make_shared<World>(scheduler, wallClock))
+SimulatedCamera::SimulatedCamera(Scheduler& scheduler, platform::WallClock& wallClock, Clocks clocks)
+    : world_(std::make_shared<World>(scheduler, wallClock, std::move(clocks)))
 {
 }
 
@@ -146,7 +146,7 @@ CameraView SimulatedCamera::view() const
             return {world_->photoFile, brightness};
         }
     }
-    const CafePreview preview = world_->scene.preview(world_->wallClock.now(), brightness);
+    const CafePreview preview = world_->scene.preview(world_->timeOfDay(), brightness);
     return {preview.jpeg, preview.brightness};
 }
 

@@ -1,10 +1,12 @@
 #pragma once
 
+#include "foundation/Date.hpp"
 #include "platform/Camera.hpp"
 #include "platform/WallClock.hpp"
 #include "platform/simulated/FaultSwitches.hpp"
 #include "runtime/Scheduler.hpp"
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -32,7 +34,11 @@ struct CameraView {
 /// a file. Any thread.
 class SimulatedCamera final : public platform::Camera {
 public:
-    SimulatedCamera(Scheduler& scheduler, platform::WallClock& wallClock);
+    /// What the clocks on the walls show at a date.
+    using Clocks = std::function<Date(Date)>;
+
+    SimulatedCamera(
+        Scheduler& scheduler, platform::WallClock& wallClock, Clocks clocks = [](Date date) { return date; });
     ~SimulatedCamera() override;
 
     void setAuthorization(platform::CaptureAuthorization status);

@@ -14,7 +14,7 @@ using World = SimulatedCamera::World;
 /// A photo as it was when it was asked for. The cafe is drawn only when somebody wants to see it.
 class SimulatedPhoto final : public platform::CapturedPhoto {
 public:
-    explicit SimulatedPhoto(std::shared_ptr<World> world) : world_(std::move(world)), date_(world_->wallClock.now())
+    explicit SimulatedPhoto(std::shared_ptr<World> world) : world_(std::move(world)), timeOfDay_(world_->timeOfDay())
     {
         const std::lock_guard guard{world_->mutex};
         brightness_ = world_->brightness;
@@ -26,12 +26,12 @@ public:
         if (world_->faults.strikes("photo-data")) {
             return std::nullopt;
         }
-        return file_ ? *file_ : world_->scene.photograph(date_, brightness_);
+        return file_ ? *file_ : world_->scene.photograph(timeOfDay_, brightness_);
     }
 
 private:
     std::shared_ptr<World> world_;
-    Date date_;
+    Date timeOfDay_;
     std::optional<double> brightness_;
     std::shared_ptr<const Bytes> file_;
 };

@@ -5,14 +5,21 @@
 
 #include <atomic>
 #include <mutex>
+#include <utility>
 
 namespace sentrel::simulated {
 
 struct SimulatedCamera::World {
-    World(Scheduler& itsScheduler, platform::WallClock& clock) : scheduler(itsScheduler), wallClock(clock) {}
+    World(Scheduler& itsScheduler, platform::WallClock& clock, Clocks itsClocks)
+        : scheduler(itsScheduler), wallClock(clock), clocks(std::move(itsClocks))
+    {
+    }
+
+    [[nodiscard]] Date timeOfDay() { return clocks(wallClock.now()); }
 
     Scheduler& scheduler;
     platform::WallClock& wallClock;
+    const Clocks clocks;
     FaultSwitches faults{"input", "add-input", "add-output", "photo", "photo-data", "start"};
     CafeScene scene;
     std::atomic<std::int64_t> lastPhotoId = 0;

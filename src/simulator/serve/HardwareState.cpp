@@ -64,7 +64,8 @@ Json PageState::run() const
     return {{"title", title_},
             {"process", session_.app() != nullptr ? "running" : "ended"},
             {"date", since1970(session_.mac().wallClock.now())},
-            {"timeZone", "UTC"}};
+            {"timeZone", session_.mac().calendar.timeZone()},
+            {"language", session_.mac().calendar.languageTag()}};
 }
 
 std::optional<double> PageState::motionThreshold() const

@@ -1,5 +1,6 @@
 #include "simulator/serve/ServeCommand.hpp"
 
+#include "platform/simulated/IcuCalendar.hpp"
 #include "simulator/PlayCommand.hpp"
 #include "simulator/ScenarioError.hpp"
 #include "simulator/ScenarioReader.hpp"
@@ -101,6 +102,17 @@ int run(const ServeCommand& command, std::ostream& out, std::ostream& err)
     } catch (const ScenarioError& error) {
         err << error.what() << '\n';
         return exitUnreadable;
+    }
+    if (command.language) {
+        if (!simulated::IcuCalendar::isLocale(*command.language)) {
+            err << "sentrel-simulator: --language must be one such as de, fr_CA or zh-Hans\n";
+            return exitUnreadable;
+        }
+        scenario.mac.language = *command.language;
+    }
+    if (!scenario.mac.timeZone) {
+        // A MacBook that lives now shows the time that its visitor's other clocks show.
+        scenario.mac.timeZone = simulated::IcuCalendar::machinesTimeZone();
     }
     const RunDisk disk{command.disk};
     LiveMac mac{scenario, disk.path(), command.resources, command.seed, today()};

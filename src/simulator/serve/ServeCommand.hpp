@@ -14,6 +14,7 @@ struct ServeCommand {
     std::filesystem::path resources;
     std::filesystem::path web;
     std::optional<std::filesystem::path> disk; ///< kept and found again; none: a temporary one
+    std::optional<std::string> language;       ///< none: the scenario's
     std::uint64_t seed = 1;
     int port = 0;
     std::optional<std::string> token; ///< none: a random one

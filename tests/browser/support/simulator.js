@@ -15,9 +15,11 @@ export class Simulator {
     #port = 0;
     #token = "0123456789abcdef0123456789abcdef";
 
-    /// `prepare(disk)` may put files on the disk before the Mac starts; `scenario` is one of `scenarios/`, without .yaml.
-    static async start({ scenario = "cafe-theft", prepare = () => {} } = {}) {
+    /// `prepare(disk)` may put files on the disk before the Mac starts; `scenario` is one of `scenarios/`, without .yaml;
+    /// `language` is that of the Mac's user.
+    static async start({ scenario = "cafe-theft", language = "en_US", prepare = () => {} } = {}) {
         const simulator = new Simulator();
+        simulator.language = language;
         simulator.disk = await mkdtemp(path.join(tmpdir(), "sentrel-page-"));
         simulator.scenario = path.join(root, "scenarios", `${scenario}.yaml`);
         await prepare(simulator.disk);
@@ -34,6 +36,7 @@ export class Simulator {
     async launch(token = this.#token) {
         this.#token = token;
         const options = ["--scenario", this.scenario, "--disk", this.disk, "--token", this.#token, "--port", `${this.#port}`];
+        options.push("--language", this.language);
         this.#process = spawn(program, ["serve", ...options], { stdio: ["ignore", "pipe", "inherit"] });
         const failed = new Promise((_, reject) => {
             this.#process.once("error", reject);

@@ -22,8 +22,8 @@ public:
     static constexpr int width = 1920;
     static constexpr int height = 1080;
 
-    /// A JPEG of the scene at this moment (UTC), to the minute. It measures the given brightness (0 to 1), or what the
-    /// light of the hour gives. Equal calls give equal bytes.
+    /// A JPEG of the scene when the clock shows this, to the minute. It measures the given brightness (0 to 1), or what
+    /// the light of the hour gives. Equal calls give equal bytes.
     [[nodiscard]] Bytes photograph(Date date, std::optional<double> brightness);
 
     /// A small picture of the same, for somebody who looks on; the same object as long as nothing changes.
