@@ -1,7 +1,7 @@
 #include "app/SentrelScenes.hpp"
 
+#include "coordinator/AlarmCoordinator.hpp"
 #include "core/SettingsStore.hpp"
-#include "core/coordinator/AlarmCoordinator.hpp"
 #include "platform/Application.hpp"
 #include "platform/Language.hpp"
 

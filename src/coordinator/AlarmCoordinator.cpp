@@ -1,4 +1,4 @@
-#include "core/coordinator/AlarmCoordinator.hpp"
+#include "coordinator/AlarmCoordinator.hpp"
 
 #include "cloud/AsyncTimeout.hpp"
 #include "cloud/MacPresenceService.hpp"

@@ -1,4 +1,4 @@
-#include "core/coordinator/AlarmCoordinator.hpp"
+#include "coordinator/AlarmCoordinator.hpp"
 
 #include "alerts/AlertUploader.hpp"
 #include "alerts/LocalAlertStore.hpp"

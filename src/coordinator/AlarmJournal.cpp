@@ -1,6 +1,6 @@
-#include "core/coordinator/AlarmJournal.hpp"
+#include "coordinator/AlarmJournal.hpp"
 
-#include "core/coordinator/AlarmCoordinator.hpp"
+#include "coordinator/AlarmCoordinator.hpp"
 #include "platform/Journal.hpp"
 
 namespace sentrel {
