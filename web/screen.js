@@ -58,7 +58,10 @@ class WindowView {
             height: `${place.height}px`,
             transform: `scale(${place.zoom})`,
         });
-        this.tree.show(state.content, state.focus);
+    }
+
+    fill(content) {
+        this.tree.show(content, this.state.focus);
     }
 
     #press(event) {
@@ -114,6 +117,7 @@ export class Screen {
     #windows = new Map();
     #covers = new Map();
     #panelKeys = new Map();
+    #shown = []; // the screen and its contents, as they came
     #display = { width: 1728, height: 1117 };
 
     constructor(element, stream) {
@@ -146,10 +150,11 @@ export class Screen {
                 this.item.focus();
             }
         });
-        stream.on("screen", (screen) => this.#show(screen));
+        // What a window shows comes apart from its frame: all of a change first, then the picture.
+        stream.on("state", (state) => this.#show(state));
         stream.on("menuBar", (bar) => this.#showMenuBar(bar));
         stream.on("panels", (panels) => this.#showPanels(panels));
-        new ResizeObserver(() => this.#show(stream.state.screen)).observe(element);
+        new ResizeObserver(() => this.#show(stream.state, true)).observe(element);
     }
 
     showTime(text) {
@@ -185,23 +190,29 @@ export class Screen {
         };
     }
 
-    #show(screen) {
+    #show(state, isResized = false) {
+        const { screen } = state;
         if (!screen) {
             return;
         }
+        const parts = [screen, ...[...screen.windows, ...screen.covers].map(({ content }) => state[content])];
+        if (!isResized && parts.length === this.#shown.length && parts.every((part, index) => part === this.#shown[index])) {
+            return;
+        }
+        this.#shown = parts;
         this.#display = screen.displays[0] ?? this.#display;
         this.element.classList.toggle("asleep", Boolean(screen.isAsleep));
         const seen = new Set();
-        screen.windows.forEach((state, index) => {
-            seen.add(state.id);
-            let view = this.#windows.get(state.id);
+        screen.windows.forEach((window, index) => {
+            seen.add(window.id);
+            let view = this.#windows.get(window.id);
             if (!view) {
-                view = new WindowView(this, state.id);
-                this.#windows.set(state.id, view);
+                view = new WindowView(this, window.id);
+                this.#windows.set(window.id, view);
                 this.desk.append(view.element);
             }
             view.element.style.zIndex = String(index + 1);
-            view.show(state);
+            view.show(window);
         });
         for (const [id, view] of this.#windows) {
             if (!seen.has(id)) {
@@ -209,9 +220,12 @@ export class Screen {
                 this.#windows.delete(id);
             }
         }
-        this.#showCovers(screen.covers);
-        this.keyWindow = screen.windows.find((state) => state.isKey)?.id;
-        this.#giveKeyboard();
+        this.#showCovers(screen.covers, state);
+        this.keyWindow = screen.windows.find((window) => window.isKey)?.id;
+        this.#giveKeyboard(); // before the browser would have to lay out a thousand rows for it
+        for (const window of screen.windows) {
+            this.#windows.get(window.id).fill(state[window.content]);
+        }
     }
 
     // A window that comes to the front has the keyboard, as soon as no question and no lock screen has it.
@@ -226,7 +240,7 @@ export class Screen {
         }
     }
 
-    #showCovers(covers) {
+    #showCovers(covers, state) {
         this.coverLayer.hidden = covers.length === 0;
         this.coverLayer.dataset.count = String(covers.length);
         for (const index of this.#covers.keys()) {
@@ -247,7 +261,7 @@ export class Screen {
             }
         });
         this.#showReach(); // before anything on a cover takes the keyboard
-        covers.forEach((cover, index) => this.#covers.get(index).tree.show(cover.content, cover.focus));
+        covers.forEach((cover, index) => this.#covers.get(index).tree.show(state[cover.content], cover.focus));
     }
 
     #showMenuBar(bar) {

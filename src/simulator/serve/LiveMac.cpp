@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <nlohmann/json.hpp>
 #include <stdexcept>
+#include <string_view>
 #include <utility>
 
 namespace sentrel::simulator {
@@ -17,9 +18,16 @@ constexpr double shortestMotionPause = 0.05; // seconds
 constexpr std::size_t mostSamples = 100;
 
 /// A member of an object's text, to be added to those before.
-std::string member(const std::string& before, const std::string& name, const std::string& value)
+std::string member(const std::string& before, const std::string& name, std::string_view value)
 {
-    return (before.empty() ? "\"" : ",\"") + name + "\":" + value;
+    std::string text;
+    text.reserve(name.size() + value.size() + 4);
+    return text.append(before.empty() ? "\"" : ",\"").append(name).append("\":").append(value);
+}
+
+PageState::Text kept(std::string text)
+{
+    return std::make_shared<const std::string>(std::move(text));
 }
 
 } // namespace
@@ -91,7 +99,7 @@ std::shared_ptr<EventHub::Subscriber> LiveMac::listen()
         state_.redraw();
         std::string all;
         for (const auto& [room, text] : rooms(true)) {
-            all += member(all, room, text);
+            all += member(all, room, *text);
         }
         all += member(all, "story", PageState::textOf(story_.from(0)));
         hub_.send(*subscriber, "state", "{" + all + "}");
@@ -159,19 +167,20 @@ bool LiveMac::mayHaveChanged()
     return isTouched_;
 }
 
-std::map<std::string, std::string> LiveMac::rooms(bool withPhone)
+std::map<std::string, PageState::Text> LiveMac::rooms(bool withPhone)
 {
-    std::map<std::string, std::string> rooms;
-    rooms["run"] = PageState::textOf(state_.run());
-    rooms["menuBar"] = PageState::textOf(state_.menuBar());
-    rooms["screen"] = state_.screen();
-    rooms["panels"] = PageState::textOf(state_.panels());
-    rooms["hardware"] = PageState::textOf(state_.hardware());
-    rooms["sound"] = PageState::textOf(state_.sound());
-    rooms["cloud"] = PageState::textOf(state_.cloud());
+    auto rooms = state_.contents();
+    const auto add = [&rooms](const char* room, const Json& value) { rooms[room] = kept(PageState::textOf(value)); };
+    add("run", state_.run());
+    add("menuBar", state_.menuBar());
+    add("screen", state_.screen());
+    add("panels", state_.panels());
+    add("hardware", state_.hardware());
+    add("sound", state_.sound());
+    add("cloud", state_.cloud());
     if (withPhone) {
         try {
-            rooms["phone"] = PageState::textOf(state_.phone());
+            add("phone", state_.phone());
         } catch (const platform::CloudError&) {
             // Its server can't be read now; what it showed stays.
         }
@@ -182,16 +191,16 @@ std::map<std::string, std::string> LiveMac::rooms(bool withPhone)
 void LiveMac::tellChanges()
 {
     isTouched_ = false;
-    std::string changes;
-    for (auto& [room, text] : rooms(std::exchange(isLogRead_, false))) {
+    const auto rooms = this->rooms(std::exchange(isLogRead_, false));
+    std::string changes = goneContents(rooms);
+    for (const auto& [room, text] : rooms) {
         // Time goes by without being told: the page has a clock.
-        const bool isTimed = room == "run";
-        std::string untimed = isTimed ? untimedRun() : std::string{};
-        std::string& before = told_[room];
-        if (before != (isTimed ? untimed : text)) {
-            changes += member(changes, room, text);
-            before = std::move(isTimed ? untimed : text);
+        const PageState::Text now = room == "run" ? kept(untimedRun()) : text;
+        PageState::Text& before = told_[room];
+        if (before == nullptr || (before != now && *before != *now)) {
+            changes += member(changes, room, *text);
         }
+        before = now;
     }
     if (story_.count() != storyTold_) {
         changes += member(changes, "story", PageState::textOf(story_.from(storyTold_)));
@@ -200,6 +209,20 @@ void LiveMac::tellChanges()
     if (!changes.empty()) {
         hub_.publish("state", "{" + changes + "}");
     }
+}
+
+/// Forgets the windows that are not there any more, and has the page forget them.
+std::string LiveMac::goneContents(const std::map<std::string, PageState::Text>& rooms)
+{
+    std::string gone;
+    std::erase_if(told_, [&](const auto& told) {
+        const bool isGone = told.first.starts_with(PageState::contentPrefix) && !rooms.contains(told.first);
+        if (isGone) {
+            gone += member(gone, told.first, "null");
+        }
+        return isGone;
+    });
+    return gone;
 }
 
 std::string LiveMac::untimedRun() const

@@ -55,15 +55,16 @@ private:
     void tellMotion(double now);
     void tellChanges();
     [[nodiscard]] bool mayHaveChanged();
-    [[nodiscard]] std::map<std::string, std::string> rooms(bool withPhone);
+    [[nodiscard]] std::map<std::string, PageState::Text> rooms(bool withPhone);
     [[nodiscard]] std::string untimedRun() const;
+    [[nodiscard]] std::string goneContents(const std::map<std::string, PageState::Text>& rooms);
 
     PageFiles files_;
     EventHub hub_;
     MacSession session_;
     PageState state_;
     StoryLines story_;
-    std::map<std::string, std::string> told_; // room: what the pages were told last
+    std::map<std::string, PageState::Text> told_; // room: what the pages were told last
     std::size_t eventsSeen_ = 0;
     std::size_t storyTold_ = 0;
     std::uint64_t screenVersion_ = 0;

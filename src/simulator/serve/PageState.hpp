@@ -8,6 +8,8 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
+#include <utility>
 
 namespace sentrel::simulated {
 struct WindowState;
@@ -18,9 +20,15 @@ namespace sentrel::simulator {
 class MacSession;
 class PageFiles;
 
-/// What the page shows, room by room (see web/PROTOCOL.md), as JSON or the text of it. On the world's thread.
+/// What the page shows, room by room (see web/PROTOCOL.md), as JSON or its text. On the world's thread.
 class PageState {
 public:
+    /// JSON, kept by whoever needs it: what a window shows may be long.
+    using Text = std::shared_ptr<const std::string>;
+
+    /// How the rooms of `contents` begin.
+    static constexpr std::string_view contentPrefix = "content-";
+
     PageState(MacSession& session, PageFiles& files, std::string title)
         : session_(session), files_(files), title_(std::move(title))
     {
@@ -28,7 +36,10 @@ public:
 
     [[nodiscard]] Json run() const;
     [[nodiscard]] Json menuBar();
-    [[nodiscard]] std::string screen();
+    [[nodiscard]] Json screen();
+    /// What the screen's windows and covers show, by the rooms that they name: the same text as long as it is
+    /// unchanged.
+    [[nodiscard]] std::map<std::string, Text> contents();
     [[nodiscard]] Json panels();
     [[nodiscard]] Json hardware();
     /// The distance from rest in g that sets off the alarm; none while motion does not.
@@ -47,10 +58,9 @@ private:
     /// What a window shows. A long list is written once, not at each change elsewhere.
     struct Drawn {
         std::uint64_t version = 0;
-        std::string content;
+        Text content;
     };
 
-    [[nodiscard]] const std::string& contentOf(const simulated::WindowState& window);
     [[nodiscard]] std::string photoUrl(const std::string& alert, std::shared_ptr<const Bytes> photo);
 
     MacSession& session_;

@@ -5,6 +5,7 @@
 #include "simulator/serve/PageState.hpp"
 
 #include <algorithm>
+#include <iterator>
 #include <nlohmann/json.hpp>
 #include <string_view>
 #include <utility>
@@ -34,22 +35,10 @@ std::size_t displayOf(const platform::Rectangle& frame, const std::vector<platfo
     return found == screens.end() ? 0 : static_cast<std::size_t>(found - screens.begin());
 }
 
-/// The text of an object that has members, with one more, whose value is JSON already.
-std::string withMember(std::string object, std::string_view name, const std::string& value)
+/// The room of what a window shows.
+std::string contentRoom(const simulated::WindowState& window)
 {
-    object.reserve(object.size() + name.size() + value.size() + 8);
-    object.back() = ',';
-    object.append("\"").append(name).append("\":").append(value).append("}");
-    return object;
-}
-
-std::string listOf(const std::vector<std::string>& values)
-{
-    std::string list = "[";
-    for (const std::string& value : values) {
-        list += (list.size() == 1 ? "" : ",") + value;
-    }
-    return list + "]";
+    return std::string{PageState::contentPrefix} + std::to_string(window.number);
 }
 
 } // namespace
@@ -65,7 +54,7 @@ Json PageState::menuBar()
             {"menu", item->isMenuOpen ? nodeJson(item->menu, files_) : Json(nullptr)}};
 }
 
-std::string PageState::screen()
+Json PageState::screen()
 {
     simulated::SimulatedMac& mac = session_.mac();
     const auto screens = mac.displays.screens();
@@ -74,40 +63,51 @@ std::string PageState::screen()
     for (const platform::Screen& screen : screens) {
         displays.push_back(rectangleJson(screen.frame, height));
     }
-    const auto windows = mac.displays.seenWindows();
-    const auto covers = mac.displays.seenCovers();
-    std::erase_if(drawn_, [&](const auto& entry) {
-        const auto isIt = [&](const auto& window) { return window->number == entry.first; };
-        return std::none_of(windows.begin(), windows.end(), isIt) && std::none_of(covers.begin(), covers.end(), isIt);
-    });
-    std::vector<std::string> windowTexts;
-    for (auto window = windows.rbegin(); window != windows.rend(); ++window) {
+    Json windows = Json::array();
+    const auto seenWindows = mac.displays.seenWindows();
+    for (auto window = seenWindows.rbegin(); window != seenWindows.rend(); ++window) {
         const simulated::WindowState& seen = **window;
-        const Json json{{"id", seen.identifier},
-                        {"title", seen.title},
-                        {"frame", rectangleJson(seen.frame, height)},
-                        {"isKey", seen.isKey},
-                        {"isResizable", (seen.description.styleMask & resizable) != 0},
-                        {"focus", seen.focusedIdentity}};
-        windowTexts.push_back(withMember(textOf(json), "content", contentOf(seen)));
+        windows.push_back({{"id", seen.identifier},
+                           {"title", seen.title},
+                           {"frame", rectangleJson(seen.frame, height)},
+                           {"isKey", seen.isKey},
+                           {"isResizable", (seen.description.styleMask & resizable) != 0},
+                           {"content", contentRoom(seen)},
+                           {"focus", seen.focusedIdentity}});
     }
-    std::vector<std::string> coverTexts;
-    for (const auto& cover : covers) {
-        const Json json{{"display", displayOf(cover->frame, screens)}, {"focus", cover->focusedIdentity}};
-        coverTexts.push_back(withMember(textOf(json), "content", contentOf(*cover)));
+    Json covers = Json::array();
+    for (const auto& cover : mac.displays.seenCovers()) {
+        covers.push_back({{"display", displayOf(cover->frame, screens)},
+                          {"content", contentRoom(*cover)},
+                          {"focus", cover->focusedIdentity}});
     }
-    const Json rest{
-        {"displays", std::move(displays)}, {"isActive", mac.activation.isActive()}, {"isAsleep", session_.isAsleep()}};
-    return withMember(withMember(textOf(rest), "windows", listOf(windowTexts)), "covers", listOf(coverTexts));
+    return {{"displays", std::move(displays)},
+            {"isActive", mac.activation.isActive()},
+            {"isAsleep", session_.isAsleep()},
+            {"windows", std::move(windows)},
+            {"covers", std::move(covers)}};
 }
 
-const std::string& PageState::contentOf(const simulated::WindowState& window)
+std::map<std::string, PageState::Text> PageState::contents()
 {
-    const auto [drawn, isNew] = drawn_.try_emplace(window.number);
-    if (isNew || drawn->second.version != window.contentVersion) {
-        drawn->second = {window.contentVersion, textOf(nodeJson(window.content, files_))};
+    simulated::SimulatedMac& mac = session_.mac();
+    auto seen = mac.displays.seenWindows();
+    std::ranges::copy(mac.displays.seenCovers(), std::back_inserter(seen));
+    std::map<std::uint64_t, Drawn> drawn;
+    std::map<std::string, Text> contents;
+    for (const auto& window : seen) {
+        Drawn& now = drawn[window->number];
+        if (const auto before = drawn_.find(window->number); before != drawn_.end()) {
+            now = std::move(before->second);
+        }
+        if (now.content == nullptr || now.version != window->contentVersion) {
+            now = {window->contentVersion,
+                   std::make_shared<const std::string>(textOf(nodeJson(window->content, files_)))};
+        }
+        contents[contentRoom(*window)] = now.content;
     }
-    return drawn->second.content;
+    drawn_ = std::move(drawn);
+    return contents;
 }
 
 std::string PageState::textOf(const Json& value)

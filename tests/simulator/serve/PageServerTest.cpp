@@ -330,10 +330,14 @@ TEST_F(PageServerThreads, HalfRequestsAndEndlessOnesHoldUpNobody)
 TEST_F(PageServerThreads, OfAWindowThatStaysTheNewContentIsTold)
 {
     ListeningPage listening{port};
-    const auto nextContent = [&listening] {
+    std::string room; // where the window's content is told
+    const auto nextContent = [&] {
         for (Json state = listening.next(); !state.is_null(); state = listening.next()) {
             if (state.contains("screen") && !state["screen"]["windows"].empty()) {
-                return state["screen"]["windows"][0]["content"];
+                room = state["screen"]["windows"][0]["content"];
+            }
+            if (state.contains(room)) {
+                return state[room];
             }
         }
         return Json(nullptr);
@@ -348,6 +352,16 @@ TEST_F(PageServerThreads, OfAWindowThatStaysTheNewContentIsTold)
         EXPECT_TRUE(content.is_object());
         EXPECT_NE(content, before);
     }
+    const std::string window =
+        mac.call([](MacSession& session) { return session.mac().displays.windows().front().identifier; });
+    const std::string frame = R"("frame": {"x": 9, "y": 40, "width": 440, "height": 720})";
+    EXPECT_EQ(post("window", R"({"do": "move", )" + frame + R"(, "window": ")" + window + "\"}"), 204);
+    for (Json state = listening.next(); !state.contains("screen"); state = listening.next()) {
+        ASSERT_FALSE(state.is_null());
+        EXPECT_FALSE(state.contains(room)) << "only its place has changed";
+    }
+    EXPECT_EQ(post("window", R"({"do": "close", "window": ")" + window + "\"}"), 204);
+    EXPECT_TRUE(listening.hears(room, Json::json_pointer{}, nullptr)) << "pages need not keep what is gone";
 }
 
 TEST_F(PageServerThreads, WhatComesTooLateIsRefused)
