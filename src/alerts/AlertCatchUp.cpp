@@ -92,7 +92,7 @@ void MacAlertsService::hold(const AlertEvent& alert, std::optional<Bytes> photo)
         const auto isOlder = [](const auto& left, const auto& right) {
             return left.second.alert.timestamp < right.second.alert.timestamp;
         };
-        held_.erase(std::min_element(held_.begin(), held_.end(), isOlder));
+        held_.erase(std::ranges::min_element(held_, isOlder));
     }
     held_.insert_or_assign(alert.id, HeldAlert{alert, std::move(photo)});
     merge({alert, true});
@@ -135,7 +135,7 @@ bool MacAlertsService::isAnythingOwed()
 {
     const std::unordered_set<UUID> waiting = waitingIDs();
     return !pendingDeletions_.ids().empty() ||
-           std::any_of(waiting.begin(), waiting.end(), [this](const UUID& id) { return !uploader_.isUploading(id); });
+           std::ranges::any_of(waiting, [this](const UUID& id) { return !uploader_.isUploading(id); });
 }
 
 /// No event needs to come any more that would cause a pass: what is left is tried again by the clock.
@@ -240,8 +240,7 @@ void MacAlertsService::noteUploaded(const UUID& id)
     retryDelay_ = {}; // something works
     iCloudStorageIsFull = false;
     std::vector<AlertRow> rows = *alerts.get();
-    const auto row =
-        std::find_if(rows.begin(), rows.end(), [&id](const AlertRow& other) { return other.alert.id == id; });
+    const auto row = std::ranges::find_if(rows, [&id](const AlertRow& other) { return other.alert.id == id; });
     if (row != rows.end()) {
         row->storageLocation = AlertStorageLocation::cloud;
     }

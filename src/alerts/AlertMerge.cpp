@@ -52,13 +52,13 @@ MergedAlerts mergedAlerts(std::vector<AlertEvent> cloud, std::vector<StoredAlert
             rows.push_back({std::move(stored.alert), location});
         }
     }
-    std::sort(rows.begin(), rows.end(), isNewer);
+    std::ranges::sort(rows, isNewer);
     return merged;
 }
 
 void insertInOrder(std::vector<AlertRow>& rows, AlertRow row)
 {
-    const auto next = std::lower_bound(rows.begin(), rows.end(), row, isNewer);
+    const auto next = std::ranges::lower_bound(rows, row, isNewer);
     rows.insert(next, std::move(row));
 }
 

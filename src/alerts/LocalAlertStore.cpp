@@ -41,7 +41,7 @@ std::vector<StoredAlert> sorted(const std::unordered_map<UUID, StoredAlert>& ind
     for (const auto& [id, stored] : index) {
         alerts.push_back(stored);
     }
-    std::sort(alerts.begin(), alerts.end(), isNewer);
+    std::ranges::sort(alerts, isNewer);
     return alerts;
 }
 

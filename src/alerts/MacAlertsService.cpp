@@ -87,7 +87,7 @@ std::vector<AlertSection> MacAlertsService::sections() const
 bool MacAlertsService::holds(const UUID& id) const
 {
     const std::vector<AlertRow>& rows = *alerts.get();
-    return std::any_of(rows.begin(), rows.end(), [&id](const AlertRow& row) { return row.alert.id == id; });
+    return std::ranges::any_of(rows, [&id](const AlertRow& row) { return row.alert.id == id; });
 }
 
 void MacAlertsService::merge(const StoredAlert& stored)
@@ -170,9 +170,8 @@ Async<MacAlertsService::CloudAnswer> MacAlertsService::askCloud()
 Duration MacAlertsService::longestRefresh() const
 {
     const std::vector<AlertRow>& rows = *alerts.get();
-    const bool isAnyKnown = std::any_of(rows.begin(), rows.end(), [](const AlertRow& row) {
-        return row.storageLocation == AlertStorageLocation::cloud;
-    });
+    const bool isAnyKnown = std::ranges::any_of(
+        rows, [](const AlertRow& row) { return row.storageLocation == AlertStorageLocation::cloud; });
     const bool comesFromItsBeginning = !isAnyKnown && cloud_.cachedAlerts().empty();
     return comesFromItsBeginning || lastRefreshTimedOut_ ? longestFullRefresh : longestCloudCall;
 }

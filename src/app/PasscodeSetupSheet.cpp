@@ -20,7 +20,7 @@ constexpr double contentWidth = 320.0;
 
 PasscodeSetupSheet::PasscodeSetupSheet(Collaborators collaborators, std::function<void()> onSaved,
                                        std::function<void()> dismiss)
-    : with_(collaborators), onSaved_(std::move(onSaved)), dismiss_(std::move(dismiss))
+    : with_(std::move(collaborators)), onSaved_(std::move(onSaved)), dismiss_(std::move(dismiss))
 {
 }
 

@@ -19,6 +19,7 @@ public:
 
 private:
     /// Calls a copy: the hook may be replaced by what it does.
+    // NOLINTNEXTLINE(performance-unnecessary-value-param)
     static void call(std::function<void()> hook)
     {
         if (hook) {

@@ -175,11 +175,10 @@ void AlertRefresh::oweUnlisted()
             unlisted.emplace_back(alert.timestamp, id);
         }
     }
-    std::sort(unlisted.begin(), unlisted.end());
+    std::ranges::sort(unlisted);
     std::vector<UUID> additions;
-    std::copy_if(unreadable_.begin(), unreadable_.end(), std::back_inserter(additions), isUnlisted);
-    std::transform(unlisted.begin(), unlisted.end(), std::back_inserter(additions),
-                   [](const auto& entry) { return entry.second; });
+    std::ranges::copy_if(unreadable_, std::back_inserter(additions), isUnlisted);
+    std::ranges::transform(unlisted, std::back_inserter(additions), [](const auto& entry) { return entry.second; });
     if (!additions.empty()) {
         cache_.oweAdditions(additions);
     }

@@ -22,7 +22,7 @@ using ItemErrors = std::map<std::string, platform::CloudError>;
 
 bool isThrottled(const ItemErrors& errors)
 {
-    return std::any_of(errors.begin(), errors.end(), [](const auto& entry) { return isThrottlingError(entry.second); });
+    return std::ranges::any_of(errors, [](const auto& entry) { return isThrottlingError(entry.second); });
 }
 
 /// The error of a request by those of its records.
@@ -189,7 +189,7 @@ Async<void> CloudAlerts::removeBatch(std::vector<UUID> ids, std::unordered_set<U
 {
     const auto changes = cache_.watch();
     std::vector<std::string> names;
-    std::transform(ids.begin(), ids.end(), std::back_inserter(names), [](const UUID& id) { return id.text(); });
+    std::ranges::transform(ids, std::back_inserter(names), [](const UUID& id) { return id.text(); });
     std::vector<platform::CloudRecord> nothing;
     const auto answer = co_await ports_.database.modify(std::move(nothing), std::move(names),
                                                         platform::CloudSavePolicy::ifServerRecordUnchanged, false);

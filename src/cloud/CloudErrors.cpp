@@ -82,9 +82,9 @@ bool asksForPassword(std::string description)
     constexpr std::array<std::string_view, 6> hints{"password",       "apple id",          "authenticate",
                                                     "authentication", "sign in to icloud", "not authenticated"};
     const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c; };
-    std::transform(description.begin(), description.end(), description.begin(), lower);
-    return std::any_of(hints.begin(), hints.end(),
-                       [&](std::string_view hint) { return description.find(hint) != description.npos; });
+    std::ranges::transform(description, description.begin(), lower);
+    return std::ranges::any_of(hints,
+                               [&](std::string_view hint) { return description.find(hint) != description.npos; });
 }
 
 std::string messageOfCloudKit(const CloudError& error, AccountStatus status, platform::Language& language)

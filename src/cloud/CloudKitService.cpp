@@ -39,7 +39,7 @@ bool addToList(platform::CloudRecord& record, const std::string& field, const st
 {
     const auto* const listed = platform::fieldOf<std::vector<std::string>>(record, field);
     auto texts = listed != nullptr ? *listed : std::vector<std::string>{};
-    if (std::find(texts.begin(), texts.end(), text) != texts.end()) {
+    if (std::ranges::find(texts, text) != texts.end()) {
         return false;
     }
     texts.push_back(text);

@@ -250,8 +250,7 @@ void AlarmCoordinator::clearLocalSaveNoticeIfResolved()
         return;
     }
     const auto alerts = with_.alertStore.alerts();
-    const bool isWaiting =
-        std::any_of(alerts.begin(), alerts.end(), [](const StoredAlert& stored) { return stored.pendingUpload; });
+    const bool isWaiting = std::ranges::any_of(alerts, [](const StoredAlert& stored) { return stored.pendingUpload; });
     if (!isWaiting) {
         clearNotices();
     }

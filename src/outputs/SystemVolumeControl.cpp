@@ -98,7 +98,7 @@ std::optional<float> SystemVolumeControl::volume(AudioObjectId device) const
 
 bool SystemVolumeControl::isMuted(AudioObjectId device) const
 {
-    return std::any_of(outputElements.begin(), outputElements.end(), [&](std::uint32_t element) {
+    return std::ranges::any_of(outputElements, [&](std::uint32_t element) {
         const AudioPropertyAddress address{muteSelector, outputScope, element};
         return hardware_.hasProperty(device, address) && hardware_.readUInt32(device, address).value_or(0) != 0;
     });

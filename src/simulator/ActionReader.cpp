@@ -222,15 +222,13 @@ std::vector<std::string_view> allNames()
 
 const Word<PlainAction>* findPlain(std::string_view name)
 {
-    const auto found =
-        std::find_if(plainActions.begin(), plainActions.end(), [&](const auto& word) { return word.text == name; });
+    const auto found = std::ranges::find_if(plainActions, [&](const auto& word) { return word.text == name; });
     return found == plainActions.end() ? nullptr : &*found;
 }
 
 const ActionRow* findWithValue(std::string_view name)
 {
-    const auto found = std::find_if(actionsWithValue.begin(), actionsWithValue.end(),
-                                    [&](const ActionRow& row) { return row.name == name; });
+    const auto found = std::ranges::find_if(actionsWithValue, [&](const ActionRow& row) { return row.name == name; });
     return found == actionsWithValue.end() ? nullptr : &*found;
 }
 

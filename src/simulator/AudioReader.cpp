@@ -130,8 +130,8 @@ std::vector<AudioDevice> readAudioDevices(const YamlValue& value, const ReadCont
     std::vector<AudioDevice> devices;
     for (const YamlValue& item : value.items) {
         AudioDevice device = readAudioDevice(item, context);
-        const bool isTaken = std::any_of(devices.begin(), devices.end(),
-                                         [&](const AudioDevice& other) { return other.id == device.id; });
+        const bool isTaken =
+            std::ranges::any_of(devices, [&](const AudioDevice& other) { return other.id == device.id; });
         if (isTaken) {
             throw SourceFault(item.line, "two audio devices have the id " + std::to_string(device.id));
         }

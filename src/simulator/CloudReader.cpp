@@ -35,7 +35,7 @@ void readAccount(ChangeCloud& action, const YamlValue& value, const ReadContext&
         words.push_back(status.text);
     }
     const bool isSlip = value.kind == YamlValue::Kind::plain &&
-                        std::any_of(words.begin(), words.end(), [&](auto word) { return isNearly(text, word); });
+                        std::ranges::any_of(words, [&](auto word) { return isNearly(text, word); });
     if (isSlip) {
         throw SourceFault(value.line,
                           unknownWord("account", text, words) + " (the name of a user may stand in double quotes)");
@@ -57,8 +57,8 @@ int readCode(const YamlValue& value)
 CloudOperation readOperation(const YamlValue& value)
 {
     std::array<std::string_view, simulated::cloudOperations.size()> names;
-    std::transform(simulated::cloudOperations.begin(), simulated::cloudOperations.end(), names.begin(),
-                   [](const auto& operation) { return operation.second; });
+    std::ranges::transform(simulated::cloudOperations, names.begin(),
+                           [](const auto& operation) { return operation.second; });
     return simulated::cloudOperations[readChoice(value, "kind of request", names)].first;
 }
 

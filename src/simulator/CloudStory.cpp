@@ -23,8 +23,7 @@ std::optional<StorySentence> CloudStory::tell(const Event& event)
     if (event.name == "alert.saved") {
         reasons_[std::string{event.text("id")}] = reasonTitle(event.text("reason"));
     }
-    const auto* const found =
-        std::find_if(std::begin(rows), std::end(rows), [&](const Row& row) { return row.event == event.name; });
+    const auto* const found = std::ranges::find_if(rows, [&](const Row& row) { return row.event == event.name; });
     return found == std::end(rows) ? std::nullopt : std::optional{(this->*found->tell)(event)};
 }
 
@@ -78,8 +77,7 @@ StorySentence CloudStory::tellIgnored(const Event& event)
         {"undated", "it has no date"},
     };
     const std::string_view why = event.text("why");
-    const auto* const found =
-        std::find_if(std::begin(known), std::end(known), [&](const Why& each) { return each.word == why; });
+    const auto* const found = std::ranges::find_if(known, [&](const Why& each) { return each.word == why; });
     const std::string text{found == std::end(known) ? why : found->text};
     return {StoryTone::notice, "Sentrel doesn't obey the phone's command" + (text.empty() ? text : ": " + text) + "."};
 }
@@ -94,7 +92,7 @@ StorySentence CloudStory::tellRequest(const Event& event)
 {
     static constexpr std::string_view patience[] = {"requestRateLimited", "zoneBusy", "serviceUnavailable"};
     const std::string_view outcome = event.text("outcome");
-    const bool isThrottled = std::find(std::begin(patience), std::end(patience), outcome) != std::end(patience);
+    const bool isThrottled = std::ranges::find(patience, outcome) != std::end(patience);
     const bool isServed = outcome == "ok" && event.text("operation") != "accountStatus";
     const bool isNews = isThrottled && !isThrottled_;
     isThrottled_ = isThrottled || (isThrottled_ && !isServed);

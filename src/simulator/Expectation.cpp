@@ -32,8 +32,8 @@ bool matches(const Json& expected, const Json& actual, double tolerance)
         return membersMatch(expected, actual, tolerance);
     }
     if (expected.is_array() && actual.is_array()) {
-        return std::equal(expected.begin(), expected.end(), actual.begin(), actual.end(),
-                          [&](const Json& left, const Json& right) { return matches(left, right, tolerance); });
+        return std::ranges::equal(expected, actual,
+                                  [&](const Json& left, const Json& right) { return matches(left, right, tolerance); });
     }
     return expected == actual;
 }
@@ -55,7 +55,7 @@ void collectItems(const Expectation& expectation, const std::string& path, const
     for (const Json& item : expected.value(containedItems, Json::array())) {
         const auto place = std::find(rest, actual.end(), item);
         if (place == actual.end()) {
-            const bool isThere = std::find(actual.begin(), actual.end(), item) != actual.end();
+            const bool isThere = std::ranges::find(actual, item) != actual.end();
             found.push_back({path, "a list with " + shown(item) + (isThere ? " in this place" : ""), shown(actual),
                              expectation.line});
             continue;
@@ -63,7 +63,7 @@ void collectItems(const Expectation& expectation, const std::string& path, const
         rest = std::next(place);
     }
     for (const Json& item : expected.value(absentItems, Json::array())) {
-        if (std::find(actual.begin(), actual.end(), item) != actual.end()) {
+        if (std::ranges::find(actual, item) != actual.end()) {
             found.push_back({path, "a list without " + shown(item), shown(actual), expectation.line});
         }
     }

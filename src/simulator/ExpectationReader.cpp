@@ -148,8 +148,8 @@ Json section(const YamlValue& value)
 {
     static constexpr std::array<std::string_view, 6> words{"today",      "yesterday", "this-week",
                                                            "this-month", "month-",    "year-"};
-    const std::string id = readText(value, "a section");
-    const bool isKnown = std::find(words.begin(), words.end(), id) != words.end();
+    std::string id = readText(value, "a section");
+    const bool isKnown = std::ranges::find(words, id) != words.end();
     if (!isKnown && !id.starts_with("month-") && !id.starts_with("year-")) {
         throw SourceFault(value.line, unknownWord("section", id, words));
     }

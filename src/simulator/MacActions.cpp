@@ -4,6 +4,7 @@
 #include "simulator/NearestWord.hpp"
 #include "simulator/Person.hpp"
 
+#include <algorithm>
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
@@ -121,8 +122,7 @@ public:
     {
         auto all = session_.mac().faults();
         for (const FailPort& failing : action.ports) {
-            const auto port =
-                std::find_if(all.begin(), all.end(), [&](const auto& known) { return known.first == failing.port; });
+            const auto port = std::ranges::find_if(all, [&](const auto& known) { return known.first == failing.port; });
             if (port == all.end()) {
                 continue; // refused before the play began
             }
@@ -202,13 +202,13 @@ public:
             ports.push_back(name);
         }
         for (const FailPort& failing : action.ports) {
-            const auto place = std::find(ports.begin(), ports.end(), failing.port);
+            const auto place = std::ranges::find(ports, failing.port);
             if (place == ports.end()) {
                 return unknownName("port", failing.port, ports);
             }
             const auto known = all[static_cast<std::size_t>(place - ports.begin())].second->names();
             for (const FailPort::Fault& fault : failing.faults) {
-                if (std::find(known.begin(), known.end(), fault.name) == known.end()) {
+                if (std::ranges::find(known, fault.name) == known.end()) {
                     return unknownName("fault of " + failing.port, fault.name, known);
                 }
             }

@@ -103,7 +103,7 @@ constexpr std::array<FieldRow<Draft>, 18> macFields{{
 
 bool hasDevice(const Mac& mac, std::uint32_t id)
 {
-    return std::any_of(mac.audio.begin(), mac.audio.end(), [&](const auto& device) { return device.id == id; });
+    return std::ranges::any_of(mac.audio, [&](const auto& device) { return device.id == id; });
 }
 
 void settleDefaultOutput(Draft& draft)

@@ -7,6 +7,7 @@
 #include "simulator/StoredDefaults.hpp"
 #include "ui/Node.hpp"
 
+#include <algorithm>
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
@@ -40,7 +41,7 @@ std::vector<StoredAlert> alertsOnDisk(simulated::SimulatedMac& mac)
             alerts.push_back(*std::move(stored));
         }
     }
-    std::sort(alerts.begin(), alerts.end(), [](const StoredAlert& left, const StoredAlert& right) {
+    std::ranges::sort(alerts, [](const StoredAlert& left, const StoredAlert& right) {
         return std::tie(left.alert.timestamp, left.alert.id) < std::tie(right.alert.timestamp, right.alert.id);
     });
     return alerts;

@@ -20,7 +20,7 @@ char lowered(char letter)
 std::string loweredText(std::string_view text)
 {
     std::string result{text};
-    std::transform(result.begin(), result.end(), result.begin(), lowered);
+    std::ranges::transform(result, result.begin(), lowered);
     return result;
 }
 

@@ -176,7 +176,7 @@ bool Person::isLockedOut() const
 
 std::string Person::pressInMenu(const std::string& wanted) const
 {
-    const std::string why = perform(UseMenu{});
+    std::string why = perform(UseMenu{});
     if (!why.empty()) {
         return why;
     }

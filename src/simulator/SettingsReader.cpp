@@ -13,8 +13,8 @@ Json readSettings(const YamlValue& value)
 {
     requireMap(value, "settings");
     std::array<std::string_view, alarmSettingsFields.size()> names;
-    std::transform(alarmSettingsFields.begin(), alarmSettingsFields.end(), names.begin(),
-                   [](const AlarmSettingsField& field) { return field.name; });
+    std::ranges::transform(alarmSettingsFields, names.begin(),
+                           [](const AlarmSettingsField& field) { return field.name; });
     KeyChecker checker{names, "settings"};
     Json fields = Json::object();
     for (std::size_t i = 0; i < value.keys.size(); ++i) {

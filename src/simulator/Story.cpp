@@ -80,8 +80,7 @@ void Story::tell(const Event& event)
     if (!isSystemVolume && event.name != "volume.enforced" && event.name != "alarm.started") {
         tellSettledVolumes();
     }
-    const auto found =
-        std::find_if(std::begin(rows), std::end(rows), [&](const Row& row) { return row.event == event.name; });
+    const auto found = std::ranges::find_if(rows, [&](const Row& row) { return row.event == event.name; });
     const auto ofCloud = cloud_.tell(event);
     if (found != std::end(rows)) {
         (this->*found->tell)(event);

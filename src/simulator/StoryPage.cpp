@@ -81,7 +81,7 @@ std::vector<std::string> wrap(const std::string& text, std::size_t width)
     return lines;
 }
 
-std::string padded(std::string text, std::size_t width, bool toTheRight)
+std::string padded(const std::string& text, std::size_t width, bool toTheRight)
 {
     const std::size_t has = columns(text);
     const std::string space(width > has ? width - has : 0, ' ');
@@ -162,7 +162,8 @@ void StoryPage::entry(std::string_view name, std::string_view text)
 {
     constexpr std::size_t nameColumns = 26;
     // A path is not wrapped, so that it can be taken over whole.
-    out_ << "    " << painted(dim, padded(harmless(name), nameColumns, false)) << ' ' << harmless(text) << std::endl;
+    out_ << "    " << painted(dim, padded(harmless(name), nameColumns, false)) << ' ' << harmless(text) << '\n'
+         << std::flush;
 }
 
 void StoryPage::wrapped(std::string_view lead, std::size_t leadColumns, StoryTone tone, std::string_view text)

@@ -120,7 +120,7 @@ StorySentence photoMissing(const Event& event)
         {"timed out", "nothing came within 5 s"},
     }};
     const std::string_view why = event.text("why");
-    const auto found = std::find_if(known.begin(), known.end(), [&](const Why& each) { return each.word == why; });
+    const auto found = std::ranges::find_if(known, [&](const Why& each) { return each.word == why; });
     const std::string text{found == known.end() ? why : found->text};
     return {StoryTone::reaction, "The camera gives no photo" + (text.empty() ? text : ": " + text) + "."};
 }
@@ -294,12 +294,11 @@ constexpr std::string_view untold[] = {"accelerometer.sample",
 
 std::optional<StorySentence> sentenceOf(const Event& event)
 {
-    const auto* const row =
-        std::find_if(std::begin(rows), std::end(rows), [&](const Row& each) { return each.event == event.name; });
+    const auto* const row = std::ranges::find_if(rows, [&](const Row& each) { return each.event == event.name; });
     if (row != std::end(rows)) {
         return row->tell(event);
     }
-    const bool isUntold = std::find(std::begin(untold), std::end(untold), event.name) != std::end(untold);
+    const bool isUntold = std::ranges::find(untold, event.name) != std::end(untold);
     return isUntold ? std::optional{StorySentence{}} : std::nullopt;
 }
 

@@ -24,11 +24,11 @@ std::string readTextFile(const std::filesystem::path& file, std::size_t most)
         throw ScenarioError(name, 0, "can't be opened");
     }
     std::string text;
-    std::array<char, 64 * 1024> piece{};
+    std::array<char, std::size_t{64} << 10> piece{};
     while (stream.read(piece.data(), piece.size()) || stream.gcount() > 0) {
         text.append(piece.data(), static_cast<std::size_t>(stream.gcount()));
         if (text.size() > most) {
-            throw ScenarioError(name, 0, "larger than " + std::to_string(most / (1024 * 1024)) + " MB");
+            throw ScenarioError(name, 0, "larger than " + std::to_string(most >> 20) + " MB");
         }
     }
     if (stream.bad()) {

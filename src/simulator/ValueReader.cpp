@@ -44,7 +44,7 @@ std::string shortNumber(double number)
 /// The Boolean that YAML 1.1 would have taken the word for.
 std::optional<bool> oldFlag(std::string text)
 {
-    std::transform(text.begin(), text.end(), text.begin(), [](char letter) {
+    std::ranges::transform(text, text.begin(), [](char letter) {
         return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter + 32) : letter;
     });
     if (text == "yes" || text == "on" || text == "y" || text == "true") {
@@ -105,9 +105,9 @@ constexpr std::array<Unit, 14> units{{
 double unitOf(const YamlValue& value, std::string_view name)
 {
     std::array<std::string_view, units.size()> names;
-    std::transform(units.begin(), units.end(), names.begin(), [](const Unit& unit) { return unit.name; });
+    std::ranges::transform(units, names.begin(), [](const Unit& unit) { return unit.name; });
     const std::string_view nearest = nearestWord(name, names);
-    const auto unit = std::find_if(units.begin(), units.end(), [&](const Unit& each) { return each.name == nearest; });
+    const auto unit = std::ranges::find_if(units, [&](const Unit& each) { return each.name == nearest; });
     if (unit->name != name || unit->nanoseconds == 0) {
         throw SourceFault(value.line, "unknown unit " + inQuotes(name) + " in the time " + inQuotes(value.text) +
                                           "; did you mean " + inQuotes(unit->shortName) +
@@ -289,7 +289,7 @@ std::size_t readChoice(const YamlValue& value, std::string_view what, std::span<
         }
         refuse(value, what, wanted);
     }
-    const auto found = std::find(words.begin(), words.end(), std::string_view{value.text});
+    const auto found = std::ranges::find(words, std::string_view{value.text});
     if (found == words.end()) {
         throw SourceFault(value.line, unknownWord(what, value.text, words));
     }
@@ -298,7 +298,7 @@ std::size_t readChoice(const YamlValue& value, std::string_view what, std::span<
 
 std::size_t KeyChecker::placeOf(const YamlValue& key)
 {
-    const auto found = std::find(keys_.begin(), keys_.end(), std::string_view{key.text});
+    const auto found = std::ranges::find(keys_, std::string_view{key.text});
     if (found == keys_.end()) {
         throw SourceFault(key.line, unknownWord("key", key.text, keys_) + " (in " + std::string{what_} + ")");
     }

@@ -11,13 +11,14 @@ namespace sentrel::ui {
 namespace {
 
 /// Calls a copy: the closure may have its own tree replaced.
-void perform(Action action)
+void perform(Action action) // NOLINT(performance-unnecessary-value-param)
 {
     if (action) {
         action();
     }
 }
 
+// NOLINTNEXTLINE(performance-unnecessary-value-param)
 template <class T> void assign(Binding<T> binding, T value)
 {
     if (binding.set) {
@@ -67,9 +68,11 @@ SecretText joined(const SecretText& text, std::string_view more)
 template <class Text> std::size_t lengthWithoutLast(const Text& text)
 {
     std::size_t length = text.size();
-    while (length > 0 && (static_cast<unsigned char>(text[--length]) & 0xC0U) == 0x80U) {
+    const auto isContinuation = [](auto byte) { return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U; };
+    while (length > 1 && isContinuation(text[length - 1])) {
+        --length;
     }
-    return length;
+    return length == 0 ? 0 : length - 1;
 }
 
 bool deleteLast(const View& field)

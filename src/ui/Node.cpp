@@ -1,6 +1,7 @@
 #include "ui/Node.hpp"
 
 #include <algorithm>
+#include <ranges>
 #include <utility>
 
 namespace sentrel::ui {
@@ -86,7 +87,8 @@ std::vector<Node> nodesOf(const View& root)
 {
     std::vector<Node> found;
     walk(root, Node{}, found);
-    const auto modal = std::find_if(found.rbegin(), found.rend(), [](const Node& node) { return isModal(*node.view); });
+    const auto modal =
+        std::ranges::find_if(std::views::reverse(found), [](const Node& node) { return isModal(*node.view); });
     if (modal != found.rend()) {
         const std::string front = modal->identity;
         for (Node& node : found) {

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <nlohmann/json.hpp>
+#include <ranges>
 #include <utility>
 
 namespace sentrel::simulated {
@@ -20,7 +21,7 @@ constexpr std::size_t largestFile = std::size_t{16} << 20;
 std::string fileName(std::string_view application)
 {
     std::string name{application};
-    std::replace_if(name.begin(), name.end(), [](char c) { return c == '/' || c == '\0'; }, '_');
+    std::ranges::replace_if(name, [](char c) { return c == '/' || c == '\0'; }, '_');
     return name + ".json";
 }
 
@@ -62,8 +63,8 @@ bool DefaultsFile::load()
 // Of entries with one name the last counts, as for every reader of JSON.
 DefaultsFile::Members::reverse_iterator DefaultsFile::find(const std::string& key)
 {
-    return std::find_if(members_.rbegin(), members_.rend(),
-                        [&](const JsonMember& member) { return member.key == key; });
+    return std::ranges::find_if(std::views::reverse(members_),
+                                [&](const JsonMember& member) { return member.key == key; });
 }
 
 std::optional<Json> DefaultsFile::value(const std::string& key)

@@ -43,8 +43,7 @@ struct ValueWriter {
 
 const Event::Value* Event::find(std::string_view field) const
 {
-    const auto found =
-        std::find_if(fields.begin(), fields.end(), [&](const auto& entry) { return entry.first == field; });
+    const auto found = std::ranges::find_if(fields, [&](const auto& entry) { return entry.first == field; });
     return found == fields.end() ? nullptr : &found->second;
 }
 

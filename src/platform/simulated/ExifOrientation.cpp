@@ -97,7 +97,7 @@ int exifOrientation(BytesView jpeg)
         if (*marker == startOfScan || *marker == endOfImage || jpeg.size() - offset < 2) {
             return upright;
         }
-        const std::size_t length = static_cast<std::size_t>(jpeg[offset] << 8 | jpeg[offset + 1]);
+        const auto length = static_cast<std::size_t>(jpeg[offset] << 8 | jpeg[offset + 1]);
         if (length < 2 || jpeg.size() - offset < length) {
             return upright;
         }

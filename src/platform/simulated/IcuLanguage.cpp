@@ -30,7 +30,7 @@ std::string languageOf(const std::string& locale)
 // A locale names a folder, not a path.
 bool isLocaleName(const std::string& locale)
 {
-    return !locale.empty() && std::all_of(locale.begin(), locale.end(), [](char c) {
+    return !locale.empty() && std::ranges::all_of(locale, [](char c) {
         return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '-' || c == '_';
     });
 }

@@ -34,7 +34,7 @@ public:
             jpeg_start_compress(&codec_, TRUE);
             while (codec_.next_scanline < codec_.image_height) {
                 // The library's interface predates const; it only reads.
-                JSAMPROW row = const_cast<JSAMPROW>(image.row(static_cast<int>(codec_.next_scanline)));
+                auto* row = const_cast<JSAMPROW>(image.row(static_cast<int>(codec_.next_scanline)));
                 jpeg_write_scanlines(&codec_, &row, 1);
             }
             jpeg_finish_compress(&codec_);

@@ -115,7 +115,7 @@ std::array<double, columns.size()> readRow(const LineReader& reader, std::string
 MotionRecordingError tooLarge(std::string_view name)
 {
     return MotionRecordingError{std::string{name} + ": larger than " +
-                                std::to_string(MotionRecording::maximumSize / (1024 * 1024)) + " MB"};
+                                std::to_string(MotionRecording::maximumSize >> 20) + " MB"};
 }
 
 } // namespace

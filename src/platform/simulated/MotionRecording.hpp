@@ -35,7 +35,7 @@ public:
     };
 
     /// No recording is read whose file is larger (bytes); an hour at 50 samples a second is some 7 MB.
-    static constexpr std::size_t maximumSize = 32U * 1024U * 1024U;
+    static constexpr std::size_t maximumSize = std::size_t{32} << 20;
 
     /// Reads a file. Throws `MotionRecordingError`.
     static MotionRecording load(const std::filesystem::path& file);

@@ -94,14 +94,15 @@ void SimulatedPower::setUnknown()
 
 void SimulatedPower::setSources(std::vector<PowerSource> sources)
 {
+    const auto now = std::make_shared<const Sources>(std::move(sources));
     {
         const std::lock_guard guard{mutex_};
-        if (*sources_ == sources) {
+        if (*sources_ == *now) {
             return;
         }
-        sources_ = std::make_shared<const Sources>(sources);
+        sources_ = now;
     }
-    journal_.note("power.changed", {{"state", summary(sources)}});
+    journal_.note("power.changed", {{"state", summary(*now)}});
     if (!faults_.strikes("notification")) {
         changes_.post({});
     }

@@ -25,7 +25,7 @@ public:
     static constexpr std::int64_t sampleRate = 44'100;
 
     /// The most frames that a recording holds.
-    static constexpr std::int64_t maximumFrames = 10 * 60 * sampleRate;
+    static constexpr std::int64_t maximumFrames = std::int64_t{10} * 60 * sampleRate;
 
     SoundRecorder(std::filesystem::path file, Instant start);
 

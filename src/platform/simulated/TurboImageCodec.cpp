@@ -28,6 +28,12 @@ constexpr std::size_t libraryBytes = 8'000'000;
 // Of files for which nobody asks for a quality.
 constexpr double ownQuality = 0.75;
 
+/// From nothing to all; no number is no share.
+bool isShare(double value)
+{
+    return value >= 0 && value <= 1;
+}
+
 class TurboImage final : public platform::Image {
 public:
     explicit TurboImage(RgbxImage pixels) : pixels_(std::move(pixels)) {}
@@ -187,7 +193,7 @@ std::optional<TurboImageCodec::Rgba> TurboImageCodec::areaAverage(BytesView data
     if (!reader.finish()) {
         return std::nullopt;
     }
-    const std::uint64_t count = std::uint64_t{size->width} * size->height;
+    const std::uint64_t count = std::max<std::uint64_t>(std::uint64_t{size->width} * size->height, 1);
     const auto mean = [&](std::uint64_t sum) { return static_cast<std::uint8_t>((sum + count / 2) / count); };
     return Rgba{mean(sums[0]), mean(sums[1]), mean(sums[2]), 255};
 }
@@ -227,7 +233,7 @@ std::unique_ptr<platform::Image> TurboImageCodec::createThumbnail(BytesView data
 
 std::optional<Bytes> TurboImageCodec::encode(const platform::Image& image, const std::string& type, double quality)
 {
-    if (type != "public.jpeg" || !(quality >= 0 && quality <= 1)) {
+    if (type != "public.jpeg" || !isShare(quality)) {
         return std::nullopt;
     }
     const auto& pixels = static_cast<const TurboImage&>(image).pixels();

@@ -1,5 +1,6 @@
 #include "platform/simulated/UnsettledWrites.hpp"
 
+#include <ranges>
 #include <utility>
 
 namespace sentrel::simulated {
@@ -47,10 +48,10 @@ void UnsettledWrites::lose(platform::FileSystem& disk)
             put(disk, file, BytesView{*content}.first(content->size() / 2));
         }
     }
-    for (auto rename = renames_.rbegin(); rename != renames_.rend(); ++rename) {
-        (void)disk.rename(rename->to, rename->from);
-        if (rename->replaced) {
-            put(disk, rename->to, *rename->replaced);
+    for (const auto& rename : std::views::reverse(renames_)) {
+        (void)disk.rename(rename.to, rename.from);
+        if (rename.replaced) {
+            put(disk, rename.to, *rename.replaced);
         }
     }
     unwritten_.clear();

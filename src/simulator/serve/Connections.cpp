@@ -47,7 +47,7 @@ void Connections::cutAll()
     const std::lock_guard guard{mutex_};
     areCut_ = true;
     for (const auto* sockets : {&waiting_, &busy_}) {
-        std::for_each(sockets->begin(), sockets->end(), [](int socket) { ::shutdown(socket, SHUT_RDWR); });
+        std::ranges::for_each(*sockets, [](int socket) { ::shutdown(socket, SHUT_RDWR); });
     }
 }
 

@@ -7,6 +7,7 @@
 
 #include <array>
 #include <nlohmann/json.hpp>
+#include <ranges>
 #include <set>
 
 // The Mac as a thing, the way to iCloud, and the phone beside it.
@@ -144,8 +145,8 @@ Json PageState::phone()
     std::erase_if(phonePhotos_, [&](const auto& entry) { return !present.contains(entry.first); });
     Json notifications = Json::array();
     const auto shown = phone.notifications();
-    for (auto notification = shown.rbegin(); notification != shown.rend(); ++notification) {
-        notifications.push_back({{"text", notification->text}, {"date", since1970(notification->date)}});
+    for (const auto& notification : std::views::reverse(shown)) {
+        notifications.push_back({{"text", notification.text}, {"date", since1970(notification.date)}});
     }
     Json macs = Json::array();
     for (const auto& mac : phone.macs()) {
@@ -158,10 +159,10 @@ Json PageState::phone()
     return {{"alerts", std::move(alerts)}, {"notifications", std::move(notifications)}, {"macs", std::move(macs)}};
 }
 
-std::string PageState::photoUrl(const std::string& alert, std::shared_ptr<const Bytes> photo)
+std::string PageState::photoUrl(const std::string& alert, const std::shared_ptr<const Bytes>& photo)
 {
     // An alert's photo never changes, so that its bytes are looked at once.
-    return files_.addImage(phonePhotos_.try_emplace(alert, std::move(photo)).first->second);
+    return files_.addImage(phonePhotos_.try_emplace(alert, photo).first->second);
 }
 
 } // namespace sentrel::simulator

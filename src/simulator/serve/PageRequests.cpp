@@ -92,7 +92,7 @@ bool namesFile(const Json& value)
             }
         }
     } else if (value.is_array()) {
-        return std::any_of(value.begin(), value.end(), namesFile);
+        return std::ranges::any_of(value, namesFile);
     }
     return false;
 }
@@ -140,7 +140,7 @@ ui::Interaction use(const ui::View& tree, const std::string& node, const std::st
     if (how == "select") {
         const Json& rows = member(body, "value");
         const auto isText = [](const Json& row) { return row.is_string(); };
-        if (!rows.is_array() || !std::all_of(rows.begin(), rows.end(), isText)) {
+        if (!rows.is_array() || !std::ranges::all_of(rows, isText)) {
             throw BadRequest{"'value' is no list of rows"};
         }
         return ui::selectRows(tree, node, rows.get<std::set<std::string>>());
@@ -289,7 +289,7 @@ PageAnswer usePanel(LiveMac& mac, const Json& body)
     const std::string panel = textMember(body, "panel");
     const std::string answer = textMember(body, "answer");
     constexpr std::array panels{"login", "alert", "save", "preview"};
-    if (std::find(panels.begin(), panels.end(), panel) == panels.end()) {
+    if (std::ranges::find(panels, panel) == panels.end()) {
         throw BadRequest{"there is no such panel"};
     }
     return mac.call([&](MacSession& session) -> PageAnswer {

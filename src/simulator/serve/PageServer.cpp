@@ -6,6 +6,7 @@
 #include "simulator/serve/PageRequests.hpp"
 #include "simulator/serve/RequestGuard.hpp"
 
+#include <algorithm>
 #include <httplib.h>
 #include <nlohmann/json.hpp>
 
@@ -214,8 +215,8 @@ private:
     {
         const std::filesystem::path name = wanted.empty() ? "index.html" : wanted;
         const auto content = contentOf(setup_.web / name);
-        const auto type = std::find_if(fileTypes.begin(), fileTypes.end(),
-                                       [&](const auto& entry) { return entry.first == name.extension().string(); });
+        const auto type = std::ranges::find_if(
+            fileTypes, [&](const auto& entry) { return entry.first == name.extension().string(); });
         if (!content || type == fileTypes.end()) {
             return refuse(response, 404, "There is no such file.");
         }

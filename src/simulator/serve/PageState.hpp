@@ -61,7 +61,7 @@ private:
         Text content;
     };
 
-    [[nodiscard]] std::string photoUrl(const std::string& alert, std::shared_ptr<const Bytes> photo);
+    [[nodiscard]] std::string photoUrl(const std::string& alert, const std::shared_ptr<const Bytes>& photo);
 
     MacSession& session_;
     PageFiles& files_;

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <iterator>
 #include <nlohmann/json.hpp>
+#include <ranges>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -30,8 +31,8 @@ Json rectangleJson(const platform::Rectangle& rectangle, double displayHeight)
 
 std::size_t displayOf(const platform::Rectangle& frame, const std::vector<platform::Screen>& screens)
 {
-    const auto found = std::find_if(screens.begin(), screens.end(),
-                                    [&](const platform::Screen& screen) { return screen.frame.x == frame.x; });
+    const auto found =
+        std::ranges::find_if(screens, [&](const platform::Screen& screen) { return screen.frame.x == frame.x; });
     return found == screens.end() ? 0 : static_cast<std::size_t>(found - screens.begin());
 }
 
@@ -65,8 +66,8 @@ Json PageState::screen()
     }
     Json windows = Json::array();
     const auto seenWindows = mac.displays.seenWindows();
-    for (auto window = seenWindows.rbegin(); window != seenWindows.rend(); ++window) {
-        const simulated::WindowState& seen = **window;
+    for (const auto& window : std::views::reverse(seenWindows)) {
+        const simulated::WindowState& seen = *window;
         windows.push_back({{"id", seen.identifier},
                            {"title", seen.title},
                            {"frame", rectangleJson(seen.frame, height)},

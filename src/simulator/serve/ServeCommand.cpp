@@ -125,7 +125,8 @@ int run(const ServeCommand& command, std::ostream& out, std::ostream& err)
     mac.start();
     std::thread serving{[&server] { server.run(); }};
     out << "The simulated MacBook is at http://127.0.0.1:" << server.port() << "/?token=" << token << '\n'
-        << "Ctrl-C ends it." << std::endl;
+        << "Ctrl-C ends it.\n"
+        << std::flush;
     int signal = 0;
     sigwait(&signals, &signal);
     server.stop();

@@ -24,7 +24,7 @@ std::string withoutTime(const std::string& line)
     }
     const auto end = line.find(' ', start);
     const std::string first = line.substr(start, end - start);
-    const bool isTime = first.find(':') != std::string::npos && std::all_of(first.begin(), first.end(), isLead);
+    const bool isTime = first.find(':') != std::string::npos && std::ranges::all_of(first, isLead);
     const auto text = isTime && end != std::string::npos ? line.find_first_not_of(' ', end) : start;
     return text == std::string::npos ? std::string{} : line.substr(text);
 }

@@ -8,7 +8,7 @@ namespace {
 
 std::uint8_t byteOf(float value)
 {
-    return static_cast<std::uint8_t>(std::clamp(value, 0.0F, 1.0F) * 255 + 0.5F);
+    return static_cast<std::uint8_t>(std::clamp(value * 255 + 0.5F, 0.0F, 255.0F));
 }
 
 } // namespace
