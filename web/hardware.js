@@ -88,6 +88,7 @@ function audio(stream, sound) {
     const music = choice("Music", [["playing", "Play"], ["paused", "Pause"]], (to) =>
         act({ music: to === "playing" ? "play" : "pause" }),
     );
+    const noMusic = h("span", { className: "quiet" }, "No player is open");
     const make = (device) => {
         const volume = slider(`Volume of ${device.name}`, { min: 0, max: 1, step: 0.01, text: percent }, latest((value) =>
             act({ volume: { device: device.id, value } }),
@@ -101,6 +102,7 @@ function audio(stream, sound) {
     stream.on("hardware", (hardware) => {
         music.show(hardware.music);
         music.element.hidden = hardware.music === "absent";
+        noMusic.hidden = !music.element.hidden;
         const present = new Set(hardware.audio.devices.map((device) => device.id));
         for (const [id, entry] of rows) {
             if (!present.has(id)) {
@@ -122,7 +124,7 @@ function audio(stream, sound) {
             set(entry.use, { "aria-pressed": String(device.isDefault), "aria-label": `Play through ${device.name}` });
         }
     });
-    return card("Sound", sound.button, list, row("Music", music.element));
+    return card("Sound", sound.button, list, row("Music", music.element, noMusic));
 }
 
 function camera(stream) {

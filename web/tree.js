@@ -7,6 +7,13 @@ import { latest } from "./server.js";
 const rowsDrawnAtOnce = "oncontentvisibilityautostatechange" in document ? 12 : Infinity;
 const styles = ["padding", "width", "height", "maxWidth", "background"];
 
+function styleOf(name, value) {
+    if (typeof value !== "number") {
+        return value ?? "";
+    }
+    return name === "maxWidth" ? `min(100%, ${value}px)` : `${value}px`; // a small screen cuts windows
+}
+
 function isSame(one, other) {
     if (one === other || typeof one !== "object" || typeof other !== "object" || !one || !other) {
         return one === other;
@@ -144,7 +151,7 @@ export class Tree {
         for (const name of styles) {
             if (shown[name] !== node[name]) {
                 shown[name] = node[name];
-                element.style[name] = typeof node[name] === "number" ? `${node[name]}px` : (node[name] ?? "");
+                element.style[name] = styleOf(name, node[name]);
             }
         }
         this.#updaters[node.kind]?.(element, node);
