@@ -19,6 +19,9 @@ const now = () => clock.date + (performance.now() - clock.taken) / 1000;
 const phone = new Phone(document.getElementById("phone"), stream, now);
 document.getElementById("hardware").append(...hardwareCards(stream, sound));
 
+// An alarm is seen, too: most visitors come without sound.
+stream.on("sound", (sounds) => document.querySelector(".macbook").classList.toggle("sounding", sounds.length > 0));
+
 stream.on("run", (run) => {
     const { language, timeZone } = run;
     if (timeZone !== clock.zone || language !== clock.language) {

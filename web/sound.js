@@ -16,6 +16,7 @@ export class Sound {
         this.#showButton();
         stream.on("sound", (sounds) => {
             this.#wanted = sounds;
+            this.#showButton();
             this.#follow();
         });
         stream.on("hardware", (hardware) => {
@@ -48,7 +49,8 @@ export class Sound {
     }
 
     #showButton() {
-        const text = this.isOn ? "Sound on" : "Sound off";
+        const silence = this.#wanted.length > 0 ? "Hear the alarm" : "Sound off";
+        const text = this.isOn ? "Sound on" : silence;
         this.button.replaceChildren(icon(this.isOn ? "speaker" : "muted"), h("span", {}, text));
         set(this.button, { "aria-pressed": String(this.isOn), title: "Hear what the MacBook's speakers play" });
     }
