@@ -38,22 +38,14 @@ struct Draft {
     const YamlValue* defaultOutput = nullptr;
 };
 
-std::string readLanguage(const YamlValue& value)
+/// A text of which the world has a list, such as "'language' must be one such as de".
+std::string readListed(const YamlValue& value, const std::string& key, bool (*isListed)(const std::string&),
+                       const char* examples)
 {
-    std::string text = readText(value, "'language'");
-    if (!simulated::IcuCalendar::isLocale(text)) {
+    std::string text = readText(value, key);
+    if (!isListed(text)) {
         throw SourceFault(value.line,
-                          "'language' must be one such as de, fr_CA or zh-Hans, and " + inQuotes(text) + " is none");
-    }
-    return text;
-}
-
-std::string readTimeZone(const YamlValue& value)
-{
-    std::string text = readText(value, "'timeZone'");
-    if (!simulated::IcuCalendar::isTimeZone(text)) {
-        throw SourceFault(value.line,
-                          "'timeZone' must be one such as UTC or Europe/Paris, and " + inQuotes(text) + " is none");
+                          key + " must be one such as " + examples + ", and " + inQuotes(text) + " is none");
     }
     return text;
 }
@@ -62,8 +54,15 @@ constexpr std::array<FieldRow<Draft>, 18> macFields{{
     {"model", [](auto& draft, auto& value, auto&) { draft.mac.model = readText(value, "'model'"); }},
     {"localizedName",
      [](auto& draft, auto& value, auto&) { draft.mac.localizedName = readOptionalText(value, "'localizedName'"); }},
-    {"language", [](auto& draft, auto& value, auto&) { draft.mac.language = readLanguage(value); }},
-    {"timeZone", [](auto& draft, auto& value, auto&) { draft.mac.timeZone = readTimeZone(value); }},
+    {"language",
+     [](auto& draft, auto& value, auto&) {
+         draft.mac.language = readListed(value, "'language'", simulated::IcuCalendar::isLocale, "de, fr_CA or zh-Hans");
+     }},
+    {"timeZone",
+     [](auto& draft, auto& value, auto&) {
+         draft.mac.timeZone =
+             readListed(value, "'timeZone'", simulated::IcuCalendar::isTimeZone, "UTC or Europe/Paris");
+     }},
     {"power", [](auto& draft, auto& value, auto&) { draft.mac.power = readPower(value); }},
     {"lid", [](auto& draft, auto& value, auto&) { draft.mac.lid = readWord(value, "lid", lids); }},
     {"accelerometer", [](auto& draft, auto& value,
