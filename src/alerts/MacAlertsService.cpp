@@ -271,6 +271,10 @@ std::unordered_set<UUID> MacAlertsService::waitingIDs()
 
 Async<std::optional<Bytes>> MacAlertsService::photo(UUID id)
 {
+    const auto held = held_.find(id);
+    if (held != held_.end() && held->second.photo) {
+        co_return held->second.photo;
+    }
     auto reading = detached(actor_.scheduler(), QualityOfService::userInitiated,
                             [&files = ports_.files, file = localStore_.photoFile(id)] { return files.read(file); });
     std::optional<Bytes> local = co_await reading;

@@ -53,8 +53,8 @@ public:
     /// Shows an alert that has just been saved on this Mac; nothing when it is shown already or has been deleted.
     void merge(const StoredAlert& stored);
 
-    /// Takes in an alert that could not be saved on this Mac. It is shown, and waits in memory for the next catch-up to
-    /// save or upload it.
+    /// Takes in an alert of which something could not be saved on this Mac. It is shown, and waits in memory for the
+    /// next catch-up to save or upload it whole.
     void hold(const AlertEvent& alert, std::optional<Bytes> photo);
 
     /// The alert has been uploaded: nothing of it is kept here any more.
@@ -135,7 +135,7 @@ private:
     std::int64_t appliedGeneration_ = 0;
     int refreshesUnderWay_ = 0;
     bool lastRefreshTimedOut_ = false;
-    std::unordered_map<UUID, HeldAlert> held_; ///< those that could not be saved
+    std::unordered_map<UUID, HeldAlert> held_; ///< those that could not be saved whole
     Duration retryDelay_{}; ///< at least so long until the next retry; zero when none was made since the last success
     Task<void> retry_;      ///< waits; none when nothing is owed or a pass sees to it
     std::vector<Observation> observations_;

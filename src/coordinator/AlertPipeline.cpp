@@ -137,17 +137,17 @@ AlertEvent AlarmCoordinator::makeAlert(TriggerReason reason, bool hasPhoto)
     return alert;
 }
 
-/// On the disk, without the photo if there is no room for it, and in the list. What cannot be saved at all must not be
-/// lost either: the list holds it in memory.
+/// On the disk, without the photo if there is no room for it, and in the list. What cannot be saved must not be lost
+/// either: the list holds it in memory.
 void AlarmCoordinator::keep(const AlertEvent& alert, const std::optional<Bytes>& photo, bool cloudFlag)
 {
     StoredAlert stored{alert, cloudFlag};
-    bool isSaved = saveLocally(alert, photo, cloudFlag);
-    if (!isSaved && photo) {
+    const bool isWhole = saveLocally(alert, photo, cloudFlag);
+    if (!isWhole && photo) {
         stored.alert.photoFileName.reset();
-        isSaved = saveLocally(stored.alert, std::nullopt, cloudFlag);
+        static_cast<void>(saveLocally(stored.alert, std::nullopt, cloudFlag));
     }
-    if (!isSaved) {
+    if (!isWhole) {
         with_.alertList.hold(alert, photo);
     } else if (!with_.alertList.holds(alert.id)) {
         with_.alertList.merge(stored);

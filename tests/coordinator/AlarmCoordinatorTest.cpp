@@ -257,6 +257,10 @@ TEST_F(AlarmCoordinatorTest, AFullDiskCostsNoAlertAndNobodyIsToldThatItIsSaved)
     EXPECT_EQ(state("alertReasons"), Json::parse(R"(["motion"])")) << "without the photo there was room";
     EXPECT_NE(coordinator().lastError.get(), std::nullopt);
     EXPECT_EQ(coordinator().processingCount(), 0);
+    session.mac().iCloud.network.setUp(true);
+    session.clock().advance(2min);
+    ASSERT_EQ(session.phone().alerts().size(), 2U);
+    EXPECT_TRUE(session.phone().alerts().front().photo) << "it was held, and is not lost";
 }
 
 TEST_F(AlarmCoordinatorTest, ANewProcessStartsDisarmedWhateverTheOldOneLeft)
