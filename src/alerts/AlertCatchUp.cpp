@@ -59,6 +59,7 @@ void MacAlertsService::deleteAlerts(const std::unordered_set<UUID>& ids)
     }
     localStore_.remove(ids);
     std::erase_if(held_, [&ids](const auto& entry) { return ids.contains(entry.first); });
+    std::erase_if(slow_, [&ids](const UUID& id) { return ids.contains(id); });
     pendingDeletions_.add(ids);
     uploader_.discard(ids);
     std::vector<AlertRow> kept;
@@ -113,6 +114,7 @@ void MacAlertsService::saveHeld()
 
 Async<void> MacAlertsService::catchUpPass()
 {
+    cancelRetry(); // this is one
     saveHeld();
     co_await deletions_.run();
     co_await uploadWaiting();
@@ -138,13 +140,18 @@ bool MacAlertsService::isAnythingOwed()
            std::ranges::any_of(waiting, [this](const UUID& id) { return !uploader_.isUploading(id); });
 }
 
-/// No event needs to come any more that would cause a pass: what is left is tried again by the clock.
-void MacAlertsService::planRetry()
+void MacAlertsService::cancelRetry()
 {
     if (retry_) {
         retry_.cancel();
         retry_ = {};
     }
+}
+
+/// No event needs to come any more that would cause a pass: what is left is tried again by the clock.
+void MacAlertsService::planRetry()
+{
+    cancelRetry();
     if (!isAnythingOwed()) {
         retryDelay_ = {};
         return;
@@ -178,13 +185,22 @@ Async<void> MacAlertsService::retryAfter(Duration delay)
 
 Async<void> MacAlertsService::uploadWaiting()
 {
-    std::vector<StoredAlert> newestFirst = co_await alertsHere();
+    std::vector<StoredAlert> waiting = co_await alertsHere(); // the newest first
+    // Those that took too long come last from then on, or two of them would hold up all others for ever.
+    std::ranges::stable_partition(waiting,
+                                  [this](const StoredAlert& stored) { return slow_.contains(stored.alert.id); });
     int missedDeadlines = 0; // in a row
-    while (!newestFirst.empty()) {
-        StoredAlert oldest = std::move(newestFirst.back());
-        newestFirst.pop_back();
-        const auto outcome = co_await uploadStored(std::move(oldest));
-        missedDeadlines = outcome == AlertUploader::Outcome::timedOut ? missedDeadlines + 1 : 0;
+    while (!waiting.empty()) {
+        StoredAlert next = std::move(waiting.back());
+        waiting.pop_back();
+        const UUID id = next.alert.id;
+        const auto outcome = co_await uploadStored(std::move(next));
+        if (outcome == AlertUploader::Outcome::timedOut) {
+            slow_.insert(id);
+            ++missedDeadlines;
+        } else {
+            missedDeadlines = 0;
+        }
         if (outcome == AlertUploader::Outcome::storageFull || outcome == AlertUploader::Outcome::unreachable ||
             missedDeadlines == mostMissedDeadlines) {
             co_return;
@@ -237,6 +253,7 @@ void MacAlertsService::noteUploaded(const UUID& id)
 {
     localStore_.remove(id);
     held_.erase(id);
+    slow_.erase(id);
     retryDelay_ = {}; // something works
     iCloudStorageIsFull = false;
     std::vector<AlertRow> rows = *alerts.get();

@@ -110,6 +110,7 @@ private:
     [[nodiscard]] std::optional<std::string> storageNotice();
     [[nodiscard]] std::unordered_set<UUID> waitingIDs();
     [[nodiscard]] bool isAnythingOwed();
+    void cancelRetry();
     void planRetry();
     void ensureRetry();
     Async<void> retryAfter(Duration delay);
@@ -136,6 +137,7 @@ private:
     int refreshesUnderWay_ = 0;
     bool lastRefreshTimedOut_ = false;
     std::unordered_map<UUID, HeldAlert> held_; ///< those that could not be saved whole
+    std::unordered_set<UUID> slow_;            ///< whose upload took too long
     Duration retryDelay_{}; ///< at least so long until the next retry; zero when none was made since the last success
     Task<void> retry_;      ///< waits; none when nothing is owed or a pass sees to it
     std::vector<Observation> observations_;

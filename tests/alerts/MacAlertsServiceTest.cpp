@@ -385,19 +385,27 @@ TEST_F(MacAlertsServiceTest, AnAlertThatTakesTooLongHoldsUpNoOtherButTwoInARowEn
     for (const int number : {1, 2, 3}) {
         save(number);
     }
-    mac.icloud.link.setLatency(60s);
+    mac.icloud.link.setLatency(CloudOperation::save, 60s);
     const auto pass = start(service->catchUp());
     world.clock.advance(2s);
-    mac.icloud.link.setLatency(80ms);
+    mac.icloud.link.setLatency(CloudOperation::save, std::nullopt);
     world.clock.advance(20s);
     EXPECT_TRUE(pass.isFinished());
     EXPECT_EQ(rows(), "3c 2c 1w ");
+
     save(4);
     save(5);
-    mac.icloud.link.setLatency(60s);
-    world.clock.advance(60s);
-    EXPECT_EQ(saves(), 5U);
+    mac.icloud.link.setLatency(CloudOperation::save, 60s);
+    const auto failures = world.log.named("alert.uploadFailed").size();
+    const auto slowPass = start(service->catchUp());
+    world.clock.advance(40s);
+    EXPECT_TRUE(slowPass.isFinished());
+    EXPECT_EQ(world.log.named("alert.uploadFailed").size(), failures + 2) << "that is the network's fault";
     EXPECT_EQ(rows(), "5w 4w 3c 2c 1w ");
+    save(6);
+    mac.icloud.link.setLatency(CloudOperation::save, std::nullopt);
+    world.clock.advance(10min);
+    EXPECT_EQ(uploadsInOrder(), (std::vector{2, 3, 6, 1, 4, 5})) << "those that took too long come last";
 }
 
 TEST_F(MacAlertsServiceTest, PassesNeverOverlapAndACallDuringOneMeansOneMore)

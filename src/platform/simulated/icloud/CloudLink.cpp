@@ -72,14 +72,16 @@ void CloudLink::start(CloudOperation operation, std::shared_ptr<Pending> pending
     request->pending = std::move(pending);
     request->serve = std::move(serve);
     request->needsNetwork = operation != CloudOperation::accountStatus;
-    const Duration latency = this->latency();
-    request->wayBack = latency - latency / 2;
+    Duration latency{};
     {
         const std::lock_guard guard{mutex_};
+        const auto own = ownLatencies_.find(operation);
+        latency = own != ownLatencies_.end() ? own->second.value_or(latency_) : latency_;
         Count& count = counts_[operation];
         ++count.made;
         count.mostUnderWay = std::max(count.mostUnderWay, ++count.underWay);
     }
+    request->wayBack = latency - latency / 2;
     if (auto error = refusal(operation)) {
         request->pending->error = std::make_exception_ptr(std::move(*error));
         later(std::min(promptly, latency), [this, request] { answer(request); });
@@ -187,6 +189,12 @@ void CloudLink::setLatency(Duration latency)
 {
     const std::lock_guard guard{mutex_};
     latency_ = latency;
+}
+
+void CloudLink::setLatency(CloudOperation operation, std::optional<Duration> latency)
+{
+    const std::lock_guard guard{mutex_};
+    ownLatencies_[operation] = latency;
 }
 
 Duration CloudLink::latency() const

@@ -63,6 +63,8 @@ public:
 
     /// From a request to its answer; 80 ms at first. Half of it passes before the server acts. For later requests.
     void setLatency(Duration latency);
+    /// The same for one kind of request, such as uploads over a line that is slow one way only; none: as all.
+    void setLatency(CloudOperation operation, std::optional<Duration> latency);
     [[nodiscard]] Duration latency() const;
 
     /// Is told of each request that reaches the server, before and after the server acts, on the link's queue.
@@ -110,6 +112,7 @@ private:
     std::string user_ = "owner";
     platform::CloudAccountStatus status_ = platform::CloudAccountStatus::available;
     Duration latency_ = std::chrono::milliseconds{80};
+    std::map<CloudOperation, std::optional<Duration>> ownLatencies_;
     Observer observer_;
     std::map<CloudOperation, Count> counts_;
     SerialQueue queue_; // last: its end waits for what runs on it
