@@ -185,10 +185,13 @@ Async<void> MacAlertsService::retryAfter(Duration delay)
 
 Async<void> MacAlertsService::uploadWaiting()
 {
-    std::vector<StoredAlert> waiting = co_await alertsHere(); // the newest first
+    const std::vector<StoredAlert> newestFirst = co_await alertsHere();
     // Those that took too long come last from then on, or two of them would hold up all others for ever.
-    std::ranges::stable_partition(waiting,
-                                  [this](const StoredAlert& stored) { return slow_.contains(stored.alert.id); });
+    std::vector<StoredAlert> waiting; // the next is at the end
+    std::vector<StoredAlert> others;
+    std::ranges::partition_copy(newestFirst, std::back_inserter(waiting), std::back_inserter(others),
+                                [this](const StoredAlert& stored) { return slow_.contains(stored.alert.id); });
+    std::ranges::move(others, std::back_inserter(waiting));
     int missedDeadlines = 0; // in a row
     while (!waiting.empty()) {
         StoredAlert next = std::move(waiting.back());
