@@ -141,18 +141,19 @@ AlertEvent AlarmCoordinator::makeAlert(TriggerReason reason, bool hasPhoto)
 /// either: the list holds it in memory.
 void AlarmCoordinator::keep(const AlertEvent& alert, const std::optional<Bytes>& photo, bool cloudFlag)
 {
-    StoredAlert stored{alert, cloudFlag};
-    const bool isWhole = saveLocally(alert, photo, cloudFlag);
-    if (!isWhole && photo) {
-        stored.alert.photoFileName.reset();
-        static_cast<void>(saveLocally(stored.alert, std::nullopt, cloudFlag));
+    if (saveLocally(alert, photo, cloudFlag)) {
+        if (!with_.alertList.holds(alert.id)) {
+            with_.alertList.merge({alert, cloudFlag});
+            with_.alertList.refreshStorageNotice();
+        }
+        return;
     }
-    if (!isWhole) {
-        with_.alertList.hold(alert, photo);
-    } else if (!with_.alertList.holds(alert.id)) {
-        with_.alertList.merge(stored);
-        with_.alertList.refreshStorageNotice();
+    if (photo) {
+        AlertEvent bare = alert;
+        bare.photoFileName.reset();
+        static_cast<void>(saveLocally(bare, std::nullopt, cloudFlag));
     }
+    with_.alertList.hold(alert, photo);
 }
 
 bool AlarmCoordinator::saveLocally(const AlertEvent& alert, const std::optional<Bytes>& photo, bool cloudFlag)
