@@ -8,7 +8,7 @@ namespace sentrel {
 namespace {
 
 /// Decoders let finite dates through only: this is an order.
-bool isNewer(const AlertRow& left, const AlertRow& right)
+bool isNewerRow(const AlertRow& left, const AlertRow& right)
 {
     if (left.alert.timestamp != right.alert.timestamp) {
         return left.alert.timestamp > right.alert.timestamp;
@@ -52,13 +52,13 @@ MergedAlerts mergedAlerts(std::vector<AlertEvent> cloud, std::vector<StoredAlert
             rows.push_back({std::move(stored.alert), location});
         }
     }
-    std::ranges::sort(rows, isNewer);
+    std::ranges::sort(rows, isNewerRow);
     return merged;
 }
 
 void insertInOrder(std::vector<AlertRow>& rows, AlertRow row)
 {
-    const auto next = std::ranges::lower_bound(rows, row, isNewer);
+    const auto next = std::ranges::lower_bound(rows, row, isNewerRow);
     rows.insert(next, std::move(row));
 }
 

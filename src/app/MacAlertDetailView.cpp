@@ -12,7 +12,7 @@ namespace sentrel {
 
 namespace {
 
-constexpr double contentPadding = 16.0;
+constexpr double detailPadding = 16.0;
 constexpr double photoWidth = 420.0;
 
 } // namespace
@@ -43,7 +43,7 @@ ui::View MacAlertDetailView::body()
 {
     return ui::verticalStack({summary().id("summary"), photoPane().id("photoPane"), ui::spacer()}, 12.0,
                              ui::Stack::Alignment::leading)
-        .padding(contentPadding);
+        .padding(detailPadding);
 }
 
 ui::View MacAlertDetailView::failureAlert()

@@ -15,7 +15,7 @@ namespace sentrel {
 
 namespace {
 
-constexpr double contentPadding = 20.0;
+constexpr double panelPadding = 20.0;
 
 // What would make no sound, or see no motion, can't be chosen.
 constexpr SettingsEditor::Range strength{0.1, 1.0, std::nullopt};
@@ -69,7 +69,7 @@ ui::View MacContentView::body()
                        .id("form"),
                },
                16.0, ui::Stack::Alignment::leading)
-        .padding(contentPadding);
+        .padding(panelPadding);
 }
 
 ui::View MacContentView::heading()

@@ -14,8 +14,8 @@ namespace sentrel {
 namespace {
 
 constexpr double toggleSpacing = 5.0;
-constexpr double contentPadding = 10.0;
-constexpr double contentWidth = 240.0;
+constexpr double menuPadding = 10.0;
+constexpr double menuWidth = 240.0;
 
 } // namespace
 
@@ -52,7 +52,7 @@ void MenuBarView::opened()
 ui::View MenuBarView::body()
 {
     ui::SizeWish size;
-    size.width = contentWidth;
+    size.width = menuWidth;
     return ui::verticalStack(
                {
                    header().id("header"),
@@ -67,7 +67,7 @@ ui::View MenuBarView::body()
                    footer().id("footer"),
                },
                8.0, ui::Stack::Alignment::leading)
-        .padding(contentPadding)
+        .padding(menuPadding)
         .sized(size);
 }
 

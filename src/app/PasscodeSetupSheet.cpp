@@ -13,8 +13,8 @@ namespace sentrel {
 
 namespace {
 
-constexpr double contentPadding = 20.0;
-constexpr double contentWidth = 320.0;
+constexpr double sheetPadding = 20.0;
+constexpr double sheetWidth = 320.0;
 
 } // namespace
 
@@ -27,7 +27,7 @@ PasscodeSetupSheet::PasscodeSetupSheet(Collaborators collaborators, std::functio
 ui::View PasscodeSetupSheet::body()
 {
     ui::SizeWish size;
-    size.width = contentWidth;
+    size.width = sheetWidth;
     return ui::verticalStack(
                {
                    ui::text(with_.language.localized("Set Unlock Passcode"), ui::Text::Style::headline),
@@ -36,7 +36,7 @@ ui::View PasscodeSetupSheet::body()
                    buttons().id("buttons"),
                },
                12.0, ui::Stack::Alignment::leading)
-        .padding(contentPadding)
+        .padding(sheetPadding)
         .sized(size);
 }
 

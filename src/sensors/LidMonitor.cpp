@@ -12,7 +12,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr Duration pollingInterval = 2s;
+constexpr Duration lidPollingInterval = 2s;
 constexpr const char* rootDomainClass = "IOPMrootDomain";
 constexpr const char* clamshellStateKey = "AppleClamshellState";
 constexpr const char* screensDidSleep = "NSWorkspaceScreensDidSleepNotification";
@@ -44,7 +44,7 @@ void LidMonitor::start()
     wasLidOpen_ = !isLidClosed();
     observer_ = workspace_.observe(screensDidSleep, check);
     Scheduler& scheduler = mainActor_.scheduler();
-    timer_ = std::make_unique<RepeatingTimer>(scheduler, scheduler.mainExecutor(), pollingInterval, check);
+    timer_ = std::make_unique<RepeatingTimer>(scheduler, scheduler.mainExecutor(), lidPollingInterval, check);
 }
 
 void LidMonitor::stop()

@@ -10,7 +10,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr Duration pollingInterval = 5s;
+constexpr Duration powerPollingInterval = 5s;
 constexpr std::string_view stateKey = "Power Source State"; // kIOPSPowerSourceStateKey
 constexpr std::string_view acPowerValue = "AC Power";       // kIOPSACPowerValue
 
@@ -30,7 +30,7 @@ void PowerMonitor::start()
     // Null when the system makes no notification source: the timer alone then notices the change.
     notification_ = sources_.observeChanges(check);
     Scheduler& scheduler = mainActor_.scheduler();
-    timer_ = std::make_unique<RepeatingTimer>(scheduler, scheduler.mainExecutor(), pollingInterval, check);
+    timer_ = std::make_unique<RepeatingTimer>(scheduler, scheduler.mainExecutor(), powerPollingInterval, check);
 }
 
 void PowerMonitor::stop()

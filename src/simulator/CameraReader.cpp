@@ -31,7 +31,7 @@ constexpr std::array<Word<CameraKind>, 3> kinds{{
 }};
 
 /// A camera on its way; what its type gives is known when all keys are read.
-struct Draft {
+struct CameraDraft {
     CameraKind kind = kinds.front().meaning;
     std::optional<std::string> name;
     std::optional<bool> isContinuityCamera;
@@ -46,7 +46,7 @@ struct Draft {
     }
 };
 
-constexpr std::array<FieldRow<Draft>, 3> deviceFields{{
+constexpr std::array<FieldRow<CameraDraft>, 3> cameraDeviceFields{{
     {"name", [](auto& draft, auto& value, auto&) { draft.name = readText(value, "'name'"); }},
     {"type", [](auto& draft, auto& value, auto&) { draft.kind = readWord(value, "type of camera", kinds); }},
     {"continuity", [](auto& draft, auto& value, auto&) { draft.isContinuityCamera = readFlag(value, "'continuity'"); }},
@@ -54,9 +54,9 @@ constexpr std::array<FieldRow<Draft>, 3> deviceFields{{
 
 CameraModel readDevice(const YamlValue& value, const ReadContext& context)
 {
-    Draft draft;
+    CameraDraft draft;
     if (value.isMap()) {
-        readFields(value, "a camera", deviceFields, draft, context);
+        readFields(value, "a camera", cameraDeviceFields, draft, context);
     } else {
         draft.kind = readWord(value, "camera", kinds);
     }

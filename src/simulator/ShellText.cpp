@@ -16,7 +16,7 @@ std::string nameOf(ShellWindow window)
     return window == ShellWindow::main ? "the control panel" : "the list of alerts";
 }
 
-std::string shortNumber(double value)
+std::string plainNumber(double value)
 {
     std::string text = std::to_string(std::round(value * 1000.0) / 1000.0);
     text.erase(text.find_last_not_of('0') + 1);
@@ -62,7 +62,7 @@ std::string describe(const PressKey& action)
 
 std::string describe(const MoveSlider& action)
 {
-    return "Somebody moves " + quoted(action.slider) + " to " + shortNumber(action.value) + ".";
+    return "Somebody moves " + quoted(action.slider) + " to " + plainNumber(action.value) + ".";
 }
 
 std::string describe(const SelectRows& action)
@@ -88,7 +88,7 @@ std::string describe(const DragWindow& action)
 {
     std::string text = "Somebody drags " + nameOf(action.window);
     if (action.size) {
-        text += " to " + shortNumber(action.size->width) + " by " + shortNumber(action.size->height) + " points";
+        text += " to " + plainNumber(action.size->width) + " by " + plainNumber(action.size->height) + " points";
     }
     return text + (action.to ? " across the display." : ".");
 }

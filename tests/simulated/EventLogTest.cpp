@@ -14,14 +14,14 @@ namespace {
 
 using namespace std::chrono_literals;
 
-struct Machine {
+struct LogMachine {
     VirtualClock clock;
     VirtualScheduler scheduler{clock};
 };
 
 TEST(EventLog, TellsEachEventAsOneJsonLineWithItsTimeAndItsFieldsInOrder)
 {
-    Machine machine;
+    LogMachine machine;
     machine.clock.advance(2s);
     EventLog log{machine.scheduler};
     machine.clock.advance(3500ms);
@@ -43,7 +43,7 @@ TEST(EventLog, TellsEachEventAsOneJsonLineWithItsTimeAndItsFieldsInOrder)
 
 TEST(EventLog, FindsFieldsByName)
 {
-    Machine machine;
+    LogMachine machine;
     EventLog log{machine.scheduler};
     log.note("trigger", {{"reason", "motion"}, {"count", std::int64_t{2}}});
     log.note("disarmed", {});
@@ -58,7 +58,7 @@ TEST(EventLog, FindsFieldsByName)
 
 TEST(EventLog, AnObserverMayNoteEventsItself)
 {
-    Machine machine;
+    LogMachine machine;
     EventLog log{machine.scheduler};
     std::string heard;
     log.observe([&](const Event& event) {
@@ -73,7 +73,7 @@ TEST(EventLog, AnObserverMayNoteEventsItself)
 
 TEST(EventLog, AFileHoldsTheEventsFromBeforeAndAfterItWasOpened)
 {
-    Machine machine;
+    LogMachine machine;
     const auto file = std::filesystem::path{testing::TempDir()} / "sentrel-events.jsonl";
     EventLog log{machine.scheduler};
     log.note("armed", {});
@@ -93,7 +93,7 @@ TEST(EventLog, AFileHoldsTheEventsFromBeforeAndAfterItWasOpened)
 
 TEST(EventLog, ThreadsMayNoteAndReadTogether)
 {
-    Machine machine;
+    LogMachine machine;
     EventLog log{machine.scheduler};
     std::atomic<int> heard = 0;
     log.observe([&](const Event&) { ++heard; });

@@ -28,7 +28,7 @@ struct Received {
 };
 
 /// A machine whose accelerometer has one client that writes down what it gets.
-struct Machine {
+struct MotionMachine {
     VirtualClock clock;
     VirtualScheduler product{clock};
     VirtualScheduler hardware{clock};
@@ -38,7 +38,7 @@ struct Machine {
     std::unique_ptr<platform::HidClient> client = accelerometer.createClient();
     std::vector<Received> received;
 
-    Machine()
+    MotionMachine()
     {
         client->setMatching({{"PrimaryUsagePage", 0xFF00}, {"PrimaryUsage", 3}});
         client->registerEventCallback([this](const platform::HidEvent* event) { write(event); });
@@ -69,7 +69,7 @@ struct Machine {
 
 TEST(SimulatedAccelerometer, IsMatchedByItsUsageWhilePresent)
 {
-    Machine machine;
+    MotionMachine machine;
     EXPECT_THAT(*machine.client->copyServices(), SizeIs(1));
     EXPECT_TRUE(machine.client->copyServices()->front()->setProperty("ReportInterval", 20'000));
     EXPECT_FALSE(machine.client->copyServices()->front()->setProperty("ReportInterval", 0));
@@ -92,7 +92,7 @@ TEST(SimulatedAccelerometer, IsMatchedByItsUsageWhilePresent)
 
 TEST(SimulatedAccelerometer, DeliversSamplesOtherEventsAndNullEventsOnTheQueue)
 {
-    Machine machine;
+    MotionMachine machine;
     machine.accelerometer.sample({0.1, 0.2, -0.9});
     machine.accelerometer.sendEvent(1, {3, 0, 0});
     machine.accelerometer.sendNullEvent();
@@ -108,7 +108,7 @@ TEST(SimulatedAccelerometer, DeliversSamplesOtherEventsAndNullEventsOnTheQueue)
 
 TEST(SimulatedAccelerometer, PlaysARecordingAtItsOwnTimesFromNowOn)
 {
-    Machine machine;
+    MotionMachine machine;
     machine.clock.advance(3s);
     machine.accelerometer.play(MotionRecording::parse(
         "t_seconds,x_g,y_g,z_g\n0,1,0,0\n0.0385,2,0,0\n0.0385,3,0,0\n3600.0000001,4,0,0\n", "test"));
@@ -119,7 +119,7 @@ TEST(SimulatedAccelerometer, PlaysARecordingAtItsOwnTimesFromNowOn)
 
 TEST(SimulatedAccelerometer, LosesWhatComesWhileTheMachineSleepsOrNobodyListens)
 {
-    Machine machine;
+    MotionMachine machine;
     machine.accelerometer.play(MotionRecording::parse(
         "t_seconds,x_g,y_g,z_g\n1,0,0,0\n2,0,0,0\n3,0,0,0\n4,0,0,0\n5,0,0,0\n6,0,0,0\n", "test"));
     machine.clock.advance(1500ms);
@@ -137,7 +137,7 @@ TEST(SimulatedAccelerometer, LosesWhatComesWhileTheMachineSleepsOrNobodyListens)
 
 TEST(SimulatedAccelerometer, AtRestItShowsGravityAndNoiseFiftyTimesASecond)
 {
-    Machine machine;
+    MotionMachine machine;
     machine.accelerometer.setResting(true);
     machine.clock.advance(100s);
     ASSERT_THAT(machine.received, SizeIs(5000));
@@ -152,7 +152,7 @@ TEST(SimulatedAccelerometer, AtRestItShowsGravityAndNoiseFiftyTimesASecond)
     EXPECT_NEAR(sum / 5000, 1.0, 0.0002);
     EXPECT_NEAR(std::sqrt(squares / 5000), 0.002, 0.0002);
 
-    Machine again;
+    MotionMachine again;
     again.accelerometer.setResting(true);
     again.clock.advance(20ms);
     EXPECT_EQ(again.received[0].values, machine.received[0].values) << "the same seed";
@@ -167,7 +167,7 @@ TEST(SimulatedAccelerometer, AtRestItShowsGravityAndNoiseFiftyTimesASecond)
 
 TEST(SimulatedAccelerometer, NothingComesAfterUnschedulingUnlessAnEventIsLate)
 {
-    Machine machine;
+    MotionMachine machine;
     machine.accelerometer.sample({0, 0, -1});
     machine.client->unschedule(machine.queue);
     machine.clock.runReady();

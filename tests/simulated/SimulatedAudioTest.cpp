@@ -22,7 +22,7 @@ constexpr std::uint32_t mute = fourCharCode("mute");
 constexpr Address deviceList{fourCharCode("dev#"), glob, 0};
 constexpr Address defaultDevice{fourCharCode("dOut"), glob, 0};
 
-struct Machine {
+struct AudioMachine {
     VirtualClock clock;
     VirtualScheduler hardware{clock};
     EventLog log{hardware};
@@ -41,7 +41,7 @@ struct Machine {
 
 TEST(SimulatedAudio, ShowsItsDevicesThroughTheirProperties)
 {
-    Machine machine;
+    AudioMachine machine;
     auto& audio = machine.audio;
     EXPECT_THAT(*audio.readObjectList(1, deviceList), ElementsAre(60U, 73U, 91U));
     EXPECT_EQ(audio.readUInt32(1, defaultDevice), 91U);
@@ -64,7 +64,7 @@ TEST(SimulatedAudio, ShowsItsDevicesThroughTheirProperties)
 
 TEST(SimulatedAudio, TheEarHearsTheMeanOfTheMainVolumesElseOfTheChannelsUnlessMuted)
 {
-    Machine machine;
+    AudioMachine machine;
     auto& audio = machine.audio;
     EXPECT_FLOAT_EQ(audio.audibleGain(91), 0.3F);
     EXPECT_EQ(audio.writeFloat32(73, {vmvc, outp, 2}, 7.0F), 0);
@@ -86,7 +86,7 @@ TEST(SimulatedAudio, TheEarHearsTheMeanOfTheMainVolumesElseOfTheChannelsUnlessMu
 
 TEST(SimulatedAudio, TheDefaultOutputMovesWhenItIsUnpluggedAndMayBeNone)
 {
-    Machine machine;
+    AudioMachine machine;
     auto& audio = machine.audio;
     int changes = 0;
     audio.observeChanges([&] { ++changes; });
@@ -101,12 +101,12 @@ TEST(SimulatedAudio, TheDefaultOutputMovesWhenItIsUnpluggedAndMayBeNone)
     EXPECT_FALSE(audio.add({.id = 73})) << "taken";
     EXPECT_EQ(changes, 3);
     EXPECT_EQ(machine.log.named("default-output.changed").size(), 3U);
-    EXPECT_THROW((SimulatedAudio{machine.log, Machine::devices(), 99}), std::invalid_argument);
+    EXPECT_THROW((SimulatedAudio{machine.log, AudioMachine::devices(), 99}), std::invalid_argument);
 }
 
 TEST(SimulatedAudio, EveryKindOfReadAndWriteCanFail)
 {
-    Machine machine;
+    AudioMachine machine;
     auto& audio = machine.audio;
     for (const auto& fault : audio.faults().names()) {
         audio.faults().set(fault);

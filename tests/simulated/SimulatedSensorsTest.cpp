@@ -14,7 +14,7 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-struct Machine {
+struct SensorMachine {
     VirtualClock clock;
     VirtualScheduler scheduler{clock};
     EventLog log{scheduler};
@@ -22,7 +22,7 @@ struct Machine {
 
 TEST(SimulatedPower, ASnapshotStaysAsItWasWhenTheSourcesChange)
 {
-    Machine machine;
+    SensorMachine machine;
     SimulatedPower power{machine.scheduler, machine.log};
     const auto before = power.copySnapshot();
     power.setSources({PowerSource{}, PowerSource{PowerSource::Description{{"Name", "UPS"}}},
@@ -40,7 +40,7 @@ TEST(SimulatedPower, ASnapshotStaysAsItWasWhenTheSourcesChange)
 
 TEST(SimulatedPower, TellsOfAChangeOnTheMainThreadAsLongAsSomebodyListens)
 {
-    Machine machine;
+    SensorMachine machine;
     SimulatedPower power{machine.scheduler, machine.log};
     int told = 0;
     auto registration = power.observeChanges([&] {
@@ -66,7 +66,7 @@ TEST(SimulatedPower, TellsOfAChangeOnTheMainThreadAsLongAsSomebodyListens)
 
 TEST(SimulatedPower, FailsAsItIsTold)
 {
-    Machine machine;
+    SensorMachine machine;
     SimulatedPower power{machine.scheduler, machine.log};
     power.faults().set("register", 1);
     EXPECT_EQ(power.observeChanges([] {}), nullptr);
@@ -88,7 +88,7 @@ TEST(SimulatedPower, FailsAsItIsTold)
 
 TEST(SimulatedAssertions, HoldsThemInOrderUntilReleasedOrDropped)
 {
-    Machine machine;
+    SensorMachine machine;
     SimulatedAssertions assertions{machine.log};
     const auto armed = assertions.create("PreventUserIdleSystemSleep", 255, "armed");
     const auto alarm = assertions.create("PreventUserIdleSystemSleep", 255, "alarm");
@@ -112,7 +112,7 @@ TEST(SimulatedAssertions, HoldsThemInOrderUntilReleasedOrDropped)
 
 TEST(SimulatedLid, ShowsItsStateUnderItsOneNameOnly)
 {
-    Machine machine;
+    SensorMachine machine;
     SimulatedLid lid{machine.log};
     const auto read = [&] { return lid.number("IOPMrootDomain", "AppleClamshellState"); };
     EXPECT_EQ(read(), 0);
@@ -133,7 +133,7 @@ TEST(SimulatedLid, ShowsItsStateUnderItsOneNameOnly)
 
 TEST(SimulatedWorkspace, DeliversByNameOnTheMainThread)
 {
-    Machine machine;
+    SensorMachine machine;
     SimulatedWorkspace workspace{machine.scheduler, machine.log};
     int slept = 0;
     platform::RegistrationPtr once;

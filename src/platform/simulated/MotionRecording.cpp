@@ -63,7 +63,7 @@ private:
     std::size_t line_ = 0;
 };
 
-std::string_view trimmed(std::string_view text)
+std::string_view trimmedCell(std::string_view text)
 {
     const std::size_t begin = text.find_first_not_of(" \t");
     if (begin == std::string_view::npos) {
@@ -106,7 +106,7 @@ std::array<double, columns.size()> readRow(const LineReader& reader, std::string
         if (isLast && comma != std::string_view::npos) {
             reader.fail("a row of more than 4 columns");
         }
-        row[i] = readNumber(reader, columns[i], trimmed(line.substr(0, comma)));
+        row[i] = readNumber(reader, columns[i], trimmedCell(line.substr(0, comma)));
         line.remove_prefix(isLast ? line.size() : comma + 1);
     }
     return row;
@@ -150,7 +150,7 @@ MotionRecording MotionRecording::parse(std::string_view text, std::string_view n
     if (!first) {
         throw MotionRecordingError{std::string{name} + ": empty"};
     }
-    if (trimmed(*first) != header) {
+    if (trimmedCell(*first) != header) {
         reader.fail("the header is " + quoted(*first) + " instead of " + quoted(header));
     }
     std::vector<Sample> samples;

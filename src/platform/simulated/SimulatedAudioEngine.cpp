@@ -10,7 +10,7 @@ namespace {
 
 // <AudioToolbox/AudioUnitProperties.h> and <AudioToolbox/AUComponent.h>
 constexpr std::uint32_t currentDeviceProperty = 2000;
-constexpr std::uint32_t globalScope = 0;
+constexpr std::uint32_t globalUnitScope = 0;
 constexpr std::int32_t invalidProperty = -10879;
 constexpr std::int32_t invalidPropertyValue = -10851;
 
@@ -43,7 +43,7 @@ Speaker::Samples samplesOf(platform::AudioBuffer& buffer)
 std::int32_t SimulatedAudioEngine::setOutputUnitProperty(std::uint32_t property, std::uint32_t scope,
                                                          std::uint32_t element, std::uint32_t value)
 {
-    if (property != currentDeviceProperty || scope != globalScope || element != 0) {
+    if (property != currentDeviceProperty || scope != globalUnitScope || element != 0) {
         return invalidProperty;
     }
     const auto device = audio_.device(value);

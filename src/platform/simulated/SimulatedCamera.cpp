@@ -38,7 +38,7 @@ private:
     CameraModel model_;
 };
 
-class SimulatedInput final : public platform::CaptureInput {};
+class CameraInput final : public platform::CaptureInput {};
 
 class SimulatedPhotoSettings final : public platform::PhotoSettings {
 public:
@@ -245,7 +245,7 @@ std::shared_ptr<platform::CaptureInput> SimulatedCamera::makeInput(const platfor
     }
     const std::lock_guard guard{world_->mutex};
     world_->openedDevice = static_cast<const SimulatedDevice&>(device).name();
-    return std::make_shared<SimulatedInput>();
+    return std::make_shared<CameraInput>();
 }
 
 std::unique_ptr<platform::CaptureSession> SimulatedCamera::makeSession()
