@@ -1,4 +1,8 @@
+#include "simulator/ExitStatus.hpp"
+#include "simulator/NearestWord.hpp"
 #include "simulator/PlayCommand.hpp"
+#include "simulator/ScenarioError.hpp"
+#include "simulator/ScenarioShelf.hpp"
 #include "simulator/serve/ServeCommand.hpp"
 
 #include <CLI/CLI.hpp>
@@ -6,71 +10,154 @@
 #include <cstdint>
 #include <exception>
 #include <iostream>
+#include <optional>
 #include <string>
+#include <string_view>
+#include <vector>
 
 #ifndef SENTREL_RESOURCES_DIR
 #error "the build says where the localisation tables are"
 #endif
 
-int main(int argc, char** argv)
-{
-    using namespace sentrel::simulator;
+namespace {
 
-    CLI::App app{"Runs Sentrel on a simulated MacBook."};
-    app.require_subcommand(1);
+using namespace sentrel::simulator;
 
-    PlayCommand command;
-    command.resources = SENTREL_RESOURCES_DIR;
-    std::string out;
-    CLI::App* const play = app.add_subcommand("play", "Plays a scenario in virtual time and tells what happens");
-    play->add_option("scenario", command.scenario, "The scenario, a YAML file")->required();
-    play->add_option("--out", out, "Keep the disk, the events and the sound in this folder");
-    play->add_flag("--json", command.isJson, "Print the outcome as one JSON object instead of the story");
-    play->add_option("--seed", command.seed, "Seed of sensor noise and identifiers")->capture_default_str();
-
-    ServeCommand serving;
-    serving.resources = SENTREL_RESOURCES_DIR;
-    serving.web = SENTREL_WEB_DIR;
-    serving.scenario = SENTREL_SCENARIOS_DIR "/cafe-theft.yaml";
+/// The command line as it was typed; texts stay empty where an option was left out.
+struct Arguments {
+    PlayCommand play;
+    std::string playScenario;
+    std::string playOut;
+    std::vector<std::string> checked;
+    ServeCommand serve;
+    std::string serveScenario = "cafe-theft";
     std::string disk;
     std::string token;
     std::string language;
+};
+
+/// The page's token is the only key to the MacBook: one that can be guessed is refused.
+std::string refusalOfToken(const std::string& token)
+{
+    constexpr std::size_t shortestToken = 16;
+    return token.size() < shortestToken ? "a token has at least 16 characters" : std::string{};
+}
+
+/// CLI11 takes "-1" for the largest number.
+std::string refusalOfSeed(const std::string& seed)
+{
+    return seed.starts_with('-') ? "a seed is a whole number, 0 or more" : std::string{};
+}
+
+CLI::App* addPlay(CLI::App& app, Arguments& arguments)
+{
+    CLI::App* const play = app.add_subcommand("play", "Plays a scenario in virtual time and tells what happens");
+    play->add_option("scenario", arguments.playScenario, "The scenario: a YAML file, or a name that `list` shows")
+        ->required();
+    play->add_option("--out", arguments.playOut, "Keep the disk, the events and the sound in this folder");
+    play->add_flag("--json", arguments.play.isJson, "Print the outcome as one JSON object instead of the story");
+    play->add_option("--seed", arguments.play.seed, "Seed of sensor noise and identifiers")
+        ->check(refusalOfSeed)
+        ->capture_default_str();
+    return play;
+}
+
+CLI::App* addServe(CLI::App& app, Arguments& arguments)
+{
+    constexpr int highestPort = 65535;
     CLI::App* const serve =
         app.add_subcommand("serve", "Lets the MacBook live, in real time, on a page in the browser");
-    serve->add_option("--scenario", serving.scenario, "Whose MacBook it is; its steps are not played");
-    serve->add_option("--port", serving.port, "The port on this machine; 0 takes any that is free")
-        ->check(CLI::Range(0, 65535))
+    serve->add_option("--scenario", arguments.serveScenario, "Whose MacBook it is; its steps are not played")
         ->capture_default_str();
-    serve->add_option("--disk", disk, "Keep the MacBook's disk in this folder, and find it again there");
-    serve->add_option("--token", token, "The page's token, instead of a random one");
-    serve->add_option("--language", language, "Its user's language, such as de, fr_CA or zh-Hans");
-    serve->add_option("--seed", serving.seed, "Seed of sensor noise and identifiers")->capture_default_str();
+    serve->add_option("--port", arguments.serve.port, "The port on this machine; 0 takes any that is free")
+        ->check(CLI::Range(0, highestPort))
+        ->capture_default_str();
+    serve->add_option("--disk", arguments.disk, "Keep the MacBook's disk in this folder, and find it again there");
+    serve->add_option("--token", arguments.token, "The page's token, instead of a random one")->check(refusalOfToken);
+    serve->add_option("--language", arguments.language, "Its user's language, such as de, fr_CA or zh-Hans");
+    serve->add_option("--seed", arguments.serve.seed, "Seed of sensor noise and identifiers")
+        ->check(refusalOfSeed)
+        ->capture_default_str();
+    return serve;
+}
 
+/// What to say of a first word that is no command; none when it is one, or an option.
+std::optional<std::string> refusalOfCommand(const CLI::App& app, std::string_view word)
+{
+    std::vector<std::string> names;
+    for (const CLI::App* const command : app.get_subcommands([](const CLI::App*) { return true; })) {
+        names.push_back(command->get_name());
+        if (names.back() == word) {
+            return std::nullopt;
+        }
+    }
+    if (word.starts_with('-')) {
+        return std::nullopt;
+    }
+    const std::vector<std::string_view> words{names.begin(), names.end()};
+    return unknownWord("command", word, words) + " `sentrel-simulator --help` lists them.";
+}
+
+int serve(Arguments& arguments, const ScenarioShelf& shelf)
+{
+    const auto given = [](const std::string& text) { return text.empty() ? std::nullopt : std::optional{text}; };
+    arguments.serve.resources = SENTREL_RESOURCES_DIR;
+    arguments.serve.web = SENTREL_WEB_DIR;
+    arguments.serve.scenario = shelf.find(arguments.serveScenario).string();
+    arguments.serve.disk = given(arguments.disk);
+    arguments.serve.token = given(arguments.token);
+    arguments.serve.language = given(arguments.language);
+    return run(arguments.serve, std::cout, std::cerr);
+}
+
+int play(Arguments& arguments, const ScenarioShelf& shelf)
+{
+    arguments.play.resources = SENTREL_RESOURCES_DIR;
+    arguments.play.scenario = shelf.find(arguments.playScenario);
+    if (!arguments.playOut.empty()) {
+        arguments.play.out = arguments.playOut;
+    }
+    return run(arguments.play, std::cout, std::cerr);
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    CLI::App app{"Runs Sentrel on a simulated MacBook."};
+    app.set_version_flag("--version", "Sentrel " SENTREL_VERSION);
+    app.require_subcommand(1);
+
+    Arguments arguments;
+    const CLI::App* const playing = addPlay(app, arguments);
+    const CLI::App* const listing = app.add_subcommand("list", "Lists the scenarios that come with the program");
+    CLI::App* const checking = app.add_subcommand("check", "Reads scenarios without playing them; prints mistakes");
+    checking->add_option("scenarios", arguments.checked, "YAML files, or names that `list` shows")->required();
+    addServe(app, arguments);
+
+    if (const auto refusal = argc > 1 ? refusalOfCommand(app, argv[1]) : std::nullopt) {
+        std::cerr << "sentrel-simulator: " << *refusal << '\n';
+        return exitUnreadable;
+    }
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
-        // Help is no error; anything else can't be read, as a scenario that can't.
-        return app.exit(error) == 0 ? 0 : exitUnreadable;
+        // Help and version are no errors; anything else can't be read, like a scenario that can't.
+        return app.exit(error) == 0 ? exitAllHeld : exitUnreadable;
     }
+    const ScenarioShelf shelf{SENTREL_SCENARIOS_DIR};
     try {
-        if (!out.empty()) {
-            command.out = out;
+        if (listing->parsed()) {
+            return listScenarios(shelf, std::cout);
         }
-        if (serve->parsed()) {
-            if (!disk.empty()) {
-                serving.disk = disk;
-            }
-            if (!token.empty()) {
-                serving.token = token;
-            }
-            if (!language.empty()) {
-                serving.language = language;
-            }
-            return run(serving, std::cout, std::cerr);
+        if (checking->parsed()) {
+            return checkScenarios(shelf, arguments.checked, std::cout, std::cerr);
         }
-        return run(command, std::cout, std::cerr);
+        return playing->parsed() ? play(arguments, shelf) : serve(arguments, shelf);
+    } catch (const ScenarioError& error) {
+        std::cerr << error.what() << '\n';
     } catch (const std::exception& error) {
         std::cerr << "sentrel-simulator: " << error.what() << '\n';
-        return exitUnreadable;
     }
+    return exitUnreadable;
 }

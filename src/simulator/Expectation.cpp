@@ -104,8 +104,16 @@ std::vector<Mismatch> mismatches(const Expectation& expectation, const Json& sta
     return found;
 }
 
+Mismatch impossibleStep(const std::string& why, int line)
+{
+    return {"this step", "possible", why, line};
+}
+
 std::string sentence(const Mismatch& mismatch)
 {
+    if (mismatch.path == "this step") {
+        return "this step can't be done: " + mismatch.actual;
+    }
     return "expected " + mismatch.path + " to be " + mismatch.expected + ", but it is " + mismatch.actual;
 }
 

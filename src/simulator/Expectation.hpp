@@ -31,6 +31,9 @@ struct Mismatch {
     int line = 0;
 };
 
+/// A step that can't be done counts like an expectation that doesn't hold: the scenario relied on it.
+[[nodiscard]] Mismatch impossibleStep(const std::string& why, int line);
+
 /// Every difference, in the order of the expectation. Numbers match within its tolerance; of an object only the
 /// members that are expected count, and one that isn't there matches an expected null; lists match whole, unless just
 /// some items are expected. `state`

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "simulator/ExitStatus.hpp"
+
 #include <cstdint>
 #include <filesystem>
 #include <iosfwd>
@@ -8,14 +10,9 @@
 
 namespace sentrel::simulator {
 
-/// Exit statuses of the program.
-inline constexpr int exitAllHeld = 0;
-inline constexpr int exitSomeFailed = 1;
-inline constexpr int exitUnreadable = 2;
-
 /// The command `play`.
 struct PlayCommand {
-    std::string scenario;
+    std::filesystem::path scenario;
     std::optional<std::filesystem::path> out;
     std::filesystem::path resources;
     std::uint64_t seed = 1;

@@ -104,11 +104,10 @@ private:
         }
     }
 
-    /// What can't be done is a mismatch like any other: the scenario counted on it.
     void tellFailure(const Step& step, const std::string& why)
     {
         if (!why.empty()) {
-            const std::vector<Mismatch> all{{"this step", "possible", why, step.line}};
+            const std::vector<Mismatch> all{impossibleStep(why, step.line)};
             result_.mismatches.push_back(all.front());
             audience_.checked(session_.seconds(), step, all);
         }

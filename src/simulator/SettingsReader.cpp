@@ -9,6 +9,28 @@
 
 namespace sentrel::simulator {
 
+namespace {
+
+/// Bounds of a number among the settings. The product reads any number; one beyond these is a slip.
+struct Bounds {
+    std::string_view field;
+    double most;
+};
+
+constexpr std::array<Bounds, 4> bounds{{
+    {"motionSensitivity", 1.0},
+    {"alarmVolume", 1.0},
+    {"lockScreenSleepDelay", 86'400.0}, // seconds: a day
+    {"failedUnlockAttemptLimit", 1000.0},
+}};
+
+double mostOf(std::string_view field)
+{
+    return std::ranges::find(bounds, field, &Bounds::field)->most;
+}
+
+} // namespace
+
 Json readSettings(const YamlValue& value)
 {
     requireMap(value, "settings");
@@ -23,7 +45,7 @@ Json readSettings(const YamlValue& value)
         if (std::holds_alternative<bool AlarmSettings::*>(field.member)) {
             fields[std::string{field.name}] = readFlag(value.items[i], what);
         } else {
-            fields[std::string{field.name}] = readNumber(value.items[i], what);
+            fields[std::string{field.name}] = readNumber(value.items[i], what, 0.0, mostOf(field.name));
         }
     }
     return fields;

@@ -207,6 +207,7 @@ TEST(ScenarioReader, NamesFileLineAndNearestWordOfTheFirstFault)
         {"settings: {alarmVolume: \"1\"}\n", "talk.yaml:1: 'alarmVolume' must be a number: write 1 without quotes"},
         {"settings: {alarmVolume: .nan}\n", "talk.yaml:1: 'alarmVolume' must be a number"},
         {"settings: {alarmVolume: 1e999}\n", "talk.yaml:1: 'alarmVolume' is too large"},
+        {"settings: {motionSensitivity: 5}\n", "talk.yaml:1: 'motionSensitivity' must be from 0 to 1, not '5'"},
         {"mac: {audio: [{id: 1}]}\n", "talk.yaml:1: the number of an audio device must be a whole number from 2"},
         {"mac: {audio: [{id: 4294967296}]}\n", "talk.yaml:1: the number of an audio device must be a whole number"},
         {"mac: {audio: [{id: 2}, {id: 2}]}\n", "talk.yaml:1: two audio devices have the id 2"},
