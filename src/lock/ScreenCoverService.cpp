@@ -8,6 +8,7 @@
 #include "platform/ApplicationNotifications.hpp"
 #include "platform/Journal.hpp"
 #include "platform/WallClock.hpp"
+#include "platform/WindowConstants.hpp"
 #include "platform/Windows.hpp"
 
 #include <algorithm>
@@ -20,7 +21,6 @@ namespace {
 
 using Case = PasscodeUnlockOutcome::Case;
 
-constexpr const char* screenParametersChanged = "NSApplicationDidChangeScreenParametersNotification";
 constexpr std::int64_t failuresBeforeLockout = 5;
 constexpr double firstLockoutDuration = 30.0;     // seconds
 constexpr double longestLockoutDuration = 1800.0; // seconds
@@ -83,7 +83,7 @@ bool ScreenCoverService::show()
             service->buildWindows();
         }
     };
-    screenChangeObserver_ = ports_.notifications.observe(screenParametersChanged, rebuild);
+    screenChangeObserver_ = ports_.notifications.observe(platform::screenParametersChanged, rebuild);
     ports_.activation.activate(true);
     if (!windows_.empty()) {
         windows_.front()->makeKeyAndOrderFront();
