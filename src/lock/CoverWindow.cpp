@@ -23,6 +23,9 @@ platform::WindowDescription describe(const platform::Screen& screen)
     // A borderless window refuses the keyboard unless its class says otherwise, and nobody could type the passcode.
     description.canBecomeKey = true;
     description.canBecomeMain = true;
+    // The phone arms the Mac while the person in front of it works with another application, which the system may leave
+    // active.
+    description.keepsKeyboard = true;
     return description;
 }
 
