@@ -4,17 +4,11 @@
 #include "app/ViewParts.hpp"
 #include "platform/Language.hpp"
 #include "platform/LoginItem.hpp"
+#include "platform/SystemConstants.hpp"
 
 #include <utility>
 
 namespace sentrel {
-
-namespace {
-
-constexpr std::int64_t enabled = 1;          // SMAppServiceStatusEnabled
-constexpr std::int64_t requiresApproval = 2; // SMAppServiceStatusRequiresApproval
-
-} // namespace
 
 LoginItemToggle::LoginItemToggle(platform::LoginItem& loginItem, ProtectedActions& protectedActions,
                                  platform::Language& language)
@@ -36,7 +30,7 @@ void LoginItemToggle::refresh()
 bool LoginItemToggle::isRegistered() const
 {
     // One that waits for the user's approval is registered, too, and can be withdrawn.
-    return status_ == enabled || status_ == requiresApproval;
+    return status_ == platform::loginItemEnabled || status_ == platform::loginItemRequiresApproval;
 }
 
 ui::View LoginItemToggle::body()
@@ -48,7 +42,7 @@ ui::View LoginItemToggle::body()
 
 ui::View LoginItemToggle::notice() const
 {
-    const bool isWaiting = !refusal_ && status_ == requiresApproval;
+    const bool isWaiting = !refusal_ && status_ == platform::loginItemRequiresApproval;
     const std::string why =
         isWaiting ? language_.localized("Allow Sentrel under Login Items in System Settings.") : refusal_.value_or("");
     return ui::verticalStack(

@@ -16,6 +16,7 @@
 #include "platform/Language.hpp"
 #include "platform/PreviewPanel.hpp"
 #include "platform/RemoteNotifications.hpp"
+#include "platform/WindowConstants.hpp"
 #include "platform/WorkspaceNotifications.hpp"
 #include "runtime/CurrentTask.hpp"
 #include "runtime/WeakCall.hpp"
@@ -28,7 +29,6 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr const char* didWake = "NSWorkspaceDidWakeNotification";
 constexpr Duration lastPublicationLimit = 2s;
 
 bool isUnderWay(const Task<void>& task)
@@ -53,7 +53,7 @@ void MacAppDelegate::applicationDidFinishLaunching()
     registerForRemoteNotifications();
     controlPreviewPanel();
     wakeRegistration_ = ports_.workspaceNotifications.observe(
-        didWake, weakCall(actor_, anchor_.weak(), &MacAppDelegate::systemDidWake));
+        platform::workspaceDidWake, weakCall(actor_, anchor_.weak(), &MacAppDelegate::systemDidWake));
     if (!isCompatibleComputer_) {
         tasks_.add(actor_.spawn(bringUpControlPanel()));
     }

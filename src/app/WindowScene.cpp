@@ -2,6 +2,7 @@
 
 #include "app/ShellWindows.hpp"
 #include "app/WindowConfigurator.hpp"
+#include "platform/WindowConstants.hpp"
 
 #include <utility>
 
@@ -9,21 +10,18 @@ namespace sentrel {
 
 namespace {
 
-// NSWindowStyleMask: titled (1), closable (2), resizable (8). Not miniaturizable: it is hidden by closing it.
-constexpr std::uint64_t windowStyle = 11;
-// NSWindowCollectionBehaviorFullScreenNone: a full screen asks no delegate for the window's size.
-constexpr std::uint64_t collectionBehavior = 512;
-constexpr std::uint64_t bufferedBacking = 2; // NSBackingStoreBuffered
-
-// Width (2) and height (16) are sizable.
-constexpr std::uint64_t resizesWithWindow = 18;
+// Not miniaturizable: it is hidden by closing it.
+constexpr std::uint64_t windowStyle = platform::titledStyle | platform::closableStyle | platform::resizableStyle;
+// A full screen asks no delegate for the window's size.
+constexpr std::uint64_t collectionBehavior = platform::fullScreenNone;
+constexpr std::uint64_t resizesWithWindow = platform::widthSizable | platform::heightSizable;
 
 platform::WindowDescription describe(platform::Size content, const std::vector<platform::Screen>& screens)
 {
     platform::WindowDescription description;
     description.contentRectangle = {0.0, 0.0, content.width, content.height};
     description.styleMask = windowStyle;
-    description.backing = bufferedBacking;
+    description.backing = platform::bufferedBacking;
     description.isDeferred = true;
     description.screenNumber = screens.empty() ? 0 : screens.front().number;
     description.canBecomeKey = true;

@@ -34,7 +34,8 @@ platform::CloudError errorOf(const ItemErrors& errors)
             return error;
         }
     }
-    platform::CloudError partial{"CKErrorDomain", CloudErrorCode::partialFailure, "some records were not deleted"};
+    platform::CloudError partial{platform::cloudErrorDomain, CloudErrorCode::partialFailure,
+                                 "some records were not deleted"};
     partial.itemErrors = errors;
     return partial;
 }
@@ -198,8 +199,8 @@ Async<void> CloudAlerts::removeBatch(std::vector<UUID> ids, std::unordered_set<U
         const std::string name = id.text();
         const auto found = answer.deleted.find(name);
         if (found == answer.deleted.end()) {
-            errors.emplace(
-                name, platform::CloudError{"CKErrorDomain", CloudErrorCode::internalError, "no word of the record"});
+            errors.emplace(name, platform::CloudError{platform::cloudErrorDomain, CloudErrorCode::internalError,
+                                                      "no word of the record"});
         } else if (found->second && !isCloudKitError(*found->second, CloudErrorCode::unknownItem)) {
             errors.emplace(name, *found->second);
         } else {

@@ -17,8 +17,6 @@ using platform::CloudAccountStatus;
 using platform::CloudError;
 using AccountStatus = std::optional<CloudAccountStatus>;
 
-constexpr const char* errorDomain = "CKErrorDomain";
-
 constexpr std::string_view passwordMessage =
     "iCloud needs your Apple ID password.\nOpen Settings → Apple ID, sign in, then try again.";
 constexpr std::string_view networkMessage = "Could not reach iCloud.\nCheck your connection and try again.";
@@ -45,7 +43,7 @@ std::optional<std::string_view> accountMessage(CloudAccountStatus status)
 /// The server says that it doesn't accept this user: not authenticated, permission failure.
 bool isRefusal(const CloudError& error)
 {
-    return error.code == 9 || error.code == 10;
+    return error.code == CloudErrorCode::notAuthenticated || error.code == CloudErrorCode::permissionFailure;
 }
 
 std::string_view messageOfCode(int code)
@@ -55,22 +53,22 @@ std::string_view messageOfCode(int code)
     case CloudErrorCode::serviceUnavailable:
     case CloudErrorCode::requestRateLimited:
     case CloudErrorCode::zoneBusy:
-    case 34: // server response lost
+    case CloudErrorCode::serverResponseLost:
         return "iCloud is temporarily unavailable. Try again shortly.";
-    case 5: // bad container
-    case 8: // missing entitlement
+    case CloudErrorCode::badContainer:
+    case CloudErrorCode::missingEntitlement:
         return "This app cannot access its iCloud container.\nCheck iCloud is enabled for Sentrel in Developer Portal.";
-    case 9:  // not authenticated
-    case 10: // permission failure
+    case CloudErrorCode::notAuthenticated:
+    case CloudErrorCode::permissionFailure:
         return signInMessage;
-    case 12: // invalid arguments
-    case 15: // server rejected request
+    case CloudErrorCode::invalidArguments:
+    case CloudErrorCode::serverRejectedRequest:
         return "iCloud database is not ready.\nDeploy the CloudKit schema to Production in CloudKit Console.";
-    case 20: // operation cancelled
+    case CloudErrorCode::operationCancelled:
         return "The iCloud request was cancelled.";
     case CloudErrorCode::quotaExceeded:
         return "Your iCloud storage is full.";
-    case 36: // account temporarily unavailable
+    case CloudErrorCode::accountTemporarilyUnavailable:
         return passwordMessage;
     default:
         return unknownMessage;
@@ -109,7 +107,7 @@ std::string messageOfCloudKit(const CloudError& error, AccountStatus status, pla
 const CloudError* cloudKitErrorOf(const std::exception& error)
 {
     const auto* const cloudError = dynamic_cast<const CloudError*>(&error);
-    return cloudError != nullptr && cloudError->domain == errorDomain ? cloudError : nullptr;
+    return cloudError != nullptr && cloudError->domain == platform::cloudErrorDomain ? cloudError : nullptr;
 }
 
 bool isCloudKitError(const std::exception& error, int code)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/CloudAccount.hpp"
+#include "platform/CloudConstants.hpp"
 
 #include <exception>
 #include <optional>
@@ -12,20 +13,6 @@ namespace platform {
 class CloudError;
 class Language;
 } // namespace platform
-
-/// The codes of `CKErrorDomain` that the product tells apart (`CKErrorCode`).
-namespace CloudErrorCode {
-inline constexpr int internalError = 1;
-inline constexpr int partialFailure = 2;
-inline constexpr int networkUnavailable = 3;
-inline constexpr int networkFailure = 4;
-inline constexpr int serviceUnavailable = 6;
-inline constexpr int requestRateLimited = 7;
-inline constexpr int unknownItem = 11;
-inline constexpr int serverRecordChanged = 14;
-inline constexpr int zoneBusy = 23;
-inline constexpr int quotaExceeded = 25;
-} // namespace CloudErrorCode
 
 /// The error when it is CloudKit's own, or null.
 [[nodiscard]] const platform::CloudError* cloudKitErrorOf(const std::exception& error);

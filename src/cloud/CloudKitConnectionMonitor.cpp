@@ -3,6 +3,7 @@
 #include "cloud/AsyncTimeout.hpp"
 #include "foundation/Fatal.hpp"
 #include "platform/ApplicationNotifications.hpp"
+#include "platform/CloudConstants.hpp"
 #include "platform/Journal.hpp"
 #include "runtime/CurrentTask.hpp"
 #include "runtime/Sleep.hpp"
@@ -17,8 +18,6 @@ namespace sentrel {
 using namespace std::chrono_literals;
 
 namespace {
-
-constexpr const char* accountChangedNotification = "CKAccountChangedNotification";
 
 /// A network that flaps causes one pass, this long after its last change.
 constexpr Duration pathSettlingTime = 2s;
@@ -55,7 +54,7 @@ void CloudKitConnectionMonitor::start()
     monitor_ = ports_.networkPaths.monitor(
         queue_, [this, weak = anchor_.weak()](platform::NetworkPathStatus status) { pathChanged(weak, status); });
     accountObserver_ = ports_.applicationNotifications.observe(
-        accountChangedNotification, weakCall(actor_, anchor_.weak(), &CloudKitConnectionMonitor::accountDidChange));
+        platform::cloudAccountChanged, weakCall(actor_, anchor_.weak(), &CloudKitConnectionMonitor::accountDidChange));
     accountDidChange();
 }
 

@@ -245,7 +245,7 @@ Async<void> CloudKitService::publishPresence(DevicePresence presence)
                                                         platform::CloudSavePolicy::changedKeys, false);
     const auto saved = answer.saved.find(name);
     if (saved == answer.saved.end()) {
-        throw platform::CloudError{"CKErrorDomain", CloudErrorCode::internalError, "no word of the record"};
+        throw platform::CloudError{platform::cloudErrorDomain, CloudErrorCode::internalError, "no word of the record"};
     }
     if (const auto* const error = std::get_if<platform::CloudError>(&saved->second)) {
         throw platform::CloudError{*error};

@@ -4,6 +4,7 @@
 #include "cloud/AsyncTimeout.hpp"
 #include "cloud/DeviceCatalog.hpp"
 #include "cloud/PresenceTimes.hpp"
+#include "platform/CloudConstants.hpp"
 #include "platform/WallClock.hpp"
 
 #include <utility>
@@ -12,10 +13,6 @@ namespace sentrel {
 
 namespace {
 
-// CKQuerySubscriptionOptions
-constexpr std::uint64_t firesOnCreation = 1U << 0U;
-constexpr std::uint64_t firesOnUpdate = 1U << 1U;
-
 /// Shows a notification on the user's other devices for each alert that is meant to have one.
 platform::CloudSubscription alertSubscription()
 {
@@ -23,7 +20,7 @@ platform::CloudSubscription alertSubscription()
     subscription.identifier = CloudSubscriptions::alertIdentifier;
     subscription.recordType = alertRecordType;
     subscription.predicate = {"sendNotification == %@", {std::int64_t{1}}};
-    subscription.options = firesOnCreation;
+    subscription.options = platform::firesOnRecordCreation;
     // The receiving device looks the key up in its own language and puts the record's fields in.
     subscription.alertLocalizationKey = "%1$@ on %2$@";
     subscription.alertLocalizationArguments = {"triggerName", "deviceName"};
@@ -39,7 +36,7 @@ platform::CloudSubscription macCommandSubscription()
     subscription.identifier = CloudSubscriptions::macCommandIdentifier;
     subscription.recordType = deviceCatalogRecordType;
     subscription.predicate = {std::string{requestedArmStateField} + " IN %@", {std::vector<std::int64_t>{0, 1}}};
-    subscription.options = firesOnCreation | firesOnUpdate;
+    subscription.options = platform::firesOnRecordCreation | platform::firesOnRecordUpdate;
     subscription.sendsContentAvailable = true;
     return subscription;
 }

@@ -57,7 +57,7 @@ Async<void> mergeIntoRecord(platform::CloudDatabase& database, std::string type,
             co_return;
         }
     }
-    throw platform::CloudError{"CKErrorDomain", CloudErrorCode::serverRecordChanged,
+    throw platform::CloudError{platform::cloudErrorDomain, CloudErrorCode::serverRecordChanged,
                                "others keep changing the record " + name};
 }
 

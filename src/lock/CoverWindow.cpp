@@ -1,31 +1,31 @@
 #include "lock/CoverWindow.hpp"
 
+#include "platform/WindowConstants.hpp"
+
 #include <utility>
 
 namespace sentrel {
 
 namespace {
 
-constexpr std::uint64_t borderlessStyle = 0; // NSWindowStyleMaskBorderless
-constexpr std::uint64_t bufferedBacking = 2; // NSBackingStoreBuffered
-
-// Joins all spaces (1), stationary (16), ignores window cycling (64), auxiliary to full screens (256).
-constexpr std::uint64_t collectionBehavior = 337;
-
-// Width (2) and height (16) are sizable.
-constexpr std::uint64_t resizesWithWindow = 18;
+constexpr std::uint64_t collectionBehavior =
+    platform::joinsAllSpaces | platform::stationary | platform::ignoresWindowCycle | platform::fullScreenAuxiliary;
+constexpr std::uint64_t resizesWithWindow = platform::widthSizable | platform::heightSizable;
 
 platform::WindowDescription describe(const platform::Screen& screen)
 {
     platform::WindowDescription description;
     description.contentRectangle = screen.frame;
-    description.styleMask = borderlessStyle;
-    description.backing = bufferedBacking;
+    description.styleMask = platform::borderlessStyle;
+    description.backing = platform::bufferedBacking;
     description.isDeferred = false;
     description.screenNumber = screen.number;
     // A borderless window refuses the keyboard unless its class says otherwise, and nobody could type the passcode.
     description.canBecomeKey = true;
     description.canBecomeMain = true;
+    // The phone arms the Mac while the person in front of it works with another application, which the system may leave
+    // active.
+    description.keepsKeyboard = true;
     return description;
 }
 

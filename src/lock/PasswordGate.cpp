@@ -4,6 +4,8 @@
 #include "platform/ApplicationActivation.hpp"
 #include "platform/Language.hpp"
 #include "platform/LoginAuthentication.hpp"
+#include "platform/SystemConstants.hpp"
+#include "platform/WindowConstants.hpp"
 #include "runtime/Semaphore.hpp"
 
 #include <memory>
@@ -13,8 +15,8 @@ namespace sentrel {
 
 namespace {
 
-constexpr std::int64_t deviceOwnerAuthentication = 2; // LAPolicyDeviceOwnerAuthentication
-constexpr std::uint64_t warningAlertStyle = 0;        // NSAlertStyleWarning
+using platform::deviceOwnerAuthentication;
+using platform::warningAlertStyle;
 
 /// What the system's panel answers, on whatever thread. Shared with the panel, which may outlive the request.
 struct Reply {

@@ -8,6 +8,7 @@
 #include "platform/ApplicationNotifications.hpp"
 #include "platform/Journal.hpp"
 #include "platform/WallClock.hpp"
+#include "platform/WindowConstants.hpp"
 #include "platform/Windows.hpp"
 
 #include <algorithm>
@@ -20,7 +21,11 @@ namespace {
 
 using Case = PasscodeUnlockOutcome::Case;
 
-constexpr const char* screenParametersChanged = "NSApplicationDidChangeScreenParametersNotification";
+// The keyboard, too, leads nowhere but into the passcode field.
+constexpr std::uint64_t coverPresentation = platform::hidesDock | platform::hidesMenuBar |
+                                            platform::disablesProcessSwitching | platform::disablesForceQuit |
+                                            platform::disablesSessionTermination | platform::disablesHidingApplication;
+
 constexpr std::int64_t failuresBeforeLockout = 5;
 constexpr double firstLockoutDuration = 30.0;     // seconds
 constexpr double longestLockoutDuration = 1800.0; // seconds
@@ -65,7 +70,12 @@ ScreenCoverService::ScreenCoverService(MainActor mainActor, ScreenCoverAlarm& al
 {
 }
 
-ScreenCoverService::~ScreenCoverService() = default;
+ScreenCoverService::~ScreenCoverService()
+{
+    if (isShowing_) {
+        ports_.activation.setPresentationOptions(platform::defaultPresentation);
+    }
+}
 
 bool ScreenCoverService::show()
 {
@@ -83,11 +93,15 @@ bool ScreenCoverService::show()
             service->buildWindows();
         }
     };
-    screenChangeObserver_ = ports_.notifications.observe(screenParametersChanged, rebuild);
-    ports_.activation.activate(true);
-    if (!windows_.empty()) {
-        windows_.front()->makeKeyAndOrderFront();
-    }
+    screenChangeObserver_ = ports_.notifications.observe(platform::screenParametersChanged, rebuild);
+    const auto holdKeyboard = [weak = anchor_.weak()] {
+        if (auto* const service = weak.get()) {
+            service->takeKeyboard();
+        }
+    };
+    resignObserver_ = ports_.notifications.observe(platform::applicationResignedActive, holdKeyboard);
+    ports_.activation.setPresentationOptions(coverPresentation);
+    takeKeyboard();
     ports_.journal.note("cover.shown", {{"windows", static_cast<std::int64_t>(windows_.size())}});
     return true;
 }
@@ -98,6 +112,8 @@ void ScreenCoverService::hide()
         return;
     }
     screenChangeObserver_.reset();
+    resignObserver_.reset();
+    ports_.activation.setPresentationOptions(platform::defaultPresentation);
     for (const auto& window : windows_) {
         window->orderOut();
     }
@@ -144,6 +160,16 @@ void ScreenCoverService::buildWindows()
     }
     if (!windows_.empty()) {
         windows_.front()->makeKey();
+    }
+}
+
+/// Another application must not have what is typed at the cover, and the presentation options hold only while this one
+/// is active.
+void ScreenCoverService::takeKeyboard()
+{
+    ports_.activation.activate(true);
+    if (!windows_.empty()) {
+        windows_.front()->makeKeyAndOrderFront();
     }
 }
 

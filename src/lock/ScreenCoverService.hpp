@@ -72,6 +72,7 @@ private:
     class Verifying;
 
     void buildWindows();
+    void takeKeyboard();
     [[nodiscard]] std::unique_ptr<ScreenCoverView> makeView();
     Async<void> submit(SecretText passcode, ScreenCoverView::Answered answered);
     PasscodeUnlockOutcome unlock();
@@ -88,6 +89,7 @@ private:
     bool isShowing_ = false;
     std::int64_t failedAttempts_ = 0;
     platform::RegistrationPtr screenChangeObserver_;
+    platform::RegistrationPtr resignObserver_;
     std::int64_t consecutiveFailures_ = 0;
     double nextLockoutDuration_;
     std::optional<Date> lockoutEndDate_;

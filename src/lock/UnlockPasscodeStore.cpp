@@ -3,22 +3,22 @@
 #include "platform/Cryptography.hpp"
 #include "platform/Keychain.hpp"
 #include "platform/Random.hpp"
+#include "platform/SystemConstants.hpp"
 
 #include <utility>
 
 namespace sentrel {
 
+using platform::algorithmPbkdf2;
 using platform::KeychainConstant;
 using platform::KeychainDictionary;
 using platform::KeychainKey;
+using platform::pseudoRandomFunctionHmacSha256;
 
 namespace {
 
-constexpr std::int32_t success = 0;
-constexpr std::int32_t itemNotFound = -25300; // errSecItemNotFound
-
-constexpr std::uint32_t algorithmPbkdf2 = 2;                // kCCPBKDF2
-constexpr std::uint32_t pseudoRandomFunctionHmacSha256 = 3; // kCCPRFHmacAlgSHA256
+constexpr std::int32_t success = platform::securitySuccess;
+constexpr std::int32_t itemNotFound = platform::keychainItemNotFound;
 
 /// Rounds of SHA-256 after the first in the digest of older versions.
 constexpr int furtherLegacyRounds = 99'999;

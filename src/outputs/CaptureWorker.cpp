@@ -14,8 +14,8 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr auto builtInCameraType = "AVCaptureDeviceTypeBuiltInWideAngleCamera";
-constexpr auto photoPreset = "AVCaptureSessionPresetPhoto";
+using platform::builtInCameraType;
+using platform::photoPreset;
 
 constexpr Duration warmUpAtLeast = 1s;
 constexpr Duration warmUpAtMost = 3s;

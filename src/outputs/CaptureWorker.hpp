@@ -2,6 +2,7 @@
 
 #include "outputs/PhotoCaptureDelegate.hpp"
 #include "platform/Camera.hpp"
+#include "platform/CameraConstants.hpp"
 #include "platform/ImageCodec.hpp"
 #include "platform/Journal.hpp"
 #include "platform/StandardOutput.hpp"
@@ -18,8 +19,7 @@
 
 namespace sentrel {
 
-/// The media type of cameras (`AVMediaTypeVideo`).
-inline constexpr auto videoMediaType = "vide";
+using platform::videoMediaType;
 
 /// Takes photos, one capture after another on its own queue, which a capture holds from its start to its end. The
 /// session stays warm between captures and is shut down 15 seconds after the last one.

@@ -1,6 +1,6 @@
 #include "outputs/MediaPlayback.hpp"
 
-#include "foundation/FourCharCode.hpp"
+#include "platform/SystemConstants.hpp"
 #include "runtime/Detached.hpp"
 #include "runtime/Semaphore.hpp"
 
@@ -16,14 +16,7 @@ using namespace std::chrono_literals;
 
 constexpr Duration longestWait = 500ms;
 
-constexpr std::uint32_t bundleIdentifierType = fourCharCode("bund"); // typeApplicationBundleID
-constexpr std::uint32_t anyEvent = fourCharCode("****");             // typeWildCard, as class and as identifier
-
-constexpr std::uint32_t systemDefined = 14;  // NSEventTypeSystemDefined
-constexpr std::int16_t auxiliaryControl = 8; // the subtype of media keys
-constexpr std::uint32_t hidEventTap = 0;     // kCGHIDEventTap
-constexpr std::int64_t playPauseKey = 16;    // NX_KEYTYPE_PLAY, in the upper 16 bits of the data
-constexpr std::uint32_t keyDown = 0x0A;      // in bits 8 to 15 of the flags and of the data
+constexpr std::uint32_t keyDown = 0x0A; // in bits 8 to 15 of the flags and of the data
 constexpr std::uint32_t keyUp = 0x0B;
 
 const std::vector<MediaPlayer>& knownPlayers()
@@ -44,15 +37,15 @@ std::string pauseScript(const MediaPlayer& player)
 
 platform::SystemDefinedEvent playPauseEvent(std::uint32_t keyState)
 {
-    const std::int64_t data = playPauseKey << 16 | static_cast<std::int64_t>(keyState) << 8;
-    return {systemDefined, keyState << 8, auxiliaryControl, data, -1};
+    const std::int64_t data = platform::playPauseKey << 16 | static_cast<std::int64_t>(keyState) << 8;
+    return {platform::systemDefinedEvent, keyState << 8, platform::auxiliaryControl, data, -1};
 }
 
 Async<std::optional<std::int32_t>> determinePermission(platform::Automation& automation, std::string bundleIdentifier,
                                                        bool askUserIfNeeded)
 {
-    return automation.determinePermission(bundleIdentifierType, std::move(bundleIdentifier), anyEvent, anyEvent,
-                                          askUserIfNeeded);
+    return automation.determinePermission(platform::bundleIdentifierType, std::move(bundleIdentifier),
+                                          platform::anyAppleEvent, platform::anyAppleEvent, askUserIfNeeded);
 }
 
 } // namespace
@@ -151,8 +144,8 @@ Async<bool> MediaPlayback::isPermitted(std::string bundleIdentifier)
 
 void MediaPlayback::pressPlayPauseKey()
 {
-    eventPosting_.postSystemDefined(playPauseEvent(keyDown), hidEventTap);
-    eventPosting_.postSystemDefined(playPauseEvent(keyUp), hidEventTap);
+    eventPosting_.postSystemDefined(playPauseEvent(keyDown), platform::hidEventTap);
+    eventPosting_.postSystemDefined(playPauseEvent(keyUp), platform::hidEventTap);
 }
 
 Async<void> MediaPlayback::pauseAllAndWait()

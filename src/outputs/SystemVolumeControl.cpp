@@ -1,6 +1,6 @@
 #include "outputs/SystemVolumeControl.hpp"
 
-#include "foundation/FourCharCode.hpp"
+#include "platform/AudioConstants.hpp"
 
 #include <algorithm>
 #include <array>
@@ -12,23 +12,17 @@ namespace {
 using platform::AudioObjectId;
 using platform::AudioPropertyAddress;
 
-constexpr AudioObjectId systemObject = 1;  // kAudioObjectSystemObject
-constexpr AudioObjectId unknownObject = 0; // kAudioObjectUnknown: what a system without any output answers
+using namespace platform::audio;
 
-constexpr std::uint32_t globalScope = fourCharCode("glob");
-constexpr std::uint32_t outputScope = fourCharCode("outp");
-constexpr AudioPropertyAddress devices{fourCharCode("dev#"), globalScope, 0};
-constexpr AudioPropertyAddress defaultOutput{fourCharCode("dOut"), globalScope, 0};
-constexpr AudioPropertyAddress streamConfiguration{fourCharCode("slay"), outputScope, 0};
-constexpr AudioPropertyAddress transportType{fourCharCode("tran"), globalScope, 0};
-constexpr AudioPropertyAddress deviceUID{fourCharCode("uid "), globalScope, 0};
-constexpr AudioPropertyAddress deviceName{fourCharCode("lnam"), globalScope, 0};
-
-constexpr std::uint32_t builtInTransport = fourCharCode("bltn");
-constexpr std::uint32_t muteSelector = fourCharCode("mute");
+constexpr AudioPropertyAddress devices{devicesSelector, globalScope, 0};
+constexpr AudioPropertyAddress defaultOutput{defaultOutputSelector, globalScope, 0};
+constexpr AudioPropertyAddress streamConfiguration{streamConfigurationSelector, outputScope, 0};
+constexpr AudioPropertyAddress transportType{transportTypeSelector, globalScope, 0};
+constexpr AudioPropertyAddress deviceUID{deviceUIDSelector, globalScope, 0};
+constexpr AudioPropertyAddress deviceName{nameSelector, globalScope, 0};
 
 // Devices expose the virtual main volume, the plain one, or both; the first is preferred for reading.
-constexpr std::array<std::uint32_t, 2> volumeSelectors{fourCharCode("vmvc"), fourCharCode("volm")};
+constexpr std::array<std::uint32_t, 2> volumeSelectors{virtualMainVolumeSelector, volumeScalarSelector};
 
 // The main element and the first channels.
 constexpr std::array<std::uint32_t, 5> outputElements{0, 1, 2, 3, 4};

@@ -1,6 +1,7 @@
 #include "outputs/ToneEngine.hpp"
 
 #include "outputs/ToneBuffer.hpp"
+#include "platform/AudioConstants.hpp"
 
 #include <utility>
 
@@ -8,8 +9,9 @@ namespace sentrel {
 
 namespace {
 
-constexpr std::uint32_t currentDeviceProperty = 2000; // kAudioOutputUnitProperty_CurrentDevice
-constexpr std::uint32_t globalUnitScope = 0;          // kAudioUnitScope_Global
+using platform::audio::currentDeviceProperty;
+using platform::audio::globalUnitScope;
+
 constexpr std::uint32_t channelCount = 1;
 
 std::unique_ptr<platform::AudioBuffer> makeTone(platform::AudioEngine& engine, const platform::AudioFormat& format,

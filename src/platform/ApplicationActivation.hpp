@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstdint>
+
 namespace sentrel::platform {
 
 /// This application among the others. Main thread.
@@ -9,6 +11,10 @@ public:
 
     /// `activateIgnoringOtherApps:`.
     virtual void activate(bool ignoringOtherApplications) = 0;
+
+    /// `setPresentationOptions:` with `NSApplicationPresentationOptions`: what the person cannot do while the
+    /// application is active. Those that disable something, and that which hides the menu bar, need the Dock hidden.
+    virtual void setPresentationOptions(std::uint64_t options) = 0;
 };
 
 } // namespace sentrel::platform

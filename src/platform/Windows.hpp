@@ -42,6 +42,10 @@ struct WindowDescription {
     std::uint32_t screenNumber = 0;
     bool canBecomeKey = false;  ///< what the window's class answers
     bool canBecomeMain = false; ///< likewise
+
+    /// Whether it is a panel (`NSPanel`) that has the keyboard also while another application is active, or while a
+    /// modal panel of this one runs.
+    bool keepsKeyboard = false;
 };
 
 /// What a window asks before it acts (`NSWindowDelegate`); an empty function lets it act. Main thread.

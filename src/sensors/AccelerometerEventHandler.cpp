@@ -1,5 +1,7 @@
 #include "sensors/AccelerometerEventHandler.hpp"
 
+#include "platform/SystemConstants.hpp"
+
 #include <utility>
 
 namespace sentrel {
@@ -7,13 +9,6 @@ namespace sentrel {
 namespace {
 
 constexpr const char* queueLabel = "pelma.Sentrel.motion.accelerometer";
-constexpr const char* usagePageKey = "PrimaryUsagePage";    // kIOHIDPrimaryUsagePageKey
-constexpr const char* usageKey = "PrimaryUsage";            // kIOHIDPrimaryUsageKey
-constexpr const char* reportIntervalKey = "ReportInterval"; // kIOHIDReportIntervalKey
-constexpr std::uint32_t accelerometerEvent = 13;            // kIOHIDEventTypeAccelerometer
-constexpr std::uint32_t fieldX = 0xD0000;                   // the event type in the upper 16 bits
-constexpr std::uint32_t fieldY = 0xD0001;
-constexpr std::uint32_t fieldZ = 0xD0002;
 
 } // namespace
 
@@ -22,7 +17,7 @@ std::unique_ptr<platform::HidClient> makeMatchingClient(platform::HidEventSystem
 {
     auto client = events.createClient();
     if (client != nullptr) {
-        client->setMatching({{usagePageKey, usagePage}, {usageKey, usage}});
+        client->setMatching({{platform::primaryUsagePageKey, usagePage}, {platform::primaryUsageKey, usage}});
     }
     return client;
 }
@@ -51,7 +46,7 @@ bool AccelerometerEventHandler::start(std::int64_t usagePage, std::int64_t usage
         return false;
     }
     for (const auto& service : *services) {
-        service->setProperty(reportIntervalKey, reportInterval);
+        service->setProperty(platform::reportIntervalKey, reportInterval);
     }
     setRunning(true);
     client_ = std::move(client);
@@ -80,10 +75,11 @@ std::unique_ptr<platform::HidClient> AccelerometerEventHandler::detachClient()
 
 void AccelerometerEventHandler::receive(const platform::HidEvent* event)
 {
-    if (event == nullptr || !isRunning() || event->type() != accelerometerEvent) {
+    if (event == nullptr || !isRunning() || event->type() != platform::accelerometerEvent) {
         return;
     }
-    onSample_(event->floatValue(fieldX), event->floatValue(fieldY), event->floatValue(fieldZ));
+    onSample_(event->floatValue(platform::accelerometerFieldX), event->floatValue(platform::accelerometerFieldY),
+              event->floatValue(platform::accelerometerFieldZ));
 }
 
 bool AccelerometerEventHandler::isRunning()

@@ -1,6 +1,7 @@
 #include "sensors/LidMonitor.hpp"
 
 #include "foundation/Fatal.hpp"
+#include "platform/WindowConstants.hpp"
 #include "runtime/WeakCall.hpp"
 
 #include <cstdint>
@@ -15,7 +16,6 @@ using namespace std::chrono_literals;
 constexpr Duration lidPollingInterval = 2s;
 constexpr const char* rootDomainClass = "IOPMrootDomain";
 constexpr const char* clamshellStateKey = "AppleClamshellState";
-constexpr const char* screensDidSleep = "NSWorkspaceScreensDidSleepNotification";
 
 } // namespace
 
@@ -42,7 +42,7 @@ void LidMonitor::start()
     stop();
     const auto check = weakCall(mainActor_, anchor_.weak(), &LidMonitor::check);
     wasLidOpen_ = !isLidClosed();
-    observer_ = workspace_.observe(screensDidSleep, check);
+    observer_ = workspace_.observe(platform::screensDidSleep, check);
     Scheduler& scheduler = mainActor_.scheduler();
     timer_ = std::make_unique<RepeatingTimer>(scheduler, scheduler.mainExecutor(), lidPollingInterval, check);
 }

@@ -1,11 +1,14 @@
 #include "sensors/MotionMonitor.hpp"
 
+#include "platform/SystemConstants.hpp"
+
 namespace sentrel {
 
 namespace {
 
-constexpr std::int64_t appleVendorPage = 0xFF00; // kHIDPage_AppleVendor
-constexpr std::int64_t accelerometerUsage = 3;
+using platform::accelerometerUsage;
+using platform::appleVendorPage;
+
 constexpr std::int64_t reportInterval = 20'000; // microseconds: 50 samples a second
 constexpr double thresholdBeforeFirstStart = 0.5;
 

@@ -1,20 +1,15 @@
 #include "sensors/PowerAssertion.hpp"
 
+#include "platform/SystemConstants.hpp"
+
 namespace sentrel {
-
-namespace {
-
-constexpr const char* assertionType = "PreventUserIdleSystemSleep"; // kIOPMAssertPreventUserIdleSystemSleep
-constexpr std::uint32_t levelOn = 255;                              // kIOPMAssertionLevelOn
-
-} // namespace
 
 void PowerAssertion::acquire(const std::string& reason)
 {
     if (isActive_) {
         return;
     }
-    const auto created = assertions_.create(assertionType, levelOn, reason);
+    const auto created = assertions_.create(platform::preventIdleSleepAssertion, platform::assertionLevelOn, reason);
     if (created.status != 0) {
         return;
     }

@@ -1,5 +1,6 @@
 #include "sensors/PowerMonitor.hpp"
 
+#include "platform/SystemConstants.hpp"
 #include "runtime/WeakCall.hpp"
 
 #include <string_view>
@@ -11,8 +12,8 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr Duration powerPollingInterval = 5s;
-constexpr std::string_view stateKey = "Power Source State"; // kIOPSPowerSourceStateKey
-constexpr std::string_view acPowerValue = "AC Power";       // kIOPSACPowerValue
+constexpr std::string_view stateKey = platform::powerSourceStateKey;
+constexpr std::string_view acPowerValue = platform::acPowerValue;
 
 } // namespace
 

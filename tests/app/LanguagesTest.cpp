@@ -81,7 +81,9 @@ TEST(Languages, EveryTableIsThereSoundAndHasEachTextOnce)
 {
     std::vector<std::string> found;
     for (const auto& entry : fs::directory_iterator{root / "resources"}) {
-        found.push_back(entry.path().stem().string());
+        if (entry.path().extension() == ".lproj") {
+            found.push_back(entry.path().stem().string());
+        }
     }
     std::ranges::sort(found);
     EXPECT_THAT(found, testing::ElementsAreArray(languages));
@@ -116,9 +118,10 @@ TEST(Languages, EveryTableTranslatesWhatTheEnglishOneHasWithTheSamePlaceholders)
     }
 }
 
-TEST(Languages, EveryPromptOfTheSystemIsTranslated)
+TEST(Languages, EveryTextThatTheSystemShowsOfTheBundleIsTranslated)
 {
-    constexpr const char* pattern = R"(<key>(NS\w+UsageDescription)</key>\s*<string>([^<]*)</string>)";
+    constexpr const char* pattern =
+        R"(<key>(NS\w+UsageDescription|NSHumanReadableCopyright)</key>\s*<string>([^<]*)</string>)";
     const std::string list = contentOf(root / "src" / "platform" / "macos" / "Info.plist.in");
     simulated::StringsTable prompts;
     const std::regex expression{pattern};

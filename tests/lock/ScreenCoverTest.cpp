@@ -1,4 +1,5 @@
 #include "lock/CoverMac.hpp"
+#include "platform/WindowConstants.hpp"
 #include "runtime/ThreadScheduler.hpp"
 #include "runtime/VirtualScheduler.hpp"
 #include "ui/Description.hpp"
@@ -89,6 +90,59 @@ TEST_F(ScreenCoverTest, LiesOverEveryDisplayAndOverEverythingOnIt)
     EXPECT_EQ(mac_.displays.covers().size(), 2U);
     ASSERT_EQ(mac_.journal.named("cover.shown").size(), 1U);
     EXPECT_EQ(std::get<std::int64_t>(*mac_.journal.named("cover.shown")[0].find("windows")), 2);
+}
+
+TEST_F(ScreenCoverTest, TheKeyboardLeadsNowhereElseUntilThePasscodeHasBeenTyped)
+{
+    const auto disabled = [&] {
+        std::vector<bool> answers;
+        for (const auto option : {platform::disablesProcessSwitching, platform::disablesForceQuit,
+                                  platform::disablesSessionTermination, platform::hidesMenuBar}) {
+            answers.push_back(mac_.activation.isDisabled(option));
+        }
+        return answers;
+    };
+    mac_.activation.activate(true);
+    EXPECT_THAT(disabled(), testing::Each(false));
+    showWithPasscode();
+    EXPECT_THAT(disabled(), testing::Each(true));
+    mac_.displays.setCount(2);
+    clock_.runReady();
+    EXPECT_THAT(disabled(), testing::Each(true));
+
+    mac_.activation.deactivate();
+    EXPECT_FALSE(mac_.displays.type("2468")) << "another application has the keyboard";
+    mac_.displays.post("NSApplicationDidResignActiveNotification");
+    clock_.runReady();
+    EXPECT_THAT(disabled(), testing::Each(true));
+    enter("2468");
+    EXPECT_FALSE(mac_.cover->isShowing());
+    EXPECT_TRUE(mac_.activation.isActive());
+    EXPECT_THAT(disabled(), testing::Each(false));
+
+    mac_.activation.deactivate();
+    mac_.displays.post("NSApplicationDidResignActiveNotification");
+    clock_.runReady();
+    EXPECT_FALSE(mac_.activation.isActive()) << "an open Mac lets other applications be";
+    ASSERT_TRUE(mac_.cover->show());
+    mac_.cover.reset();
+    EXPECT_THAT(disabled(), testing::Each(false));
+}
+
+TEST_F(ScreenCoverTest, ThePasscodeCanBeTypedAlsoWhenTheSystemLeavesAnotherApplicationActive)
+{
+    mac_.activation.refuseActivation(true);
+    showWithPasscode();
+    EXPECT_FALSE(mac_.activation.isActive());
+    enter("2468");
+    EXPECT_FALSE(mac_.cover->isShowing());
+
+    ASSERT_TRUE(mac_.cover->show());
+    mac_.activation.deactivate();
+    mac_.displays.post("NSApplicationDidResignActiveNotification");
+    clock_.runReady();
+    enter("2468");
+    EXPECT_FALSE(mac_.cover->isShowing());
 }
 
 TEST_F(ScreenCoverTest, WithoutAPasscodeNothingIsCovered)

@@ -2,30 +2,14 @@
 
 #include "platform/CloudError.hpp"
 #include "platform/macos/FoundationText.hpp"
-
-#import <Security/Security.h>
+#include "platform/macos/Signature.hpp"
 
 namespace sentrel::macos {
-
-namespace {
-
-bool isSignedForCloud()
-{
-    const id task = CFBridgingRelease(SecTaskCreateFromSelf(kCFAllocatorDefault));
-    if (task == nil) {
-        return false;
-    }
-    const id services = CFBridgingRelease(SecTaskCopyValueForEntitlement(
-        (__bridge SecTaskRef)task, CFSTR("com.apple.developer.icloud-services"), nullptr));
-    return services != nil;
-}
-
-} // namespace
 
 CKContainer* CloudContainer::open()
 {
     if (container_ == nil) {
-        if (!isSignedForCloud()) {
+        if (!isSignedWith(@"com.apple.developer.icloud-services")) {
             throw platform::CloudError{textOf(CKErrorDomain), CKErrorMissingEntitlement,
                                        "this build is not signed for iCloud"};
         }

@@ -7,6 +7,8 @@
 #include "platform/macos/Placing.hpp"
 #include "ui/Node.hpp"
 
+#import <QuartzCore/QuartzCore.h>
+
 #include <algorithm>
 #include <utility>
 

@@ -3,6 +3,8 @@
 #include "platform/macos/Placing.hpp"
 #include "ui/Node.hpp"
 
+#import <QuartzCore/QuartzCore.h>
+
 #include <utility>
 
 // Forms: sections of settings, each on a card, whose labels and controls stand in line.

@@ -8,6 +8,7 @@ namespace sentrel::macos {
 class MacApplicationActivation final : public platform::ApplicationActivation {
 public:
     void activate(bool ignoringOtherApplications) override;
+    void setPresentationOptions(std::uint64_t options) override;
 };
 
 } // namespace sentrel::macos

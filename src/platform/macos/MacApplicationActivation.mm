@@ -12,4 +12,9 @@ void MacApplicationActivation::activate(bool ignoringOtherApplications)
 #pragma clang diagnostic pop
 }
 
+void MacApplicationActivation::setPresentationOptions(std::uint64_t options)
+{
+    NSApp.presentationOptions = static_cast<NSApplicationPresentationOptions>(options);
+}
+
 } // namespace sentrel::macos

@@ -1,6 +1,7 @@
 #include "platform/macos/MacKeychain.hpp"
 
 #include "platform/macos/FoundationText.hpp"
+#include "platform/macos/Signature.hpp"
 
 #import <Foundation/Foundation.h>
 #import <Security/Security.h>
@@ -60,10 +61,21 @@ struct NativeValue {
     }
 };
 
+/// The data-protection keychain is there for signatures with an application identifier only. It refuses others all
+/// calls; for these the login keychain takes its place, and holds the same items.
+bool hasDataProtectionKeychain()
+{
+    static const bool isSigned = isSignedWith(@"com.apple.application-identifier");
+    return isSigned;
+}
+
 NSDictionary* nativeDictionary(const KeychainDictionary& dictionary)
 {
     NSMutableDictionary* const native = [NSMutableDictionary dictionaryWithCapacity:dictionary.size()];
     for (const auto& [key, value] : dictionary) {
+        if (key == KeychainKey::useDataProtectionKeychain && !hasDataProtectionKeychain()) {
+            continue;
+        }
         native[(__bridge NSString*)nativeKey(key)] = std::visit(NativeValue{}, value);
     }
     return native;

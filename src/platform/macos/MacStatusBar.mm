@@ -28,6 +28,10 @@
         [panel dismiss];
         return;
     }
+    // The system draws status items in a process of its own, so that a click on ours counts as one elsewhere, too.
+    if ([panel wasJustDismissed]) {
+        return;
+    }
     // First, so that the menu opens with what has changed.
     if (const auto told = opened) {
         told();

@@ -28,6 +28,25 @@
 }
 @end
 
+/// The same of a panel.
+@interface SentrelPanel : NSPanel {
+@public
+    BOOL mayBecomeKey;
+    BOOL mayBecomeMain;
+}
+@end
+
+@implementation SentrelPanel
+- (BOOL)canBecomeKeyWindow
+{
+    return mayBecomeKey;
+}
+- (BOOL)canBecomeMainWindow
+{
+    return mayBecomeMain;
+}
+@end
+
 namespace sentrel::macos {
 
 namespace {
@@ -103,18 +122,42 @@ NSScreen* screenOf(std::uint32_t number)
     return nil;
 }
 
+NSWindow* makePanel(const platform::WindowDescription& description)
+{
+    const auto style = static_cast<NSWindowStyleMask>(description.styleMask) | NSWindowStyleMaskNonactivatingPanel;
+    SentrelPanel* const panel =
+        [[SentrelPanel alloc] initWithContentRect:rectOf(description.contentRectangle)
+                                        styleMask:style
+                                          backing:static_cast<NSBackingStoreType>(description.backing)
+                                            defer:description.isDeferred
+                                           screen:screenOf(description.screenNumber)];
+    panel->mayBecomeKey = description.canBecomeKey;
+    panel->mayBecomeMain = description.canBecomeMain;
+    panel.hidesOnDeactivate = NO;
+    panel.becomesKeyOnlyIfNeeded = NO;
+    panel.worksWhenModal = YES;
+    return panel;
+}
+
+NSWindow* makeNativeWindow(const platform::WindowDescription& description)
+{
+    if (description.keepsKeyboard) {
+        return makePanel(description);
+    }
+    SentrelWindow* const window =
+        [[SentrelWindow alloc] initWithContentRect:rectOf(description.contentRectangle)
+                                         styleMask:static_cast<NSWindowStyleMask>(description.styleMask)
+                                           backing:static_cast<NSBackingStoreType>(description.backing)
+                                             defer:description.isDeferred
+                                            screen:screenOf(description.screenNumber)];
+    window->mayBecomeKey = description.canBecomeKey;
+    window->mayBecomeMain = description.canBecomeMain;
+    return window;
+}
+
 class MacWindow final : public platform::Window {
 public:
-    explicit MacWindow(const platform::WindowDescription& description)
-        : window_([[SentrelWindow alloc] initWithContentRect:rectOf(description.contentRectangle)
-                                                   styleMask:static_cast<NSWindowStyleMask>(description.styleMask)
-                                                     backing:static_cast<NSBackingStoreType>(description.backing)
-                                                       defer:description.isDeferred
-                                                      screen:screenOf(description.screenNumber)])
-    {
-        window_->mayBecomeKey = description.canBecomeKey;
-        window_->mayBecomeMain = description.canBecomeMain;
-    }
+    explicit MacWindow(const platform::WindowDescription& description) : window_(makeNativeWindow(description)) {}
     ~MacWindow() override
     {
         window_.delegate = nil;
@@ -188,7 +231,7 @@ public:
     void orderOut() override { [window_ orderOut:nil]; }
 
 private:
-    SentrelWindow* window_;
+    NSWindow* window_;
     SentrelHostView* host_ = nil;
     SentrelWindowDelegate* delegate_ = nil;
 };

@@ -12,6 +12,9 @@
 - (void)open;
 - (void)dismiss;
 
+/// Whether it closed a moment ago: the click that has closed it may also be the item's own, and must not open it again.
+- (BOOL)wasJustDismissed;
+
 /// As large as its content, at its place; after the content has changed.
 - (void)fit;
 @end

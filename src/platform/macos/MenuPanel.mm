@@ -2,6 +2,8 @@
 
 #include "platform/macos/Placing.hpp"
 
+#import <QuartzCore/QuartzCore.h>
+
 #include <algorithm>
 
 namespace {
@@ -9,6 +11,7 @@ namespace {
 constexpr double cornerRadius = 10.0;
 constexpr double gapBelowBar = 4.0;
 constexpr double screenMargin = 8.0;
+constexpr NSTimeInterval oneClick = 0.2;
 
 /// The ground of menus, with their rounded corners.
 NSVisualEffectView* makeGround()
@@ -31,6 +34,7 @@ NSVisualEffectView* makeGround()
 @implementation SentrelMenuPanel {
     __weak NSStatusBarButton* _button;
     id _clickMonitor;
+    NSTimeInterval _dismissedAt;
 }
 
 - (instancetype)initForButton:(NSStatusBarButton*)button
@@ -73,7 +77,8 @@ NSVisualEffectView* makeGround()
 {
     [self fit];
     [self makeKeyAndOrderFront:nil];
-    [_button highlight:YES];
+    // Once the button is done with the click that has opened the menu, at whose end it takes its highlight back.
+    [self performSelector:@selector(highlightButton) withObject:nil afterDelay:0.0 inModes:@[ NSDefaultRunLoopMode ]];
     [host windowDidAppear];
     if (_clickMonitor == nil) {
         __weak SentrelMenuPanel* const weakSelf = self;
@@ -86,8 +91,22 @@ NSVisualEffectView* makeGround()
     }
 }
 
+- (void)highlightButton
+{
+    [_button highlight:YES];
+}
+
+- (BOOL)wasJustDismissed
+{
+    return NSProcessInfo.processInfo.systemUptime - _dismissedAt < oneClick;
+}
+
 - (void)dismiss
 {
+    [NSObject cancelPreviousPerformRequestsWithTarget:self selector:@selector(highlightButton) object:nil];
+    if (self.visible) {
+        _dismissedAt = NSProcessInfo.processInfo.systemUptime;
+    }
     if (_clickMonitor != nil) {
         [NSEvent removeMonitor:_clickMonitor];
         _clickMonitor = nil;

@@ -2,7 +2,11 @@
 
 #include "platform/ApplicationActivation.hpp"
 
+#include "platform/WindowConstants.hpp"
+
 #include <atomic>
+#include <cstdint>
+#include <stdexcept>
 
 namespace sentrel::simulated {
 
@@ -12,18 +16,43 @@ public:
     /// Brings the application to the front; without ignoring the others, the one in front keeps its place.
     void activate(bool ignoringOtherApplications) override
     {
-        if (ignoringOtherApplications) {
+        if (ignoringOtherApplications && !isRefused_) {
             isActive_ = true;
         }
     }
 
-    /// The user turns to another application.
-    void deactivate() { isActive_ = false; }
+    /// Throws where AppKit raises an exception.
+    void setPresentationOptions(std::uint64_t options) override
+    {
+        if (options != platform::defaultPresentation && (options & platform::hidesDock) == 0) {
+            throw std::invalid_argument{"these presentation options need the Dock hidden"};
+        }
+        options_ = options;
+    }
+
+    /// From now on the system lets the application in front keep its place, as it may when the person uses that one.
+    void refuseActivation(bool isRefused) { isRefused_ = isRefused; }
+
+    /// Another application takes the place in front, and the keyboard with it.
+    void deactivate()
+    {
+        isActive_ = false;
+        ++losses_;
+    }
 
     [[nodiscard]] bool isActive() const { return isActive_; }
 
+    /// Whether this is disabled now: a presentation option holds while the application is active.
+    [[nodiscard]] bool isDisabled(std::uint64_t option) const { return isActive_ && (options_ & option) != 0; }
+
+    /// How often another application has taken the keyboard.
+    [[nodiscard]] std::uint64_t losses() const { return losses_; }
+
 private:
     std::atomic<bool> isActive_ = false;
+    std::atomic<bool> isRefused_ = false;
+    std::atomic<std::uint64_t> options_ = platform::defaultPresentation;
+    std::atomic<std::uint64_t> losses_ = 0;
 };
 
 } // namespace sentrel::simulated

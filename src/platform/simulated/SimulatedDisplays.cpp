@@ -31,6 +31,12 @@ SimulatedDisplays::SimulatedDisplays(Scheduler& process, platform::Journal& jour
                                      SimulatedApplicationActivation& activation, std::size_t count)
     : journal_(journal), activation_(activation), count_(count), notifications_(process.mainExecutor())
 {
+    windows_.onKey = [this] {
+        keyGivenAfter_ = activation_.losses();
+        if (keyGiven_) {
+            keyGiven_();
+        }
+    };
 }
 
 SimulatedDisplays::~SimulatedDisplays() = default;
@@ -225,7 +231,10 @@ std::vector<SimulatedDisplays::WindowPtr> SimulatedDisplays::visibleCovers() con
 
 SimulatedDisplays::WindowPtr SimulatedDisplays::keyWindow() const
 {
-    return activation_.isActive() ? windows_.key() : nullptr;
+    const WindowPtr window = windows_.key();
+    const bool hasKeyboard = activation_.isActive() || (window != nullptr && window->description.keepsKeyboard &&
+                                                        keyGivenAfter_ == activation_.losses());
+    return hasKeyboard ? window : nullptr;
 }
 
 /// The window, if it can be got at: the covers lie over every other.

@@ -56,7 +56,7 @@ public:
     [[nodiscard]] bool isCovered(std::size_t display) const;
 
     /// Calls back, in the call that does it, when a window is given the keyboard.
-    void onKeyWindow(std::function<void()> given) { windows_.onKey = std::move(given); }
+    void onKeyWindow(std::function<void()> given) { keyGiven_ = std::move(given); }
 
     /// The visible windows below the shielding level, the one in front first.
     [[nodiscard]] std::vector<WindowState> windows() const;
@@ -117,6 +117,8 @@ private:
     SimulatedApplicationActivation& activation_;
     std::size_t count_;
     WindowList windows_;
+    std::function<void()> keyGiven_;
+    std::uint64_t keyGivenAfter_ = 0; ///< so many times another application had taken the keyboard
     FaultSwitches faults_{"no-screens", "notification"};
     NotificationHub notifications_;
 };

@@ -149,6 +149,16 @@ SqlPart conditionOf(const platform::CloudPredicate& predicate)
     return whole;
 }
 
+std::vector<std::pair<std::string, std::string>> comparisonsOf(const platform::CloudPredicate& predicate)
+{
+    const std::vector<std::string> words = wordsOf(predicate.format);
+    std::vector<std::pair<std::string, std::string>> comparisons;
+    for (std::size_t place = 0; place + 2 < words.size(); place += 4) {
+        comparisons.emplace_back(words[place], words[place + 1]);
+    }
+    return comparisons;
+}
+
 SqlPart orderOf(const std::string& sortKey)
 {
     if (const std::string_view column = columnOf(sortKey); !column.empty()) {

@@ -4,6 +4,7 @@
 #include "platform/simulated/icloud/Sqlite.hpp"
 
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace sentrel::simulated {
@@ -18,6 +19,9 @@ struct SqlPart {
 /// %@", joined by "AND"; a field holds only what is of its argument's kind. Any other throws error 12 (invalid
 /// arguments).
 [[nodiscard]] SqlPart conditionOf(const platform::CloudPredicate& predicate);
+
+/// Fields and operators of the comparisons in a predicate that `conditionOf` understands.
+[[nodiscard]] std::vector<std::pair<std::string, std::string>> comparisonsOf(const platform::CloudPredicate& predicate);
 
 /// What a query sorts by; records without the field come first.
 [[nodiscard]] SqlPart orderOf(const std::string& sortKey);

@@ -4,6 +4,7 @@
 #include "platform/WallClock.hpp"
 #include "platform/simulated/icloud/BatchWriter.hpp"
 #include "platform/simulated/icloud/CloudErrorNames.hpp"
+#include "platform/simulated/icloud/CloudSchema.hpp"
 #include "platform/simulated/icloud/CloudStore.hpp"
 
 #include <nlohmann/json.hpp>
@@ -192,6 +193,8 @@ std::filesystem::path PrivateCloud::fileOf(const std::string& user) const
 ServerPage PrivateCloud::query(const CloudDevice& who, const platform::CloudQuery& query,
                                const platform::CloudDesiredKeys& wanted, std::size_t limit)
 {
+    static_cast<void>(conditionOf(query.predicate)); // refuses what is not understood
+    requireIndexes(query.recordType, query.predicate, query.sortKey);
     return serve(who.user, [&](CloudStore& store) {
         Cursor all;
         all.user = who.user;
@@ -270,6 +273,7 @@ void PrivateCloud::saveSubscription(const CloudDevice& who, const platform::Clou
         throw cloudError(CKError::invalidArguments);
     }
     static_cast<void>(conditionOf(subscription.predicate)); // refuses what is not understood
+    requireIndexes(subscription.recordType, subscription.predicate);
     serve(who.user, [&](CloudStore& store) { store.saveSubscription(subscription); });
 }
 
