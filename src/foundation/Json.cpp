@@ -190,10 +190,8 @@ Json jsonNumber(float value)
     if (!std::isfinite(value)) {
         return Json(static_cast<double>(value)); // refused when it is encoded
     }
-    const std::string text = shortest(value);
-    double number = 0.0;
-    std::from_chars(text.data(), text.data() + text.size(), number);
-    return Json(number);
+    // Read by the JSON parser: Apple's library has no `std::from_chars` for floating-point numbers.
+    return Json(Json::parse(shortest(value)).get<double>());
 }
 
 } // namespace sentrel
