@@ -53,7 +53,7 @@ CloudKitService::CloudKitService(MainActor actor, Ports ports)
     : actor_(actor),
       ports_(ports),
       alerts_(actor, {ports.database, ports.files, ports.host, ports.language, ports.journal},
-              {ports.files, ports.host, ports.defaults, ports.random, ports.wallClock}, cacheDirectory(ports.host),
+              {ports.files, ports.host, ports.defaults, ports.random}, cacheDirectory(ports.host),
               ports.defaults.text(cacheOwnerKey)),
       subscriptions_(actor, ports.database, ports.wallClock,
                      [this](const std::exception& error) { return userFacingMessage(error); })

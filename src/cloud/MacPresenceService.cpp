@@ -2,16 +2,15 @@
 
 #include "cloud/AsyncTimeout.hpp"
 #include "cloud/PresenceTimes.hpp"
+#include "core/RandomUUID.hpp"
 #include "foundation/UUID.hpp"
 #include "platform/HostInfo.hpp"
 #include "platform/Journal.hpp"
-#include "platform/Random.hpp"
 #include "platform/UserDefaults.hpp"
 #include "platform/WallClock.hpp"
 #include "runtime/Sleep.hpp"
 
 #include <algorithm>
-#include <cstring>
 #include <utility>
 
 // The Mac's own state. The phone's commands are in RemoteCommands.cpp.
@@ -167,13 +166,7 @@ std::string MacPresenceService::deviceID()
     if (stored && UUID::parse(*stored)) {
         return *stored;
     }
-    UUID::Octets octets{};
-    if (!ports_.random.fill(octets)) {
-        // A fixed identifier would be shared with other Macs; the clock's reading hardly is.
-        const double now = ports_.wallClock.now().secondsSinceReferenceDate;
-        std::memcpy(octets.data(), &now, sizeof now);
-    }
-    std::string made = UUID::fromRandom(octets).text();
+    std::string made = randomUUID(ports_.random).text();
     ports_.defaults.setText(deviceIDKey, made);
     return made;
 }

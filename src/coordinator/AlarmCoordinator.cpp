@@ -181,7 +181,7 @@ void AlarmCoordinator::refreshMotionWarning(const AlarmSettings& settings)
 Async<void> AlarmCoordinator::refreshCameraWarning()
 {
     const bool isGranted = co_await with_.camera.requestAccess();
-    if (!isArmed) {
+    if (!isArmed || !with_.settings.settings().capturePhoto) {
         co_return;
     }
     if (isGranted) {
