@@ -8,7 +8,7 @@ namespace sentrel {
 SentrelApp::SentrelApp(platform::Platform& platform)
     : actor_(platform.scheduler),
       isComputerCompatible_(isCompatibleComputer(platform.host)),
-      settings_(platform.defaults),
+      settings_(actor_, platform.defaults),
       alertStore_(actor_, platform.files, platform.host),
       mediaPlayback_(actor_, platform.runningApplications, platform.automation, platform.eventPosting),
       outputVolume_(platform.audioHardware, platform.language),

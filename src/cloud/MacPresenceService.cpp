@@ -8,6 +8,7 @@
 #include "platform/Journal.hpp"
 #include "platform/UserDefaults.hpp"
 #include "platform/WallClock.hpp"
+#include "runtime/AssertOnMainActor.hpp"
 #include "runtime/Sleep.hpp"
 
 #include <algorithm>
@@ -37,6 +38,7 @@ MacPresenceService::MacPresenceService(MainActor actor, bool isCompatibleCompute
 
 void MacPresenceService::start()
 {
+    assertOnMainActor(actor_);
     if (hasStarted_) {
         return;
     }
@@ -49,6 +51,7 @@ void MacPresenceService::start()
 
 void MacPresenceService::stopHeartbeat()
 {
+    assertOnMainActor(actor_);
     if (heartbeatTask_) {
         heartbeatTask_.cancel();
         heartbeatTask_ = {};
@@ -57,6 +60,7 @@ void MacPresenceService::stopHeartbeat()
 
 void MacPresenceService::systemDidWake()
 {
+    assertOnMainActor(actor_);
     startPublication();
     pollSoon();
 }
@@ -80,6 +84,7 @@ void MacPresenceService::startPublication()
 /// and that is rare. Only the heartbeat, which has nothing new to say, waits.
 Async<void> MacPresenceService::publishState()
 {
+    assertOnMainActor(actor_);
     // The present publication may have told an older state already. One that hasn't begun serves every caller.
     if (!nextPublication_) {
         nextPublication_ = actor_.spawn(publishAfter(publication_));
@@ -147,6 +152,7 @@ Async<bool> MacPresenceService::publishIfAvailable()
 
 void MacPresenceService::setPushTokenRegistered(bool isRegistered)
 {
+    assertOnMainActor(actor_);
     const bool wasRegistered = std::exchange(pushTokenRegistered_, isRegistered);
     if (isRegistered) {
         startPublication();
@@ -162,6 +168,7 @@ bool MacPresenceService::pushTokenRegistered() const
 
 std::string MacPresenceService::deviceID()
 {
+    assertOnMainActor(actor_);
     const auto stored = ports_.defaults.text(deviceIDKey);
     if (stored && UUID::parse(*stored)) {
         return *stored;

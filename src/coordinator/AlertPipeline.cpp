@@ -13,6 +13,7 @@
 #include "platform/HostInfo.hpp"
 #include "platform/Journal.hpp"
 #include "platform/WallClock.hpp"
+#include "runtime/AssertOnMainActor.hpp"
 
 #include <chrono>
 #include <limits>
@@ -33,6 +34,7 @@ constexpr Duration longestCloudCall = 15s;
 
 void AlarmCoordinator::trigger(TriggerReason reason)
 {
+    assertOnMainActor(actor_);
     if (!isArmed) {
         return;
     }
@@ -50,6 +52,7 @@ void AlarmCoordinator::trigger(TriggerReason reason)
 
 void AlarmCoordinator::stopAlarm()
 {
+    assertOnMainActor(actor_);
     isAlarmActive = false;
     with_.soundPlayer.stop();
     statusMessage = localized(isArmed ? "Armed" : "Disarmed");
@@ -235,12 +238,14 @@ void AlarmCoordinator::clearNotices()
 
 void AlarmCoordinator::showLocalSaveNotice()
 {
+    assertOnMainActor(actor_);
     showingLocalSaveNotice = true;
     lastError = localized("Alert saved on this Mac. It will upload when iCloud is available.");
 }
 
 void AlarmCoordinator::clearLocalSaveNoticeIfResolved()
 {
+    assertOnMainActor(actor_);
     if (showingLocalSaveNotice && with_.alertStore.alertsWaitingForUpload().empty()) {
         clearNotices();
     }

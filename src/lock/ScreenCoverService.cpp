@@ -9,6 +9,7 @@
 #include "platform/Journal.hpp"
 #include "platform/WallClock.hpp"
 #include "platform/Windows.hpp"
+#include "runtime/AssertOnMainActor.hpp"
 
 #include <algorithm>
 #include <cmath>
@@ -69,6 +70,7 @@ ScreenCoverService::~ScreenCoverService() = default;
 
 bool ScreenCoverService::show()
 {
+    assertOnMainActor(mainActor_);
     if (isShowing_) {
         return true;
     }
@@ -94,6 +96,7 @@ bool ScreenCoverService::show()
 
 void ScreenCoverService::hide()
 {
+    assertOnMainActor(mainActor_);
     if (!isShowing_) {
         return;
     }
@@ -108,6 +111,7 @@ void ScreenCoverService::hide()
 
 Async<PasscodeUnlockOutcome> ScreenCoverService::attempt(SecretText passcode)
 {
+    assertOnMainActor(mainActor_);
     if (const auto end = lockoutEnd()) {
         co_return noted({Case::lockedOut, *end});
     }
@@ -132,6 +136,7 @@ std::optional<Date> ScreenCoverService::lockoutEnd() const
 
 void ScreenCoverService::buildWindows()
 {
+    assertOnMainActor(mainActor_);
     for (const auto& window : windows_) {
         window->orderOut();
     }
