@@ -5,6 +5,7 @@
 #include "cloud/PresenceTimes.hpp"
 #include "platform/FileSystem.hpp"
 #include "platform/WallClock.hpp"
+#include "runtime/AssertOnMainActor.hpp"
 #include "runtime/CurrentTask.hpp"
 #include "runtime/Detached.hpp"
 #include "runtime/Sleep.hpp"
@@ -54,6 +55,7 @@ PhotoFile readPhoto(platform::FileSystem& files, const std::filesystem::path& fi
 
 void MacAlertsService::deleteAlerts(const std::unordered_set<UUID>& ids)
 {
+    assertOnMainActor(actor_);
     if (ids.empty()) {
         return;
     }
@@ -89,6 +91,7 @@ Async<std::vector<StoredAlert>> MacAlertsService::alertsHere()
 
 void MacAlertsService::hold(const AlertEvent& alert, std::optional<Bytes> photo)
 {
+    assertOnMainActor(actor_);
     if (held_.size() == mostHeld) {
         const auto isOlder = [](const auto& left, const auto& right) {
             return left.second.alert.timestamp < right.second.alert.timestamp;
@@ -127,6 +130,7 @@ Async<void> MacAlertsService::catchUpPass()
 /// ever.
 void MacAlertsService::catchUpIfOwed()
 {
+    assertOnMainActor(actor_);
     if (hasLoadedInitialAlerts && !catchUps_.isRunning() && isAnythingOwed()) {
         catchUps_.start();
     }
@@ -254,6 +258,7 @@ Async<AlertUploader::Outcome> MacAlertsService::uploadStored(StoredAlert stored)
 
 void MacAlertsService::noteUploaded(const UUID& id)
 {
+    assertOnMainActor(actor_);
     localStore_.remove(id);
     held_.erase(id);
     slow_.erase(id);

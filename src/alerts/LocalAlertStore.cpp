@@ -101,6 +101,18 @@ Async<std::vector<StoredAlert>> LocalAlertStore::alertsInBackground()
     co_return sorted(*index_);
 }
 
+std::vector<StoredAlert> LocalAlertStore::alertsWaitingForUpload()
+{
+    std::vector<StoredAlert> waiting;
+    for (const auto& [id, stored] : loadedIndex()) {
+        if (stored.pendingUpload) {
+            waiting.push_back(stored);
+        }
+    }
+    std::ranges::sort(waiting, isNewer);
+    return waiting;
+}
+
 std::unordered_set<UUID> LocalAlertStore::identifiers()
 {
     std::unordered_set<UUID> ids;

@@ -43,6 +43,9 @@ public:
     /// The same; the folder's first reading happens off the main thread. The store outlives the call.
     [[nodiscard]] Async<std::vector<StoredAlert>> alertsInBackground();
 
+    /// The alerts that wait for upload, newest first.
+    [[nodiscard]] std::vector<StoredAlert> alertsWaitingForUpload();
+
     /// The identifiers of all alerts.
     [[nodiscard]] std::unordered_set<UUID> identifiers();
 

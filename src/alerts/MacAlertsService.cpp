@@ -8,6 +8,7 @@
 #include "platform/FileSystem.hpp"
 #include "platform/Language.hpp"
 #include "platform/WallClock.hpp"
+#include "runtime/AssertOnMainActor.hpp"
 #include "runtime/CurrentTask.hpp"
 #include "runtime/Detached.hpp"
 
@@ -92,6 +93,7 @@ bool MacAlertsService::holds(const UUID& id) const
 
 void MacAlertsService::merge(const StoredAlert& stored)
 {
+    assertOnMainActor(actor_);
     if (uploader_.discarded().contains(stored.alert.id) || holds(stored.alert.id)) {
         return;
     }
@@ -105,6 +107,7 @@ void MacAlertsService::merge(const StoredAlert& stored)
 
 Async<void> MacAlertsService::refresh()
 {
+    assertOnMainActor(actor_);
     const Loading loading{anchor_.weak()};
     const std::int64_t generation = ++refreshGeneration_;
     const CloudAnswer answer = co_await askCloud();
@@ -120,6 +123,7 @@ Async<void> MacAlertsService::refresh()
 
 void MacAlertsService::startRefresh()
 {
+    assertOnMainActor(actor_);
     if (activeRefreshTask_) {
         activeRefreshTask_->cancel();
     }
@@ -226,6 +230,7 @@ void MacAlertsService::publish(std::vector<AlertRow> rows)
 
 void MacAlertsService::refreshStorageNotice()
 {
+    assertOnMainActor(actor_);
     const auto notice = storageNotice();
     infoMessage = notice ? std::optional{ports_.language.localized(*notice)} : std::nullopt;
 }
@@ -271,6 +276,7 @@ std::unordered_set<UUID> MacAlertsService::waitingIDs()
 
 Async<std::optional<Bytes>> MacAlertsService::photo(UUID id)
 {
+    assertOnMainActor(actor_);
     const auto held = held_.find(id);
     if (held != held_.end() && held->second.photo) {
         co_return held->second.photo;

@@ -6,6 +6,7 @@
 #include "platform/Journal.hpp"
 #include "platform/UserDefaults.hpp"
 #include "platform/WallClock.hpp"
+#include "runtime/AssertOnMainActor.hpp"
 
 #include <algorithm>
 #include <utility>
@@ -53,7 +54,7 @@ CloudKitService::CloudKitService(MainActor actor, Ports ports)
     : actor_(actor),
       ports_(ports),
       alerts_(actor, {ports.database, ports.files, ports.host, ports.language, ports.journal},
-              {ports.files, ports.host, ports.defaults, ports.random, ports.wallClock}, cacheDirectory(ports.host),
+              {ports.files, ports.host, ports.defaults, ports.random}, cacheDirectory(ports.host),
               ports.defaults.text(cacheOwnerKey)),
       subscriptions_(actor, ports.database, ports.wallClock,
                      [this](const std::exception& error) { return userFacingMessage(error); })
@@ -62,6 +63,7 @@ CloudKitService::CloudKitService(MainActor actor, Ports ports)
 
 Async<bool> CloudKitService::refreshAvailability(bool force)
 {
+    assertOnMainActor(actor_);
     const Date now = ports_.wallClock.now();
     // An expiry further away than any answer lasts was set before the clock was turned back.
     const double remaining = availabilityCacheExpiry_ ? availabilityCacheExpiry_->secondsSince(now) : 0.0;
@@ -101,6 +103,7 @@ std::optional<Date> CloudKitService::availabilityCacheExpiry() const
 
 void CloudKitService::networkPathChanged(bool isSatisfied)
 {
+    assertOnMainActor(actor_);
     isReachable = isSatisfied;
     if (!isSatisfied) {
         trustAvailabilityAtMost(secondsOfFailure);
@@ -115,6 +118,7 @@ void CloudKitService::trustAvailabilityAtMost(double seconds)
 
 Async<bool> CloudKitService::verifyCacheOwner()
 {
+    assertOnMainActor(actor_);
     const std::uint64_t check = ++ownerChecks_;
     isOwnerCheckOwed_ = true;
     std::string owner;
@@ -153,6 +157,7 @@ std::string CloudKitService::userFacingMessage(const std::exception& error) cons
 
 void CloudKitService::recordSyncFailure(const std::exception& error)
 {
+    assertOnMainActor(actor_);
     lastSyncError = userFacingMessage(error);
     if (isNetworkError(error)) {
         isReachable = false;
@@ -165,6 +170,7 @@ void CloudKitService::recordSyncFailure(const std::exception& error)
 
 void CloudKitService::recordSyncSuccess()
 {
+    assertOnMainActor(actor_);
     lastSyncError = std::nullopt;
     isReachable = true;
     requestBackoff_.resetOnSuccess();
@@ -193,6 +199,7 @@ CloudKitServiceError CloudKitService::unavailabilityError() const
 
 Async<void> CloudKitService::uploadAlert(AlertEvent alert, std::optional<Bytes> photo)
 {
+    assertOnMainActor(actor_);
     if (!isAvailable) {
         throw unavailabilityError();
     }
@@ -202,17 +209,20 @@ Async<void> CloudKitService::uploadAlert(AlertEvent alert, std::optional<Bytes> 
 
 std::vector<AlertEvent> CloudKitService::cachedAlerts() const
 {
+    assertOnMainActor(actor_);
     return alerts_.cached();
 }
 
 Async<void> CloudKitService::refreshAlerts()
 {
+    assertOnMainActor(actor_);
     const auto throttling = co_await alerts_.refresh();
     recordSync(throttling);
 }
 
 Async<std::optional<Bytes>> CloudKitService::alertPhoto(UUID id)
 {
+    assertOnMainActor(actor_);
     auto photo = co_await alerts_.photo(id);
     recordSyncSuccess();
     co_return std::move(photo);
@@ -220,6 +230,7 @@ Async<std::optional<Bytes>> CloudKitService::alertPhoto(UUID id)
 
 Async<std::unordered_set<UUID>> CloudKitService::deleteAlerts(std::unordered_set<UUID> ids)
 {
+    assertOnMainActor(actor_);
     if (ids.empty()) {
         co_return ids;
     }
@@ -238,6 +249,7 @@ Async<std::unordered_set<UUID>> CloudKitService::deleteAlerts(std::unordered_set
 
 Async<void> CloudKitService::publishPresence(DevicePresence presence)
 {
+    assertOnMainActor(actor_);
     std::vector<platform::CloudRecord> records(1, presenceRecord(presence));
     const std::string name = records.front().name;
     std::vector<std::string> nothing;
@@ -272,6 +284,7 @@ Async<void> CloudKitService::listInCatalog(std::string deviceID)
 
 Async<std::optional<RemoteCommand>> CloudKitService::fetchCommand(std::string deviceID)
 {
+    assertOnMainActor(actor_);
     const std::string name = commandRecordName(deviceID);
     std::vector<std::string> names(1, name);
     const auto results = co_await ports_.database.records(std::move(names), commandKeys());
@@ -292,6 +305,7 @@ Async<std::optional<RemoteCommand>> CloudKitService::fetchCommand(std::string de
 
 Async<void> CloudKitService::ensureSubscriptions()
 {
+    assertOnMainActor(actor_);
     if (isAvailable) {
         co_await subscriptions_.ensure();
     }

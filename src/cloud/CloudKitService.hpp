@@ -24,10 +24,10 @@ namespace sentrel {
 namespace platform {
 class CloudDatabase;
 class FileSystem;
+class GeneralRandom;
 class HostInfo;
 class Journal;
 class Language;
-class Random;
 class UserDefaults;
 class WallClock;
 } // namespace platform
@@ -46,7 +46,7 @@ public:
         platform::FileSystem& files;
         platform::HostInfo& host;
         platform::WallClock& wallClock;
-        platform::Random& random;
+        platform::GeneralRandom& random;
         platform::Language& language;
         platform::Journal& journal;
     };

@@ -2,16 +2,16 @@
 
 #include "cloud/AsyncTimeout.hpp"
 #include "cloud/PresenceTimes.hpp"
+#include "core/RandomUUID.hpp"
 #include "foundation/UUID.hpp"
 #include "platform/HostInfo.hpp"
 #include "platform/Journal.hpp"
-#include "platform/Random.hpp"
 #include "platform/UserDefaults.hpp"
 #include "platform/WallClock.hpp"
+#include "runtime/AssertOnMainActor.hpp"
 #include "runtime/Sleep.hpp"
 
 #include <algorithm>
-#include <cstring>
 #include <utility>
 
 // The Mac's own state. The phone's commands are in RemoteCommands.cpp.
@@ -38,6 +38,7 @@ MacPresenceService::MacPresenceService(MainActor actor, bool isCompatibleCompute
 
 void MacPresenceService::start()
 {
+    assertOnMainActor(actor_);
     if (hasStarted_) {
         return;
     }
@@ -50,6 +51,7 @@ void MacPresenceService::start()
 
 void MacPresenceService::stopHeartbeat()
 {
+    assertOnMainActor(actor_);
     if (heartbeatTask_) {
         heartbeatTask_.cancel();
         heartbeatTask_ = {};
@@ -58,6 +60,7 @@ void MacPresenceService::stopHeartbeat()
 
 void MacPresenceService::systemDidWake()
 {
+    assertOnMainActor(actor_);
     startPublication();
     pollSoon();
 }
@@ -81,6 +84,7 @@ void MacPresenceService::startPublication()
 /// and that is rare. Only the heartbeat, which has nothing new to say, waits.
 Async<void> MacPresenceService::publishState()
 {
+    assertOnMainActor(actor_);
     // The present publication may have told an older state already. One that hasn't begun serves every caller.
     if (!nextPublication_) {
         nextPublication_ = actor_.spawn(publishAfter(publication_));
@@ -148,6 +152,7 @@ Async<bool> MacPresenceService::publishIfAvailable()
 
 void MacPresenceService::setPushTokenRegistered(bool isRegistered)
 {
+    assertOnMainActor(actor_);
     const bool wasRegistered = std::exchange(pushTokenRegistered_, isRegistered);
     if (isRegistered) {
         startPublication();
@@ -163,17 +168,12 @@ bool MacPresenceService::pushTokenRegistered() const
 
 std::string MacPresenceService::deviceID()
 {
+    assertOnMainActor(actor_);
     const auto stored = ports_.defaults.text(deviceIDKey);
     if (stored && UUID::parse(*stored)) {
         return *stored;
     }
-    UUID::Octets octets{};
-    if (!ports_.random.fill(octets)) {
-        // A fixed identifier would be shared with other Macs; the clock's reading hardly is.
-        const double now = ports_.wallClock.now().secondsSinceReferenceDate;
-        std::memcpy(octets.data(), &now, sizeof now);
-    }
-    std::string made = UUID::fromRandom(octets).text();
+    std::string made = randomUUID(ports_.random).text();
     ports_.defaults.setText(deviceIDKey, made);
     return made;
 }

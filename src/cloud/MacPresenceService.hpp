@@ -29,7 +29,7 @@ public:
         platform::UserDefaults& defaults;
         platform::HostInfo& host;
         platform::WallClock& wallClock;
-        platform::Random& random;
+        platform::GeneralRandom& random;
         platform::Journal& journal;
     };
 

@@ -7,6 +7,7 @@
 #include "platform/RemoteNotifications.hpp"
 #include "platform/UserDefaults.hpp"
 #include "platform/WallClock.hpp"
+#include "runtime/AssertOnMainActor.hpp"
 #include "runtime/Sleep.hpp"
 
 #include <algorithm>
@@ -26,6 +27,7 @@ constexpr const char* lastSequenceKey = "sentrel.macLastAppliedCommandSequence";
 
 void MacPresenceService::receive(const platform::CloudNotification& notification)
 {
+    assertOnMainActor(actor_);
     if (notification.subscriptionID != CloudSubscriptions::macCommandIdentifier) {
         return;
     }
@@ -44,6 +46,7 @@ void MacPresenceService::pollSoon()
 
 void MacPresenceService::wakePoll()
 {
+    assertOnMainActor(actor_);
     if (const auto continuation = std::exchange(pollWakeContinuation_, nullptr)) {
         continuation->signal();
     }

@@ -1,13 +1,11 @@
 #include "cloud/UploadPhotoFiles.hpp"
 
+#include "core/RandomUUID.hpp"
 #include "foundation/UUID.hpp"
 #include "platform/FileSystem.hpp"
 #include "platform/HostInfo.hpp"
-#include "platform/Random.hpp"
 #include "platform/UserDefaults.hpp"
-#include "platform/WallClock.hpp"
 
-#include <algorithm>
 #include <cerrno>
 #include <mutex>
 #include <string_view>
@@ -122,13 +120,7 @@ Async<UploadPhotoFiles::File> UploadPhotoFiles::write(Bytes photo)
 
 std::string UploadPhotoFiles::newName()
 {
-    UUID::Octets octets{};
-    if (!ports_.random.fill(octets)) {
-        // Any name is better than no upload: the clock's reading is unique on this Mac.
-        const double now = ports_.wallClock.now().secondsSinceReferenceDate;
-        std::copy_n(reinterpret_cast<const std::uint8_t*>(&now), sizeof now, octets.begin());
-    }
-    return UUID::fromRandom(octets).text() + std::string{extension};
+    return randomUUID(ports_.random).text() + std::string{extension};
 }
 
 void UploadPhotoFiles::sweep()

@@ -13,10 +13,9 @@ namespace sentrel {
 
 namespace platform {
 class FileSystem;
+class GeneralRandom;
 class HostInfo;
-class Random;
 class UserDefaults;
-class WallClock;
 } // namespace platform
 
 /// The temporary files through which photos travel into the cloud: each exists for one upload only. The names of those
@@ -30,8 +29,7 @@ public:
         platform::FileSystem& files;
         platform::HostInfo& host;
         platform::UserDefaults& defaults;
-        platform::Random& random;
-        platform::WallClock& wallClock;
+        platform::GeneralRandom& random;
     };
 
     /// Deletes what an earlier run left behind.

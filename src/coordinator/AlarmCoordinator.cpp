@@ -8,6 +8,7 @@
 #include "outputs/MediaPlayback.hpp"
 #include "platform/Journal.hpp"
 #include "platform/Language.hpp"
+#include "runtime/AssertOnMainActor.hpp"
 #include "runtime/CurrentTask.hpp"
 #include "runtime/Detached.hpp"
 #include "runtime/Sleep.hpp"
@@ -49,6 +50,7 @@ AlarmCoordinator::AlarmCoordinator(MainActor actor, bool isCompatibleComputer, C
 
 void AlarmCoordinator::syncWithSettings(const AlarmSettings& settings)
 {
+    assertOnMainActor(actor_);
     if (isCompatibleComputer_ && settings.isArmed) {
         if (isArmed) {
             applyTriggerSettings(settings);
@@ -66,6 +68,7 @@ void AlarmCoordinator::syncWithSettings(const AlarmSettings& settings)
 
 void AlarmCoordinator::arm(const AlarmSettings& settings)
 {
+    assertOnMainActor(actor_);
     if (!isCompatibleComputer_ || isArmed) {
         return;
     }
@@ -86,6 +89,7 @@ void AlarmCoordinator::arm(const AlarmSettings& settings)
 
 void AlarmCoordinator::disarm()
 {
+    assertOnMainActor(actor_);
     isArmed = false;
     isAlarmActive = false;
     lastTrigger = std::nullopt;
@@ -103,6 +107,7 @@ void AlarmCoordinator::disarm()
 
 void AlarmCoordinator::applyTriggerSettings(const AlarmSettings& settings)
 {
+    assertOnMainActor(actor_);
     stopMonitors();
     powerMonitor_.onUnplugged = triggerCallback(settings.triggerOnUnplugged, TriggerReason::unplugged);
     lidMonitor_.onLidClosed = triggerCallback(settings.triggerOnLidClosed, TriggerReason::lidClosed);
@@ -126,6 +131,7 @@ void AlarmCoordinator::applyTriggerSettings(const AlarmSettings& settings)
 
 void AlarmCoordinator::updateScreenGuard(const AlarmSettings& settings)
 {
+    assertOnMainActor(actor_);
     if (!settings.lockScreenOnArm) {
         cancelScreenGuard();
     } else if (!screenGuardTask_) {
@@ -135,6 +141,7 @@ void AlarmCoordinator::updateScreenGuard(const AlarmSettings& settings)
 
 void AlarmCoordinator::refreshAccelerometer()
 {
+    assertOnMainActor(actor_);
     // One that has come since doesn't take the warning back: nobody listens to it before the watch starts anew.
     if (!motionMonitor_.refreshAvailability() && isArmed) {
         refreshMotionWarning(with_.settings.settings());
@@ -181,7 +188,7 @@ void AlarmCoordinator::refreshMotionWarning(const AlarmSettings& settings)
 Async<void> AlarmCoordinator::refreshCameraWarning()
 {
     const bool isGranted = co_await with_.camera.requestAccess();
-    if (!isArmed) {
+    if (!isArmed || !with_.settings.settings().capturePhoto) {
         co_return;
     }
     if (isGranted) {

@@ -32,10 +32,10 @@ class MediaPlayback;
 class ScreenCoverService;
 
 namespace platform {
+class GeneralRandom;
 class HostInfo;
 class Journal;
 class Language;
-class Random;
 class WallClock;
 } // namespace platform
 
@@ -63,7 +63,7 @@ public:
         platform::HidEventSystem& hidEvents;
         platform::PowerAssertions& powerAssertions;
         platform::WallClock& wallClock;
-        platform::Random& random;
+        platform::GeneralRandom& random;
         platform::HostInfo& host;
         platform::Language& language;
         platform::Journal& journal;
@@ -132,11 +132,11 @@ private:
     Async<void> guardScreen(std::optional<Task<void>> preparation, double delay);
 
     void enqueueProcessing(TriggerReason reason);
-    Async<void> processAfter(std::optional<Task<void>> predecessor, TriggerReason reason);
-    Async<void> process(TriggerReason reason);
+    Async<void> processAfter(std::optional<Task<void>> predecessor, TriggerReason reason, Date taken);
+    Async<void> process(TriggerReason reason, Date taken);
     Async<std::optional<Bytes>> takePhoto(bool isWanted);
     void finishProcessing();
-    [[nodiscard]] AlertEvent makeAlert(TriggerReason reason, bool hasPhoto);
+    [[nodiscard]] AlertEvent makeAlert(TriggerReason reason, Date taken, bool hasPhoto);
     void keep(const AlertEvent& alert, const std::optional<Bytes>& photo, bool cloudFlag);
     bool saveLocally(const AlertEvent& alert, const std::optional<Bytes>& photo, bool cloudFlag);
     Async<void> upload(AlertEvent alert, std::optional<Bytes> photo, bool cloudFlag);

@@ -5,16 +5,16 @@
 #include "alerts/MacAlertsService.hpp"
 #include "cloud/AsyncTimeout.hpp"
 #include "cloud/CloudKitService.hpp"
+#include "core/RandomUUID.hpp"
 #include "foundation/Fatal.hpp"
 #include "outputs/AlarmSoundPlayer.hpp"
 #include "outputs/CameraCapture.hpp"
 #include "platform/DeviceRegistry.hpp"
 #include "platform/HostInfo.hpp"
 #include "platform/Journal.hpp"
-#include "platform/Random.hpp"
 #include "platform/WallClock.hpp"
+#include "runtime/AssertOnMainActor.hpp"
 
-#include <algorithm>
 #include <chrono>
 #include <limits>
 #include <utility>
@@ -34,6 +34,7 @@ constexpr Duration longestCloudCall = 15s;
 
 void AlarmCoordinator::trigger(TriggerReason reason)
 {
+    assertOnMainActor(actor_);
     if (!isArmed) {
         return;
     }
@@ -51,6 +52,7 @@ void AlarmCoordinator::trigger(TriggerReason reason)
 
 void AlarmCoordinator::stopAlarm()
 {
+    assertOnMainActor(actor_);
     isAlarmActive = false;
     with_.soundPlayer.stop();
     statusMessage = localized(isArmed ? "Armed" : "Disarmed");
@@ -63,11 +65,12 @@ void AlarmCoordinator::enqueueProcessing(TriggerReason reason)
     }
     ++processingCount_;
     alarmPowerAssertion_.acquire("Sentrel is processing an alarm event");
-    processingChain_ = actor_.spawn(processAfter(std::exchange(processingChain_, std::nullopt), reason));
+    const Date taken = ports_.wallClock.now();
+    processingChain_ = actor_.spawn(processAfter(std::exchange(processingChain_, std::nullopt), reason, taken));
     tasks_.add(*processingChain_);
 }
 
-Async<void> AlarmCoordinator::processAfter(std::optional<Task<void>> predecessor, TriggerReason reason)
+Async<void> AlarmCoordinator::processAfter(std::optional<Task<void>> predecessor, TriggerReason reason, Date taken)
 {
     if (predecessor) {
         // Taken out of this frame's parameters, or the chain would keep every task since its beginning.
@@ -79,7 +82,7 @@ Async<void> AlarmCoordinator::processAfter(std::optional<Task<void>> predecessor
         }
     }
     try {
-        co_await process(reason);
+        co_await process(reason, taken);
     } catch (const std::exception& error) {
         ports_.journal.note("alert.failed", {{"reason", rawValue(reason)}, {"why", std::string_view{error.what()}}});
     }
@@ -97,12 +100,12 @@ void AlarmCoordinator::finishProcessing()
     }
 }
 
-Async<void> AlarmCoordinator::process(TriggerReason reason)
+Async<void> AlarmCoordinator::process(TriggerReason reason, Date taken)
 {
     pendingReasons_.erase(reason);
     const AlarmSettings settings = with_.settings.settings();
     std::optional<Bytes> photo = co_await takePhoto(settings.capturePhoto);
-    AlertEvent alert = makeAlert(reason, photo.has_value());
+    AlertEvent alert = makeAlert(reason, taken, photo.has_value());
     alert.sendNotification = settings.sendNotification;
     const bool cloudFlag = with_.cloud.isAvailable;
     keep(alert, photo, cloudFlag);
@@ -118,18 +121,12 @@ Async<std::optional<Bytes>> AlarmCoordinator::takePhoto(bool isWanted)
     co_return photo;
 }
 
-AlertEvent AlarmCoordinator::makeAlert(TriggerReason reason, bool hasPhoto)
+AlertEvent AlarmCoordinator::makeAlert(TriggerReason reason, Date taken, bool hasPhoto)
 {
-    UUID::Octets octets{};
-    if (!ports_.random.fill(octets)) {
-        // Any identifier is better than no alert: the clock's reading is unique on this Mac.
-        const double now = ports_.wallClock.now().secondsSinceReferenceDate;
-        std::copy_n(reinterpret_cast<const std::uint8_t*>(&now), sizeof now, octets.begin());
-    }
     AlertEvent alert;
-    alert.id = UUID::fromRandom(octets);
+    alert.id = randomUUID(ports_.random);
     alert.reason = reason;
-    alert.timestamp = ports_.wallClock.now();
+    alert.timestamp = taken;
     alert.deviceName = ports_.host.localizedName().value_or("Mac");
     if (hasPhoto) {
         alert.photoFileName = alert.id.text() + ".jpg";
@@ -241,18 +238,15 @@ void AlarmCoordinator::clearNotices()
 
 void AlarmCoordinator::showLocalSaveNotice()
 {
+    assertOnMainActor(actor_);
     showingLocalSaveNotice = true;
     lastError = localized("Alert saved on this Mac. It will upload when iCloud is available.");
 }
 
 void AlarmCoordinator::clearLocalSaveNoticeIfResolved()
 {
-    if (!showingLocalSaveNotice) {
-        return;
-    }
-    const auto alerts = with_.alertStore.alerts();
-    const bool isWaiting = std::ranges::any_of(alerts, [](const StoredAlert& stored) { return stored.pendingUpload; });
-    if (!isWaiting) {
+    assertOnMainActor(actor_);
+    if (showingLocalSaveNotice && with_.alertStore.alertsWaitingForUpload().empty()) {
         clearNotices();
     }
 }

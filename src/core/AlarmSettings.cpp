@@ -1,5 +1,7 @@
 #include "core/AlarmSettings.hpp"
 
+#include "foundation/Hasher.hpp"
+
 #include <nlohmann/json.hpp>
 
 namespace sentrel {
@@ -40,3 +42,12 @@ std::optional<AlarmSettings> decodeAlarmSettings(const Json& document)
 }
 
 } // namespace sentrel
+
+std::size_t std::hash<sentrel::AlarmSettings>::operator()(const sentrel::AlarmSettings& settings) const noexcept
+{
+    sentrel::Hasher hasher;
+    for (const sentrel::AlarmSettingsField& field : sentrel::alarmSettingsFields) {
+        std::visit([&](auto member) { hasher.add(settings.*member); }, field.member);
+    }
+    return hasher.hash();
+}

@@ -3,6 +3,8 @@
 #include "foundation/Json.hpp"
 
 #include <array>
+#include <cstddef>
+#include <functional>
 #include <optional>
 #include <string_view>
 #include <variant>
@@ -61,3 +63,8 @@ inline constexpr std::array<AlarmSettingsField, 14> alarmSettingsFields{{
 [[nodiscard]] std::optional<AlarmSettings> decodeAlarmSettings(const Json& document);
 
 } // namespace sentrel
+
+/// Over all fields, in order.
+template <> struct std::hash<sentrel::AlarmSettings> {
+    std::size_t operator()(const sentrel::AlarmSettings& settings) const noexcept;
+};

@@ -1,5 +1,7 @@
 #include "core/AlertEvent.hpp"
 
+#include "foundation/Hasher.hpp"
+
 #include <nlohmann/json.hpp>
 
 namespace sentrel {
@@ -37,17 +39,16 @@ std::optional<AlertEvent> decodeAlertEvent(const Json& document)
 
 std::size_t std::hash<sentrel::AlertEvent>::operator()(const sentrel::AlertEvent& alert) const noexcept
 {
-    std::size_t seed = 0;
-    const auto mix = [&seed](std::size_t value) { seed ^= value + 0x9E3779B97F4A7C15U + (seed << 6) + (seed >> 2); };
-    mix(std::hash<sentrel::UUID>{}(alert.id));
-    mix(std::hash<std::string_view>{}(sentrel::rawValue(alert.reason)));
-    mix(std::hash<double>{}(alert.timestamp.secondsSinceReferenceDate));
-    mix(std::hash<std::string>{}(alert.deviceName));
+    sentrel::Hasher hasher;
+    hasher.add(alert.id);
+    hasher.add(alert.reason);
+    hasher.add(alert.timestamp.secondsSinceReferenceDate);
+    hasher.add(alert.deviceName);
     // A marker tells no photo from a photo with an empty name.
-    mix(alert.photoFileName ? 1 : 0);
+    hasher.add(alert.photoFileName ? 1 : 0);
     if (alert.photoFileName) {
-        mix(std::hash<std::string>{}(*alert.photoFileName));
+        hasher.add(*alert.photoFileName);
     }
-    mix(alert.sendNotification ? 1 : 0);
-    return seed;
+    hasher.add(alert.sendNotification);
+    return hasher.hash();
 }

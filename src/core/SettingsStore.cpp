@@ -1,6 +1,7 @@
 #include "core/SettingsStore.hpp"
 
 #include "platform/UserDefaults.hpp"
+#include "runtime/AssertOnMainActor.hpp"
 
 #include <nlohmann/json.hpp>
 
@@ -19,12 +20,20 @@ AlarmSettings load(platform::UserDefaults& defaults)
 
 } // namespace
 
-SettingsStore::SettingsStore(platform::UserDefaults& defaults) : defaults_(defaults), settings_(load(defaults))
+SettingsStore::SettingsStore(MainActor actor, platform::UserDefaults& defaults)
+    : actor_(actor), defaults_(defaults), settings_(load(defaults))
 {
+}
+
+const AlarmSettings& SettingsStore::settings() const
+{
+    assertOnMainActor(actor_);
+    return settings_.get();
 }
 
 void SettingsStore::setSettings(const AlarmSettings& settings)
 {
+    assertOnMainActor(actor_);
     settings_ = settings;
     save();
 }

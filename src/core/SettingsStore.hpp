@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/AlarmSettings.hpp"
+#include "runtime/MainActor.hpp"
 #include "runtime/Observable.hpp"
 
 #include <functional>
@@ -12,14 +13,14 @@ namespace platform {
 class UserDefaults;
 }
 
-/// The one current settings value: observable, and kept in the user defaults at each assignment. Main thread.
+/// The one current settings value: observable, and kept in the user defaults at each assignment. Main actor only.
 class SettingsStore {
 public:
     /// Loads what the domain holds, or the defaults where that can't be read; writes nothing.
-    explicit SettingsStore(platform::UserDefaults& defaults);
+    SettingsStore(MainActor actor, platform::UserDefaults& defaults);
     SettingsStore(const SettingsStore&) = delete;
 
-    [[nodiscard]] const AlarmSettings& settings() const { return settings_.get(); }
+    [[nodiscard]] const AlarmSettings& settings() const;
 
     /// Replaces the value and saves it, also when it is equal; observers are told only of a change, and at once. A
     /// value that has no encoding leaves the stored one as it was.
@@ -42,6 +43,7 @@ public:
 private:
     void save();
 
+    MainActor actor_;
     platform::UserDefaults& defaults_;
     Observable<AlarmSettings> settings_;
 };

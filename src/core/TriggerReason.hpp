@@ -1,6 +1,8 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -31,3 +33,11 @@ inline constexpr std::array<TriggerReason, 4> allTriggerReasons{
 [[nodiscard]] std::string shortTitle(TriggerReason reason, platform::Language& language);
 
 } // namespace sentrel
+
+/// By the raw value, so that the hash doesn't depend on the order of the cases.
+template <> struct std::hash<sentrel::TriggerReason> {
+    std::size_t operator()(sentrel::TriggerReason reason) const noexcept
+    {
+        return std::hash<std::string_view>{}(sentrel::rawValue(reason));
+    }
+};

@@ -10,6 +10,7 @@
 #include "platform/WallClock.hpp"
 #include "platform/WindowConstants.hpp"
 #include "platform/Windows.hpp"
+#include "runtime/AssertOnMainActor.hpp"
 
 #include <algorithm>
 #include <cmath>
@@ -79,6 +80,7 @@ ScreenCoverService::~ScreenCoverService()
 
 bool ScreenCoverService::show()
 {
+    assertOnMainActor(mainActor_);
     if (isShowing_) {
         return true;
     }
@@ -108,6 +110,7 @@ bool ScreenCoverService::show()
 
 void ScreenCoverService::hide()
 {
+    assertOnMainActor(mainActor_);
     if (!isShowing_) {
         return;
     }
@@ -124,6 +127,7 @@ void ScreenCoverService::hide()
 
 Async<PasscodeUnlockOutcome> ScreenCoverService::attempt(SecretText passcode)
 {
+    assertOnMainActor(mainActor_);
     if (const auto end = lockoutEnd()) {
         co_return noted({Case::lockedOut, *end});
     }
@@ -148,6 +152,7 @@ std::optional<Date> ScreenCoverService::lockoutEnd() const
 
 void ScreenCoverService::buildWindows()
 {
+    assertOnMainActor(mainActor_);
     for (const auto& window : windows_) {
         window->orderOut();
     }

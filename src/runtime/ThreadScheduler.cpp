@@ -10,10 +10,12 @@
 
 namespace sentrel {
 
-/// A list of jobs and the threads that run them; with no thread of its own, whoever calls `work` runs them.
+/// A list of jobs and the threads that run them. The main executor has no thread of its own: it belongs to the thread
+/// that makes it, which calls `work`; code outside any job counts as running on it there.
 class ThreadScheduler::ThreadExecutor final : public Executor {
 public:
     explicit ThreadExecutor(std::size_t threadCount)
+        : owner_(threadCount == 0 ? std::this_thread::get_id() : std::thread::id{})
     {
         for (std::size_t i = 0; i < threadCount; ++i) {
             threads_.emplace_back([this] { work(); });
@@ -50,7 +52,10 @@ public:
         threads_.clear();
     }
 
-    [[nodiscard]] bool isCurrent() const override { return current == this; }
+    [[nodiscard]] bool isCurrent() const override
+    {
+        return current == this || (current == nullptr && owner_ == std::this_thread::get_id());
+    }
 
     /// Runs jobs until `interrupt`.
     void work()
@@ -86,6 +91,7 @@ public:
 
 private:
     static thread_local const ThreadExecutor* current;
+    const std::thread::id owner_; ///< the main thread; of no thread on other executors
     std::mutex mutex_;
     std::condition_variable changed_;
     JobList jobs_;

@@ -7,7 +7,7 @@
 namespace sentrel {
 
 /// The real scheduler on plain threads: one for each serial executor, a few for detached work, one that waits for
-/// timers, and the thread that calls `runMain` as the main thread.
+/// timers, and the thread that makes the scheduler, and calls `runMain`, as the main thread.
 class ThreadScheduler final : public Scheduler {
 public:
     ThreadScheduler();

@@ -30,7 +30,8 @@ AccelerometerEventHandler::AccelerometerEventHandler(Scheduler& scheduler, platf
 
 AccelerometerEventHandler::~AccelerometerEventHandler()
 {
-    // The queue is closed, not drained: whoever dies need not wait for jobs that will do nothing.
+    // The queue is closed, not drained: that waits for a callback in progress, and needs no turn of a process that no
+    // longer runs. The client lives until then.
     const auto client = detachClient();
     queue_.close();
 }

@@ -2,6 +2,7 @@
 
 #include "foundation/Fatal.hpp"
 #include "platform/WindowConstants.hpp"
+#include "runtime/AssertOnMainActor.hpp"
 #include "runtime/WeakCall.hpp"
 
 #include <cstdint>
@@ -39,6 +40,7 @@ bool LidMonitor::isLidClosed() const
 
 void LidMonitor::start()
 {
+    assertOnMainActor(mainActor_);
     stop();
     const auto check = weakCall(mainActor_, anchor_.weak(), &LidMonitor::check);
     wasLidOpen_ = !isLidClosed();
@@ -49,12 +51,14 @@ void LidMonitor::start()
 
 void LidMonitor::stop()
 {
+    assertOnMainActor(mainActor_);
     observer_.reset();
     timer_.reset();
 }
 
 void LidMonitor::check()
 {
+    assertOnMainActor(mainActor_);
     // Without a timer the monitor was stopped after this check had been queued.
     if (timer_ == nullptr) {
         return;

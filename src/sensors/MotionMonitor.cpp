@@ -1,6 +1,7 @@
 #include "sensors/MotionMonitor.hpp"
 
 #include "platform/SystemConstants.hpp"
+#include "runtime/AssertOnMainActor.hpp"
 
 namespace sentrel {
 
@@ -31,12 +32,14 @@ bool MotionMonitor::probeAvailability(platform::HidEventSystem& events)
 
 bool MotionMonitor::refreshAvailability()
 {
+    assertOnMainActor(mainActor_);
     isAccelerometerAvailable_ = probeAvailability(events_);
     return isAccelerometerAvailable_;
 }
 
 void MotionMonitor::start(double sensitivity)
 {
+    assertOnMainActor(mainActor_);
     stop();
     detector_ = MotionDetector{MotionDetector::thresholdFor(sensitivity)};
     if (!refreshAvailability()) {
@@ -55,6 +58,7 @@ void MotionMonitor::start(double sensitivity)
 
 void MotionMonitor::stop()
 {
+    assertOnMainActor(mainActor_);
     if (handler_ != nullptr) {
         handler_->stop();
         handler_.reset();
@@ -72,6 +76,7 @@ Async<void> MotionMonitor::process(Weak<MotionMonitor> weak, AccelerationSample 
 
 void MotionMonitor::process(const AccelerationSample& sample)
 {
+    assertOnMainActor(mainActor_);
     // Without a handler the monitor was stopped while this sample was on its way.
     if (handler_ == nullptr || !detector_.departs(sample)) {
         return;

@@ -1,6 +1,7 @@
 #include "sensors/PowerMonitor.hpp"
 
 #include "platform/SystemConstants.hpp"
+#include "runtime/AssertOnMainActor.hpp"
 #include "runtime/WeakCall.hpp"
 
 #include <string_view>
@@ -24,6 +25,7 @@ PowerMonitor::PowerMonitor(MainActor mainActor, platform::PowerSources& sources)
 
 void PowerMonitor::start()
 {
+    assertOnMainActor(mainActor_);
     stop();
     const auto check = weakCall(mainActor_, anchor_.weak(), &PowerMonitor::check);
     // Unknown counts as plugged in, so that the first certain reading of a battery is an unplugging.
@@ -36,12 +38,14 @@ void PowerMonitor::start()
 
 void PowerMonitor::stop()
 {
+    assertOnMainActor(mainActor_);
     timer_.reset();
     notification_.reset();
 }
 
 void PowerMonitor::check()
 {
+    assertOnMainActor(mainActor_);
     // Without a timer the monitor was stopped after this check had been queued.
     if (timer_ == nullptr) {
         return;

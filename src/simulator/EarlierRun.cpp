@@ -11,7 +11,7 @@ namespace sentrel::simulator {
 bool leaveFromEarlierRun(MacSession& session, const Scenario& scenario)
 {
     if (!scenario.settings.empty()) {
-        SettingsStore store{session.mac().startProcess().defaults};
+        SettingsStore store{session.mainActor(), session.mac().startProcess().defaults};
         store.setSettings(withFields(store.settings(), scenario.settings));
     }
     if (!scenario.mac.passcode) {

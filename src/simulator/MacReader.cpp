@@ -50,8 +50,10 @@ std::string readListed(const YamlValue& value, const std::string& key, bool (*is
     return text;
 }
 
-constexpr std::array<FieldRow<Draft>, 18> macFields{{
+constexpr std::array<FieldRow<Draft>, 19> macFields{{
     {"model", [](auto& draft, auto& value, auto&) { draft.mac.model = readText(value, "'model'"); }},
+    {"productName",
+     [](auto& draft, auto& value, auto&) { draft.mac.productName = readOptionalText(value, "'productName'"); }},
     {"localizedName",
      [](auto& draft, auto& value, auto&) { draft.mac.localizedName = readOptionalText(value, "'localizedName'"); }},
     {"language",

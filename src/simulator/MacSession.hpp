@@ -78,6 +78,9 @@ public:
     /// Runs a function on the product's main thread, and everything that is then due. Nothing while it doesn't run.
     void onMain(const std::function<void(SentrelApp&)>& function);
 
+    /// The product's main thread.
+    [[nodiscard]] MainActor mainActor() { return MainActor{process_}; }
+
     [[nodiscard]] SentrelApp* app() { return app_.get(); }
     [[nodiscard]] VirtualClock& clock() { return clock_; }
     [[nodiscard]] simulated::SimulatedMac& mac() { return mac_; }

@@ -177,7 +177,7 @@ AlarmSettings settingsOf(MacSession& session)
         return session.app()->settings().settings();
     }
     StoredDefaults stored{session.mac()};
-    return SettingsStore{stored.get()}.settings();
+    return SettingsStore{session.mainActor(), stored.get()}.settings();
 }
 
 } // namespace

@@ -320,7 +320,7 @@ std::string percent(double level)
 
 std::string describe(const Mac& mac)
 {
-    std::string text = "A " + mac.model;
+    std::string text = "A " + mac.productName.value_or(mac.model);
     text += mac.localizedName ? " called “" + *mac.localizedName + "” " : " without a name ";
     text += powerText(mac.power);
     text += lidText(mac.lid);

@@ -92,7 +92,6 @@ private:
     TemporaryFolder disk_;
     simulator::MacSession session_;
     const bool isLaunched_ = (session_.launch(), true); // before what refers to the product
-    VirtualScheduler scheduler_{session_.clock()};
     CloudWorld world_;
     CloudMac cloudMac_{world_, "Mac"};
     posix::PosixFileSystem files_;
@@ -102,13 +101,13 @@ public:
     CloudKitService& cloud = *cloudMac_.cloud;
     WindowHooks hooks;
     simulated::SimulatedLoginItem loginItem{files_, session_.log(), disk_.path() / "LoginItem.json"};
-    ProtectedActions protectedActions{MainActor{scheduler_}, app().settings(), app().passwordGate(), mac().language};
+    ProtectedActions protectedActions{session_.mainActor(), app().settings(), app().passwordGate(), mac().language};
     MenuBarLabel label{coordinator(), app().isComputerCompatible(), mac().language};
     MenuBarView menu{{app().settings(), coordinator(), protectedActions, hooks, loginItem, mac().language},
                      app().isComputerCompatible(),
                      {[this] { done.emplace_back("dismiss"); }, [this] { done.emplace_back("main"); },
                       [this] { done.emplace_back("alerts"); }, [this] { done.emplace_back("quit"); }}};
-    MacContentView panel{{MainActor{scheduler_}, app().settings(), coordinator(), cloud, app().presence(),
+    MacContentView panel{{session_.mainActor(), app().settings(), coordinator(), cloud, app().presence(),
                           app().passcodes(), protectedActions, mac().language},
                          app().isComputerCompatible()};
 };

@@ -69,7 +69,7 @@ public:
 
     simulated::CompanionPhone phone{world.server, world.serverClock, "owner"};
     const bool isCompatible;
-    SettingsStore settings{defaults};
+    SettingsStore settings{MainActor{process}, defaults};
     bool isArmed = false;
     int pushes = 0;
     bool failsToCatchUp = false;

@@ -58,6 +58,7 @@ protected:
     std::vector<std::string> assertions() { return session.mac().assertions.held(); }
 
     const std::string armedName = "Sentrel is armed and monitoring";
+    const std::string skipped = "Lock screen skipped: no unlock passcode is set.";
     const std::string alarmName = "Sentrel is processing an alarm event";
     TemporaryFolder disk;
     MacSession session{{}, disk.path(), SENTREL_SOURCE_DIR "/resources", 1};
@@ -115,6 +116,29 @@ TEST_F(AlarmCoordinatorTest, TheSameReasonWaitsOnceAndAnotherHasItsOwnAlert)
     EXPECT_EQ(state("alerts"), 3) << "once processed, the reason counts anew";
 }
 
+TEST_F(AlarmCoordinatorTest, ATriggerDuringAPhotoOfItsOwnReasonHasItsOwnAlertOfItsOwnTime)
+{
+    session.mac().camera.setDevices({{}});
+    arm();
+    const Date first = session.mac().wallClock.now();
+    trigger({TriggerReason::unplugged});
+    session.clock().advance(500ms);
+    trigger({TriggerReason::unplugged, TriggerReason::unplugged});
+    session.clock().advance(10s);
+    const auto alerts = session.app()->alertStore().alerts();
+    ASSERT_EQ(alerts.size(), 2U);
+    EXPECT_EQ(alerts[1].alert.timestamp, first) << "of the trigger, not of the photo";
+    EXPECT_EQ(alerts[0].alert.timestamp, first.addingSeconds(0.5));
+}
+
+TEST_F(AlarmCoordinatorTest, TriggersOfOneInstantKeepTheirOwnAlertsWhenTheSystemHasNoRandomBytes)
+{
+    arm();
+    ASSERT_TRUE(session.mac().random.faults().set("fill"));
+    trigger({TriggerReason::unplugged, TriggerReason::motion});
+    EXPECT_EQ(state("alerts"), 2);
+}
+
 TEST_F(AlarmCoordinatorTest, TheLastAlertReleasesItsAssertionWhileTheAlarmGoesOn)
 {
     session.mac().camera.setDevices({{}});
@@ -126,6 +150,10 @@ TEST_F(AlarmCoordinatorTest, TheLastAlertReleasesItsAssertionWhileTheAlarmGoesOn
     EXPECT_NE(session.sound(), std::nullopt) << "the sound waits for no photo";
     EXPECT_EQ(state("alerts"), 0);
 
+    while (coordinator().processingCount() == 2) {
+        session.clock().advance(100ms);
+    }
+    EXPECT_THAT(assertions(), ElementsAre(armedName, alarmName));
     session.clock().advance(10s);
     EXPECT_EQ(coordinator().processingCount(), 0);
     EXPECT_THAT(assertions(), ElementsAre(armedName));
@@ -199,9 +227,37 @@ TEST_F(AlarmCoordinatorTest, ARefusedCameraIsSaidWhileArmedAndForgottenAfterward
     EXPECT_EQ(coordinator().cameraWarning.get(), std::nullopt);
 }
 
-TEST_F(AlarmCoordinatorTest, TheLockScreenWaitsForItsDelayAndReadsTheSettingAgain)
+TEST_F(AlarmCoordinatorTest, ACamerasLateRefusalWarnsOnlyWhileArmedAndOnlyOfPhotosThatAreWanted)
 {
-    const char* const skipped = "Lock screen skipped: no unlock passcode is set.";
+    const auto refuseAfter = [this](auto change) {
+        set(&AlarmSettings::isArmed, false);
+        session.mac().camera.setAuthorization(platform::CaptureAuthorization::notDetermined);
+        arm();
+        change();
+        EXPECT_TRUE(session.mac().camera.answerPrompt(false));
+        session.clock().advance(1s);
+        return coordinator().cameraWarning.get();
+    };
+    session.mac().camera.setAnswer(std::nullopt);
+    EXPECT_NE(refuseAfter([] {}), std::nullopt);
+    EXPECT_EQ(refuseAfter([this] { set(&AlarmSettings::isArmed, false); }), std::nullopt);
+    EXPECT_EQ(refuseAfter([this] { set(&AlarmSettings::capturePhoto, false); }), std::nullopt);
+}
+
+TEST_F(AlarmCoordinatorTest, TheLockScreenWaitsTenSecondsForTheMusicsConsentAndNoLonger)
+{
+    session.mac().music.setPlayback(simulated::SimulatedMusic::Playback::playing);
+    session.mac().music.setConsentDelay(1h);
+    set(&AlarmSettings::lockScreenOnArm, true);
+    arm();
+    session.clock().advance(9999ms);
+    EXPECT_EQ(coordinator().lastError.get(), std::nullopt);
+    session.clock().advance(1ms);
+    EXPECT_EQ(coordinator().lastError.get(), skipped);
+}
+
+TEST_F(AlarmCoordinatorTest, TheLockScreenWaitsForItsDelayUnlessItIsCalledOff)
+{
     set(&AlarmSettings::lockScreenOnArm, true);
     set(&AlarmSettings::lockScreenSleepDelay, 5.0);
     arm();
@@ -211,6 +267,7 @@ TEST_F(AlarmCoordinatorTest, TheLockScreenWaitsForItsDelayAndReadsTheSettingAgai
     EXPECT_EQ(coordinator().lastError.get(), skipped);
 
     set(&AlarmSettings::isArmed, false);
+    EXPECT_EQ(coordinator().lastError.get(), skipped) << "disarming leaves it";
     arm();
     EXPECT_EQ(coordinator().lastError.get(), std::nullopt) << "arming clears it";
     session.clock().advance(2s);
@@ -219,10 +276,21 @@ TEST_F(AlarmCoordinatorTest, TheLockScreenWaitsForItsDelayAndReadsTheSettingAgai
     EXPECT_EQ(coordinator().lastError.get(), std::nullopt) << "disarming cancels it";
 
     arm();
-    // Written past the coordinator, which therefore doesn't cancel its task.
-    session.onMain([](SentrelApp& app) { app.settings().set(&AlarmSettings::lockScreenOnArm, false); });
+    session.clock().advance(2s);
+    set(&AlarmSettings::lockScreenOnArm, false);
+    set(&AlarmSettings::lockScreenOnArm, true);
+    session.clock().advance(4999ms);
+    EXPECT_EQ(coordinator().lastError.get(), std::nullopt) << "the earlier wait is over";
+    session.clock().advance(1ms);
+    EXPECT_EQ(coordinator().lastError.get(), skipped);
+}
+
+TEST_F(AlarmCoordinatorTest, TheLockScreenReadsTheStoredSettingWhenItsDelayIsOver)
+{
+    session.onMain([](SentrelApp& app) { app.coordinator().arm({.lockScreenOnArm = true}); });
     session.clock().advance(1min);
-    EXPECT_EQ(coordinator().lastError.get(), std::nullopt);
+    EXPECT_TRUE(coordinator().isArmed.get());
+    EXPECT_EQ(coordinator().lastError.get(), std::nullopt) << "the stored settings want none";
 }
 
 TEST_F(AlarmCoordinatorTest, AFullDiskCostsNoAlertAndNobodyIsToldThatItIsSaved)

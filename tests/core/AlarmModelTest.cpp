@@ -4,6 +4,8 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
+#include <vector>
+
 namespace sentrel {
 namespace {
 
@@ -41,6 +43,25 @@ TEST(AlarmSettings, DamageCostsOneFieldAndNeverTheWhole)
     EXPECT_EQ(decodeAlarmSettings(parse(R"({"failedUnlockAttemptLimit":3})"))->failedUnlockAttemptLimit, 3.0);
     for (const std::string_view document : {"[]", "null", "true", "\"isArmed\"", "3"}) {
         EXPECT_EQ(decodeAlarmSettings(parse(document)), std::nullopt) << document;
+    }
+}
+
+TEST(AlarmSettings, AreComparedAndHashedOverAllTheirFields)
+{
+    const std::hash<AlarmSettings> hash;
+    EXPECT_EQ(hash(AlarmSettings{}), hash(AlarmSettings{}));
+    for (const AlarmSettingsField& field : alarmSettingsFields) {
+        AlarmSettings other;
+        std::visit([&other](auto member) { other.*member = other.*member == 0; }, field.member);
+        EXPECT_NE(other, AlarmSettings{}) << field.name;
+        EXPECT_NE(hash(other), hash(AlarmSettings{})) << field.name;
+    }
+}
+
+TEST(TriggerReason, IsHashedByItsRawValue)
+{
+    for (const TriggerReason reason : allTriggerReasons) {
+        EXPECT_EQ(std::hash<TriggerReason>{}(reason), std::hash<std::string_view>{}(rawValue(reason)));
     }
 }
 
@@ -82,15 +103,18 @@ TEST(AlertEvent, IsReadStrictly)
 TEST(AlertEvent, IsComparedAndHashedOverAllItsFields)
 {
     const std::hash<AlertEvent> hash;
-    AlertEvent other = example;
-    EXPECT_EQ(hash(other), hash(example));
-    other.sendNotification = false;
-    EXPECT_NE(other, example);
-    EXPECT_NE(hash(other), hash(example));
-    AlertEvent emptyPhoto = example;
-    emptyPhoto.photoFileName = "";
-    EXPECT_NE(emptyPhoto, example);
-    EXPECT_NE(hash(emptyPhoto), hash(example));
+    EXPECT_EQ(hash(AlertEvent{example}), hash(example));
+    std::vector<AlertEvent> others(6, example);
+    others[0].id = UUID{};
+    others[1].reason = TriggerReason::motion;
+    others[2].timestamp.secondsSinceReferenceDate += 1.0;
+    others[3].deviceName += "s";
+    others[4].photoFileName = "";
+    others[5].sendNotification = false;
+    for (const AlertEvent& other : others) {
+        EXPECT_NE(other, example);
+        EXPECT_NE(hash(other), hash(example));
+    }
 }
 
 } // namespace

@@ -99,7 +99,7 @@ template <class Clocked> struct CoverMac {
     simulated::EventLog journal{scheduler};
     PasscodeMac passcodes;
     simulated::DefaultsFile defaults{passcodes.files, journal, passcodes.disk.path(), "pelma.Sentrel"};
-    SettingsStore settings{defaults};
+    SettingsStore settings{main, defaults};
     simulated::SimulatedApplicationActivation activation;
     simulated::SimulatedDisplays displays{scheduler, journal, activation};
     simulated::SimulatedWallClock wallClock{scheduler, Date{800'000'000.0}};

@@ -260,10 +260,13 @@ TEST(AlarmSound, IsUndoneOnceAtTheLaunchAfterACrash)
     EXPECT_THAT(mac.speaker.sounding(), IsEmpty());
     EXPECT_FALSE(mac.isAsBefore());
 
+    std::optional<platform::AudioObjectId> outputAtRemoval;
+    mac.defaults.onRemove = [&] { outputAtRemoval = mac.audio.defaultOutput(); };
     mac.sound.launch();
     mac.player->restoreLeftoverState();
     mac.clock.runReady();
     EXPECT_TRUE(mac.isAsBefore());
+    EXPECT_EQ(outputAtRemoval, 73U) << "forgotten before it is restored, lest a bad one ends each launch";
     EXPECT_EQ(mac.defaults.data(stateKey), std::nullopt);
 
     mac.audio.setVolume(73, 0.9F, false);

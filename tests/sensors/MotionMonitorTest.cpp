@@ -9,8 +9,12 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <functional>
+#include <map>
 #include <memory>
+#include <optional>
 #include <thread>
+#include <vector>
 
 namespace sentrel {
 namespace {
@@ -64,6 +68,14 @@ TEST(MotionMonitor, ReportsAMovementAtMostOnceInFiveSecondsUntilItIsStopped)
     mac.accelerometer.sample({9.0, 0.0, 0.0}); // on its way
     mac.monitor->stop();
     mac.sample(-9.0);
+    EXPECT_EQ(mac.moved, 3);
+
+    mac.monitor->start(0.55);
+    mac.accelerometer.sample({0.0, 0.0, 1.0});
+    mac.accelerometer.sample({9.0, 0.0, 1.0});
+    // Behind the sensor queue's turn and before that of the tasks that it starts.
+    post(mac.scheduler.mainExecutor(), [&mac] { mac.monitor->stop(); });
+    mac.clock.runReady();
     EXPECT_EQ(mac.moved, 3);
 }
 
@@ -188,6 +200,78 @@ TEST(ThreadsMotion, StartsAndStopsWhileSamplesStream)
     isStreaming = false;
     shaking.join();
     EXPECT_EQ(receivedAfterStop, 0);
+}
+
+/// A sensor that opens a latch when its client has been called off.
+class LatchedSensor final : public platform::HidEventSystem {
+public:
+    explicit LatchedSensor(Latch& calledOff) : calledOff_(calledOff) {}
+    [[nodiscard]] std::unique_ptr<platform::HidClient> createClient() override
+    {
+        return std::make_unique<Client>(*this);
+    }
+
+    SerialQueue* queue = nullptr;
+    std::function<void(const platform::HidEvent*)> received;
+
+private:
+    struct Service final : platform::HidService {
+        bool setProperty(const std::string& /*key*/, std::int64_t /*value*/) override { return true; }
+    };
+    struct Client final : platform::HidClient {
+        explicit Client(LatchedSensor& itsSensor) : sensor(itsSensor) {}
+        void setMatching(const std::map<std::string, std::int64_t>& /*matching*/) override {}
+        [[nodiscard]] std::optional<std::vector<std::unique_ptr<platform::HidService>>> copyServices() override
+        {
+            std::vector<std::unique_ptr<platform::HidService>> services;
+            services.push_back(std::make_unique<Service>());
+            return services;
+        }
+        void registerEventCallback(std::function<void(const platform::HidEvent*)> callback) override
+        {
+            sensor.received = std::move(callback);
+        }
+        void unregisterEventCallback() override { sensor.calledOff_.open(); }
+        void schedule(SerialQueue& scheduled) override { sensor.queue = &scheduled; }
+        void unschedule(SerialQueue& /*scheduled*/) override {}
+        LatchedSensor& sensor;
+    };
+
+    Latch& calledOff_;
+};
+
+struct StillEvent final : platform::HidEvent {
+    [[nodiscard]] std::uint32_t type() const override { return 13; }
+    [[nodiscard]] double floatValue(std::uint32_t /*field*/) const override { return 0.0; }
+};
+
+TEST(ThreadsMotion, NeitherStoppingNorDyingOvertakesACallbackInProgress)
+{
+    for (const bool isDestroyed : {false, true}) {
+        ThreadScheduler scheduler;
+        Latch begun;
+        Latch calledOff;
+        std::atomic<bool> hasEnded = false;
+        LatchedSensor sensor{calledOff};
+        auto handler = std::make_unique<AccelerometerEventHandler>(scheduler, sensor, [&](double, double, double) {
+            begun.open();
+            calledOff.wait(); // from here on only the waiting holds the handler up
+            giveWay();
+            hasEnded = true;
+        });
+        ASSERT_TRUE(handler->start(0xFF00, 3, 20'000));
+        sensor.queue->async([&sensor] {
+            const StillEvent event;
+            sensor.received(&event);
+        });
+        begun.wait();
+        if (isDestroyed) {
+            handler.reset();
+        } else {
+            handler->stop();
+        }
+        EXPECT_TRUE(hasEnded) << (isDestroyed ? "its end" : "stop");
+    }
 }
 
 } // namespace

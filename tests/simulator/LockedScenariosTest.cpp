@@ -66,6 +66,16 @@ TEST_F(LockedScenarios, ThatComeWithTheProgramHold)
     }
 }
 
+TEST_F(LockedScenarios, AMacWhoseModelNamesNoFamilyArmsIfItsProductIsAMacBook)
+{
+    const std::string steps = "\nsteps:\n- {at: 1s, do: arm}\n- {at: +1s, expect: {isArmed: ";
+    EXPECT_THAT(playedText("mac: {model: 'Mac14,2', productName: 'MacBook Air (M2, 2022)'}" + steps + "true}}\n"),
+                IsEmpty());
+    EXPECT_THAT(playedText("mac: {model: 'Mac14,3', productName: 'Mac mini (M2, 2023)'}" + steps + "false}}\n"),
+                IsEmpty());
+    EXPECT_THAT(playedText("mac: {model: 'Mac14,2'}" + steps + "false}}\n"), IsEmpty());
+}
+
 TEST_F(LockedScenarios, ACameraThatIsForbiddenMissingLateOrBrokenGivesNoPhotoAndTheReason)
 {
     const std::string text = R"(

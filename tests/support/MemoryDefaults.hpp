@@ -2,6 +2,7 @@
 
 #include "platform/UserDefaults.hpp"
 
+#include <functional>
 #include <map>
 #include <mutex>
 #include <variant>
@@ -11,6 +12,9 @@ namespace sentrel::test {
 /// User defaults without a disk. Any thread.
 class MemoryDefaults final : public platform::UserDefaults {
 public:
+    /// Called before each removal.
+    std::function<void()> onRemove = [] {};
+
     [[nodiscard]] std::optional<Bytes> data(const std::string& key) override { return get<Bytes>(key); }
     void setData(const std::string& key, BytesView value) override { set(key, Bytes(value.begin(), value.end())); }
     [[nodiscard]] std::optional<std::string> text(const std::string& key) override { return get<std::string>(key); }
@@ -27,6 +31,7 @@ public:
     void setInteger(const std::string& key, std::int64_t value) override { set(key, value); }
     void remove(const std::string& key) override
     {
+        onRemove();
         const std::lock_guard guard{mutex_};
         entries_.erase(key);
     }

@@ -174,6 +174,11 @@ bool DispatchExecutor::withdraw(Job& job)
 void DispatchExecutor::stop()
 {
     jobs_->stop();
+    if (kind_ == Kind::serial && !isCurrent()) {
+        // The system's own calls on the queue (HID events) are no jobs; one may still be in progress.
+        dispatch_sync(jobs_->queue(), ^{
+                      });
+    }
 }
 
 bool DispatchExecutor::isCurrent() const

@@ -3,8 +3,10 @@
 #include "platform/macos/FoundationText.hpp"
 
 #import <Foundation/Foundation.h>
+#import <IOKit/IOKitLib.h>
 
 #include <cstddef>
+#include <cstdint>
 
 #include <sys/sysctl.h>
 
@@ -34,6 +36,24 @@ std::optional<std::string> MacHostInfo::systemControlText(const std::string& nam
     }
     text.resize(size);
     return text.c_str(); // without the terminator, which the size counts
+}
+
+std::optional<Bytes> MacHostInfo::registryData(const std::string& path, const std::string& property)
+{
+    const io_registry_entry_t entry =
+        IORegistryEntryCopyFromPath(kIOMainPortDefault, (__bridge CFStringRef)stringObject(path));
+    if (entry == IO_OBJECT_NULL) {
+        return std::nullopt;
+    }
+    const id value = CFBridgingRelease(
+        IORegistryEntryCreateCFProperty(entry, (__bridge CFStringRef)stringObject(property), kCFAllocatorDefault, 0));
+    IOObjectRelease(entry);
+    if (![value isKindOfClass:[NSData class]]) {
+        return std::nullopt;
+    }
+    NSData* const data = value;
+    const auto* const begin = static_cast<const std::uint8_t*>(data.bytes);
+    return Bytes(begin, begin + data.length);
 }
 
 std::optional<std::string> MacHostInfo::localizedName()

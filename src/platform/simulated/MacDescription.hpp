@@ -28,7 +28,8 @@ struct MacDescription {
     enum class Music { absent, paused, playing };
     enum class Consent { undetermined, denied, granted };
 
-    std::string model = "MacBookPro18,3"; ///< `hw.model`
+    std::string model = "MacBookPro18,3";   ///< `hw.model`
+    std::optional<std::string> productName; ///< the firmware's, such as "MacBook Air (M2, 2022)"
     std::optional<std::string> localizedName = "MacBook";
     std::optional<std::string> bundleIdentifier = "pelma.Sentrel";
     std::string language = "en_US";      ///< its user's, as ICU or BCP 47 writes it

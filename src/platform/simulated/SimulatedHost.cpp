@@ -16,6 +16,16 @@ std::optional<std::string> SimulatedHost::systemControlText(const std::string& n
     return facts_.model;
 }
 
+std::optional<Bytes> SimulatedHost::registryData(const std::string& path, const std::string& property)
+{
+    if (path != "IODeviceTree:/product" || property != "product-name" || !facts_.productName) {
+        return std::nullopt;
+    }
+    Bytes data = bytesOf(*facts_.productName);
+    data.push_back(0); // the firmware's texts end so
+    return data;
+}
+
 std::optional<std::filesystem::path> SimulatedHost::applicationSupportDirectory()
 {
     if (faults_.strikes("application-support")) {

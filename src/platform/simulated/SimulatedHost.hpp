@@ -13,11 +13,13 @@ public:
         std::string model = "MacBookPro18,3"; ///< `hw.model`
         std::optional<std::string> localizedName = "MacBook";
         std::optional<std::string> bundleIdentifier = "pelma.Sentrel";
+        std::optional<std::string> productName{}; ///< the firmware's; none on a Mac whose firmware gives none
     };
 
     SimulatedHost(std::filesystem::path root, Facts facts);
 
     [[nodiscard]] std::optional<std::string> systemControlText(const std::string& name) override;
+    [[nodiscard]] std::optional<Bytes> registryData(const std::string& path, const std::string& property) override;
     [[nodiscard]] std::optional<std::string> localizedName() override { return facts_.localizedName; }
     [[nodiscard]] std::optional<std::string> bundleIdentifier() override { return facts_.bundleIdentifier; }
     [[nodiscard]] std::optional<std::filesystem::path> applicationSupportDirectory() override;
