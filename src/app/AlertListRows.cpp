@@ -3,7 +3,6 @@
 #include "alerts/MacAlertsService.hpp"
 #include "app/ViewParts.hpp"
 #include "platform/Language.hpp"
-#include "platform/WallClock.hpp"
 
 namespace sentrel {
 
@@ -24,20 +23,17 @@ const char* symbolOf(AlertStorageLocation location)
 
 } // namespace
 
-AlertListRows::AlertListRows(MacAlertsService& alerts, platform::Calendar& calendar, platform::WallClock& wallClock,
-                             platform::Language& language)
-    : alerts_(alerts), calendar_(calendar), wallClock_(wallClock), language_(language)
+AlertListRows::AlertListRows(MacAlertsService& alerts, platform::Calendar& calendar, platform::Language& language)
+    : alerts_(alerts), calendar_(calendar), language_(language)
 {
 }
 
 const ui::Children& AlertListRows::sections()
 {
-    const Date now = wallClock_.now();
-    if (shown_ == alerts_.alerts.get() && day_.start <= now && now < day_.end) {
+    if (shown_ == alerts_.alerts.get()) {
         return sections_;
     }
     shown_ = alerts_.alerts;
-    day_ = calendar_.interval(platform::CalendarUnit::day, now);
     std::vector<ui::View> sections;
     for (const AlertSection& each : alerts_.sections()) {
         sections.push_back(section(each));

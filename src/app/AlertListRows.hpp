@@ -13,18 +13,19 @@ class MacAlertsService;
 
 namespace platform {
 class Language;
-class WallClock;
-} // namespace platform
+}
 
-/// The rows of the list of alerts in their sections. They are made anew only when the alerts have changed or a new day
-/// has begun, so that a selection among thousands costs next to nothing. Main actor.
+/// The rows of the list of alerts in their sections. They are made anew only when the alerts have changed or after
+/// `forget`, so that a selection among thousands costs next to nothing. Main actor.
 class AlertListRows {
 public:
-    AlertListRows(MacAlertsService& alerts, platform::Calendar& calendar, platform::WallClock& wallClock,
-                  platform::Language& language);
+    AlertListRows(MacAlertsService& alerts, platform::Calendar& calendar, platform::Language& language);
 
     /// Section views. A row's id is its alert's.
     [[nodiscard]] const ui::Children& sections();
+
+    /// The calendar has changed, or a new day has begun.
+    void forget() { shown_.reset(); }
 
 private:
     [[nodiscard]] ui::View section(const AlertSection& section);
@@ -32,10 +33,8 @@ private:
 
     MacAlertsService& alerts_;
     platform::Calendar& calendar_;
-    platform::WallClock& wallClock_;
     platform::Language& language_;
     std::shared_ptr<const std::vector<AlertRow>> shown_; ///< what the sections were made of
-    platform::DateInterval day_;                         ///< likewise
     ui::Children sections_;
 };
 

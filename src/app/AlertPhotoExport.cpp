@@ -29,23 +29,36 @@ int fillFile(platform::FileSystem& files, const std::filesystem::path& path, std
     return file == nullptr ? error : file->write(content);
 }
 
-/// Writes the file; when that fails, what was there is still there. 0 or an `errno` value.
-int writeFile(platform::FileSystem& files, const std::filesystem::path& path, std::optional<std::uint32_t> mode,
-              BytesView content)
+/// Writes over the file; when that fails, what was there is written back. 0 or an `errno` value.
+int overwriteFile(platform::FileSystem& files, const std::filesystem::path& path, std::optional<std::uint32_t> mode,
+                  BytesView content)
 {
-    std::filesystem::path partial = path;
-    partial += ".partial";
-    int error = fillFile(files, partial, mode, content);
-    if (error == 0) {
-        error = files.rename(partial, path);
-    }
-    if (error != 0) {
-        files.remove(partial);
+    const bool wasThere = files.exists(path);
+    const auto before = files.read(path);
+    const int error = fillFile(files, path, mode, content);
+    if (error != 0 && before) {
+        static_cast<void>(fillFile(files, path, asUsual, *before));
+    } else if (error != 0 && !wasThere) {
+        files.remove(path);
     }
     return error;
 }
 
-/// Why a file could not be written, for people.
+/// Writes the file by way of a temporary one, which takes its place in one step: a failure leaves what was there. The
+/// save panel's consent covers the chosen file only, so that the temporary one lies elsewhere. It can't take the place
+/// of a file on another volume or in a folder that is closed to new entries: such a file is written over, and is lost
+/// only if the process ends meanwhile or what was there can't be written back. 0 or an `errno` value.
+int writeFile(platform::FileSystem& files, const std::filesystem::path& temporary, const std::filesystem::path& path,
+              std::optional<std::uint32_t> mode, BytesView content)
+{
+    if (fillFile(files, temporary, mode, content) == 0 && files.rename(temporary, path) == 0) {
+        return 0;
+    }
+    files.remove(temporary);
+    return overwriteFile(files, path, mode, content);
+}
+
+/// Why a file could not be written, for people. The `errno` values of the port come without a description.
 std::string writeErrorText(int error, platform::Language& language)
 {
     switch (error) {
@@ -80,7 +93,7 @@ void AlertPhotoExport::forgetFailure()
 void AlertPhotoExport::preview(const AlertEvent& alert, Photo photo)
 {
     const std::string name = "alert_preview_" + alert.id.text() + ".jpg";
-    start(previewNow(ports_.host.temporaryDirectory() / name, std::move(photo)));
+    start(previewNow(name, std::move(photo)));
 }
 
 void AlertPhotoExport::save(const AlertEvent& alert, Photo photo)
@@ -90,13 +103,14 @@ void AlertPhotoExport::save(const AlertEvent& alert, Photo photo)
     start(saveAs("alert_" + date + ".jpg", std::move(photo)));
 }
 
-Async<void> AlertPhotoExport::previewNow(std::filesystem::path file, Photo photo)
+Async<void> AlertPhotoExport::previewNow(std::string name, Photo photo)
 {
-    const auto writing = write(file, ownersOnly, std::move(photo));
+    const std::filesystem::path file = ports_.host.temporaryDirectory() / name;
+    const auto writing = write(file, name, ownersOnly, std::move(photo));
     const Written written = co_await writing;
     finish(ports_.language.localized("Couldn't Preview Photo"), written);
     if (!failure_) {
-        preview_.show(std::move(file));
+        preview_.show(file);
     }
 }
 
@@ -105,25 +119,26 @@ Async<void> AlertPhotoExport::saveAs(std::string name, Photo photo)
     platform::SavePanelContent content;
     content.title = ports_.language.localized("Save Alert Photo");
     content.allowedContentTypes = {"public.jpeg"};
-    content.nameFieldStringValue = std::move(name);
+    content.nameFieldStringValue = name;
     auto file = co_await ports_.savePanels.run(std::move(content));
     Written written{true, 0};
     if (file) {
-        const auto writing = write(*std::move(file), asUsual, std::move(photo));
+        const auto writing = write(*std::move(file), std::move(name), asUsual, std::move(photo));
         written = co_await writing;
     }
     finish(ports_.language.localized("Couldn't Save Photo"), written);
 }
 
-Task<AlertPhotoExport::Written> AlertPhotoExport::write(std::filesystem::path file, std::optional<std::uint32_t> mode,
-                                                        Photo photo)
+Task<AlertPhotoExport::Written> AlertPhotoExport::write(std::filesystem::path file, const std::string& name,
+                                                        std::optional<std::uint32_t> mode, Photo photo)
 {
-    auto work = [&ports = ports_, file = std::move(file), mode, photo = std::move(photo)]() -> Written {
+    const std::filesystem::path temporary = ports_.host.temporaryDirectory() / (name + ".partial");
+    auto work = [&ports = ports_, file = std::move(file), temporary, mode, photo = std::move(photo)]() -> Written {
         const auto jpeg = ports.imageCodec.jpegRepresentation(*photo);
         if (!jpeg) {
             return {};
         }
-        return {true, writeFile(ports.files, file, mode, *jpeg)};
+        return {true, writeFile(ports.files, temporary, file, mode, *jpeg)};
     };
     return conversions_.start(QualityOfService::userInitiated, std::move(work));
 }

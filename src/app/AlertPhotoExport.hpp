@@ -69,9 +69,10 @@ private:
         int error = 0;
     };
 
-    Async<void> previewNow(std::filesystem::path file, Photo photo);
+    Async<void> previewNow(std::string name, Photo photo);
     Async<void> saveAs(std::string name, Photo photo);
-    [[nodiscard]] Task<Written> write(std::filesystem::path file, std::optional<std::uint32_t> mode, Photo photo);
+    [[nodiscard]] Task<Written> write(std::filesystem::path file, const std::string& name,
+                                      std::optional<std::uint32_t> mode, Photo photo);
     void start(Async<void> work);
     void finish(std::string title, const Written& written);
     void changed();

@@ -39,7 +39,6 @@ private:
     struct PhotoLoadID {
         UUID alertID;
         std::int64_t attempt = 0;
-        friend bool operator==(const PhotoLoadID&, const PhotoLoadID&) = default;
     };
 
     [[nodiscard]] ui::View summary();

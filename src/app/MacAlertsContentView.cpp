@@ -5,15 +5,22 @@
 #include "app/MacAlertsBulkSelectionView.hpp"
 #include "app/ViewParts.hpp"
 #include "foundation/TextFormat.hpp"
+#include "platform/ApplicationNotifications.hpp"
 #include "platform/Language.hpp"
+#include "runtime/WeakCall.hpp"
 
 #include <algorithm>
+#include <array>
 #include <unordered_set>
 #include <utility>
 
 namespace sentrel {
 
 namespace {
+
+/// After each of these a date may have another heading.
+constexpr std::array regroupingNotifications{"NSCalendarDayChangedNotification",
+                                             "NSSystemTimeZoneDidChangeNotification"};
 
 constexpr double sidebarWidth = 260.0;
 constexpr double messagePadding = 8.0;
@@ -22,7 +29,7 @@ constexpr double messagePadding = 8.0;
 
 MacAlertsContentView::MacAlertsContentView(Collaborators collaborators)
     : with_(collaborators),
-      rows_(with_.alerts, with_.calendar, with_.wallClock, with_.language),
+      rows_(with_.alerts, with_.calendar, with_.language),
       detail_(with_.actor, with_.alerts, with_.preview,
               {with_.calendar, with_.files, with_.host, with_.imageCodec, with_.language, with_.savePanels})
 {
@@ -30,8 +37,11 @@ MacAlertsContentView::MacAlertsContentView(Collaborators collaborators)
     observations_.push_back(with_.alerts.alerts.observe([this](const auto&) { alertsChanged(); }));
     follow(with_.alerts.errorMessage);
     follow(with_.alerts.infoMessage);
-    follow(with_.alerts.isLoading);
     follow(with_.alerts.hasLoadedInitialAlerts);
+    for (const char* const name : regroupingNotifications) {
+        registrations_.push_back(
+            with_.notifications.observe(name, weakCall(with_.actor, anchor_.weak(), &MacAlertsContentView::regroup)));
+    }
 }
 
 void MacAlertsContentView::appeared()
@@ -167,6 +177,12 @@ bool MacAlertsContentView::hasList() const
 void MacAlertsContentView::alertsChanged()
 {
     showSelected();
+    changed();
+}
+
+void MacAlertsContentView::regroup()
+{
+    rows_.forget();
     changed();
 }
 

@@ -2,6 +2,7 @@
 
 #include "app/AlertListRows.hpp"
 #include "app/MacAlertDetailView.hpp"
+#include "platform/Registration.hpp"
 #include "runtime/Observable.hpp"
 #include "runtime/Weak.hpp"
 #include "ui/View.hpp"
@@ -13,6 +14,10 @@
 #include <vector>
 
 namespace sentrel {
+
+namespace platform {
+class ApplicationNotifications;
+}
 
 /// The alerts window: the list of alerts, and the detail of what is selected there. Main actor.
 class MacAlertsContentView {
@@ -27,7 +32,7 @@ public:
         platform::ImageCodec& imageCodec;
         platform::Language& language;
         platform::SavePanels& savePanels;
-        platform::WallClock& wallClock;
+        platform::ApplicationNotifications& notifications;
     };
 
     explicit MacAlertsContentView(Collaborators collaborators);
@@ -51,6 +56,7 @@ private:
     [[nodiscard]] std::string localized(std::string_view text);
     [[nodiscard]] bool hasList() const;
     void alertsChanged();
+    void regroup();
     void select(std::set<std::string> rows);
     void showSelected();
     void refresh();
@@ -69,6 +75,7 @@ private:
     bool isConfirmingDeletion_ = false;
     bool isSidebarShown_ = true;
     std::vector<Observation> observations_;
+    std::vector<platform::RegistrationPtr> registrations_;
     WeakAnchor<MacAlertsContentView> anchor_{*this};
 };
 

@@ -11,6 +11,7 @@
 #include "coordinator/AlarmCoordinator.hpp"
 #include "core/SettingsStore.hpp"
 #include "lock/PasswordGate.hpp"
+#include "lock/ScreenCoverService.hpp"
 #include "outputs/AlarmSoundPlayer.hpp"
 #include "platform/Journal.hpp"
 #include "platform/Language.hpp"
@@ -61,9 +62,7 @@ void MacAppDelegate::applicationDidFinishLaunching()
 
 platform::TerminateReply MacAppDelegate::applicationShouldTerminate()
 {
-    // Not the settings alone: nobody silences an alarm by quitting.
-    const bool needsLogin = with_.settings.settings().requirePasswordForActions || with_.coordinator.isAlarmActive;
-    if (needsLogin && !quitAuthorized_) {
+    if (!mayQuit()) {
         start(authorization_, authorizeQuit());
         return platform::TerminateReply::cancel;
     }
@@ -89,6 +88,21 @@ MacAppDelegate::QuitState MacAppDelegate::quitState() const
         return QuitState::cleaningUp;
     }
     return isUnderWay(authorization_) ? QuitState::authorizing : QuitState::running;
+}
+
+bool MacAppDelegate::mayQuit() const
+{
+    // Not the settings alone: nobody silences an alarm by quitting, or takes the lock screen away.
+    const bool needsLogin = with_.settings.settings().requirePasswordForActions || with_.coordinator.isAlarmActive ||
+                            with_.cover.isShowing();
+    return quitAuthorized_ || !needsLogin;
+}
+
+void MacAppDelegate::callQuitOff()
+{
+    ports_.application.replyToShouldTerminate(false);
+    with_.presence.startHeartbeat();
+    start(authorization_, authorizeQuit());
 }
 
 void MacAppDelegate::leaveDisarmed()
@@ -182,6 +196,11 @@ Async<void> MacAppDelegate::cleanUpAndQuit()
     const bool isCancelled = co_await isTaskCancelled();
     if (isCancelled) {
         throw CancellationError{};
+    }
+    // Somebody may have set the alarm off meanwhile.
+    if (!mayQuit()) {
+        callQuitOff();
+        co_return;
     }
     quitCleanupDone_ = true;
     ports_.application.replyToShouldTerminate(true);

@@ -15,6 +15,7 @@ class CloudKitConnectionMonitor;
 class MacAlertsService;
 class MacPresenceService;
 class PasswordGate;
+class ScreenCoverService;
 class SettingsStore;
 class WindowHooks;
 
@@ -38,6 +39,7 @@ public:
         MacPresenceService& presence;
         CloudKitConnectionMonitor& connectionMonitor;
         PasswordGate& passwordGate;
+        const ScreenCoverService& cover;
         AlertPhotoPreview& photoPreview;
         WindowHooks& windows;
     };
@@ -58,7 +60,8 @@ public:
 
     void applicationDidFinishLaunching();
 
-    /// Quitting needs the login when the settings say so, and always while the alarm is sounding.
+    /// Quitting needs the login when the settings say so, and always while the alarm is sounding or the lock screen is
+    /// shown. A quit that needs it only by the time the cleanup is done is called off, and asked for anew.
     [[nodiscard]] platform::TerminateReply applicationShouldTerminate();
 
     /// Returns when the user's sound is back.
@@ -69,6 +72,8 @@ public:
     [[nodiscard]] QuitState quitState() const;
 
 private:
+    [[nodiscard]] bool mayQuit() const;
+    void callQuitOff();
     void leaveDisarmed();
     void registerForRemoteNotifications();
     void applicationDidReceiveRemoteNotification(const Json& userInfo);

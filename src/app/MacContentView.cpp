@@ -15,6 +15,8 @@ namespace sentrel {
 
 namespace {
 
+using platform::CloudAccountStatus;
+
 constexpr double panelPadding = 20.0;
 
 // What would make no sound, or see no motion, can't be chosen.
@@ -84,31 +86,33 @@ ui::View MacContentView::heading()
 
 ui::View MacContentView::status()
 {
-    if (!isComputerCompatible_) {
-        return ui::section(
-            localized("Status"),
-            {ui::horizontalStack({ui::view(symbol("desktopcomputer")),
-                                  ui::text(localized("Computer Not Compatible"), ui::Text::Style::headline)}),
-             ui::text(localized("Sentrel requires a MacBook to work.\n\niMac, Mac mini, Mac Studio, and Mac Pro cannot "
-                                "use unplugged, lid closed, or motion triggers."))});
-    }
     const AlarmCoordinator& coordinator = with_.coordinator;
     const bool isArmed = coordinator.isArmed;
-    const std::string state = localized(isArmed ? "Armed" : "Disarmed");
-    const std::string& message = coordinator.statusMessage;
     const auto& trigger = coordinator.lastTrigger.get();
-    return ui::section(localized("Status"),
-                       {
-                           ui::horizontalStack({ui::view(symbol(isArmed ? "lock.shield.fill" : "lock.open")),
-                                                ui::text(state, ui::Text::Style::headline).id("state")}),
-                           // Mostly the same word.
-                           ui::text(message).id("statusMessage").hidden(message == state),
-                           ui::text(trigger ? title(*trigger, with_.language) : "").id("lastTrigger").hidden(!trigger),
-                           notice("lastError", coordinator.lastError),
-                           notice("cameraWarning", coordinator.cameraWarning),
-                           notice("motionWarning", coordinator.motionWarning),
-                           stopButton_.body(StopAlarmButton::Style::controlPanel),
-                       });
+    return ui::section(
+        localized("Status"),
+        {
+            incompatibleNotice().id("incompatible").hidden(isComputerCompatible_),
+            ui::horizontalStack({ui::view(symbol(isArmed ? "lock.shield.fill" : "lock.open")),
+                                 ui::text(coordinator.statusMessage, ui::Text::Style::headline).id("state")}),
+            ui::text(trigger ? title(*trigger, with_.language) : "").id("lastTrigger").hidden(!trigger),
+            notice("lastError", coordinator.lastError),
+            notice("cameraWarning", coordinator.cameraWarning),
+            notice("motionWarning", coordinator.motionWarning),
+            stopButton_.body(StopAlarmButton::Style::controlPanel),
+        });
+}
+
+ui::View MacContentView::incompatibleNotice()
+{
+    return ui::verticalStack(
+        {
+            ui::horizontalStack({ui::view(symbol("desktopcomputer")),
+                                 ui::text(localized("Computer Not Compatible"), ui::Text::Style::headline)}),
+            ui::text(localized("Sentrel requires a MacBook to work.\n\niMac, Mac mini, Mac Studio, and Mac Pro cannot "
+                               "use unplugged, lid closed, or motion triggers.")),
+        },
+        8.0, ui::Stack::Alignment::leading);
 }
 
 ui::View MacContentView::triggers()
@@ -168,12 +172,13 @@ ui::View MacContentView::iCloud()
     const std::string reached = localized(isReachable ? "iCloud connected" : "No connection");
     const std::optional<std::string>& syncError = with_.cloud.lastSyncError;
     const std::optional<std::string>& presenceError = with_.presence.syncError;
+    // Mostly the same failure; and a missing account is what the line tells.
+    const bool isTold = presenceError == syncError || with_.cloud.lastAccountStatus() == CloudAccountStatus::noAccount;
     return ui::section(localized("iCloud"),
                        {
                            ui::text(isAvailable ? reached : localized("Sign in to iCloud")).id("line"),
                            notice("lastSyncError", syncError),
-                           // Mostly the same failure.
-                           notice("syncError", presenceError == syncError ? std::nullopt : presenceError),
+                           notice("syncError", isTold ? std::nullopt : presenceError),
                        });
 }
 

@@ -49,6 +49,7 @@ public:
 private:
     [[nodiscard]] ui::View heading();
     [[nodiscard]] ui::View status();
+    [[nodiscard]] ui::View incompatibleNotice();
     [[nodiscard]] ui::View triggers();
     [[nodiscard]] std::optional<std::string> accelerometerNotice();
     [[nodiscard]] ui::View options();

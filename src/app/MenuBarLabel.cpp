@@ -27,11 +27,6 @@ std::string MenuBarLabel::accessibilityLabel() const
     return language_.localized("Sentrel") + ": " + language_.localized(isArmed() ? "Armed" : "Disarmed");
 }
 
-ui::View MenuBarLabel::body() const
-{
-    return ui::view(ui::Image{ui::Image::Source::asset, image()}).accessibilityLabel(accessibilityLabel());
-}
-
 bool MenuBarLabel::isArmed() const
 {
     return isComputerCompatible_ && coordinator_.isArmed;

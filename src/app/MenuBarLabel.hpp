@@ -1,7 +1,6 @@
 #pragma once
 
 #include "runtime/Observable.hpp"
-#include "ui/View.hpp"
 
 #include <functional>
 #include <string>
@@ -28,8 +27,6 @@ public:
 
     /// What screen readers say.
     [[nodiscard]] std::string accessibilityLabel() const;
-
-    [[nodiscard]] ui::View body() const;
 
 private:
     [[nodiscard]] bool isArmed() const;

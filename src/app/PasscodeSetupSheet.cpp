@@ -1,5 +1,6 @@
 #include "app/PasscodeSetupSheet.hpp"
 
+#include "app/SettingsEditor.hpp"
 #include "app/ViewParts.hpp"
 #include "foundation/TextFormat.hpp"
 #include "lock/UnlockPasscodeStore.hpp"
@@ -108,7 +109,9 @@ void PasscodeSetupSheet::save()
     error_ = mistake();
     changed();
     if (!error_) {
-        with_.permit(weakAction(anchor_.weak(), &PasscodeSetupSheet::saveNow));
+        // Of an armed Mac also the first passcode: with the lock screen it would silence the alarm. Asked here and not
+        // when the sheet opens, since the Mac may be armed while it is open.
+        with_.editor.loosen("setPasscode", weakAction(anchor_.weak(), &PasscodeSetupSheet::saveNow));
     }
 }
 

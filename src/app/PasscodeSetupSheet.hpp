@@ -13,14 +13,15 @@
 
 namespace sentrel {
 
+class SettingsEditor;
 class UnlockPasscodeStore;
 
 namespace platform {
 class Language;
 }
 
-/// The sheet in which the unlock passcode is set or changed. Closing it while it saves leaves the passcode as it was.
-/// Main actor.
+/// The sheet in which the unlock passcode is set or changed; an armed Mac asks for the login when it saves. Closing it
+/// while it saves leaves the passcode as it was. Main actor.
 class PasscodeSetupSheet {
 public:
     /// How many characters a passcode has at least.
@@ -31,7 +32,7 @@ public:
         UnlockPasscodeStore& passcodes;
         DetachedWork& derivations; ///< of an owner that lives longer, which waits for a derivation that is running
         platform::Language& language;
-        std::function<void(std::function<void()> save)> permit; ///< calls `save` once the user may replace the passcode
+        SettingsEditor& editor;
     };
 
     /// `onSaved` is called after a successful save, before `dismiss`, which may destroy the sheet.

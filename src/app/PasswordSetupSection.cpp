@@ -75,7 +75,7 @@ ui::View PasswordSetupSection::buttons()
     const auto weak = anchor_.weak();
     return ui::horizontalStack({
         ui::button(localized(hasPasscode_ ? "Change" : "Set Passcode"),
-                   weakAction(weak, &PasswordSetupSection::setOrChange))
+                   weakAction(weak, &PasswordSetupSection::openSheet))
             .id("setPasscode"),
         ui::button(localized("Remove"), weakAction(weak, &PasswordSetupSection::askToRemove),
                    ui::Button::Role::destructive)
@@ -113,43 +113,14 @@ std::string PasswordSetupSection::localized(std::string_view text)
     return language_.localized(text);
 }
 
-void PasswordSetupSection::setOrChange()
-{
-    if (!hasPasscode_) {
-        openSheet(false);
-        return;
-    }
-    // A passcode that somebody else replaces is as good as removed.
-    editor_.loosen("changePasscode", [weak = anchor_.weak(), asks = editor_.asksForLogin()] {
-        if (auto* const section = weak.get()) {
-            section->openSheet(asks);
-        }
-    });
-}
-
-void PasswordSetupSection::openSheet(bool hasLoggedIn)
+void PasswordSetupSection::openSheet()
 {
     const auto weak = anchor_.weak();
-    auto permit = [weak, hasLoggedIn](std::function<void()> save) {
-        if (auto* const section = weak.get()) {
-            section->replacePasscode(hasLoggedIn, std::move(save));
-        }
-    };
     passcodeSheet_ = std::make_unique<PasscodeSetupSheet>(
-        PasscodeSetupSheet::Collaborators{actor_, passcodes_, derivations_, language_, std::move(permit)},
+        PasscodeSetupSheet::Collaborators{actor_, passcodes_, derivations_, language_, editor_},
         weakAction(weak, &PasswordSetupSection::readPasscode), weakAction(weak, &PasswordSetupSection::closeSheet));
     passcodeSheet_->onChange = weakAction(weak, &PasswordSetupSection::changed);
     changed();
-}
-
-void PasswordSetupSection::replacePasscode(bool hasLoggedIn, std::function<void()> save)
-{
-    // The sheet may have been opened when the Mac wasn't armed, or had no passcode yet.
-    if (hasLoggedIn || !passcodes_.hasPasscode()) {
-        save();
-    } else {
-        editor_.loosen("changePasscode", std::move(save));
-    }
 }
 
 void PasswordSetupSection::closeSheet()

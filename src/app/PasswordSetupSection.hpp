@@ -42,12 +42,10 @@ private:
     [[nodiscard]] ui::View delay();
     [[nodiscard]] ui::View removeConfirmation();
     [[nodiscard]] std::string localized(std::string_view text);
-    void setOrChange();
     void askToRemove();
     void remove();
     void closeConfirmation();
-    void openSheet(bool hasLoggedIn);
-    void replacePasscode(bool hasLoggedIn, std::function<void()> save);
+    void openSheet();
     void closeSheet();
     void readPasscode();
     void changed();

@@ -39,7 +39,7 @@ SentrelApp::SentrelApp(platform::Platform& platform)
       photoPreview_(platform.previewPanel),
       delegate_(actor_, isComputerCompatible_,
                 {settings_, soundPlayer_, coordinator_, alertsService_, presence_, connectionMonitor_, passwordGate_,
-                 photoPreview_, windowHooks_},
+                 cover_, photoPreview_, windowHooks_},
                 {platform.application, platform.remoteNotifications, platform.workspaceNotifications,
                  platform.previewPanel, platform.language, platform.journal}),
       scenes_(actor_, isComputerCompatible_,

@@ -18,7 +18,7 @@ SentrelScenes::SentrelScenes(MainActor actor, bool isComputerCompatible, Service
                  protectedActions_, platform.language},
                 isComputerCompatible),
       alertsView_({actor, services.alerts, services.photoPreview, platform.calendar, platform.files, platform.host,
-                   platform.imageCodec, platform.language, platform.savePanels, platform.wallClock}),
+                   platform.imageCodec, platform.language, platform.savePanels, platform.applicationNotifications}),
       menuLabel_(services.coordinator, isComputerCompatible, platform.language),
       mainScene_(actor, platform.windows, windows_, mainConfigurator_, platform.language.localized("Sentrel"),
                  [this] { return mainView_.body(); }),

@@ -80,11 +80,6 @@ ui::View SettingsEditor::slider(std::string label, double AlarmSettings::* field
     return ui::view(std::move(slider)).id(std::string{named.name});
 }
 
-bool SettingsEditor::asksForLogin() const
-{
-    return coordinator_.isArmed && protectedActions_.isLoginRequired();
-}
-
 void SettingsEditor::loosen(const std::string& name, std::function<void()> action)
 {
     if (coordinator_.isArmed) {

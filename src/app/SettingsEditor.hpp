@@ -42,9 +42,6 @@ public:
     [[nodiscard]] ui::View slider(std::string label, double AlarmSettings::* field, Range range,
                                   std::string valueText = {});
 
-    /// Whether what loosens the protection asks for the login now.
-    [[nodiscard]] bool asksForLogin() const;
-
     /// Does what loosens the protection: after the login if the Mac is armed and the settings want it, else at once.
     void loosen(const std::string& name, std::function<void()> action);
 

@@ -43,8 +43,16 @@ void MacPresenceService::start()
         return;
     }
     hasStarted_ = true;
-    startPublication();
+    startHeartbeat();
     tasks_.add(actor_.spawn(pollForCommands()));
+}
+
+void MacPresenceService::startHeartbeat()
+{
+    if (heartbeatTask_) {
+        return;
+    }
+    startPublication();
     heartbeatTask_ = actor_.spawn(beat());
     tasks_.add(heartbeatTask_);
 }

@@ -42,6 +42,9 @@ public:
     /// Begins the heartbeat and the polling for commands. Again: nothing.
     void start();
 
+    /// Publishes this Mac's state and begins the heartbeat, also after `stopHeartbeat`. Nothing while it beats.
+    void startHeartbeat();
+
     /// Ends the heartbeat, before the last publication.
     void stopHeartbeat();
 

@@ -33,7 +33,9 @@ void walk(const View& view, Node node, std::vector<Node>& found)
         next.isEnabled = node.isEnabled;
         walk(inner, std::move(next), found);
     };
-    for (std::size_t index = 0; index < view.children.size(); ++index) {
+    const auto* const split = elementOf<SplitView>(view);
+    const bool hasHiddenSidebar = split != nullptr && !split->isSidebarShown.value;
+    for (std::size_t index = hasHiddenSidebar ? 1 : 0; index < view.children.size(); ++index) {
         enter(view.children[index], stepOf(view.children[index], index));
     }
     for (const View& attachment : view.attachments) {

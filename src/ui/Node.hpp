@@ -21,7 +21,8 @@ struct Node {
     bool isBlocked = false; ///< a sheet or a dialog lies over it
 };
 
-/// All views that are not hidden, each before its children, and these before its attachments.
+/// All views that are not hidden, each before its children, and these before its attachments. A sidebar that the user
+/// has hidden is not there.
 [[nodiscard]] std::vector<Node> nodesOf(const View& root);
 
 /// The step of a child or an attachment: its id, or what stands for it without one.

@@ -5,6 +5,8 @@
 #include "cloud/CloudMac.hpp"
 #include "platform/simulated/IcuCalendar.hpp"
 #include "platform/simulated/JpegWriter.hpp"
+#include "platform/simulated/SimulatedApplicationActivation.hpp"
+#include "platform/simulated/SimulatedDisplays.hpp"
 #include "platform/simulated/SimulatedPreviewPanel.hpp"
 #include "platform/simulated/SimulatedSavePanels.hpp"
 #include "platform/simulated/TurboImageCodec.hpp"
@@ -15,6 +17,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <fstream>
 #include <tuple>
 
@@ -23,6 +26,7 @@ namespace {
 
 using testing::ElementsAre;
 using testing::IsSupersetOf;
+using namespace std::string_literals;
 
 /// 5 March 2026, 14:07:09 UTC.
 constexpr Date thursday{794412429.0};
@@ -118,6 +122,13 @@ protected:
         return node ? ui::visibleTexts(*node->view) : std::vector<std::string>{"nothing there"};
     }
     bool shows(std::string_view wanted) { return ui::find(window_.body(), wanted).has_value(); }
+    /// What a renderer knows the photo by.
+    std::string nameOfPhoto()
+    {
+        const auto body = window_.body();
+        const auto node = ui::find(body, "photo");
+        return node ? ui::elementOf<ui::Image>(*node->view)->name : "";
+    }
     std::shared_ptr<const Bytes> photoShown()
     {
         const auto body = window_.body();
@@ -137,9 +148,11 @@ protected:
     simulated::SimulatedSavePanels savePanels_{world_.hardware, mac_.disk};
     simulated::SimulatedPreviewPanel previewPanel_{world_.log};
     simulated::TurboImageCodec codec_;
+    simulated::SimulatedApplicationActivation activation_;
+    simulated::SimulatedDisplays displays_{mac_.process, world_.log, activation_};
     AlertPhotoPreview preview_{previewPanel_};
-    MacAlertsContentView window_{{actor_, service_, preview_, calendar_, mac_.files, mac_.host, codec_, mac_.language,
-                                  savePanels_, mac_.wallClock}};
+    MacAlertsContentView window_{
+        {actor_, service_, preview_, calendar_, mac_.files, mac_.host, codec_, mac_.language, savePanels_, displays_}};
     int count_ = 0;
 };
 
@@ -209,6 +222,8 @@ TEST_F(AlertsWindowTest, TheSidebarHidesAndTheButtonSaysWhatItDoes)
     EXPECT_EQ(state(), std::pair(true, std::string{"Hide Sidebar"}));
     press("Toggle Sidebar");
     EXPECT_EQ(state(), std::pair(false, std::string{"Show Sidebar"}));
+    EXPECT_FALSE(shows("Today") || shows("sidebar/alerts"));
+    EXPECT_TRUE(shows("Select an Alert"));
     const auto body = window_.body();
     ui::elementOf<ui::SplitView>(body)->isSidebarShown.set(true); // dragged out
     EXPECT_EQ(state(), std::pair(true, std::string{"Hide Sidebar"}));
@@ -236,6 +251,7 @@ TEST_F(AlertsWindowTest, LoadsThePhotoOfEachAlertAndAgainOnRetry)
     store_.save(service_.alerts.get()->back().alert, photo(56), false);
     press("Retry");
     EXPECT_EQ(*photoShown(), photo(56));
+    EXPECT_TRUE(nameOfPhoto().ends_with("-2")) << nameOfPhoto();
 }
 
 TEST_F(AlertsWindowTest, PreviewsATemporaryCopy)
@@ -248,8 +264,9 @@ TEST_F(AlertsWindowTest, PreviewsATemporaryCopy)
     EXPECT_THAT(previewPanel_.items(), ElementsAre(file));
     EXPECT_EQ(preview_.dataSource()->itemAt(0), file);
     EXPECT_EQ(codec_.pixelSize(*mac_.posixFiles.read(file)), (platform::PixelSize{40, 30}));
+    EXPECT_EQ(std::filesystem::status(file).permissions(), std::filesystem::perms{0600});
 
-    mac_.files.faults().set("create", 1);
+    mac_.files.faults().set("create", 2);
     press("Preview");
     EXPECT_THAT(textsIn("photoFailure"),
                 ElementsAre("Couldn't Preview Photo", "You don't have permission to save it there.", "OK"));
@@ -288,13 +305,14 @@ TEST_F(AlertsWindowTest, SaysWhyAPhotoCouldNotBeSaved)
     const auto downloads = mac_.disk / "Downloads";
     constexpr auto denied = "You don't have permission to save it there.";
     constexpr auto full = "There is not enough space for it there.";
+    // Of the temporary file and then of the chosen one.
     const std::tuple<const char*, const char*, bool> faults[] = {
-        {"create", denied, false}, {"write", full, false}, {"write", full, true}, {"rename", denied, true}};
+        {"create", denied, false}, {"write", full, false}, {"create", denied, true}, {"write", full, true}};
     for (const auto& [fault, message, isThere] : faults) {
         if (isThere) {
             std::ofstream{downloads / "photo.jpg"} << "older";
         }
-        mac_.files.faults().set(fault, 1);
+        mac_.files.faults().set(fault, 2);
         press("Download Photo");
         EXPECT_THAT(textsIn("photoFailure"), ElementsAre("Couldn't Save Photo", message, "OK"));
         EXPECT_EQ(press("Refresh"), ui::Interaction::unreachable) << "it has to be read first";
@@ -303,6 +321,13 @@ TEST_F(AlertsWindowTest, SaysWhyAPhotoCouldNotBeSaved)
         EXPECT_EQ(mac_.posixFiles.list(downloads)->size(), isThere ? 1U : 0U) << "no half file stays";
         EXPECT_EQ(mac_.posixFiles.read(downloads / "photo.jpg") == bytesOf("older"), isThere) << "nor does one go";
     }
+    // Another volume takes no file by renaming it.
+    mac_.files.faults().set("rename", 1);
+    press("Download Photo");
+    EXPECT_FALSE(shows("photoFailure"));
+    EXPECT_EQ(codec_.pixelSize(*mac_.posixFiles.read(downloads / "photo.jpg")), (platform::PixelSize{40, 30}));
+    EXPECT_THAT(*mac_.posixFiles.list(mac_.temporaryFolder()), testing::IsEmpty());
+
     select({half});
     press("Download Photo");
     EXPECT_THAT(textsIn("photoFailure"),
@@ -395,9 +420,16 @@ TEST_F(AlertsWindowTest, AThousandRowsAreWrittenOnce)
     EXPECT_TRUE(shows("1000 Alerts Selected"));
     select({*ids.begin()});
     EXPECT_LE(calendar_.datesWritten, 1010) << "selecting writes no row";
-    // The next day the sections are others.
+    const auto headingsAfter = [&](const char* notification) {
+        displays_.post(notification);
+        world_.clock.runReady();
+        const auto texts = textsIn("sidebar");
+        return std::tuple(texts.front(), std::ranges::count(texts, "Yesterday"));
+    };
+    calendar_.real.setTimeZone("Australia/Brisbane"); // seven minutes past midnight
+    EXPECT_EQ(headingsAfter("NSSystemTimeZoneDidChangeNotification"), std::tuple("Today"s, 1));
     mac_.wallClock.offset += 86400.0;
-    EXPECT_THAT(textsIn("sidebar"), testing::Contains("Yesterday"));
+    EXPECT_EQ(headingsAfter("NSCalendarDayChangedNotification"), std::tuple("Yesterday"s, 1));
 }
 
 } // namespace

@@ -68,6 +68,12 @@ public:
     /// How the login goes from now on.
     void login(simulated::LoginAnswer answer) { session_.mac().login.setAnswer(answer); }
     [[nodiscard]] std::size_t loginsAsked() { return session_.mac().login.reasonsAsked().size(); }
+    /// The panel's iCloud learns that nobody is signed in.
+    void signOut()
+    {
+        cloudMac_.icloud.account.setStatus(platform::CloudAccountStatus::noAccount);
+        static_cast<void>(cloudMac_.await(cloud.refreshAvailability(true)));
+    }
     void trigger()
     {
         session_.onMain([](SentrelApp& app) { app.coordinator().trigger(TriggerReason::unplugged); });

@@ -114,6 +114,36 @@ TEST(MacAppDelegate, APublicationThatHangsHoldsUpTheEndForTwoSeconds)
     EXPECT_EQ(desk.state("quit"), "quit");
 }
 
+TEST(MacAppDelegate, AnAlarmThatStartsDuringTheCleanupCallsTheQuitOffUntilTheLogin)
+{
+    Desk desk;
+    desk.session.mac().iCloud.account.setStatus(platform::CloudAccountStatus::available);
+    desk.session.clock().advance(1min);
+    desk.session.mac().iCloud.link.setLatency(1h);
+    desk.set(&AlarmSettings::requirePasswordForActions, false);
+    desk.set(&AlarmSettings::isArmed, true);
+    desk.login().setAnswerDelay(std::nullopt);
+    desk.session.quit();
+    desk.session.mac().power.setAC(false);
+    desk.session.clock().advance(3s);
+    EXPECT_EQ(desk.session.mac().speaker.sounding().size(), 1U);
+    EXPECT_FALSE(desk.session.mac().application.isAwaitingReply());
+    EXPECT_THAT(desk.login().reasonsAsked(), ElementsAre("verify your Mac login"));
+
+    desk.login().answerPanel(LoginAnswer::cancel);
+    desk.session.mac().iCloud.link.setLatency(80ms);
+    const auto published = desk.session.log().named("presence.published").size();
+    desk.session.clock().advance(3min);
+    EXPECT_EQ(desk.state("quit"), "running");
+    EXPECT_GT(desk.session.log().named("presence.published").size(), published) << "the heart beats on";
+
+    desk.session.quit();
+    desk.login().answerPanel(LoginAnswer::succeed);
+    desk.session.clock().advance(2s);
+    EXPECT_EQ(desk.state("quit"), "quit");
+    EXPECT_EQ(desk.session.mac().speaker.sounding().size(), 0U);
+}
+
 TEST(MacAppDelegate, StartsAsADisarmedAccessoryThatThenTalksToICloud)
 {
     simulated::MacDescription description;

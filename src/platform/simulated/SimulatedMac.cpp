@@ -1,5 +1,7 @@
 #include "platform/simulated/SimulatedMac.hpp"
 
+#include "runtime/Sleep.hpp"
+
 namespace sentrel::simulated {
 
 namespace {
@@ -93,6 +95,18 @@ SimulatedMac::SimulatedMac(const MacSurroundings& surroundings, const MacDescrip
     apply(description.camera, camera);
     login.setAnswer(description.login);
     apply(description.iCloud, iCloud);
+    tasks_.add(MainActor{surroundings.hardware}.spawn(announceDays()));
+}
+
+/// The system says when a day begins, at the latest a second later.
+Async<void> SimulatedMac::announceDays()
+{
+    for (;;) {
+        const Date now = wallClock.now();
+        const Date end = calendar.interval(platform::CalendarUnit::day, now).end;
+        co_await sleepFor(durationFromSeconds(end.secondsSince(now) + 1.0));
+        displays.post("NSCalendarDayChangedNotification");
+    }
 }
 
 platform::Platform& SimulatedMac::startProcess()

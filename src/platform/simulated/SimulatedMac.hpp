@@ -36,6 +36,7 @@
 #include "platform/simulated/Speaker.hpp"
 #include "platform/simulated/TurboImageCodec.hpp"
 #include "platform/simulated/icloud/SimulatedICloud.hpp"
+#include "runtime/MainActor.hpp"
 
 #include <cstdint>
 #include <filesystem>
@@ -122,8 +123,11 @@ public:
     SimulatedICloud iCloud;
 
 private:
+    Async<void> announceDays();
+
     std::optional<DefaultsFile> defaults_;
     std::optional<platform::Platform> platform_;
+    TaskBag tasks_;
 };
 
 } // namespace sentrel::simulated
