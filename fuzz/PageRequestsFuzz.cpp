@@ -47,8 +47,7 @@ public:
     /// Reads what the page is told: each event is a whole one, and none is too much for it.
     void read()
     {
-        using namespace std::chrono_literals;
-        for (auto event = page_->next(0ms); event == nullptr || !event->empty(); event = page_->next(0ms)) {
+        for (auto event = page_->next(); event == nullptr || !event->empty(); event = page_->next()) {
             if (event == nullptr) {
                 fatalError("a page is cut off that reads");
             }

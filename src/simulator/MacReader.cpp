@@ -50,6 +50,20 @@ std::string readListed(const YamlValue& value, const std::string& key, bool (*is
     return text;
 }
 
+/// An identifier as bundles have it. It names folders and files, so that it must not lead out of the Mac's disk.
+std::optional<std::string> readBundleIdentifier(const YamlValue& value)
+{
+    constexpr std::string_view permitted = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789.-";
+    auto identifier = readOptionalText(value, "'bundleIdentifier'");
+    const bool isPlain = !identifier || (identifier->find_first_not_of(permitted) == std::string::npos &&
+                                         identifier->find_first_not_of('.') != std::string::npos);
+    if (!isPlain) {
+        throw SourceFault(value.line, "'bundleIdentifier' must have letters, digits, '.' and '-' alone, unlike " +
+                                          inQuotes(*identifier));
+    }
+    return identifier;
+}
+
 constexpr std::array<FieldRow<Draft>, 19> macFields{{
     {"model", [](auto& draft, auto& value, auto&) { draft.mac.model = readText(value, "'model'"); }},
     {"productName",
@@ -78,8 +92,8 @@ constexpr std::array<FieldRow<Draft>, 19> macFields{{
     {"music", [](auto& draft, auto& value, auto&) { draft.mac.music = readWord(value, "music", musics); }},
     {"automationConsent",
      [](auto& draft, auto& value, auto&) { draft.mac.automationConsent = readWord(value, "consent", consents); }},
-    {"bundleIdentifier", [](auto& draft, auto& value,
-                            auto&) { draft.mac.bundleIdentifier = readOptionalText(value, "'bundleIdentifier'"); }},
+    {"bundleIdentifier",
+     [](auto& draft, auto& value, auto&) { draft.mac.bundleIdentifier = readBundleIdentifier(value); }},
     {"displays", [](auto& draft, auto& value, auto&) { draft.mac.displays = readDisplayCount(value); }},
     {"camera", [](auto& draft, auto& value, auto& context) { draft.mac.camera = readCamera(value, context).change; }},
     {"icloud",

@@ -40,7 +40,7 @@ Acceleration MotionTimeline::take()
         const Acceleration sample = recording_->samples()[place_++].acceleration;
         if (!isPlaying()) {
             recording_.reset();
-            skipTo(time + Duration{1});
+            skipResting(time + Duration{1});
         }
         return sample;
     }
@@ -57,6 +57,11 @@ void MotionTimeline::skipTo(Instant now)
     while (isPlaying() && playTime() < now) {
         ++place_;
     }
+    skipResting(now);
+}
+
+void MotionTimeline::skipResting(Instant now)
+{
     if (restingNext_ < now) {
         const auto missed = (now - restingNext_ - Duration{1}) / interval_ + 1;
         restingNext_ += interval_ * missed;

@@ -42,6 +42,7 @@ public:
 
 private:
     [[nodiscard]] bool isPlaying() const { return recording_ && place_ < recording_->samples().size(); }
+    void skipResting(Instant now);
     [[nodiscard]] Instant playTime() const { return start_ + recording_->samples()[place_].at; }
 
     std::optional<MotionRecording> recording_;

@@ -12,11 +12,10 @@ constexpr std::size_t mostWaiting = std::size_t{8} << 20;
 
 } // namespace
 
-std::shared_ptr<const std::string> EventHub::Subscriber::next(std::chrono::milliseconds wait)
+std::shared_ptr<const std::string> EventHub::Subscriber::next()
 {
     static const auto nothing = std::make_shared<const std::string>();
-    std::unique_lock lock{mutex_};
-    arrived_.wait_for(lock, wait, [this] { return isClosed_ || !waiting_.empty(); });
+    const std::lock_guard guard{mutex_};
     if (isClosed_) {
         return nullptr;
     }
@@ -29,30 +28,36 @@ std::shared_ptr<const std::string> EventHub::Subscriber::next(std::chrono::milli
     return text;
 }
 
+void EventHub::Subscriber::setListener(std::function<void()> listener)
+{
+    const std::lock_guard guard{mutex_};
+    listener_ = std::move(listener);
+}
+
 void EventHub::Subscriber::push(std::shared_ptr<const std::string> text)
 {
-    {
-        const std::lock_guard guard{mutex_};
-        // One event passes whatever its size, or a page of a Mac with very many alerts would never see anything.
-        if (isClosed_ || (!waiting_.empty() && bytes_ + text->size() > mostWaiting)) {
-            isClosed_ = true;
-            waiting_.clear();
-            bytes_ = 0;
-        } else {
-            bytes_ += text->size();
-            waiting_.push_back(std::move(text));
-        }
+    const std::lock_guard guard{mutex_};
+    // One event passes whatever its size, or a page of a Mac with very many alerts would never see anything.
+    if (isClosed_ || (!waiting_.empty() && bytes_ + text->size() > mostWaiting)) {
+        isClosed_ = true;
+        waiting_.clear();
+        bytes_ = 0;
+    } else {
+        bytes_ += text->size();
+        waiting_.push_back(std::move(text));
     }
-    arrived_.notify_all();
+    if (listener_) {
+        listener_();
+    }
 }
 
 void EventHub::Subscriber::close()
 {
-    {
-        const std::lock_guard guard{mutex_};
-        isClosed_ = true;
+    const std::lock_guard guard{mutex_};
+    isClosed_ = true;
+    if (listener_) {
+        listener_();
     }
-    arrived_.notify_all();
 }
 
 bool EventHub::Subscriber::isClosed() const

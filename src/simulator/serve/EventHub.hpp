@@ -1,10 +1,9 @@
 #pragma once
 
-#include <chrono>
-#include <condition_variable>
 #include <cstddef>
 #include <cstdint>
 #include <deque>
+#include <functional>
 #include <list>
 #include <memory>
 #include <mutex>
@@ -19,9 +18,12 @@ public:
     /// One page's stream.
     class Subscriber {
     public:
-        /// The next event, as it is sent, after at most `wait`: empty when nothing came, null when the stream has
-        /// ended.
-        [[nodiscard]] std::shared_ptr<const std::string> next(std::chrono::milliseconds wait);
+        /// The next event, as it is sent; empty while nothing waits, null when the stream has ended.
+        [[nodiscard]] std::shared_ptr<const std::string> next();
+
+        /// Calls this whenever `next` may give something new, on the thread that has published it. It must not wait,
+        /// nor call this stream. After the call no former listener is running.
+        void setListener(std::function<void()> listener);
 
         void push(std::shared_ptr<const std::string> text);
         void close();
@@ -29,7 +31,7 @@ public:
 
     private:
         mutable std::mutex mutex_;
-        std::condition_variable arrived_;
+        std::function<void()> listener_;
         std::deque<std::shared_ptr<const std::string>> waiting_; // shared: sixteen pages take no more than one
         std::size_t bytes_ = 0;
         bool isClosed_ = false;

@@ -1,126 +1,100 @@
 #include "simulator/serve/HttpServer.hpp"
 
 #include <algorithm>
-#include <charconv>
 #include <chrono>
-#include <optional>
-#include <string>
-#include <thread>
-
-#include <sys/socket.h>
-#include <unistd.h>
+#include <utility>
 
 namespace sentrel::simulator {
 
 namespace {
 
-constexpr std::size_t mostConnections = 48;
-constexpr int mostArriving = 512;
-constexpr std::size_t longestHead = std::size_t{32} << 10;
-constexpr int mostRequests = 10'000; // on one connection
-constexpr std::chrono::seconds longestSilence{15};
-constexpr std::chrono::seconds longestRequest{5};
-constexpr std::chrono::milliseconds farewell{200};
+using boost::asio::ip::tcp;
+using boost::beast::error_code;
 
-/// How long the body is that follows the head. Nothing for one whose end can't be known, or isn't believed.
-std::optional<std::size_t> bodyLength(const httplib::Request& request)
-{
-    if (request.has_header("Transfer-Encoding") || request.get_header_value_count("Content-Length") > 1) {
-        return std::nullopt;
-    }
-    if (!request.has_header("Content-Length")) {
-        return 0;
-    }
-    const std::string text = request.get_header_value("Content-Length");
-    std::size_t length = 0;
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), length);
-    return error == std::errc{} && end == text.data() + text.size() ? std::optional{length} : std::nullopt;
-}
+constexpr std::size_t mostConnections = 256;
+constexpr int mostArriving = 512; // connections that the system holds until they are accepted
+constexpr std::chrono::milliseconds pauseAfterFailure{100};
 
 } // namespace
 
-HttpServer::HttpServer(std::size_t largestBody) : largestBody_(largestBody)
+HttpServer::HttpServer(HttpRoutes& routes, std::size_t largestBody, HttpAnswer::Headers onEveryAnswer)
+    : service_{.routes = routes, .largestBody = largestBody, .onEveryAnswer = std::move(onEveryAnswer)}
 {
-    new_task_queue = [this] { return new ConnectionThreads(connections_, mostConnections); };
-    set_payload_max_length(largestBody);
-    set_tcp_nodelay(true); // or an event waits until the one before is acknowledged: 40 ms
+}
+
+HttpServer::~HttpServer()
+{
+    closeAll();
 }
 
 int HttpServer::bind(int port)
 {
-    constexpr const char* loopback = "127.0.0.1";
-    if (port == 0) {
-        port = bind_to_any_port(loopback);
-    } else if (!bind_to_port(loopback, port)) {
-        return 0;
+    const tcp::endpoint place{boost::asio::ip::address_v4::loopback(), static_cast<unsigned short>(port)};
+    error_code error;
+    acceptor_.open(place.protocol(), error);
+    // A port whose last connections are still being closed is free; one that is listened on isn't.
+    acceptor_.set_option(tcp::acceptor::reuse_address(true), error);
+    acceptor_.bind(place, error);
+    if (!error) {
+        acceptor_.listen(mostArriving, error);
     }
-    if (port > 0) {
-        ::listen(svr_sock_, mostArriving); // more than the library lets wait
+    return error ? 0 : acceptor_.local_endpoint().port();
+}
+
+void HttpServer::accept()
+{
+    acceptor_.async_accept([this](error_code error, tcp::socket socket) {
+        if (error) {
+            makeRoom(); // no descriptor is left
+            pause_.expires_after(pauseAfterFailure);
+            return pause_.async_wait([this](const error_code& ended) { ended ? void() : accept(); });
+        }
+        if (service_.connections.size() >= mostConnections) {
+            makeRoom();
+        }
+        if (service_.connections.size() < mostConnections) {
+            error_code ignored;
+            socket.set_option(tcp::no_delay(true), ignored);
+            const auto connection = std::make_shared<HttpConnection>(service_, std::move(socket));
+            service_.connections.insert(connection);
+            connection->awaitRequest();
+        }
+        accept();
+    });
+}
+
+/// Closes the connection whose request began first, so that slow clients give way to those that come later. Streams
+/// stay: their number has a limit of its own.
+void HttpServer::makeRoom()
+{
+    const auto since = [](const auto& each) { return each->since(); };
+    const auto longest = std::ranges::min_element(service_.connections, {}, since);
+    if (longest != service_.connections.end() && since(*longest) != std::chrono::steady_clock::time_point::max()) {
+        const auto connection = *longest;
+        connection->close();
     }
-    return std::max(port, 0);
+}
+
+void HttpServer::closeAll()
+{
+    error_code ignored;
+    acceptor_.close(ignored);
+    while (!service_.connections.empty()) {
+        const auto connection = *service_.connections.begin();
+        connection->close();
+    }
 }
 
 void HttpServer::serve()
 {
-    isServing_ = true;
-    if (!connections_.areCut()) {
-        listen_after_bind();
-    }
-    isServing_ = false;
+    accept();
+    context_.run();
+    closeAll();
 }
 
 void HttpServer::end()
 {
-    connections_.cutAll();
-    // Between the two, the library isn't there to be stopped.
-    while (isServing_ && !is_running()) {
-        std::this_thread::yield();
-    }
-    stop();
-}
-
-bool HttpServer::process_and_close_socket(socket_t socket)
-{
-    {
-        Connections::Entry entry{connections_, socket};
-        ConnectionStream stream{socket};
-        stream.wasReadWhole = [&entry] { entry.setBusy(true); };
-        for (int count = 1; count <= mostRequests && stream.waitFor(longestSilence); ++count) {
-            if (!answerOne(stream, count == mostRequests)) {
-                break;
-            }
-            entry.setBusy(false);
-        }
-        // What still arrives would make the system throw away the answer.
-        entry.setBusy(false);
-        ::shutdown(socket, SHUT_WR);
-        stream.allow(largestBody_, farewell);
-        static_cast<void>(stream.skipRest());
-    }
-    ::close(socket);
-    return true;
-}
-
-/// Answers a request; false when the connection ends with it.
-bool HttpServer::answerOne(ConnectionStream& stream, bool isLast)
-{
-    stream.allow(longestHead, longestRequest);
-    bool isEnd = false;
-    bool isHeadRead = false;
-    const bool isAnswered = process_request(stream, isLast, isEnd, [&](httplib::Request& request) {
-        isHeadRead = true;
-        const auto length = bodyLength(request);
-        if (!length || *length > largestBody_) {
-            request.set_header("Connection", "close");
-            isEnd = true;
-        }
-        stream.allow(std::min(length.value_or(0), largestBody_));
-        // On loopback there is nothing to gain by packing and by parts of answers, and much to lose.
-        request.headers.erase("Accept-Encoding");
-        request.headers.erase("Range");
-        request.ranges.clear();
-    });
-    return isAnswered && isHeadRead && !isEnd && stream.skipRest();
+    context_.stop();
 }
 
 } // namespace sentrel::simulator

@@ -1,37 +1,42 @@
 #pragma once
 
-#include "simulator/serve/ConnectionStream.hpp"
-#include "simulator/serve/Connections.hpp"
+#include "simulator/serve/HttpConnection.hpp"
 
-#include <atomic>
+#include <boost/asio/io_context.hpp>
+#include <boost/asio/ip/tcp.hpp>
+#include <boost/asio/steady_timer.hpp>
+
 #include <cstddef>
-#include <httplib.h>
 
 namespace sentrel::simulator {
 
-/// A server of HTTP on loopback that nobody holds up: neither who sends half of a request, or one without end, nor who
-/// doesn't read the answer, nor who opens connections and is silent. Bodies have a length and are not packed; answers
-/// come whole and as they are.
-class HttpServer final : public httplib::Server {
+/// HTTP/1.1 on loopback. One thread serves all connections and never waits for a client: each read and write has a
+/// deadline, heads, bodies and connections have a limit, and when the connections are used up, the one that has taken
+/// the longest with its request makes room. Bodies must have a length and no encoding.
+class HttpServer {
 public:
-    explicit HttpServer(std::size_t largestBody);
+    HttpServer(HttpRoutes& routes, std::size_t largestBody, HttpAnswer::Headers onEveryAnswer);
+    ~HttpServer();
+    HttpServer(const HttpServer&) = delete;
 
-    /// Takes a port; 0: any that is free. Gives the port, or 0 when it is taken already.
+    /// Takes a port; 0 means any that is free. Returns the port, or 0 when another program listens on it.
     [[nodiscard]] int bind(int port);
 
-    /// Answers until `end`.
+    /// Serves until `end`; then closes all connections.
     void serve();
 
-    /// Ends `serve`, and each connection, at once. Safe in any state.
+    /// Ends `serve`, for good. Any thread, any state.
     void end();
 
 private:
-    bool process_and_close_socket(socket_t socket) override;
-    [[nodiscard]] bool answerOne(ConnectionStream& stream, bool isLast);
+    void accept();
+    void makeRoom();
+    void closeAll();
 
-    const std::size_t largestBody_;
-    Connections connections_;
-    std::atomic<bool> isServing_ = false;
+    HttpConnection::Service service_;
+    boost::asio::io_context context_{1};
+    boost::asio::ip::tcp::acceptor acceptor_{context_};
+    boost::asio::steady_timer pause_{context_};
 };
 
 } // namespace sentrel::simulator

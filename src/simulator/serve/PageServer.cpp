@@ -6,13 +6,10 @@
 #include "simulator/serve/PageRequests.hpp"
 #include "simulator/serve/RequestGuard.hpp"
 
-#include <algorithm>
-#include <httplib.h>
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
 #include <array>
-#include <chrono>
 #include <fstream>
 #include <iterator>
 #include <optional>
@@ -25,11 +22,6 @@ namespace {
 
 constexpr std::size_t largestBody = std::size_t{64} << 10;
 constexpr std::size_t largestPicture = std::size_t{2} << 20;
-constexpr std::size_t slice = std::size_t{64} << 10;
-
-// How often a stream looks whether its page is still there, and after how many looks it says that it is itself.
-constexpr std::chrono::seconds look{1};
-constexpr int looksUntilComment = 15;
 
 constexpr const char* contentSecurityPolicy =
     "default-src 'none'; script-src 'self'; style-src 'self'; img-src 'self' data:; connect-src 'self'; "
@@ -45,10 +37,18 @@ constexpr std::array<std::pair<std::string_view, const char*>, 5> fileTypes{{
 
 const char* meaningOf(int status)
 {
-    return status == 413   ? "The request is too large."
-           : status == 404 ? "There is nothing here."
-           : status == 400 ? "This is no request."
-                           : "The request was refused.";
+    switch (status) {
+    case 400:
+        return "This is no request.";
+    case 404:
+        return "There is nothing here.";
+    case 415:
+        return "Bodies come as they are.";
+    case 503:
+        return "The simulated MacBook has stopped.";
+    default:
+        return "The request is too large.";
+    }
 }
 
 std::optional<std::string> contentOf(const std::filesystem::path& file)
@@ -60,58 +60,47 @@ std::optional<std::string> contentOf(const std::filesystem::path& file)
     return std::string{std::istreambuf_iterator<char>{stream}, {}};
 }
 
-void refuse(httplib::Response& response, int status, const std::string& why)
+HttpAnswer refused(int status, const std::string& why)
 {
-    response.status = status;
-    response.set_content(Json{{"error", why}}.dump(-1, ' ', false, Json::error_handler_t::replace), "application/json");
+    return {status,
+            {{"Content-Type", "application/json"}},
+            Json{{"error", why}}.dump(-1, ' ', false, Json::error_handler_t::replace),
+            nullptr};
 }
 
-RequestGuard::Request described(const httplib::Request& request)
+/// The value of `token` in the address.
+std::string tokenOf(std::string_view query)
 {
-    return {request.method, request.get_header_value("Host"), request.get_header_value("Origin"),
-            request.get_header_value("Cookie"), request.get_param_value("token")};
+    constexpr std::string_view name = "token=";
+    while (!query.empty() && !query.starts_with(name)) {
+        query.remove_prefix(std::min(query.find('&'), query.size() - 1) + 1);
+    }
+    return std::string{query.empty() ? query : query.substr(name.size(), query.find('&') - name.size())};
 }
 
-/// Writes to the page that listens what comes next; false when its stream has ended.
-bool writeNext(EventHub::Subscriber& subscriber, int& looks, httplib::DataSink& sink)
+RequestGuard::Request described(const HttpRequest& request)
 {
-    const auto event = subscriber.next(look);
-    if (event == nullptr) {
-        return false;
-    }
-    if (event->empty()) {
-        if (++looks < looksUntilComment) {
-            return sink.is_writable();
-        }
-        constexpr std::string_view comment = ": still here\n\n";
-        looks = 0;
-        return sink.write(comment.data(), comment.size());
-    }
-    looks = 0;
-    for (std::size_t from = 0; from < event->size(); from += slice) {
-        if (subscriber.isClosed() || !sink.write(event->data() + from, std::min(slice, event->size() - from))) {
-            return false;
-        }
-    }
-    return true;
+    return {request.method, request.host, request.origin, request.cookie, tokenOf(request.query)};
+}
+
+/// The rest of the path behind this beginning; none for another path.
+std::optional<std::string> rest(const std::string& path, std::string_view beginning)
+{
+    return path.starts_with(beginning) ? std::optional{path.substr(beginning.size())} : std::nullopt;
 }
 
 } // namespace
 
-/// What is answered to which request.
-class PageServer::Routes {
+/// The answer to each request.
+class PageServer::Routes final : public HttpRoutes {
 public:
     Routes(LiveMac& mac, Setup setup) : mac_(mac), setup_(std::move(setup)) {}
 
     bool bind()
     {
         port_ = server_.bind(setup_.port);
-        if (port_ == 0) {
-            return false;
-        }
         guard_.emplace(setup_.token, port_);
-        setUp();
-        return true;
+        return port_ != 0;
     }
 
     [[nodiscard]] int port() const { return port_; }
@@ -123,112 +112,91 @@ public:
     }
 
 private:
-    void setUp()
+    std::optional<HttpAnswer> answerToHead(const HttpRequest& head) override
     {
-        server_.set_default_headers({{"Content-Security-Policy", contentSecurityPolicy},
-                                     {"X-Content-Type-Options", "nosniff"},
-                                     {"Referrer-Policy", "no-referrer"},
-                                     {"Cross-Origin-Resource-Policy", "same-origin"}});
-        server_.set_pre_routing_handler(
-            [this](const httplib::Request& request, httplib::Response& response) { return guard(request, response); });
-        server_.set_error_handler([](const httplib::Request&, httplib::Response& response) {
-            if (response.body.empty()) {
-                refuse(response, response.status, meaningOf(response.status));
-            }
-        });
-        server_.set_exception_handler(
-            [](const httplib::Request&, httplib::Response& response, const std::exception_ptr&) {
-                refuse(response, 503, "The simulated MacBook has stopped.");
-            });
-        server_.Get("/api/events", [this](const auto&, auto& response) { openStream(response); });
-        server_.Get(R"(/api/file/([0-9a-f]{16}\.(?:jpg|wav)))",
-                    [this](const auto& request, auto& response) { sendFile(request.matches[1].str(), response); });
-        server_.Post("/api/webcam",
-                     [this](const auto& request, auto& response) { answer(showWebcam(mac_, request.body), response); });
-        server_.Post(R"(/api/([a-z]+))", [this](const auto& request, auto& response) {
-            if (request.body.size() > largestBody) {
-                return refuse(response, 413, "The request is too large.");
-            }
-            answer(answerPage(mac_, request.matches[1].str(), request.body), response);
-        });
-        server_.Get(R"(/([A-Za-z][A-Za-z0-9-]*\.(?:html|js|css|svg|png))?)",
-                    [this](const auto& request, auto& response) { sendPage(request.matches[1].str(), response); });
-    }
-
-    httplib::Server::HandlerResponse guard(const httplib::Request& request, httplib::Response& response)
-    {
-        using Outcome = httplib::Server::HandlerResponse;
-        const RequestGuard::Request what = described(request);
-        const auto refusal = guard_->refusal(what);
-        if (!refusal && (request.has_header("Transfer-Encoding") || request.has_header("Content-Encoding"))) {
-            refuse(response, 415, "Bodies come as they are.");
-            return Outcome::Handled;
-        }
+        const RequestGuard::Request request = described(head);
+        const auto refusal = guard_->refusal(request);
         if (!refusal) {
-            return Outcome::Unhandled;
+            return std::nullopt;
         }
-        if (refusal->status == 403 && request.method == "GET" && request.path == "/" && guard_->isInvitation(what)) {
-            response.status = 303;
-            response.set_header("Set-Cookie", guard_->cookieHeader());
-            response.set_header("Location", "/");
-            return Outcome::Handled;
+        if (refusal->status == 403 && head.method == "GET" && head.path == "/" && guard_->isInvitation(request)) {
+            return HttpAnswer{303, {{"Set-Cookie", guard_->cookieHeader()}, {"Location", "/"}}, {}, nullptr};
         }
-        refuse(response, refusal->status, refusal->why);
-        return Outcome::Handled;
+        return refused(refusal->status, refusal->why);
     }
 
-    static void answer(const PageAnswer& answer, httplib::Response& response)
+    HttpAnswer answer(const HttpRequest& request) override
     {
-        if (answer.error.empty()) {
-            response.status = answer.status;
-            return;
+        if (request.method == "POST") {
+            const auto name = rest(request.path, "/api/");
+            return name ? answerPost(*name, request.body) : refusal(404);
         }
-        refuse(response, answer.status, answer.error);
+        if (request.path == "/api/events") {
+            return openStream();
+        }
+        const auto file = rest(request.path, "/api/file/");
+        return file ? sendFile(*file) : sendPage(request.path == "/" ? "index.html" : request.path.substr(1));
     }
 
-    void openStream(httplib::Response& response)
+    HttpAnswer refusal(int status) override { return refused(status, meaningOf(status)); }
+
+    void hasLeft(const std::shared_ptr<EventHub::Subscriber>& events) override { mac_.hub().unsubscribe(events); }
+
+    HttpAnswer answerPost(const std::string& name, const std::string& body)
     {
-        auto subscriber = mac_.listen();
-        if (subscriber == nullptr) {
-            return refuse(response, 429, "Too many pages are open.");
+        if (name != "webcam" && body.size() > largestBody) {
+            return refusal(413);
         }
-        response.set_header("Cache-Control", "no-store");
-        response.set_chunked_content_provider(
-            "text/event-stream",
-            [subscriber, looks = 0](std::size_t, httplib::DataSink& sink) mutable {
-                return writeNext(*subscriber, looks, sink);
-            },
-            [this, subscriber](bool) { mac_.hub().unsubscribe(subscriber); });
+        const PageAnswer answer = name == "webcam" ? showWebcam(mac_, body) : answerPage(mac_, name, body);
+        return answer.error.empty() ? HttpAnswer{answer.status, {}, {}, nullptr} : refused(answer.status, answer.error);
     }
 
-    void sendFile(const std::string& name, httplib::Response& response)
+    HttpAnswer openStream()
+    {
+        auto events = mac_.listen();
+        if (events == nullptr) {
+            return refused(429, "Too many pages are open.");
+        }
+        return {200, {{"Content-Type", "text/event-stream"}, {"Cache-Control", "no-store"}}, {}, std::move(events)};
+    }
+
+    HttpAnswer sendFile(const std::string& name)
     {
         const auto file = mac_.files().find(name);
         if (!file) {
-            return refuse(response, 404, "The file is not kept any more.");
+            return refused(404, "The file is not kept any more.");
         }
-        response.set_header("Cache-Control", "private, max-age=31536000, immutable");
-        response.set_content(reinterpret_cast<const char*>(file->content->data()), file->content->size(), file->type);
+        return {200,
+                {{"Content-Type", file->type}, {"Cache-Control", "private, max-age=31536000, immutable"}},
+                {reinterpret_cast<const char*>(file->content->data()), file->content->size()},
+                nullptr};
     }
 
-    void sendPage(const std::string& wanted, httplib::Response& response)
+    HttpAnswer sendPage(const std::filesystem::path& name)
     {
-        const std::filesystem::path name = wanted.empty() ? "index.html" : wanted;
-        const auto content = contentOf(setup_.web / name);
         const auto type = std::ranges::find_if(
             fileTypes, [&](const auto& entry) { return entry.first == name.extension().string(); });
-        if (!content || type == fileTypes.end()) {
-            return refuse(response, 404, "There is no such file.");
+        // A plain name: no way leads out of the folder, and no hidden file is shown.
+        if (type == fileTypes.end() || name.has_parent_path() || name.native().starts_with('.')) {
+            return refusal(404);
         }
-        response.set_header("Cache-Control", "no-cache");
-        response.set_content(*content, type->second);
+        auto content = contentOf(setup_.web / name);
+        if (!content) {
+            return refusal(404);
+        }
+        return {200, {{"Content-Type", type->second}, {"Cache-Control", "no-cache"}}, std::move(*content), nullptr};
     }
 
     LiveMac& mac_;
     const Setup setup_;
     int port_ = 0;
     std::optional<RequestGuard> guard_;
-    HttpServer server_{largestPicture};
+    HttpServer server_{*this,
+                       largestPicture,
+                       {{"Content-Security-Policy", contentSecurityPolicy},
+                        {"X-Content-Type-Options", "nosniff"},
+                        {"Referrer-Policy", "no-referrer"},
+                        {"Cross-Origin-Resource-Policy", "same-origin"}}};
 };
 
 PageServer::PageServer(LiveMac& mac, Setup setup) : routes_(std::make_unique<Routes>(mac, std::move(setup)))

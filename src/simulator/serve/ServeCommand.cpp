@@ -6,6 +6,7 @@
 #include "simulator/ScenarioReader.hpp"
 #include "simulator/serve/LiveMac.hpp"
 #include "simulator/serve/PageServer.hpp"
+#include "simulator/serve/RunDisk.hpp"
 
 #include <openssl/rand.h>
 
@@ -15,7 +16,6 @@
 #include <chrono>
 #include <csignal>
 #include <cstdio>
-#include <cstdlib>
 #include <ostream>
 #include <stdexcept>
 #include <thread>
@@ -39,38 +39,6 @@ std::string randomToken()
     }
     return token;
 }
-
-/// A folder for the run: the one that is wanted, or one that goes away with this.
-class RunDisk {
-public:
-    explicit RunDisk(const std::optional<std::filesystem::path>& wanted) : isTemporary_(!wanted)
-    {
-        if (wanted) {
-            path_ = *wanted;
-            std::filesystem::create_directories(path_);
-            return;
-        }
-        std::string name = (std::filesystem::temp_directory_path() / "sentrel-XXXXXX").string();
-        if (mkdtemp(name.data()) == nullptr) {
-            throw std::runtime_error{"no folder can be made for the MacBook's disk"};
-        }
-        path_ = name;
-    }
-    ~RunDisk()
-    {
-        if (isTemporary_) {
-            std::error_code ignored;
-            std::filesystem::remove_all(path_, ignored);
-        }
-    }
-    RunDisk(const RunDisk&) = delete;
-
-    [[nodiscard]] const std::filesystem::path& path() const { return path_; }
-
-private:
-    bool isTemporary_;
-    std::filesystem::path path_;
-};
 
 Date today()
 {

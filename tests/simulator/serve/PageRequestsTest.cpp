@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
+#include <semaphore>
 
 namespace sentrel::simulator {
 namespace {
@@ -18,18 +19,22 @@ protected:
 
     PageAnswer ask(const char* name, const std::string& body) { return answerPage(mac, name, body); }
 
-    /// Whether a stream says this soon.
+    /// Whether a stream says this before it ends or nothing comes for a long time.
     static bool says(EventHub::Subscriber& stream, const std::string& text)
     {
+        std::counting_semaphore<> arrived{0};
+        stream.setListener([&arrived] { arrived.release(); });
         std::string heard;
-        for (int attempt = 0; attempt < 100; ++attempt) {
-            const auto event = stream.next(100ms);
-            heard += event == nullptr ? "" : *event;
-            if (heard.find(text) != std::string::npos) {
-                return true;
+        bool isHeard = false;
+        for (auto event = stream.next(); event != nullptr && !isHeard; event = stream.next()) {
+            heard += *event;
+            isHeard = heard.find(text) != std::string::npos;
+            if (event->empty() && !arrived.try_acquire_for(30s)) {
+                break;
             }
         }
-        return false;
+        stream.setListener({});
+        return isHeard;
     }
 
     TemporaryFolder disk;

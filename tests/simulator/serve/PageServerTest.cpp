@@ -18,6 +18,11 @@ using namespace std::chrono_literals;
 using Headers = httplib::Headers;
 using Clock = std::chrono::steady_clock;
 
+constexpr std::chrono::seconds patience{patienceInSeconds};
+
+/// Below every deadline of the server: what takes no longer has not waited for one.
+constexpr auto atOnce = 4s;
+
 /// A Mac and the server of its page, spoken to as strangers do.
 class PageServerThreads : public testing::Test {
 protected:
@@ -29,6 +34,7 @@ protected:
         page.set_default_headers(pageHeaders(port));
         page.set_keep_alive(true);
         page.set_tcp_nodelay(true);
+        page.set_read_timeout(patience);
     }
     ~PageServerThreads() override { end(); }
 
@@ -52,6 +58,19 @@ protected:
         RawVisitor visitor{port};
         visitor.send(lines + "\r\nHost: " + host + "\r\n\r\n" + body);
         return visitor.read("\r\n\r\n");
+    }
+
+    /// Whether it comes true at last.
+    template <class Condition> static bool becomesTrue(Condition condition)
+    {
+        const auto start = Clock::now();
+        while (!condition()) {
+            if (Clock::now() - start > patience) {
+                return false;
+            }
+            std::this_thread::yield();
+        }
+        return true;
     }
 
     bool isArmed()
@@ -185,13 +204,17 @@ TEST_F(PageServerThreads, ARefusedBodyIsNoRequest)
                               "\r\nContent-Length: 5\r\n\r\n\"arm\"";
     RawVisitor visitor{port};
     visitor.send("POST /api/menu HTTP/1.1\r\nHost: " + host + "\r\nContent-Length: " + std::to_string(inner.size()) +
-                 "\r\n\r\n" + inner + "GET /nothing HTTP/1.1\r\nConnection: close\r\nHost: " + host + cookieLine +
-                 "\r\n\r\n");
+                 "\r\n\r\n" + inner + inner);
     const std::string answers = visitor.read();
     EXPECT_EQ(answers.substr(9, 3), "403");
-    EXPECT_NE(answers.find("HTTP/1.1 404"), std::string::npos);
-    EXPECT_EQ(answers.find("HTTP/1.1 204"), std::string::npos);
+    EXPECT_EQ(answers.find("HTTP/1.1", 1), std::string::npos) << "the connection ends with it";
     EXPECT_FALSE(isArmed());
+}
+
+TEST_F(PageServerThreads, APortThatIsListenedOnIsTaken)
+{
+    PageServer second{mac, {.web = SENTREL_SOURCE_DIR "/web", .token = visitorsToken, .port = port}};
+    EXPECT_FALSE(second.bind());
 }
 
 TEST_F(PageServerThreads, NoWayLeadsOutOfThePagesFolder)
@@ -213,15 +236,19 @@ TEST_F(PageServerThreads, AFloodIsSlowedDownAndAStrangersFloodConcernsNobody)
         ASSERT_EQ(stranger.Get("/")->status, 403);
     }
     EXPECT_EQ(page.Get("/nothing")->status, 404);
-    int refused = 0;
-    for (int count = 0; count < 3000 && refused == 0; ++count) {
-        refused += page.Get("/nothing")->status == 429 ? 1 : 0;
+    // Sent without waiting for answers, so that they come faster than they may on any machine.
+    const std::string request = "GET /nothing HTTP/1.1\r\nHost: " + host + cookieLine + "\r\n";
+    std::string flood;
+    for (int count = 0; count < 3000; ++count) {
+        flood += request + "\r\n";
     }
-    EXPECT_EQ(refused, 1);
-    const auto start = Clock::now();
-    while (page.Get("/nothing")->status == 429 && Clock::now() - start < 2s) {
-    }
-    EXPECT_LT(Clock::now() - start, 2s);
+    RawVisitor visitor{port};
+    std::thread sending{[&] { visitor.send(flood + request + "Connection: close\r\n\r\n"); }};
+    const std::string answers = visitor.read();
+    sending.join();
+    EXPECT_EQ(answers.substr(9, 3), "404");
+    EXPECT_NE(answers.find("HTTP/1.1 429"), std::string::npos);
+    EXPECT_TRUE(becomesTrue([this] { return page.Get("/nothing")->status == 404; }));
 }
 
 TEST_F(PageServerThreads, AStreamBeginsWithEverythingAndGoesOnWithWhatChanges)
@@ -261,10 +288,10 @@ TEST_F(PageServerThreads, APageThatStopsReadingHoldsUpNobodyAndTakesNoMemory)
     stalled.read("data: ");
     ListeningPage reading{port};
     reading.next();
+    EXPECT_EQ(mac.hub().subscribers(), 2U);
     const std::string large = '"' + std::string(std::size_t{1} << 20, 'x') + '"';
     mac.hub().publish("large", large);
     ASSERT_EQ(reading.nextText("large").size(), large.size());
-    EXPECT_EQ(mac.hub().subscribers(), 2U);
     for (int count = 0; count < 20; ++count) {
         mac.hub().publish("large", large);
         ASSERT_EQ(reading.nextText("large").size(), large.size());
@@ -283,10 +310,7 @@ TEST_F(PageServerThreads, OnlySoManyPagesListenAndOneThatLeavesMakesRoom)
     EXPECT_EQ(page.Get("/api/events")->status, 429);
     EXPECT_EQ(post("menu", R"({"open": true})"), 204);
     pages.pop_back();
-    const auto start = Clock::now();
-    while (ListeningPage{port}.status() == 429 && Clock::now() - start < 3s) {
-    }
-    EXPECT_LT(Clock::now() - start, 3s);
+    EXPECT_TRUE(becomesTrue([this] { return ListeningPage{port}.status() == 200; }));
 }
 
 TEST_F(PageServerThreads, WhoeverIsConnectedItEndsAtOnce)
@@ -302,20 +326,25 @@ TEST_F(PageServerThreads, WhoeverIsConnectedItEndsAtOnce)
     EXPECT_EQ(page.Get("/")->status, 200); // and its connection stays open
     const auto start = Clock::now();
     end();
-    EXPECT_LT(Clock::now() - start, 1s);
+    EXPECT_LT(Clock::now() - start, atOnce);
     EXPECT_EQ(half.read(), "");
 }
 
 TEST_F(PageServerThreads, HalfRequestsAndEndlessOnesHoldUpNobody)
 {
+    // More than there are connections: silent ones, and such that begin a head or a body.
+    const std::string beginnings[] = {"", "GET / HTTP/1.1\r\nHost:",
+                                      "POST /api/menu HTTP/1.1\r\nHost: " + host + "\r\nOrigin: http://" + host +
+                                          cookieLine + "\r\nContent-Length: 9\r\n\r\n{"};
     std::vector<std::unique_ptr<RawVisitor>> slow;
-    for (int count = 0; count < 200; ++count) {
-        slow.push_back(std::make_unique<RawVisitor>(port));
-        EXPECT_TRUE(slow.back()->send(count % 2 == 0 ? "GET / HTTP/1.1\r\nHost:" : "POST /api/menu HTTP/1.1\r\n"));
-    }
     const auto start = Clock::now();
+    for (std::size_t count = 0; count < 400; ++count) {
+        slow.push_back(std::make_unique<RawVisitor>(port));
+        EXPECT_TRUE(slow.back()->send(beginnings[count % 3]));
+    }
     EXPECT_EQ(post("action", R"("unplug")"), 204);
-    EXPECT_LT(Clock::now() - start, 1s);
+    EXPECT_EQ(slow.front()->read(), "") << "it has made room";
+    EXPECT_LT(Clock::now() - start, atOnce);
 
     RawVisitor endless{port};
     endless.send("GET / HTTP/1.1\r\n");
@@ -358,7 +387,9 @@ TEST_F(PageServerThreads, OfAWindowThatStaysTheNewContentIsTold)
     EXPECT_EQ(post("window", R"({"do": "move", )" + frame + R"(, "window": ")" + window + "\"}"), 204);
     for (Json state = listening.next(); !state.contains("screen"); state = listening.next()) {
         ASSERT_FALSE(state.is_null());
-        EXPECT_FALSE(state.contains(room)) << "only its place has changed";
+        if (state.contains(room)) {
+            EXPECT_NE(std::exchange(content, state[room]), state[room]) << "it is told only when it has changed";
+        }
     }
     EXPECT_EQ(post("window", R"({"do": "close", "window": ")" + window + "\"}"), 204);
     EXPECT_TRUE(listening.hears(room, Json::json_pointer{}, nullptr)) << "pages need not keep what is gone";

@@ -19,6 +19,9 @@
 
 namespace sentrel::simulator {
 
+/// How long a visitor waits for what is to come: far longer than it takes on a machine that has other work.
+inline constexpr int patienceInSeconds = 60;
+
 inline constexpr const char* visitorsToken = "0123456789abcdef0123456789abcdef";
 
 /// A connection that sends exactly these bytes, however wrong they are.
@@ -29,7 +32,7 @@ public:
         if (receiveBuffer > 0) {
             ::setsockopt(socket_, SOL_SOCKET, SO_RCVBUF, &receiveBuffer, sizeof receiveBuffer);
         }
-        timeval patience{5, 0};
+        timeval patience{patienceInSeconds, 0};
         ::setsockopt(socket_, SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof patience);
         sockaddr_in address{};
         address.sin_family = AF_INET;
@@ -52,7 +55,7 @@ public:
         return isConnected_;
     }
 
-    /// What comes until this text or, without one, the end of the connection; after 5 s what has come so far.
+    /// What comes until this text or, without one, the end of the connection; after long silence what has come so far.
     std::string read(std::string_view until = {})
     {
         std::string all;
@@ -101,12 +104,13 @@ public:
 
     [[nodiscard]] int status() const { return status_; }
 
-    /// What the next event of this name says; empty after 5 s without one, or at the end of the stream.
+    /// What the next event of this name says; empty after long silence, or at the end of the stream.
     std::string nextText(const std::string& event)
     {
-        using namespace std::chrono_literals;
         std::unique_lock lock{mutex_};
-        while (arrived_.wait_for(lock, 5s, [this] { return hasEnded_ || !events_.empty(); }) && !events_.empty()) {
+        while (arrived_.wait_for(lock, std::chrono::seconds{patienceInSeconds}, [this] {
+            return hasEnded_ || !events_.empty();
+        }) && !events_.empty()) {
             const std::string text = std::move(events_.front());
             events_.pop_front();
             const auto data = text.find("\ndata: ");
@@ -138,7 +142,7 @@ public:
 private:
     void listen(int port)
     {
-        client_.set_read_timeout(std::chrono::seconds{30});
+        client_.set_read_timeout(std::chrono::seconds{patienceInSeconds});
         std::string rest;
         static_cast<void>(client_.Get(
             "/api/events", pageHeaders(port),
