@@ -17,12 +17,16 @@ export async function sitDown(test, options = {}) {
         await simulator.close();
         assert.deepEqual(desks.flatMap((desk) => desk.complaints), [], "the page complained");
     });
-    return openPage({ simulator, desks }, options.browser, options.watch);
+    return openPage({ simulator, desks }, options.browser, options);
 }
 
-/// One more page of the same MacBook; `watch(page)` sees it before it opens.
-export async function openPage({ simulator, desks }, browser = {}, watch = () => {}) {
+/// One more page of the same MacBook; `watch(page)` sees it before it opens. Its visitor has been here before, unless
+/// told otherwise.
+export async function openPage({ simulator, desks }, browser = {}, { watch = () => {}, isFirstVisit = false } = {}) {
     const page = await (await newContext(browser)).newPage();
+    if (!isFirstVisit) {
+        await page.addInitScript(() => localStorage.setItem("sentrel-guide", "done"));
+    }
     const desk = new Desk(simulator, page, desks);
     page.on("pageerror", (error) => desk.complaints.push(String(error)));
     page.on("console", (message) => message.type() === "error" && desk.complaints.push(message.text()));
