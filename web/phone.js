@@ -71,6 +71,9 @@ export class Phone {
         set(this.photo, { ariaLabel: this.words("closePhoto") });
         this.alerts.replaceChildren();
         this.#show(this.#state);
+        if (this.#isAlarm && this.latest) {
+            this.#ring(); // for a page that was opened while the alarm sounds
+        }
     }
 
     #show(state) {
@@ -84,14 +87,7 @@ export class Phone {
             return;
         }
         if (isNews) {
-            this.bannerText.textContent = this.latest;
-            this.#isBannerDue = true;
-            this.#showBanner();
-            clearTimeout(this.timer);
-            this.timer = setTimeout(() => {
-                this.#isBannerDue = false;
-                this.#showBanner();
-            }, bannerShown);
+            this.#ring();
         }
         follow(this.macs, state.macs, {
             key: (mac) => mac.id,
@@ -114,7 +110,18 @@ export class Phone {
         this.refreshTimes();
     }
 
-    // It goes after a while, but not before the alarm that it tells of.
+    #ring() {
+        this.bannerText.textContent = this.latest;
+        this.#isBannerDue = true;
+        this.#showBanner();
+        clearTimeout(this.timer);
+        this.timer = setTimeout(() => {
+            this.#isBannerDue = false;
+            this.#showBanner();
+        }, bannerShown);
+    }
+
+    // The banner goes after a while, but not before the alarm that it tells of.
     #showBanner() {
         const isShown = this.#isBannerDue || (this.#isAlarm && this.notice.childElementCount > 0);
         if (isShown !== this.notice.childElementCount > 0) {

@@ -15,8 +15,6 @@ function styleOf(name, value) {
     return name === "maxWidth" ? `min(100%, ${value}px)` : `${value}px`; // a small screen cuts windows
 }
 
-const keyOfNode = (node) => `${node.kind} ${node.id}`;
-
 const whenIdle = globalThis.requestIdleCallback ?? ((work) => setTimeout(work, 50));
 const rowPatterns = new Map(["vstack", "hstack"].map((kind) => [kind, h("div", { className: `ui-${kind}` })]));
 
@@ -76,15 +74,16 @@ export class Tree {
             }
         }
         // First, so that what stays is not moved: an element that is moved loses the keyboard.
-        const wanted = new Set(nodes.map(keyOfNode));
+        const keys = nodes.map((node) => `${node.kind} ${node.id}`);
+        const wanted = new Set(present.size > 0 ? keys : []);
         for (const [key, element] of present) {
             if (!wanted.has(key)) {
                 leave(element);
             }
         }
         let place = parent.firstChild;
-        for (const node of nodes) {
-            const key = keyOfNode(node);
+        for (const [index, node] of nodes.entries()) {
+            const key = keys[index];
             let element = present.get(key);
             if (!element) {
                 element = parent.list ? this.#makeRow(node) : this.#make(node);

@@ -24,7 +24,7 @@ async function violations(page) {
 }
 
 test("no state of the page breaks a rule of accessibility", { timeout: 240_000 }, async (t) => {
-    const desk = await sitDown(t, { isFirstVisit: true });
+    const desk = await sitDown(t, { browser: { isFirstVisit: true } });
     const { page } = desk;
     const check = async (state) => assert.deepEqual(await violations(page), [], state);
     await desk.phone.getByText("Disarmed").waitFor();
@@ -107,7 +107,8 @@ test("the alarm is seen: on the Mac, on the phone, in the tab, and on a small sc
     await page.getByText("ALARM · MacBook Pro Speakers at 83 %").waitFor();
     await page.locator(".glow").waitFor();
     await desk.phone.getByRole("status").getByText("Unplugged on Maya's MacBook Pro").waitFor();
-    await desk.hardware.scrollIntoViewIfNeeded();
+    await page.reload();
+    await desk.phone.getByRole("status").getByText("Unplugged on Maya's MacBook Pro").waitFor();
     await page.evaluate(() => scrollTo(0, document.body.scrollHeight));
     await bar.getByText("Unplugged on Maya's MacBook Pro").waitFor();
     await bar.getByRole("link", { name: "Phone" }).click();

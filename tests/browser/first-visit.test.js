@@ -5,7 +5,7 @@ import test from "node:test";
 import { sitDown } from "./support/sitting.js";
 
 test("a stranger steals the Mac in three steps, by keyboard, and is not bothered again", async (t) => {
-    const desk = await sitDown(t, { isFirstVisit: true });
+    const desk = await sitDown(t, { browser: { isFirstVisit: true } });
     const { keyboard } = desk.page;
     const guide = desk.page.getByRole("region", { name: "Guided theft" });
     const showMe = async (step) => {
@@ -40,7 +40,7 @@ test("a stranger steals the Mac in three steps, by keyboard, and is not bothered
 });
 
 test("the guide points at what is to be used, covers nothing of it, and can be skipped", async (t) => {
-    const desk = await sitDown(t, { isFirstVisit: true });
+    const desk = await sitDown(t, { browser: { isFirstVisit: true } });
     const guide = desk.page.getByRole("region", { name: "Guided theft" });
     for (const [width, height] of [[1280, 800], [390, 844]]) {
         await desk.page.setViewportSize({ width, height });

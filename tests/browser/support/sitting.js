@@ -17,16 +17,12 @@ export async function sitDown(test, options = {}) {
         await simulator.close();
         assert.deepEqual(desks.flatMap((desk) => desk.complaints), [], "the page complained");
     });
-    return openPage({ simulator, desks }, options.browser, options);
+    return openPage({ simulator, desks }, options.browser, options.watch);
 }
 
-/// One more page of the same MacBook; `watch(page)` sees it before it opens. Its visitor has been here before, unless
-/// told otherwise.
-export async function openPage({ simulator, desks }, browser = {}, { watch = () => {}, isFirstVisit = false } = {}) {
+/// One more page of the same MacBook; `watch(page)` sees it before it opens.
+export async function openPage({ simulator, desks }, browser = {}, watch = () => {}) {
     const page = await (await newContext(browser)).newPage();
-    if (!isFirstVisit) {
-        await page.addInitScript(() => localStorage.setItem("sentrel-guide", "done"));
-    }
     const desk = new Desk(simulator, page, desks);
     page.on("pageerror", (error) => desk.complaints.push(String(error)));
     page.on("console", (message) => message.type() === "error" && desk.complaints.push(message.text()));
