@@ -1,7 +1,8 @@
 // The few things that every part of the page does with elements.
 
-// Of the same name as a property that is something else: an element's form, or an address made absolute.
-const attributesOnly = new Set(["list", "form", "src"]);
+// Of the same name as a property that is something else: an element's form, an address made absolute, or a text that
+// is empty whether the attribute is there or not.
+const attributesOnly = new Set(["list", "form", "src", "alt"]);
 
 /// An element with properties, attributes (when there is no such property), listeners ("onclick") and children.
 export function h(tag, properties = {}, ...children) {
@@ -83,6 +84,9 @@ const symbols = {
     "checkmark.icloud": "M4.5 12.5a3 3 0 0 1-.3-6 4 4 0 0 1 7.6 .1 3 3 0 0 1-.3 5.9zM6 9l1.5 1.5L10.2 7.8",
     "icloud.and.arrow.up": "M4.5 12.5a3 3 0 0 1-.3-6 4 4 0 0 1 7.6 .1 3 3 0 0 1-.3 5.9zM8 11V7.5M6.5 8.8 8 7.3l1.5 1.5",
     power: "M8 2v5M4.8 4a5 5 0 1 0 6.4 0",
+    play: "M4.5 3v10l8-5z",
+    stop: "M4 4h8v8H4z",
+    hand: "M5 8V4a1 1 0 0 1 2 0v3V3a1 1 0 0 1 2 0v4V4a1 1 0 0 1 2 0v5.5a4 4 0 0 1-7.5 2L2.5 9a1 1 0 0 1 1.6-1L5 9.5",
     speaker: "M3 6v4h2.5L9 13V3L5.5 6zM11 6a3 3 0 0 1 0 4M12.8 4a6 6 0 0 1 0 8",
     muted: "M3 6v4h2.5L9 13V3L5.5 6zM11.5 6.5l3 3M14.5 6.5l-3 3",
     MenuBarIcon: "M8 1.8 13 4v4c0 3-2 5.2-5 6.3C5 13.2 3 11 3 8V4z",
@@ -116,7 +120,7 @@ export function choice(label, options, choose) {
     const group = h("div", { className: "choice", role: "group", ariaLabel: label });
     const buttons = new Map();
     for (const [value, text] of options) {
-        const button = h("button", { type: "button", onclick: () => choose(value) }, text);
+        const button = h("button", { type: "button", "data-value": value, onclick: () => choose(value) }, text);
         buttons.set(value, button);
         group.append(button);
     }
@@ -132,18 +136,22 @@ export function choice(label, options, choose) {
 
 /// A slider with its label; it is left alone while somebody drags it.
 export function slider(label, { min, max, step, text }, changed) {
-    const output = h("output", {});
+    const reading = h("span", { className: "reading", ariaHidden: "true" });
     const input = h("input", { type: "range", min, max, step, ariaLabel: label });
+    const read = () => {
+        reading.textContent = text(input.valueAsNumber);
+        set(input, { "aria-valuetext": reading.textContent });
+    };
     input.addEventListener("input", () => {
-        output.textContent = text(input.valueAsNumber);
+        read();
         changed(input.valueAsNumber);
     });
     return {
-        element: h("label", { className: "slider" }, h("span", {}, label), input, output),
+        element: h("label", { className: "slider" }, h("span", {}, label), input, reading),
         show(value) {
             if (document.activeElement !== input || !input.matches(":active")) {
                 input.value = String(value);
-                output.textContent = text(value);
+                read();
             }
         },
     };

@@ -1,11 +1,10 @@
 // The MacBook as a thing: what a person, or a thief, does to it.
 
 import { card, choice, h, set, slider } from "./dom.js";
-import { act, latest, post, report } from "./server.js";
+import { act, latest, post } from "./server.js";
 import { Trace } from "./trace.js";
 
 const percent = (value) => `${Math.round(value * 100)} %`;
-const webcamInterval = 1000; // milliseconds between two pictures
 
 function button(label, action, className = "") {
     return h("button", { type: "button", className, onclick: action }, label);
@@ -82,10 +81,10 @@ function motion(stream) {
     );
 }
 
-function audio(stream, sound) {
+function audio(stream) {
     const list = h("div", { className: "devices" });
     const rows = new Map();
-    const music = choice("Music", [["playing", "Play"], ["paused", "Pause"]], (to) =>
+    const music = choice("Music", [["playing", "Playing"], ["paused", "Paused"]], (to) =>
         act({ music: to === "playing" ? "play" : "pause" }),
     );
     const noMusic = h("span", { className: "quiet" }, "No player is open");
@@ -118,13 +117,11 @@ function audio(stream, sound) {
             const entry = rows.get(device.id);
             entry.isMuted = device.isMuted;
             entry.volume.show(device.volume);
-            entry.mute.textContent = device.isMuted ? "Muted" : "Mute";
-            entry.use.textContent = device.isDefault ? "In use" : "Use";
             set(entry.mute, { "aria-pressed": String(device.isMuted), "aria-label": `Mute ${device.name}` });
-            set(entry.use, { "aria-pressed": String(device.isDefault), "aria-label": `Play through ${device.name}` });
+            set(entry.use, { "aria-pressed": String(device.isDefault), "aria-label": `Use ${device.name}` });
         }
     });
-    return card("Sound", sound.button, list, row("Music", music.element, noMusic));
+    return card("Sound", list, row("Music", music.element, noMusic));
 }
 
 function camera(stream) {
@@ -133,10 +130,11 @@ function camera(stream) {
     const light = slider("Light", { min: 0, max: 1, step: 0.01, text: percent }, latest((brightness) =>
         act({ camera: { brightness } }),
     ));
-    const webcam = new Webcam();
-    const source = choice("Camera sees", [["scene", "A café"], ["webcam", "Your webcam"]], (to) =>
-        to === "webcam" ? webcam.start() : webcam.stop(),
-    );
+    let webcam = null; // fetched when it is wanted: most visitors never do
+    const source = choice("Camera sees", [["scene", "A café"], ["webcam", "Your webcam"]], async (to) => {
+        webcam ??= new (await import("./webcam.js")).Webcam();
+        await (to === "webcam" ? webcam.start() : webcam.stop());
+    });
     stream.on("hardware", ({ camera: state }) => {
         light.show(state.brightness ?? 0);
         source.show(state.source);
@@ -150,41 +148,6 @@ function camera(stream) {
     return card("Camera", h("div", { className: "scene-box" }, picture, lamp), light.element, row("Sees", source.element));
 }
 
-/// The visitor's own webcam in the place of the drawn scene.
-class Webcam {
-    #stream = null;
-    #timer = 0;
-
-    async start() {
-        this.stop(false);
-        try {
-            this.#stream = await navigator.mediaDevices.getUserMedia({ video: { width: 1280, height: 720 } });
-        } catch {
-            report("The webcam can't be used: there is none, or the browser does not allow it.");
-            return;
-        }
-        const video = h("video", { muted: true, playsInline: true });
-        video.srcObject = this.#stream;
-        await video.play();
-        const canvas = h("canvas", { width: video.videoWidth, height: video.videoHeight });
-        const send = () => {
-            canvas.getContext("2d").drawImage(video, 0, 0);
-            canvas.toBlob((blob) => blob && post("webcam", blob), "image/jpeg", 0.8);
-        };
-        send();
-        this.#timer = setInterval(send, webcamInterval);
-    }
-
-    stop(isLast = true) {
-        clearInterval(this.#timer);
-        this.#stream?.getTracks().forEach((track) => track.stop());
-        this.#stream = null;
-        if (isLast) {
-            post("webcam", new Blob([], { type: "image/jpeg" }));
-        }
-    }
-}
-
 const faultChoices = [
     ["3", "network unavailable"],
     ["7", "rate limited"],
@@ -194,18 +157,19 @@ const faultChoices = [
     ["25", "storage full"],
 ];
 
+// Mostly for people who try out the product's ways in a bad network.
 function cloud(stream) {
     const network = choice("Network", [["up", "Online"], ["down", "Offline"]], (to) => act({ network: to }));
-    const account = choice("Account", [["available", "Signed in"], ["none", "Signed out"], ["other", "Another"]], (to) =>
+    const account = choice("Account", [["available", "Signed in"], ["none", "Signed out"], ["other", "Someone else"]], (to) =>
         act({ icloud: to === "other" ? { account: "available", user: "other" } : { account: to } }),
     );
     const quota = choice("Storage", [["ok", "Free"], ["full", "Full"]], (to) => act({ icloud: { quota: to } }));
-    const latency = slider("Answers after", { min: 0, max: 20, step: 0.1, text: (s) => `${s.toFixed(1)} s` }, latest(
+    const latency = slider("Answer delay", { min: 0, max: 20, step: 0.1, text: (s) => `${s.toFixed(1)} s` }, latest(
         (s) => act({ icloud: { latency: `${Math.round(s * 1000)}ms` } }),
     ));
     const fault = h("select", { ariaLabel: "What goes wrong" });
     fault.append(...faultChoices.map(([code, label]) => h("option", { value: code }, label)));
-    const failing = h("output", { className: "quiet" });
+    const failing = h("p", { className: "quiet" });
     stream.on("cloud", (state) => {
         network.show(state.network);
         const isOther = state.account === "available" && state.user === "other";
@@ -220,13 +184,13 @@ function cloud(stream) {
     const troubles = h(
         "div",
         { className: "half" },
-        row("Error", fault),
+        row("Fault", fault),
         h(
             "div",
             { className: "buttons" },
             button("Fail 3 times", () => act({ icloud: { fail: { code: Number(fault.value), times: 3 } } })),
-            button("Lose an answer", () => act({ icloud: { loseAnswers: 1 } })),
-            button("Heal", () => act({ icloud: { fail: "none" } })),
+            button("Lose one answer", () => act({ icloud: { loseAnswers: 1 } })),
+            button("Clear", () => act({ icloud: { fail: "none" } })),
         ),
         failing,
     );
@@ -235,6 +199,6 @@ function cloud(stream) {
     return whole;
 }
 
-export function hardwareCards(stream, sound) {
-    return [body(stream), motion(stream), audio(stream, sound), camera(stream), cloud(stream)];
+export function hardwareCards(stream) {
+    return [body(stream), motion(stream), audio(stream), camera(stream), cloud(stream)];
 }

@@ -1,8 +1,10 @@
-import { h } from "./dom.js";
+import { Alarm } from "./alarm.js";
+import { Guide } from "./guide.js";
+import { h, icon, set } from "./dom.js";
 import { hardwareCards } from "./hardware.js";
 import { Phone } from "./phone.js";
 import { Screen } from "./screen.js";
-import { onProblem, Stream } from "./server.js";
+import { onProblem, post, Stream } from "./server.js";
 import { Sound } from "./sound.js";
 
 const problemShown = 5000; // milliseconds
@@ -13,25 +15,52 @@ const sound = new Sound(stream);
 const screen = new Screen(document.getElementById("screen"), stream);
 
 // The simulated world's clock goes on between two events.
-const clock = { date: 0, taken: 0, language: "", zone: "", format: null };
+const clock = { date: 0, taken: 0, language: "", zone: "", day: null, time: null };
 const now = () => clock.date + (performance.now() - clock.taken) / 1000;
 
 const phone = new Phone(document.getElementById("phone"), stream, now);
-document.getElementById("hardware").append(...hardwareCards(stream, sound));
+document.getElementById("hardware").append(...hardwareCards(stream));
+new Alarm(stream, phone);
 
-// An alarm is seen, too: most visitors come without sound.
-stream.on("sound", (sounds) => document.querySelector(".macbook").classList.toggle("sounding", sounds.length > 0));
+const guide = new Guide(stream, sound);
+const show = showButton();
+const reset = h("button", { type: "button", onclick: () => post("replace", {}) }, "New Mac");
+set(reset, { title: "Starts over with a new MacBook" });
+document.getElementById("offers").append(guide.button, show, sound.button, reset);
+
+/// Plays a theft, or stops it. Its steps are fetched when it is wanted.
+function showButton() {
+    let playing = null;
+    const button = h("button", { type: "button" });
+    const label = () =>
+        button.replaceChildren(icon(playing ? "stop" : "play"), h("span", {}, playing ? "Stop the theft" : "Play a theft"));
+    button.addEventListener("click", async () => {
+        if (playing) {
+            playing.abort();
+            return;
+        }
+        playing = new AbortController();
+        label();
+        guide.end();
+        const { playTheft } = await import("./theft.js");
+        await playTheft(stream, document.getElementById("caption"), playing.signal);
+        playing = null;
+        label();
+    });
+    label();
+    return button;
+}
 
 stream.on("run", (run) => {
     const { language, timeZone } = run;
     if (timeZone !== clock.zone || language !== clock.language) {
-        clock.zone = phone.timeZone = timeZone;
+        clock.zone = timeZone;
         clock.language = screen.element.lang = language;
-        const shown = { weekday: "short", hour: "2-digit", minute: "2-digit", timeZone };
-        clock.format = new Intl.DateTimeFormat(language, shown);
+        const format = (shown) => new Intl.DateTimeFormat(language, { ...shown, timeZone });
+        clock.day = format({ weekday: "short", month: "short", day: "numeric" });
+        clock.time = format({ hour: "numeric", minute: "2-digit" });
     }
     Object.assign(clock, { date: run.date, taken: performance.now() });
-    document.title = run.title ? `${run.title} – Sentrel` : "Sentrel";
     document.getElementById("ended").hidden = run.process === "running";
     tick();
 });
@@ -40,7 +69,7 @@ function tick() {
     if (clock.date === 0) {
         return;
     }
-    screen.showTime(clock.format.format(now() * 1000));
+    screen.showTime(clock.day.format(now() * 1000), clock.time.format(now() * 1000));
     phone.refreshTimes();
 }
 setInterval(tick, 1000);

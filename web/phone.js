@@ -1,63 +1,93 @@
-// The phone beside the Mac.
+// The phone beside the Mac. It speaks its owner's language, which is the Mac's.
 
 import { follow, h, set } from "./dom.js";
 import { act } from "./server.js";
-
-/// How long ago, in words.
-export function ago(seconds) {
-    if (seconds < 10) {
-        return "just now";
-    }
-    if (seconds < 90) {
-        return `${Math.round(seconds)} s ago`;
-    }
-    return seconds < 5400 ? `${Math.round(seconds / 60)} min ago` : `${Math.round(seconds / 3600)} h ago`;
-}
+import { ago, wordsIn } from "./words.js";
 
 const longestShown = 50;
 const noticesShown = 5;
+const bannerShown = 6000; // milliseconds
 
 export class Phone {
     #state = { alerts: [], notifications: [], macs: [] };
     #seen = 0;
+    #language = "";
+    #isAlarm = false;
+    #isBannerDue = false;
 
     constructor(element, stream, now) {
+        this.element = element;
         this.now = now;
-        this.banner = h("div", { className: "banner", role: "status", hidden: true });
+        this.clock = h("time", { className: "phone-clock" });
+        this.bannerText = h("strong", {});
+        this.banner = h("div", { className: "banner" }, this.bannerText);
+        this.notice = h("div", { role: "status" }); // there before its banner, so that it is read out
         this.macs = h("div", { className: "phone-macs" });
-        this.noMacs = h("p", { className: "quiet" }, "No Mac has been seen in this account.");
+        this.noMacs = h("p", { className: "quiet" });
+        this.alertsTitle = h("h3", {});
         this.alerts = h("ul", { className: "phone-alerts" });
-        this.noAlerts = h("p", { className: "quiet" }, "No alerts");
-        this.noticesTitle = h("h3", {}, "Notifications");
+        this.noAlerts = h("p", { className: "quiet" });
+        this.noticesTitle = h("h3", {});
         this.notices = h("ul", { className: "phone-notices" });
-        this.photo = h("button", { type: "button", className: "phone-photo", hidden: true, ariaLabel: "Close photo" });
-        this.photo.addEventListener("click", () => {
-            this.photo.hidden = true;
-        });
-        element.append(
-            h("div", { className: "phone-notch", ariaHidden: "true" }),
-            this.banner,
-            h("h2", {}, "Sentrel"),
+        this.photo = h("button", { type: "button", className: "phone-photo", hidden: true });
+        this.photo.addEventListener("click", () => this.#closePhoto());
+        this.photo.addEventListener("keydown", (event) => event.key === "Escape" && this.#closePhoto());
+        this.page = h(
+            "div",
+            { className: "phone-page", tabIndex: 0, role: "group", ariaLabel: "Sentrel on the phone" },
             this.macs,
             this.noMacs,
-            h("h3", {}, "Alerts"),
+            this.alertsTitle,
             this.alerts,
             this.noAlerts,
             this.noticesTitle,
             this.notices,
-            this.photo,
         );
+        const top = h("div", { className: "phone-top" }, h("h2", {}, "Sentrel"), this.clock);
+        element.append(h("div", { className: "phone-notch", ariaHidden: "true" }), top, this.notice, this.page, this.photo);
         stream.on("phone", (state) => this.#show(state));
+        stream.on("run", (run) => this.#follow(run));
+    }
+
+    /// What the latest notification says; empty while there is none.
+    get latest() {
+        const notification = this.#state.notifications[0];
+        return notification ? this.#textOf(notification) : "";
+    }
+
+    #follow({ language, timeZone, isAlarmActive }) {
+        this.#isAlarm = Boolean(isAlarmActive);
+        this.#showBanner();
+        if (language === this.#language && timeZone === this.timeZone) {
+            return;
+        }
+        this.#language = this.element.lang = language;
+        this.timeZone = timeZone;
+        this.words = wordsIn(language);
+        set(this.alertsTitle, { textContent: this.words("alerts") });
+        set(this.noAlerts, { textContent: this.words("noAlerts") });
+        set(this.noticesTitle, { textContent: this.words("notifications") });
+        set(this.noMacs, { textContent: this.words("noMacs") });
+        set(this.photo, { ariaLabel: this.words("closePhoto") });
+        this.alerts.replaceChildren();
+        this.#show(this.#state);
+        if (this.#isAlarm && this.latest) {
+            this.#ring(); // for a page that was opened while the alarm sounds
+        }
     }
 
     #show(state) {
         const fresh = state.notifications.length - this.#state.notifications.length;
+        const isNews = this.#seen > 0 && fresh > 0;
+        if (state !== this.#state) {
+            ++this.#seen;
+        }
         this.#state = state;
-        if (this.#seen++ > 0 && fresh > 0) {
-            this.banner.replaceChildren(h("small", {}, "Sentrel · now"), state.notifications[0].text);
-            this.banner.hidden = false;
-            clearTimeout(this.timer);
-            this.timer = setTimeout(() => (this.banner.hidden = true), 6000);
+        if (!this.words) {
+            return;
+        }
+        if (isNews) {
+            this.#ring();
         }
         follow(this.macs, state.macs, {
             key: (mac) => mac.id,
@@ -73,14 +103,42 @@ export class Phone {
         const latest = state.notifications.slice(0, noticesShown);
         this.noticesTitle.hidden = latest.length === 0;
         this.notices.replaceChildren(
-            ...latest.map(({ text, date }) => h("li", {}, text, h("span", { className: "quiet" }, this.#time(date)))),
+            ...latest.map((each) =>
+                h("li", {}, h("span", {}, this.#textOf(each)), h("span", { className: "quiet" }, this.#time(each.date))),
+            ),
         );
         this.refreshTimes();
     }
 
+    #ring() {
+        this.bannerText.textContent = this.latest;
+        this.#isBannerDue = true;
+        this.#showBanner();
+        clearTimeout(this.timer);
+        this.timer = setTimeout(() => {
+            this.#isBannerDue = false;
+            this.#showBanner();
+        }, bannerShown);
+    }
+
+    // The banner goes after a while, but not before the alarm that it tells of.
+    #showBanner() {
+        const isShown = this.#isBannerDue || (this.#isAlarm && this.notice.childElementCount > 0);
+        if (isShown !== this.notice.childElementCount > 0) {
+            this.notice.replaceChildren(...(isShown ? [this.banner] : []));
+        }
+        this.element.classList.toggle("ringing", isShown && this.#isAlarm);
+    }
+
+    // The server words it in English; its parts are the Mac's own words.
+    #textOf({ text }) {
+        const mac = this.#state.macs.find(({ name }) => text.endsWith(` on ${name}`))?.name;
+        return mac ? this.words("on", { what: text.slice(0, -` on ${mac}`.length), mac }) : text;
+    }
+
     #time(seconds) {
-        const format = { hour: "2-digit", minute: "2-digit", timeZone: this.timeZone };
-        return new Date(seconds * 1000).toLocaleTimeString([], format);
+        const format = { hour: "numeric", minute: "2-digit", timeZone: this.timeZone };
+        return new Date(seconds * 1000).toLocaleTimeString(this.#language, format);
     }
 
     #mac() {
@@ -93,31 +151,45 @@ export class Phone {
     #showMac(element, mac) {
         const { name, state, seen, arm } = Object.assign(element, { mac });
         seen.lastSeen = mac.lastSeen;
+        const action = this.words(mac.isArmed ? "disarm" : "arm");
         set(name, { textContent: mac.name });
-        set(state, { textContent: mac.isArmed ? "Armed" : "Disarmed", className: mac.isArmed ? "badge armed" : "badge" });
-        set(arm, { textContent: mac.isArmed ? "Disarm" : "Arm", disabled: !mac.isCompatible });
-        set(arm, { "aria-label": `${mac.isArmed ? "Disarm" : "Arm"} ${mac.name} from the phone` });
+        set(state, { textContent: this.words(mac.isArmed ? "armed" : "disarmed") });
+        set(state, { className: mac.isArmed ? "badge armed" : "badge" });
+        set(arm, { textContent: action, disabled: !mac.isCompatible });
+        set(arm, { "aria-label": this.words("byPhone", { action, mac: mac.name }) });
     }
 
     #alert(alert) {
         const about = h("span", { className: "quiet" }, `${alert.device}, ${this.#time(alert.date)}`);
         const text = h("div", {}, h("strong", {}, alert.title), about);
         if (!alert.photo) {
-            return h("li", {}, text);
+            return h("li", {}, h("span", { className: "no-photo", ariaHidden: "true" }), text);
         }
-        const picture = h("img", { src: alert.photo, alt: "", loading: "lazy" });
-        const open = h("button", { type: "button", ariaLabel: `Photo: ${alert.title}` }, picture);
+        const picture = h("img", { src: alert.photo, alt: "" });
+        const open = h("button", { type: "button", ariaLabel: this.words("photo", { what: alert.title }) }, picture);
         open.addEventListener("click", () => {
-            this.photo.replaceChildren(h("img", { src: alert.photo, alt: `The photo of the alert: ${alert.title}` }));
+            const alt = this.words("photo", { what: alert.title });
+            this.photo.replaceChildren(h("img", { src: alert.photo, alt }));
             this.photo.hidden = false;
+            this.photo.cameFrom = open;
             this.photo.focus();
         });
         return h("li", {}, open, text);
     }
 
+    #closePhoto() {
+        this.photo.hidden = true;
+        this.photo.cameFrom?.focus();
+    }
+
     refreshTimes() {
+        if (!this.words) {
+            return;
+        }
+        set(this.clock, { textContent: this.#time(this.now()) });
         for (const seen of this.macs.querySelectorAll(".phone-mac > .quiet")) {
-            set(seen, { textContent: `seen ${ago(this.now() - seen.lastSeen)}` });
+            const words = ago(this.now() - seen.lastSeen, this.#language);
+            set(seen, { textContent: this.words("seen", { ago: words }) });
         }
     }
 }

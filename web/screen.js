@@ -1,8 +1,10 @@
 // The MacBook's screen: menu bar, windows, panels, and the cover over everything.
 
 import { h, icon, set } from "./dom.js";
+import { keyOf } from "./nodes.js";
+import { SystemPanels } from "./panels.js";
 import { latest, post } from "./server.js";
-import { keyOf, Tree } from "./tree.js";
+import { Tree } from "./tree.js";
 
 const smallestZoom = 0.85;
 
@@ -11,7 +13,7 @@ class WindowView {
     constructor(screen, id) {
         this.id = id;
         this.screen = screen;
-        this.title = h("span", { className: "window-title" });
+        this.title = h("h2", { className: "window-title" });
         this.close = h("button", {
             type: "button",
             className: "window-close",
@@ -28,7 +30,7 @@ class WindowView {
             this.content,
             this.grip,
         );
-        this.tree = new Tree(this.content, (action) => post("ui", { in: id, ...action }));
+        this.tree = new Tree(this.content, (action) => post("ui", { in: id, ...action }), this.element);
         this.element.addEventListener("pointerdown", () => {
             if (!this.state?.isKey) {
                 post("window", { window: id, do: "front" });
@@ -65,6 +67,11 @@ class WindowView {
     }
 
     #press(event) {
+        if (event.key === "w" && (event.metaKey || event.ctrlKey)) {
+            event.preventDefault();
+            this.close.click();
+            return;
+        }
         const key = keyOf(event);
         if (key && !event.defaultPrevented) {
             // Most keys mean nothing to most windows.
@@ -95,34 +102,18 @@ class WindowView {
     }
 }
 
-/// A panel of the system with a question and its answers.
-function systemPanel(title, text, fields, answers) {
-    return h(
-        "div",
-        { className: "system-panel", role: "dialog", ariaModal: "true", ariaLabel: title },
-        h("h3", {}, title),
-        text ? h("p", {}, text) : null,
-        ...fields,
-        h(
-            "div",
-            { className: "dialog-buttons" },
-            ...answers.map(([label, act, kind]) =>
-                h("button", { type: "button", className: kind ?? "", onclick: act }, label),
-            ),
-        ),
-    );
-}
-
 export class Screen {
     #windows = new Map();
     #covers = new Map();
-    #panelKeys = new Map();
     #shown = []; // the screen and its contents, as they came
     #display = { width: 1728, height: 1117 };
+    isDark = false;
 
     constructor(element, stream) {
         this.element = element;
-        this.clock = h("time", { className: "menu-clock" });
+        this.day = h("span", { className: "menu-day" });
+        this.time = h("span", {});
+        this.clock = h("time", { className: "menu-clock" }, this.day, this.time);
         this.itemIcon = h("span", {});
         this.item = h("button", {
             type: "button",
@@ -134,11 +125,13 @@ export class Screen {
         this.menuContent = h("div", { className: "menu", role: "dialog", ariaLabel: "Sentrel menu", hidden: true });
         this.menuTree = new Tree(this.menuContent, (action) => post("ui", { in: "menu", ...action }));
         this.desk = h("div", { className: "desk" });
-        this.panels = h("div", { className: "panels" });
+        this.panels = new SystemPanels(() => this.#showReach(), () => this.#giveKeyboard());
         this.coverLayer = h("div", { className: "covers" });
-        this.bar = h("div", { className: "menu-bar" }, h("span", { className: "menu-name" }, "Finder"));
-        this.bar.append(this.item, this.clock);
-        element.append(this.bar, this.desk, this.menuContent, this.panels, this.coverLayer);
+        this.frontName = h("span", { className: "menu-name" }, "Finder");
+        this.bar = h("div", { className: "menu-bar" }, this.frontName, this.item, this.clock);
+        this.note = h("p", { className: "screen-note", hidden: true });
+        this.glow = h("div", { className: "glow", ariaHidden: "true" });
+        element.append(this.bar, this.desk, this.menuContent, this.panels.element, this.coverLayer, this.note, this.glow);
         this.desk.addEventListener("pointerdown", (event) => {
             if (this.menuShown && event.target === this.desk) {
                 post("menu", { open: false });
@@ -150,15 +143,24 @@ export class Screen {
                 this.item.focus();
             }
         });
+        this.menuContent.addEventListener("keydown", (event) => this.#moveInMenu(event));
+        this.item.addEventListener("keydown", (event) => {
+            if (event.key === "ArrowDown") {
+                event.preventDefault();
+                this.menuShown ? this.#menuControls()[0]?.focus() : this.item.click();
+            }
+        });
         // What a window shows comes apart from its frame: all of a change first, then the picture.
         stream.on("state", (state) => this.#show(state));
         stream.on("menuBar", (bar) => this.#showMenuBar(bar));
-        stream.on("panels", (panels) => this.#showPanels(panels));
+        stream.on("panels", (panels) => this.panels.show(panels));
+        stream.on("hardware", (hardware) => this.#showPower(hardware));
         new ResizeObserver(() => this.#show(stream.state, true)).observe(element);
     }
 
-    showTime(text) {
-        this.clock.textContent = text;
+    showTime(day, time) {
+        set(this.day, { textContent: day });
+        set(this.time, { textContent: time });
     }
 
     // Windows are drawn as large as they fit, at most at their own size, and not too small to be read: one that is then
@@ -201,7 +203,8 @@ export class Screen {
         }
         this.#shown = parts;
         this.#display = screen.displays[0] ?? this.#display;
-        this.element.classList.toggle("asleep", Boolean(screen.isAsleep));
+        // The one application that is not Sentrel is the Finder.
+        set(this.frontName, { textContent: screen.windows.some((window) => window.isKey) ? "Sentrel" : "Finder" });
         const seen = new Set();
         screen.windows.forEach((window, index) => {
             seen.add(window.id);
@@ -235,7 +238,7 @@ export class Screen {
         }
         this.hasKeyboard = this.keyWindow;
         const element = this.#windows.get(this.keyWindow)?.element;
-        if (element && !element.contains(document.activeElement)) {
+        if (element && document.hasFocus() && !element.contains(document.activeElement)) {
             element.focus({ preventScroll: true });
         }
     }
@@ -276,72 +279,46 @@ export class Screen {
         const opens = this.menuShown && this.menuContent.hidden;
         this.menuContent.hidden = !this.menuShown;
         this.menuTree.show(bar?.menu ?? null);
-        if (opens) {
-            this.menuContent.querySelector("button, input")?.focus({ preventScroll: true });
+        if (opens && document.hasFocus()) {
+            this.#menuControls()[0]?.focus({ preventScroll: true });
         }
     }
 
-    #showPanels(panels) {
-        const wasAsking = this.panels.childElementCount > 0;
-        if (!wasAsking) {
-            this.cameFrom = document.activeElement;
+    #menuControls() {
+        return [...this.menuContent.querySelectorAll("button:not(:disabled), input:not(:disabled)")];
+    }
+
+    #moveInMenu(event) {
+        const controls = this.#menuControls();
+        const present = controls.indexOf(document.activeElement);
+        const next = {
+            ArrowDown: (present + 1) % controls.length,
+            ArrowUp: (Math.max(present, 0) + controls.length - 1) % controls.length,
+            Home: 0,
+            End: controls.length - 1,
+        }[event.key];
+        if (next !== undefined) {
+            event.preventDefault();
+            controls[next]?.focus();
         }
-        this.#showPanel("login", panels.login, (login) =>
-            systemPanel("Sentrel", `Sentrel is trying to ${login.reason}.`, [
-                h("p", { className: "quiet" }, "Touch ID or enter the password of this Mac's user."),
-            ], [
-                ["Cancel", () => answer("login", "cancel")],
-                ["Wrong password", () => answer("login", "fail")],
-                ["Log in", () => answer("login", "succeed"), "default"],
-            ]),
-        );
-        this.#showPanel("alert", panels.alert, (alert) =>
-            systemPanel(alert.message, alert.informative, [], [["OK", () => answer("alert", "close"), "default"]]),
-        );
-        this.#showPanel("save", panels.save, (save) => {
-            const name = h("input", { type: "text", value: save.name, ariaLabel: "File name" });
-            return systemPanel(save.title, `In “${save.folder}”`, [name], [
-                ["Cancel", () => answer("save", "cancel")],
-                ["Save", () => answer("save", name.value), "default"],
-            ]);
-        });
-        this.#showPanel("preview", panels.preview, (preview) =>
-            systemPanel(preview.name, "", [h("img", { src: preview.image, alt: preview.name })], [
-                ["Close", () => answer("preview", "close"), "default"],
-            ]),
-        );
-        const isAsking = this.panels.childElementCount > 0;
-        this.panels.hidden = !isAsking;
+    }
+
+    // Behind a closed lid, and asleep, the screen shows nothing and takes nothing; more displays go on without the lid.
+    #showPower({ lid, displays, isAsleep }) {
+        const isShut = lid === "closed" && displays < 2;
+        this.isDark = isShut || isAsleep;
+        this.element.classList.toggle("dark-screen", this.isDark);
+        set(this.note, { textContent: isShut ? "The lid is closed." : "The Mac sleeps.", hidden: !this.isDark });
         this.#showReach();
-        if (isAsking) {
-            this.panels.lastElementChild.querySelector("input, button.default")?.focus({ preventScroll: true });
-        } else if (wasAsking) {
-            this.cameFrom?.focus({ preventScroll: true });
-            this.#giveKeyboard();
-        }
     }
 
     // The keyboard can't go where the mouse can't: behind panels and covers.
     #showReach() {
-        const isAsking = this.panels.childElementCount > 0;
-        this.coverLayer.inert = isAsking;
+        const isAsking = this.panels.isAsking;
+        this.panels.element.inert = this.isDark;
+        this.coverLayer.inert = this.isDark || isAsking;
         for (const part of [this.bar, this.desk, this.menuContent]) {
-            part.inert = isAsking || !this.coverLayer.hidden;
+            part.inert = this.isDark || isAsking || !this.coverLayer.hidden;
         }
-    }
-
-    #showPanel(name, content, make) {
-        const key = JSON.stringify(content ?? null);
-        if (this.#panelKeys.get(name)?.key === key) {
-            return;
-        }
-        this.#panelKeys.get(name)?.element?.remove();
-        const element = content ? make(content) : null;
-        if (element) {
-            this.panels.append(element);
-        }
-        this.#panelKeys.set(name, { key, element });
     }
 }
-
-const answer = (panel, value) => post("panel", { panel, answer: value });

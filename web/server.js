@@ -6,6 +6,7 @@ const waitBeforeRetry = { first: 250, longest: 5000 }; // milliseconds
 export class Stream {
     #listeners = new Map();
     #wait = waitBeforeRetry.first;
+    #waiting = 0;
     #state = {};
 
     on(key, listener) {
@@ -16,7 +17,21 @@ export class Stream {
         return this.#state;
     }
 
+    /// A page that was asleep, or without a network, does not wait for its next try.
+    constructor() {
+        document.addEventListener("visibilitychange", () => document.hidden || this.#retry());
+        addEventListener("online", () => this.#retry());
+    }
+
+    #retry() {
+        if (this.#waiting) {
+            this.open();
+        }
+    }
+
     open() {
+        clearTimeout(this.#waiting);
+        this.#waiting = 0;
         const source = new EventSource("/api/events");
         source.addEventListener("open", () => {
             this.#wait = waitBeforeRetry.first;
@@ -29,7 +44,7 @@ export class Stream {
             source.close();
             this.#tell("connected", false);
             whyRefused().then((why) => this.#tell("refused", why));
-            setTimeout(() => this.open(), this.#wait);
+            this.#waiting = setTimeout(() => this.open(), this.#wait);
             this.#wait = Math.min(2 * this.#wait, waitBeforeRetry.longest);
         });
     }

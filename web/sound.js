@@ -48,11 +48,13 @@ export class Sound {
         this.#followMusic();
     }
 
+    // What it says is what it does. Until it has been used, it asks for attention.
     #showButton() {
-        const silence = this.#wanted.length > 0 ? "Hear the alarm" : "Sound off";
-        const text = this.isOn ? "Sound on" : silence;
-        this.button.replaceChildren(icon(this.isOn ? "speaker" : "muted"), h("span", {}, text));
-        set(this.button, { "aria-pressed": String(this.isOn), title: "Hear what the MacBook's speakers play" });
+        const silence = this.#wanted.length > 0 ? "Hear the alarm" : "Turn sound on";
+        const text = this.isOn ? "Turn sound off" : silence;
+        this.button.replaceChildren(icon(this.isOn ? "muted" : "speaker"), h("span", {}, text));
+        this.button.classList.toggle("default", !this.#context || (!this.isOn && this.#wanted.length > 0));
+        set(this.button, { title: "Hear what the MacBook's speakers play" });
     }
 
     async #bufferOf(url) {

@@ -13,7 +13,7 @@ export class Trace {
 
     constructor(stream) {
         this.canvas = h("canvas", { className: "trace", role: "img", ariaLabel: "Motion of the last five seconds" });
-        this.reading = h("output", { className: "trace-reading" }, "at rest");
+        this.reading = h("span", { className: "trace-reading" }, "at rest");
         this.element = h("div", { className: "trace-box" }, this.canvas, this.reading);
         stream.on("motion", (motion) => this.#take(motion));
         stream.on("hardware", (hardware) => {

@@ -2,6 +2,7 @@
 // person is doing (typing, dragging, scrolling) goes on while the tree changes around it.
 
 import { h, icon, leave, rememberFocus, set } from "./dom.js";
+import { cancelFirst, firstText, isSame, oversOf, textsOf } from "./nodes.js";
 import { latest } from "./server.js";
 
 const rowsDrawnAtOnce = "oncontentvisibilityautostatechange" in document ? 12 : Infinity;
@@ -14,46 +15,54 @@ function styleOf(name, value) {
     return name === "maxWidth" ? `min(100%, ${value}px)` : `${value}px`; // a small screen cuts windows
 }
 
-function isSame(one, other) {
-    if (one === other || typeof one !== "object" || typeof other !== "object" || !one || !other) {
-        return one === other;
-    }
-    const names = Object.keys(one);
-    return names.length === Object.keys(other).length && names.every((name) => isSame(one[name], other[name]));
-}
-
-const textsOf = (node) => [node.text ?? "", ...(node.children ?? []).map(textsOf)].filter(Boolean).join(", ");
-
 const whenIdle = globalThis.requestIdleCallback ?? ((work) => setTimeout(work, 50));
 const rowPatterns = new Map(["vstack", "hstack"].map((kind) => [kind, h("div", { className: `ui-${kind}` })]));
 
-/// One tree in one container. `send` takes what the person does: {node, do, value}.
+/// One tree in one container. `send` takes what the person does: {node, do, value}. Sheets and dialogs lie in `host`,
+/// which does not scroll with the container.
 export class Tree {
     #container;
+    #host;
     #send;
     #focus = "";
     #selectionAnchor = null;
     #typing = null;
 
-    constructor(container, send) {
+    constructor(container, send, host = container) {
         this.#container = container;
+        this.#host = h("div", { className: "overlays" });
         this.#send = send;
+        host.append(this.#host);
     }
 
     show(root, focus = "") {
-        if (!root) {
-            this.#container.replaceChildren();
-            return;
+        const overs = root ? oversOf(root) : [];
+        // The keyboard can't go behind a sheet; it returns there when the sheet is gone.
+        if (overs.length === 0) {
+            this.#reach(true);
         }
-        this.#fill(this.#container, [root]);
+        this.#fill(this.#container, root ? [root] : []);
+        this.#fill(this.#host, overs);
+        if (overs.length > 0) {
+            this.#reach(false);
+        }
         if (focus && focus !== this.#focus) {
             this.#find(focus)?.focus({ preventScroll: true });
         }
         this.#focus = focus;
     }
 
+    #reach(isReached) {
+        const isBeside = !this.#container.contains(this.#host);
+        for (const element of isBeside ? [this.#container] : this.#container.children) {
+            element.inert = !isReached && element !== this.#host;
+        }
+        [...this.#host.children].forEach((over, index, all) => (over.inert = index < all.length - 1));
+    }
+
     #find(identity) {
-        return [...this.#container.querySelectorAll("[data-control]")].find((e) => e.dataset.control === identity);
+        const controls = [this.#host, this.#container].flatMap((part) => [...part.querySelectorAll("[data-control]")]);
+        return controls.find((element) => element.dataset.control === identity);
     }
 
     // Brings the children of an element into line with nodes, in order.
@@ -64,11 +73,18 @@ export class Tree {
                 present.set(element.sentrelKey, element);
             }
         }
+        // First, so that what stays is not moved: an element that is moved loses the keyboard.
+        const keys = nodes.map((node) => `${node.kind} ${node.id}`);
+        const wanted = new Set(present.size > 0 ? keys : []);
+        for (const [key, element] of present) {
+            if (!wanted.has(key)) {
+                leave(element);
+            }
+        }
         let place = parent.firstChild;
-        for (const node of nodes) {
-            const key = `${node.kind} ${node.id}`;
+        for (const [index, node] of nodes.entries()) {
+            const key = keys[index];
             let element = present.get(key);
-            present.delete(key);
             if (!element) {
                 element = parent.list ? this.#makeRow(node) : this.#make(node);
                 element.sentrelKey = key;
@@ -87,9 +103,6 @@ export class Tree {
             } else {
                 place = place.nextSibling;
             }
-        }
-        for (const gone of present.values()) {
-            leave(gone);
         }
     }
 
@@ -155,27 +168,15 @@ export class Tree {
             }
         }
         this.#updaters[node.kind]?.(element, node);
-        const inside = element.inside ?? (node.children || node.sheet || node.dialog || node.toolbar ? element : null);
+        const inside = element.inside ?? (node.children || node.toolbar ? element : null);
         if (inside) {
-            const overlays = [node.toolbar && { kind: "toolbar", id: `${node.id}/toolbar`, children: node.toolbar }];
-            this.#fill(inside, [...overlays.filter(Boolean), ...(node.children ?? [])]);
-            const over = [node.sheet, node.dialog].filter(Boolean);
-            if (over.length > 0 || element.overlay) {
-                this.#fill(this.#overlayOf(element), over);
-            }
+            const toolbar = node.toolbar ? [{ kind: "toolbar", id: `${node.id}/toolbar`, children: node.toolbar }] : [];
+            const children = node.kind === "dialogContent" ? cancelFirst(node.children ?? []) : (node.children ?? []);
+            this.#fill(inside, [...toolbar, ...children]);
             if (element.rowsDrawn !== undefined) {
                 this.#markRows(element);
             }
         }
-    }
-
-    // Sheets and dialogs lie over the whole window.
-    #overlayOf(element) {
-        if (!element.overlay) {
-            element.overlay = h("div", { className: "overlays" });
-            element.append(element.overlay);
-        }
-        return element.overlay;
     }
 
     async #act(element, action, value) {
@@ -216,7 +217,7 @@ export class Tree {
     #slider = () => {
         const input = h("input", { type: "range" });
         const text = h("span", {});
-        const value = h("output", {});
+        const value = h("span", { className: "reading", ariaHidden: "true" });
         const label = h("label", {}, text, input, value);
         const send = latest((wanted) => this.#act(label, "slide", wanted));
         input.addEventListener("input", () => send(input.valueAsNumber));
@@ -407,7 +408,7 @@ export class Tree {
             if (!element.inputPart.matches(":active")) {
                 element.inputPart.value = String(node.value);
             }
-            set(element.inputPart, { "aria-label": node.label ?? node.text });
+            set(element.inputPart, { "aria-label": node.label ?? node.text, "aria-valuetext": node.valueText ?? null });
         },
         field: (element, node) => {
             set(element, { placeholder: node.prompt ?? "", "aria-label": node.label ?? node.prompt ?? "" });
@@ -428,6 +429,11 @@ export class Tree {
         },
         section: (element, node) => {
             set(element.header, { textContent: node.header ?? "", hidden: !node.header });
+            if (element.inside.list) {
+                // A list has rows and groups of rows, and nothing else.
+                set(element.header, { "aria-hidden": "true" });
+                set(element, { "aria-label": node.label ?? node.header ?? null });
+            }
             set(element.footer, { textContent: node.footer ?? "", hidden: !node.footer });
         },
         split: (element, node) => element.classList.toggle("no-sidebar", node.isSidebarShown === false),
@@ -442,10 +448,17 @@ export class Tree {
             set(dialog.titleText, { textContent: node.title });
             set(dialog.message, { textContent: node.message ?? "", hidden: !node.message });
             element.inside = dialog.inside;
+            set(dialog, { "aria-label": node.title });
             if (!element.wasFocused) {
                 element.wasFocused = true;
-                queueMicrotask(() => dialog.querySelector("button.default, button")?.focus());
+                // What can't be undone is never a key away.
+                const isGrave = (node.children ?? []).some((button) => button.role === "destructive");
+                const first = isGrave ? "button.role-cancel, button:not(.role-destructive)" : "button.default, button";
+                queueMicrotask(() => dialog.querySelector(first)?.focus());
             }
+        },
+        sheetContent: (element, node) => {
+            set(element.inside, { "aria-label": node.label ?? firstText(node) ?? null });
         },
     };
 
@@ -464,16 +477,4 @@ export class Tree {
         element.style.gap = `${node.spacing ?? 8}px`;
         element.dataset.align = node.align ?? "center";
     }
-}
-
-/// What a key does in a window: the name that the server knows, or none when the page keeps the key.
-export function keyOf(event) {
-    const isEditing = event.target.matches("input:not([type=checkbox]):not([type=range]), textarea");
-    if (event.key === "Escape") {
-        return "escape";
-    }
-    if (isEditing || event.target.closest("button") === event.target) {
-        return null;
-    }
-    return { Delete: "delete", Backspace: "delete", Enter: "return" }[event.key] ?? null;
 }

@@ -19,12 +19,17 @@ test("an alert is looked at, its photo previewed and saved, and then it is delet
     await desk.button("Preview", window).click();
     const preview = desk.screen.getByRole("dialog").filter({ has: desk.button("Close") });
     assert.ok((await coloursOf(preview.getByRole("img"))) > 100);
-    await desk.button("Close", preview).click();
+    await desk.page.keyboard.press("Escape");
+    await preview.waitFor({ state: "detached" });
 
     await desk.button("Download Photo", window).click();
     const name = desk.screen.getByRole("textbox", { name: "File name" });
+    await name.and(desk.page.locator(":focus")).waitFor();
+    await desk.page.keyboard.press("Escape");
+    await name.waitFor({ state: "detached" });
+    await desk.button("Download Photo", window).click();
     await name.fill("../Evidence of the café.jpg"); // never leads out of the folder
-    await desk.button("Save", desk.screen).click();
+    await desk.page.keyboard.press("Enter");
     await name.waitFor({ state: "detached" });
     const saved = await readFile(path.join(desk.simulator.disk, "Downloads/Evidence of the café.jpg"));
     assert.ok((await differenceOf(photo, saved)) < 4, "the file is the photo");
@@ -33,7 +38,12 @@ test("an alert is looked at, its photo previewed and saved, and then it is delet
     await desk.page.keyboard.press("Delete");
     const question = window.getByRole("alertdialog");
     await question.getByText("This alert will be permanently removed.").waitFor();
+    assert.deepEqual(await question.getByRole("button").allInnerTexts(), ["Cancel", "Delete"]);
     await desk.page.keyboard.press("Escape");
+    await question.waitFor({ state: "detached" });
+    await desk.page.keyboard.press("Delete");
+    await desk.button("Cancel", question).and(desk.page.locator(":focus")).waitFor();
+    await desk.page.keyboard.press("Enter");
     await question.waitFor({ state: "detached" });
     await desk.page.keyboard.press("Delete");
     await desk.button("Delete", question).click();

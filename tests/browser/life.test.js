@@ -7,7 +7,7 @@ import { sitDown } from "./support/sitting.js";
 
 test("nobody quits a sounding Sentrel without the login; launched again, it is disarmed", async (t) => {
     const desk = await sitDown(t);
-    await desk.button("Sound off").click();
+    await desk.button("Turn sound on").click();
     await desk.haveAnAlert();
     const ended = desk.page.getByText("Sentrel is not running.", { exact: true });
     const quit = desk.button("Quit", await desk.openMenu());
@@ -31,12 +31,12 @@ test("nobody quits a sounding Sentrel without the login; launched again, it is d
 test("a crash is survived: the sound ends, and the next launch brings the speakers back", async (t) => {
     const desk = await sitDown(t);
     await desk.haveAnAlert();
-    const use = desk.button("Play through Headphones", desk.hardware);
+    const use = desk.button("Use Headphones", desk.hardware);
     assert.equal(await use.getAttribute("aria-pressed"), "false");
     await desk.button("Crash Sentrel", desk.hardware).click();
     await desk.button("Open Sentrel", desk.hardware).click();
     await desk.isArmed(false);
-    await desk.hardware.locator("[aria-label='Play through Headphones'][aria-pressed=true]").waitFor();
+    await desk.hardware.locator("[aria-label='Use Headphones'][aria-pressed=true]").waitFor();
 });
 
 test("the page finds its server again, and shows what is then", async (t) => {
@@ -45,7 +45,10 @@ test("the page finds its server again, and shows what is then", async (t) => {
     await desk.simulator.end();
     await desk.page.getByText("Connecting again…").waitFor();
     await desk.button("Plugged in", desk.hardware).click();
-    await desk.page.getByRole("alert").getByText("The simulated MacBook does not answer.").waitFor();
+    const problem = desk.page.getByRole("alert").getByText("The simulated MacBook does not answer.");
+    await problem.waitFor();
+    const [above, below] = [await problem.boundingBox(), await desk.page.getByText("Connecting again…").boundingBox()];
+    assert.ok(above.y + above.height <= below.y, "one message does not lie over the other");
     await desk.simulator.launch();
     await desk.page.getByText("Connecting again…").waitFor({ state: "hidden" });
     await desk.isArmed(false);

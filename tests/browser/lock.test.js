@@ -29,6 +29,9 @@ test("a passcode is set in the control panel; guessing it sounds the alarm, and 
     await desk.button("Set Passcode", panel).click();
     const sheet = panel.getByRole("dialog");
     await type(desk, "2468");
+    // Before anything that would scroll it into view.
+    const [inner, outer] = [await sheet.boundingBox(), await panel.boundingBox()];
+    assert.ok(inner.y >= outer.y && inner.y + inner.height <= outer.y + outer.height, "the sheet lies in its window");
     await sheet.getByLabel("Confirm passcode").fill("2469");
     await desk.button("Save", sheet).click();
     await sheet.getByText("Passcodes don't match.").waitFor();

@@ -71,30 +71,35 @@ test("every control has a name, and the keyboard reaches it visibly", async (t) 
 test("a Mac is armed and its alarm stopped without a mouse", async (t) => {
     const desk = await sitDown(t);
     const { keyboard } = desk.page;
-    await desk.menuItem.focus();
-    await keyboard.press("Enter");
+    await desk.tabTo(desk.menuItem);
+    await keyboard.press("ArrowDown");
     await desk.menu.locator("input:focus").waitFor();
     await keyboard.press("Space");
     await desk.isArmed();
     await keyboard.press("Escape");
     await desk.menu.waitFor({ state: "hidden" });
     await desk.screen.locator(".menu-item:focus").waitFor();
-    await desk.button("Unplugged", desk.hardware).focus();
+    await desk.tabTo(desk.button("Unplugged", desk.hardware));
     await keyboard.press("Enter");
     await desk.tells("→ The alarm sounds through MacBook Pro Speakers at 83 %.");
-    await desk.menuItem.focus();
+    await desk.tabTo(desk.menuItem);
     await keyboard.press("Enter");
     await desk.menu.locator("input:focus").waitFor();
     const stop = desk.button("Stop Alarm", desk.menu);
-    while (!(await stop.evaluate((button) => document.activeElement === button))) {
-        await keyboard.press("Tab");
+    for (let rows = 0; rows < 4 && !(await stop.and(desk.page.locator(":focus")).count()); ++rows) {
+        await keyboard.press("ArrowDown");
     }
+    await stop.and(desk.page.locator(":focus")).waitFor();
     await keyboard.press("Enter");
     await desk.button("Log in", desk.screen).and(desk.page.locator(":focus")).waitFor();
     await keyboard.press("Enter");
     await stop.waitFor({ state: "detached" });
     const panel = await desk.open("Settings", "Sentrel");
     await panel.and(desk.page.locator(":focus")).waitFor();
+    await desk.screen.locator(".menu-name").getByText("Sentrel").waitFor();
+    await keyboard.press("Control+w");
+    await panel.waitFor({ state: "detached" });
+    await desk.screen.locator(".menu-name").getByText("Finder").waitFor();
 });
 
 test("the control panel has room for every language", async (t) => {

@@ -41,6 +41,11 @@ async function lookAtAlert(desk) {
     await list.getByRole("img", { name: "Photo of the alert" }).waitFor();
 }
 
+async function firstVisit(desk) {
+    await desk.phone.getByText("Disarmed").waitFor();
+    await picture(desk, "first-visit");
+}
+
 async function theft(desk) {
     await desk.phone.getByText("Disarmed").waitFor();
     await desk.openMenu();
@@ -70,6 +75,12 @@ async function cover(desk) {
     await picture(desk, "lock-screen");
 }
 
+async function german(desk) {
+    await desk.phone.getByText("Keine Alarme").waitFor();
+    await desk.openMenu();
+    await picture(desk, "german");
+}
+
 async function alertIn(name, desk) {
     await desk.haveAnAlert();
     await lookAtAlert(desk);
@@ -78,12 +89,14 @@ async function alertIn(name, desk) {
 
 await mkdir(folder, { recursive: true });
 try {
+    await withDesk({ browser: { isFirstVisit: true } }, firstVisit);
     await withDesk({}, theft);
     await withDesk({}, controlPanel);
     await withDesk({ scenario: "wrong-passcodes" }, cover);
     await withDesk({ browser: { colorScheme: "dark" } }, (desk) => alertIn("dark", desk));
     const narrow = { viewport: { width: 390, height: 800 } };
     await withDesk({ browser: narrow }, (desk) => alertIn("narrow", desk));
+    await withDesk({ language: "de_DE" }, german);
 } finally {
     await closeBrowser();
 }

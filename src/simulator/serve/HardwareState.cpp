@@ -62,8 +62,11 @@ Json cameraJson(const simulated::SimulatedCamera& camera, PageFiles& files)
 
 Json PageState::run() const
 {
+    SentrelApp* const app = session_.app();
     return {{"title", title_},
-            {"process", session_.app() != nullptr ? "running" : "ended"},
+            {"process", app != nullptr ? "running" : "ended"},
+            {"isArmed", app != nullptr && app->coordinator().isArmed.get()},
+            {"isAlarmActive", app != nullptr && app->coordinator().isAlarmActive.get()},
             {"date", since1970(session_.mac().wallClock.now())},
             {"timeZone", session_.mac().calendar.timeZone()},
             {"language", session_.mac().calendar.languageTag()}};

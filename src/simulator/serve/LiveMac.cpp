@@ -5,6 +5,8 @@
 
 #include <cmath>
 #include <filesystem>
+#include <memory>
+#include <mutex>
 #include <nlohmann/json.hpp>
 #include <stdexcept>
 #include <string_view>
@@ -32,29 +34,43 @@ PageState::Text kept(std::string text)
 
 } // namespace
 
-LiveMac::LiveMac(const Scenario& scenario, const std::filesystem::path& disk, const std::filesystem::path& resources,
-                 std::uint64_t seed, Date date)
-    : session_(scenario.mac, disk, resources, seed, date),
-      state_(session_, files_, scenario.title),
-      world_(session_.clock())
+LiveMac::Life::Life(const Scenario& scenario, const std::filesystem::path& disk, const std::filesystem::path& resources,
+                    std::uint64_t seed, Date date, PageFiles& files)
+    : session(scenario.mac, disk, resources, seed, date), state(session, files, scenario.title), world(session.clock())
 {
-    simulated::SimulatedMac& mac = session_.mac();
+    simulated::SimulatedMac& mac = session.mac();
     // A person is there to answer.
     mac.login.setAnswerDelay(std::nullopt);
     mac.alerts.setReadingTime(std::nullopt);
     mac.savePanels.setAnswerDelay(std::nullopt);
-    mac.accelerometer.observe([this](const simulated::Acceleration& sample) {
-        if (departures_.size() < mostSamples) {
-            departures_.push_back(departureOf(sample));
-        }
-    });
-    story_.open(scenario);
-    world_.happened = [this] { happened(); };
+    story.open(scenario);
     // What a person has changed on a disk that was kept stays.
-    if (!std::filesystem::exists(session_.mac().preferences()) && !leaveFromEarlierRun(session_, scenario)) {
+    if (!std::filesystem::exists(mac.preferences()) && !leaveFromEarlierRun(session, scenario)) {
         throw std::runtime_error{"the passcode can't be put into the keychain"};
     }
-    session_.launch();
+}
+
+LiveMac::LiveMac(Scenario scenario, std::filesystem::path disk, std::filesystem::path resources, std::uint64_t seed,
+                 Date date, bool mayBeReplaced)
+    : scenario_(std::move(scenario)),
+      disk_(std::move(disk)),
+      resources_(std::move(resources)),
+      seed_(seed),
+      mayBeReplaced_(mayBeReplaced),
+      life_(std::make_unique<Life>(scenario_, disk_, resources_, seed_, date, files_))
+{
+    begin();
+}
+
+void LiveMac::begin()
+{
+    life_->session.mac().accelerometer.observe([this](const simulated::Acceleration& sample) {
+        if (life_->departures.size() < mostSamples) {
+            life_->departures.push_back(departureOf(sample));
+        }
+    });
+    life_->world.happened = [this] { happened(); };
+    life_->session.launch();
 }
 
 LiveMac::~LiveMac()
@@ -64,13 +80,33 @@ LiveMac::~LiveMac()
 
 void LiveMac::start()
 {
-    world_.start();
+    life_->world.start();
 }
 
 void LiveMac::stop()
 {
     hub_.closeAll();
-    world_.stop();
+    const std::shared_lock guard{mutex_};
+    life_->world.stop();
+}
+
+std::string LiveMac::replace()
+{
+    if (!mayBeReplaced_) {
+        return "This MacBook's disk is kept: for a new one, start the program without --disk.";
+    }
+    const std::unique_lock guard{mutex_};
+    const std::filesystem::path disk = disk_ / ("mac-" + std::to_string(++replacements_));
+    std::filesystem::create_directories(disk);
+    const Date now = life_->session.mac().wallClock.now();
+    auto next = std::make_unique<Life>(scenario_, disk, resources_, seed_ + replacements_, now, files_);
+    life_->world.stop();
+    life_ = std::move(next);
+    begin();
+    tellStory();
+    tellChanges();
+    life_->world.start();
+    return {};
 }
 
 std::string LiveMac::perform(const Action& action)
@@ -79,7 +115,7 @@ std::string LiveMac::perform(const Action& action)
         if (std::string why = objection(session, action); !why.empty()) {
             return why;
         }
-        story_.perform(session.seconds(), action);
+        life_->story.perform(session.seconds(), action);
         return simulator::perform(session, action);
     });
 }
@@ -96,12 +132,12 @@ std::shared_ptr<EventHub::Subscriber> LiveMac::listen()
         if (subscriber == nullptr) {
             return subscriber;
         }
-        state_.redraw();
+        life_->state.redraw();
         std::string all;
         for (const auto& [room, text] : rooms(true)) {
             all += member(all, room, *text);
         }
-        all += member(all, "story", PageState::textOf(story_.from(0)));
+        all += member(all, "story", PageState::textOf(life_->story.from(0)));
         hub_.send(*subscriber, "state", "{" + all + "}");
         return subscriber;
     });
@@ -110,11 +146,11 @@ std::shared_ptr<EventHub::Subscriber> LiveMac::listen()
 void LiveMac::happened()
 {
     tellStory();
-    const double now = session_.seconds();
+    const double now = life_->session.seconds();
     if (hub_.subscribers() == 0) {
-        departures_.clear();
-        lastMotion_ = now;
-        isTouched_ = true;
+        life_->departures.clear();
+        life_->lastMotion = now;
+        life_->isTouched = true;
         return;
     }
     tellMotion(now);
@@ -125,62 +161,63 @@ void LiveMac::happened()
 
 void LiveMac::tellStory()
 {
-    for (const simulated::Event& event : session_.log().events(eventsSeen_)) {
-        ++eventsSeen_;
-        isTouched_ = true;
-        isLogRead_ = true;
-        story_.tell(event);
+    for (const simulated::Event& event : life_->session.log().events(life_->eventsSeen)) {
+        ++life_->eventsSeen;
+        life_->isTouched = true;
+        life_->isLogRead = true;
+        life_->story.tell(event);
     }
 }
 
 double LiveMac::departureOf(const simulated::Acceleration& sample)
 {
-    const double threshold = state_.motionThreshold().value_or(meterThreshold_);
-    if (!meter_ || threshold != meterThreshold_) {
-        meter_.emplace(threshold);
-        meterThreshold_ = threshold;
+    const double threshold = life_->state.motionThreshold().value_or(life_->meterThreshold);
+    if (!life_->meter || threshold != life_->meterThreshold) {
+        life_->meter.emplace(threshold);
+        life_->meterThreshold = threshold;
     }
-    static_cast<void>(meter_->departs({sample.x, sample.y, sample.z}));
-    const AccelerationSample& baseline = meter_->baseline();
+    static_cast<void>(life_->meter->departs({sample.x, sample.y, sample.z}));
+    const AccelerationSample& baseline = life_->meter->baseline();
     const double distance = std::hypot(sample.x - baseline.x, sample.y - baseline.y, sample.z - baseline.z);
     return std::isfinite(distance) ? distance : 0.0;
 }
 
 void LiveMac::tellMotion(double now)
 {
-    if (departures_.empty() || now - lastMotion_ < shortestMotionPause) {
+    if (life_->departures.empty() || now - life_->lastMotion < shortestMotionPause) {
         return;
     }
-    const double rate = static_cast<double>(departures_.size()) / std::max(now - lastMotion_, 0.02);
-    hub_.publish("motion", Json{{"at", now}, {"departures", departures_}, {"rate", std::min(rate, 100.0)}}.dump());
-    departures_.clear();
-    lastMotion_ = now;
+    const double rate = static_cast<double>(life_->departures.size()) / std::max(now - life_->lastMotion, 0.02);
+    hub_.publish("motion",
+                 Json{{"at", now}, {"departures", life_->departures}, {"rate", std::min(rate, 100.0)}}.dump());
+    life_->departures.clear();
+    life_->lastMotion = now;
 }
 
 bool LiveMac::mayHaveChanged()
 {
-    const std::uint64_t version = session_.mac().displays.version() + session_.mac().statusBar.version();
-    if (version != screenVersion_) {
-        screenVersion_ = version;
-        isTouched_ = true;
+    const std::uint64_t version = life_->session.mac().displays.version() + life_->session.mac().statusBar.version();
+    if (version != life_->screenVersion) {
+        life_->screenVersion = version;
+        life_->isTouched = true;
     }
-    return isTouched_;
+    return life_->isTouched;
 }
 
 std::map<std::string, PageState::Text> LiveMac::rooms(bool withPhone)
 {
-    auto rooms = state_.contents();
+    auto rooms = life_->state.contents();
     const auto add = [&rooms](const char* room, const Json& value) { rooms[room] = kept(PageState::textOf(value)); };
-    add("run", state_.run());
-    add("menuBar", state_.menuBar());
-    add("screen", state_.screen());
-    add("panels", state_.panels());
-    add("hardware", state_.hardware());
-    add("sound", state_.sound());
-    add("cloud", state_.cloud());
+    add("run", life_->state.run());
+    add("menuBar", life_->state.menuBar());
+    add("screen", life_->state.screen());
+    add("panels", life_->state.panels());
+    add("hardware", life_->state.hardware());
+    add("sound", life_->state.sound());
+    add("cloud", life_->state.cloud());
     if (withPhone) {
         try {
-            add("phone", state_.phone());
+            add("phone", life_->state.phone());
         } catch (const platform::CloudError&) {
             // Its server can't be read now; what it showed stays.
         }
@@ -190,8 +227,8 @@ std::map<std::string, PageState::Text> LiveMac::rooms(bool withPhone)
 
 void LiveMac::tellChanges()
 {
-    isTouched_ = false;
-    const auto rooms = this->rooms(std::exchange(isLogRead_, false));
+    life_->isTouched = false;
+    const auto rooms = this->rooms(std::exchange(life_->isLogRead, false));
     std::string changes = goneContents(rooms);
     for (const auto& [room, text] : rooms) {
         // Time goes by without being told: the page has a clock.
@@ -202,9 +239,9 @@ void LiveMac::tellChanges()
         }
         before = now;
     }
-    if (story_.count() != storyTold_) {
-        changes += member(changes, "story", PageState::textOf(story_.from(storyTold_)));
-        storyTold_ = story_.count();
+    if (life_->story.count() != life_->storyTold) {
+        changes += member(changes, "story", PageState::textOf(life_->story.from(life_->storyTold)));
+        life_->storyTold = life_->story.count();
     }
     if (!changes.empty()) {
         hub_.publish("state", "{" + changes + "}");
@@ -227,7 +264,7 @@ std::string LiveMac::goneContents(const std::map<std::string, PageState::Text>& 
 
 std::string LiveMac::untimedRun() const
 {
-    Json run = state_.run();
+    Json run = life_->state.run();
     run.erase("date");
     return PageState::textOf(run);
 }

@@ -340,6 +340,10 @@ PageAnswer answerPage(LiveMac& mac, const std::string& name, const std::string& 
         if (name == "launch") {
             return launch(mac);
         }
+        if (name == "replace") {
+            std::string why = mac.replace();
+            return why.empty() ? PageAnswer{} : refused(std::move(why));
+        }
     } catch (const BadRequest& bad) {
         return {400, "The request makes no sense: " + bad.why + "."};
     }

@@ -83,7 +83,7 @@ int run(const ServeCommand& command, std::ostream& out, std::ostream& err)
         scenario.mac.timeZone = simulated::IcuCalendar::machinesTimeZone();
     }
     const RunDisk disk{command.disk};
-    LiveMac mac{scenario, disk.path(), command.resources, command.seed, today()};
+    LiveMac mac{scenario, disk.path(), command.resources, command.seed, today(), !command.disk};
     const std::string token = command.token.value_or(randomToken());
     PageServer server{mac, {.web = command.web, .token = token, .port = command.port}};
     if (!server.bind()) {

@@ -32,10 +32,14 @@ const quiet = [
 
 let browser;
 
-export async function newContext(options = {}) {
+/// Its visitor has been on the page before, unless told otherwise.
+export async function newContext({ isFirstVisit = false, ...options } = {}) {
     browser ??= chromium.launch({ executablePath: executable(), args: quiet, headless: true });
     const context = await (await browser).newContext({ viewport: { width: 1280, height: 800 }, ...options });
     context.setDefaultTimeout(15_000);
+    if (!isFirstVisit) {
+        await context.addInitScript(() => localStorage.setItem("sentrel-guide", "done"));
+    }
     return context;
 }
 

@@ -35,6 +35,17 @@ export class Desk {
         await this.isArmed();
     }
 
+    /// Goes on by the Tab key until this has the keyboard.
+    async tabTo(control) {
+        for (let tabs = 0; tabs < 120; ++tabs) {
+            if (await control.evaluate((element) => document.activeElement === element)) {
+                return;
+            }
+            await this.page.keyboard.press("Tab");
+        }
+        throw new Error(`the Tab key does not lead to ${control}`);
+    }
+
     isArmed(armed = true) {
         return this.button(`Sentrel: ${armed ? "Armed" : "Disarmed"}`, this.screen).waitFor();
     }

@@ -16,10 +16,10 @@ export class Simulator {
     #token = "0123456789abcdef0123456789abcdef";
 
     /// `prepare(disk)` may put files on the disk before the Mac starts; `scenario` is one of `scenarios/`, without .yaml;
-    /// `language` is that of the Mac's user.
-    static async start({ scenario = "cafe-theft", language = "en_US", prepare = () => {} } = {}) {
+    /// `language` is that of the Mac's user; a Mac whose disk `isKept` can't be replaced by a new one.
+    static async start({ scenario = "cafe-theft", language = "en_US", prepare = () => {}, isKept = true } = {}) {
         const simulator = new Simulator();
-        simulator.language = language;
+        Object.assign(simulator, { language, isKept });
         simulator.disk = await mkdtemp(path.join(tmpdir(), "sentrel-page-"));
         simulator.scenario = path.join(root, "scenarios", `${scenario}.yaml`);
         await prepare(simulator.disk);
@@ -35,8 +35,8 @@ export class Simulator {
     /// Starts the program; once more after `end`, it comes back at the same address, unless its token is another.
     async launch(token = this.#token) {
         this.#token = token;
-        const options = ["--scenario", this.scenario, "--disk", this.disk, "--token", this.#token, "--port", `${this.#port}`];
-        options.push("--language", this.language);
+        const options = ["--scenario", this.scenario, "--token", this.#token, "--port", `${this.#port}`];
+        options.push("--language", this.language, ...(this.isKept ? ["--disk", this.disk] : []));
         this.#process = spawn(program, ["serve", ...options], { stdio: ["ignore", "pipe", "inherit"] });
         const failed = new Promise((_, reject) => {
             this.#process.once("error", reject);

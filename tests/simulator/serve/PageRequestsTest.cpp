@@ -7,6 +7,8 @@
 #include <nlohmann/json.hpp>
 #include <semaphore>
 
+#include <thread>
+
 namespace sentrel::simulator {
 namespace {
 
@@ -81,6 +83,7 @@ TEST_F(PageThreads, RefuseWhatMakesNoSenseInPlainWordsAndGoOn)
         {"action", R"({"camera": {"photo": "/etc/passwd"}})", 400},
         {"action", R"({"accelerometer": {"file": "/etc/passwd"}})", 400},
         {"launch", "{}", 409},
+        {"replace", "{}", 409},
         {"nothing", "{}", 404},
     };
     for (const auto& each : cases) {
@@ -90,6 +93,29 @@ TEST_F(PageThreads, RefuseWhatMakesNoSenseInPlainWordsAndGoOn)
     }
     EXPECT_EQ(showWebcam(mac, "no picture").status, 400);
     EXPECT_EQ(ask("action", R"("arm")").status, 204);
+}
+
+TEST_F(PageThreads, ANewMacTakesTheOldOnesPlaceOnEveryPageWhileOthersUseIt)
+{
+    TemporaryFolder temporary;
+    LiveMac live{scenario, temporary.path(), SENTREL_SOURCE_DIR "/resources", 1, MacSession::storyDate, true};
+    live.start();
+    const auto isArmed = [](MacSession& session) { return session.app()->coordinator().isArmed.get(); };
+    const auto stream = live.listen();
+    EXPECT_EQ(answerPage(live, "action", R"("arm")").status, 204);
+    EXPECT_TRUE(says(*stream, R"("isArmed":true)"));
+    std::thread other{[&live] {
+        for (int count = 0; count < 50; ++count) {
+            EXPECT_EQ(answerPage(live, "action", R"("unplug")").error, "");
+        }
+    }};
+    EXPECT_EQ(answerPage(live, "replace", "{}").error, "");
+    EXPECT_EQ(answerPage(live, "replace", "{}").error, "");
+    other.join();
+    EXPECT_TRUE(says(*stream, R"("story":{"from":0,)"));
+    EXPECT_FALSE(live.call(isArmed));
+    EXPECT_EQ(answerPage(live, "action", R"("arm")").error, "");
+    EXPECT_TRUE(live.call(isArmed));
 }
 
 TEST_F(PageThreads, APageThatNeverReadsIsCutOffAndAStoppedMacAnswersNobody)
