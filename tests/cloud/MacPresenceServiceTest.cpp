@@ -102,7 +102,7 @@ TEST_F(MacPresenceServiceTest, APushedCommandIsObeyedAtOnceAndAnyOtherWithinOneP
     world.clock.advance(6s);
     mac.icloud.link.setLatency(80ms);
     mac.command(3, true);
-    mac.presence.receive({3, std::string{CloudSubscriptions::alertIdentifier}, std::nullopt}); // none of its business
+    mac.presence.receive({std::string{CloudSubscriptions::alertIdentifier}, std::nullopt}); // none of its business
     world.clock.advance(5s);
     EXPECT_TRUE(mac.isArmed);
 
