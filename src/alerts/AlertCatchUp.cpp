@@ -2,6 +2,7 @@
 
 #include "alerts/LocalAlertStore.hpp"
 #include "cloud/AsyncTimeout.hpp"
+#include "cloud/CloudTimeLimit.hpp"
 #include "cloud/PresenceTimes.hpp"
 #include "platform/FileSystem.hpp"
 #include "platform/WallClock.hpp"
@@ -23,9 +24,6 @@ namespace sentrel {
 using namespace std::chrono_literals;
 
 namespace {
-
-/// For one batch of deletions.
-constexpr Duration longestDeletion = 15s;
 
 /// So many deletions share a deadline: what a batch has achieved is remembered before the next one begins.
 constexpr std::size_t batchSize = 200;
@@ -62,7 +60,8 @@ void MacAlertsService::deleteAlerts(const std::unordered_set<UUID>& ids)
     localStore_.remove(ids);
     std::erase_if(held_, [&ids](const auto& entry) { return ids.contains(entry.first); });
     std::erase_if(slow_, [&ids](const UUID& id) { return ids.contains(id); });
-    pendingDeletions_.add(ids);
+    std::erase_if(refused_, [&ids](const UUID& id) { return ids.contains(id); });
+    pendingDeletions_.add(ids, cloud_.cacheOwner());
     uploader_.discard(ids);
     std::vector<AlertRow> kept;
     std::copy_if(alerts.get()->begin(), alerts.get()->end(), std::back_inserter(kept),
@@ -75,18 +74,24 @@ void MacAlertsService::deleteAlerts(const std::unordered_set<UUID>& ids)
 
 Async<void> MacAlertsService::catchUp()
 {
+    refused_.clear();
     return catchUps_.run();
 }
 
 /// Those on the disk and those that could not be saved.
 Async<std::vector<StoredAlert>> MacAlertsService::alertsHere()
 {
-    std::vector<StoredAlert> here = co_await localStore_.alertsInBackground();
-    std::erase_if(here, [this](const StoredAlert& stored) { return held_.contains(stored.alert.id); });
+    std::vector<StoredAlert> stored = co_await localStore_.alertsInBackground();
+    co_return withHeld(std::move(stored));
+}
+
+std::vector<StoredAlert> MacAlertsService::withHeld(std::vector<StoredAlert> stored) const
+{
+    std::erase_if(stored, [this](const StoredAlert& each) { return held_.contains(each.alert.id); });
     for (const auto& [id, held] : held_) {
-        here.insert(here.begin(), {held.alert, true});
+        stored.insert(stored.begin(), {held.alert, true});
     }
-    co_return here;
+    return stored;
 }
 
 void MacAlertsService::hold(const AlertEvent& alert, std::optional<Bytes> photo)
@@ -119,6 +124,12 @@ Async<void> MacAlertsService::catchUpPass()
 {
     cancelRetry(); // this is one
     saveHeld();
+    if (cloud_.isOwnerCheckOwed()) {
+        const bool hasChanged = co_await cloud_.checkCacheOwner();
+        if (hasChanged) {
+            userDidChange();
+        }
+    }
     co_await deletions_.run();
     co_await uploadWaiting();
     co_await refresh();
@@ -126,22 +137,30 @@ Async<void> MacAlertsService::catchUpPass()
     planRetry();
 }
 
-/// Whatever a pass itself brings about doesn't count, or an alert that is refused would be tried again at once for
-/// ever.
 void MacAlertsService::catchUpIfOwed()
 {
     assertOnMainActor(actor_);
-    if (hasLoadedInitialAlerts && !catchUps_.isRunning() && isAnythingOwed()) {
+    refused_.clear();
+    catchUpWithWhatIsNew();
+}
+
+/// Call when iCloud answers again. An alert that the server has just refused waits for its retry all the same: a
+/// request of another kind that works says nothing about it. Whatever a pass itself brings about doesn't count.
+void MacAlertsService::catchUpWithWhatIsNew()
+{
+    if (hasLoadedInitialAlerts && !catchUps_.isRunning() && isAnythingOwed(false)) {
         catchUps_.start();
     }
 }
 
 /// Whether something waits that nobody is seeing to.
-bool MacAlertsService::isAnythingOwed()
+bool MacAlertsService::isAnythingOwed(bool countsRefused)
 {
     const std::unordered_set<UUID> waiting = waitingIDs();
-    return !pendingDeletions_.ids().empty() ||
-           std::ranges::any_of(waiting, [this](const UUID& id) { return !uploader_.isUploading(id); });
+    return !pendingDeletions_.idsOf(cloud_.cacheOwner()).empty() ||
+           std::ranges::any_of(waiting, [this, countsRefused](const UUID& id) {
+               return !uploader_.isUploading(id) && (countsRefused || !refused_.contains(id));
+           });
 }
 
 void MacAlertsService::cancelRetry()
@@ -181,6 +200,7 @@ Async<void> MacAlertsService::retryAfter(Duration delay)
         co_return;
     }
     retry_ = {};
+    refused_.clear();
     if (isAnythingOwed()) {
         retryDelay_ = std::min(std::max(shortestRetryDelay, retryDelay_) * 2, longestRetryDelay);
         catchUps_.start();
@@ -201,6 +221,9 @@ Async<void> MacAlertsService::uploadWaiting()
         StoredAlert next = std::move(waiting.back());
         waiting.pop_back();
         const UUID id = next.alert.id;
+        if (refused_.contains(id)) {
+            continue;
+        }
         const auto outcome = co_await uploadStored(std::move(next));
         if (outcome == AlertUploader::Outcome::timedOut) {
             slow_.insert(id);
@@ -218,7 +241,7 @@ Async<void> MacAlertsService::uploadWaiting()
 /// Whether iCloud takes uploads at present.
 Async<bool> MacAlertsService::mayUploadNext()
 {
-    const bool isAvailable = co_await isCloudAvailable();
+    const bool isAvailable = co_await cloud_.checkAvailability();
     co_return isAvailable && !isThrottled();
 }
 
@@ -245,15 +268,26 @@ Async<AlertUploader::Outcome> MacAlertsService::uploadStored(StoredAlert stored)
         co_return AlertUploader::Outcome::failed;
     }
     const auto outcome = co_await uploader_.upload(std::move(stored.alert), std::move(photo.content));
-    if (outcome == AlertUploader::Outcome::uploaded) {
-        noteUploaded(id);
-    } else {
-        localStore_.setPendingUpload(id);
-    }
-    if (outcome == AlertUploader::Outcome::storageFull) {
-        iCloudStorageIsFull = true;
-    }
+    noteAttempt(id, outcome);
     co_return outcome;
+}
+
+void MacAlertsService::noteAttempt(const UUID& id, AlertUploader::Outcome outcome)
+{
+    using Outcome = AlertUploader::Outcome;
+    if (outcome == Outcome::deleted) {
+        return; // nothing was tried
+    }
+    iCloudStorageIsFull = outcome == Outcome::storageFull;
+    if (outcome == Outcome::uploaded) {
+        noteUploaded(id);
+        return;
+    }
+    localStore_.setPendingUpload(id);
+    if (outcome == Outcome::failed || outcome == Outcome::storageFull) {
+        refused_.insert(id);
+    }
+    refreshStorageNotice();
 }
 
 void MacAlertsService::noteUploaded(const UUID& id)
@@ -262,8 +296,8 @@ void MacAlertsService::noteUploaded(const UUID& id)
     localStore_.remove(id);
     held_.erase(id);
     slow_.erase(id);
+    refused_.erase(id);
     retryDelay_ = {}; // something works
-    iCloudStorageIsFull = false;
     std::vector<AlertRow> rows = *alerts.get();
     const auto row = std::ranges::find_if(rows, [&id](const AlertRow& other) { return other.alert.id == id; });
     if (row != rows.end()) {
@@ -278,11 +312,10 @@ void MacAlertsService::noteUploaded(const UUID& id)
 
 Async<void> MacAlertsService::deletePending()
 {
-    const std::vector<UUID> ids = deletableIDs();
-    if (ids.empty()) {
+    if (deletableIDs().empty()) {
         co_return;
     }
-    const bool isAvailable = co_await isCloudAvailable();
+    const bool isAvailable = co_await cloud_.checkAvailability();
     if (!isAvailable) {
         if (cloud_.isAvailable) {
             errorMessage = cloud_.lastSyncError.get(); // the account doesn't answer
@@ -290,7 +323,8 @@ Async<void> MacAlertsService::deletePending()
         ensureRetry();
         co_return;
     }
-    bool mayGoOn = true;
+    bool mayGoOn = !cloud_.isOwnerCheckOwed(); // or this may be another user's database
+    const std::vector<UUID> ids = deletableIDs();
     for (std::size_t begin = 0; mayGoOn && begin < ids.size() && !isThrottled(); begin += batchSize) {
         const auto first = ids.begin() + static_cast<std::ptrdiff_t>(begin);
         const auto last = ids.begin() + static_cast<std::ptrdiff_t>(std::min(begin + batchSize, ids.size()));
@@ -300,15 +334,19 @@ Async<void> MacAlertsService::deletePending()
     ensureRetry();
 }
 
-/// False when the network fails.
+/// False when the network fails, or the user has changed.
 Async<bool> MacAlertsService::deleteBatch(std::unordered_set<UUID> ids)
 {
     const std::size_t count = ids.size();
+    const std::string owner = cloud_.cacheOwner();
     std::unordered_set<UUID> gone;
     try {
-        gone = co_await AsyncTimeout::run(actor_, longestDeletion, cloud_.deleteAlerts(std::move(ids)));
+        gone = co_await AsyncTimeout::run(actor_, cloudTimeLimit, cloud_.deleteAlerts(std::move(ids)));
     } catch (const AsyncTimeout::TimedOut& error) {
         cloud_.recordSyncFailure(error);
+    }
+    if (cloud_.isOwnerCheckOwed() || cloud_.cacheOwner() != owner) {
+        co_return false; // the answer may be another user's, whose database never held them
     }
     const bool isDone = gone.size() == count;
     // What may still arrive is deleted once more by a later pass: it would be on no list, and nobody would find it.
@@ -323,7 +361,7 @@ Async<bool> MacAlertsService::deleteBatch(std::unordered_set<UUID> ids)
 /// Oldest first. An alert that is on its way into the cloud can be deleted there once it has arrived.
 std::vector<UUID> MacAlertsService::deletableIDs() const
 {
-    std::vector<UUID> ids = pendingDeletions_.orderedIDs();
+    std::vector<UUID> ids = pendingDeletions_.idsOf(cloud_.cacheOwner());
     std::erase_if(ids, [this](const UUID& id) { return uploader_.isUploading(id); });
     return ids;
 }

@@ -2,6 +2,7 @@
 
 #include "cloud/AsyncTimeout.hpp"
 #include "cloud/CloudErrors.hpp"
+#include "cloud/CloudTimeLimit.hpp"
 #include "platform/CloudError.hpp"
 #include "platform/Journal.hpp"
 
@@ -14,9 +15,6 @@ namespace sentrel {
 using namespace std::chrono_literals;
 
 namespace {
-
-/// A slow or hung cloud never holds an upload longer than this.
-constexpr Duration longestUpload = 15s;
 
 /// What was given up longer ago than this has been lost on its way.
 constexpr Duration longestWay = 60s;
@@ -55,12 +53,21 @@ Async<AlertUploader::Outcome> AlertUploader::attempt(AlertEvent alert, std::opti
     const UUID id = alert.id;
     Outcome outcome = Outcome::uploaded;
     try {
-        co_await AsyncTimeout::run(actor_, longestUpload, cloud_.uploadAlert(std::move(alert), std::move(photo)));
-        journal_.note("alert.uploaded", {{"id", std::string_view{id.text()}}});
+        co_await AsyncTimeout::run(actor_, cloudTimeLimit, cloud_.uploadAlert(std::move(alert), std::move(photo)));
     } catch (const CancellationError&) {
         outcome = Outcome::failed; // the request was withdrawn: nobody's fault
+    } catch (const AsyncTimeout::TimedOut&) {
+        outcome = Outcome::timedOut;
     } catch (const std::exception& error) {
         outcome = noteFailure(id, error);
+    }
+    if (outcome == Outcome::timedOut) {
+        // The catalog may have taken too long, after the server had confirmed the alert.
+        const bool isConfirmed = co_await cloud_.isUploadConfirmed(id);
+        outcome = isConfirmed ? Outcome::uploaded : noteFailure(id, AsyncTimeout::TimedOut{});
+    }
+    if (outcome == Outcome::uploaded) {
+        journal_.note("alert.uploaded", {{"id", std::string_view{id.text()}}});
     }
     attempts_.erase(id);
     co_return outcome;
@@ -79,7 +86,9 @@ AlertUploader::Outcome AlertUploader::noteFailure(const UUID& id, const std::exc
         return Outcome::storageFull;
     }
     if (dynamic_cast<const AsyncTimeout::TimedOut*>(&error) != nullptr) {
-        givenUp_.insert_or_assign(id, actor_.scheduler().now());
+        const Instant now = actor_.scheduler().now();
+        std::erase_if(givenUp_, [now](const auto& entry) { return now - entry.second >= longestWay; });
+        givenUp_.insert_or_assign(id, now);
         return Outcome::timedOut;
     }
     return isNetworkError(error) ? Outcome::unreachable : Outcome::failed;

@@ -12,8 +12,8 @@ namespace platform {
 class Journal;
 }
 
-/// Brings alerts into the cloud, each within 15 s and never one twice at a time; tells the cloud service and the
-/// journal how it went. Main actor only.
+/// Brings alerts into the cloud, each within `cloudTimeLimit` and never one twice at a time; tells the cloud service
+/// and the journal how it went. Main actor only.
 class AlertUploader {
 public:
     enum class Outcome {
@@ -51,7 +51,7 @@ private:
     CloudKitService& cloud_;
     platform::Journal& journal_;
     std::unordered_set<UUID> discarded_;
-    std::unordered_map<UUID, Instant> givenUp_; ///< when the deadline of the last attempt passed
+    std::unordered_map<UUID, Instant> givenUp_; ///< when a deadline passed, for as long as it matters
     std::unordered_map<UUID, Task<Outcome>> attempts_;
 };
 

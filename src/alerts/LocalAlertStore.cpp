@@ -34,6 +34,14 @@ bool isNewer(const StoredAlert& left, const StoredAlert& right)
     return left.alert.id < right.alert.id;
 }
 
+/// Whether it is the temporary file of one of the store's own writes, which a power cut has cut short.
+bool isLeftover(const std::filesystem::path& name)
+{
+    const std::filesystem::path target = name.stem();
+    return name.extension() == platform::temporaryExtension &&
+           (target.extension() == ".json" || target.extension() == ".jpg") && UUID::parse(target.stem().string());
+}
+
 std::vector<StoredAlert> sorted(const std::unordered_map<UUID, StoredAlert>& index)
 {
     std::vector<StoredAlert> alerts;
@@ -91,8 +99,9 @@ Async<std::vector<StoredAlert>> LocalAlertStore::alertsInBackground()
 {
     if (!index_) {
         auto reading = detached(actor_.scheduler(), QualityOfService::userInitiated,
-                                [&files = files_, directory = directory_] { return readIndex(files, directory); });
-        Index fresh = co_await reading;
+                                [&files = files_, directory = directory_] { return readFolder(files, directory); });
+        Folder folder = co_await reading;
+        Index fresh = take(std::move(folder));
         // What was loaded in the meantime has seen the saves and deletions since.
         if (!index_) {
             index_ = std::move(fresh);
@@ -179,7 +188,7 @@ LocalAlertStore::Index& LocalAlertStore::loadedIndex()
 {
     if (!index_) {
         files_.createDirectories(directory_, directoryMode);
-        index_ = readIndex(files_, directory_);
+        index_ = take(readFolder(files_, directory_));
     }
     return *index_;
 }
@@ -202,23 +211,36 @@ std::optional<StoredAlert> LocalAlertStore::readAlert(platform::FileSystem& file
     return document ? decodeStoredAlert(*document) : std::nullopt;
 }
 
-LocalAlertStore::Index LocalAlertStore::readIndex(platform::FileSystem& files, const std::filesystem::path& directory)
+LocalAlertStore::Folder LocalAlertStore::readFolder(platform::FileSystem& files, const std::filesystem::path& directory)
 {
-    Index index;
+    Folder folder;
     const auto names = files.list(directory);
     if (!names) {
-        return index;
+        return folder;
     }
     for (const std::filesystem::path name : *names) {
+        if (isLeftover(name)) {
+            folder.leftovers.push_back(name.string());
+        }
         if (name.extension() != ".json") {
             continue;
         }
         if (auto stored = readAlert(files, directory / name)) {
             const UUID id = stored->alert.id;
-            index.insert_or_assign(id, *std::move(stored));
+            folder.index.insert_or_assign(id, *std::move(stored));
         }
     }
-    return index;
+    return folder;
+}
+
+/// Sweeps the leftovers and gives the index. On the main thread, where no write is under way: a reading in the
+/// background may have come upon one that was.
+LocalAlertStore::Index LocalAlertStore::take(Folder folder)
+{
+    for (const std::string& name : folder.leftovers) {
+        files_.remove(directory_ / name);
+    }
+    return std::move(folder.index);
 }
 
 } // namespace sentrel

@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <filesystem>
 #include <optional>
+#include <string>
 #include <unordered_map>
 #include <unordered_set>
 #include <vector>
@@ -62,13 +63,20 @@ public:
 private:
     using Index = std::unordered_map<UUID, StoredAlert>;
 
+    /// What a reading of the folder has found.
+    struct Folder {
+        Index index;
+        std::vector<std::string> leftovers; ///< names of files that a write which never ended has left
+    };
+
     [[nodiscard]] std::filesystem::path alertFile(const UUID& id);
     [[nodiscard]] std::filesystem::path fileNamed(const UUID& id, const char* extension);
     void write(const std::filesystem::path& file, BytesView content);
     Index& loadedIndex();
     void prune();
     static std::optional<StoredAlert> readAlert(platform::FileSystem& files, const std::filesystem::path& file);
-    static Index readIndex(platform::FileSystem& files, const std::filesystem::path& directory);
+    static Folder readFolder(platform::FileSystem& files, const std::filesystem::path& directory);
+    Index take(Folder folder);
 
     MainActor actor_;
     platform::FileSystem& files_;

@@ -5,6 +5,7 @@
 #include "alerts/LocalAlertStore.hpp"
 #include "cloud/AsyncTimeout.hpp"
 #include "cloud/CloudErrors.hpp"
+#include "cloud/CloudTimeLimit.hpp"
 #include "platform/FileSystem.hpp"
 #include "platform/Language.hpp"
 #include "platform/WallClock.hpp"
@@ -21,8 +22,6 @@ namespace sentrel {
 using namespace std::chrono_literals;
 
 namespace {
-
-constexpr Duration longestCloudCall = 15s;
 
 /// A list that is fetched from its beginning comes in many pages, and half of it is of no use.
 constexpr Duration longestFullRefresh = 120s;
@@ -70,12 +69,7 @@ MacAlertsService::MacAlertsService(MainActor actor, CloudKitService& cloud, Loca
     observations_.push_back(cloud_.isReachable.observe([this](bool) { refreshStorageNotice(); }));
     observations_.push_back(cloud_.lastSyncError.observe([this](const std::optional<std::string>& error) {
         if (!error) {
-            catchUpIfOwed();
-        }
-    }));
-    observations_.push_back(iCloudStorageIsFull.observe([this](bool isFull) {
-        if (!isFull) {
-            catchUpIfOwed();
+            catchUpWithWhatIsNew();
         }
     }));
 }
@@ -131,18 +125,6 @@ void MacAlertsService::startRefresh()
     tasks_.add(*activeRefreshTask_);
 }
 
-Async<bool> MacAlertsService::isCloudAvailable()
-{
-    try {
-        const bool isAvailable =
-            co_await AsyncTimeout::run(actor_, longestCloudCall, cloud_.refreshAvailability(false));
-        co_return isAvailable;
-    } catch (const AsyncTimeout::TimedOut& error) {
-        cloud_.recordSyncFailure(error);
-    }
-    co_return false;
-}
-
 bool MacAlertsService::isThrottled()
 {
     return cloud_.requestBackoff().remainingDelay(ports_.wallClock.now()) > 0.0;
@@ -151,9 +133,9 @@ bool MacAlertsService::isThrottled()
 Async<MacAlertsService::CloudAnswer> MacAlertsService::askCloud()
 {
     CloudAnswer answer;
-    const bool isAvailable = co_await isCloudAvailable();
+    const bool isAvailable = co_await cloud_.checkAvailability();
     if (!isAvailable || isThrottled()) {
-        // Of an account that isn't there, the storage notice tells.
+        // A missing account is shown by the storage notice, not as an error.
         answer.error = cloud_.isAvailable ? cloud_.lastSyncError.get() : std::nullopt;
         co_return answer;
     }
@@ -177,7 +159,7 @@ Duration MacAlertsService::longestRefresh() const
     const bool isAnyKnown = std::ranges::any_of(
         rows, [](const AlertRow& row) { return row.storageLocation == AlertStorageLocation::cloud; });
     const bool comesFromItsBeginning = !isAnyKnown && cloud_.cachedAlerts().empty();
-    return comesFromItsBeginning || lastRefreshTimedOut_ ? longestFullRefresh : longestCloudCall;
+    return comesFromItsBeginning || lastRefreshTimedOut_ ? longestFullRefresh : cloudTimeLimit;
 }
 
 void MacAlertsService::apply(const CloudAnswer& answer, std::vector<StoredAlert> local)
@@ -217,8 +199,15 @@ std::vector<AlertEvent> MacAlertsService::cloudAlerts(bool isFresh)
         return isDeleted || pendingDeletions_.ids().contains(alert.id);
     });
     // An upload that was given up may have reached the server after the deletion.
-    pendingDeletions_.add(returned);
+    pendingDeletions_.add(returned, cloud_.cacheOwner());
     return shown;
+}
+
+void MacAlertsService::userDidChange()
+{
+    iCloudStorageIsFull = false;
+    publish(mergedAlerts({}, withHeld(localStore_.alerts())).rows);
+    refreshStorageNotice();
 }
 
 void MacAlertsService::publish(std::vector<AlertRow> rows)
@@ -287,7 +276,7 @@ Async<std::optional<Bytes>> MacAlertsService::photo(UUID id)
     if (local && !local->empty()) {
         co_return local;
     }
-    const bool isAvailable = co_await isCloudAvailable();
+    const bool isAvailable = co_await cloud_.checkAvailability();
     if (!isAvailable) {
         co_return std::nullopt;
     }

@@ -43,7 +43,7 @@ public:
     Observable<std::optional<std::string>> infoMessage;
     Observable<bool> isLoading;
     Observable<bool> hasLoadedInitialAlerts;
-    Observable<bool> iCloudStorageIsFull;
+    Observable<bool> iCloudStorageIsFull; ///< the last upload that was tried failed for that
 
     /// The rows by date, as of now.
     [[nodiscard]] std::vector<AlertSection> sections() const;
@@ -57,8 +57,12 @@ public:
     /// next catch-up to save or upload it whole.
     void hold(const AlertEvent& alert, std::optional<Bytes> photo);
 
-    /// The alert has been uploaded: nothing of it is kept here any more.
-    void noteUploaded(const UUID& id);
+    /// An attempt to upload the alert has ended. Nothing of an uploaded alert is kept here any more; any other waits
+    /// from now on.
+    void noteAttempt(const UUID& id, AlertUploader::Outcome outcome);
+
+    /// Another user has signed in to iCloud: the list shows nothing of the former one's any more.
+    void userDidChange();
 
     /// Recomputes `infoMessage`.
     void refreshStorageNotice();
@@ -82,8 +86,8 @@ public:
     /// up those behind it. One pass at a time: a call during a pass asks for one more.
     [[nodiscard]] Async<void> catchUp();
 
-    /// ICloud works: starts a pass when something waits and none is under way. What a pass leaves waiting is tried
-    /// again after 30 s, and then at growing intervals of at most 5 min.
+    /// Call when iCloud is known to take uploads: starts a pass when something waits and none is under way. What a pass
+    /// leaves waiting is tried again after 30 s, and then at growing intervals of at most 5 min.
     void catchUpIfOwed();
 
     [[nodiscard]] const PendingCloudDeletionStore& pendingDeletions() const { return pendingDeletions_; }
@@ -100,7 +104,6 @@ private:
     };
     class Loading;
 
-    Async<bool> isCloudAvailable();
     [[nodiscard]] bool isThrottled();
     Async<CloudAnswer> askCloud();
     [[nodiscard]] Duration longestRefresh() const;
@@ -109,7 +112,9 @@ private:
     void publish(std::vector<AlertRow> rows);
     [[nodiscard]] std::optional<std::string> storageNotice();
     [[nodiscard]] std::unordered_set<UUID> waitingIDs();
-    [[nodiscard]] bool isAnythingOwed();
+    void noteUploaded(const UUID& id);
+    [[nodiscard]] bool isAnythingOwed(bool countsRefused = true);
+    void catchUpWithWhatIsNew();
     void cancelRetry();
     void planRetry();
     void ensureRetry();
@@ -120,6 +125,7 @@ private:
     Async<bool> mayUploadNext();
     Async<AlertUploader::Outcome> uploadStored(StoredAlert stored);
     Async<std::vector<StoredAlert>> alertsHere();
+    [[nodiscard]] std::vector<StoredAlert> withHeld(std::vector<StoredAlert> stored) const;
     void saveHeld();
     Async<void> deletePending();
     Async<bool> deleteBatch(std::unordered_set<UUID> ids);
@@ -138,6 +144,7 @@ private:
     bool lastRefreshTimedOut_ = false;
     std::unordered_map<UUID, HeldAlert> held_; ///< those that could not be saved whole
     std::unordered_set<UUID> slow_;            ///< whose upload took too long
+    std::unordered_set<UUID> refused_;         ///< by the server; they wait for the next retry, or for better news
     Duration retryDelay_{}; ///< at least so long until the next retry; zero when none was made since the last success
     Task<void> retry_;      ///< waits; none when nothing is owed or a pass sees to it
     std::vector<Observation> observations_;

@@ -7,6 +7,11 @@
 
 namespace sentrel {
 
+void CloudCatchUp::userDidChange()
+{
+    alerts_.userDidChange();
+}
+
 Async<void> CloudCatchUp::catchUp()
 {
     hasCaughtUp_ = true;

@@ -14,6 +14,7 @@ public:
     {
     }
 
+    void userDidChange() override;
     [[nodiscard]] Async<void> catchUp() override;
     void refreshStatus() override;
 

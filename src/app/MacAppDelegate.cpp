@@ -188,7 +188,7 @@ Async<void> MacAppDelegate::cleanUpAndQuit()
 {
     with_.presence.stopHeartbeat();
     try {
-        co_await AsyncTimeout::run<void>(actor_, lastPublicationLimit, with_.presence.publishState());
+        co_await AsyncTimeout::run<void>(actor_, lastPublicationLimit, with_.presence.publishLastState());
     } catch (const std::exception&) {
         // Too late, or not at all: a missing network never holds up the end.
     }

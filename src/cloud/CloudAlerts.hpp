@@ -50,6 +50,10 @@ public:
     CloudAlerts(const CloudAlerts&) = delete;
 
     [[nodiscard]] std::vector<AlertEvent> cached() const;
+    [[nodiscard]] bool holds(const UUID& id) const { return cache_.alerts().contains(id); }
+
+    /// Returns once what is known is on the disk, or can't be written.
+    [[nodiscard]] Async<void> flush() { return cache_.flush(); }
 
     /// As `CloudKitService::uploadAlert`, whether or not the account is available.
     [[nodiscard]] Async<Throttling> upload(AlertEvent alert, std::optional<Bytes> photo);

@@ -23,23 +23,6 @@ constexpr std::string_view networkMessage = "Could not reach iCloud.\nCheck your
 constexpr std::string_view signInMessage = "Sign in to iCloud on both devices with the same Apple ID.";
 constexpr std::string_view unknownMessage = "Something went wrong with iCloud. Try again.";
 
-std::optional<std::string_view> accountMessage(CloudAccountStatus status)
-{
-    switch (status) {
-    case CloudAccountStatus::couldNotDetermine:
-        return "Could not verify iCloud.\nOpen Settings → Apple ID and confirm your account.";
-    case CloudAccountStatus::available:
-        return std::nullopt;
-    case CloudAccountStatus::restricted:
-        return "iCloud access is restricted on this device.";
-    case CloudAccountStatus::noAccount:
-        return "Sign in to iCloud on your iPhone (Settings → Apple ID).";
-    case CloudAccountStatus::temporarilyUnavailable:
-        return passwordMessage;
-    }
-    return std::nullopt; // a status that a later system has invented
-}
-
 /// The server says that it doesn't accept this user: not authenticated, permission failure.
 bool isRefusal(const CloudError& error)
 {
@@ -133,6 +116,23 @@ bool isThrottlingError(const std::exception& error)
            isCloudKitError(error, CloudErrorCode::zoneBusy);
 }
 
+std::optional<std::string_view> accountMessage(CloudAccountStatus status)
+{
+    switch (status) {
+    case CloudAccountStatus::couldNotDetermine:
+        return "Could not verify iCloud.\nOpen Settings → Apple ID and confirm your account.";
+    case CloudAccountStatus::available:
+        return std::nullopt;
+    case CloudAccountStatus::restricted:
+        return "iCloud access is restricted on this device.";
+    case CloudAccountStatus::noAccount:
+        return "Sign in to iCloud on your iPhone (Settings → Apple ID).";
+    case CloudAccountStatus::temporarilyUnavailable:
+        return passwordMessage;
+    }
+    return std::nullopt; // a status that a later system has invented
+}
+
 std::string userFacingMessage(const std::exception& error, AccountStatus status, platform::Language& language)
 {
     if (const auto* const own = dynamic_cast<const CloudKitServiceError*>(&error)) {
@@ -150,10 +150,15 @@ std::string userFacingMessage(const std::exception& error, AccountStatus status,
     if (ofAccount) {
         return language.localized(*ofAccount);
     }
-    if (cloudKitError == nullptr) {
-        return asksForPassword(error.what()) ? language.localized(passwordMessage) : error.what();
+    if (cloudKitError != nullptr) {
+        return messageOfCloudKit(*cloudKitError, status, language);
     }
-    return messageOfCloudKit(*cloudKitError, status, language);
+    if (asksForPassword(error.what())) {
+        return language.localized(passwordMessage);
+    }
+    // The system describes its errors in the user's language; any other text is for developers.
+    const bool isOfSystem = dynamic_cast<const CloudError*>(&error) != nullptr;
+    return isOfSystem ? error.what() : language.localized(unknownMessage);
 }
 
 } // namespace sentrel

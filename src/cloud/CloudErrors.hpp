@@ -6,6 +6,7 @@
 #include <exception>
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace sentrel {
 
@@ -25,6 +26,9 @@ class Language;
 
 /// The server asks for patience: codes 6, 7 and 23.
 [[nodiscard]] bool isThrottlingError(const std::exception& error);
+
+/// The message, in English, of an account that is not available; none for one that is.
+[[nodiscard]] std::optional<std::string_view> accountMessage(platform::CloudAccountStatus status);
 
 /// The one message, in the user's language, by which the user learns of the error; `status` is the account's last.
 [[nodiscard]] std::string userFacingMessage(const std::exception& error,

@@ -1,6 +1,5 @@
 #include "cloud/CloudKitConnectionMonitor.hpp"
 
-#include "cloud/AsyncTimeout.hpp"
 #include "foundation/Fatal.hpp"
 #include "platform/ApplicationNotifications.hpp"
 #include "platform/CloudConstants.hpp"
@@ -21,9 +20,6 @@ namespace {
 
 /// A network that flaps causes one pass, this long after its last change.
 constexpr Duration pathSettlingTime = 2s;
-
-/// No answer of the account takes longer than this: one that hangs must not end all catching up.
-constexpr Duration accountTimeLimit = 15s;
 
 } // namespace
 
@@ -123,10 +119,9 @@ Async<void> CloudKitConnectionMonitor::verifyOwnerAndFanOut()
 
 Async<void> CloudKitConnectionMonitor::verifyOwner()
 {
-    try {
-        co_await AsyncTimeout::run(actor_, accountTimeLimit, cloud_.verifyCacheOwner());
-    } catch (const AsyncTimeout::TimedOut& error) {
-        cloud_.recordSyncFailure(error);
+    const bool hasChanged = co_await cloud_.checkCacheOwner();
+    if (hasChanged) {
+        dependents_.userDidChange();
     }
 }
 
@@ -158,9 +153,9 @@ Async<void> CloudKitConnectionMonitor::passOnce()
 {
     ports_.journal.note("fanout", {});
     // An account that doesn't answer has said nothing: what was known of it before is no reason to catch up.
-    bool isAvailable = co_await refreshAvailability(true);
+    bool isAvailable = co_await cloud_.checkAvailability(true);
     if (isAvailable) {
-        isAvailable = co_await refreshAvailability(false);
+        isAvailable = co_await cloud_.checkAvailability(false);
     }
     if (isAvailable && cloud_.isOwnerCheckOwed()) {
         co_await verifyOwner();
@@ -170,18 +165,6 @@ Async<void> CloudKitConnectionMonitor::passOnce()
     }
     dependents_.refreshStatus();
     presence_.wakePoll();
-}
-
-Async<bool> CloudKitConnectionMonitor::refreshAvailability(bool force)
-{
-    try {
-        const bool isAvailable =
-            co_await AsyncTimeout::run(actor_, accountTimeLimit, cloud_.refreshAvailability(force));
-        co_return isAvailable;
-    } catch (const AsyncTimeout::TimedOut& error) {
-        cloud_.recordSyncFailure(error);
-    }
-    co_return false;
 }
 
 } // namespace sentrel

@@ -20,6 +20,9 @@ class CloudDependents {
 public:
     virtual ~CloudDependents() = default;
 
+    /// Another user has signed in to iCloud since the last check: nothing of the former one's may be shown any more.
+    virtual void userDidChange() = 0;
+
     /// Does what waits for iCloud, which is available now. Never throws, but for a `CancellationError`.
     [[nodiscard]] virtual Async<void> catchUp() = 0;
 
@@ -57,7 +60,6 @@ private:
     void requestFanOut();
     Async<void> fanOut();
     Async<void> passOnce();
-    Async<bool> refreshAvailability(bool force);
 
     MainActor actor_;
     CloudKitService& cloud_;

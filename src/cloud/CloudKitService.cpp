@@ -1,9 +1,12 @@
 #include "cloud/CloudKitService.hpp"
 
+#include "cloud/AsyncTimeout.hpp"
 #include "cloud/CloudErrors.hpp"
+#include "cloud/CloudTimeLimit.hpp"
 #include "cloud/RecordMerge.hpp"
 #include "platform/HostInfo.hpp"
 #include "platform/Journal.hpp"
+#include "platform/Language.hpp"
 #include "platform/UserDefaults.hpp"
 #include "platform/WallClock.hpp"
 #include "runtime/AssertOnMainActor.hpp"
@@ -91,6 +94,17 @@ Async<bool> CloudKitService::refreshAvailability(bool force)
     co_return isUsable;
 }
 
+Async<bool> CloudKitService::checkAvailability(bool force)
+{
+    bool isUsable = false;
+    try {
+        isUsable = co_await AsyncTimeout::run(actor_, cloudTimeLimit, refreshAvailability(force));
+    } catch (const AsyncTimeout::TimedOut& error) {
+        recordSyncFailure(error);
+    }
+    co_return isUsable;
+}
+
 std::optional<platform::CloudAccountStatus> CloudKitService::lastAccountStatus() const
 {
     return lastAccountStatus_;
@@ -150,6 +164,22 @@ Async<bool> CloudKitService::verifyCacheOwner()
     co_return true;
 }
 
+Async<bool> CloudKitService::checkCacheOwner()
+{
+    bool hasChanged = false;
+    try {
+        hasChanged = co_await AsyncTimeout::run(actor_, cloudTimeLimit, verifyCacheOwner());
+    } catch (const AsyncTimeout::TimedOut& error) {
+        recordSyncFailure(error);
+    }
+    co_return hasChanged;
+}
+
+std::string CloudKitService::cacheOwner() const
+{
+    return ports_.defaults.text(cacheOwnerKey).value_or("");
+}
+
 std::string CloudKitService::userFacingMessage(const std::exception& error) const
 {
     return sentrel::userFacingMessage(error, lastAccountStatus_, ports_.language);
@@ -176,12 +206,13 @@ void CloudKitService::recordSyncSuccess()
     requestBackoff_.resetOnSuccess();
 }
 
-/// The request itself went well, but the server may have asked for patience with the catalog.
+/// The request itself went well. The server may have asked for patience with the catalog, which is no failure that
+/// concerns the user.
 void CloudKitService::recordSync(const std::optional<platform::CloudError>& throttling)
 {
     recordSyncSuccess();
     if (throttling) {
-        recordSyncFailure(*throttling);
+        requestBackoff_.recordFailure(throttling->retryAfter, ports_.wallClock.now());
     }
 }
 
@@ -197,6 +228,14 @@ CloudKitServiceError CloudKitService::unavailabilityError() const
                                               : CloudKitServiceError::Kind::notSignedIn};
 }
 
+std::string CloudKitService::unavailabilityMessage() const
+{
+    // The words for a missing account are about the iPhone; the general ones name both devices.
+    const bool isTheirAccount = lastAccountStatus_ != platform::CloudAccountStatus::noAccount;
+    const auto ofAccount = lastAccountStatus_ && isTheirAccount ? accountMessage(*lastAccountStatus_) : std::nullopt;
+    return ofAccount ? ports_.language.localized(*ofAccount) : userFacingMessage(unavailabilityError());
+}
+
 Async<void> CloudKitService::uploadAlert(AlertEvent alert, std::optional<Bytes> photo)
 {
     assertOnMainActor(actor_);
@@ -205,6 +244,16 @@ Async<void> CloudKitService::uploadAlert(AlertEvent alert, std::optional<Bytes> 
     }
     const auto throttling = co_await alerts_.upload(std::move(alert), std::move(photo));
     recordSync(throttling);
+}
+
+Async<bool> CloudKitService::isUploadConfirmed(UUID id)
+{
+    const bool isThere = alerts_.holds(id);
+    if (isThere) {
+        co_await alerts_.flush();
+        recordSyncSuccess();
+    }
+    co_return isThere;
 }
 
 std::vector<AlertEvent> CloudKitService::cachedAlerts() const

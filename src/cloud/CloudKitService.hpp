@@ -66,6 +66,10 @@ public:
     /// fails, and always when forced. Never throws, but for a `CancellationError`.
     [[nodiscard]] Async<bool> refreshAvailability(bool force);
 
+    /// The same within `cloudTimeLimit`: an account that doesn't answer in time isn't available, and its missed
+    /// deadline is recorded as a failure.
+    [[nodiscard]] Async<bool> checkAvailability(bool force = false);
+
     [[nodiscard]] std::optional<platform::CloudAccountStatus> lastAccountStatus() const;
     [[nodiscard]] std::optional<Date> availabilityCacheExpiry() const;
 
@@ -76,11 +80,20 @@ public:
     /// for a `CancellationError`: a user who can't be asked for counts as the same for now, and the check is owed.
     [[nodiscard]] Async<bool> verifyCacheOwner();
 
+    /// The same within `cloudTimeLimit`; a missed deadline is recorded as a failure.
+    [[nodiscard]] Async<bool> checkCacheOwner();
+
     /// Whether the last check of the user has had no answer.
     [[nodiscard]] bool isOwnerCheckOwed() const { return isOwnerCheckOwed_; }
 
+    /// The record name of the iCloud user as of the last check that was answered; empty when nobody is known.
+    [[nodiscard]] std::string cacheOwner() const;
+
     /// Why nothing can be asked of iCloud while it isn't available: the network is away, or nobody is signed in.
     [[nodiscard]] CloudKitServiceError unavailabilityError() const;
+
+    /// The same for the user, in the words of the account's status where it is known to be the reason.
+    [[nodiscard]] std::string unavailabilityMessage() const;
 
     [[nodiscard]] std::string userFacingMessage(const std::exception& error) const;
 
@@ -92,8 +105,12 @@ public:
 
     /// Uploads the alert with its photo, JPEG data. An alert that is there already counts as uploaded. Throws
     /// `CloudKitServiceError` without any request while iCloud is not available, `CloudError`, or `std::system_error`
-    /// when the photo's file can't be written.
+    /// when the photo's file can't be written. A catalog that can't be brought up to date is no failure.
     [[nodiscard]] Async<void> uploadAlert(AlertEvent alert, std::optional<Bytes> photo);
+
+    /// Whether the server is known to hold the alert, which makes an upload of it a success even if the catalog could
+    /// not be brought up to date in time. What the catalog is owed is on the disk on return.
+    [[nodiscard]] Async<bool> isUploadConfirmed(UUID id);
 
     /// What is known of the alerts in the cloud, in no particular order.
     [[nodiscard]] std::vector<AlertEvent> cachedAlerts() const;

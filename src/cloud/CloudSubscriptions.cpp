@@ -2,8 +2,8 @@
 
 #include "cloud/AlertRecord.hpp"
 #include "cloud/AsyncTimeout.hpp"
+#include "cloud/CloudTimeLimit.hpp"
 #include "cloud/DeviceCatalog.hpp"
-#include "cloud/PresenceTimes.hpp"
 #include "platform/CloudConstants.hpp"
 #include "platform/WallClock.hpp"
 

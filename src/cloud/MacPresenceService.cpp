@@ -1,6 +1,7 @@
 #include "cloud/MacPresenceService.hpp"
 
 #include "cloud/AsyncTimeout.hpp"
+#include "cloud/CloudTimeLimit.hpp"
 #include "cloud/PresenceTimes.hpp"
 #include "core/RandomUUID.hpp"
 #include "foundation/UUID.hpp"
@@ -22,6 +23,11 @@ namespace {
 
 constexpr const char* deviceIDKey = "sentrel.macDeviceID";
 constexpr const char* unnamedComputer = "Mac";
+
+Async<void> endOf(Task<void> task)
+{
+    co_await task;
+}
 
 } // namespace
 
@@ -102,31 +108,47 @@ Async<void> MacPresenceService::publishState()
     co_await mine;
 }
 
+Async<void> MacPresenceService::publishLastState()
+{
+    nextIsLast_ = true;
+    co_await publishState();
+}
+
 Async<void> MacPresenceService::publishAfter(Task<void> predecessor)
 {
     if (predecessor) {
-        try {
-            co_await predecessor;
-        } catch (const std::exception&) {
-            // Whatever became of the one before, this one has its turn.
-        }
+        co_await waitBriefly(predecessor);
         predecessor = {}; // or each publication would keep all earlier ones in memory
     }
     publication_ = std::exchange(nextPublication_, {});
+    const bool isLeaving = std::exchange(nextIsLast_, false);
     try {
-        co_await publishNow();
+        co_await publishNow(isLeaving);
+    } catch (const CancellationError&) {
+        // Withdrawn in favour of the next one.
     } catch (const std::exception& error) {
         // The heartbeat, which waits for this, must not end with it.
         ports_.journal.note("presence.failed", {{"why", std::string_view{error.what()}}});
     }
 }
 
-Async<void> MacPresenceService::publishNow()
+/// The two saves should reach the server in their order, but one that hangs must not hold up the news. A save that is
+/// withdrawn may still arrive, after the newer one: the next heartbeat puts that right.
+Async<void> MacPresenceService::waitBriefly(Task<void> publication)
 {
     try {
-        const bool isPublished = co_await AsyncTimeout::run(actor_, cloudTimeLimit, publishIfAvailable());
+        co_await AsyncTimeout::run(actor_, longestWaitForPublication, endOf(publication));
+    } catch (const AsyncTimeout::TimedOut&) {
+        publication.cancel();
+    }
+}
+
+Async<void> MacPresenceService::publishNow(bool isLeaving)
+{
+    try {
+        const bool isPublished = co_await AsyncTimeout::run(actor_, cloudTimeLimit, publishIfAvailable(isLeaving));
         if (!isPublished) {
-            syncError = cloud_.userFacingMessage(cloud_.unavailabilityError());
+            syncError = cloud_.unavailabilityMessage();
             co_return;
         }
     } catch (const CancellationError&) {
@@ -140,7 +162,7 @@ Async<void> MacPresenceService::publishNow()
     alarm_.clearLocalSaveNoticeIfResolved();
 }
 
-Async<bool> MacPresenceService::publishIfAvailable()
+Async<bool> MacPresenceService::publishIfAvailable(bool isLeaving)
 {
     const bool isAvailable = co_await cloud_.refreshAvailability(false);
     if (!isAvailable) {
@@ -151,7 +173,7 @@ Async<bool> MacPresenceService::publishIfAvailable()
     presence.deviceName = ports_.host.localizedName().value_or(unnamedComputer);
     presence.lastSeen = ports_.wallClock.now();
     presence.isCompatible = isCompatibleComputer_;
-    presence.isArmed = alarm_.isArmed();
+    presence.isArmed = alarm_.isArmed() && !isLeaving;
     const bool isArmed = presence.isArmed;
     co_await cloud_.publishPresence(std::move(presence));
     ports_.journal.note("presence.published", {{"isArmed", isArmed}});

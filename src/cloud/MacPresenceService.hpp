@@ -48,9 +48,12 @@ public:
     /// Ends the heartbeat, before the last publication.
     void stopHeartbeat();
 
-    /// Publishes this Mac's state. Never throws, but for a `CancellationError`; two calls never overlap, and the state
-    /// that a call finds is published when it ends.
+    /// Publishes this Mac's state. Never throws, but for a `CancellationError`; on return the state that the call found
+    /// is published, or could not be. A publication that is under way is waited for a second, and then withdrawn.
     [[nodiscard]] Async<void> publishState();
+
+    /// Publishes the state in which the process leaves this Mac: not armed.
+    [[nodiscard]] Async<void> publishLastState();
 
     /// The system has registered the application for pushes, or has failed to.
     void setPushTokenRegistered(bool isRegistered);
@@ -77,8 +80,9 @@ private:
 
     Async<void> beat();
     Async<void> publishAfter(Task<void> predecessor);
-    Async<void> publishNow();
-    Async<bool> publishIfAvailable();
+    Async<void> waitBriefly(Task<void> publication);
+    Async<void> publishNow(bool isLeaving);
+    Async<bool> publishIfAvailable(bool isLeaving);
     void startPublication();
 
     Async<void> pollForCommands();
@@ -107,6 +111,7 @@ private:
     bool pollOwed_ = false;      ///< somebody asked for a poll, and none has got an answer since
     Task<void> publication_;
     Task<void> nextPublication_;                  ///< waits for the end of the present one
+    bool nextIsLast_ = false;                     ///< it tells how the process leaves the Mac
     std::optional<RemoteCommand> handledCommand_; ///< the last one that was applied or ignored in this run
     TaskBag tasks_;
     WeakAnchor<MacPresenceService> anchor_{*this};

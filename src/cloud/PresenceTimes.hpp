@@ -8,7 +8,7 @@
 
 namespace sentrel {
 
-// How often the presence service asks and tells, and how long it waits for an answer.
+// How often the presence service asks and tells.
 
 inline constexpr Duration heartbeatInterval = std::chrono::seconds{30};
 
@@ -17,8 +17,8 @@ inline constexpr Duration pollIntervalWithPushes = std::chrono::seconds{300};
 inline constexpr Duration shortestPollInterval = std::chrono::seconds{5};
 inline constexpr Duration longestPollInterval = std::chrono::seconds{60};
 
-/// Of one request, the check of the account included.
-inline constexpr Duration cloudTimeLimit = std::chrono::seconds{15};
+/// A publication under way holds up one with newer news no longer than this.
+inline constexpr Duration longestWaitForPublication = std::chrono::seconds{1};
 
 /// A command of the phone that is older than this, in seconds, is too late to obey.
 inline constexpr double longestCommandAge = 120.0;

@@ -1,6 +1,7 @@
 #include "cloud/MacPresenceService.hpp"
 
 #include "cloud/AsyncTimeout.hpp"
+#include "cloud/CloudTimeLimit.hpp"
 #include "cloud/PresenceTimes.hpp"
 #include "foundation/Fatal.hpp"
 #include "platform/Journal.hpp"

@@ -140,7 +140,6 @@ private:
     void keep(const AlertEvent& alert, const std::optional<Bytes>& photo, bool cloudFlag);
     bool saveLocally(const AlertEvent& alert, const std::optional<Bytes>& photo, bool cloudFlag);
     Async<void> upload(AlertEvent alert, std::optional<Bytes> photo, bool cloudFlag);
-    Async<bool> isCloudReachable();
     void noteKept(const UUID& id);
     Async<void> uploadNow(AlertEvent alert, std::optional<Bytes> photo);
     void clearNotices();

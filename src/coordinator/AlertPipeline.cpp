@@ -3,7 +3,6 @@
 #include "alerts/AlertUploader.hpp"
 #include "alerts/LocalAlertStore.hpp"
 #include "alerts/MacAlertsService.hpp"
-#include "cloud/AsyncTimeout.hpp"
 #include "cloud/CloudKitService.hpp"
 #include "core/RandomUUID.hpp"
 #include "foundation/Fatal.hpp"
@@ -15,22 +14,12 @@
 #include "platform/WallClock.hpp"
 #include "runtime/AssertOnMainActor.hpp"
 
-#include <chrono>
 #include <limits>
 #include <utility>
 
 // From a trigger to its alert: sound at once, then photo, local copy and upload, one trigger after another.
 
 namespace sentrel {
-
-using namespace std::chrono_literals;
-
-namespace {
-
-/// A slow or hung cloud never stalls the pipeline longer than this.
-constexpr Duration longestCloudCall = 15s;
-
-} // namespace
 
 void AlarmCoordinator::trigger(TriggerReason reason)
 {
@@ -171,8 +160,8 @@ bool AlarmCoordinator::saveLocally(const AlertEvent& alert, const std::optional<
 Async<void> AlarmCoordinator::upload(AlertEvent alert, std::optional<Bytes> photo, bool cloudFlag)
 {
     const UUID id = alert.id;
-    const bool isReachable = co_await isCloudReachable();
-    if (isReachable) {
+    const bool isAvailable = co_await with_.cloud.checkAvailability();
+    if (isAvailable) {
         co_await uploadNow(std::move(alert), std::move(photo));
     } else if (cloudFlag) {
         noteKept(id);
@@ -183,24 +172,13 @@ Async<void> AlarmCoordinator::upload(AlertEvent alert, std::optional<Bytes> phot
     co_await with_.alertList.refresh();
 }
 
-Async<bool> AlarmCoordinator::isCloudReachable()
-{
-    try {
-        const bool isAvailable =
-            co_await AsyncTimeout::run(actor_, longestCloudCall, with_.cloud.refreshAvailability(false));
-        co_return isAvailable;
-    } catch (const std::exception&) {
-        co_return false;
-    }
-}
-
 Async<void> AlarmCoordinator::uploadNow(AlertEvent alert, std::optional<Bytes> photo)
 {
     const UUID id = alert.id;
     const auto outcome = co_await with_.uploader.upload(std::move(alert), std::move(photo));
+    with_.alertList.noteAttempt(id, outcome);
     switch (outcome) {
     case AlertUploader::Outcome::uploaded:
-        with_.alertList.noteUploaded(id);
         // Deliberately also another notice: the alert is safe, and that is the news.
         clearNotices();
         with_.alertList.catchUpIfOwed(); // what failed before it may work, too
@@ -209,14 +187,10 @@ Async<void> AlarmCoordinator::uploadNow(AlertEvent alert, std::optional<Bytes> p
         clearLocalSaveNoticeIfResolved();
         break;
     case AlertUploader::Outcome::storageFull:
-        with_.alertStore.setPendingUpload(id);
-        with_.alertList.iCloudStorageIsFull = true;
-        with_.alertList.refreshStorageNotice();
-        break;
+        break; // the list's notice says so
     case AlertUploader::Outcome::unreachable:
     case AlertUploader::Outcome::timedOut:
     case AlertUploader::Outcome::failed:
-        with_.alertStore.setPendingUpload(id);
         noteKept(id);
         break;
     }

@@ -20,7 +20,7 @@ public:
 
     std::string domain;
     int code;
-    std::string description;                      ///< the system's own words, never shown to the user
+    std::string description;                      ///< the system's own words, in the user's language
     std::optional<double> retryAfter;             ///< seconds
     std::map<std::string, CloudError> itemErrors; ///< by record name, of a partial failure
 };

@@ -23,7 +23,7 @@ int writeDurably(FileSystem& files, const std::filesystem::path& file, BytesView
 {
     // One writer at a time and one name for each file: what a power cut left is emptied and used again.
     std::filesystem::path temporary = file;
-    temporary += ".tmp";
+    temporary += temporaryExtension;
     int error = writeAndSynchronize(files, temporary, content, mode);
     if (error == 0) {
         error = files.rename(temporary, file);

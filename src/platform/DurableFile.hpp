@@ -9,6 +9,9 @@ namespace sentrel::platform {
 
 class FileSystem;
 
+/// Appended to a file's name while its new content is being written. A power cut may leave such a file behind.
+inline constexpr const char* temporaryExtension = ".tmp";
+
 /// Replaces a file's content so that a power cut between any two system calls leaves the old content or the new one,
 /// never half of one, and the new one for good once this has returned. The file gets the given mode. Returns 0 or an
 /// `errno` value; on failure the old file is as it was.

@@ -2,7 +2,6 @@
 
 #include "foundation/Json.hpp"
 
-#include <cstdint>
 #include <functional>
 #include <optional>
 #include <string>
@@ -11,7 +10,6 @@ namespace sentrel::platform {
 
 /// What the product reads of a `CKNotification`.
 struct CloudNotification {
-    std::int64_t type = 0; ///< a `CKNotificationType`; 1 is a query notification
     std::optional<std::string> subscriptionID;
     std::optional<std::string> recordName; ///< of a query notification
 };

@@ -109,9 +109,11 @@ TEST_F(LocalAlertStoreTest, DamagedAndForeignFilesHideNothingAndStay)
     put("text.txt", good);
     put("upper.JSON", good);
     std::filesystem::create_directory(folder() / "folder.json");
+    put("notes.jpg.tmp", "somebody else's");
 
     EXPECT_EQ(dates(store().alerts()), (std::vector<double>{20, 10}));
     EXPECT_EQ(content(folder() / "truncated.json"), good.substr(0, good.size() / 2));
+    EXPECT_TRUE(std::filesystem::exists(folder() / "notes.jpg.tmp"));
 }
 
 TEST_F(LocalAlertStoreTest, ReadsTheFolderOnceAndAnswersFromMemoryAfterwards)
@@ -218,6 +220,8 @@ TEST_F(LocalAlertStoreTest, APowerCutBetweenAnyTwoCallsLeavesTheOldAlertOrTheNew
         ASSERT_EQ(alerts.size(), 1U) << "after " << calls << " calls";
         EXPECT_THAT(alerts.front(), testing::AnyOf(old, fresh)) << "after " << calls << " calls";
         EXPECT_THAT(content(store().photoFile(old.alert.id)), testing::AnyOf("old", "new"));
+        const std::filesystem::directory_iterator left{folder()};
+        EXPECT_EQ(std::distance(begin(left), end(left)), 2) << "half a file is swept, after " << calls << " calls";
         if (wasSaved) {
             EXPECT_EQ(alerts.front(), fresh) << "after " << calls << " calls";
             EXPECT_EQ(content(store().photoFile(old.alert.id)), "new");

@@ -366,9 +366,12 @@ TEST_F(MacAlertsServiceTest, AnAlertThatIsRefusedHoldsUpNoOtherAndIsTriedAgainEv
         EXPECT_EQ(failures(), before + 1) << toSeconds(pause);
     }
     EXPECT_EQ(service->infoMessage.get(), "Some alerts are waiting to upload to iCloud.");
-
-    world.clock.advance(300s);
-    EXPECT_EQ(rows(), "3c 2c 1c ");
+    save(4);
+    fail(15, CloudOperation::save);
+    catchUp();
+    EXPECT_EQ(rows(), "4c 3c 2c 1w ");
+    world.clock.advance(31s);
+    EXPECT_EQ(rows(), "4c 3c 2c 1c ") << "since something has worked, soon again";
     const auto requests = mac.icloud.link.requests();
     world.clock.advance(1h);
     EXPECT_EQ(mac.icloud.link.requests(), requests) << "nothing waits any more";
@@ -376,7 +379,61 @@ TEST_F(MacAlertsServiceTest, AnAlertThatIsRefusedHoldsUpNoOtherAndIsTriedAgainEv
     fail(4, CloudOperation::modify);
     service->deleteAlerts(ids({1}));
     world.clock.advance(31s);
-    EXPECT_EQ(countInCloud(), 2U) << "deletions are owed in the same way";
+    EXPECT_EQ(countInCloud(), 3U) << "deletions are owed in the same way";
+}
+
+TEST_F(MacAlertsServiceTest, ACatalogThatHangsMakesNoFailureOfAnUploadThatIsConfirmed)
+{
+    refresh();
+    save(1);
+    mac.icloud.link.setLatency(CloudOperation::fetchOne, 60s);
+    const auto pass = start(service->catchUp());
+    world.clock.advance(16s);
+    EXPECT_EQ(rows(), "1c ");
+    EXPECT_THAT(here(), IsEmpty());
+    EXPECT_EQ(mac.cloud->lastSyncError.get(), std::nullopt);
+    mac.icloud.link.setLatency(CloudOperation::fetchOne, std::nullopt);
+    relaunch();
+    EXPECT_EQ(inCloud(), (std::set{1})) << "what the catalog is owed was on the disk";
+}
+
+TEST_F(MacAlertsServiceTest, ADeletionIsOwedInTheDatabaseThatHeldTheAlert)
+{
+    const auto signIn = [this](const char* user) {
+        mac.icloud.link.setUser(user);
+        mac.await(mac.cloud->verifyCacheOwner());
+        service->userDidChange();
+    };
+    putIntoCloud({1, 2});
+    refresh();
+    save(3);
+    mac.icloud.network.setUp(false);
+    service->deleteAlerts(ids({1}));
+    world.clock.advance(1s);
+    mac.icloud.network.setUp(true);
+    mac.icloud.link.setLatency(CloudOperation::userRecord, 10s);
+    const auto check = start(mac.cloud->verifyCacheOwner());
+    mac.icloud.link.setUser("other");
+    world.clock.advance(1s);
+    service->startRefresh(); // nobody knows yet whose database it asks
+    world.clock.advance(5s);
+    EXPECT_EQ(service->pendingDeletions().ids(), ids({1}));
+    mac.icloud.link.setLatency(CloudOperation::userRecord, std::nullopt);
+    signIn("other");
+    EXPECT_EQ(rows(), "3w ") << "nothing of the former user's";
+    catchUp();
+    EXPECT_EQ(rows(), "3c ");
+    const auto requests = mac.icloud.link.requests();
+    world.clock.advance(1h);
+    EXPECT_EQ(mac.icloud.link.requests(), requests) << "this database owes nothing";
+    EXPECT_EQ(service->pendingDeletions().ids(), ids({1}));
+
+    relaunch();
+    signIn("owner");
+    catchUp();
+    EXPECT_EQ(rows(), "2c ");
+    EXPECT_EQ(countInCloud(), 1U);
+    EXPECT_THAT(service->pendingDeletions().ids(), IsEmpty());
 }
 
 TEST_F(MacAlertsServiceTest, AnAlertThatTakesTooLongHoldsUpNoOtherButTwoInARowEndThePass)

@@ -8,8 +8,10 @@
 namespace sentrel {
 namespace {
 
+using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
+using testing::Not;
 using Texts = std::vector<std::string>;
 
 UUID number(int n)
@@ -33,7 +35,7 @@ TEST_F(PendingCloudDeletionStoreTest, RemembersInTheOrderOfAdditionAcrossLaunche
     PendingCloudDeletionStore first = store();
     EXPECT_THAT(first.ids(), IsEmpty());
     for (const int n : {3, 1, 2, 3}) {
-        first.add({number(n)});
+        first.add({number(n)}, "maya");
     }
     const std::string prefix = "AB000000-0000-0000-0000-00000000000";
     EXPECT_EQ(stored(), (Texts{prefix + "3", prefix + "1", prefix + "2"})) << "an old one keeps its place";
@@ -50,15 +52,35 @@ TEST_F(PendingCloudDeletionStoreTest, RemembersInTheOrderOfAdditionAcrossLaunche
 TEST_F(PendingCloudDeletionStoreTest, KeepsTheNewestTwoThousand)
 {
     PendingCloudDeletionStore full = store();
-    full.add({number(0)});
+    full.add({number(0)}, "maya");
     std::unordered_set<UUID> many;
     for (int n = 1; n <= 2000; ++n) {
         many.insert(number(n));
     }
-    full.add(many);
+    full.add(many, "maya");
     EXPECT_EQ(full.orderedIDs().size(), 2000U);
+    EXPECT_EQ(full.orderedIDs(), full.idsOf("maya"));
+    EXPECT_THAT(full.orderedIDs(), Not(Contains(number(0))));
     EXPECT_EQ(full.ids(), many) << "the first one is forgotten";
     EXPECT_EQ(stored()->size(), 2000U);
+}
+
+TEST_F(PendingCloudDeletionStoreTest, KnowsInWhoseDatabaseEachIsOwed)
+{
+    PendingCloudDeletionStore first = store();
+    first.add({number(1)}, "maya");
+    first.add({number(2)}, ""); // nobody is known to be signed in
+    first.add({number(1), number(3)}, "bob ");
+    EXPECT_EQ(stored(), (Texts{number(1).text(), number(2).text(), number(3).text()}));
+    PendingCloudDeletionStore second = store();
+    EXPECT_THAT(second.idsOf("maya"), ElementsAre(number(1), number(2)));
+    EXPECT_THAT(second.idsOf("bob "), ElementsAre(number(2), number(3)));
+    second.remove({number(1)});
+    second.add({number(1)}, "bob ");
+    EXPECT_THAT(store().idsOf("bob "), ElementsAre(number(2), number(3), number(1)));
+
+    defaults.setTexts("key.owners", {"", "nobody", number(2).text(), number(9).text() + " bob", " bob"});
+    EXPECT_THAT(store().idsOf("tom"), ElementsAre(number(2), number(3), number(1))) << "damaged: everybody's";
 }
 
 TEST_F(PendingCloudDeletionStoreTest, LoadsWhatIsGoodOfDamagedDefaults)

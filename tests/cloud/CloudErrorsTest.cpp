@@ -106,13 +106,14 @@ TEST_F(CloudErrors, APartialFailureSpeaksThroughItsItems)
     EXPECT_EQ(messageOf(partial({code(11), code(14)})), unknown);
 }
 
-TEST_F(CloudErrors, WhatIsNotOfCloudKitSpeaksForItself)
+TEST_F(CloudErrors, WhatTheSystemSaysElsewhereIsToldAndDevelopersWordsAreNot)
 {
     for (const char* const text : {"Enter your APPLE ID to go on", "wrong Password", "could not Authenticate"}) {
         EXPECT_EQ(messageOf(std::runtime_error{text}), password);
     }
     EXPECT_EQ(messageOf(CloudError{"NSCocoaErrorDomain", 9, "The disk is full."}), "The disk is full.");
     EXPECT_EQ(messageOf(AsyncTimeout::TimedOut{}), network);
+    EXPECT_EQ(messageOf(std::runtime_error{"a developer's words"}), unknown);
 
     using Kind = CloudKitServiceError::Kind;
     EXPECT_EQ(messageOf(CloudKitServiceError{Kind::notSignedIn}, CloudAccountStatus::restricted), bothDevices);

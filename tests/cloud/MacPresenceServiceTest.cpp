@@ -102,7 +102,7 @@ TEST_F(MacPresenceServiceTest, APushedCommandIsObeyedAtOnceAndAnyOtherWithinOneP
     world.clock.advance(6s);
     mac.icloud.link.setLatency(80ms);
     mac.command(3, true);
-    mac.presence.receive({3, std::string{CloudSubscriptions::alertIdentifier}, std::nullopt}); // none of its business
+    mac.presence.receive({std::string{CloudSubscriptions::alertIdentifier}, std::nullopt}); // none of its business
     world.clock.advance(5s);
     EXPECT_TRUE(mac.isArmed);
 
@@ -112,6 +112,9 @@ TEST_F(MacPresenceServiceTest, APushedCommandIsObeyedAtOnceAndAnyOtherWithinOneP
     world.clock.advance(11s);
     EXPECT_FALSE(mac.isArmed);
     EXPECT_GE(untilNextPoll(), 290s) << "then pushes are trusted again";
+    world.clock.advance(1min);
+    mac.presence.setPushTokenRegistered(false);
+    EXPECT_LT(untilNextPoll(), 6s) << "which announce nothing any more";
 }
 
 TEST_F(MacPresenceServiceTest, ASubscriptionThatHangsDelaysNoCommand)
@@ -221,6 +224,32 @@ TEST_F(MacPresenceServiceTest, APublicationThatBeganBeforeACallIsNotItsAnswer)
     EXPECT_EQ(mac.caughtUp, 2);
 }
 
+TEST_F(MacPresenceServiceTest, APublicationThatHangsHoldsNewsUpForASecondAndTheLastOneSaysDisarmed)
+{
+    const auto publish = [this] { MainActor{mac.process}.spawn(mac.presence.publishState()); };
+    mac.await(mac.presence.publishState());
+    mac.icloud.link.setLatency(1h);
+    publish();
+    world.clock.advance(5s);
+    mac.icloud.link.setLatency(80ms);
+    mac.isArmed = true;
+    publish();
+    world.clock.advance(999ms);
+    EXPECT_EQ(mac.publications(), 2U);
+    world.clock.advance(200ms);
+    EXPECT_EQ(mac.publishedArmedState(), true);
+    world.clock.advance(20s);
+    EXPECT_TRUE(mac.cloud->isReachable) << "the one that hung is withdrawn";
+    EXPECT_EQ(mac.presence.syncError.get(), std::nullopt);
+
+    publish();
+    world.clock.advance(10ms);
+    mac.await(mac.presence.publishLastState());
+    EXPECT_EQ(mac.publishedArmedState(), false) << "as the process leaves the Mac, which is armed until then";
+    mac.await(mac.presence.publishState());
+    EXPECT_EQ(mac.publishedArmedState(), true);
+}
+
 TEST_F(MacPresenceServiceTest, TheHeartbeatRespectsTheServersWishButAChangeOfStateGoesAtOnce)
 {
     mac.failsToCatchUp = true; // which ends neither the heartbeat nor later publications
@@ -267,6 +296,16 @@ TEST_F(MacPresenceServiceTest, TellsWhyThePhoneDoesNotSeeTheMac)
     world.clock.advance(1min);
     EXPECT_EQ(mac.presence.syncError.get(), signIn);
     EXPECT_EQ(mac.polls() + mac.publications(), 0U) << "nothing is asked of nobody";
+
+    const std::pair<CloudAccountStatus, const char*> others[] = {
+        {CloudAccountStatus::restricted, "iCloud access is restricted on this device."},
+        {CloudAccountStatus::temporarilyUnavailable, "iCloud needs your Apple ID password."},
+        {CloudAccountStatus::couldNotDetermine, "Could not verify iCloud."}};
+    for (const auto& [status, message] : others) {
+        mac.icloud.link.setAccountStatus(status);
+        world.clock.advance(2min);
+        EXPECT_THAT(mac.presence.syncError.get(), testing::Optional(testing::StartsWith(message)));
+    }
 
     mac.icloud.link.setAccountStatus(CloudAccountStatus::available);
     world.clock.advance(2min);

@@ -331,6 +331,27 @@ TEST_F(AlarmCoordinatorTest, AFullDiskCostsNoAlertAndNobodyIsToldThatItIsSaved)
     EXPECT_TRUE(session.phone().alerts().front().photo) << "it was held, and is not lost";
 }
 
+TEST_F(AlarmCoordinatorTest, AnAccountThatHangsDelaysTheLocalSaveNoticeForFifteenSeconds)
+{
+    session.mac().iCloud.account.setStatus(platform::CloudAccountStatus::available);
+    session.clock().advance(5s);
+    arm();
+    session.mac().iCloud.link.setLatency(24h);
+    session.clock().advance(61s); // what the account has said counts no more
+    trigger({TriggerReason::unplugged});
+    session.clock().advance(14'999ms);
+    EXPECT_EQ(coordinator().lastError.get(), std::nullopt);
+    session.clock().advance(1ms);
+    EXPECT_TRUE(coordinator().showingLocalSaveNotice.get());
+
+    session.mac().iCloud.link.setLatency(80ms);
+    session.clock().advance(2min);
+    EXPECT_EQ(coordinator().lastError.get(), std::nullopt);
+    coordinator().lastError = "no speaker";
+    coordinator().clearLocalSaveNoticeIfResolved();
+    EXPECT_EQ(coordinator().lastError.get(), "no speaker") << "another notice";
+}
+
 TEST_F(AlarmCoordinatorTest, ANewProcessStartsDisarmedWhateverTheOldOneLeft)
 {
     arm();

@@ -114,12 +114,106 @@ TEST_F(CloudScenarios, AnUploadThatWorksTakesThoseAlongThatFailedBefore)
     EXPECT_THAT(playedText(R"(
 mac: {icloud: maya}
 steps:
-- {at: 1s, do: {icloud: {fail: {code: serverRejectedRequest, times: 2, operation: save}}}}
+- {at: 1s, do: {icloud: {fail: {code: serverRejectedRequest, times: 1, operation: save}}}}
 - {at: 2s, do: arm}
 - {at: 3s, do: unplug}
 - {at: 9s, expect: {cloudAlerts: 0, pendingUploads: 1}}
 - {at: 10s, do: close-lid}
 - {at: 13s, expect: {cloudAlerts: 2, pendingUploads: 0}}
+)"),
+                IsEmpty());
+}
+
+TEST_F(CloudScenarios, AnUploadThatIsRefusedIsTriedAgainAfterHalfAMinuteAndNotAtOnce)
+{
+    EXPECT_THAT(playedText(R"(
+mac: {icloud: maya}
+steps:
+- {at: 1s, do: {icloud: {fail: {code: serverRejectedRequest, times: 1, operation: save}}}}
+- {at: 2s, do: arm}
+- {at: 3s, do: unplug}
+- {at: 33s, expect: {cloudAlerts: 0, pendingUploads: 1, icloud: {lastSyncError: null}}}
+- {at: 35s, expect: {cloudAlerts: 1, pendingUploads: 0}}
+)"),
+                IsEmpty());
+}
+
+TEST_F(CloudScenarios, ACatalogThatIsThrottledSpoilsNoUpload)
+{
+    EXPECT_THAT(playedText(R"(
+mac: {icloud: maya}
+steps:
+- {at: 2s, do: arm}
+- {at: 5s, do: {icloud: {fail: {code: requestRateLimited, times: 1, retryAfter: 60, operation: fetchOne}}}}
+- {at: 6s, do: unplug}
+- at: 6300ms
+  expect: {cloudAlerts: 1, lastError: null, errorMessage: null, icloud: {lastSyncError: null}}
+)"),
+                IsEmpty());
+}
+
+TEST_F(CloudScenarios, AFullStorageIsToldUntilTheNextUploadOrTheNextUser)
+{
+    const std::string isFull = R"(
+mac: {icloud: maya}
+steps:
+- {at: 1s, do: {icloud: {quota: full}}}
+- {at: 2s, do: arm}
+- {at: 3s, do: unplug}
+- {at: 5s, expect: {infoMessage: "Your iCloud storage is full.\nNew alerts are saved on this Mac."}}
+- {at: 6s, do: {icloud: {quota: ok}}}
+)";
+    const std::string waits = R"(
+- {at: 40s, do: plug-in}
+- {at: 41s, do: unplug}
+- {at: 45s, expect: {infoMessage: Some alerts are waiting to upload to iCloud.}}
+)";
+    EXPECT_THAT(playedText(isFull + "- {at: 7s, do: {icloud: {fail: {code: 15, times: 50, operation: save}}}}" + waits),
+                IsEmpty());
+    EXPECT_THAT(playedText(isFull +
+                           "- {at: 7s, do: {delete-alerts: all}}\n- {at: 8s, do: {icloud: {user: bob}}}\n"
+                           "- {at: 20s, do: {network: down}}" +
+                           waits),
+                IsEmpty());
+}
+
+TEST_F(CloudScenarios, TheNextUserOfTheMacSeesAndDeletesNothingOfTheFormerOnes)
+{
+    EXPECT_THAT(playedText(R"(
+mac: {icloud: maya}
+settings: {requirePasswordForActions: false}
+steps:
+- {at: 2s, do: arm}
+- {at: 3s, do: unplug}
+- {at: 8s, do: close-lid}
+- {at: 15s, do: {network: down}}
+- {at: 16s, do: {delete-alerts: oldest}}
+- {at: 17s, do: plug-in}
+- {at: 18s, do: unplug}
+- {at: 30s, do: quit}
+- {at: 40s, do: relaunch}
+- {at: 50s, expect: {pendingDeletions: 1}}
+- {at: 51s, do: {icloud: {user: bob, latency: 2s}}}
+- {at: 52s, do: {network: up}}
+- {at: 60s, expect: {alertRows: [{storage: pendingUpload}]}}
+- {at: 80s, expect: {alertRows: [{storage: cloud}], cloudAlerts: 1, pendingDeletions: 1}}
+- {at: 90s, do: {icloud: {user: maya, latency: 80ms}}}
+- {at: 110s, expect: {alertRows: [{reason: lidClosed}], cloudAlerts: 1, pendingDeletions: 0}}
+)"),
+                IsEmpty());
+}
+
+TEST_F(CloudScenarios, ThePhoneLearnsThatAMacThatQuitsIsNotArmedThoughAnEarlierPublicationHangs)
+{
+    EXPECT_THAT(playedText(R"(
+mac: {icloud: maya}
+settings: {requirePasswordForActions: false}
+steps:
+- {at: 2s, do: arm}
+- {at: 10s, expect: {phone: {macs: [{isArmed: true}]}}}
+- {at: 20s, do: {icloud: {latency: 5s}}}
+- {at: 31s, do: quit}
+- {at: 50s, expect: {quit: quit, phone: {macs: [{isArmed: false}]}}}
 )"),
                 IsEmpty());
 }

@@ -24,7 +24,6 @@ std::optional<platform::CloudNotification> MacRemoteNotifications::cloudNotifica
         return std::nullopt;
     }
     platform::CloudNotification made;
-    made.type = notification.notificationType;
     if (notification.subscriptionID != nil) {
         made.subscriptionID = textOf(notification.subscriptionID);
     }

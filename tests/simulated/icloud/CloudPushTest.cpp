@@ -134,7 +134,7 @@ TEST_F(CloudPushTest, ThePushIsCloudKitsDictionary)
     EXPECT_EQ(lastPush["ck"]["cid"], "iCloud.pelma.Sentrel");
     EXPECT_EQ(lastPush["ck"]["ce"], 2);
     const auto notification = mac.notifications.cloudNotification(lastPush);
-    EXPECT_EQ(notification->type, 1);
+    EXPECT_EQ(notification->recordName, "a");
 
     // Saved once more it is still one, and it outlives the server.
     server.saveSubscription({"owner", "second"}, subscription);

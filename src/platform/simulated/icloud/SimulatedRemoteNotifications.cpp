@@ -167,7 +167,6 @@ std::optional<platform::CloudNotification> SimulatedRemoteNotifications::cloudNo
         return std::nullopt;
     }
     platform::CloudNotification notification;
-    notification.type = kind->first;
     notification.subscriptionID = textMember(*kind->second, "sid");
     if (kind->first == queryNotification) {
         notification.recordName = textMember(*kind->second, "rid");
