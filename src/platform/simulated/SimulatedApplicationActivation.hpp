@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/ApplicationActivation.hpp"
+#include "platform/simulated/FaultSwitches.hpp"
 
 #include <atomic>
 
@@ -12,6 +13,7 @@ public:
     /// Brings the application to the front; without ignoring the others, the one in front keeps its place.
     void activate(bool ignoringOtherApplications) override
     {
+        faults_.call("activate");
         if (ignoringOtherApplications) {
             isActive_ = true;
         }
@@ -22,7 +24,10 @@ public:
 
     [[nodiscard]] bool isActive() const { return isActive_; }
 
+    [[nodiscard]] FaultSwitches& faults() { return faults_; }
+
 private:
+    FaultSwitches faults_{};
     std::atomic<bool> isActive_ = false;
 };
 

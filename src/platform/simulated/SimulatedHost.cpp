@@ -10,14 +10,34 @@ SimulatedHost::SimulatedHost(std::filesystem::path root, Facts facts) : root_(st
 
 std::optional<std::string> SimulatedHost::systemControlText(const std::string& name)
 {
+    faults_.call("systemControlText");
     if (name != "hw.model" || faults_.strikes("model")) {
         return std::nullopt;
     }
     return facts_.model;
 }
 
+std::optional<std::string> SimulatedHost::localizedName()
+{
+    faults_.call("localizedName");
+    return facts_.localizedName;
+}
+
+std::optional<std::string> SimulatedHost::bundleIdentifier()
+{
+    faults_.call("bundleIdentifier");
+    return facts_.bundleIdentifier;
+}
+
+std::filesystem::path SimulatedHost::temporaryDirectory()
+{
+    faults_.call("temporaryDirectory");
+    return root_ / "tmp";
+}
+
 std::optional<std::filesystem::path> SimulatedHost::applicationSupportDirectory()
 {
+    faults_.call("applicationSupportDirectory");
     if (faults_.strikes("application-support")) {
         return std::nullopt;
     }
