@@ -136,9 +136,11 @@ private:
     Async<void> process(TriggerReason reason);
     Async<std::optional<Bytes>> takePhoto(bool isWanted);
     void finishProcessing();
+    [[nodiscard]] AlertEvent makeAlertInAnyCase(TriggerReason reason, bool hasPhoto);
     [[nodiscard]] AlertEvent makeAlert(TriggerReason reason, bool hasPhoto);
     void keep(const AlertEvent& alert, const std::optional<Bytes>& photo, bool cloudFlag);
     bool saveLocally(const AlertEvent& alert, const std::optional<Bytes>& photo, bool cloudFlag);
+    Async<void> uploadInAnyCase(AlertEvent alert, std::optional<Bytes> photo, bool cloudFlag);
     Async<void> upload(AlertEvent alert, std::optional<Bytes> photo, bool cloudFlag);
     Async<bool> isCloudReachable();
     void noteKept(const UUID& id);

@@ -6,6 +6,7 @@
 #include "cloud/AsyncTimeout.hpp"
 #include "cloud/CloudKitService.hpp"
 #include "foundation/Fatal.hpp"
+#include "foundation/Quietly.hpp"
 #include "outputs/AlarmSoundPlayer.hpp"
 #include "outputs/CameraCapture.hpp"
 #include "platform/DeviceRegistry.hpp"
@@ -37,13 +38,14 @@ void AlarmCoordinator::trigger(TriggerReason reason)
     if (!isArmed) {
         return;
     }
-    ports_.journal.note("trigger", {{"reason", rawValue(reason)}});
     const AlarmSettings& settings = with_.settings.settings();
-    lastTrigger = reason;
     if (settings.alarmSound) {
-        isAlarmActive = true;
+        // Before any call of the system, which might hold the main thread.
         with_.soundPlayer.play(static_cast<float>(settings.alarmVolume));
     }
+    ports_.journal.note("trigger", {{"reason", rawValue(reason)}});
+    lastTrigger = reason;
+    isAlarmActive = isAlarmActive || settings.alarmSound;
     if (pendingReasons_.insert(reason).second) {
         enqueueProcessing(reason);
     }
@@ -62,7 +64,7 @@ void AlarmCoordinator::enqueueProcessing(TriggerReason reason)
         fatalError("the count of triggers being processed overflows");
     }
     ++processingCount_;
-    alarmPowerAssertion_.acquire("Sentrel is processing an alarm event");
+    quietly([this] { alarmPowerAssertion_.acquire("Sentrel is processing an alarm event"); });
     processingChain_ = actor_.spawn(processAfter(std::exchange(processingChain_, std::nullopt), reason));
     tasks_.add(*processingChain_);
 }
@@ -74,7 +76,7 @@ Async<void> AlarmCoordinator::processAfter(std::optional<Task<void>> predecessor
         const Task<void> earlier = *std::exchange(predecessor, std::nullopt);
         try {
             co_await earlier;
-        } catch (const std::exception&) {
+        } catch (...) {
             // Whatever became of the one before, this trigger has its turn.
         }
     }
@@ -82,6 +84,8 @@ Async<void> AlarmCoordinator::processAfter(std::optional<Task<void>> predecessor
         co_await process(reason);
     } catch (const std::exception& error) {
         ports_.journal.note("alert.failed", {{"reason", rawValue(reason)}, {"why", std::string_view{error.what()}}});
+    } catch (...) {
+        ports_.journal.note("alert.failed", {{"reason", rawValue(reason)}, {"why", "raised"}});
     }
     finishProcessing();
 }
@@ -93,7 +97,7 @@ void AlarmCoordinator::finishProcessing()
     }
     if (--processingCount_ == 0) {
         processingChain_.reset();
-        alarmPowerAssertion_.release();
+        quietly([this] { alarmPowerAssertion_.release(); });
     }
 }
 
@@ -102,20 +106,30 @@ Async<void> AlarmCoordinator::process(TriggerReason reason)
     pendingReasons_.erase(reason);
     const AlarmSettings settings = with_.settings.settings();
     std::optional<Bytes> photo = co_await takePhoto(settings.capturePhoto);
-    AlertEvent alert = makeAlert(reason, photo.has_value());
+    AlertEvent alert = makeAlertInAnyCase(reason, photo.has_value());
     alert.sendNotification = settings.sendNotification;
     const bool cloudFlag = with_.cloud.isAvailable;
-    keep(alert, photo, cloudFlag);
-    tasks_.add(actor_.spawn(upload(std::move(alert), std::move(photo), cloudFlag)));
+    quietly([&] { keep(alert, photo, cloudFlag); });
+    tasks_.add(actor_.spawn(uploadInAnyCase(std::move(alert), std::move(photo), cloudFlag)));
 }
 
 Async<std::optional<Bytes>> AlarmCoordinator::takePhoto(bool isWanted)
 {
-    if (!isWanted || lidMonitor_.isLidClosed()) {
+    if (!isWanted || quietly([this] { return lidMonitor_.isLidClosed(); })) {
         co_return std::nullopt;
     }
     std::optional<Bytes> photo = co_await with_.camera.capturePhoto();
     co_return photo;
+}
+
+/// A port that raises now may answer the next time; the alert is worth asking it again.
+AlertEvent AlarmCoordinator::makeAlertInAnyCase(TriggerReason reason, bool hasPhoto)
+{
+    try {
+        return makeAlert(reason, hasPhoto);
+    } catch (...) {
+        return makeAlert(reason, hasPhoto);
+    }
 }
 
 AlertEvent AlarmCoordinator::makeAlert(TriggerReason reason, bool hasPhoto)
@@ -164,11 +178,27 @@ bool AlarmCoordinator::saveLocally(const AlertEvent& alert, const std::optional<
         ports_.journal.note("alert.saveFailed",
                             {{"id", std::string_view{alert.id.text()}}, {"why", std::string_view{error.what()}}});
         return false;
+    } catch (...) {
+        ports_.journal.note("alert.saveFailed", {{"id", std::string_view{alert.id.text()}}, {"why", "raised"}});
+        return false;
     }
     ports_.journal.note(
         "alert.saved",
         {{"id", std::string_view{alert.id.text()}}, {"reason", rawValue(alert.reason)}, {"photo", photo.has_value()}});
     return true;
+}
+
+/// An upload that ends in whatever exception leaves its alert waiting for the next catch-up.
+Async<void> AlarmCoordinator::uploadInAnyCase(AlertEvent alert, std::optional<Bytes> photo, bool cloudFlag)
+{
+    const UUID id = alert.id;
+    try {
+        co_await upload(std::move(alert), std::move(photo), cloudFlag);
+        co_return;
+    } catch (...) {
+        ports_.journal.note("upload.raised", {{"id", std::string_view{id.text()}}});
+    }
+    quietly([&] { with_.alertStore.setPendingUpload(id); });
 }
 
 Async<void> AlarmCoordinator::upload(AlertEvent alert, std::optional<Bytes> photo, bool cloudFlag)
