@@ -25,7 +25,7 @@ namespace {
 
 class Silence final : public platform::Journal {
 public:
-    void note(std::string_view /*event*/, std::initializer_list<Field> /*fields*/) override {}
+    void write(std::string_view /*event*/, std::initializer_list<Field> /*fields*/) override {}
 };
 
 /// From the call to the player's `play` on the engine, with the take-over of the speaker, beside making the tone's

@@ -30,7 +30,7 @@ constexpr int alertCount = 10'000;
 
 class Silence final : public platform::Journal {
 public:
-    void note(std::string_view /*event*/, std::initializer_list<Field> /*fields*/) override {}
+    void write(std::string_view /*event*/, std::initializer_list<Field> /*fields*/) override {}
 };
 
 /// Stands in the main thread's queue over and over: between two of its turns the others had theirs. In processor time,

@@ -58,6 +58,7 @@ void MacPresenceService::startHeartbeat()
     if (heartbeatTask_) {
         return;
     }
+    nextIsLast_ = false; // a quit that was called off leaves the Mac armed
     startPublication();
     heartbeatTask_ = actor_.spawn(beat());
     tasks_.add(heartbeatTask_);

@@ -1,6 +1,7 @@
 #include "cloud/UploadPhotoFiles.hpp"
 
 #include "core/RandomUUID.hpp"
+#include "foundation/Quietly.hpp"
 #include "foundation/UUID.hpp"
 #include "platform/FileSystem.hpp"
 #include "platform/HostInfo.hpp"
@@ -90,10 +91,12 @@ UploadPhotoFiles::File::~File()
     if (writing_->discard()) {
         return; // its name stays noted, in case the writer dies first
     }
-    const int error = owner->ports_.files.remove(path_);
-    if (error == 0 || error == ENOENT) {
-        owner->forget(path_.filename().string());
-    }
+    quietly([&] {
+        const int error = owner->ports_.files.remove(path_);
+        if (error == 0 || error == ENOENT) {
+            owner->forget(path_.filename().string());
+        }
+    });
 }
 
 UploadPhotoFiles::UploadPhotoFiles(MainActor actor, Ports ports)

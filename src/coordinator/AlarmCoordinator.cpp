@@ -2,6 +2,7 @@
 
 #include "cloud/AsyncTimeout.hpp"
 #include "cloud/MacPresenceService.hpp"
+#include "foundation/Quietly.hpp"
 #include "lock/ScreenCoverService.hpp"
 #include "outputs/AlarmSoundPlayer.hpp"
 #include "outputs/CameraCapture.hpp"
@@ -76,7 +77,7 @@ void AlarmCoordinator::arm(const AlarmSettings& settings)
     isAlarmActive = false;
     lastError = std::nullopt;
     statusMessage = localized("Armed");
-    armedPowerAssertion_.acquire("Sentrel is armed and monitoring");
+    quietly([this] { armedPowerAssertion_.acquire("Sentrel is armed and monitoring"); });
     Task<void> preparation =
         detached(actor_.scheduler(), QualityOfService::utility, prepareMediaPlayback(settings.alarmSound));
     tasks_.add(preparation);
@@ -112,14 +113,15 @@ void AlarmCoordinator::applyTriggerSettings(const AlarmSettings& settings)
     powerMonitor_.onUnplugged = triggerCallback(settings.triggerOnUnplugged, TriggerReason::unplugged);
     lidMonitor_.onLidClosed = triggerCallback(settings.triggerOnLidClosed, TriggerReason::lidClosed);
     motionMonitor_.onMotionDetected = triggerCallback(settings.triggerOnMotion, TriggerReason::motion);
+    // A sensor that raises must not keep the others from watching.
     if (settings.triggerOnUnplugged) {
-        powerMonitor_.start();
+        quietly([this] { powerMonitor_.start(); });
     }
     if (settings.triggerOnLidClosed) {
-        lidMonitor_.start();
+        quietly([this] { lidMonitor_.start(); });
     }
     if (settings.triggerOnMotion) {
-        motionMonitor_.start(settings.motionSensitivity);
+        quietly([&] { motionMonitor_.start(settings.motionSensitivity); });
     }
     refreshMotionWarning(settings);
     if (settings.capturePhoto) {
@@ -150,7 +152,8 @@ void AlarmCoordinator::refreshAccelerometer()
 
 std::string AlarmCoordinator::localized(std::string_view text)
 {
-    return ports_.language.localized(text);
+    const std::string translated = quietly([&] { return ports_.language.localized(text); });
+    return translated.empty() ? std::string{text} : translated;
 }
 
 std::function<void()> AlarmCoordinator::triggerCallback(bool isWanted, TriggerReason reason)
@@ -242,7 +245,7 @@ Async<void> AlarmCoordinator::guardScreen(std::optional<Task<void>> preparation,
         if (preparation) {
             co_await AsyncTimeout::run(actor_, longestPreparation, finishOf(*preparation));
         }
-    } catch (const std::exception&) {
+    } catch (...) {
         // Late, failed or cancelled: the music must not keep the screen open. Cancellation is looked at below.
     }
     try {

@@ -132,13 +132,15 @@ private:
     Async<void> guardScreen(std::optional<Task<void>> preparation, double delay);
 
     void enqueueProcessing(TriggerReason reason);
-    Async<void> processAfter(std::optional<Task<void>> predecessor, TriggerReason reason, Date taken);
-    Async<void> process(TriggerReason reason, Date taken);
+    Async<void> processAfter(std::optional<Task<void>> predecessor, TriggerReason reason, std::optional<Date> taken);
+    Async<void> process(TriggerReason reason, std::optional<Date> taken);
     Async<std::optional<Bytes>> takePhoto(bool isWanted);
     void finishProcessing();
-    [[nodiscard]] AlertEvent makeAlert(TriggerReason reason, Date taken, bool hasPhoto);
+    [[nodiscard]] AlertEvent makeAlertInAnyCase(TriggerReason reason, std::optional<Date> taken, bool hasPhoto);
+    [[nodiscard]] AlertEvent makeAlert(TriggerReason reason, std::optional<Date> taken, bool hasPhoto);
     void keep(const AlertEvent& alert, const std::optional<Bytes>& photo, bool cloudFlag);
     bool saveLocally(const AlertEvent& alert, const std::optional<Bytes>& photo, bool cloudFlag);
+    Async<void> uploadInAnyCase(AlertEvent alert, std::optional<Bytes> photo, bool cloudFlag);
     Async<void> upload(AlertEvent alert, std::optional<Bytes> photo, bool cloudFlag);
     void noteKept(const UUID& id);
     Async<void> uploadNow(AlertEvent alert, std::optional<Bytes> photo);

@@ -6,6 +6,7 @@
 #include "cloud/CloudKitService.hpp"
 #include "core/RandomUUID.hpp"
 #include "foundation/Fatal.hpp"
+#include "foundation/Quietly.hpp"
 #include "outputs/AlarmSoundPlayer.hpp"
 #include "outputs/CameraCapture.hpp"
 #include "platform/DeviceRegistry.hpp"
@@ -27,13 +28,14 @@ void AlarmCoordinator::trigger(TriggerReason reason)
     if (!isArmed) {
         return;
     }
-    ports_.journal.note("trigger", {{"reason", rawValue(reason)}});
     const AlarmSettings& settings = with_.settings.settings();
-    lastTrigger = reason;
     if (settings.alarmSound) {
-        isAlarmActive = true;
+        // Before any call of the system, which might hold the main thread.
         with_.soundPlayer.play(static_cast<float>(settings.alarmVolume));
     }
+    ports_.journal.note("trigger", {{"reason", rawValue(reason)}});
+    lastTrigger = reason;
+    isAlarmActive = isAlarmActive || settings.alarmSound;
     if (pendingReasons_.insert(reason).second) {
         enqueueProcessing(reason);
     }
@@ -53,20 +55,21 @@ void AlarmCoordinator::enqueueProcessing(TriggerReason reason)
         fatalError("the count of triggers being processed overflows");
     }
     ++processingCount_;
-    alarmPowerAssertion_.acquire("Sentrel is processing an alarm event");
-    const Date taken = ports_.wallClock.now();
+    quietly([this] { alarmPowerAssertion_.acquire("Sentrel is processing an alarm event"); });
+    const auto taken = quietly([this] { return std::optional{ports_.wallClock.now()}; });
     processingChain_ = actor_.spawn(processAfter(std::exchange(processingChain_, std::nullopt), reason, taken));
     tasks_.add(*processingChain_);
 }
 
-Async<void> AlarmCoordinator::processAfter(std::optional<Task<void>> predecessor, TriggerReason reason, Date taken)
+Async<void> AlarmCoordinator::processAfter(std::optional<Task<void>> predecessor, TriggerReason reason,
+                                           std::optional<Date> taken)
 {
     if (predecessor) {
         // Taken out of this frame's parameters, or the chain would keep every task since its beginning.
         const Task<void> earlier = *std::exchange(predecessor, std::nullopt);
         try {
             co_await earlier;
-        } catch (const std::exception&) {
+        } catch (...) {
             // Whatever became of the one before, this trigger has its turn.
         }
     }
@@ -74,6 +77,8 @@ Async<void> AlarmCoordinator::processAfter(std::optional<Task<void>> predecessor
         co_await process(reason, taken);
     } catch (const std::exception& error) {
         ports_.journal.note("alert.failed", {{"reason", rawValue(reason)}, {"why", std::string_view{error.what()}}});
+    } catch (...) {
+        ports_.journal.note("alert.failed", {{"reason", rawValue(reason)}, {"why", "raised"}});
     }
     finishProcessing();
 }
@@ -85,37 +90,47 @@ void AlarmCoordinator::finishProcessing()
     }
     if (--processingCount_ == 0) {
         processingChain_.reset();
-        alarmPowerAssertion_.release();
+        quietly([this] { alarmPowerAssertion_.release(); });
     }
 }
 
-Async<void> AlarmCoordinator::process(TriggerReason reason, Date taken)
+Async<void> AlarmCoordinator::process(TriggerReason reason, std::optional<Date> taken)
 {
     pendingReasons_.erase(reason);
     const AlarmSettings settings = with_.settings.settings();
     std::optional<Bytes> photo = co_await takePhoto(settings.capturePhoto);
-    AlertEvent alert = makeAlert(reason, taken, photo.has_value());
+    AlertEvent alert = makeAlertInAnyCase(reason, taken, photo.has_value());
     alert.sendNotification = settings.sendNotification;
     const bool cloudFlag = with_.cloud.isAvailable;
-    keep(alert, photo, cloudFlag);
-    tasks_.add(actor_.spawn(upload(std::move(alert), std::move(photo), cloudFlag)));
+    quietly([&] { keep(alert, photo, cloudFlag); });
+    tasks_.add(actor_.spawn(uploadInAnyCase(std::move(alert), std::move(photo), cloudFlag)));
 }
 
 Async<std::optional<Bytes>> AlarmCoordinator::takePhoto(bool isWanted)
 {
-    if (!isWanted || lidMonitor_.isLidClosed()) {
+    if (!isWanted || quietly([this] { return lidMonitor_.isLidClosed(); })) {
         co_return std::nullopt;
     }
     std::optional<Bytes> photo = co_await with_.camera.capturePhoto();
     co_return photo;
 }
 
-AlertEvent AlarmCoordinator::makeAlert(TriggerReason reason, Date taken, bool hasPhoto)
+/// A port that raises now may answer the next time; the alert is worth asking it again.
+AlertEvent AlarmCoordinator::makeAlertInAnyCase(TriggerReason reason, std::optional<Date> taken, bool hasPhoto)
+{
+    try {
+        return makeAlert(reason, taken, hasPhoto);
+    } catch (...) {
+        return makeAlert(reason, taken, hasPhoto);
+    }
+}
+
+AlertEvent AlarmCoordinator::makeAlert(TriggerReason reason, std::optional<Date> taken, bool hasPhoto)
 {
     AlertEvent alert;
     alert.id = randomUUID(ports_.random);
     alert.reason = reason;
-    alert.timestamp = taken;
+    alert.timestamp = taken ? *taken : ports_.wallClock.now();
     alert.deviceName = ports_.host.localizedName().value_or("Mac");
     if (hasPhoto) {
         alert.photoFileName = alert.id.text() + ".jpg";
@@ -150,11 +165,27 @@ bool AlarmCoordinator::saveLocally(const AlertEvent& alert, const std::optional<
         ports_.journal.note("alert.saveFailed",
                             {{"id", std::string_view{alert.id.text()}}, {"why", std::string_view{error.what()}}});
         return false;
+    } catch (...) {
+        ports_.journal.note("alert.saveFailed", {{"id", std::string_view{alert.id.text()}}, {"why", "raised"}});
+        return false;
     }
     ports_.journal.note(
         "alert.saved",
         {{"id", std::string_view{alert.id.text()}}, {"reason", rawValue(alert.reason)}, {"photo", photo.has_value()}});
     return true;
+}
+
+/// An upload that ends in whatever exception leaves its alert waiting for the next catch-up.
+Async<void> AlarmCoordinator::uploadInAnyCase(AlertEvent alert, std::optional<Bytes> photo, bool cloudFlag)
+{
+    const UUID id = alert.id;
+    try {
+        co_await upload(std::move(alert), std::move(photo), cloudFlag);
+        co_return;
+    } catch (...) {
+        ports_.journal.note("upload.raised", {{"id", std::string_view{id.text()}}});
+    }
+    quietly([&] { with_.alertStore.setPendingUpload(id); });
 }
 
 Async<void> AlarmCoordinator::upload(AlertEvent alert, std::optional<Bytes> photo, bool cloudFlag)

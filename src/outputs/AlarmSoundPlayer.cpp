@@ -1,5 +1,7 @@
 #include "outputs/AlarmSoundPlayer.hpp"
 
+#include "foundation/Quietly.hpp"
+
 #include <utility>
 
 namespace sentrel {
@@ -7,7 +9,8 @@ namespace sentrel {
 AlarmSoundPlayer::AlarmSoundPlayer(MainActor mainActor, const AlarmSoundServices& services)
     : worker_(mainActor.scheduler(), services,
               [mainActor, weak = anchor_.weak(), &language = services.language](std::string_view message) {
-                  mainActor.spawn(deliver(weak, language.localized(message)));
+                  const std::string translated = quietly([&] { return language.localized(message); });
+                  mainActor.spawn(deliver(weak, translated.empty() ? std::string{message} : translated));
               })
 {
 }

@@ -1,5 +1,7 @@
 #include "outputs/AlarmSoundWorker.hpp"
 
+#include "foundation/Quietly.hpp"
+
 #include <algorithm>
 #include <utility>
 
@@ -16,7 +18,9 @@ constexpr std::string_view noToneMessage = "The alarm tone couldn't start. The a
 
 /// One period of the tone: how often the volume is forced up again and the beep repeated.
 constexpr Duration tickInterval = 900ms;
-constexpr float beepsAtFullVolume = 3.0F;
+
+/// The end of the application waits no longer for a queue that a call holds.
+constexpr Duration longestStop = 2s;
 
 constexpr float lowestSetting = 0.1F;
 constexpr float lowestVolume = 0.25F;
@@ -28,6 +32,7 @@ AlarmSoundWorker::AlarmSoundWorker(Scheduler& scheduler, const AlarmSoundService
     : services_(services),
       onDegraded_(std::move(onDegraded)),
       toneEngine_(services.audioEngines),
+      watch_(scheduler, services.systemBeep, [this] { onDegraded_(noToneMessage); }),
       queue_(scheduler, queueLabel, QualityOfService::userInteractive)
 {
 }
@@ -50,17 +55,20 @@ float AlarmSoundWorker::effectiveVolume(float setting)
 
 void AlarmSoundWorker::play(float volume)
 {
+    watch_.begin(effectiveVolume(volume));
     queue_.async(playNow(volume));
 }
 
 void AlarmSoundWorker::stop()
 {
+    watch_.end();
     queue_.async([this] { stopNow(); });
 }
 
 void AlarmSoundWorker::stopAndWait()
 {
-    queue_.sync([this] { stopNow(); });
+    watch_.end();
+    queue_.syncWithin(longestStop, [this] { stopNow(); });
 }
 
 void AlarmSoundWorker::restoreLeftoverState()
@@ -81,17 +89,17 @@ Async<void> AlarmSoundWorker::playNow(float volume)
         co_return;
     }
     co_await services_.mediaPlayback.pauseAllAndWait();
-    // Once more, without waiting: it catches a player that was slow to answer or has resumed.
-    for (const MediaPlayer& player : services_.mediaPlayback.listRunningPlayers()) {
-        services_.mediaPlayback.pause(player);
-    }
     takeOverDevice();
-    usingBeepFallback_ = !toneEngine_.start(*alarmOutputDeviceID_, alarmVolume_);
-    if (usingBeepFallback_) {
-        onDegraded_(noToneMessage);
-    }
+    // Once more, without waiting: it catches a player that was slow to answer or has resumed.
+    services_.mediaPlayback.pauseAll();
+    const bool hasTone = toneEngine_.start(*alarmOutputDeviceID_, alarmVolume_);
     startVolumeTimer();
-    noteStarted();
+    if (hasTone) {
+        watch_.noteSounding();
+        noteStarted();
+    } else {
+        fallBackToBeeps();
+    }
 }
 
 void AlarmSoundWorker::playOnNoDevice()
@@ -113,7 +121,7 @@ void AlarmSoundWorker::takeOverDevice()
     savedOutputState_ = services_.outputVolume.takeOver(*alarmOutputDeviceID_, alarmVolume_);
     // At once, so that a crash from here on finds what to put back.
     if (const auto json = encode(*savedOutputState_)) {
-        services_.defaults.setData(savedStateKey, *json);
+        quietly([&] { services_.defaults.setData(savedStateKey, *json); });
     }
 }
 
@@ -144,9 +152,37 @@ void AlarmSoundWorker::tick()
         services_.outputVolume.enforce(*alarmOutputDeviceID_, alarmVolume_);
         services_.journal.note("volume.enforced", {{"device", static_cast<std::int64_t>(*alarmOutputDeviceID_)}});
     }
+    if (!usingBeepFallback_) {
+        keepToneRunning();
+    }
     if (usingBeepFallback_) {
         beepBurst();
     }
+    watch_.noteSounding();
+}
+
+/// The system stops an engine whose output changes its format or goes away. Such an engine is started anew, but one
+/// that doesn't last until the next tick is given up.
+void AlarmSoundWorker::keepToneRunning()
+{
+    if (toneEngine_.isRunning()) {
+        wasToneRestarted_ = false;
+        return;
+    }
+    if (!wasToneRestarted_ && toneEngine_.start(*alarmOutputDeviceID_, alarmVolume_)) {
+        wasToneRestarted_ = true;
+        services_.journal.note("tone.restarted", {});
+        return;
+    }
+    toneEngine_.stop();
+    fallBackToBeeps();
+}
+
+void AlarmSoundWorker::fallBackToBeeps()
+{
+    usingBeepFallback_ = true;
+    noteStarted();
+    onDegraded_(noToneMessage);
 }
 
 void AlarmSoundWorker::beepBurst()
@@ -157,10 +193,7 @@ void AlarmSoundWorker::beepBurst()
     if (mustSwitch) {
         services_.outputVolume.setDefaultOutputDevice(*alarmOutputDeviceID_);
     }
-    const int count = static_cast<int>(std::max(alarmVolume_ * beepsAtFullVolume, 1.0F));
-    for (int i = 0; i < count; ++i) {
-        services_.systemBeep.beep();
-    }
+    AlarmWatch::beepBurst(services_.systemBeep, alarmVolume_);
     if (mustSwitch) {
         services_.outputVolume.setDefaultOutputDevice(*usual);
     }
@@ -172,6 +205,7 @@ void AlarmSoundWorker::stopNow()
         return;
     }
     usingBeepFallback_ = false;
+    wasToneRestarted_ = false;
     isPlaying_ = false;
     volumeTimer_.reset();
     toneEngine_.stop();
@@ -179,7 +213,7 @@ void AlarmSoundWorker::stopNow()
     if (const auto state = std::exchange(savedOutputState_, std::nullopt)) {
         services_.outputVolume.restore(*state);
     }
-    services_.defaults.remove(savedStateKey);
+    quietly([this] { services_.defaults.remove(savedStateKey); });
     services_.journal.note("alarm.stopped", {});
 }
 
@@ -188,7 +222,7 @@ void AlarmSoundWorker::restoreNow()
     if (isPlaying_ || savedOutputState_) {
         return;
     }
-    const auto data = services_.defaults.data(savedStateKey);
+    const auto data = quietly([this] { return services_.defaults.data(savedStateKey); });
     if (!data) {
         return;
     }
@@ -197,7 +231,7 @@ void AlarmSoundWorker::restoreNow()
         return;
     }
     // First the key: a state that somehow ends the program must not do so at every launch.
-    services_.defaults.remove(savedStateKey);
+    quietly([this] { services_.defaults.remove(savedStateKey); });
     services_.outputVolume.restore(*state);
 }
 

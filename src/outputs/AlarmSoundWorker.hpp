@@ -1,5 +1,6 @@
 #pragma once
 
+#include "outputs/AlarmWatch.hpp"
 #include "outputs/MediaPlayback.hpp"
 #include "outputs/SavedOutputState.hpp"
 #include "outputs/SystemVolumeControl.hpp"
@@ -28,10 +29,12 @@ struct AlarmSoundServices {
 };
 
 /// Sounds the alarm on its own queue: it pauses music, takes the speaker over, plays the tone or, failing that, the
-/// system's beep, and keeps the volume up until it is stopped. Operations may be called on any thread.
+/// system's beep, and keeps the volume up until it is stopped. A call of the system that raises costs only what that
+/// call would have done; one that never comes back holds the queue, and the watch beeps instead. Operations may be
+/// called on any thread.
 class AlarmSoundWorker {
 public:
-    /// Called on the worker's queue with an English text, the key of its translation.
+    /// Called off the main thread with an English text, the key of its translation.
     using DegradedCallback = std::function<void(std::string_view message)>;
 
     AlarmSoundWorker(Scheduler& scheduler, const AlarmSoundServices& services, DegradedCallback onDegraded);
@@ -47,7 +50,8 @@ public:
     /// Stops it and puts the user's audio output back.
     void stop();
 
-    /// The same, and returns when it is done. Not from the worker's queue.
+    /// The same, and returns when it is done, or after two seconds if some call holds the queue: the next launch then
+    /// puts the output back. Not from the worker's queue.
     void stopAndWait();
 
     /// Puts the audio output back that a crash has left behind.
@@ -64,6 +68,8 @@ private:
     void startVolumeTimer();
     void noteStarted();
     void tick();
+    void keepToneRunning();
+    void fallBackToBeeps();
     void beepBurst();
     void stopNow();
     void restoreNow();
@@ -73,10 +79,12 @@ private:
     ToneEngine toneEngine_;
     std::unique_ptr<RepeatingTimer> volumeTimer_;
     bool usingBeepFallback_ = false;
+    bool wasToneRestarted_ = false; // at the last tick
     bool isPlaying_ = false;
     float alarmVolume_ = 0.8F;
     std::optional<SavedOutputState> savedOutputState_;
     std::optional<platform::AudioObjectId> alarmOutputDeviceID_;
+    AlarmWatch watch_;
     SerialQueue queue_; // last: dead before what its jobs use
 };
 

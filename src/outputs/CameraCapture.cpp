@@ -1,7 +1,5 @@
 #include "outputs/CameraCapture.hpp"
 
-#include "runtime/Semaphore.hpp"
-
 #include <memory>
 #include <utility>
 
@@ -9,23 +7,16 @@ namespace sentrel {
 
 namespace {
 
-/// An answer that comes on another thread, perhaps when nobody waits any more.
-template <class T> struct Answer {
-    T value{};
-    Semaphore given;
+using namespace std::chrono_literals;
 
-    void give(T answer)
-    {
-        value = std::move(answer);
-        given.signal();
-    }
-};
+/// Above all that a capture may take: 3 s of warm-up, three photos of at most 5 s and two pauses of 1.2 s.
+constexpr Duration longestCapture = 30s;
 
 } // namespace
 
 CameraCapture::CameraCapture(Scheduler& scheduler, platform::Camera& camera, platform::ImageCodec& codec,
                              platform::StandardOutput& output, platform::Journal& journal)
-    : camera_(camera), worker_(scheduler, camera, codec, output, journal)
+    : scheduler_(scheduler), journal_(journal), camera_(camera), worker_(scheduler, camera, codec, output, journal)
 {
 }
 
@@ -37,8 +28,8 @@ Async<bool> CameraCapture::requestAccess()
     }
     const auto answer = std::make_shared<Answer<bool>>();
     camera_.requestAccess(videoMediaType, [answer](bool granted) { answer->give(granted); });
-    co_await answer->given.wait();
-    co_return answer->value;
+    co_await answer->given().wait();
+    co_return answer->take();
 }
 
 void CameraCapture::capture(CaptureWorker::Completion completion)
@@ -48,10 +39,19 @@ void CameraCapture::capture(CaptureWorker::Completion completion)
 
 Async<std::optional<Bytes>> CameraCapture::capturePhoto()
 {
-    const auto answer = std::make_shared<Answer<std::optional<Bytes>>>();
+    if (overdue_ && !overdue_->isGiven()) {
+        journal_.note("photo.none", {{"why", "the camera hangs"}});
+        co_return std::nullopt;
+    }
+    const auto answer = std::make_shared<PhotoAnswer>();
     capture([answer](std::optional<Bytes> jpeg) { answer->give(std::move(jpeg)); });
-    co_await answer->given.wait();
-    co_return std::move(answer->value);
+    const bool isInTime = co_await answer->given().waitUntil(scheduler_.now() + longestCapture);
+    if (!isInTime) {
+        overdue_ = answer;
+        journal_.note("photo.none", {{"why", "the camera hangs"}});
+        co_return std::nullopt;
+    }
+    co_return answer->take();
 }
 
 } // namespace sentrel

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "outputs/CaptureWorker.hpp"
+#include "runtime/Answer.hpp"
 
 namespace sentrel {
 
@@ -17,11 +18,18 @@ public:
     /// Takes one photo. The completion is called once, on the worker's queue, with a JPEG or without data.
     void capture(CaptureWorker::Completion completion);
 
-    /// The same as an awaitable call. A task that is cancelled meanwhile ends the wait, not the capture.
+    /// The same as an awaitable call, but for at most 30 seconds: a camera system that hangs costs the photo, not the
+    /// alert. A photo that comes later is dropped. As long as the worker still owes one, further calls give none at
+    /// once. A task that is cancelled meanwhile ends the wait, not the capture.
     Async<std::optional<Bytes>> capturePhoto();
 
 private:
+    using PhotoAnswer = Answer<std::optional<Bytes>>;
+
+    Scheduler& scheduler_;
+    platform::Journal& journal_;
     platform::Camera& camera_;
+    std::shared_ptr<PhotoAnswer> overdue_; // the one that missed its deadline; the worker takes one at a time
     CaptureWorker worker_;
 };
 

@@ -1,5 +1,6 @@
 #include "outputs/CaptureWorker.hpp"
 
+#include "foundation/Quietly.hpp"
 #include "outputs/PhotoProcessing.hpp"
 #include "runtime/Detached.hpp"
 #include "runtime/Semaphore.hpp"
@@ -55,7 +56,16 @@ void CaptureWorker::capture(Completion completion)
 
 Async<void> CaptureWorker::runCapture(Completion completion)
 {
-    auto shot = co_await takeKeptPhoto();
+    Shot shot;
+    try {
+        shot = co_await takeKeptPhoto();
+    } catch (...) {
+        shot.failure = "raised";
+    }
+    // Also without a photo, or the camera would stay on until the next capture.
+    if (session_) {
+        scheduleShutdown();
+    }
     if (!shot.photo) {
         journal_.note("photo.none", {{"why", shot.failure}});
         completion(std::nullopt);
@@ -63,7 +73,6 @@ Async<void> CaptureWorker::runCapture(Completion completion)
     }
     auto jpeg = reencodedPhoto(codec_, *std::move(shot.photo));
     noteTaken(jpeg, shot.attempts);
-    scheduleShutdown();
     completion(std::move(jpeg));
 }
 
@@ -81,8 +90,6 @@ Async<CaptureWorker::Shot> CaptureWorker::takeKeptPhoto()
     }
     kept = co_await takePhoto();
     if (!kept.photo) {
-        // The session runs: without this the camera would stay on until the next capture.
-        scheduleShutdown();
         co_return kept;
     }
     kept.attempts = 1;
@@ -103,7 +110,7 @@ Async<std::string_view> CaptureWorker::ensureSession()
     if (shutdownWorkItem_) {
         std::exchange(shutdownWorkItem_, nullptr)->cancel();
     }
-    if (session_ && session_->isRunning()) {
+    if (session_ && quietly([this] { return session_->isRunning(); })) {
         co_return std::string_view{};
     }
     const auto device = chooseCamera();
@@ -156,14 +163,20 @@ Async<void> CaptureWorker::warmUp(std::shared_ptr<platform::CaptureDevice> devic
 {
     const Instant deadline = scheduler_.now() + warmUpAtMost;
     co_await sleepFor(warmUpAtLeast);
-    while ((device->isAdjustingExposure() || device->isAdjustingWhiteBalance()) && scheduler_.now() < deadline) {
+    const auto isAdjusting = [&device] { return device->isAdjustingExposure() || device->isAdjustingWhiteBalance(); };
+    while (quietly(isAdjusting) && scheduler_.now() < deadline) {
         co_await sleepFor(warmUpPoll);
     }
 }
 
 Async<CaptureWorker::Shot> CaptureWorker::takePhoto()
 {
-    const auto settings = camera_.makePhotoSettings();
+    Shot shot;
+    const auto settings = quietly([this] { return camera_.makePhotoSettings(); });
+    if (!settings) {
+        shot.failure = "no settings";
+        co_return shot;
+    }
     const auto id = settings->uniqueId();
     const auto box = std::make_shared<ResultBox>();
     const auto delegate = makeDelegate(id, box);
@@ -171,18 +184,31 @@ Async<CaptureWorker::Shot> CaptureWorker::takePhoto()
         const std::lock_guard guard{inFlight_->delegateLock};
         inFlight_->delegates[id] = delegate;
     }
-    output_->capturePhoto(*settings, delegate);
+    if (!ask(*settings, delegate)) {
+        const std::lock_guard guard{inFlight_->delegateLock};
+        inFlight_->delegates.erase(id);
+        shot.failure = "photo raised";
+        co_return shot;
+    }
 
     const bool arrived = co_await box->arrived.waitUntil(scheduler_.now() + photoTimeout);
     if (!arrived) {
         // A late callback must still find its delegate; one that never comes must not keep it for ever.
         detached(scheduler_, QualityOfService::standard, forgetLater(inFlight_, id));
     }
-    Shot shot;
     const std::lock_guard guard{inFlight_->delegateLock};
     shot.photo = std::move(box->photo);
     shot.failure = arrived ? "photo failed" : "timed out";
     co_return shot;
+}
+
+/// False when the output raises, as it does once it has lost its camera.
+bool CaptureWorker::ask(const platform::PhotoSettings& settings, const std::shared_ptr<PhotoCaptureDelegate>& delegate)
+{
+    return quietly([&] {
+        output_->capturePhoto(settings, delegate);
+        return true;
+    });
 }
 
 std::shared_ptr<PhotoCaptureDelegate> CaptureWorker::makeDelegate(std::int64_t id, std::shared_ptr<ResultBox> box)
@@ -223,8 +249,12 @@ void CaptureWorker::scheduleShutdown()
 
 void CaptureWorker::shutDown()
 {
-    if (session_ && session_->isRunning()) {
-        session_->stopRunning();
+    if (session_) {
+        quietly([this] {
+            if (session_->isRunning()) {
+                session_->stopRunning();
+            }
+        });
     }
     session_.reset();
     output_.reset();
@@ -234,7 +264,7 @@ void CaptureWorker::shutDown()
 void CaptureWorker::noteTaken(const Bytes& jpeg, int attempts)
 {
     using Value = platform::Journal::Value;
-    const auto size = codec_.pixelSize(jpeg);
+    const auto size = quietly([&] { return codec_.pixelSize(jpeg); });
     const auto known = [&](std::uint32_t pixels) { return size ? Value{std::int64_t{pixels}} : Value{}; };
     journal_.note("photo.taken", {{"bytes", static_cast<std::int64_t>(jpeg.size())},
                                   {"width", known(size ? size->width : 0)},

@@ -35,7 +35,8 @@ public:
     CaptureWorker(const CaptureWorker&) = delete;
     CaptureWorker& operator=(const CaptureWorker&) = delete;
 
-    /// Enqueues a capture. The completion is called once, on the queue, without data after any failure. Any thread.
+    /// Enqueues a capture. The completion is called once, on the queue, without data after any failure, also one that
+    /// is raised. Any thread.
     void capture(Completion completion);
 
 private:
@@ -65,6 +66,8 @@ private:
     [[nodiscard]] std::string_view buildSession(const platform::CaptureDevice& device);
     Async<void> warmUp(std::shared_ptr<platform::CaptureDevice> device);
     Async<Shot> takePhoto();
+    [[nodiscard]] bool ask(const platform::PhotoSettings& settings,
+                           const std::shared_ptr<PhotoCaptureDelegate>& delegate);
     [[nodiscard]] std::shared_ptr<PhotoCaptureDelegate> makeDelegate(std::int64_t id, std::shared_ptr<ResultBox> box);
     static Async<void> forgetLater(std::weak_ptr<InFlight> weakInFlight, std::int64_t id);
     void scheduleShutdown();

@@ -1,9 +1,11 @@
 #include "outputs/MediaPlayback.hpp"
 
+#include "foundation/Quietly.hpp"
 #include "platform/SystemConstants.hpp"
 #include "runtime/Detached.hpp"
 #include "runtime/Semaphore.hpp"
 
+#include <atomic>
 #include <memory>
 #include <optional>
 #include <utility>
@@ -15,6 +17,7 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr Duration longestWait = 500ms;
+constexpr std::int32_t noError = 0;
 
 constexpr std::uint32_t keyDown = 0x0A; // in bits 8 to 15 of the flags and of the data
 constexpr std::uint32_t keyUp = 0x0B;
@@ -22,6 +25,15 @@ constexpr std::uint32_t keyUp = 0x0B;
 const std::vector<MediaPlayer>& knownPlayers()
 {
     static const std::vector<MediaPlayer> players{{"com.apple.Music", "Music"}};
+    return players;
+}
+
+std::vector<MediaPlayer> runningPlayers(platform::RunningApplications& applications)
+{
+    auto players = knownPlayers();
+    std::erase_if(players, [&applications](const MediaPlayer& player) {
+        return !applications.isInstalled(player.bundleIdentifier) || !applications.isRunning(player.bundleIdentifier);
+    });
     return players;
 }
 
@@ -58,25 +70,26 @@ MediaPlayback::MediaPlayback(MainActor mainActor, platform::RunningApplications&
 
 std::vector<MediaPlayer> MediaPlayback::listRunningPlayers() const
 {
-    auto players = knownPlayers();
-    std::erase_if(players, [this](const MediaPlayer& player) {
-        return !applications_.isInstalled(player.bundleIdentifier) || !applications_.isRunning(player.bundleIdentifier);
-    });
-    return players;
+    return runningPlayers(applications_);
+}
+
+MediaPlayback::Helpers MediaPlayback::helpers() const
+{
+    return {mainActor_, applications_, automation_, anchor_.weak()};
 }
 
 Async<void> MediaPlayback::requestAutomationConsent()
 {
-    return askForConsent(mainActor_, automation_, anchor_.weak(), listRunningPlayers());
+    return askForConsent(helpers());
 }
 
-Async<void> MediaPlayback::askForConsent(MainActor mainActor, platform::Automation& automation,
-                                         Weak<MediaPlayback> weak, std::vector<MediaPlayer> players)
+Async<void> MediaPlayback::askForConsent(Helpers with)
 {
+    const auto players = runningPlayers(with.applications);
     for (const MediaPlayer& player : players) {
         // The answer isn't needed: what counts is that the user has been asked.
-        co_await determinePermission(automation, player.bundleIdentifier, true);
-        mainActor.spawn(runPlayingTest(weak, player));
+        co_await determinePermission(with.automation, player.bundleIdentifier, true);
+        with.mainActor.spawn(runPlayingTest(with.weak, player));
     }
 }
 
@@ -92,32 +105,68 @@ Async<void> MediaPlayback::runPlayingTest(Weak<MediaPlayback> weak, MediaPlayer 
 
 void MediaPlayback::pause(MediaPlayer player, std::function<void()> completion)
 {
-    const std::lock_guard guard{tasksLock_};
-    tasks_.add(mainActor_.spawn(pauseOnMain(std::move(player), std::move(completion))));
+    detached(mainActor_.scheduler(), QualityOfService::userInteractive,
+             testAndPause(helpers(), std::move(player), std::move(completion)));
 }
 
-Async<void> MediaPlayback::pauseOnMain(MediaPlayer player, std::function<void()> completion)
+/// The permission test takes as long as the system likes, and so runs off the main thread; the rest runs there.
+Async<void> MediaPlayback::testAndPause(Helpers with, MediaPlayer player, Completion completion)
 {
-    const bool isPaused = co_await runPauseScript(player);
-    if (!isPaused) {
-        const bool stillPlays = co_await isPlaying(player);
-        if (stillPlays) {
-            pressPlayPauseKey();
+    bool isPermitted = false;
+    try {
+        const auto status = co_await determinePermission(with.automation, player.bundleIdentifier, false);
+        isPermitted = status && *status == noError;
+    } catch (...) {
+        // Raised: as good as refused.
+    }
+    with.mainActor.spawn(pauseIfAlive(with.weak, std::move(player), isPermitted, std::move(completion)));
+}
+
+Async<void> MediaPlayback::pauseIfAlive(Weak<MediaPlayback> weak, MediaPlayer player, bool isPermitted,
+                                        Completion completion)
+{
+    if (MediaPlayback* const self = weak.get()) {
+        self->tasks_.add(
+            self->mainActor_.spawn(self->pauseOnMain(std::move(player), isPermitted, std::move(completion))));
+    }
+    co_return;
+}
+
+Async<void> MediaPlayback::pauseOnMain(MediaPlayer player, bool isPermitted, Completion completion)
+{
+    bool isPaused = false;
+    try {
+        isPaused = co_await runPauseScript(player, isPermitted);
+    } catch (...) {
+        // Raised: as good as failed.
+    }
+    try {
+        if (!isPaused) {
+            co_await pressKeyIfPlaying(player);
         }
+    } catch (...) {
+        // The attempt is over all the same.
     }
     if (completion) {
         completion();
     }
 }
 
-Async<bool> MediaPlayback::runPauseScript(MediaPlayer player)
+Async<bool> MediaPlayback::runPauseScript(MediaPlayer player, bool isPermitted)
 {
-    const bool permitted = co_await isPermitted(player.bundleIdentifier);
-    if (!permitted) {
+    if (!isPermitted) {
         co_return false;
     }
     const auto result = co_await automation_.runScript(pauseScript(player));
     co_return result.has_value();
+}
+
+Async<void> MediaPlayback::pressKeyIfPlaying(MediaPlayer player)
+{
+    const bool stillPlays = co_await isPlaying(std::move(player));
+    if (stillPlays) {
+        pressPlayPauseKey();
+    }
 }
 
 Async<bool> MediaPlayback::isPlaying(MediaPlayer player)
@@ -139,7 +188,7 @@ Async<bool> MediaPlayback::isPermitted(std::string bundleIdentifier)
     const auto test = detached(mainActor_.scheduler(), QualityOfService::userInteractive,
                                determinePermission(automation_, std::move(bundleIdentifier), false));
     const auto status = co_await test;
-    co_return status && *status == 0;
+    co_return status && *status == noError;
 }
 
 void MediaPlayback::pressPlayPauseKey()
@@ -148,24 +197,39 @@ void MediaPlayback::pressPlayPauseKey()
     eventPosting_.postSystemDefined(playPauseEvent(keyUp), platform::hidEventTap);
 }
 
+void MediaPlayback::pauseAll()
+{
+    detached(mainActor_.scheduler(), QualityOfService::userInteractive, pauseEach(helpers(), nullptr));
+}
+
 Async<void> MediaPlayback::pauseAllAndWait()
 {
-    const auto players = listRunningPlayers();
-    if (players.empty()) {
-        co_return;
-    }
     // Shared: a pause may outlast the wait for it.
     const auto finished = std::make_shared<Semaphore>();
+    // Listing the players happens elsewhere, too: a launch service that hangs must not hold up the alarm.
+    detached(mainActor_.scheduler(), QualityOfService::userInteractive,
+             pauseEach(helpers(), [finished] { finished->signal(); }));
+    co_await finished->waitUntil(mainActor_.scheduler().now() + longestWait);
+}
+
+/// Starts a pause for each running player; tells when the last is over, at once if there is none.
+Async<void> MediaPlayback::pauseEach(Helpers with, Completion allOver)
+{
+    const auto players = quietly([&with] { return runningPlayers(with.applications); });
+    if (players.empty() && allOver) {
+        allOver();
+    }
+    const auto left = std::make_shared<std::atomic<std::size_t>>(players.size());
     for (const MediaPlayer& player : players) {
-        pause(player, [finished] { finished->signal(); });
+        Completion isOver = [left, allOver] {
+            if (left->fetch_sub(1) == 1 && allOver) {
+                allOver();
+            }
+        };
+        detached(with.mainActor.scheduler(), QualityOfService::userInteractive,
+                 testAndPause(with, player, std::move(isOver)));
     }
-    const Instant deadline = mainActor_.scheduler().now() + longestWait;
-    for (std::size_t i = 0; i < players.size(); ++i) {
-        const bool isOver = co_await finished->waitUntil(deadline);
-        if (!isOver) {
-            break;
-        }
-    }
+    co_return;
 }
 
 } // namespace sentrel

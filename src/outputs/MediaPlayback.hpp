@@ -5,7 +5,6 @@
 #include "runtime/Weak.hpp"
 
 #include <functional>
-#include <mutex>
 #include <string>
 #include <vector>
 
@@ -36,18 +35,36 @@ public:
     /// over; never, when this object dies before. Any thread.
     void pause(MediaPlayer player, std::function<void()> completion = nullptr);
 
-    /// Pauses all running players and waits for them at most 500 ms in all. Awaited off the main actor.
+    /// Starts pausing all running players and returns at once. Any thread.
+    void pauseAll();
+
+    /// The same, and waits for them at most 500 ms in all, also for their listing. Awaited off the main actor.
     [[nodiscard]] Async<void> pauseAllAndWait();
 
     /// Whether the player runs, may be asked and says that it plays. Main actor.
     [[nodiscard]] Async<bool> isPlaying(MediaPlayer player);
 
 private:
-    static Async<void> askForConsent(MainActor mainActor, platform::Automation& automation, Weak<MediaPlayback> weak,
-                                     std::vector<MediaPlayer> players);
+    using Completion = std::function<void()>;
+
+    /// What coroutines off the main thread work with: the ports outlive this object, and the handle knows of its end.
+    struct Helpers {
+        MainActor mainActor;
+        platform::RunningApplications& applications;
+        platform::Automation& automation;
+        Weak<MediaPlayback> weak;
+    };
+
+    [[nodiscard]] Helpers helpers() const;
+    static Async<void> askForConsent(Helpers with);
     static Async<void> runPlayingTest(Weak<MediaPlayback> weak, MediaPlayer player);
-    Async<void> pauseOnMain(MediaPlayer player, std::function<void()> completion);
-    Async<bool> runPauseScript(MediaPlayer player);
+    static Async<void> pauseEach(Helpers with, Completion allOver);
+    static Async<void> testAndPause(Helpers with, MediaPlayer player, Completion completion);
+    static Async<void> pauseIfAlive(Weak<MediaPlayback> weak, MediaPlayer player, bool isPermitted,
+                                    Completion completion);
+    Async<void> pauseOnMain(MediaPlayer player, bool isPermitted, Completion completion);
+    Async<bool> runPauseScript(MediaPlayer player, bool isPermitted);
+    Async<void> pressKeyIfPlaying(MediaPlayer player);
     Async<bool> isPermitted(std::string bundleIdentifier);
     void pressPlayPauseKey();
 
@@ -56,8 +73,7 @@ private:
     platform::Automation& automation_;
     platform::EventPosting& eventPosting_;
     WeakAnchor<MediaPlayback> anchor_{*this};
-    std::mutex tasksLock_;
-    TaskBag tasks_; // of pauses under way; under the lock
+    TaskBag tasks_; // of pauses under way
 };
 
 } // namespace sentrel

@@ -1,5 +1,7 @@
 #include "outputs/PhotoCaptureDelegate.hpp"
 
+#include "foundation/Quietly.hpp"
+
 #include <utility>
 
 namespace sentrel {
@@ -13,11 +15,11 @@ void PhotoCaptureDelegate::didFinishProcessingPhoto(const platform::CapturedPhot
                                                     std::optional<std::string> error)
 {
     if (error) {
-        output_.printLine("Photo capture error: " + *error);
+        quietly([&] { output_.printLine("Photo capture error: " + *error); });
         completion_(std::nullopt);
         return;
     }
-    completion_(photo.fileDataRepresentation());
+    completion_(quietly([&photo] { return photo.fileDataRepresentation(); }));
 }
 
 } // namespace sentrel

@@ -1,5 +1,7 @@
 #include "outputs/PhotoProcessing.hpp"
 
+#include "foundation/Quietly.hpp"
+
 #include <cstdint>
 #include <utility>
 
@@ -20,7 +22,7 @@ constexpr auto jpegType = "public.jpeg";
 
 double photoBrightness(platform::ImageCodec& codec, BytesView photo)
 {
-    const auto average = codec.areaAverage(photo);
+    const auto average = quietly([&] { return codec.areaAverage(photo); });
     if (!average) {
         return 1.0;
     }
@@ -31,11 +33,11 @@ double photoBrightness(platform::ImageCodec& codec, BytesView photo)
 Bytes reencodedPhoto(platform::ImageCodec& codec, Bytes photo)
 {
     constexpr bool upright = true;
-    const auto thumbnail = codec.createThumbnail(photo, alertPhotoMaxPixelSize, upright);
+    const auto thumbnail = quietly([&] { return codec.createThumbnail(photo, alertPhotoMaxPixelSize, upright); });
     if (!thumbnail) {
         return photo;
     }
-    auto encoded = codec.encode(*thumbnail, jpegType, alertPhotoQuality);
+    auto encoded = quietly([&] { return codec.encode(*thumbnail, jpegType, alertPhotoQuality); });
     if (!encoded || encoded->size() >= photo.size()) {
         return photo;
     }

@@ -1,5 +1,6 @@
 #include "outputs/SystemVolumeControl.hpp"
 
+#include "foundation/Quietly.hpp"
 #include "platform/AudioConstants.hpp"
 
 #include <algorithm>
@@ -34,7 +35,7 @@ constexpr const char* speakerNameMark = "Speaker";
 
 std::optional<AudioObjectId> SystemVolumeControl::findBuiltInSpeaker() const
 {
-    auto candidates = hardware_.readObjectList(systemObject, devices);
+    auto candidates = quietly([&] { return hardware_.readObjectList(systemObject, devices); });
     if (!candidates) {
         return std::nullopt;
     }
@@ -49,32 +50,32 @@ std::optional<AudioObjectId> SystemVolumeControl::findBuiltInSpeaker() const
 
 bool SystemVolumeControl::isBuiltInOutput(AudioObjectId device) const
 {
-    const auto channels = hardware_.readBufferChannels(device, streamConfiguration);
+    const auto channels = quietly([&] { return hardware_.readBufferChannels(device, streamConfiguration); });
     if (!channels || std::all_of(channels->begin(), channels->end(), [](std::uint32_t count) { return count == 0; })) {
         return false;
     }
-    return hardware_.readUInt32(device, transportType) == builtInTransport;
+    return quietly([&] { return hardware_.readUInt32(device, transportType); }) == builtInTransport;
 }
 
 bool SystemVolumeControl::callsItselfSpeaker(AudioObjectId device) const
 {
-    const auto uid = hardware_.readText(device, deviceUID).value_or("");
-    if (language_.containsIgnoringCase(uid, speakerUIDMark)) {
+    const auto uid = quietly([&] { return hardware_.readText(device, deviceUID); }).value_or("");
+    if (quietly([&] { return language_.containsIgnoringCase(uid, speakerUIDMark); })) {
         return true;
     }
-    const auto name = hardware_.readText(device, deviceName).value_or("");
-    return language_.containsIgnoringCase(name, speakerNameMark);
+    const auto name = quietly([&] { return hardware_.readText(device, deviceName); }).value_or("");
+    return quietly([&] { return language_.containsIgnoringCase(name, speakerNameMark); });
 }
 
 std::optional<AudioObjectId> SystemVolumeControl::defaultOutputDevice() const
 {
-    const auto device = hardware_.readUInt32(systemObject, defaultOutput);
+    const auto device = quietly([&] { return hardware_.readUInt32(systemObject, defaultOutput); });
     return device != unknownObject ? device : std::nullopt;
 }
 
 void SystemVolumeControl::setDefaultOutputDevice(AudioObjectId device) const
 {
-    hardware_.writeUInt32(systemObject, defaultOutput, device);
+    quietly([&] { return hardware_.writeUInt32(systemObject, defaultOutput, device); });
 }
 
 std::optional<float> SystemVolumeControl::volume(AudioObjectId device) const
@@ -82,8 +83,8 @@ std::optional<float> SystemVolumeControl::volume(AudioObjectId device) const
     for (const std::uint32_t selector : volumeSelectors) {
         for (const std::uint32_t element : outputElements) {
             const AudioPropertyAddress address{selector, outputScope, element};
-            if (hardware_.hasProperty(device, address)) {
-                return hardware_.readFloat32(device, address);
+            if (quietly([&] { return hardware_.hasProperty(device, address); })) {
+                return quietly([&] { return hardware_.readFloat32(device, address); });
             }
         }
     }
@@ -94,7 +95,8 @@ bool SystemVolumeControl::isMuted(AudioObjectId device) const
 {
     return std::ranges::any_of(outputElements, [&](std::uint32_t element) {
         const AudioPropertyAddress address{muteSelector, outputScope, element};
-        return hardware_.hasProperty(device, address) && hardware_.readUInt32(device, address).value_or(0) != 0;
+        return quietly([&] { return hardware_.hasProperty(device, address); }) &&
+               quietly([&] { return hardware_.readUInt32(device, address); }).value_or(0) != 0;
     });
 }
 
@@ -102,8 +104,8 @@ void SystemVolumeControl::writeMute(AudioObjectId device, std::uint32_t value) c
 {
     for (const std::uint32_t element : outputElements) {
         const AudioPropertyAddress address{muteSelector, outputScope, element};
-        if (hardware_.hasProperty(device, address)) {
-            hardware_.writeUInt32(device, address, value);
+        if (quietly([&] { return hardware_.hasProperty(device, address); })) {
+            quietly([&] { return hardware_.writeUInt32(device, address, value); });
         }
     }
 }
@@ -116,8 +118,8 @@ void SystemVolumeControl::enforce(AudioObjectId device, float volume) const
     for (const std::uint32_t selector : volumeSelectors) {
         for (const std::uint32_t element : outputElements) {
             const AudioPropertyAddress address{selector, outputScope, element};
-            if (hardware_.hasProperty(device, address)) {
-                hardware_.writeFloat32(device, address, bounded);
+            if (quietly([&] { return hardware_.hasProperty(device, address); })) {
+                quietly([&] { return hardware_.writeFloat32(device, address, bounded); });
             }
         }
     }

@@ -10,8 +10,8 @@
 namespace sentrel {
 
 /// Lets the alarm use the built-in speaker at its own volume, whatever the user has chosen, and puts everything back.
-/// It keeps no state and reports no errors: what a device doesn't have or refuses is passed over. Any thread; the calls
-/// may take as long as the audio system does.
+/// It keeps no state and reports no errors: what a device doesn't have, refuses or raises is passed over. Any thread;
+/// the calls may take as long as the audio system does.
 class SystemVolumeControl {
 public:
     SystemVolumeControl(platform::AudioHardware& hardware, platform::Language& language)

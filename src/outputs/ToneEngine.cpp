@@ -1,5 +1,6 @@
 #include "outputs/ToneEngine.hpp"
 
+#include "foundation/Quietly.hpp"
 #include "outputs/ToneBuffer.hpp"
 #include "platform/AudioConstants.hpp"
 
@@ -30,6 +31,15 @@ std::unique_ptr<platform::AudioBuffer> makeTone(platform::AudioEngine& engine, c
 bool ToneEngine::start(platform::AudioObjectId device, float alarmVolume)
 {
     stop();
+    const bool isStarted = quietly([&] { return startNow(device, alarmVolume); });
+    if (!isStarted) {
+        stop();
+    }
+    return isStarted;
+}
+
+bool ToneEngine::startNow(platform::AudioObjectId device, float alarmVolume)
+{
     engine_ = engines_.makeEngine();
     if (engine_ == nullptr) {
         return false;
@@ -49,10 +59,15 @@ bool ToneEngine::start(platform::AudioObjectId device, float alarmVolume)
     return engine_->play();
 }
 
+bool ToneEngine::isRunning()
+{
+    return engine_ != nullptr && quietly([this] { return engine_->isRunning(); });
+}
+
 void ToneEngine::stop()
 {
     if (engine_ != nullptr) {
-        engine_->stop();
+        quietly([this] { engine_->stop(); });
         engine_.reset();
     }
 }

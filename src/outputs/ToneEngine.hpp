@@ -13,13 +13,18 @@ public:
     explicit ToneEngine(platform::AudioEngines& engines) : engines_(engines) {}
     ToneEngine(const ToneEngine&) = delete;
 
-    /// Starts the tone anew on the device at an alarm volume of 0 to 1. False when some step of it fails.
+    /// Starts the tone anew on the device at an alarm volume of 0 to 1. False when some step of it fails or raises.
     [[nodiscard]] bool start(platform::AudioObjectId device, float alarmVolume);
+
+    /// False when the tone was never started or has stopped by itself.
+    [[nodiscard]] bool isRunning();
 
     /// Stops the tone. Safe when it doesn't play.
     void stop();
 
 private:
+    [[nodiscard]] bool startNow(platform::AudioObjectId device, float alarmVolume);
+
     platform::AudioEngines& engines_;
     std::unique_ptr<platform::AudioEngine> engine_;
 };

@@ -50,6 +50,9 @@ public:
 
     /// Lets the player play; false when the system refuses, as it does once the engine has lost its device.
     [[nodiscard]] virtual bool play() = 0;
+
+    /// False once the engine has stopped, also by itself: the system stops it when its output changes format or goes.
+    [[nodiscard]] virtual bool isRunning() = 0;
     virtual void stop() = 0;
 };
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "foundation/Quietly.hpp"
+
 #include <cstdint>
 #include <initializer_list>
 #include <string_view>
@@ -18,7 +20,14 @@ public:
     using Field = std::pair<std::string_view, Value>;
 
     /// Notes an event, for example `alert.saved`, with its fields in order. The views are used during the call only.
-    virtual void note(std::string_view event, std::initializer_list<Field> fields) = 0;
+    /// An event that the log can't take is lost: no caller has to reckon with a failure.
+    void note(std::string_view event, std::initializer_list<Field> fields) noexcept
+    {
+        quietly([&] { write(event, fields); });
+    }
+
+private:
+    virtual void write(std::string_view event, std::initializer_list<Field> fields) = 0;
 };
 
 } // namespace sentrel::platform

@@ -3,6 +3,7 @@
 #include "runtime/Detached.hpp"
 #include "runtime/Latch.hpp"
 #include "runtime/Task.hpp"
+#include "runtime/TimedLatch.hpp"
 
 #include <atomic>
 #include <functional>
@@ -51,6 +52,18 @@ public:
             latch.open();
         });
         scheduler_.blockUntil(latch);
+    }
+
+    /// The same, but waits no longer than `longest`; false when the function had not run by then. It runs all the same
+    /// when its turn comes.
+    template <class Function> bool syncWithin(Duration longest, Function function)
+    {
+        const auto opening = std::make_shared<TimedLatch>();
+        async([opening, function = std::move(function)]() mutable noexcept {
+            function();
+            opening->finish();
+        });
+        return opening->waitFor(scheduler_, longest);
     }
 
     /// Waits for the code that is running on the queue; nothing runs on it afterwards, and its end drops what waits.

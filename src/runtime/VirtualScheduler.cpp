@@ -14,8 +14,8 @@ class VirtualExecutor final : public Executor {
 public:
     enum class Kind { main, serial, concurrent };
 
-    VirtualExecutor(VirtualClock& clock, const bool& isAsleep, Kind kind)
-        : clock_(clock), isAsleep_(isAsleep), kind_(kind)
+    VirtualExecutor(VirtualClock& clock, const VirtualScheduler& scheduler, Kind kind)
+        : clock_(clock), scheduler_(scheduler), kind_(kind)
     {
         clock_.add(*this);
     }
@@ -43,16 +43,18 @@ public:
     /// The job that may run next, or null.
     [[nodiscard]] const Job* runnable() const
     {
-        return isBlocked_ || isStopped_ || isAsleep_ ? nullptr : jobs_.first();
+        return isBlocked_ || isStopped_ || scheduler_.isAsleep() ? nullptr : jobs_.first();
     }
     [[nodiscard]] Job& take() { return *jobs_.popFirst(); }
+
+    [[nodiscard]] bool isOf(const VirtualScheduler& scheduler) const { return &scheduler_ == &scheduler; }
 
     /// A thread that blocks takes its serial executor with it; a concurrent one has other threads.
     void setBlocked(bool blocked) { isBlocked_ = blocked && kind_ != Kind::concurrent; }
 
 private:
     VirtualClock& clock_;
-    const bool& isAsleep_;
+    const VirtualScheduler& scheduler_;
     const Kind kind_;
     bool isBlocked_ = false;
     bool isStopped_ = false;
@@ -101,7 +103,12 @@ bool VirtualClock::runNextJob()
     }
     ++turns_;
     const CurrentScope scope{*this, next};
-    next->take().run();
+    Job& job = next->take();
+    if (runner_ == nullptr) {
+        job.run();
+    } else if (!runner_->run(job)) {
+        next->setBlocked(true);
+    }
     return true;
 }
 
@@ -165,8 +172,8 @@ void VirtualClock::blockUntil(Latch& latch)
 
 VirtualScheduler::VirtualScheduler(VirtualClock& clock)
     : clock_(clock),
-      main_(std::make_unique<VirtualExecutor>(clock, isAsleep_, VirtualExecutor::Kind::main)),
-      global_(std::make_unique<VirtualExecutor>(clock, isAsleep_, VirtualExecutor::Kind::concurrent))
+      main_(std::make_unique<VirtualExecutor>(clock, *this, VirtualExecutor::Kind::main)),
+      global_(std::make_unique<VirtualExecutor>(clock, *this, VirtualExecutor::Kind::concurrent))
 {
 }
 
@@ -177,8 +184,14 @@ VirtualScheduler::~VirtualScheduler()
     tasks().endAll();
 }
 
+bool VirtualScheduler::isCurrent() const
+{
+    return clock_.current_ != nullptr && clock_.current_->isOf(*this);
+}
+
 void VirtualScheduler::endProcess()
 {
+    main_->setBlocked(false);
     tasks().endAll();
     main_->dropJobs();
     global_->dropJobs();
@@ -197,7 +210,7 @@ Executor& VirtualScheduler::globalExecutor(QualityOfService /*qualityOfService*/
 std::unique_ptr<Executor> VirtualScheduler::makeSerialExecutor(const std::string& /*label*/,
                                                                QualityOfService /*qualityOfService*/)
 {
-    return std::make_unique<VirtualExecutor>(clock_, isAsleep_, VirtualExecutor::Kind::serial);
+    return std::make_unique<VirtualExecutor>(clock_, *this, VirtualExecutor::Kind::serial);
 }
 
 void VirtualScheduler::startTimer(Timer& timer, Instant deadline)

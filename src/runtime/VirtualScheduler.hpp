@@ -11,6 +11,17 @@ namespace sentrel {
 
 class VirtualExecutor;
 
+/// Runs the jobs of a virtual clock in its own way.
+class JobRunner {
+public:
+    /// Runs the job. False when the job never comes to its end: its executor stands still from then on, and the clock
+    /// goes on without it.
+    virtual bool run(Job& job) = 0;
+
+protected:
+    ~JobRunner() = default;
+};
+
 /// One virtual clock and everything that runs by it: one thread, a fixed order, and a clock that jumps to the next
 /// deadline when nothing is runnable. Several schedulers (two machines; a machine and its hardware) may share it.
 class VirtualClock {
@@ -37,6 +48,9 @@ public:
     /// When the next timer is due; none when none is armed.
     [[nodiscard]] std::optional<Instant> nextDeadline() const { return timers_.earliest(); }
 
+    /// Lets the runner run all later jobs; null lets the clock run them itself. The runner outlives its use.
+    void setJobRunner(JobRunner* runner) { runner_ = runner; }
+
     /// How many jobs have run so far.
     [[nodiscard]] std::uint64_t turns() const { return turns_; }
 
@@ -60,6 +74,7 @@ private:
     TimerHeap timers_;
     std::vector<VirtualExecutor*> executors_;
     VirtualExecutor* current_ = nullptr;
+    JobRunner* runner_ = nullptr;
 };
 
 /// The scheduler of one machine (or of its hardware) on a virtual clock. Everything happens on the thread that moves
@@ -83,6 +98,9 @@ public:
     /// While the machine sleeps none of its jobs run; time goes on. What fell due is run on waking.
     void setAsleep(bool asleep) { isAsleep_ = asleep; }
     [[nodiscard]] bool isAsleep() const { return isAsleep_; }
+
+    /// True when the calling code runs in a job of this scheduler.
+    [[nodiscard]] bool isCurrent() const;
 
     /// The process that runs here has died: its tasks end where they wait and its jobs are dropped. Its objects are
     /// destroyed before this.

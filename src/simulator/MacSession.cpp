@@ -42,6 +42,7 @@ MacSession::MacSession(const simulated::MacDescription& description, std::filesy
               .cloudServer = cloudServer_,
               .seed = seed,
               .date = date,
+              .hanging = &hanging_,
           },
           description)
 {
@@ -110,6 +111,7 @@ void MacSession::processHasEnded()
 
 void MacSession::endProcess()
 {
+    hanging_.end();
     app_.reset();
     process_.endProcess();
     process_.setAsleep(isAsleep_);

@@ -2,6 +2,7 @@
 
 #include "app/SentrelApp.hpp"
 #include "platform/simulated/EventLog.hpp"
+#include "platform/simulated/HangingCalls.hpp"
 #include "platform/simulated/SimulatedMac.hpp"
 #include "platform/simulated/icloud/CompanionPhone.hpp"
 #include "platform/simulated/icloud/PrivateCloud.hpp"
@@ -104,6 +105,7 @@ private:
     VirtualClock clock_;
     VirtualScheduler process_{clock_};
     VirtualScheduler hardware_{clock_};
+    simulated::HangingCalls hanging_{clock_, process_};
     simulated::EventLog log_{hardware_};
     simulated::SimulatedWallClock serverClock_;
     simulated::PrivateCloud cloudServer_;

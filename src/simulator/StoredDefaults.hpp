@@ -19,7 +19,7 @@ public:
 
 private:
     struct Silence final : platform::Journal {
-        void note(std::string_view /*event*/, std::initializer_list<Field> /*fields*/) override {}
+        void write(std::string_view /*event*/, std::initializer_list<Field> /*fields*/) override {}
     };
 
     posix::PosixFileSystem files_;

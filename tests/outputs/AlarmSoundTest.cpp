@@ -1,5 +1,6 @@
 #include "outputs/AlarmSoundPlayer.hpp"
 #include "platform/simulated/EventLog.hpp"
+#include "platform/simulated/HangingCalls.hpp"
 #include "platform/simulated/IcuLanguage.hpp"
 #include "platform/simulated/SimulatedAudio.hpp"
 #include "platform/simulated/SimulatedAudioEngines.hpp"
@@ -90,7 +91,10 @@ struct Sound {
         const AlarmSoundServices services{volume,           media,      machine.engines, machine.beep, machine.defaults,
                                           machine.language, machine.log};
         player = std::make_unique<AlarmSoundPlayer>(mainActor, services);
-        player->onPlaybackDegraded = [this](const std::string& message) { messages.push_back(message); };
+        player->onPlaybackDegraded = [this](const std::string& message) {
+            EXPECT_TRUE(mainActor.isCurrent());
+            messages.push_back(message);
+        };
     }
 
     MainActor mainActor;
@@ -113,7 +117,15 @@ struct LoudMac : HardwareTime, Machine {
     std::unique_ptr<AlarmSoundPlayer>& player = sound.player;
     std::vector<std::string>& messages = sound.messages;
 
-    LoudMac() : Machine(hardware) {}
+    simulated::HangingCalls hanging{clock, scheduler}; // last: what hangs comes back before the rest goes
+    simulated::PortCalls calls{&hanging};
+
+    LoudMac() : Machine(hardware)
+    {
+        audio.faults().connect(calls, "audio");
+        engines.faults().connect(calls, "audio-engine");
+        music.faults().connect(calls, "music");
+    }
 
     void playMusic()
     {
@@ -172,7 +184,7 @@ TEST(AlarmSound, TakesTheSpeakerAtOnceKeepsItLoudAndGivesItBack)
 
 TEST(AlarmSound, FallsBackToBeepsWhenTheToneCannotStart)
 {
-    for (const char* const fault : {"format", "buffer", "start"}) {
+    for (const char* const fault : {"format", "buffer", "start", "raises"}) {
         for (const auto& [setting, beeps] : std::map<float, std::size_t>{{0.1F, 1}, {0.55F, 1}, {0.8F, 2}, {1.0F, 3}}) {
             LoudMac mac;
             mac.engines.faults().set(fault);
@@ -200,6 +212,118 @@ TEST(AlarmSound, FallsBackToBeepsWhenTheToneCannotStart)
     refusing.clock.runReady();
     EXPECT_EQ(refusing.speaker.sounding().at(0).device, 73U) << "the default output, by now the speaker";
     EXPECT_THAT(refusing.messages, IsEmpty());
+}
+
+TEST(AlarmSound, StartsAnEngineAnewThatStopsByItselfAndBeepsIfItStopsAgain)
+{
+    LoudMac mac;
+    mac.player->play(1.0F);
+    for (int times = 0; times < 2; ++times) {
+        mac.clock.advance(1s);
+        mac.engines.faults().set("engine-stops", 1);
+        EXPECT_THAT(mac.speaker.sounding(), IsEmpty());
+        mac.clock.advance(900ms);
+        ASSERT_EQ(mac.speaker.sounding().size(), 1U) << "as often as the output changes";
+        EXPECT_EQ(mac.speaker.sounding()[0].gain, 1.0F);
+        EXPECT_THAT(mac.messages, IsEmpty());
+        mac.clock.advance(900ms);
+    }
+    mac.engines.faults().set("engine-stops");
+    mac.clock.advance(1800ms);
+    EXPECT_THAT(mac.messages, ElementsAre(noTone));
+    EXPECT_EQ(mac.beep.outputs.size(), 3U);
+    EXPECT_EQ(mac.log.named("alarm.started").back().text("mode"), "beep");
+    mac.player->stop();
+    mac.clock.advance(5s);
+    EXPECT_TRUE(mac.isAsBefore());
+}
+
+TEST(AlarmSound, IsHeardWithinASecondWhenACallHangsAndUntilItIsStopped)
+{
+    for (const char* const port : {"audio", "audio-engine"}) {
+        LoudMac mac;
+        (port == std::string{"audio"} ? mac.audio.faults() : mac.engines.faults()).set("hangs", 1);
+        mac.player->play(1.0F);
+        mac.clock.advance(949ms);
+        EXPECT_THAT(mac.beep.outputs, IsEmpty()) << port;
+        mac.clock.advance(1ms);
+        EXPECT_EQ(mac.beep.outputs.size(), 3U);
+        mac.clock.advance(950ms);
+        EXPECT_EQ(mac.beep.outputs.size(), 6U);
+        EXPECT_THAT(mac.messages, ElementsAre(noTone));
+
+        const Instant before = mac.clock.now();
+        mac.player->stopAndWait();
+        EXPECT_EQ(mac.clock.now() - before, 2s) << "the end of the application does not wait for ever";
+        mac.clock.advance(5s);
+        EXPECT_EQ(mac.beep.outputs.size(), 6U);
+    }
+}
+
+TEST(AlarmSound, BeepsOnWhenTheTicksStopComing)
+{
+    LoudMac mac;
+    mac.engines.faults().set("start");
+    mac.player->play(0.1F);
+    mac.clock.advance(1800ms);
+    EXPECT_EQ(mac.beep.outputs.size(), 2U);
+    mac.audio.faults().set("hangs", 1);
+    mac.clock.advance(2s - 1ms);
+    EXPECT_EQ(mac.beep.outputs.size(), 2U);
+    mac.clock.advance(1ms);
+    EXPECT_EQ(mac.beep.outputs.size(), 3U) << "two seconds after the last";
+
+    LoudMac sleeper;
+    sleeper.player->play(1.0F);
+    sleeper.clock.advance(2s);
+    sleeper.scheduler.setAsleep(true);
+    sleeper.clock.advance(1h);
+    sleeper.scheduler.setAsleep(false);
+    sleeper.clock.advance(10s);
+    EXPECT_THAT(sleeper.beep.outputs, IsEmpty()) << "nobody is late who slept";
+}
+
+TEST(AlarmSound, MakesLoudWhatTheSystemDoesNotRefuse)
+{
+    struct Case {
+        const char* refused;
+        std::optional<platform::AudioObjectId> defaultOutput;
+        float volume;
+        bool isMuted;
+    };
+    for (const auto& [refused, output, volume, isMuted] : std::vector<Case>{
+             {"write-volume", 73, 0.3F, false}, {"write-mute", 73, 1.0F, true}, {"write-default", 91, 1.0F, false}}) {
+        LoudMac mac;
+        mac.audio.faults().set(refused);
+        mac.player->play(1.0F);
+        mac.clock.advance(1s);
+        EXPECT_EQ(mac.audio.defaultOutput(), output) << refused;
+        EXPECT_EQ(mac.audio.device(73)->volume(), volume) << refused;
+        EXPECT_EQ(mac.audio.device(73)->isMuted(), isMuted) << refused;
+        EXPECT_EQ(mac.speaker.sounding().at(0).device, 73U) << refused;
+        mac.audio.faults().clear();
+        mac.clock.advance(900ms);
+        EXPECT_EQ(mac.speaker.sounding().at(0).gain, 1.0F) << refused << ": as soon as it is refused no more";
+        mac.player->stop();
+        mac.clock.runReady();
+        EXPECT_TRUE(mac.isAsBefore()) << refused;
+    }
+}
+
+TEST(AlarmSound, PausesMusicBeforeAndAfterTheTakeOver)
+{
+    LoudMac mac;
+    mac.playMusic();
+    std::vector<std::string> order;
+    mac.calls.decideBy([&](std::string_view port, std::string_view operation) {
+        if (operation == "runScript" || (port == "audio" && operation == "writeUInt32" && order.size() == 1)) {
+            order.emplace_back(operation);
+        }
+        return simulated::PortCalls::Fate::passes;
+    });
+    mac.player->play(0.8F);
+    mac.clock.runReady();
+    EXPECT_THAT(order, ElementsAre("runScript", "writeUInt32", "runScript"));
 }
 
 TEST(AlarmSound, BeepsWithoutAnyDeviceAndSavesNothing)
@@ -326,6 +450,11 @@ TEST(ThreadsAlarmSound, PlaysStopsAndDiesOnRealThreads)
         sound.player->stopAndWait();
         EXPECT_TRUE(machine.isAsBefore());
     }
+    sound.player->play(0.8F);
+    sound.player->stopAndWait();
+    post(scheduler.mainExecutor(), [&scheduler] { scheduler.stopMain(); });
+    scheduler.runMain();
+    EXPECT_THAT(sound.messages, ElementsAre(noTone)) << "on the main thread, from the last player that lives";
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 #include "outputs/CameraCapture.hpp"
 #include "outputs/PhotoProcessing.hpp"
 #include "platform/simulated/EventLog.hpp"
+#include "platform/simulated/HangingCalls.hpp"
 #include "platform/simulated/SimulatedCamera.hpp"
 #include "platform/simulated/SimulatedWallClock.hpp"
 #include "runtime/MainActor.hpp"
@@ -18,6 +19,7 @@ namespace {
 using namespace std::chrono_literals;
 using platform::CaptureAuthorization;
 using simulated::CameraModel;
+using simulated::PortCalls;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -290,6 +292,64 @@ TEST_F(CameraCaptureTest, EveryFailureEndsWithoutDataAndSaysWhy)
     captureAndWait();
     EXPECT_EQ(whyNone(), "no camera");
     EXPECT_EQ(results.size(), 7U);
+}
+
+TEST_F(CameraCaptureTest, WhicheverCallRaisesTheCompletionIsCalledOnceAndTheCameraGoesOff)
+{
+    std::size_t number = 0;
+    std::size_t seen = 0;
+    simulated::PortCalls calls;
+    camera.faults().connect(calls, "camera");
+    calls.decideBy([&](auto, auto) { return seen++ == number ? PortCalls::Fate::raises : PortCalls::Fate::passes; });
+    for (bool isStruck = true; isStruck; ++number) {
+        seen = 0;
+        capture();
+        clock.advance(1min);
+        EXPECT_EQ(results.size(), number + 1) << "at call " << number;
+        EXPECT_FALSE(camera.isSessionRunning()) << "at call " << number;
+        isStruck = seen > number;
+    }
+    EXPECT_GT(number, 10U);
+    EXPECT_TRUE(results.back()) << "the last time nothing is struck";
+}
+
+TEST_F(CameraCaptureTest, APhotoThatComesTwiceCountsOnce)
+{
+    codec.averages = {dark};
+    camera.faults().set("photo-twice");
+    captureAndWait();
+    EXPECT_EQ(results.size(), 1U);
+    EXPECT_EQ(camera.photosRequested(), 2);
+}
+
+Async<void> takePhoto(CameraCapture& service, std::optional<Bytes>& jpeg, int& finished)
+{
+    jpeg = co_await service.capturePhoto();
+    ++finished;
+}
+
+TEST_F(CameraCaptureTest, ACameraThatHangsIsWaitedForThirtySecondsOnce)
+{
+    simulated::HangingCalls hanging{clock, scheduler};
+    simulated::PortCalls calls{&hanging};
+    camera.faults().connect(calls, "camera");
+    calls.prepareToHang();
+    calls.decideBy([](auto, std::string_view operation) {
+        return operation == "startRunning" ? PortCalls::Fate::hangs : PortCalls::Fate::passes;
+    });
+    std::optional<Bytes> jpeg{Bytes{}};
+    int finished = 0;
+    MainActor{scheduler}.spawn(takePhoto(*service, jpeg, finished));
+    clock.advance(30s - 1ms);
+    EXPECT_EQ(finished, 0);
+    clock.advance(1ms);
+    EXPECT_EQ(finished, 1);
+    EXPECT_EQ(jpeg, std::nullopt);
+    MainActor{scheduler}.spawn(takePhoto(*service, jpeg, finished));
+    clock.runReady();
+    EXPECT_EQ(finished, 2) << "at once: the worker still owes the first";
+    hanging.end();
+    service.reset();
 }
 
 TEST_F(CameraCaptureTest, WithoutPermissionACaptureNeverPrompts)

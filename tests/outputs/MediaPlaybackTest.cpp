@@ -66,6 +66,7 @@ TEST(MediaPlayback, PausesMusicByScriptOrKeyButNeverWithoutConsent)
         {"no descriptor", Playback::playing, Consent::granted, "descriptor", Playback::playing, 0, 0ms},
         {"slow", Playback::playing, Consent::granted, "script-slow", Playback::paused, 0, 500ms},
         {"hanging", Playback::playing, Consent::granted, "script-hangs", Playback::playing, 0, 500ms},
+        {"raising", Playback::playing, Consent::granted, "raises", Playback::playing, 0, 0ms},
     };
     for (const Case& example : cases) {
         MusicalMac mac{example.before, example.consent};

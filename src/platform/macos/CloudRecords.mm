@@ -1,6 +1,7 @@
 #include "platform/macos/CloudRecords.hpp"
 
 #include "platform/macos/FoundationText.hpp"
+#include "platform/macos/Guarded.hpp"
 
 #include <algorithm>
 #include <memory>
@@ -86,7 +87,11 @@ NSPredicate* predicateObject(const platform::CloudPredicate& predicate)
     for (const auto& argument : predicate.arguments) {
         [arguments addObject:std::visit(MakeObject{}, argument)];
     }
-    return [NSPredicate predicateWithFormat:stringObject(predicate.format) argumentArray:arguments];
+    NSPredicate* made = nil;
+    guardedCloudCall("predicateWithFormat", [&] {
+        made = [NSPredicate predicateWithFormat:stringObject(predicate.format) argumentArray:arguments];
+    });
+    return made;
 }
 
 CloudValue numberOf(NSNumber* number)
@@ -223,7 +228,9 @@ CKRecordID* recordIDObject(const std::string& name)
     if (name.empty() || name.size() > longestRecordName || name.starts_with('_') || !isPlain) {
         throw CloudError{textOf(CKErrorDomain), CKErrorInvalidArguments, "no name for a record: " + name};
     }
-    return [[CKRecordID alloc] initWithRecordName:stringObject(name)];
+    CKRecordID* made = nil;
+    guardedCloudCall("initWithRecordName", [&] { made = [[CKRecordID alloc] initWithRecordName:stringObject(name)]; });
+    return made;
 }
 
 NSArray<CKRecordID*>* recordIDObjects(const std::vector<std::string>& names)
@@ -237,10 +244,13 @@ NSArray<CKRecordID*>* recordIDObjects(const std::vector<std::string>& names)
 
 CKRecord* recordObject(const CloudRecord& record)
 {
-    CKRecord* const made = emptyRecord(record);
-    for (const auto& [name, value] : record.fields) {
-        [made setObject:std::visit(MakeObject{}, value) forKey:stringObject(name)];
-    }
+    CKRecord* made = nil;
+    guardedCloudCall("setObject", [&] {
+        made = emptyRecord(record);
+        for (const auto& [name, value] : record.fields) {
+            [made setObject:std::visit(MakeObject{}, value) forKey:stringObject(name)];
+        }
+    });
     return made;
 }
 
@@ -280,23 +290,29 @@ platform::CloudRecordResult cloudResultOf(CKRecord* record, NSError* error)
 
 CKQuery* queryObject(const platform::CloudQuery& query)
 {
-    CKQuery* const made = [[CKQuery alloc] initWithRecordType:stringObject(query.recordType)
-                                                    predicate:predicateObject(query.predicate)];
-    if (!query.sortKey.empty()) {
-        made.sortDescriptors = @[ [NSSortDescriptor sortDescriptorWithKey:stringObject(query.sortKey)
-                                                                ascending:query.isAscending] ];
-    }
+    CKQuery* made = nil;
+    guardedCloudCall("initWithRecordType", [&] {
+        made = [[CKQuery alloc] initWithRecordType:stringObject(query.recordType)
+                                         predicate:predicateObject(query.predicate)];
+        if (!query.sortKey.empty()) {
+            made.sortDescriptors = @[ [NSSortDescriptor sortDescriptorWithKey:stringObject(query.sortKey)
+                                                                    ascending:query.isAscending] ];
+        }
+    });
     return made;
 }
 
 CKQuerySubscription* subscriptionObject(const platform::CloudSubscription& subscription)
 {
-    CKQuerySubscription* const made =
-        [[CKQuerySubscription alloc] initWithRecordType:stringObject(subscription.recordType)
-                                              predicate:predicateObject(subscription.predicate)
-                                         subscriptionID:stringObject(subscription.identifier)
-                                                options:static_cast<CKQuerySubscriptionOptions>(subscription.options)];
-    made.notificationInfo = notificationInfo(subscription);
+    CKQuerySubscription* made = nil;
+    guardedCloudCall("initWithRecordType", [&] {
+        made = [[CKQuerySubscription alloc]
+            initWithRecordType:stringObject(subscription.recordType)
+                     predicate:predicateObject(subscription.predicate)
+                subscriptionID:stringObject(subscription.identifier)
+                       options:static_cast<CKQuerySubscriptionOptions>(subscription.options)];
+        made.notificationInfo = notificationInfo(subscription);
+    });
     return made;
 }
 

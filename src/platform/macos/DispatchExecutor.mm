@@ -5,6 +5,7 @@
 #include <utility>
 
 #include <dispatch/dispatch.h>
+#include <os/log.h>
 #include <pthread.h>
 
 namespace sentrel::macos {
@@ -85,7 +86,12 @@ private:
         }
         const Jobs* const outer = std::exchange(current, this);
         @autoreleasepool {
-            job->run();
+            // An exception that a framework raised must not end the alarm's process.
+            try {
+                job->run();
+            } catch (...) {
+                os_log_error(OS_LOG_DEFAULT, "a job on %{public}s threw", dispatch_queue_get_label(queue_));
+            }
         }
         current = outer;
         const std::lock_guard guard{mutex_};

@@ -1,5 +1,7 @@
 #include "platform/macos/MacAudioEngines.hpp"
 
+#include "platform/macos/Guarded.hpp"
+
 #import <AVFAudio/AVFAudio.h>
 #import <AudioToolbox/AudioToolbox.h>
 
@@ -28,22 +30,29 @@ private:
     AVAudioPCMBuffer* const buffer_;
 };
 
-/// Formats and buffers that come in were made by an engine of this kind.
+/// Formats and buffers that come in were made by an engine of this kind. The engine raises what other interfaces
+/// return, above all when it has lost its device.
 class Engine final : public platform::AudioEngine {
 public:
-    ~Engine() override { [engine_ stop]; }
+    ~Engine() override { stopNow(); }
 
     std::int32_t setOutputUnitProperty(std::uint32_t property, std::uint32_t scope, std::uint32_t element,
                                        std::uint32_t value) override
     {
-        return AudioUnitSetProperty(engine_.outputNode.audioUnit, property, scope, element, &value, sizeof value);
+        OSStatus status = kAudio_ParamError;
+        guarded("outputNode", [&] {
+            status = AudioUnitSetProperty(engine_.outputNode.audioUnit, property, scope, element, &value, sizeof value);
+        });
+        return status;
     }
 
     [[nodiscard]] std::unique_ptr<platform::AudioFormat> makeStandardFormat(double sampleRate,
                                                                             std::uint32_t channels) override
     {
-        AVAudioFormat* const format = [[AVAudioFormat alloc] initStandardFormatWithSampleRate:sampleRate
-                                                                                     channels:channels];
+        AVAudioFormat* format = nil;
+        guarded("initStandardFormat", [&] {
+            format = [[AVAudioFormat alloc] initStandardFormatWithSampleRate:sampleRate channels:channels];
+        });
         return format == nil ? nullptr : std::make_unique<Format>(format);
     }
 
@@ -51,58 +60,68 @@ public:
                                                                     std::size_t frames) override
     {
         const auto count = static_cast<AVAudioFrameCount>(frames);
-        AVAudioPCMBuffer* const buffer = [[AVAudioPCMBuffer alloc] initWithPCMFormat:nativeOf(format)
-                                                                       frameCapacity:count];
-        if (buffer == nil) {
+        AVAudioPCMBuffer* buffer = nil;
+        const bool isMade = guarded("initWithPCMFormat", [&] {
+            buffer = [[AVAudioPCMBuffer alloc] initWithPCMFormat:nativeOf(format) frameCapacity:count];
+            buffer.frameLength = count;
+        });
+        if (!isMade || buffer == nil) {
             return nullptr;
         }
-        buffer.frameLength = count;
         return std::make_unique<Buffer>(buffer);
     }
 
     [[nodiscard]] bool attachPlayerToMainMixer(const platform::AudioFormat& format) override
     {
-        // The engine raises what other interfaces return.
-        @try {
+        return guarded("connect", [&] {
             [engine_ attachNode:player_];
             [engine_ connect:player_ to:engine_.mainMixerNode format:nativeOf(format)];
-            return true;
-        } @catch (NSException*) {
-            return false;
-        }
+        });
     }
 
-    void setMainMixerVolume(float volume) override { engine_.mainMixerNode.outputVolume = volume; }
+    void setMainMixerVolume(float volume) override
+    {
+        guarded("mainMixerNode", [&] { engine_.mainMixerNode.outputVolume = volume; });
+    }
 
-    [[nodiscard]] bool start() override { return [engine_ startAndReturnError:nil]; }
+    [[nodiscard]] bool start() override
+    {
+        bool isStarted = false;
+        guarded("start", [&] { isStarted = [engine_ startAndReturnError:nil]; });
+        return isStarted;
+    }
 
     void scheduleLooping(std::unique_ptr<platform::AudioBuffer> buffer) override
     {
-        // The player retains the native buffer.
-        [player_ scheduleBuffer:static_cast<const Buffer&>(*buffer).native()
-                         atTime:nil
-                        options:AVAudioPlayerNodeBufferLoops
-              completionHandler:nil];
+        // The player retains the native buffer. If it refuses, it has nothing to play.
+        isScheduled_ = guarded("scheduleBuffer", [&] {
+            [player_ scheduleBuffer:static_cast<const Buffer&>(*buffer).native()
+                             atTime:nil
+                            options:AVAudioPlayerNodeBufferLoops
+                  completionHandler:nil];
+        });
     }
 
     [[nodiscard]] bool play() override
     {
-        @try {
-            [player_ play];
-            return true;
-        } @catch (NSException*) {
-            return false;
-        }
+        return isScheduled_ && guarded("play", [&] { [player_ play]; });
     }
-    void stop() override { [engine_ stop]; }
+    [[nodiscard]] bool isRunning() override { return engine_.isRunning; }
+    void stop() override { stopNow(); }
 
 private:
+    void stopNow()
+    {
+        guarded("stop", [&] { [engine_ stop]; });
+    }
+
     static AVAudioFormat* nativeOf(const platform::AudioFormat& format)
     {
         return static_cast<const Format&>(format).native();
     }
 
     AVAudioEngine* const engine_ = [[AVAudioEngine alloc] init];
+    bool isScheduled_ = false;
     AVAudioPlayerNode* const player_ = [[AVAudioPlayerNode alloc] init];
 };
 

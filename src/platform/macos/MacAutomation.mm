@@ -1,6 +1,7 @@
 #include "platform/macos/MacAutomation.hpp"
 
 #include "platform/macos/FoundationText.hpp"
+#include "platform/macos/Guarded.hpp"
 
 #import <AppKit/AppKit.h>
 #import <ApplicationServices/ApplicationServices.h>
@@ -25,8 +26,11 @@ std::optional<OSStatus> permissionFor(DescType descriptorType, const std::string
 
 std::optional<bool> resultOf(const std::string& source)
 {
-    NSAppleScript* const script = [[NSAppleScript alloc] initWithSource:stringObject(source)];
-    NSAppleEventDescriptor* const result = [script executeAndReturnError:nil];
+    NSAppleEventDescriptor* result = nil;
+    guarded("executeAndReturnError", [&] {
+        NSAppleScript* const script = [[NSAppleScript alloc] initWithSource:stringObject(source)];
+        result = [script executeAndReturnError:nil];
+    });
     if (result == nil) {
         return std::nullopt;
     }

@@ -1,6 +1,7 @@
 #include "platform/macos/MacCamera.hpp"
 
 #include "platform/macos/FoundationText.hpp"
+#include "platform/macos/Guarded.hpp"
 
 #import <AVFoundation/AVFoundation.h>
 
@@ -16,7 +17,8 @@ public:
 
     [[nodiscard]] std::optional<Bytes> fileDataRepresentation() const override
     {
-        NSData* const data = [photo_ fileDataRepresentation];
+        NSData* data = nil;
+        guarded("fileDataRepresentation", [&] { data = [photo_ fileDataRepresentation]; });
         if (data == nil) {
             return std::nullopt;
         }
@@ -113,7 +115,14 @@ public:
         SentrelPhotoCaptureDelegate* const receiver =
             [[SentrelPhotoCaptureDelegate alloc] initWithDelegate:std::move(delegate)];
         alive->keepCounterpart({const_cast<void*>(CFBridgingRetain(receiver)), &CFRelease});
-        [output_ capturePhotoWithSettings:static_cast<const MacPhotoSettings&>(settings).native() delegate:receiver];
+        // Raised when the output has no active connection: its camera has gone or was taken away.
+        const bool isAsked = guarded("capturePhotoWithSettings", [&] {
+            [output_ capturePhotoWithSettings:static_cast<const MacPhotoSettings&>(settings).native()
+                                     delegate:receiver];
+        });
+        if (!isAsked) {
+            alive->didFinishProcessingPhoto(MacCapturedPhoto{nil}, "the output refused to take a photo");
+        }
     }
     [[nodiscard]] AVCapturePhotoOutput* native() const { return output_; }
 
@@ -133,24 +142,45 @@ AVCapturePhotoOutput* nativeOf(const platform::PhotoOutput& output)
 
 class MacCaptureSession final : public platform::CaptureSession {
 public:
-    ~MacCaptureSession() override { [session_ stopRunning]; }
+    ~MacCaptureSession() override { stop(); }
 
-    void setPreset(const std::string& preset) override { session_.sessionPreset = stringObject(preset); }
+    void setPreset(const std::string& preset) override
+    {
+        guarded("setSessionPreset", [&] { session_.sessionPreset = stringObject(preset); });
+    }
     [[nodiscard]] bool canAddInput(const platform::CaptureInput& input) override
     {
-        return [session_ canAddInput:nativeOf(input)];
+        bool canAdd = false;
+        guarded("canAddInput", [&] { canAdd = [session_ canAddInput:nativeOf(input)]; });
+        return canAdd;
     }
-    void addInput(std::shared_ptr<platform::CaptureInput> input) override { [session_ addInput:nativeOf(*input)]; }
+    void addInput(std::shared_ptr<platform::CaptureInput> input) override
+    {
+        guarded("addInput", [&] { [session_ addInput:nativeOf(*input)]; });
+    }
     [[nodiscard]] bool canAddOutput(const platform::PhotoOutput& output) override
     {
-        return [session_ canAddOutput:nativeOf(output)];
+        bool canAdd = false;
+        guarded("canAddOutput", [&] { canAdd = [session_ canAddOutput:nativeOf(output)]; });
+        return canAdd;
     }
-    void addOutput(std::shared_ptr<platform::PhotoOutput> output) override { [session_ addOutput:nativeOf(*output)]; }
-    void startRunning() override { [session_ startRunning]; }
-    void stopRunning() override { [session_ stopRunning]; }
+    void addOutput(std::shared_ptr<platform::PhotoOutput> output) override
+    {
+        guarded("addOutput", [&] { [session_ addOutput:nativeOf(*output)]; });
+    }
+    void startRunning() override
+    {
+        guarded("startRunning", [&] { [session_ startRunning]; });
+    }
+    void stopRunning() override { stop(); }
     [[nodiscard]] bool isRunning() const override { return session_.isRunning; }
 
 private:
+    void stop()
+    {
+        guarded("stopRunning", [&] { [session_ stopRunning]; });
+    }
+
     AVCaptureSession* const session_ = [[AVCaptureSession alloc] init];
 };
 
@@ -164,10 +194,15 @@ platform::CaptureAuthorization MacCamera::authorizationStatus(const std::string&
 
 void MacCamera::requestAccess(const std::string& mediaType, std::function<void(bool granted)> answered)
 {
-    [AVCaptureDevice requestAccessForMediaType:stringObject(mediaType)
-                             completionHandler:^(BOOL granted) {
-                                 answered(granted);
-                             }];
+    const bool isAsked = guarded("requestAccessForMediaType", [&] {
+        [AVCaptureDevice requestAccessForMediaType:stringObject(mediaType)
+                                 completionHandler:^(BOOL granted) {
+                                     answered(granted);
+                                 }];
+    });
+    if (!isAsked) {
+        answered(false);
+    }
 }
 
 std::vector<std::shared_ptr<platform::CaptureDevice>>
@@ -197,7 +232,8 @@ std::shared_ptr<platform::CaptureDevice> MacCamera::defaultDevice(const std::str
 std::shared_ptr<platform::CaptureInput> MacCamera::makeInput(const platform::CaptureDevice& device)
 {
     AVCaptureDevice* const native = static_cast<const MacCaptureDevice&>(device).native();
-    AVCaptureDeviceInput* const input = [AVCaptureDeviceInput deviceInputWithDevice:native error:nil];
+    AVCaptureDeviceInput* input = nil;
+    guarded("deviceInputWithDevice", [&] { input = [AVCaptureDeviceInput deviceInputWithDevice:native error:nil]; });
     return input == nil ? nullptr : std::make_shared<MacCaptureInput>(input);
 }
 

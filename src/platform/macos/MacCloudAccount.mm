@@ -3,6 +3,7 @@
 #include "platform/macos/CloudRecords.hpp"
 #include "platform/macos/CloudRequest.hpp"
 #include "platform/macos/FoundationText.hpp"
+#include "platform/macos/Guarded.hpp"
 
 #include <memory>
 
@@ -18,27 +19,31 @@ using NameRequest = CloudRequest<std::optional<std::string>>;
 std::shared_ptr<StatusRequest> askForStatus(CKContainer* container)
 {
     const auto request = std::make_shared<StatusRequest>();
-    [container accountStatusWithCompletionHandler:^(CKAccountStatus status, NSError* error) {
-        request->answer = static_cast<platform::CloudAccountStatus>(status);
-        if (error != nil) {
-            request->error = cloudErrorOf(error);
-        }
-        request->finished.signal();
-    }];
+    guardedCloudCall("accountStatus", [&] {
+        [container accountStatusWithCompletionHandler:^(CKAccountStatus status, NSError* error) {
+            request->answer = static_cast<platform::CloudAccountStatus>(status);
+            if (error != nil) {
+                request->error = cloudErrorOf(error);
+            }
+            request->finished.signal();
+        }];
+    });
     return request;
 }
 
 std::shared_ptr<NameRequest> askForUser(CKContainer* container)
 {
     const auto request = std::make_shared<NameRequest>();
-    [container fetchUserRecordIDWithCompletionHandler:^(CKRecordID* recordID, NSError* error) {
-        if (error != nil) {
-            request->error = cloudErrorOf(error);
-        } else if (recordID != nil) {
-            request->answer = textOf(recordID.recordName);
-        }
-        request->finished.signal();
-    }];
+    guardedCloudCall("fetchUserRecordID", [&] {
+        [container fetchUserRecordIDWithCompletionHandler:^(CKRecordID* recordID, NSError* error) {
+            if (error != nil) {
+                request->error = cloudErrorOf(error);
+            } else if (recordID != nil) {
+                request->answer = textOf(recordID.recordName);
+            }
+            request->finished.signal();
+        }];
+    });
     return request;
 }
 

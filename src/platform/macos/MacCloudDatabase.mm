@@ -3,6 +3,7 @@
 #include "platform/macos/CloudRecords.hpp"
 #include "platform/macos/CloudRequest.hpp"
 #include "platform/macos/FoundationText.hpp"
+#include "platform/macos/Guarded.hpp"
 
 #include <memory>
 
@@ -42,7 +43,7 @@ public:
         configuration.timeoutIntervalForRequest = requestTimeout;
         configuration.timeoutIntervalForResource = resourceTimeout;
         operation_.configuration = configuration;
-        [database addOperation:operation_];
+        guardedCloudCall("addOperation", [&] { [database addOperation:operation_]; });
     }
     ~OperationHold() { [operation_ cancel]; }
     OperationHold(const OperationHold&) = delete;

@@ -12,9 +12,10 @@ class MacJournal final : public platform::Journal {
 public:
     MacJournal();
     ~MacJournal() override;
-    void note(std::string_view event, std::initializer_list<Field> fields) override;
 
 private:
+    void write(std::string_view event, std::initializer_list<Field> fields) override;
+
     struct Log;
     std::unique_ptr<Log> log_;
 };

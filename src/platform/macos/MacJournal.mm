@@ -29,7 +29,7 @@ MacJournal::MacJournal() : log_(std::make_unique<Log>())
 
 MacJournal::~MacJournal() = default;
 
-void MacJournal::note(std::string_view event, std::initializer_list<Field> fields)
+void MacJournal::write(std::string_view event, std::initializer_list<Field> fields)
 {
     OrderedJson object = OrderedJson::object();
     for (const auto& [name, value] : fields) {

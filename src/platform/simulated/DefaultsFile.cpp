@@ -34,8 +34,9 @@ bool isObject(BytesView content)
 } // namespace
 
 DefaultsFile::DefaultsFile(platform::FileSystem& files, platform::Journal& journal, std::filesystem::path folder,
-                           std::string_view application)
-    : files_(files),
+                           std::string_view application, FaultSwitches* faults)
+    : faults_(faults),
+      files_(files),
       journal_(journal),
       folder_(std::move(folder)),
       file_(folder_ / fileName(application)),
@@ -60,6 +61,13 @@ bool DefaultsFile::load()
     return true;
 }
 
+void DefaultsFile::begin(std::string_view operation)
+{
+    if (faults_ != nullptr) {
+        faults_->call(operation);
+    }
+}
+
 // Of entries with one name the last counts, as for every reader of JSON.
 DefaultsFile::Members::reverse_iterator DefaultsFile::find(const std::string& key)
 {
@@ -79,12 +87,14 @@ std::optional<Json> DefaultsFile::value(const std::string& key)
 
 std::optional<std::string> DefaultsFile::text(const std::string& key)
 {
+    begin("text");
     const auto found = value(key);
     return found && found->is_string() ? std::optional{found->get<std::string>()} : std::nullopt;
 }
 
 std::optional<std::vector<std::string>> DefaultsFile::texts(const std::string& key)
 {
+    begin("texts");
     const auto found = value(key);
     const auto isText = [](const Json& element) { return element.is_string(); };
     if (!found || !found->is_array() || !std::all_of(found->begin(), found->end(), isText)) {
@@ -95,6 +105,7 @@ std::optional<std::vector<std::string>> DefaultsFile::texts(const std::string& k
 
 std::optional<std::int64_t> DefaultsFile::integer(const std::string& key)
 {
+    begin("integer");
     const auto found = value(key);
     const bool isInteger = found && found->is_number_integer();
     if (!isInteger || (found->is_number_unsigned() && found->get<std::uint64_t>() > INT64_MAX)) {
@@ -105,27 +116,32 @@ std::optional<std::int64_t> DefaultsFile::integer(const std::string& key)
 
 std::optional<Bytes> DefaultsFile::data(const std::string& key)
 {
-    const auto encoded = text(key);
-    return encoded ? bytesOfBase64(*encoded) : std::nullopt;
+    begin("data");
+    const auto found = value(key);
+    return found && found->is_string() ? bytesOfBase64(found->get<std::string>()) : std::nullopt;
 }
 
 void DefaultsFile::setData(const std::string& key, BytesView value)
 {
+    begin("setData");
     set(key, Json(base64Text(value)));
 }
 
 void DefaultsFile::setText(const std::string& key, const std::string& value)
 {
+    begin("setText");
     set(key, Json(value));
 }
 
 void DefaultsFile::setTexts(const std::string& key, const std::vector<std::string>& value)
 {
+    begin("setTexts");
     set(key, Json(value));
 }
 
 void DefaultsFile::setInteger(const std::string& key, std::int64_t value)
 {
+    begin("setInteger");
     set(key, Json(value));
 }
 
@@ -137,6 +153,7 @@ void DefaultsFile::set(const std::string& key, const Json& value)
 
 void DefaultsFile::remove(const std::string& key)
 {
+    begin("remove");
     replace(key, nullptr);
 }
 
@@ -169,6 +186,7 @@ void DefaultsFile::replace(const std::string& key, const std::string* value)
 
 int DefaultsFile::write()
 {
+    const PortCalls::DeviceScope scope;
     files_.createDirectories(folder_, folderMode);
     if (isDamaged_) {
         const int error = putDamagedAside();

@@ -4,6 +4,7 @@
 #include "platform/FileSystem.hpp"
 #include "platform/Journal.hpp"
 #include "platform/UserDefaults.hpp"
+#include "platform/simulated/FaultSwitches.hpp"
 #include "platform/simulated/JsonMembers.hpp"
 
 #include <filesystem>
@@ -21,9 +22,9 @@ namespace sentrel::simulated {
 class DefaultsFile final : public platform::UserDefaults {
 public:
     /// Opens `FOLDER/APPLICATION.json`, which need not be there. The application is a bundle identifier or a name;
-    /// characters that a file name can't have are replaced.
+    /// characters that a file name can't have are replaced. The faults, if any, are those of the port.
     DefaultsFile(platform::FileSystem& files, platform::Journal& journal, std::filesystem::path folder,
-                 std::string_view application);
+                 std::string_view application, FaultSwitches* faults = nullptr);
 
     [[nodiscard]] std::optional<Bytes> data(const std::string& key) override;
     void setData(const std::string& key, BytesView value) override;
@@ -40,6 +41,7 @@ public:
 private:
     using Members = std::vector<JsonMember>;
 
+    void begin(std::string_view operation);
     bool load();
     [[nodiscard]] Members::reverse_iterator find(const std::string& key);
     [[nodiscard]] std::optional<Json> value(const std::string& key);
@@ -48,6 +50,7 @@ private:
     [[nodiscard]] int write();
     [[nodiscard]] int putDamagedAside();
 
+    FaultSwitches* const faults_;
     platform::FileSystem& files_;
     platform::Journal& journal_;
     std::filesystem::path folder_;

@@ -23,7 +23,7 @@ Event::Value ownedValue(const platform::Journal::Value& value)
 
 } // namespace
 
-void EventLog::note(std::string_view event, std::initializer_list<Field> fields)
+void EventLog::write(std::string_view event, std::initializer_list<Field> fields)
 {
     Event made{.at = 0.0, .name = std::string{event}, .fields = {}};
     made.fields.reserve(fields.size());

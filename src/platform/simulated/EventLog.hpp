@@ -23,8 +23,6 @@ public:
 
     explicit EventLog(Scheduler& scheduler) : scheduler_(scheduler), start_(scheduler.now()) {}
 
-    void note(std::string_view event, std::initializer_list<Field> fields) override;
-
     /// Calls back for each event from now on, on the thread that noted it and under no lock, so that the observer may
     /// note events itself. It stays until the log's end.
     void observe(Observer observer);
@@ -48,6 +46,7 @@ public:
 private:
     using Observers = std::vector<Observer>;
 
+    void write(std::string_view event, std::initializer_list<Field> fields) override;
     void writeLine(const Event& event);
 
     Scheduler& scheduler_;

@@ -2,9 +2,19 @@
 
 #include "foundation/Fatal.hpp"
 
+#include <stdexcept>
+#include <utility>
+
 namespace sentrel::simulated {
 
-FaultSwitches::FaultSwitches(std::initializer_list<std::string_view> names)
+namespace {
+
+constexpr std::string_view raises = "raises";
+constexpr std::string_view hangs = "hangs";
+
+} // namespace
+
+FaultSwitches::FaultSwitches(std::initializer_list<std::string_view> names) : remaining_{{"raises", 0}, {"hangs", 0}}
 {
     for (const std::string_view name : names) {
         remaining_.emplace(name, 0);
@@ -13,12 +23,20 @@ FaultSwitches::FaultSwitches(std::initializer_list<std::string_view> names)
 
 bool FaultSwitches::set(std::string_view name, int times)
 {
-    const std::lock_guard guard{mutex_};
-    const auto found = remaining_.find(name);
-    if (found == remaining_.end()) {
-        return false;
+    {
+        const std::lock_guard guard{mutex_};
+        const auto found = remaining_.find(name);
+        if (found == remaining_.end()) {
+            return false;
+        }
+        found->second = times;
     }
-    found->second = times;
+    if (name == hangs && calls_ != nullptr) {
+        calls_->prepareToHang();
+    }
+    if (wasSet_) {
+        wasSet_();
+    }
     return true;
 }
 
@@ -46,6 +64,48 @@ bool FaultSwitches::strikes(std::string_view name)
     return true;
 }
 
+PortCalls::Fate FaultSwitches::fateOf(std::string_view operation)
+{
+    using Fate = PortCalls::Fate;
+    // What the devices ask of each other is no call of the product.
+    if (calls_ == nullptr || calls_->isProductCalling()) {
+        if (strikes(raises)) {
+            return Fate::raises;
+        }
+        if (strikes(hangs)) {
+            return Fate::hangs;
+        }
+    }
+    return calls_ != nullptr ? calls_->fateOf(port_, operation) : Fate::passes;
+}
+
+void FaultSwitches::call(std::string_view operation)
+{
+    switch (fateOf(operation)) {
+    case PortCalls::Fate::passes:
+        return;
+    case PortCalls::Fate::raises:
+        throw Raised{port_, std::string{operation}};
+    case PortCalls::Fate::hangs:
+        break;
+    }
+    if (calls_ == nullptr) {
+        throw std::logic_error{"a simulated device that belongs to no Mac can't hang"};
+    }
+    calls_->hang();
+}
+
+Async<void> FaultSwitches::awaitedCall(std::string_view operation)
+{
+    const auto fate = fateOf(operation);
+    if (fate == PortCalls::Fate::raises) {
+        throw Raised{port_, std::string{operation}};
+    }
+    if (fate == PortCalls::Fate::hangs) {
+        co_await never_.wait();
+    }
+}
+
 std::vector<std::string> FaultSwitches::names() const
 {
     const std::lock_guard guard{mutex_};
@@ -54,6 +114,12 @@ std::vector<std::string> FaultSwitches::names() const
         names.push_back(name);
     }
     return names;
+}
+
+void FaultSwitches::connect(PortCalls& calls, std::string port)
+{
+    calls_ = &calls;
+    port_ = std::move(port);
 }
 
 } // namespace sentrel::simulated

@@ -217,6 +217,7 @@ std::shared_ptr<const IcuCalendar::Setting> IcuCalendar::setting()
 
 DateInterval IcuCalendar::interval(CalendarUnit unit, Date date)
 {
+    faults_.call("interval");
     UErrorCode error = U_ZERO_ERROR;
     const auto calendar = setting()->calendarAt(date, error);
     goToStartOf(unit, *calendar, error);
@@ -230,6 +231,7 @@ DateInterval IcuCalendar::interval(CalendarUnit unit, Date date)
 
 Date IcuCalendar::adding(CalendarUnit unit, int count, Date date)
 {
+    faults_.call("adding");
     UErrorCode error = U_ZERO_ERROR;
     const auto calendar = setting()->calendarAt(date, error);
     calendar->add(fieldOf(unit), count, error);
@@ -239,6 +241,7 @@ Date IcuCalendar::adding(CalendarUnit unit, int count, Date date)
 
 int IcuCalendar::component(CalendarUnit unit, Date date)
 {
+    faults_.call("component");
     UErrorCode error = U_ZERO_ERROR;
     const auto calendar = setting()->calendarAt(date, error);
     const int number = calendar->get(fieldOf(unit), error);
@@ -247,11 +250,13 @@ int IcuCalendar::component(CalendarUnit unit, Date date)
 
 std::string IcuCalendar::monthName(Date date)
 {
+    faults_.call("monthName");
     return formatted(date, "LLLL", setting()->localeName);
 }
 
 std::string IcuCalendar::formatted(Date date, Style dateStyle, Style timeStyle)
 {
+    faults_.call("formatted");
     if (dateStyle == Style::none && timeStyle == Style::none) {
         return {};
     }
@@ -260,6 +265,7 @@ std::string IcuCalendar::formatted(Date date, Style dateStyle, Style timeStyle)
 
 std::string IcuCalendar::formatted(Date date, const std::string& pattern, const std::string& locale)
 {
+    faults_.call("formatted");
     UErrorCode error = U_ZERO_ERROR;
     icu::SimpleDateFormat format{icu::UnicodeString::fromUTF8(pattern), icu::Locale{locale.c_str()}, error};
     if (U_FAILURE(error)) {

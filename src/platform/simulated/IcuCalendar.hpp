@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/Calendar.hpp"
+#include "platform/simulated/FaultSwitches.hpp"
 
 #include <memory>
 #include <mutex>
@@ -39,7 +40,10 @@ public:
     [[nodiscard]] std::string formatted(Date date, Style dateStyle, Style timeStyle) override;
     [[nodiscard]] std::string formatted(Date date, const std::string& pattern, const std::string& locale) override;
 
+    [[nodiscard]] FaultSwitches& faults() { return faults_; }
+
 private:
+    FaultSwitches faults_{};
     struct Setting;
 
     [[nodiscard]] std::shared_ptr<const Setting> setting();

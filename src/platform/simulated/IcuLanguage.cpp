@@ -115,6 +115,7 @@ void IcuLanguage::setLocale(std::string locale)
 
 std::string IcuLanguage::localized(std::string_view key)
 {
+    faults_.call("localized");
     const auto current = table();
     const auto found = current->strings.texts.find(key);
     return found == current->strings.texts.end() ? std::string{key} : found->second;
@@ -122,12 +123,14 @@ std::string IcuLanguage::localized(std::string_view key)
 
 bool IcuLanguage::containsIgnoringCase(std::string_view text, std::string_view part)
 {
+    faults_.call("containsIgnoringCase");
     const std::string language = languageOf(locale());
     return !part.empty() && folded(text, language).indexOf(folded(part, language)) >= 0;
 }
 
 std::size_t IcuLanguage::characterCount(std::string_view text)
 {
+    faults_.call("characterCount");
     WipedUnits units{text};
     UErrorCode error = U_ZERO_ERROR;
     UText* const opened = utext_openUChars(nullptr, units.units(), units.length(), &error);

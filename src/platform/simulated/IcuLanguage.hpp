@@ -2,6 +2,7 @@
 
 #include "platform/Journal.hpp"
 #include "platform/Language.hpp"
+#include "platform/simulated/FaultSwitches.hpp"
 #include "platform/simulated/StringsFile.hpp"
 
 #include <filesystem>
@@ -33,7 +34,10 @@ public:
     /// Grapheme clusters. Invalid bytes count as characters.
     [[nodiscard]] std::size_t characterCount(std::string_view text) override;
 
+    [[nodiscard]] FaultSwitches& faults() { return faults_; }
+
 private:
+    FaultSwitches faults_{};
     struct Table {
         StringsTable strings;
         std::string file; ///< below the resources

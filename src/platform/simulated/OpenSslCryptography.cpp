@@ -72,6 +72,7 @@ std::int32_t OpenSslCryptography::deriveKey(std::uint32_t algorithm, BytesView p
                                             std::uint32_t pseudoRandomFunction, std::uint32_t rounds,
                                             std::span<std::uint8_t> key)
 {
+    faults_.call("deriveKey");
     if (algorithm != algorithmPbkdf2 || pseudoRandomFunction != pseudoRandomFunctionHmacSha256 || rounds == 0 ||
         rounds > most || key.empty() || key.size() > most || password.size() > most || salt.size() > most) {
         return parameterError;
@@ -85,6 +86,7 @@ std::int32_t OpenSslCryptography::deriveKey(std::uint32_t algorithm, BytesView p
 
 std::unique_ptr<platform::Sha256Context> OpenSslCryptography::makeSha256Context()
 {
+    faults_.call("makeSha256Context");
     return std::make_unique<OpenSslSha256>(sha256_);
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/Cryptography.hpp"
+#include "platform/simulated/FaultSwitches.hpp"
 
 #include <memory>
 
@@ -18,7 +19,10 @@ public:
                                          std::span<std::uint8_t> key) override;
     [[nodiscard]] std::unique_ptr<platform::Sha256Context> makeSha256Context() override;
 
+    [[nodiscard]] FaultSwitches& faults() { return faults_; }
+
 private:
+    FaultSwitches faults_{};
     // Looked up once: the library searches its providers each time.
     std::shared_ptr<evp_md_st> sha256_;
 };

@@ -4,6 +4,7 @@ namespace sentrel::simulated {
 
 bool SeededRandom::fill(std::span<std::uint8_t> bytes)
 {
+    faults_.call("fill");
     if (faults_.strikes("fill")) {
         return false;
     }

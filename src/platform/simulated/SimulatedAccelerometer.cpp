@@ -57,12 +57,14 @@ public:
 
     void setMatching(const std::map<std::string, std::int64_t>& matching) override
     {
+        device_.faults_.call("setMatching");
         const std::lock_guard guard{device_.mutex_};
         isMatching_ = matchesDevice(matching);
     }
 
     [[nodiscard]] std::optional<std::vector<std::unique_ptr<platform::HidService>>> copyServices() override
     {
+        device_.faults_.call("copyServices");
         if (device_.faults_.strikes("services")) {
             return std::nullopt;
         }
@@ -76,18 +78,25 @@ public:
 
     void registerEventCallback(std::function<void(const platform::HidEvent*)> received) override
     {
+        device_.faults_.call("registerEventCallback");
         channel_->setCallback(std::move(received));
     }
-    void unregisterEventCallback() override { channel_->clearCallback(); }
+    void unregisterEventCallback() override
+    {
+        device_.faults_.call("unregisterEventCallback");
+        channel_->clearCallback();
+    }
 
     void schedule(SerialQueue& queue) override
     {
+        device_.faults_.call("schedule");
         channel_->schedule(queue);
         device_.attach(*this);
     }
 
     void unschedule(SerialQueue& /*queue*/) override
     {
+        device_.faults_.call("unschedule");
         if (device_.faults_.strikes("late-event")) {
             channel_->sendStray({accelerometerEvent, violentMovement, false});
         }
@@ -126,6 +135,7 @@ SimulatedAccelerometer::~SimulatedAccelerometer()
 
 std::unique_ptr<platform::HidClient> SimulatedAccelerometer::createClient()
 {
+    faults_.call("createClient");
     return faults_.strikes("client") ? nullptr : std::make_unique<Client>(*this);
 }
 

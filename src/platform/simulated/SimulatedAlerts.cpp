@@ -45,6 +45,7 @@ SimulatedAlerts::SimulatedAlerts(Scheduler& scheduler, const SimulatedApplicatio
 
 Async<std::int64_t> SimulatedAlerts::runModal(platform::AlertContent content)
 {
+    co_await faults_.awaitedCall("runModal");
     Opened panel{*this, std::move(content)};
     std::optional<Duration> readingTime;
     {

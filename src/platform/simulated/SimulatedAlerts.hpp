@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/Alerts.hpp"
+#include "platform/simulated/FaultSwitches.hpp"
 #include "runtime/Semaphore.hpp"
 #include "runtime/Time.hpp"
 
@@ -43,7 +44,10 @@ public:
     /// All alerts so far, closed ones too.
     [[nodiscard]] std::vector<Shown> shown() const;
 
+    [[nodiscard]] FaultSwitches& faults() { return faults_; }
+
 private:
+    FaultSwitches faults_{};
     struct Panel {
         Shown alert;
         Semaphore closed;

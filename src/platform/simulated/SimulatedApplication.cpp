@@ -31,6 +31,7 @@ void SimulatedApplication::finishLaunching()
 
 void SimulatedApplication::setActivationPolicy(std::int64_t policy)
 {
+    faults_.call("setActivationPolicy");
     policy_ = policy;
     journal_.note("activation-policy", {{"policy", policy}});
 }
@@ -57,6 +58,7 @@ void SimulatedApplication::terminate()
 
 void SimulatedApplication::replyToShouldTerminate(bool shouldTerminate)
 {
+    faults_.call("replyToShouldTerminate");
     // AppKit ignores a reply that it doesn't wait for.
     if (!std::exchange(isAwaitingReply_, false)) {
         return;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/Application.hpp"
+#include "platform/simulated/FaultSwitches.hpp"
 
 #include <cstdint>
 #include <functional>
@@ -39,7 +40,10 @@ public:
     /// 0 regular, 1 accessory; at first what an application without a Dock icon starts with.
     [[nodiscard]] std::int64_t activationPolicy() const { return policy_; }
 
+    [[nodiscard]] FaultSwitches& faults() { return faults_; }
+
 private:
+    FaultSwitches faults_{};
     void finish();
 
     platform::Journal& journal_;

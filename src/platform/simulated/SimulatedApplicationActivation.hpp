@@ -1,8 +1,8 @@
 #pragma once
 
 #include "platform/ApplicationActivation.hpp"
-
 #include "platform/WindowConstants.hpp"
+#include "platform/simulated/FaultSwitches.hpp"
 
 #include <atomic>
 #include <cstdint>
@@ -16,6 +16,7 @@ public:
     /// Brings the application to the front; without ignoring the others, the one in front keeps its place.
     void activate(bool ignoringOtherApplications) override
     {
+        faults_.call("activate");
         if (ignoringOtherApplications && !isRefused_) {
             isActive_ = true;
         }
@@ -24,6 +25,7 @@ public:
     /// Throws where AppKit raises an exception.
     void setPresentationOptions(std::uint64_t options) override
     {
+        faults_.call("setPresentationOptions");
         if (options != platform::defaultPresentation && (options & platform::hidesDock) == 0) {
             throw std::invalid_argument{"these presentation options need the Dock hidden"};
         }
@@ -48,7 +50,10 @@ public:
     /// How often another application has taken the keyboard.
     [[nodiscard]] std::uint64_t losses() const { return losses_; }
 
+    [[nodiscard]] FaultSwitches& faults() { return faults_; }
+
 private:
+    FaultSwitches faults_{};
     std::atomic<bool> isActive_ = false;
     std::atomic<bool> isRefused_ = false;
     std::atomic<std::uint64_t> options_ = platform::defaultPresentation;

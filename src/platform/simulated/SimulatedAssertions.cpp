@@ -16,6 +16,7 @@ constexpr auto returnBadArgument = static_cast<std::int32_t>(0xE00002C2U);
 SimulatedAssertions::Created SimulatedAssertions::create(const std::string& type, std::uint32_t /*level*/,
                                                          const std::string& name)
 {
+    faults_.call("create");
     if (type.empty()) {
         return {returnBadArgument, 0};
     }
@@ -34,6 +35,7 @@ SimulatedAssertions::Created SimulatedAssertions::create(const std::string& type
 
 std::int32_t SimulatedAssertions::release(std::uint32_t id)
 {
+    faults_.call("release");
     if (faults_.strikes("release")) {
         return returnError;
     }

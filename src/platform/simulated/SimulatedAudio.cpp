@@ -66,6 +66,7 @@ SimulatedAudio::SimulatedAudio(platform::Journal& journal, std::vector<AudioDevi
 
 bool SimulatedAudio::hasProperty(Id object, const Address& address)
 {
+    faults_.call("hasProperty");
     if (faults_.strikes("has-property")) {
         return false;
     }
@@ -83,6 +84,7 @@ bool SimulatedAudio::hasProperty(Id object, const Address& address)
 
 std::optional<std::uint32_t> SimulatedAudio::readUInt32(Id object, const Address& address)
 {
+    faults_.call("readUInt32");
     if (isMute(address)) {
         const auto value = readControl(object, address);
         return value ? std::optional{*value != 0.0F ? 1U : 0U} : std::nullopt;
@@ -99,11 +101,13 @@ std::optional<std::uint32_t> SimulatedAudio::readUInt32(Id object, const Address
 
 std::optional<float> SimulatedAudio::readFloat32(Id object, const Address& address)
 {
+    faults_.call("readFloat32");
     return isMute(address) ? std::nullopt : readControl(object, address);
 }
 
 std::optional<std::string> SimulatedAudio::readText(Id object, const Address& address)
 {
+    faults_.call("readText");
     const bool isUid = isGlobal(address, deviceUid);
     if ((!isUid && !isGlobal(address, deviceName)) || faults_.strikes(isUid ? "read-uid" : "read-name")) {
         return std::nullopt;
@@ -117,6 +121,7 @@ std::optional<std::string> SimulatedAudio::readText(Id object, const Address& ad
 
 std::optional<std::vector<SimulatedAudio::Id>> SimulatedAudio::readObjectList(Id object, const Address& address)
 {
+    faults_.call("readObjectList");
     if (object != systemObject || !isGlobal(address, deviceList) || faults_.strikes("read-devices")) {
         return std::nullopt;
     }
@@ -130,6 +135,7 @@ std::optional<std::vector<SimulatedAudio::Id>> SimulatedAudio::readObjectList(Id
 
 std::optional<std::vector<std::uint32_t>> SimulatedAudio::readBufferChannels(Id object, const Address& address)
 {
+    faults_.call("readBufferChannels");
     if (address != Address{streamConfiguration, outputScope, 0} || faults_.strikes("read-channels")) {
         return std::nullopt;
     }
@@ -139,6 +145,7 @@ std::optional<std::vector<std::uint32_t>> SimulatedAudio::readBufferChannels(Id 
 
 std::int32_t SimulatedAudio::writeUInt32(Id object, const Address& address, std::uint32_t value)
 {
+    faults_.call("writeUInt32");
     if (isMute(address)) {
         return writeControl(object, address, value != 0 ? 1.0F : 0.0F);
     }
@@ -150,6 +157,7 @@ std::int32_t SimulatedAudio::writeUInt32(Id object, const Address& address, std:
 
 std::int32_t SimulatedAudio::writeFloat32(Id object, const Address& address, float value)
 {
+    faults_.call("writeFloat32");
     if (isMute(address)) {
         return unknownProperty;
     }

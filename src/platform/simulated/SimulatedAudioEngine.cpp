@@ -40,9 +40,20 @@ Speaker::Samples samplesOf(platform::AudioBuffer& buffer)
 
 } // namespace
 
+SimulatedAudioEngine::SimulatedAudioEngine(SimulatedAudioEngines& engines)
+    : engines_(engines), speaker_(engines.speaker_), audio_(engines.audio_), faults_(engines.faults_)
+{
+}
+
+SimulatedAudioEngine::~SimulatedAudioEngine()
+{
+    end();
+}
+
 std::int32_t SimulatedAudioEngine::setOutputUnitProperty(std::uint32_t property, std::uint32_t scope,
                                                          std::uint32_t element, std::uint32_t value)
 {
+    faults_.call("setOutputUnitProperty");
     if (property != currentDeviceProperty || scope != globalUnitScope || element != 0) {
         return invalidProperty;
     }
@@ -60,6 +71,7 @@ std::int32_t SimulatedAudioEngine::setOutputUnitProperty(std::uint32_t property,
 std::unique_ptr<platform::AudioFormat> SimulatedAudioEngine::makeStandardFormat(double sampleRate,
                                                                                 std::uint32_t channels)
 {
+    faults_.call("makeStandardFormat");
     const bool isSupported = sampleRate == static_cast<double>(SoundRecorder::sampleRate) && channels > 0;
     if (!isSupported || faults_.strikes("format")) {
         return nullptr;
@@ -70,6 +82,7 @@ std::unique_ptr<platform::AudioFormat> SimulatedAudioEngine::makeStandardFormat(
 std::unique_ptr<platform::AudioBuffer> SimulatedAudioEngine::makeBuffer(const platform::AudioFormat& /*format*/,
                                                                         std::size_t frames)
 {
+    faults_.call("makeBuffer");
     constexpr std::size_t mostFrames = 60 * static_cast<std::size_t>(SoundRecorder::sampleRate);
     if (frames == 0 || frames > mostFrames || faults_.strikes("buffer")) {
         return nullptr;
@@ -79,6 +92,7 @@ std::unique_ptr<platform::AudioBuffer> SimulatedAudioEngine::makeBuffer(const pl
 
 bool SimulatedAudioEngine::attachPlayerToMainMixer(const platform::AudioFormat& /*format*/)
 {
+    faults_.call("attachPlayerToMainMixer");
     if (faults_.strikes("attach")) {
         return false;
     }
@@ -88,6 +102,7 @@ bool SimulatedAudioEngine::attachPlayerToMainMixer(const platform::AudioFormat& 
 
 void SimulatedAudioEngine::setMainMixerVolume(float volume)
 {
+    faults_.call("setMainMixerVolume");
     mixerVolume_ = std::fmin(std::fmax(volume, 0.0F), 1.0F);
     if (sound_) {
         speaker_.setVolume(*sound_, mixerVolume_);
@@ -96,12 +111,15 @@ void SimulatedAudioEngine::setMainMixerVolume(float volume)
 
 bool SimulatedAudioEngine::start()
 {
+    faults_.call("start");
+    const std::lock_guard guard{mutex_};
     isStarted_ = isAttached_ && !faults_.strikes("start");
     return isStarted_;
 }
 
 void SimulatedAudioEngine::scheduleLooping(std::unique_ptr<platform::AudioBuffer> buffer)
 {
+    faults_.call("scheduleLooping");
     if (buffer != nullptr) {
         scheduled_ = samplesOf(*buffer);
     }
@@ -109,19 +127,52 @@ void SimulatedAudioEngine::scheduleLooping(std::unique_ptr<platform::AudioBuffer
 
 bool SimulatedAudioEngine::play()
 {
-    if (!isStarted_ || faults_.strikes("play")) {
-        return false;
-    }
-    if (scheduled_ != nullptr && !sound_) {
+    faults_.call("play");
+    {
+        const std::lock_guard guard{mutex_};
+        if (!isStarted_ || faults_.strikes("play")) {
+            return false;
+        }
+        if (scheduled_ == nullptr || sound_) {
+            return true;
+        }
         sound_ = speaker_.beginLoop(scheduled_, mixerVolume_, device_);
     }
+    {
+        const std::lock_guard guard{engines_.mutex_};
+        engines_.playing_.push_back(this);
+    }
+    engines_.stopPlaying();
     return true;
+}
+
+bool SimulatedAudioEngine::isRunning()
+{
+    faults_.call("isRunning");
+    const std::lock_guard guard{mutex_};
+    return isStarted_;
 }
 
 void SimulatedAudioEngine::stop()
 {
-    isStarted_ = false;
+    faults_.call("stop");
+    end();
+}
+
+void SimulatedAudioEngine::end()
+{
+    {
+        const std::lock_guard guard{engines_.mutex_};
+        std::erase(engines_.playing_, this);
+    }
+    fallSilent();
     scheduled_.reset();
+}
+
+void SimulatedAudioEngine::fallSilent()
+{
+    const std::lock_guard guard{mutex_};
+    isStarted_ = false;
     if (sound_) {
         speaker_.end(*std::exchange(sound_, std::nullopt));
     }

@@ -1,11 +1,11 @@
 #pragma once
 
 #include "platform/AudioEngine.hpp"
-#include "platform/simulated/FaultSwitches.hpp"
-#include "platform/simulated/Speaker.hpp"
+#include "platform/simulated/SimulatedAudioEngines.hpp"
 
 #include <cstdint>
 #include <memory>
+#include <mutex>
 #include <optional>
 
 namespace sentrel::simulated {
@@ -13,11 +13,8 @@ namespace sentrel::simulated {
 /// One engine with one player node. It sounds while it is started, has a buffer, and plays.
 class SimulatedAudioEngine final : public platform::AudioEngine {
 public:
-    SimulatedAudioEngine(Speaker& speaker, SimulatedAudio& audio, FaultSwitches& faults)
-        : speaker_(speaker), audio_(audio), faults_(faults)
-    {
-    }
-    ~SimulatedAudioEngine() override { SimulatedAudioEngine::stop(); }
+    explicit SimulatedAudioEngine(SimulatedAudioEngines& engines);
+    ~SimulatedAudioEngine() override;
 
     std::int32_t setOutputUnitProperty(std::uint32_t property, std::uint32_t scope, std::uint32_t element,
                                        std::uint32_t value) override;
@@ -30,9 +27,17 @@ public:
     [[nodiscard]] bool start() override;
     void scheduleLooping(std::unique_ptr<platform::AudioBuffer> buffer) override;
     [[nodiscard]] bool play() override;
+    [[nodiscard]] bool isRunning() override;
     void stop() override;
 
+    /// The system stops it. Any thread.
+    void fallSilent();
+
 private:
+    void end();
+
+    SimulatedAudioEngines& engines_;
+    std::mutex mutex_; // guards the sound and whether it is started
     Speaker& speaker_;
     SimulatedAudio& audio_;
     FaultSwitches& faults_;

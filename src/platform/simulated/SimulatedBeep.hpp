@@ -15,6 +15,7 @@ public:
 
     void beep() override
     {
+        faults_.call("beep");
         if (!faults_.strikes("beep")) {
             speaker_.beep();
         }

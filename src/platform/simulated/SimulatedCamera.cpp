@@ -24,7 +24,11 @@ public:
     [[nodiscard]] const std::string& name() const { return model_.name; }
     [[nodiscard]] std::string deviceType() const override { return model_.type; }
     [[nodiscard]] bool isContinuityCamera() const override { return model_.isContinuityCamera; }
-    [[nodiscard]] bool isAdjustingExposure() const override { return isWithin(model_.adjustsExposureFor); }
+    [[nodiscard]] bool isAdjustingExposure() const override
+    {
+        world_->faults.call("isAdjustingExposure");
+        return isWithin(model_.adjustsExposureFor);
+    }
     [[nodiscard]] bool isAdjustingWhiteBalance() const override { return isWithin(model_.adjustsWhiteBalanceFor); }
 
 private:
@@ -193,13 +197,20 @@ int SimulatedCamera::photosRequested() const
 
 CaptureAuthorization SimulatedCamera::authorizationStatus(const std::string& mediaType)
 {
+    world_->faults.call("authorizationStatus");
+    return authorizationOf(mediaType);
+}
+
+CaptureAuthorization SimulatedCamera::authorizationOf(const std::string& mediaType) const
+{
     const std::lock_guard guard{world_->mutex};
     return mediaType == videoType ? world_->authorization : CaptureAuthorization::denied;
 }
 
 void SimulatedCamera::requestAccess(const std::string& mediaType, std::function<void(bool granted)> answered)
 {
-    const auto status = authorizationStatus(mediaType);
+    world_->faults.call("requestAccess");
+    const auto status = authorizationOf(mediaType);
     if (status != CaptureAuthorization::notDetermined) {
         tell(*world_, std::move(answered), status == CaptureAuthorization::authorized);
         return;
@@ -219,6 +230,7 @@ void SimulatedCamera::requestAccess(const std::string& mediaType, std::function<
 std::vector<std::shared_ptr<platform::CaptureDevice>>
 SimulatedCamera::discoverDevices(const std::vector<std::string>& deviceTypes, const std::string& mediaType)
 {
+    world_->faults.call("discoverDevices");
     std::vector<std::shared_ptr<platform::CaptureDevice>> found;
     const std::lock_guard guard{world_->mutex};
     for (const CameraModel& model : world_->devices) {
@@ -231,6 +243,7 @@ SimulatedCamera::discoverDevices(const std::vector<std::string>& deviceTypes, co
 
 std::shared_ptr<platform::CaptureDevice> SimulatedCamera::defaultDevice(const std::string& mediaType)
 {
+    world_->faults.call("defaultDevice");
     const std::lock_guard guard{world_->mutex};
     if (mediaType != videoType || world_->devices.empty()) {
         return nullptr;
@@ -240,6 +253,7 @@ std::shared_ptr<platform::CaptureDevice> SimulatedCamera::defaultDevice(const st
 
 std::shared_ptr<platform::CaptureInput> SimulatedCamera::makeInput(const platform::CaptureDevice& device)
 {
+    world_->faults.call("makeInput");
     if (world_->faults.strikes("input")) {
         return nullptr;
     }
@@ -250,16 +264,19 @@ std::shared_ptr<platform::CaptureInput> SimulatedCamera::makeInput(const platfor
 
 std::unique_ptr<platform::CaptureSession> SimulatedCamera::makeSession()
 {
+    world_->faults.call("makeSession");
     return std::make_unique<SimulatedCaptureSession>(world_);
 }
 
 std::shared_ptr<platform::PhotoOutput> SimulatedCamera::makePhotoOutput()
 {
+    world_->faults.call("makePhotoOutput");
     return std::make_shared<SimulatedPhotoOutput>(world_);
 }
 
 std::unique_ptr<platform::PhotoSettings> SimulatedCamera::makePhotoSettings()
 {
+    world_->faults.call("makePhotoSettings");
     return std::make_unique<SimulatedPhotoSettings>(++world_->lastPhotoId);
 }
 

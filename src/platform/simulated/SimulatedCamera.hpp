@@ -71,7 +71,8 @@ public:
     [[nodiscard]] CameraView view() const;
 
     /// Faults: "input" (the device can't be opened), "add-input", "add-output" (the session refuses), "photo" (ends
-    /// with an error), "photo-data" (has no file representation), "start" (the session does not come to run).
+    /// with an error), "photo-data" (has no file representation), "photo-twice" (the delegate is told twice), "start"
+    /// (the session does not come to run).
     [[nodiscard]] FaultSwitches& faults();
 
     /// The system takes the camera away, as it does for another application.
@@ -99,6 +100,8 @@ public:
     struct World;
 
 private:
+    [[nodiscard]] platform::CaptureAuthorization authorizationOf(const std::string& mediaType) const;
+
     std::shared_ptr<World> world_;
 };
 

@@ -29,6 +29,9 @@ public:
         return file_ ? *file_ : world_->scene.photograph(timeOfDay_, brightness_);
     }
 
+    /// How often the delegate is told of it.
+    [[nodiscard]] int answers() const { return world_->faults.strikes("photo-twice") ? 2 : 1; }
+
 private:
     std::shared_ptr<World> world_;
     Date timeOfDay_;
@@ -41,7 +44,9 @@ Async<void> deliver(std::shared_ptr<SimulatedPhoto> photo, Duration delay, std::
 {
     co_await sleepFor(delay);
     if (const auto alive = delegate.lock()) {
-        alive->didFinishProcessingPhoto(*photo, std::move(error));
+        for (int answers = photo->answers(); answers > 0; --answers) {
+            alive->didFinishProcessingPhoto(*photo, error);
+        }
     }
 }
 
@@ -50,6 +55,7 @@ Async<void> deliver(std::shared_ptr<SimulatedPhoto> photo, Duration delay, std::
 void SimulatedPhotoOutput::capturePhoto(const platform::PhotoSettings& /*settings*/,
                                         std::weak_ptr<platform::PhotoOutputDelegate> delegate)
 {
+    world_->faults.call("capturePhoto");
     std::optional<std::string> error;
     if (!world_->isRunning(session_)) {
         error = "The session is not running.";
@@ -69,7 +75,7 @@ void SimulatedPhotoOutput::capturePhoto(const platform::PhotoSettings& /*setting
 
 SimulatedCaptureSession::~SimulatedCaptureSession()
 {
-    stopRunning();
+    stop();
     if (output_) {
         output_->attach(nullptr);
     }
@@ -77,23 +83,27 @@ SimulatedCaptureSession::~SimulatedCaptureSession()
 
 bool SimulatedCaptureSession::canAddInput(const platform::CaptureInput& /*input*/)
 {
+    world_->faults.call("canAddInput");
     return !world_->faults.strikes("add-input") && !input_;
 }
 
 bool SimulatedCaptureSession::canAddOutput(const platform::PhotoOutput& output)
 {
+    world_->faults.call("canAddOutput");
     return !world_->faults.strikes("add-output") && !output_ &&
            !static_cast<const SimulatedPhotoOutput&>(output).isAttached();
 }
 
 void SimulatedCaptureSession::addOutput(std::shared_ptr<platform::PhotoOutput> output)
 {
+    world_->faults.call("addOutput");
     output_ = std::static_pointer_cast<SimulatedPhotoOutput>(std::move(output));
     output_->attach(this);
 }
 
 void SimulatedCaptureSession::startRunning()
 {
+    world_->faults.call("startRunning");
     const bool isComplete = input_ && output_ && preset_ == "AVCaptureSessionPresetPhoto";
     if (!isComplete || world_->faults.strikes("start")) {
         return;
@@ -105,6 +115,18 @@ void SimulatedCaptureSession::startRunning()
 }
 
 void SimulatedCaptureSession::stopRunning()
+{
+    world_->faults.call("stopRunning");
+    stop();
+}
+
+bool SimulatedCaptureSession::isRunning() const
+{
+    world_->faults.call("isRunning");
+    return world_->isRunning(this);
+}
+
+void SimulatedCaptureSession::stop()
 {
     const std::lock_guard guard{world_->mutex};
     if (world_->runningSession == this) {

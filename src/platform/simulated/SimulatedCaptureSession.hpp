@@ -20,7 +20,7 @@ struct SimulatedCamera::World {
     Scheduler& scheduler;
     platform::WallClock& wallClock;
     const Clocks clocks;
-    FaultSwitches faults{"input", "add-input", "add-output", "photo", "photo-data", "start"};
+    FaultSwitches faults{"input", "add-input", "add-output", "photo", "photo-data", "photo-twice", "start"};
     CafeScene scene;
     std::atomic<std::int64_t> lastPhotoId = 0;
 
@@ -74,9 +74,11 @@ public:
     void addOutput(std::shared_ptr<platform::PhotoOutput> output) override;
     void startRunning() override;
     void stopRunning() override;
-    [[nodiscard]] bool isRunning() const override { return world_->isRunning(this); }
+    [[nodiscard]] bool isRunning() const override;
 
 private:
+    void stop();
+
     std::shared_ptr<SimulatedCamera::World> world_;
     std::string preset_;
     std::shared_ptr<platform::CaptureInput> input_;

@@ -43,21 +43,25 @@ SimulatedDisplays::~SimulatedDisplays() = default;
 
 std::vector<platform::Screen> SimulatedDisplays::screens()
 {
+    faults_.call("screens");
     return faults_.strikes("no-screens") ? std::vector<platform::Screen>{} : allScreens();
 }
 
 std::int64_t SimulatedDisplays::shieldingLevel()
 {
+    faults_.call("shieldingLevel");
     return shielding;
 }
 
 std::unique_ptr<platform::Window> SimulatedDisplays::makeWindow(const platform::WindowDescription& description)
 {
+    faults_.call("makeWindow");
     return windows_.open(description);
 }
 
 platform::RegistrationPtr SimulatedDisplays::observe(const std::string& name, std::function<void()> received)
 {
+    faults_.call("observe");
     return notifications_.observe(name, std::move(received));
 }
 

@@ -152,6 +152,7 @@ SimulatedFileSystem::Counts SimulatedFileSystem::counts() const
 
 int SimulatedFileSystem::begin(std::string_view fault, int error)
 {
+    faults_.call(fault.empty() ? "exists" : fault);
     {
         const std::lock_guard guard{mutex_};
         ++counts_.calls;

@@ -10,6 +10,7 @@ SimulatedHost::SimulatedHost(std::filesystem::path root, Facts facts) : root_(st
 
 std::optional<std::string> SimulatedHost::systemControlText(const std::string& name)
 {
+    faults_.call("systemControlText");
     if (name != "hw.model" || faults_.strikes("model")) {
         return std::nullopt;
     }
@@ -18,6 +19,7 @@ std::optional<std::string> SimulatedHost::systemControlText(const std::string& n
 
 std::optional<Bytes> SimulatedHost::registryData(const std::string& path, const std::string& property)
 {
+    faults_.call("registryData");
     if (path != "IODeviceTree:/product" || property != "product-name" || !facts_.productName) {
         return std::nullopt;
     }
@@ -26,8 +28,27 @@ std::optional<Bytes> SimulatedHost::registryData(const std::string& path, const 
     return data;
 }
 
+std::optional<std::string> SimulatedHost::localizedName()
+{
+    faults_.call("localizedName");
+    return facts_.localizedName;
+}
+
+std::optional<std::string> SimulatedHost::bundleIdentifier()
+{
+    faults_.call("bundleIdentifier");
+    return facts_.bundleIdentifier;
+}
+
+std::filesystem::path SimulatedHost::temporaryDirectory()
+{
+    faults_.call("temporaryDirectory");
+    return root_ / "tmp";
+}
+
 std::optional<std::filesystem::path> SimulatedHost::applicationSupportDirectory()
 {
+    faults_.call("applicationSupportDirectory");
     if (faults_.strikes("application-support")) {
         return std::nullopt;
     }

@@ -20,10 +20,10 @@ public:
 
     [[nodiscard]] std::optional<std::string> systemControlText(const std::string& name) override;
     [[nodiscard]] std::optional<Bytes> registryData(const std::string& path, const std::string& property) override;
-    [[nodiscard]] std::optional<std::string> localizedName() override { return facts_.localizedName; }
-    [[nodiscard]] std::optional<std::string> bundleIdentifier() override { return facts_.bundleIdentifier; }
+    [[nodiscard]] std::optional<std::string> localizedName() override;
+    [[nodiscard]] std::optional<std::string> bundleIdentifier() override;
     [[nodiscard]] std::optional<std::filesystem::path> applicationSupportDirectory() override;
-    [[nodiscard]] std::filesystem::path temporaryDirectory() override { return root_ / "tmp"; }
+    [[nodiscard]] std::filesystem::path temporaryDirectory() override;
 
     /// `model`: the system doesn't know its model. `application-support`: it gives no such folder.
     [[nodiscard]] FaultSwitches& faults() { return faults_; }

@@ -21,6 +21,7 @@ bool isPlayPauseDown(const platform::SystemDefinedEvent& event)
 
 bool SimulatedInput::postSystemDefined(const platform::SystemDefinedEvent& event, std::uint32_t tap)
 {
+    faults_.call("postSystemDefined");
     if (faults_.strikes("event")) {
         return false;
     }

@@ -105,6 +105,7 @@ SimulatedKeychain::SimulatedKeychain(platform::FileSystem& files, std::filesyste
 
 SimulatedKeychain::Copied SimulatedKeychain::copyMatching(const KeychainDictionary& dictionary)
 {
+    faults_.call("copyMatching");
     const std::lock_guard guard{mutex_};
     const auto query = Query::read(dictionary);
     if (const std::int32_t refused = permit(query, "copy"); refused != success) {
@@ -123,6 +124,7 @@ SimulatedKeychain::Copied SimulatedKeychain::copyMatching(const KeychainDictiona
 
 std::int32_t SimulatedKeychain::add(const KeychainDictionary& attributes)
 {
+    faults_.call("add");
     const std::lock_guard guard{mutex_};
     const auto query = Query::read(attributes);
     if (const std::int32_t refused = permit(query, "add"); refused != success) {
@@ -145,6 +147,7 @@ std::int32_t SimulatedKeychain::add(const KeychainDictionary& attributes)
 std::int32_t SimulatedKeychain::update(const KeychainDictionary& dictionary,
                                        const KeychainDictionary& attributesToUpdate)
 {
+    faults_.call("update");
     const std::lock_guard guard{mutex_};
     const auto query = Query::read(dictionary);
     if (const std::int32_t refused = permit(query, "update"); refused != success) {
@@ -164,6 +167,7 @@ std::int32_t SimulatedKeychain::update(const KeychainDictionary& dictionary,
 
 std::int32_t SimulatedKeychain::remove(const KeychainDictionary& dictionary)
 {
+    faults_.call("remove");
     const std::lock_guard guard{mutex_};
     const auto query = Query::read(dictionary);
     if (const std::int32_t refused = permit(query, "delete"); refused != success) {
@@ -234,6 +238,7 @@ std::int32_t SimulatedKeychain::permit(const std::optional<Query>& query, std::s
 
 std::int32_t SimulatedKeychain::change(KeychainStore store, const Change& make)
 {
+    const PortCalls::DeviceScope scope;
     KeychainContents changed = *contents_;
     if (const std::int32_t status = make(changed.items(store)); status != success) {
         return status;

@@ -18,6 +18,7 @@ std::string_view describe(std::optional<std::int64_t> clamshellState)
 
 std::optional<std::int64_t> SimulatedLid::number(const std::string& serviceClass, const std::string& property)
 {
+    faults_.call("number");
     if (serviceClass != "IOPMrootDomain" || faults_.strikes("service")) {
         return std::nullopt;
     }

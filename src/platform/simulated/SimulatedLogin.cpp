@@ -39,7 +39,10 @@ struct SimulatedLogin::State {
 
 class SimulatedLogin::Context final : public platform::LoginContext {
 public:
-    Context(std::shared_ptr<State> state, SerialQueue& panels) : state_(std::move(state)), panels_(panels) {}
+    Context(std::shared_ptr<State> state, SerialQueue& panels, FaultSwitches& faults)
+        : state_(std::move(state)), panels_(panels), faults_(faults)
+    {
+    }
 
     ~Context() override
     {
@@ -56,6 +59,7 @@ public:
 
     [[nodiscard]] Evaluability canEvaluatePolicy(std::int64_t /*policy*/) override
     {
+        faults_.call("canEvaluatePolicy");
         Evaluability evaluability;
         {
             const std::lock_guard guard{state_->mutex};
@@ -72,6 +76,7 @@ public:
 
     void evaluatePolicy(std::int64_t /*policy*/, const std::string& reason, std::function<void(bool)> reply) override
     {
+        faults_.call("evaluatePolicy");
         if (panel_ != nullptr) {
             fatalError("a simulated login context is asked twice");
         }
@@ -84,6 +89,7 @@ public:
 private:
     std::shared_ptr<State> state_;
     SerialQueue& panels_;
+    FaultSwitches& faults_;
     std::string reason_;
     std::shared_ptr<Panel> panel_;
 };
@@ -111,7 +117,8 @@ SimulatedLogin::SimulatedLogin(Scheduler& scheduler, platform::Journal& journal)
 
 std::unique_ptr<platform::LoginContext> SimulatedLogin::makeContext()
 {
-    return std::make_unique<Context>(state_, panels_);
+    faults_.call("makeContext");
+    return std::make_unique<Context>(state_, panels_, faults_);
 }
 
 Async<void> SimulatedLogin::show(std::shared_ptr<State> state, std::shared_ptr<Panel> panel)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/LoginAuthentication.hpp"
+#include "platform/simulated/FaultSwitches.hpp"
 #include "runtime/SerialQueue.hpp"
 
 #include <memory>
@@ -55,7 +56,10 @@ public:
     /// The reasons of all panels shown so far.
     [[nodiscard]] std::vector<std::string> reasonsAsked() const;
 
+    [[nodiscard]] FaultSwitches& faults() { return faults_; }
+
 private:
+    FaultSwitches faults_{};
     class Context;
     struct Panel;
     struct State;

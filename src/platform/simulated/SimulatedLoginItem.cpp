@@ -33,6 +33,8 @@ SimulatedLoginItem::SimulatedLoginItem(platform::FileSystem& files, platform::Jo
 
 std::int64_t SimulatedLoginItem::status()
 {
+    faults_.call("status");
+    const PortCalls::DeviceScope scope;
     const auto content = files_.read(file_);
     const auto document = content ? parseJson(*content) : std::nullopt;
     const Json* const status = document ? member(*document, "status") : nullptr;
@@ -43,6 +45,7 @@ std::int64_t SimulatedLoginItem::status()
 
 std::optional<std::string> SimulatedLoginItem::registerItem()
 {
+    faults_.call("registerItem");
     if (faults_.strikes("register")) {
         return "Operation not permitted";
     }
@@ -51,12 +54,14 @@ std::optional<std::string> SimulatedLoginItem::registerItem()
 
 std::optional<std::string> SimulatedLoginItem::unregisterItem()
 {
+    faults_.call("unregisterItem");
     return faults_.strikes("unregister") ? std::optional<std::string>{"Operation not permitted"}
                                          : setStatus(notRegistered);
 }
 
 std::optional<std::string> SimulatedLoginItem::setStatus(std::int64_t status)
 {
+    const PortCalls::DeviceScope scope;
     files_.createDirectories(file_.parent_path(), folderMode);
     Json document = Json::object();
     document["status"] = status;

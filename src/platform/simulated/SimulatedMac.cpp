@@ -34,8 +34,39 @@ SimulatedMusic::Consent consentOf(MacDescription::Consent consent)
 
 } // namespace
 
+class SimulatedMac::GatedJournal final : public platform::Journal {
+public:
+    GatedJournal(platform::Journal& journal, FaultSwitches& faults) : journal_(journal), faults_(faults) {}
+
+private:
+    void write(std::string_view event, std::initializer_list<Field> fields) override
+    {
+        faults_.call("note");
+        journal_.note(event, fields);
+    }
+
+    platform::Journal& journal_;
+    FaultSwitches& faults_;
+};
+
+class SimulatedMac::GatedWallClock final : public platform::WallClock {
+public:
+    GatedWallClock(platform::WallClock& clock, FaultSwitches& faults) : clock_(clock), faults_(faults) {}
+
+    [[nodiscard]] Date now() override
+    {
+        faults_.call("now");
+        return clock_.now();
+    }
+
+private:
+    platform::WallClock& clock_;
+    FaultSwitches& faults_;
+};
+
 SimulatedMac::SimulatedMac(const MacSurroundings& surroundings, const MacDescription& description)
-    : journal_(surroundings.journal),
+    : calls_(surroundings.hanging),
+      journal_(surroundings.journal),
       process_(surroundings.process),
       disk_(surroundings.disk),
       wallClock(surroundings.hardware, surroundings.date),
@@ -73,8 +104,13 @@ SimulatedMac::SimulatedMac(const MacSurroundings& surroundings, const MacDescrip
           .device = description.localizedName.value_or("Mac"),
           .assets = disk_ / "Caches" / "CloudKit",
           .seed = surroundings.seed,
-      })
+      }),
+      gatedJournal_(std::make_unique<GatedJournal>(journal_, journalFaults_)),
+      gatedWallClock_(std::make_unique<GatedWallClock>(wallClock, wallClockFaults_))
 {
+    for (const auto& [port, switches] : faults()) {
+        switches->connect(calls_, port);
+    }
     // The menu is open as long as nothing else has the keyboard.
     displays.onKeyWindow([this] { statusBar.closeMenu(); });
     iCloud.account.onChange([this] { displays.post("CKAccountChangedNotification"); });
@@ -109,20 +145,22 @@ Async<void> SimulatedMac::announceDays()
     }
 }
 
+SimulatedMac::~SimulatedMac() = default;
+
 platform::Platform& SimulatedMac::startProcess()
 {
     platform_.reset();
-    defaults_.emplace(files, journal_, preferences(), host.bundleIdentifier().value_or("Sentrel"));
+    defaults_.emplace(files, journal_, preferences(), host.bundleIdentifier().value_or("Sentrel"), &defaultsFaults_);
     platform_.emplace(platform::Platform{
         .scheduler = process_,
-        .wallClock = wallClock,
+        .wallClock = *gatedWallClock_,
         .random = random,
         .host = host,
         .files = files,
         .defaults = *defaults_,
         .language = language,
         .calendar = calendar,
-        .journal = journal_,
+        .journal = *gatedJournal_,
         .standardOutput = standardOutput,
         .powerSources = power,
         .powerAssertions = assertions,
@@ -194,6 +232,24 @@ std::vector<std::pair<std::string, FaultSwitches*>> SimulatedMac::faults()
         {"login-item", &loginItem.faults()},
         {"files", &files.faults()},
         {"random", &random.faults()},
+        {"user-defaults", &defaultsFaults_},
+        {"journal", &journalFaults_},
+        {"wall-clock", &wallClockFaults_},
+        {"language", &language.faults()},
+        {"calendar", &calendar.faults()},
+        {"image-codec", &imageCodec.faults()},
+        {"cryptography", &cryptography.faults()},
+        {"standard-output", &standardOutput.faults()},
+        {"login", &login.faults()},
+        {"alerts", &alerts.faults()},
+        {"activation", &activation.faults()},
+        {"application", &application.faults()},
+        {"status-bar", &statusBar.faults()},
+        {"save-panels", &savePanels.faults()},
+        {"preview-panel", &previewPanel.faults()},
+        {"icloud", &iCloud.link.callFaults()},
+        {"network", &iCloud.network.faults()},
+        {"push", &iCloud.notifications.faults()},
     };
 }
 

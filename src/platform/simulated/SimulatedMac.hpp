@@ -7,6 +7,7 @@
 #include "platform/simulated/IcuLanguage.hpp"
 #include "platform/simulated/MacDescription.hpp"
 #include "platform/simulated/OpenSslCryptography.hpp"
+#include "platform/simulated/PortCalls.hpp"
 #include "platform/simulated/SeededRandom.hpp"
 #include "platform/simulated/SimulatedAccelerometer.hpp"
 #include "platform/simulated/SimulatedAlerts.hpp"
@@ -40,6 +41,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <memory>
 #include <optional>
 #include <string>
 #include <utility>
@@ -57,6 +59,7 @@ struct MacSurroundings {
     PrivateCloud& cloudServer;       ///< which other Macs and the phone may share
     std::uint64_t seed = 1;          ///< of noise and identifiers
     Date date{};                     ///< when it all begins
+    HangingCalls* hanging = nullptr; ///< where calls may hang, if anywhere
 };
 
 /// The whole simulated MacBook: its devices, its files, and the ports through which one process of the product sees
@@ -65,6 +68,7 @@ class SimulatedMac {
 public:
     /// Throws what the devices throw about a description that makes no sense.
     SimulatedMac(const MacSurroundings& surroundings, const MacDescription& description);
+    ~SimulatedMac();
     SimulatedMac(const SimulatedMac&) = delete;
 
     /// What a new process of the product gets to see: it reads the user defaults anew.
@@ -82,7 +86,14 @@ public:
     [[nodiscard]] const std::filesystem::path& disk() const { return disk_; }
     [[nodiscard]] std::filesystem::path preferences() const { return disk_ / "Preferences"; }
 
+    /// The gate of all calls of the product.
+    [[nodiscard]] PortCalls& calls() { return calls_; }
+
 private:
+    class GatedJournal;
+    class GatedWallClock;
+
+    PortCalls calls_;
     platform::Journal& journal_;
     Scheduler& process_;
     const std::filesystem::path disk_;
@@ -125,6 +136,12 @@ public:
 private:
     Async<void> announceDays();
 
+    // Of ports that devices use as well, so that the product has a gate of its own.
+    FaultSwitches defaultsFaults_{};
+    FaultSwitches journalFaults_{};
+    FaultSwitches wallClockFaults_{};
+    std::unique_ptr<GatedJournal> gatedJournal_;
+    std::unique_ptr<GatedWallClock> gatedWallClock_;
     std::optional<DefaultsFile> defaults_;
     std::optional<platform::Platform> platform_;
     TaskBag tasks_;

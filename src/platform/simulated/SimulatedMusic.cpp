@@ -33,11 +33,13 @@ SimulatedMusic::Playback paused(SimulatedMusic::Playback now)
 
 bool SimulatedMusic::isInstalled(const std::string& bundleIdentifier)
 {
+    faults_.call("isInstalled");
     return bundleIdentifier == musicIdentifier && !faults_.strikes("not-installed");
 }
 
 bool SimulatedMusic::isRunning(const std::string& bundleIdentifier)
 {
+    faults_.call("isRunning");
     return bundleIdentifier == musicIdentifier && playback() != Playback::absent;
 }
 
@@ -45,10 +47,12 @@ Async<std::optional<std::int32_t>> SimulatedMusic::determinePermission(std::uint
                                                                        std::string bundleIdentifier, std::uint32_t,
                                                                        std::uint32_t, bool askUserIfNeeded)
 {
+    co_await faults_.awaitedCall("determinePermission");
     if (faults_.strikes("descriptor")) {
         co_return std::nullopt;
     }
-    if (descriptorType != fourCharCode("bund") || !isRunning(bundleIdentifier)) {
+    if (descriptorType != fourCharCode("bund") || bundleIdentifier != musicIdentifier ||
+        playback() == Playback::absent) {
         co_return procNotFound;
     }
     const Consent known = consent();
@@ -80,6 +84,7 @@ Async<std::int32_t> SimulatedMusic::askOwner()
 
 Async<std::optional<bool>> SimulatedMusic::runScript(std::string source)
 {
+    co_await faults_.awaitedCall("runScript");
     if (faults_.strikes("script-hangs")) {
         co_await never_.wait();
     }

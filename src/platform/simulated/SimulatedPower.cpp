@@ -68,6 +68,7 @@ SimulatedPower::SimulatedPower(Scheduler& scheduler, platform::Journal& journal)
 
 std::unique_ptr<platform::PowerSourcesSnapshot> SimulatedPower::copySnapshot()
 {
+    faults_.call("copySnapshot");
     if (faults_.strikes("snapshot")) {
         return nullptr;
     }
@@ -76,6 +77,7 @@ std::unique_ptr<platform::PowerSourcesSnapshot> SimulatedPower::copySnapshot()
 
 platform::RegistrationPtr SimulatedPower::observeChanges(std::function<void()> changed)
 {
+    faults_.call("observeChanges");
     if (faults_.strikes("register")) {
         return nullptr;
     }

@@ -8,12 +8,14 @@ namespace sentrel::simulated {
 
 void SimulatedPreviewPanel::setDataSource(platform::PreviewDataSource* source)
 {
+    faults_.call("setDataSource");
     source_ = source;
     reloadData();
 }
 
 void SimulatedPreviewPanel::reloadData()
 {
+    faults_.call("reloadData");
     items_.clear();
     const std::size_t count = source_ == nullptr ? 0 : source_->numberOfItems();
     for (std::size_t index = 0; index < count; ++index) {
@@ -23,6 +25,7 @@ void SimulatedPreviewPanel::reloadData()
 
 void SimulatedPreviewPanel::makeKeyAndOrderFront()
 {
+    faults_.call("makeKeyAndOrderFront");
     if (std::exchange(isVisible_, true)) {
         return;
     }

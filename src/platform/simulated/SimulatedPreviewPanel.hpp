@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/PreviewPanel.hpp"
+#include "platform/simulated/FaultSwitches.hpp"
 
 #include <cstddef>
 #include <filesystem>
@@ -35,7 +36,10 @@ public:
     /// The files that it shows; none while it isn't open.
     [[nodiscard]] std::vector<std::filesystem::path> items() const;
 
+    [[nodiscard]] FaultSwitches& faults() { return faults_; }
+
 private:
+    FaultSwitches faults_{};
     platform::Journal& journal_;
     platform::PreviewPanelControl control_;
     platform::PreviewDataSource* source_ = nullptr;

@@ -39,6 +39,7 @@ SimulatedSavePanels::SimulatedSavePanels(Scheduler& scheduler, std::filesystem::
 
 Async<std::optional<std::filesystem::path>> SimulatedSavePanels::run(platform::SavePanelContent content)
 {
+    co_await faults_.awaitedCall("run");
     Opened opened{*this, std::move(content)};
     Panel& panel = opened.panel();
     std::optional<Duration> delay;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/SavePanels.hpp"
+#include "platform/simulated/FaultSwitches.hpp"
 #include "runtime/Semaphore.hpp"
 #include "runtime/Time.hpp"
 
@@ -48,7 +49,10 @@ public:
     /// Every panel so far.
     [[nodiscard]] std::vector<platform::SavePanelContent> shown() const;
 
+    [[nodiscard]] FaultSwitches& faults() { return faults_; }
+
 private:
+    FaultSwitches faults_{};
     struct Panel {
         platform::SavePanelContent content;
         std::optional<Answer> answer;

@@ -2,6 +2,7 @@
 
 #include "platform/Journal.hpp"
 #include "platform/StandardOutput.hpp"
+#include "platform/simulated/FaultSwitches.hpp"
 
 namespace sentrel::simulated {
 
@@ -11,9 +12,16 @@ class SimulatedStandardOutput final : public platform::StandardOutput {
 public:
     explicit SimulatedStandardOutput(platform::Journal& journal) : journal_(journal) {}
 
-    void printLine(std::string_view text) override { journal_.note("printed", {{"text", text}}); }
+    void printLine(std::string_view text) override
+    {
+        faults_.call("printLine");
+        journal_.note("printed", {{"text", text}});
+    }
+
+    [[nodiscard]] FaultSwitches& faults() { return faults_; }
 
 private:
+    FaultSwitches faults_{};
     platform::Journal& journal_;
 };
 

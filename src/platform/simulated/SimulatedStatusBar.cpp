@@ -18,12 +18,21 @@ public:
 
     void setImage(const std::string& asset, const std::string& accessibilityLabel) override
     {
+        bar_.faults_.call("setImage");
         state_->image = asset;
         state_->accessibilityLabel = accessibilityLabel;
     }
-    void showContent(ui::View content) override { WindowContent{state_->menu}.show(std::move(content)); }
+    void showContent(ui::View content) override
+    {
+        bar_.faults_.call("showContent");
+        WindowContent{state_->menu}.show(std::move(content));
+    }
     void setOpened(std::function<void()> opened) override { state_->opened = std::move(opened); }
-    void dismiss() override { state_->isMenuOpen = false; }
+    void dismiss() override
+    {
+        bar_.faults_.call("dismiss");
+        state_->isMenuOpen = false;
+    }
 
 private:
     SimulatedStatusBar& bar_;
@@ -32,6 +41,7 @@ private:
 
 std::unique_ptr<platform::StatusItem> SimulatedStatusBar::makeStatusItem()
 {
+    faults_.call("makeStatusItem");
     state_ = std::make_shared<State>();
     return std::make_unique<Handle>(*this, state_);
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/StatusBar.hpp"
+#include "platform/simulated/FaultSwitches.hpp"
 #include "platform/simulated/SimulatedWindow.hpp"
 
 #include <functional>
@@ -43,7 +44,10 @@ public:
     [[nodiscard]] ui::Interaction click(std::string_view wanted);
     [[nodiscard]] ui::Interaction pressKey(ui::Key key);
 
+    [[nodiscard]] FaultSwitches& faults() { return faults_; }
+
 private:
+    FaultSwitches faults_{};
     struct State {
         std::string image;
         std::string accessibilityLabel;

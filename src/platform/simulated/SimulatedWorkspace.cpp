@@ -6,6 +6,7 @@ namespace sentrel::simulated {
 
 platform::RegistrationPtr SimulatedWorkspace::observe(const std::string& name, std::function<void()> received)
 {
+    faults_.call("observe");
     return notifications_.observe(name, std::move(received));
 }
 

@@ -169,6 +169,7 @@ void addRow(std::span<const std::uint8_t> row, ChannelSums& sums)
 
 std::optional<TurboImageCodec::Rgba> TurboImageCodec::areaAverage(BytesView data)
 {
+    faults_.call("areaAverage");
     // Enough pixels that the ragged blocks at the edges don't tell.
     constexpr std::uint32_t sampledSide = 480;
 
@@ -200,12 +201,14 @@ std::optional<TurboImageCodec::Rgba> TurboImageCodec::areaAverage(BytesView data
 
 std::optional<PixelSize> TurboImageCodec::pixelSize(BytesView data)
 {
+    faults_.call("pixelSize");
     return JpegReader{data}.readHeader();
 }
 
 std::unique_ptr<platform::Image> TurboImageCodec::createThumbnail(BytesView data, std::uint32_t maxPixelSize,
                                                                   bool transform)
 {
+    faults_.call("createThumbnail");
     JpegReader reader{data};
     const auto full = reader.readHeader();
     if (!full || maxPixelSize == 0) {
@@ -233,6 +236,7 @@ std::unique_ptr<platform::Image> TurboImageCodec::createThumbnail(BytesView data
 
 std::optional<Bytes> TurboImageCodec::encode(const platform::Image& image, const std::string& type, double quality)
 {
+    faults_.call("encode");
     if (type != "public.jpeg" || !isShare(quality)) {
         return std::nullopt;
     }
@@ -242,6 +246,7 @@ std::optional<Bytes> TurboImageCodec::encode(const platform::Image& image, const
 
 std::optional<Bytes> TurboImageCodec::jpegRepresentation(BytesView data)
 {
+    faults_.call("jpegRepresentation");
     const auto size = pixelSize(data);
     const auto image = size ? createThumbnail(data, std::max(size->width, size->height), true) : nullptr;
     return image == nullptr ? std::nullopt : encode(*image, "public.jpeg", ownQuality);

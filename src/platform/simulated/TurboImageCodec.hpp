@@ -1,13 +1,14 @@
 #pragma once
 
 #include "platform/ImageCodec.hpp"
+#include "platform/simulated/FaultSwitches.hpp"
 
 #include <cstddef>
 
 namespace sentrel::simulated {
 
 /// JPEG files through libjpeg-turbo, decoded no larger than needed and scaled by libyuv. Whatever the data is, an
-/// operation holds no more than `mostMemory` at a time beside it. Stateless.
+/// operation holds no more than `mostMemory` at a time beside it.
 class TurboImageCodec final : public platform::ImageCodec {
 public:
     static constexpr std::size_t mostMemory = 64'000'000;
@@ -23,6 +24,11 @@ public:
 
     /// Turned upright, since the copy says nothing of the camera's orientation.
     [[nodiscard]] std::optional<Bytes> jpegRepresentation(BytesView data) override;
+
+    [[nodiscard]] FaultSwitches& faults() { return faults_; }
+
+private:
+    FaultSwitches faults_{};
 };
 
 } // namespace sentrel::simulated

@@ -65,6 +65,15 @@ CloudLink::CloudLink(Scheduler& hardware, platform::Journal& journal, PrivateClo
 {
 }
 
+Async<void> CloudLink::passGate(CloudOperation operation)
+{
+    try {
+        co_await callFaults_.awaitedCall(nameOf(operation));
+    } catch (const Raised&) {
+        throw cloudError(CKError::invalidArguments);
+    }
+}
+
 void CloudLink::start(CloudOperation operation, std::shared_ptr<Pending> pending, std::function<void()> serve)
 {
     auto request = std::make_shared<Request>();

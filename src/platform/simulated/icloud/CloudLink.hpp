@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/CloudAccount.hpp"
+#include "platform/simulated/FaultSwitches.hpp"
 #include "platform/simulated/icloud/CloudFaults.hpp"
 #include "platform/simulated/icloud/PrivateCloud.hpp"
 #include "runtime/Async.hpp"
@@ -41,6 +42,7 @@ public:
     template <class Answer>
     [[nodiscard]] Async<Answer> request(CloudOperation operation, std::function<Answer(const CloudDevice&)> serve)
     {
+        co_await passGate(operation);
         auto exchange = std::make_shared<Exchange<Answer>>();
         const CloudDevice who = device();
         start(operation, exchange, [exchange, who, serve = std::move(serve)] { exchange->answer = serve(who); });
@@ -55,6 +57,10 @@ public:
     [[nodiscard]] PrivateCloud& server() { return server_; }
     [[nodiscard]] SimulatedNetwork& network() { return network_; }
     [[nodiscard]] CloudFaults& faults() { return faults_; }
+
+    /// Of the calls themselves. A request that raises throws `CloudError` with code 12 (invalid arguments), which the
+    /// port makes of an exception; one that hangs is never answered.
+    [[nodiscard]] FaultSwitches& callFaults() { return callFaults_; }
 
     /// Who is signed in, and what the system says of the account; "owner" and available at first.
     void setUser(std::string user);
@@ -96,6 +102,7 @@ private:
     };
     struct Request;
 
+    [[nodiscard]] Async<void> passGate(CloudOperation operation);
     void start(CloudOperation operation, std::shared_ptr<Pending> pending, std::function<void()> serve);
     [[nodiscard]] std::optional<platform::CloudError> refusal(CloudOperation operation) const;
     void arrive(const std::shared_ptr<Request>& request);
@@ -108,6 +115,7 @@ private:
     SimulatedNetwork& network_;
     const std::string device_;
     CloudFaults faults_;
+    FaultSwitches callFaults_{};
     mutable std::mutex mutex_;
     std::string user_ = "owner";
     platform::CloudAccountStatus status_ = platform::CloudAccountStatus::available;

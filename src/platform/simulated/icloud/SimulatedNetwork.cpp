@@ -33,6 +33,7 @@ private:
 
 platform::RegistrationPtr SimulatedNetwork::monitor(SerialQueue& queue, std::function<void(Status)> pathChanged)
 {
+    faults_.call("monitor");
     const auto product = std::make_shared<Told>(std::move(pathChanged));
     const auto tell = [&queue, product](Status status) {
         post(queue.executor(), [product, status] { product->tell(status); });

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/NetworkPath.hpp"
+#include "platform/simulated/FaultSwitches.hpp"
 #include "platform/simulated/Listener.hpp"
 
 #include <mutex>
@@ -26,7 +27,10 @@ public:
     /// For what is part of the Mac: told of each change at once, on the thread of whoever makes it.
     [[nodiscard]] platform::RegistrationPtr observe(std::function<void(platform::NetworkPathStatus)> changed);
 
+    [[nodiscard]] FaultSwitches& faults() { return faults_; }
+
 private:
+    FaultSwitches faults_{};
     using Observers = Listeners<platform::NetworkPathStatus>;
 
     Observers observers_;

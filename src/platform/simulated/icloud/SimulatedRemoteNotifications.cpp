@@ -146,12 +146,14 @@ SimulatedRemoteNotifications::~SimulatedRemoteNotifications() = default;
 
 void SimulatedRemoteNotifications::setReceiver(Receiver receiver)
 {
+    faults_.call("setReceiver");
     const std::lock_guard guard{state_->mutex};
     state_->receiver = std::make_shared<const Receiver>(std::move(receiver));
 }
 
 void SimulatedRemoteNotifications::registerForRemoteNotifications()
 {
+    faults_.call("registerForRemoteNotifications");
     {
         const std::lock_guard guard{state_->mutex};
         state_->isRegistering = true;
@@ -161,6 +163,7 @@ void SimulatedRemoteNotifications::registerForRemoteNotifications()
 
 std::optional<platform::CloudNotification> SimulatedRemoteNotifications::cloudNotification(const Json& userInfo)
 {
+    faults_.call("cloudNotification");
     const Json* const cloudKit = member(userInfo, "ck");
     const auto kind = cloudKit == nullptr ? std::nullopt : kindOf(*cloudKit);
     if (!kind) {

@@ -2,6 +2,7 @@
 
 #include "platform/Registration.hpp"
 #include "platform/RemoteNotifications.hpp"
+#include "platform/simulated/FaultSwitches.hpp"
 
 #include <memory>
 #include <optional>
@@ -38,7 +39,10 @@ public:
     /// The process has ended: it hears no more, and a new one must register anew. On the main thread.
     void endProcess();
 
+    [[nodiscard]] FaultSwitches& faults() { return faults_; }
+
 private:
+    FaultSwitches faults_{};
     struct State;
 
     CloudLink& link_;

@@ -1,0 +1,85 @@
+#include "outputs/AlarmWatch.hpp"
+
+#include "foundation/Quietly.hpp"
+
+#include <algorithm>
+#include <utility>
+
+namespace sentrel {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+/// A little more than the worker's period, so that a worker that falls back to beeps gives its sign before.
+constexpr Duration checkInterval = 950ms;
+
+/// How long the worker's sign holds: two of its periods and some delay.
+constexpr Duration signHolds = 2s;
+
+constexpr float beepsAtFullVolume = 3.0F;
+
+} // namespace
+
+AlarmWatch::AlarmWatch(Scheduler& scheduler, platform::SystemBeep& beep, std::function<void()> onBeeping)
+    : beep_(beep),
+      onBeeping_(std::move(onBeeping)),
+      queue_(scheduler, "sentrel.alarm-watch", QualityOfService::userInteractive)
+{
+}
+
+AlarmWatch::~AlarmWatch()
+{
+    // The timer belongs to the queue: it goes while the queue stands, but when none of its jobs runs any more.
+    queue_.close();
+    timer_.reset();
+}
+
+void AlarmWatch::begin(float alarmVolume)
+{
+    queue_.async([this, alarmVolume] {
+        if (timer_ != nullptr) {
+            return;
+        }
+        alarmVolume_ = alarmVolume;
+        hasBeeped_ = false;
+        lastCheck_ = queue_.scheduler().now();
+        soundsUntil_ = lastCheck_;
+        timer_ =
+            std::make_unique<RepeatingTimer>(queue_.scheduler(), queue_.executor(), checkInterval, [this] { check(); });
+    });
+}
+
+void AlarmWatch::noteSounding()
+{
+    queue_.async([this] { soundsUntil_ = queue_.scheduler().now() + signHolds; });
+}
+
+void AlarmWatch::end()
+{
+    queue_.async([this] { timer_.reset(); });
+}
+
+void AlarmWatch::check()
+{
+    const Instant now = queue_.scheduler().now();
+    // A Mac that has slept had no time for signs either.
+    const bool hasSlept = now - std::exchange(lastCheck_, now) > 2 * checkInterval;
+    if (now < soundsUntil_ || hasSlept) {
+        return;
+    }
+    beepBurst(beep_, alarmVolume_);
+    if (!std::exchange(hasBeeped_, true)) {
+        onBeeping_();
+    }
+}
+
+void AlarmWatch::beepBurst(platform::SystemBeep& beep, float alarmVolume)
+{
+    const int count = static_cast<int>(std::max(alarmVolume * beepsAtFullVolume, 1.0F));
+    for (int i = 0; i < count; ++i) {
+        quietly([&beep] { beep.beep(); });
+    }
+}
+
+} // namespace sentrel
