@@ -4,16 +4,16 @@
 #include "outputs/MediaPlayback.hpp"
 #include "outputs/SystemVolumeControl.hpp"
 #include "outputs/ToneBuffer.hpp"
-#include "platform/Journal.hpp"
-#include "platform/UserDefaults.hpp"
-#include "platform/simulated/IcuLanguage.hpp"
-#include "platform/simulated/MacDescription.hpp"
-#include "platform/simulated/SimulatedAudioEngines.hpp"
-#include "platform/simulated/SimulatedBeep.hpp"
-#include "platform/simulated/SimulatedInput.hpp"
-#include "platform/simulated/SimulatedMusic.hpp"
-#include "platform/simulated/Speaker.hpp"
+#include "ports/Journal.hpp"
+#include "ports/UserDefaults.hpp"
 #include "runtime/VirtualScheduler.hpp"
+#include "simulation/mac/MacDescription.hpp"
+#include "simulation/mac/language/IcuLanguage.hpp"
+#include "simulation/mac/music/SimulatedInput.hpp"
+#include "simulation/mac/music/SimulatedMusic.hpp"
+#include "simulation/mac/sound/SimulatedAudioEngines.hpp"
+#include "simulation/mac/sound/SimulatedBeep.hpp"
+#include "simulation/mac/sound/Speaker.hpp"
 #include "support/MemoryDefaults.hpp"
 
 #include <map>
@@ -23,7 +23,7 @@
 namespace sentrel {
 namespace {
 
-class Silence final : public platform::Journal {
+class Silence final : public ports::Journal {
 public:
     void write(std::string_view /*event*/, std::initializer_list<Field> /*fields*/) override {}
 };
@@ -36,14 +36,14 @@ void alarmStart(benchmark::State& state)
     VirtualScheduler scheduler{clock};
     Silence journal;
     test::MemoryDefaults defaults;
-    const simulated::MacDescription description;
-    simulated::SimulatedAudio audio{journal, description.audio, description.defaultOutput};
-    simulated::Speaker speaker{scheduler, audio};
-    simulated::SimulatedAudioEngines engines{speaker, audio};
-    simulated::SimulatedBeep beep{speaker};
-    simulated::SimulatedMusic music{journal};
-    simulated::SimulatedInput input{[] {}};
-    simulated::IcuLanguage language{SENTREL_SOURCE_DIR "/resources", journal};
+    const simulation::MacDescription description;
+    simulation::SimulatedAudio audio{journal, description.audio, description.defaultOutput};
+    simulation::Speaker speaker{scheduler, audio};
+    simulation::SimulatedAudioEngines engines{speaker, audio};
+    simulation::SimulatedBeep beep{speaker};
+    simulation::SimulatedMusic music{journal};
+    simulation::SimulatedInput input{[] {}};
+    simulation::IcuLanguage language{SENTREL_SOURCE_DIR "/resources", journal};
     SystemVolumeControl outputVolume{audio, language};
     MediaPlayback mediaPlayback{MainActor{scheduler}, music, music, input};
     AlarmSoundPlayer player{MainActor{scheduler},

@@ -3,8 +3,8 @@
 #include "alerts/AlertMerge.hpp"
 #include "alerts/AlertSections.hpp"
 #include "alerts/LocalAlertStore.hpp"
-#include "platform/Language.hpp"
-#include "platform/simulated/IcuCalendar.hpp"
+#include "ports/Language.hpp"
+#include "simulation/mac/language/IcuCalendar.hpp"
 
 #include <algorithm>
 #include <cmath>
@@ -22,7 +22,7 @@ namespace {
 
 constexpr Date now{7.9e8};
 
-class EnglishOnly final : public platform::Language {
+class EnglishOnly final : public ports::Language {
 public:
     [[nodiscard]] std::string localized(std::string_view key) override { return std::string{key}; }
     [[nodiscard]] bool containsIgnoringCase(std::string_view /*text*/, std::string_view /*part*/) override
@@ -78,7 +78,7 @@ struct Times {
 };
 
 /// One turn of both, with the lists made beforehand; the fastest turn counts.
-double measureOnce(const Lists& lists, platform::Calendar& calendar, platform::Language& language, Times& fastest)
+double measureOnce(const Lists& lists, ports::Calendar& calendar, ports::Language& language, Times& fastest)
 {
     std::vector<AlertRow> rows = lists.unsorted;
     auto sort = [&rows] { sortByDate(rows); };
@@ -104,7 +104,7 @@ void buildAlertList(benchmark::State& state)
 {
     const auto count = static_cast<std::size_t>(state.range(0));
     const Lists lists{count};
-    simulated::IcuCalendar calendar{"en_US", "Europe/Paris"};
+    simulation::IcuCalendar calendar{"en_US", "Europe/Paris"};
     EnglishOnly language;
     Times fastest;
     for ([[maybe_unused]] auto turn : state) {
@@ -140,7 +140,7 @@ void growthOfAlertList(benchmark::State& state)
     // Memory that was used before is used again, or the growth would be that of asking the system for more.
     mallopt(M_MMAP_THRESHOLD, 1 << 30);
     mallopt(M_TRIM_THRESHOLD, std::numeric_limits<int>::max());
-    simulated::IcuCalendar calendar{"en_US", "Europe/Paris"};
+    simulation::IcuCalendar calendar{"en_US", "Europe/Paris"};
     EnglishOnly language;
     std::vector<std::pair<double, double>> work;
     std::vector<std::pair<double, double>> floor;

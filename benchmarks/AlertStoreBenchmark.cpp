@@ -1,10 +1,10 @@
 #include "BesideFloor.hpp"
 
 #include "alerts/LocalAlertStore.hpp"
-#include "platform/DurableFile.hpp"
-#include "platform/posix/PosixFileSystem.hpp"
-#include "platform/simulated/SimulatedHost.hpp"
+#include "ports/DurableFile.hpp"
+#include "posix/PosixFileSystem.hpp"
 #include "runtime/VirtualScheduler.hpp"
+#include "simulation/mac/SimulatedHost.hpp"
 
 #include <nlohmann/json.hpp>
 
@@ -71,7 +71,7 @@ void firstLoadOfAThousandAlerts(benchmark::State& state)
 {
     const Disk disk;
     posix::PosixFileSystem files;
-    simulated::SimulatedHost host{disk.root, {}};
+    simulation::SimulatedHost host{disk.root, {}};
     VirtualClock clock;
     VirtualScheduler scheduler{clock};
     measureBesideFloor(
@@ -104,7 +104,7 @@ void saveWithPhoto(benchmark::State& state)
 {
     const Disk disk;
     posix::PosixFileSystem files;
-    simulated::SimulatedHost host{disk.root, {}};
+    simulation::SimulatedHost host{disk.root, {}};
     VirtualClock clock;
     VirtualScheduler scheduler{clock};
     LocalAlertStore store{MainActor{scheduler}, files, host};

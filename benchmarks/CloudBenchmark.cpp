@@ -2,15 +2,15 @@
 
 #include "cloud/AlertRecord.hpp"
 #include "cloud/CloudKitService.hpp"
-#include "platform/Journal.hpp"
-#include "platform/posix/PosixFileSystem.hpp"
-#include "platform/simulated/IcuLanguage.hpp"
-#include "platform/simulated/SeededRandom.hpp"
-#include "platform/simulated/SimulatedHost.hpp"
-#include "platform/simulated/SimulatedWallClock.hpp"
-#include "platform/simulated/icloud/SimulatedICloud.hpp"
+#include "ports/Journal.hpp"
+#include "posix/PosixFileSystem.hpp"
 #include "runtime/Sleep.hpp"
 #include "runtime/ThreadScheduler.hpp"
+#include "simulation/icloud/SimulatedICloud.hpp"
+#include "simulation/mac/SimulatedHost.hpp"
+#include "simulation/mac/SimulatedWallClock.hpp"
+#include "simulation/mac/language/IcuLanguage.hpp"
+#include "simulation/mac/security/SeededRandom.hpp"
 #include "support/MemoryDefaults.hpp"
 #include "support/TemporaryFolder.hpp"
 
@@ -28,7 +28,7 @@ using namespace std::chrono_literals;
 
 constexpr int alertCount = 10'000;
 
-class Silence final : public platform::Journal {
+class Silence final : public ports::Journal {
 public:
     void write(std::string_view /*event*/, std::initializer_list<Field> /*fields*/) override {}
 };
@@ -143,12 +143,12 @@ private:
     Async<void> fill()
     {
         for (int start = 0; start < alertCount; start += 400) {
-            std::vector<platform::CloudRecord> records;
+            std::vector<ports::CloudRecord> records;
             for (int number = start; number < start + 400; ++number) {
                 records.push_back(alertRecord(alert(number), "Mona's MacBook Pro", language));
             }
             std::vector<std::string> nothing;
-            co_await icloud.database.modify(std::move(records), std::move(nothing), platform::CloudSavePolicy::allKeys,
+            co_await icloud.database.modify(std::move(records), std::move(nothing), ports::CloudSavePolicy::allKeys,
                                             false);
         }
     }
@@ -156,14 +156,14 @@ private:
     TemporaryFolder folder;
     ThreadScheduler scheduler;
     Silence journal;
-    simulated::SimulatedWallClock wallClock{scheduler, Date{8.1e8}};
+    simulation::SimulatedWallClock wallClock{scheduler, Date{8.1e8}};
     posix::PosixFileSystem files;
     test::MemoryDefaults defaults;
-    simulated::SeededRandom random{1};
-    simulated::SimulatedHost host{folder.path(), {}};
-    simulated::IcuLanguage language{SENTREL_SOURCE_DIR "/resources", journal};
-    simulated::PrivateCloud server{folder.path() / "server", wallClock, journal};
-    simulated::SimulatedICloud icloud{{scheduler, scheduler, journal, server, "MacBook", folder.path() / "assets", 1}};
+    simulation::SeededRandom random{1};
+    simulation::SimulatedHost host{folder.path(), {}};
+    simulation::IcuLanguage language{SENTREL_SOURCE_DIR "/resources", journal};
+    simulation::PrivateCloud server{folder.path() / "server", wallClock, journal};
+    simulation::SimulatedICloud icloud{{scheduler, scheduler, journal, server, "MacBook", folder.path() / "assets", 1}};
     std::unique_ptr<CloudKitService> cloud;
 };
 

@@ -1,7 +1,7 @@
 #include "BesideFloor.hpp"
 
 #include "outputs/PhotoProcessing.hpp"
-#include "platform/simulated/TurboImageCodec.hpp"
+#include "simulation/mac/camera/TurboImageCodec.hpp"
 
 #include <cstdio>
 #include <cstdlib>
@@ -115,7 +115,7 @@ void scale(const Pixels& from, int fromWidth, int fromHeight, Pixels& to)
 void reencodingBesideHalfDecodeAndEncode(benchmark::State& state)
 {
     const Bytes& jpeg = photo(state);
-    simulated::TurboImageCodec codec;
+    simulation::TurboImageCodec codec;
     Pixels decoded;
     Pixels scaled{width, height};
     if (!jpeg.empty()) {
@@ -133,7 +133,7 @@ void reencodingBesideHalfDecodeAndEncode(benchmark::State& state)
 void reencodingBesideWholeDecode(benchmark::State& state)
 {
     const Bytes& jpeg = photo(state);
-    simulated::TurboImageCodec codec;
+    simulation::TurboImageCodec codec;
     const auto whole = [&] {
         Pixels decoded;
         Pixels scaled{width, height};
@@ -148,7 +148,7 @@ void reencodingBesideWholeDecode(benchmark::State& state)
 void brightnessBesideEighthDecode(benchmark::State& state)
 {
     const Bytes& jpeg = photo(state);
-    simulated::TurboImageCodec codec;
+    simulation::TurboImageCodec codec;
     Pixels decoded;
     const auto floor = [&] { decode(jpeg, 1, decoded); };
     const auto work = [&] { benchmark::DoNotOptimize(photoBrightness(codec, jpeg)); };
@@ -173,7 +173,7 @@ double statusKilobytes(const std::string& name)
 void peakMemoryOfAPhoto(benchmark::State& state)
 {
     const Bytes& jpeg = photo(state);
-    simulated::TurboImageCodec codec;
+    simulation::TurboImageCodec codec;
     double peak = 0;
     for ([[maybe_unused]] auto turn : state) {
         malloc_trim(0);                                // what earlier turns freed but the library still holds

@@ -1,8 +1,8 @@
 #include "BesideFloor.hpp"
 
-#include "platform/simulated/SimulatedWallClock.hpp"
 #include "runtime/VirtualScheduler.hpp"
 #include "sensors/MotionMonitor.hpp"
+#include "simulation/mac/SimulatedWallClock.hpp"
 
 #include <array>
 #include <memory>
@@ -71,23 +71,23 @@ void arithmeticBesideTenOperations(benchmark::State& state)
 BENCHMARK(arithmeticBesideTenOperations)->UseManualTime();
 
 /// An accelerometer whose events are delivered by whoever calls `deliver` on its queue.
-class BenchmarkHid final : public platform::HidEventSystem {
+class BenchmarkHid final : public ports::HidEventSystem {
 public:
-    class Service final : public platform::HidService {
+    class Service final : public ports::HidService {
         bool setProperty(const std::string& /*key*/, std::int64_t /*value*/) override { return true; }
     };
 
-    class Client final : public platform::HidClient {
+    class Client final : public ports::HidClient {
     public:
         explicit Client(BenchmarkHid& hid) : hid_(hid) {}
         void setMatching(const std::map<std::string, std::int64_t>& /*matching*/) override {}
-        std::optional<std::vector<std::unique_ptr<platform::HidService>>> copyServices() override
+        std::optional<std::vector<std::unique_ptr<ports::HidService>>> copyServices() override
         {
-            std::vector<std::unique_ptr<platform::HidService>> services;
+            std::vector<std::unique_ptr<ports::HidService>> services;
             services.push_back(std::make_unique<Service>());
             return services;
         }
-        void registerEventCallback(std::function<void(const platform::HidEvent*)> received) override
+        void registerEventCallback(std::function<void(const ports::HidEvent*)> received) override
         {
             hid_.received_ = std::move(received);
         }
@@ -99,17 +99,17 @@ public:
         BenchmarkHid& hid_;
     };
 
-    std::unique_ptr<platform::HidClient> createClient() override { return std::make_unique<Client>(*this); }
+    std::unique_ptr<ports::HidClient> createClient() override { return std::make_unique<Client>(*this); }
 
     [[nodiscard]] SerialQueue& queue() { return *queue_; }
-    void deliver(const platform::HidEvent& event) { received_(&event); }
+    void deliver(const ports::HidEvent& event) { received_(&event); }
 
 private:
-    std::function<void(const platform::HidEvent*)> received_;
+    std::function<void(const ports::HidEvent*)> received_;
     SerialQueue* queue_ = nullptr;
 };
 
-class SampleEvent final : public platform::HidEvent {
+class SampleEvent final : public ports::HidEvent {
 public:
     AccelerationSample sample;
 
@@ -132,7 +132,7 @@ void sampleBesideEmptyHop(benchmark::State& state)
     VirtualClock clock;
     VirtualScheduler scheduler{clock};
     const MainActor mainActor{scheduler};
-    simulated::SimulatedWallClock wallClock{scheduler, {}};
+    simulation::SimulatedWallClock wallClock{scheduler, {}};
     BenchmarkHid hid;
     MotionMonitor monitor{mainActor, hid, wallClock};
     monitor.start(0.35);

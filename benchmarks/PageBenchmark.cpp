@@ -1,11 +1,11 @@
 #include "BesideFloor.hpp"
 
 #include "alerts/StoredAlert.hpp"
-#include "simulator/ScenarioReader.hpp"
-#include "simulator/serve/LiveMac.hpp"
-#include "simulator/serve/PageRequests.hpp"
-#include "simulator/serve/PageServer.hpp"
-#include "simulator/serve/Visitors.hpp"
+#include "simulation/page/LiveMac.hpp"
+#include "simulation/page/PageRequests.hpp"
+#include "simulation/page/PageServer.hpp"
+#include "simulation/page/Visitors.hpp"
+#include "simulation/stage/ScenarioReader.hpp"
 #include "support/TemporaryFolder.hpp"
 
 #include <benchmark/benchmark.h>
@@ -20,7 +20,7 @@
 #include <string>
 #include <thread>
 
-namespace sentrel::simulator {
+namespace sentrel::simulation {
 namespace {
 
 constexpr int alertCount = 1000;
@@ -135,4 +135,4 @@ BENCHMARK_CAPTURE(settingReachesThePage, settingsOpen, false)->UseManualTime();
 BENCHMARK_CAPTURE(settingReachesThePage, aThousandAlertsOpen, true)->UseManualTime();
 
 } // namespace
-} // namespace sentrel::simulator
+} // namespace sentrel::simulation

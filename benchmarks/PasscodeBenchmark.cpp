@@ -1,12 +1,12 @@
 #include "BesideFloor.hpp"
 
 #include "lock/UnlockPasscodeStore.hpp"
-#include "platform/Keychain.hpp"
-#include "platform/simulated/OpenSslCryptography.hpp"
-#include "platform/simulated/SeededRandom.hpp"
+#include "ports/Keychain.hpp"
 #include "runtime/Detached.hpp"
 #include "runtime/MainActor.hpp"
 #include "runtime/ThreadScheduler.hpp"
+#include "simulation/mac/security/OpenSslCryptography.hpp"
+#include "simulation/mac/security/SeededRandom.hpp"
 
 #include <openssl/evp.h>
 #include <openssl/sha.h>
@@ -18,19 +18,19 @@ namespace sentrel {
 namespace {
 
 /// A keychain that holds one record, in memory.
-class MemoryKeychain final : public platform::Keychain {
+class MemoryKeychain final : public ports::Keychain {
 public:
-    [[nodiscard]] Copied copyMatching(const platform::KeychainDictionary& /*query*/) override
+    [[nodiscard]] Copied copyMatching(const ports::KeychainDictionary& /*query*/) override
     {
         return {0, SecretBytes{BytesView{record}}};
     }
-    [[nodiscard]] std::int32_t add(const platform::KeychainDictionary& /*attributes*/) override { return -25299; }
-    [[nodiscard]] std::int32_t update(const platform::KeychainDictionary& /*query*/,
-                                      const platform::KeychainDictionary& /*attributesToUpdate*/) override
+    [[nodiscard]] std::int32_t add(const ports::KeychainDictionary& /*attributes*/) override { return -25299; }
+    [[nodiscard]] std::int32_t update(const ports::KeychainDictionary& /*query*/,
+                                      const ports::KeychainDictionary& /*attributesToUpdate*/) override
     {
         return 0;
     }
-    std::int32_t remove(const platform::KeychainDictionary& /*query*/) override { return 0; }
+    std::int32_t remove(const ports::KeychainDictionary& /*query*/) override { return 0; }
 
     Bytes record;
 };
@@ -44,8 +44,8 @@ struct Lock {
 
     const Bytes passcode = bytesOf("246810");
     MemoryKeychain keychain;
-    simulated::OpenSslCryptography cryptography;
-    simulated::SeededRandom random{1};
+    simulation::OpenSslCryptography cryptography;
+    simulation::SeededRandom random{1};
     UnlockPasscodeStore store{keychain, cryptography, random, random};
 };
 

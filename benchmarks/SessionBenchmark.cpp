@@ -1,6 +1,6 @@
 #include "BesideFloor.hpp"
 
-#include "simulator/MacSession.hpp"
+#include "simulation/stage/MacSession.hpp"
 
 #include <chrono>
 #include <cstdlib>
@@ -39,7 +39,7 @@ private:
     std::filesystem::path folder_;
 
 public:
-    simulator::MacSession session;
+    simulation::MacSession session;
 };
 
 /// One armed hour; the limit is processor time in milliseconds.

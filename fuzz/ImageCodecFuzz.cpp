@@ -1,7 +1,7 @@
 #include "foundation/Fatal.hpp"
 #include "outputs/PhotoProcessing.hpp"
-#include "platform/simulated/ExifOrientation.hpp"
-#include "platform/simulated/TurboImageCodec.hpp"
+#include "simulation/mac/camera/ExifOrientation.hpp"
+#include "simulation/mac/camera/TurboImageCodec.hpp"
 
 #include <cstddef>
 #include <cstdint>
@@ -22,11 +22,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 {
     using namespace sentrel;
     const BytesView bytes{data, size};
-    simulated::TurboImageCodec codec;
+    simulation::TurboImageCodec codec;
 
     const double brightness = photoBrightness(codec, bytes);
     require(brightness >= 0 && brightness <= 1, "a brightness beyond its range");
-    const int orientation = simulated::exifOrientation(bytes);
+    const int orientation = simulation::exifOrientation(bytes);
     require(orientation >= 1 && orientation <= 8, "an orientation that is none");
     const auto small = codec.createThumbnail(bytes, 5, true);
     require(!small || codec.pixelSize(bytes), "a thumbnail of what has no size");

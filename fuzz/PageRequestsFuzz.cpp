@@ -1,7 +1,7 @@
 #include "foundation/Fatal.hpp"
-#include "simulator/ScenarioReader.hpp"
-#include "simulator/serve/LiveMac.hpp"
-#include "simulator/serve/PageRequests.hpp"
+#include "simulation/page/LiveMac.hpp"
+#include "simulation/page/PageRequests.hpp"
+#include "simulation/stage/ScenarioReader.hpp"
 
 #include <chrono>
 #include <cstddef>
@@ -14,7 +14,7 @@
 // What a page may ask for: lines that are in turn the name of a request and its body. One Mac lives through all of
 // them, so that they also meet the states that others have left behind.
 
-namespace sentrel::simulator {
+namespace sentrel::simulation {
 namespace {
 
 constexpr std::size_t mostRequests = 8;
@@ -97,11 +97,11 @@ std::string nextLine(std::string_view& rest)
 }
 
 } // namespace
-} // namespace sentrel::simulator
+} // namespace sentrel::simulation
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
-    using namespace sentrel::simulator;
+    using namespace sentrel::simulation;
     static FuzzedMac fuzzed;
     std::string_view rest{reinterpret_cast<const char*>(data), size};
     for (std::size_t count = 0; count < mostRequests && !rest.empty(); ++count) {

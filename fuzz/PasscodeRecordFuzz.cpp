@@ -1,8 +1,8 @@
 #include "foundation/Fatal.hpp"
 #include "lock/UnlockPasscodeStore.hpp"
-#include "platform/Cryptography.hpp"
-#include "platform/Keychain.hpp"
-#include "platform/Random.hpp"
+#include "ports/Cryptography.hpp"
+#include "ports/Keychain.hpp"
+#include "ports/Random.hpp"
 
 #include <algorithm>
 #include <array>
@@ -15,9 +15,9 @@ namespace sentrel {
 namespace {
 
 /// Arithmetic that costs nothing and that a fuzzer can see through, so that it finds records that match.
-class PlainCryptography final : public platform::Cryptography {
+class PlainCryptography final : public ports::Cryptography {
 public:
-    class Context final : public platform::Sha256Context {
+    class Context final : public ports::Sha256Context {
     public:
         void update(BytesView bytes) override
         {
@@ -31,7 +31,7 @@ public:
                 place = static_cast<std::uint8_t>(place ^ byte);
             }
         }
-        void finish(platform::Sha256Digest digest) override
+        void finish(ports::Sha256Digest digest) override
         {
             std::ranges::copy(state_, digest.begin());
             state_.fill(0);
@@ -39,7 +39,7 @@ public:
         }
 
     private:
-        std::array<std::uint8_t, platform::sha256Length> state_{};
+        std::array<std::uint8_t, ports::sha256Length> state_{};
         std::size_t next_ = 0;
     };
 
@@ -56,33 +56,33 @@ public:
         }
         return 0;
     }
-    [[nodiscard]] std::unique_ptr<platform::Sha256Context> makeSha256Context() override
+    [[nodiscard]] std::unique_ptr<ports::Sha256Context> makeSha256Context() override
     {
         return std::make_unique<Context>();
     }
 };
 
 /// One item, in memory.
-class OneItemKeychain final : public platform::Keychain {
+class OneItemKeychain final : public ports::Keychain {
 public:
     explicit OneItemKeychain(BytesView content) : record(content.begin(), content.end()) {}
 
-    [[nodiscard]] Copied copyMatching(const platform::KeychainDictionary& /*query*/) override
+    [[nodiscard]] Copied copyMatching(const ports::KeychainDictionary& /*query*/) override
     {
         return {0, SecretBytes{BytesView{record}}};
     }
-    [[nodiscard]] std::int32_t add(const platform::KeychainDictionary& /*attributes*/) override
+    [[nodiscard]] std::int32_t add(const ports::KeychainDictionary& /*attributes*/) override
     {
         fatalError("an item is added though there is one");
     }
-    [[nodiscard]] std::int32_t update(const platform::KeychainDictionary& /*query*/,
-                                      const platform::KeychainDictionary& attributesToUpdate) override
+    [[nodiscard]] std::int32_t update(const ports::KeychainDictionary& /*query*/,
+                                      const ports::KeychainDictionary& attributesToUpdate) override
     {
-        const auto value = std::get<BytesView>(attributesToUpdate.at(platform::KeychainKey::valueData));
+        const auto value = std::get<BytesView>(attributesToUpdate.at(ports::KeychainKey::valueData));
         record.assign(value.begin(), value.end());
         return 0;
     }
-    std::int32_t remove(const platform::KeychainDictionary& /*query*/) override
+    std::int32_t remove(const ports::KeychainDictionary& /*query*/) override
     {
         fatalError("a record is removed by a check");
     }
@@ -90,7 +90,7 @@ public:
     Bytes record;
 };
 
-class FixedRandom final : public platform::Random, public platform::GeneralRandom {
+class FixedRandom final : public ports::Random, public ports::GeneralRandom {
 public:
     [[nodiscard]] bool fill(std::span<std::uint8_t> bytes) override
     {

@@ -1,5 +1,5 @@
-#include "simulator/ScenarioError.hpp"
-#include "simulator/ScenarioReader.hpp"
+#include "simulation/stage/ScenarioError.hpp"
+#include "simulation/stage/ScenarioReader.hpp"
 
 #include <cstddef>
 #include <cstdint>
@@ -10,8 +10,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 {
     const std::string text{reinterpret_cast<const char*>(data), size};
     try {
-        static_cast<void>(sentrel::simulator::parseScenario(text, "fuzz/scenario.yaml"));
-    } catch (const sentrel::simulator::ScenarioError&) {
+        static_cast<void>(sentrel::simulation::parseScenario(text, "fuzz/scenario.yaml"));
+    } catch (const sentrel::simulation::ScenarioError&) {
     }
     return 0;
 }

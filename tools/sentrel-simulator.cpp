@@ -1,9 +1,9 @@
-#include "simulator/ExitStatus.hpp"
-#include "simulator/NearestWord.hpp"
-#include "simulator/PlayCommand.hpp"
-#include "simulator/ScenarioError.hpp"
-#include "simulator/ScenarioShelf.hpp"
-#include "simulator/serve/ServeCommand.hpp"
+#include "simulation/page/ServeCommand.hpp"
+#include "simulation/stage/ExitStatus.hpp"
+#include "simulation/stage/NearestWord.hpp"
+#include "simulation/stage/ScenarioError.hpp"
+#include "simulation/stage/ScenarioShelf.hpp"
+#include "simulation/story/PlayCommand.hpp"
 
 #include <CLI/CLI.hpp>
 
@@ -21,7 +21,7 @@
 
 namespace {
 
-using namespace sentrel::simulator;
+using namespace sentrel::simulation;
 
 /// The command line as it was typed; texts stay empty where an option was left out.
 struct Arguments {

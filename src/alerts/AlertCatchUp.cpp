@@ -4,8 +4,8 @@
 #include "cloud/AsyncTimeout.hpp"
 #include "cloud/CloudTimeLimit.hpp"
 #include "cloud/PresenceTimes.hpp"
-#include "platform/FileSystem.hpp"
-#include "platform/WallClock.hpp"
+#include "ports/FileSystem.hpp"
+#include "ports/WallClock.hpp"
 #include "runtime/AssertOnMainActor.hpp"
 #include "runtime/CurrentTask.hpp"
 #include "runtime/Detached.hpp"
@@ -44,7 +44,7 @@ struct PhotoFile {
     std::optional<Bytes> content;
 };
 
-PhotoFile readPhoto(platform::FileSystem& files, const std::filesystem::path& file)
+PhotoFile readPhoto(ports::FileSystem& files, const std::filesystem::path& file)
 {
     return {files.exists(file), files.read(file)};
 }

@@ -1,7 +1,7 @@
 #include "alerts/AlertSections.hpp"
 
-#include "platform/Calendar.hpp"
-#include "platform/Language.hpp"
+#include "ports/Calendar.hpp"
+#include "ports/Language.hpp"
 
 #include <algorithm>
 #include <cstdio>
@@ -12,8 +12,8 @@ namespace sentrel {
 
 namespace {
 
-using platform::CalendarUnit;
-using platform::DateInterval;
+using ports::CalendarUnit;
+using ports::DateInterval;
 
 /// In the order in which they are asked: the first that a date lies in is its stretch.
 enum class Stretch { today, yesterday, thisWeek, thisMonth, monthOfThisYear, earlierYear };
@@ -25,7 +25,7 @@ bool contains(const DateInterval& interval, Date date)
 
 /// The calendar's boundaries as seen from now.
 struct Boundaries {
-    Boundaries(Date now, platform::Calendar& calendar)
+    Boundaries(Date now, ports::Calendar& calendar)
         : today(calendar.interval(CalendarUnit::day, now)),
           yesterday(calendar.interval(CalendarUnit::day, calendar.adding(CalendarUnit::day, -1, now))),
           weekStart(calendar.interval(CalendarUnit::weekOfYear, now).start),
@@ -67,7 +67,7 @@ std::string monthSectionId(int year, int month)
 
 class Sectioner {
 public:
-    Sectioner(Date now, platform::Calendar& calendar, platform::Language& language)
+    Sectioner(Date now, ports::Calendar& calendar, ports::Language& language)
         : calendar_(calendar), language_(language), boundaries_(now, calendar)
     {
     }
@@ -141,16 +141,16 @@ private:
         return {"year-" + year, year, {}};
     }
 
-    platform::Calendar& calendar_;
-    platform::Language& language_;
+    ports::Calendar& calendar_;
+    ports::Language& language_;
     const Boundaries boundaries_;
     std::vector<AlertSection> sections_;
 };
 
 } // namespace
 
-std::vector<AlertSection> alertSections(const AlertList& list, Date now, platform::Calendar& calendar,
-                                        platform::Language& language)
+std::vector<AlertSection> alertSections(const AlertList& list, Date now, ports::Calendar& calendar,
+                                        ports::Language& language)
 {
     return Sectioner{now, calendar, language}.sections(list);
 }

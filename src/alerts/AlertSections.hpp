@@ -6,15 +6,15 @@
 
 namespace sentrel {
 
-namespace platform {
+namespace ports {
 class Calendar;
 class Language;
-} // namespace platform
+} // namespace ports
 
 /// Groups a list, newest first, into stretches of time as seen from now: today, yesterday, this week, this month,
 /// the earlier months of this year, earlier years. No section is empty, and none occurs twice. The calendar is asked
 /// a constant number of times for each section.
-[[nodiscard]] std::vector<AlertSection> alertSections(const AlertList& list, Date now, platform::Calendar& calendar,
-                                                      platform::Language& language);
+[[nodiscard]] std::vector<AlertSection> alertSections(const AlertList& list, Date now, ports::Calendar& calendar,
+                                                      ports::Language& language);
 
 } // namespace sentrel

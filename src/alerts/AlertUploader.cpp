@@ -3,8 +3,8 @@
 #include "cloud/AsyncTimeout.hpp"
 #include "cloud/CloudErrors.hpp"
 #include "cloud/CloudTimeLimit.hpp"
-#include "platform/CloudError.hpp"
-#include "platform/Journal.hpp"
+#include "ports/CloudError.hpp"
+#include "ports/Journal.hpp"
 
 #include <chrono>
 #include <cstdint>
@@ -21,7 +21,7 @@ constexpr Duration longestWay = 60s;
 
 } // namespace
 
-AlertUploader::AlertUploader(MainActor actor, CloudKitService& cloud, platform::Journal& journal)
+AlertUploader::AlertUploader(MainActor actor, CloudKitService& cloud, ports::Journal& journal)
     : actor_(actor), cloud_(cloud), journal_(journal)
 {
 }
@@ -76,7 +76,7 @@ Async<AlertUploader::Outcome> AlertUploader::attempt(AlertEvent alert, std::opti
 AlertUploader::Outcome AlertUploader::noteFailure(const UUID& id, const std::exception& error)
 {
     cloud_.recordSyncFailure(error);
-    const platform::CloudError* const cloudError = cloudKitErrorOf(error);
+    const ports::CloudError* const cloudError = cloudKitErrorOf(error);
     const std::int64_t code = cloudError != nullptr ? cloudError->code : 0;
     const std::string idText = id.text();
     const std::string message = cloud_.userFacingMessage(error);

@@ -8,7 +8,7 @@
 
 namespace sentrel {
 
-namespace platform {
+namespace ports {
 class Journal;
 }
 
@@ -25,7 +25,7 @@ public:
         failed,      ///< anything else: whether the server asks for patience, the cloud's `requestBackoff` knows
     };
 
-    AlertUploader(MainActor actor, CloudKitService& cloud, platform::Journal& journal);
+    AlertUploader(MainActor actor, CloudKitService& cloud, ports::Journal& journal);
     ~AlertUploader();
     AlertUploader(const AlertUploader&) = delete;
 
@@ -49,7 +49,7 @@ private:
 
     MainActor actor_;
     CloudKitService& cloud_;
-    platform::Journal& journal_;
+    ports::Journal& journal_;
     std::unordered_set<UUID> discarded_;
     std::unordered_map<UUID, Instant> givenUp_; ///< when a deadline passed, for as long as it matters
     std::unordered_map<UUID, Task<Outcome>> attempts_;

@@ -1,8 +1,8 @@
 #include "alerts/LocalAlertStore.hpp"
 
-#include "platform/DurableFile.hpp"
-#include "platform/FileSystem.hpp"
-#include "platform/HostInfo.hpp"
+#include "ports/DurableFile.hpp"
+#include "ports/FileSystem.hpp"
+#include "ports/HostInfo.hpp"
 #include "runtime/Detached.hpp"
 
 #include <nlohmann/json.hpp>
@@ -20,7 +20,7 @@ namespace {
 constexpr std::uint32_t directoryMode = 0700;
 constexpr std::uint32_t fileMode = 0600;
 
-std::filesystem::path storeDirectory(platform::HostInfo& host)
+std::filesystem::path storeDirectory(ports::HostInfo& host)
 {
     const auto support = host.applicationSupportDirectory();
     return support.value_or(host.temporaryDirectory()) / host.bundleIdentifier().value_or("Sentrel") / "Alerts";
@@ -38,7 +38,7 @@ bool isNewer(const StoredAlert& left, const StoredAlert& right)
 bool isLeftover(const std::filesystem::path& name)
 {
     const std::filesystem::path target = name.stem();
-    return name.extension() == platform::temporaryExtension &&
+    return name.extension() == ports::temporaryExtension &&
            (target.extension() == ".json" || target.extension() == ".jpg") && UUID::parse(target.stem().string());
 }
 
@@ -55,7 +55,7 @@ std::vector<StoredAlert> sorted(const std::unordered_map<UUID, StoredAlert>& ind
 
 } // namespace
 
-LocalAlertStore::LocalAlertStore(MainActor actor, platform::FileSystem& files, platform::HostInfo& host)
+LocalAlertStore::LocalAlertStore(MainActor actor, ports::FileSystem& files, ports::HostInfo& host)
     : actor_(actor), files_(files), directory_(storeDirectory(host))
 {
 }
@@ -84,7 +84,7 @@ void LocalAlertStore::setPendingUpload(const UUID& id)
     stored->pendingUpload = true;
     // When this fails, the next launch finds the alert as one that was only kept here, and uploads it all the same.
     const std::string document = encodeJson(encodeStoredAlert(*stored));
-    static_cast<void>(platform::writeDurably(files_, alertFile(id), bytesOf(document), fileMode));
+    static_cast<void>(ports::writeDurably(files_, alertFile(id), bytesOf(document), fileMode));
     if (index_) {
         index_->insert_or_assign(id, *std::move(stored));
     }
@@ -178,7 +178,7 @@ std::filesystem::path LocalAlertStore::fileNamed(const UUID& id, const char* ext
 
 void LocalAlertStore::write(const std::filesystem::path& file, BytesView content)
 {
-    const int error = platform::writeDurably(files_, file, content, fileMode);
+    const int error = ports::writeDurably(files_, file, content, fileMode);
     if (error != 0) {
         throw std::system_error{error, std::generic_category(), "saving " + file.filename().string()};
     }
@@ -204,14 +204,14 @@ void LocalAlertStore::prune()
     }
 }
 
-std::optional<StoredAlert> LocalAlertStore::readAlert(platform::FileSystem& files, const std::filesystem::path& file)
+std::optional<StoredAlert> LocalAlertStore::readAlert(ports::FileSystem& files, const std::filesystem::path& file)
 {
     const auto content = files.read(file);
     const auto document = content ? parseJson(*content) : std::nullopt;
     return document ? decodeStoredAlert(*document) : std::nullopt;
 }
 
-LocalAlertStore::Folder LocalAlertStore::readFolder(platform::FileSystem& files, const std::filesystem::path& directory)
+LocalAlertStore::Folder LocalAlertStore::readFolder(ports::FileSystem& files, const std::filesystem::path& directory)
 {
     Folder folder;
     const auto names = files.list(directory);

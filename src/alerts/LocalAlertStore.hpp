@@ -14,10 +14,10 @@
 
 namespace sentrel {
 
-namespace platform {
+namespace ports {
 class FileSystem;
 class HostInfo;
-} // namespace platform
+} // namespace ports
 
 /// Keeps alerts and their photos on this Mac: one JSON file and at most one JPEG for each. The folder is read at most
 /// once; afterwards every query is answered from memory. Main thread.
@@ -26,7 +26,7 @@ public:
     /// So many alerts are kept; saving one more removes the oldest.
     static constexpr std::size_t mostAlerts = 1000;
 
-    LocalAlertStore(MainActor actor, platform::FileSystem& files, platform::HostInfo& host);
+    LocalAlertStore(MainActor actor, ports::FileSystem& files, ports::HostInfo& host);
     LocalAlertStore(const LocalAlertStore&) = delete;
 
     /// Writes the alert and its photo, or removes an earlier photo when there is none now; each file is replaced in
@@ -74,12 +74,12 @@ private:
     void write(const std::filesystem::path& file, BytesView content);
     Index& loadedIndex();
     void prune();
-    static std::optional<StoredAlert> readAlert(platform::FileSystem& files, const std::filesystem::path& file);
-    static Folder readFolder(platform::FileSystem& files, const std::filesystem::path& directory);
+    static std::optional<StoredAlert> readAlert(ports::FileSystem& files, const std::filesystem::path& file);
+    static Folder readFolder(ports::FileSystem& files, const std::filesystem::path& directory);
     Index take(Folder folder);
 
     MainActor actor_;
-    platform::FileSystem& files_;
+    ports::FileSystem& files_;
     const std::filesystem::path directory_;
     std::optional<Index> index_;
 };

@@ -17,7 +17,7 @@ namespace sentrel {
 
 class LocalAlertStore;
 
-namespace platform {
+namespace ports {
 class Calendar;
 }
 
@@ -26,11 +26,11 @@ class Calendar;
 class MacAlertsService {
 public:
     struct Ports {
-        platform::UserDefaults& defaults;
-        platform::FileSystem& files;
-        platform::WallClock& wallClock;
-        platform::Calendar& calendar;
-        platform::Language& language;
+        ports::UserDefaults& defaults;
+        ports::FileSystem& files;
+        ports::WallClock& wallClock;
+        ports::Calendar& calendar;
+        ports::Language& language;
     };
 
     /// `uploadsCaughtUp` is called whenever alerts that waited may have been uploaded or deleted.

@@ -1,6 +1,6 @@
 #include "alerts/PendingCloudDeletionStore.hpp"
 
-#include "platform/UserDefaults.hpp"
+#include "ports/UserDefaults.hpp"
 
 #include <algorithm>
 #include <iterator>
@@ -9,7 +9,7 @@
 
 namespace sentrel {
 
-PendingCloudDeletionStore::PendingCloudDeletionStore(std::string key, platform::UserDefaults& defaults)
+PendingCloudDeletionStore::PendingCloudDeletionStore(std::string key, ports::UserDefaults& defaults)
     : defaultsKey_(std::move(key)), defaults_(defaults)
 {
     const auto texts = defaults_.texts(defaultsKey_);

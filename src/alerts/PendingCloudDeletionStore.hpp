@@ -10,7 +10,7 @@
 
 namespace sentrel {
 
-namespace platform {
+namespace ports {
 class UserDefaults;
 }
 
@@ -28,7 +28,7 @@ public:
     static constexpr std::size_t mostIdentifiers = 2000;
 
     /// Loads what the defaults hold under the key; what is no identifier is skipped.
-    PendingCloudDeletionStore(std::string key, platform::UserDefaults& defaults);
+    PendingCloudDeletionStore(std::string key, ports::UserDefaults& defaults);
 
     [[nodiscard]] const std::unordered_set<UUID>& ids() const { return ids_; }
 
@@ -50,7 +50,7 @@ private:
     void persist();
 
     std::string defaultsKey_;
-    platform::UserDefaults& defaults_;
+    ports::UserDefaults& defaults_;
     std::vector<UUID> orderedIDs_;
     std::unordered_set<UUID> ids_;
     std::unordered_map<UUID, std::string> owners_; ///< where they are known

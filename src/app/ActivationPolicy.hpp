@@ -1,10 +1,10 @@
 #pragma once
 
-#include "platform/WindowConstants.hpp"
+#include "ports/WindowConstants.hpp"
 
 namespace sentrel {
 
-using platform::accessoryActivationPolicy;
-using platform::regularActivationPolicy;
+using ports::accessoryActivationPolicy;
+using ports::regularActivationPolicy;
 
 } // namespace sentrel

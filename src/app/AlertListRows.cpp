@@ -2,7 +2,7 @@
 
 #include "alerts/MacAlertsService.hpp"
 #include "app/ViewParts.hpp"
-#include "platform/Language.hpp"
+#include "ports/Language.hpp"
 
 namespace sentrel {
 
@@ -23,7 +23,7 @@ const char* symbolOf(AlertStorageLocation location)
 
 } // namespace
 
-AlertListRows::AlertListRows(MacAlertsService& alerts, platform::Calendar& calendar, platform::Language& language)
+AlertListRows::AlertListRows(MacAlertsService& alerts, ports::Calendar& calendar, ports::Language& language)
     : alerts_(alerts), calendar_(calendar), language_(language)
 {
 }
@@ -44,7 +44,7 @@ const ui::Children& AlertListRows::sections()
 
 ui::View AlertListRows::section(const AlertSection& section)
 {
-    using Style = platform::Calendar::Style;
+    using Style = ports::Calendar::Style;
     // The heading says the day already.
     const bool isNamedDay = section.id == "today" || section.id == "yesterday";
     std::vector<ui::View> rows;
@@ -55,7 +55,7 @@ ui::View AlertListRows::section(const AlertSection& section)
     return ui::section(section.title, std::move(rows)).id(section.id);
 }
 
-ui::View AlertListRows::row(const AlertRow& row, platform::Calendar::Style dateStyle)
+ui::View AlertListRows::row(const AlertRow& row, ports::Calendar::Style dateStyle)
 {
     const auto secondary = [](std::string text) {
         return ui::text(std::move(text), ui::Text::Style::caption, ui::Text::Color::secondary);
@@ -63,8 +63,7 @@ ui::View AlertListRows::row(const AlertRow& row, platform::Calendar::Style dateS
     return ui::verticalStack(
                {
                    ui::text(title(row.alert.reason, language_), ui::Text::Style::headline),
-                   secondary(
-                       calendar_.formatted(row.alert.timestamp, dateStyle, platform::Calendar::Style::shortStyle)),
+                   secondary(calendar_.formatted(row.alert.timestamp, dateStyle, ports::Calendar::Style::shortStyle)),
                    ui::horizontalStack({ui::view(symbol(symbolOf(row.storageLocation))),
                                         secondary(language_.localized(label(row.storageLocation)))},
                                        4.0),

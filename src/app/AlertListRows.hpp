@@ -1,7 +1,7 @@
 #pragma once
 
 #include "alerts/AlertRow.hpp"
-#include "platform/Calendar.hpp"
+#include "ports/Calendar.hpp"
 #include "ui/View.hpp"
 
 #include <memory>
@@ -11,7 +11,7 @@ namespace sentrel {
 
 class MacAlertsService;
 
-namespace platform {
+namespace ports {
 class Language;
 }
 
@@ -19,7 +19,7 @@ class Language;
 /// `forget`, so that a selection among thousands costs next to nothing. Main actor.
 class AlertListRows {
 public:
-    AlertListRows(MacAlertsService& alerts, platform::Calendar& calendar, platform::Language& language);
+    AlertListRows(MacAlertsService& alerts, ports::Calendar& calendar, ports::Language& language);
 
     /// Section views. A row's id is its alert's.
     [[nodiscard]] const ui::Children& sections();
@@ -29,11 +29,11 @@ public:
 
 private:
     [[nodiscard]] ui::View section(const AlertSection& section);
-    [[nodiscard]] ui::View row(const AlertRow& row, platform::Calendar::Style dateStyle);
+    [[nodiscard]] ui::View row(const AlertRow& row, ports::Calendar::Style dateStyle);
 
     MacAlertsService& alerts_;
-    platform::Calendar& calendar_;
-    platform::Language& language_;
+    ports::Calendar& calendar_;
+    ports::Language& language_;
     std::shared_ptr<const std::vector<AlertRow>> shown_; ///< what the sections were made of
     ui::Children sections_;
 };

@@ -2,12 +2,12 @@
 
 #include "app/AlertPhotoPreview.hpp"
 #include "foundation/TextFormat.hpp"
-#include "platform/Calendar.hpp"
-#include "platform/FileSystem.hpp"
-#include "platform/HostInfo.hpp"
-#include "platform/ImageCodec.hpp"
-#include "platform/Language.hpp"
-#include "platform/SavePanels.hpp"
+#include "ports/Calendar.hpp"
+#include "ports/FileSystem.hpp"
+#include "ports/HostInfo.hpp"
+#include "ports/ImageCodec.hpp"
+#include "ports/Language.hpp"
+#include "ports/SavePanels.hpp"
 
 #include <cerrno>
 #include <utility>
@@ -21,7 +21,7 @@ constexpr std::uint32_t ownersOnly = 0600;
 constexpr std::nullopt_t asUsual = std::nullopt;
 
 /// 0 or an `errno` value.
-int fillFile(platform::FileSystem& files, const std::filesystem::path& path, std::optional<std::uint32_t> mode,
+int fillFile(ports::FileSystem& files, const std::filesystem::path& path, std::optional<std::uint32_t> mode,
              BytesView content)
 {
     int error = 0;
@@ -30,7 +30,7 @@ int fillFile(platform::FileSystem& files, const std::filesystem::path& path, std
 }
 
 /// Writes over the file; when that fails, what was there is written back. 0 or an `errno` value.
-int overwriteFile(platform::FileSystem& files, const std::filesystem::path& path, std::optional<std::uint32_t> mode,
+int overwriteFile(ports::FileSystem& files, const std::filesystem::path& path, std::optional<std::uint32_t> mode,
                   BytesView content)
 {
     const bool wasThere = files.exists(path);
@@ -48,7 +48,7 @@ int overwriteFile(platform::FileSystem& files, const std::filesystem::path& path
 /// save panel's consent covers the chosen file only, so that the temporary one lies elsewhere. It can't take the place
 /// of a file on another volume or in a folder that is closed to new entries: such a file is written over, and is lost
 /// only if the process ends meanwhile or what was there can't be written back. 0 or an `errno` value.
-int writeFile(platform::FileSystem& files, const std::filesystem::path& temporary, const std::filesystem::path& path,
+int writeFile(ports::FileSystem& files, const std::filesystem::path& temporary, const std::filesystem::path& path,
               std::optional<std::uint32_t> mode, BytesView content)
 {
     if (fillFile(files, temporary, mode, content) == 0 && files.rename(temporary, path) == 0) {
@@ -59,7 +59,7 @@ int writeFile(platform::FileSystem& files, const std::filesystem::path& temporar
 }
 
 /// Why a file could not be written, for people. The `errno` values of the port come without a description.
-std::string writeErrorText(int error, platform::Language& language)
+std::string writeErrorText(int error, ports::Language& language)
 {
     switch (error) {
     case EACCES:
@@ -116,7 +116,7 @@ Async<void> AlertPhotoExport::previewNow(std::string name, Photo photo)
 
 Async<void> AlertPhotoExport::saveAs(std::string name, Photo photo)
 {
-    platform::SavePanelContent content;
+    ports::SavePanelContent content;
     content.title = ports_.language.localized("Save Alert Photo");
     content.allowedContentTypes = {"public.jpeg"};
     content.nameFieldStringValue = name;

@@ -16,14 +16,14 @@ namespace sentrel {
 
 class AlertPhotoPreview;
 
-namespace platform {
+namespace ports {
 class Calendar;
 class FileSystem;
 class HostInfo;
 class ImageCodec;
 class Language;
 class SavePanels;
-} // namespace platform
+} // namespace ports
 
 /// Takes an alert's photo out of the application as a JPEG file: into the preview panel, or where the user wants it.
 /// One at a time. Main actor.
@@ -32,12 +32,12 @@ public:
     using Photo = std::shared_ptr<const Bytes>;
 
     struct Ports {
-        platform::Calendar& calendar;
-        platform::FileSystem& files;
-        platform::HostInfo& host;
-        platform::ImageCodec& imageCodec;
-        platform::Language& language;
-        platform::SavePanels& savePanels;
+        ports::Calendar& calendar;
+        ports::FileSystem& files;
+        ports::HostInfo& host;
+        ports::ImageCodec& imageCodec;
+        ports::Language& language;
+        ports::SavePanels& savePanels;
     };
 
     AlertPhotoExport(MainActor actor, AlertPhotoPreview& preview, Ports ports);

@@ -11,7 +11,7 @@ namespace sentrel {
 /// application. Main actor.
 class AlertPhotoPreview {
 public:
-    explicit AlertPhotoPreview(platform::PreviewPanel& panel) : panel_(panel) {}
+    explicit AlertPhotoPreview(ports::PreviewPanel& panel) : panel_(panel) {}
     AlertPhotoPreview(const AlertPhotoPreview&) = delete;
     ~AlertPhotoPreview();
 
@@ -19,10 +19,10 @@ public:
     void show(std::filesystem::path photo);
 
     /// What the panel shows while the application controls it; null before a photo was shown.
-    [[nodiscard]] platform::PreviewDataSource* dataSource() const { return source_.get(); }
+    [[nodiscard]] ports::PreviewDataSource* dataSource() const { return source_.get(); }
 
 private:
-    platform::PreviewPanel& panel_;
+    ports::PreviewPanel& panel_;
     std::unique_ptr<AlertPhotoQuickLookDataSource> source_;
 };
 

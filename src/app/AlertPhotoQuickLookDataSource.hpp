@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/PreviewPanel.hpp"
+#include "ports/PreviewPanel.hpp"
 
 #include <filesystem>
 #include <utility>
@@ -8,7 +8,7 @@
 namespace sentrel {
 
 /// What the preview panel shows of an alert: one item, the temporary file of its photo.
-class AlertPhotoQuickLookDataSource final : public platform::PreviewDataSource {
+class AlertPhotoQuickLookDataSource final : public ports::PreviewDataSource {
 public:
     explicit AlertPhotoQuickLookDataSource(std::filesystem::path photo) : photo_(std::move(photo)) {}
 

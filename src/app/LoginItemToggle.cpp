@@ -2,16 +2,16 @@
 
 #include "app/ProtectedActions.hpp"
 #include "app/ViewParts.hpp"
-#include "platform/Language.hpp"
-#include "platform/LoginItem.hpp"
-#include "platform/SystemConstants.hpp"
+#include "ports/Language.hpp"
+#include "ports/LoginItem.hpp"
+#include "ports/SystemConstants.hpp"
 
 #include <utility>
 
 namespace sentrel {
 
-LoginItemToggle::LoginItemToggle(platform::LoginItem& loginItem, ProtectedActions& protectedActions,
-                                 platform::Language& language)
+LoginItemToggle::LoginItemToggle(ports::LoginItem& loginItem, ProtectedActions& protectedActions,
+                                 ports::Language& language)
     : loginItem_(loginItem), protectedActions_(protectedActions), language_(language)
 {
 }
@@ -30,7 +30,7 @@ void LoginItemToggle::refresh()
 bool LoginItemToggle::isRegistered() const
 {
     // One that waits for the user's approval is registered, too, and can be withdrawn.
-    return status_ == platform::loginItemEnabled || status_ == platform::loginItemRequiresApproval;
+    return status_ == ports::loginItemEnabled || status_ == ports::loginItemRequiresApproval;
 }
 
 ui::View LoginItemToggle::body()
@@ -42,7 +42,7 @@ ui::View LoginItemToggle::body()
 
 ui::View LoginItemToggle::notice() const
 {
-    const bool isWaiting = !refusal_ && status_ == platform::loginItemRequiresApproval;
+    const bool isWaiting = !refusal_ && status_ == ports::loginItemRequiresApproval;
     const std::string why =
         isWaiting ? language_.localized("Allow Sentrel under Login Items in System Settings.") : refusal_.value_or("");
     return ui::verticalStack(

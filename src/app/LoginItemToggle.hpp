@@ -12,15 +12,15 @@ namespace sentrel {
 
 class ProtectedActions;
 
-namespace platform {
+namespace ports {
 class Language;
 class LoginItem;
-} // namespace platform
+} // namespace ports
 
 /// Whether the application opens at login: the toggle, and a notice when the system refused. Main actor.
 class LoginItemToggle {
 public:
-    LoginItemToggle(platform::LoginItem& loginItem, ProtectedActions& protectedActions, platform::Language& language);
+    LoginItemToggle(ports::LoginItem& loginItem, ProtectedActions& protectedActions, ports::Language& language);
     LoginItemToggle(const LoginItemToggle&) = delete;
 
     /// Called after each change of what is shown.
@@ -40,9 +40,9 @@ private:
     void write(bool isOn);
     void changed();
 
-    platform::LoginItem& loginItem_;
+    ports::LoginItem& loginItem_;
     ProtectedActions& protectedActions_;
-    platform::Language& language_;
+    ports::Language& language_;
     std::int64_t status_ = 0; ///< an `SMAppServiceStatus`
     std::optional<std::string> refusal_;
     WeakAnchor<LoginItemToggle> anchor_{*this};

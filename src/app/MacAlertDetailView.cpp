@@ -2,9 +2,9 @@
 
 #include "alerts/MacAlertsService.hpp"
 #include "app/ViewParts.hpp"
-#include "platform/Calendar.hpp"
-#include "platform/ImageCodec.hpp"
-#include "platform/Language.hpp"
+#include "ports/Calendar.hpp"
+#include "ports/ImageCodec.hpp"
+#include "ports/Language.hpp"
 
 #include <utility>
 
@@ -61,7 +61,7 @@ ui::View MacAlertDetailView::failureAlert()
 
 ui::View MacAlertDetailView::summary()
 {
-    using Style = platform::Calendar::Style;
+    using Style = ports::Calendar::Style;
     const auto secondary = [](std::string text) {
         return ui::text(std::move(text), ui::Text::Style::callout, ui::Text::Color::secondary);
     };

@@ -2,11 +2,11 @@
 
 #include "app/ViewParts.hpp"
 #include "foundation/TextFormat.hpp"
-#include "platform/Language.hpp"
+#include "ports/Language.hpp"
 
 namespace sentrel {
 
-ui::View MacAlertsBulkSelectionView::body(platform::Language& language) const
+ui::View MacAlertsBulkSelectionView::body(ports::Language& language) const
 {
     const std::string title = filledIn(language.localized("%lld Alerts Selected"), static_cast<std::int64_t>(count));
     return ui::verticalStack({

@@ -6,7 +6,7 @@
 
 namespace sentrel {
 
-namespace platform {
+namespace ports {
 class Language;
 }
 
@@ -15,7 +15,7 @@ struct MacAlertsBulkSelectionView {
     std::size_t count = 0;
     ui::Action deleteSelected;
 
-    [[nodiscard]] ui::View body(platform::Language& language) const;
+    [[nodiscard]] ui::View body(ports::Language& language) const;
 };
 
 } // namespace sentrel

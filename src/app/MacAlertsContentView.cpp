@@ -5,8 +5,8 @@
 #include "app/MacAlertsBulkSelectionView.hpp"
 #include "app/ViewParts.hpp"
 #include "foundation/TextFormat.hpp"
-#include "platform/ApplicationNotifications.hpp"
-#include "platform/Language.hpp"
+#include "ports/ApplicationNotifications.hpp"
+#include "ports/Language.hpp"
 #include "runtime/WeakCall.hpp"
 
 #include <algorithm>

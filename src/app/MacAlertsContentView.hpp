@@ -2,7 +2,7 @@
 
 #include "app/AlertListRows.hpp"
 #include "app/MacAlertDetailView.hpp"
-#include "platform/Registration.hpp"
+#include "ports/Registration.hpp"
 #include "runtime/Observable.hpp"
 #include "runtime/Weak.hpp"
 #include "ui/View.hpp"
@@ -15,7 +15,7 @@
 
 namespace sentrel {
 
-namespace platform {
+namespace ports {
 class ApplicationNotifications;
 }
 
@@ -26,13 +26,13 @@ public:
         MainActor actor;
         MacAlertsService& alerts;
         AlertPhotoPreview& preview;
-        platform::Calendar& calendar;
-        platform::FileSystem& files;
-        platform::HostInfo& host;
-        platform::ImageCodec& imageCodec;
-        platform::Language& language;
-        platform::SavePanels& savePanels;
-        platform::ApplicationNotifications& notifications;
+        ports::Calendar& calendar;
+        ports::FileSystem& files;
+        ports::HostInfo& host;
+        ports::ImageCodec& imageCodec;
+        ports::Language& language;
+        ports::SavePanels& savePanels;
+        ports::ApplicationNotifications& notifications;
     };
 
     explicit MacAlertsContentView(Collaborators collaborators);
@@ -75,7 +75,7 @@ private:
     bool isConfirmingDeletion_ = false;
     bool isSidebarShown_ = true;
     std::vector<Observation> observations_;
-    std::vector<platform::RegistrationPtr> registrations_;
+    std::vector<ports::RegistrationPtr> registrations_;
     WeakAnchor<MacAlertsContentView> anchor_{*this};
 };
 

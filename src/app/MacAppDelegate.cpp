@@ -8,17 +8,17 @@
 #include "cloud/CloudKitConnectionMonitor.hpp"
 #include "cloud/CloudSubscriptions.hpp"
 #include "cloud/MacPresenceService.hpp"
-#include "coordinator/AlarmCoordinator.hpp"
 #include "core/SettingsStore.hpp"
+#include "core/coordinator/AlarmCoordinator.hpp"
 #include "lock/PasswordGate.hpp"
 #include "lock/ScreenCoverService.hpp"
 #include "outputs/AlarmSoundPlayer.hpp"
-#include "platform/Journal.hpp"
-#include "platform/Language.hpp"
-#include "platform/PreviewPanel.hpp"
-#include "platform/RemoteNotifications.hpp"
-#include "platform/WindowConstants.hpp"
-#include "platform/WorkspaceNotifications.hpp"
+#include "ports/Journal.hpp"
+#include "ports/Language.hpp"
+#include "ports/PreviewPanel.hpp"
+#include "ports/RemoteNotifications.hpp"
+#include "ports/WindowConstants.hpp"
+#include "ports/WorkspaceNotifications.hpp"
 #include "runtime/CurrentTask.hpp"
 #include "runtime/WeakCall.hpp"
 
@@ -54,23 +54,23 @@ void MacAppDelegate::applicationDidFinishLaunching()
     registerForRemoteNotifications();
     controlPreviewPanel();
     wakeRegistration_ = ports_.workspaceNotifications.observe(
-        platform::workspaceDidWake, weakCall(actor_, anchor_.weak(), &MacAppDelegate::systemDidWake));
+        ports::workspaceDidWake, weakCall(actor_, anchor_.weak(), &MacAppDelegate::systemDidWake));
     if (!isCompatibleComputer_) {
         tasks_.add(actor_.spawn(bringUpControlPanel()));
     }
 }
 
-platform::TerminateReply MacAppDelegate::applicationShouldTerminate()
+ports::TerminateReply MacAppDelegate::applicationShouldTerminate()
 {
     if (!mayQuit()) {
         start(authorization_, authorizeQuit());
-        return platform::TerminateReply::cancel;
+        return ports::TerminateReply::cancel;
     }
     if (quitCleanupDone_) {
-        return platform::TerminateReply::now;
+        return ports::TerminateReply::now;
     }
     start(cleanup_, cleanUpAndQuit());
-    return platform::TerminateReply::later;
+    return ports::TerminateReply::later;
 }
 
 void MacAppDelegate::applicationWillTerminate()

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "foundation/Json.hpp"
-#include "platform/Application.hpp"
-#include "platform/Registration.hpp"
+#include "ports/Application.hpp"
+#include "ports/Registration.hpp"
 #include "runtime/MainActor.hpp"
 #include "runtime/Weak.hpp"
 
@@ -19,13 +19,13 @@ class ScreenCoverService;
 class SettingsStore;
 class WindowHooks;
 
-namespace platform {
+namespace ports {
 class Journal;
 class Language;
 class PreviewPanel;
 class RemoteNotifications;
 class WorkspaceNotifications;
-} // namespace platform
+} // namespace ports
 
 /// Starts the services in order, decides whether the application may quit, and leaves the user's Mac as it was. Main
 /// actor; everything that it is given outlives it.
@@ -44,12 +44,12 @@ public:
         WindowHooks& windows;
     };
     struct Ports {
-        platform::Application& application;
-        platform::RemoteNotifications& remoteNotifications;
-        platform::WorkspaceNotifications& workspaceNotifications;
-        platform::PreviewPanel& previewPanel;
-        platform::Language& language;
-        platform::Journal& journal;
+        ports::Application& application;
+        ports::RemoteNotifications& remoteNotifications;
+        ports::WorkspaceNotifications& workspaceNotifications;
+        ports::PreviewPanel& previewPanel;
+        ports::Language& language;
+        ports::Journal& journal;
     };
 
     /// Where a quit stands.
@@ -62,7 +62,7 @@ public:
 
     /// Quitting needs the login when the settings say so, and always while the alarm is sounding or the lock screen is
     /// shown. A quit that needs it only by the time the cleanup is done is called off, and asked for anew.
-    [[nodiscard]] platform::TerminateReply applicationShouldTerminate();
+    [[nodiscard]] ports::TerminateReply applicationShouldTerminate();
 
     /// Returns when the user's sound is back.
     void applicationWillTerminate();
@@ -92,7 +92,7 @@ private:
     bool quitCleanupDone_ = false;
     Task<void> authorization_; ///< none before the first
     Task<void> cleanup_;       ///< likewise
-    platform::RegistrationPtr wakeRegistration_;
+    ports::RegistrationPtr wakeRegistration_;
     TaskBag tasks_;
     WeakAnchor<MacAppDelegate> anchor_{*this};
 };

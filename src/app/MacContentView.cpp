@@ -4,10 +4,10 @@
 #include "app/WholeNumber.hpp"
 #include "cloud/CloudKitService.hpp"
 #include "cloud/MacPresenceService.hpp"
-#include "coordinator/AlarmCoordinator.hpp"
 #include "core/SettingsStore.hpp"
+#include "core/coordinator/AlarmCoordinator.hpp"
 #include "foundation/TextFormat.hpp"
-#include "platform/Language.hpp"
+#include "ports/Language.hpp"
 
 #include <utility>
 
@@ -15,7 +15,7 @@ namespace sentrel {
 
 namespace {
 
-using platform::CloudAccountStatus;
+using ports::CloudAccountStatus;
 
 constexpr double panelPadding = 20.0;
 

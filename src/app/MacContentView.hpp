@@ -32,7 +32,7 @@ public:
         MacPresenceService& presence;
         UnlockPasscodeStore& passcodes;
         ProtectedActions& protectedActions;
-        platform::Language& language;
+        ports::Language& language;
     };
 
     MacContentView(Collaborators collaborators, bool isComputerCompatible);

@@ -1,11 +1,11 @@
 #include "app/MenuBarLabel.hpp"
 
-#include "coordinator/AlarmCoordinator.hpp"
-#include "platform/Language.hpp"
+#include "core/coordinator/AlarmCoordinator.hpp"
+#include "ports/Language.hpp"
 
 namespace sentrel {
 
-MenuBarLabel::MenuBarLabel(AlarmCoordinator& coordinator, bool isComputerCompatible, platform::Language& language)
+MenuBarLabel::MenuBarLabel(AlarmCoordinator& coordinator, bool isComputerCompatible, ports::Language& language)
     : coordinator_(coordinator),
       isComputerCompatible_(isComputerCompatible),
       language_(language),

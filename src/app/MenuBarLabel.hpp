@@ -9,14 +9,14 @@ namespace sentrel {
 
 class AlarmCoordinator;
 
-namespace platform {
+namespace ports {
 class Language;
 }
 
 /// The icon in the menu bar: whether the Mac is armed. Main actor.
 class MenuBarLabel {
 public:
-    MenuBarLabel(AlarmCoordinator& coordinator, bool isComputerCompatible, platform::Language& language);
+    MenuBarLabel(AlarmCoordinator& coordinator, bool isComputerCompatible, ports::Language& language);
     MenuBarLabel(const MenuBarLabel&) = delete;
 
     /// Called after each change of what is shown.
@@ -33,7 +33,7 @@ private:
 
     AlarmCoordinator& coordinator_;
     const bool isComputerCompatible_;
-    platform::Language& language_;
+    ports::Language& language_;
     Observation observation_;
 };
 

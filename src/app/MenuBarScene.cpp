@@ -4,7 +4,7 @@
 
 namespace sentrel {
 
-MenuBarScene::MenuBarScene(MainActor actor, platform::StatusBar& statusBar)
+MenuBarScene::MenuBarScene(MainActor actor, ports::StatusBar& statusBar)
     : statusBar_(statusBar), redraw_(actor, [this] { draw(); })
 {
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/StatusBar.hpp"
+#include "ports/StatusBar.hpp"
 #include "runtime/OncePerTurn.hpp"
 #include "ui/View.hpp"
 
@@ -21,7 +21,7 @@ public:
         std::function<void()> opened; ///< the user has opened the menu
     };
 
-    MenuBarScene(MainActor actor, platform::StatusBar& statusBar);
+    MenuBarScene(MainActor actor, ports::StatusBar& statusBar);
     MenuBarScene(const MenuBarScene&) = delete;
 
     /// Puts the item into the menu bar, where it stays as long as this lives.
@@ -36,9 +36,9 @@ public:
 private:
     void draw();
 
-    platform::StatusBar& statusBar_;
+    ports::StatusBar& statusBar_;
     Content content_;
-    std::unique_ptr<platform::StatusItem> item_;
+    std::unique_ptr<ports::StatusItem> item_;
     OncePerTurn redraw_;
 };
 

@@ -25,8 +25,8 @@ public:
         AlarmCoordinator& coordinator;
         ProtectedActions& protectedActions;
         WindowHooks& windowHooks;
-        platform::LoginItem& loginItem;
-        platform::Language& language;
+        ports::LoginItem& loginItem;
+        ports::Language& language;
     };
 
     /// What the menu's scene can do.

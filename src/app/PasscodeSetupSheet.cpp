@@ -4,7 +4,7 @@
 #include "app/ViewParts.hpp"
 #include "foundation/TextFormat.hpp"
 #include "lock/UnlockPasscodeStore.hpp"
-#include "platform/Language.hpp"
+#include "ports/Language.hpp"
 
 #include <memory>
 #include <string_view>

@@ -16,7 +16,7 @@ namespace sentrel {
 class SettingsEditor;
 class UnlockPasscodeStore;
 
-namespace platform {
+namespace ports {
 class Language;
 }
 
@@ -31,7 +31,7 @@ public:
         MainActor actor;
         UnlockPasscodeStore& passcodes;
         DetachedWork& derivations; ///< of an owner that lives longer, which waits for a derivation that is running
-        platform::Language& language;
+        ports::Language& language;
         SettingsEditor& editor;
     };
 

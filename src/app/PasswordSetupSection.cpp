@@ -5,7 +5,7 @@
 #include "app/WholeNumber.hpp"
 #include "foundation/TextFormat.hpp"
 #include "lock/UnlockPasscodeStore.hpp"
-#include "platform/Language.hpp"
+#include "ports/Language.hpp"
 
 #include <utility>
 
@@ -18,7 +18,7 @@ constexpr SettingsEditor::Range delayRange{0.0, 30.0, std::nullopt}; // seconds
 } // namespace
 
 PasswordSetupSection::PasswordSetupSection(MainActor actor, SettingsEditor& editor, UnlockPasscodeStore& passcodes,
-                                           platform::Language& language)
+                                           ports::Language& language)
     : actor_(actor),
       editor_(editor),
       passcodes_(passcodes),

@@ -17,7 +17,7 @@ namespace sentrel {
 class SettingsEditor;
 class UnlockPasscodeStore;
 
-namespace platform {
+namespace ports {
 class Language;
 }
 
@@ -25,7 +25,7 @@ class Language;
 class PasswordSetupSection {
 public:
     PasswordSetupSection(MainActor actor, SettingsEditor& editor, UnlockPasscodeStore& passcodes,
-                         platform::Language& language);
+                         ports::Language& language);
     PasswordSetupSection(const PasswordSetupSection&) = delete;
 
     /// Called after each change of what is shown, but for the settings.
@@ -53,7 +53,7 @@ private:
     MainActor actor_;
     SettingsEditor& editor_;
     UnlockPasscodeStore& passcodes_;
-    platform::Language& language_;
+    ports::Language& language_;
     bool hasPasscode_ = false;
     bool showingRemoveConfirmation_ = false;
     DetachedWork derivations_;

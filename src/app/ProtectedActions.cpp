@@ -2,14 +2,14 @@
 
 #include "core/SettingsStore.hpp"
 #include "lock/PasswordGate.hpp"
-#include "platform/Language.hpp"
+#include "ports/Language.hpp"
 
 #include <utility>
 
 namespace sentrel {
 
 ProtectedActions::ProtectedActions(MainActor actor, SettingsStore& settings, PasswordGate& gate,
-                                   platform::Language& language)
+                                   ports::Language& language)
     : actor_(actor), settings_(settings), gate_(gate), language_(language)
 {
 }

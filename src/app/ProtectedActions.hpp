@@ -11,7 +11,7 @@ namespace sentrel {
 class PasswordGate;
 class SettingsStore;
 
-namespace platform {
+namespace ports {
 class Language;
 }
 
@@ -19,7 +19,7 @@ class Language;
 /// action whose question is still open is not asked for again, wherever it is asked for. Main actor.
 class ProtectedActions {
 public:
-    ProtectedActions(MainActor actor, SettingsStore& settings, PasswordGate& gate, platform::Language& language);
+    ProtectedActions(MainActor actor, SettingsStore& settings, PasswordGate& gate, ports::Language& language);
     ProtectedActions(const ProtectedActions&) = delete;
 
     /// `requirePasswordForActions`.
@@ -35,7 +35,7 @@ private:
     MainActor actor_;
     SettingsStore& settings_;
     PasswordGate& gate_;
-    platform::Language& language_;
+    ports::Language& language_;
     std::set<std::string> asking_;
     TaskBag tasks_;
 };

@@ -1,11 +1,11 @@
 #include "app/SentrelApp.hpp"
 
 #include "core/CompatibleComputer.hpp"
-#include "platform/Application.hpp"
+#include "ports/Application.hpp"
 
 namespace sentrel {
 
-SentrelApp::SentrelApp(platform::Platform& platform)
+SentrelApp::SentrelApp(ports::Platform& platform)
     : actor_(platform.scheduler),
       isComputerCompatible_(isCompatibleComputer(platform.host)),
       settings_(actor_, platform.defaults),

@@ -11,10 +11,10 @@
 #include "cloud/CloudKitConnectionMonitor.hpp"
 #include "cloud/CloudKitService.hpp"
 #include "cloud/MacPresenceService.hpp"
-#include "coordinator/AlarmCoordinator.hpp"
-#include "coordinator/AlarmJournal.hpp"
-#include "coordinator/CoverAlarm.hpp"
 #include "core/SettingsStore.hpp"
+#include "core/coordinator/AlarmCoordinator.hpp"
+#include "core/coordinator/AlarmJournal.hpp"
+#include "core/coordinator/CoverAlarm.hpp"
 #include "lock/PasswordGate.hpp"
 #include "lock/ScreenCoverService.hpp"
 #include "lock/UnlockPasscodeStore.hpp"
@@ -22,7 +22,7 @@
 #include "outputs/CameraCapture.hpp"
 #include "outputs/MediaPlayback.hpp"
 #include "outputs/SystemVolumeControl.hpp"
-#include "platform/Platform.hpp"
+#include "ports/Platform.hpp"
 #include "runtime/MainActor.hpp"
 
 namespace sentrel {
@@ -32,7 +32,7 @@ namespace sentrel {
 /// platform outlives it.
 class SentrelApp {
 public:
-    explicit SentrelApp(platform::Platform& platform);
+    explicit SentrelApp(ports::Platform& platform);
     SentrelApp(const SentrelApp&) = delete;
     ~SentrelApp();
 
@@ -77,7 +77,7 @@ private:
     WindowHooks windowHooks_;
     MacAppDelegate delegate_;
     SentrelScenes scenes_;
-    platform::Application& application_;
+    ports::Application& application_;
 };
 
 } // namespace sentrel

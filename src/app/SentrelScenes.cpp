@@ -1,14 +1,13 @@
 #include "app/SentrelScenes.hpp"
 
-#include "coordinator/AlarmCoordinator.hpp"
 #include "core/SettingsStore.hpp"
-#include "platform/Application.hpp"
-#include "platform/Language.hpp"
+#include "core/coordinator/AlarmCoordinator.hpp"
+#include "ports/Application.hpp"
+#include "ports/Language.hpp"
 
 namespace sentrel {
 
-SentrelScenes::SentrelScenes(MainActor actor, bool isComputerCompatible, Services services,
-                             platform::Platform& platform)
+SentrelScenes::SentrelScenes(MainActor actor, bool isComputerCompatible, Services services, ports::Platform& platform)
     : with_(services),
       platform_(platform),
       isComputerCompatible_(isComputerCompatible),

@@ -10,7 +10,7 @@
 #include "app/WindowConfigurator.hpp"
 #include "app/WindowHooks.hpp"
 #include "app/WindowScene.hpp"
-#include "platform/Platform.hpp"
+#include "ports/Platform.hpp"
 
 #include <optional>
 
@@ -41,7 +41,7 @@ public:
         WindowHooks& windowHooks;
     };
 
-    SentrelScenes(MainActor actor, bool isComputerCompatible, Services services, platform::Platform& platform);
+    SentrelScenes(MainActor actor, bool isComputerCompatible, Services services, ports::Platform& platform);
     SentrelScenes(const SentrelScenes&) = delete;
 
     /// The item comes into the menu bar. From now on the alarm follows the stored settings, and the windows can be
@@ -54,7 +54,7 @@ private:
     [[nodiscard]] MenuBarView::Actions menuActions();
 
     Services with_;
-    platform::Platform& platform_;
+    ports::Platform& platform_;
     const bool isComputerCompatible_;
     ProtectedActions protectedActions_;
     ShellWindows windows_;

@@ -29,36 +29,35 @@ bool ShellWindowDelegate::windowShouldClose()
     return false;
 }
 
-platform::Size ShellWindowDelegate::windowWillResize(platform::Size proposedFrameSize)
+ports::Size ShellWindowDelegate::windowWillResize(ports::Size proposedFrameSize)
 {
-    platform::Window* const window = windows_.find(identifier_);
+    ports::Window* const window = windows_.find(identifier_);
     if (window == nullptr) {
         return proposedFrameSize;
     }
-    platform::Rectangle content =
-        window->contentForFrame({0.0, 0.0, proposedFrameSize.width, proposedFrameSize.height});
+    ports::Rectangle content = window->contentForFrame({0.0, 0.0, proposedFrameSize.width, proposedFrameSize.height});
     content.width = bounds_.width;
     // `fmax` and `fmin` also make a number of what is none.
     content.height = std::fmin(std::fmax(content.height, bounds_.leastHeight), bounds_.mostHeight);
-    const platform::Rectangle frame = window->frameForContent(content);
+    const ports::Rectangle frame = window->frameForContent(content);
     return {frame.width, frame.height};
 }
 
-platform::Rectangle ShellWindowDelegate::windowWillUseStandardFrame(platform::Rectangle defaultFrame)
+ports::Rectangle ShellWindowDelegate::windowWillUseStandardFrame(ports::Rectangle defaultFrame)
 {
-    platform::Window* const window = windows_.find(identifier_);
+    ports::Window* const window = windows_.find(identifier_);
     return window == nullptr ? defaultFrame : window->frame();
 }
 
-void ShellWindowDelegate::attachTo(platform::Window& window)
+void ShellWindowDelegate::attachTo(ports::Window& window)
 {
     // Not everything that resizes a window asks its delegate.
     window.setContentMinSize({bounds_.width, bounds_.leastHeight});
     window.setContentMaxSize({bounds_.width, bounds_.mostHeight});
     window.setDelegate({
         .shouldClose = [this] { return windowShouldClose(); },
-        .willResize = [this](platform::Size size) { return windowWillResize(size); },
-        .willUseStandardFrame = [this](platform::Rectangle frame) { return windowWillUseStandardFrame(frame); },
+        .willResize = [this](ports::Size size) { return windowWillResize(size); },
+        .willUseStandardFrame = [this](ports::Rectangle frame) { return windowWillUseStandardFrame(frame); },
     });
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/Windows.hpp"
+#include "ports/Windows.hpp"
 
 #include <string_view>
 
@@ -22,14 +22,14 @@ public:
     virtual ~ShellWindowDelegate() = default;
 
     [[nodiscard]] bool windowShouldClose();
-    [[nodiscard]] platform::Size windowWillResize(platform::Size proposedFrameSize);
-    [[nodiscard]] platform::Rectangle windowWillUseStandardFrame(platform::Rectangle defaultFrame);
+    [[nodiscard]] ports::Size windowWillResize(ports::Size proposedFrameSize);
+    [[nodiscard]] ports::Rectangle windowWillUseStandardFrame(ports::Rectangle defaultFrame);
 
     [[nodiscard]] std::string_view identifier() const { return identifier_; }
     [[nodiscard]] const ContentBounds& bounds() const { return bounds_; }
 
     /// Makes this the window's delegate; it must outlive the window.
-    void attachTo(platform::Window& window);
+    void attachTo(ports::Window& window);
 
 protected:
     ShellWindowDelegate(ShellWindows& windows, std::string_view identifier, ContentBounds bounds)

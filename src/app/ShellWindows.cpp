@@ -1,20 +1,20 @@
 #include "app/ShellWindows.hpp"
 
 #include "app/ActivationPolicy.hpp"
-#include "platform/Application.hpp"
-#include "platform/ApplicationActivation.hpp"
-#include "platform/Windows.hpp"
+#include "ports/Application.hpp"
+#include "ports/ApplicationActivation.hpp"
+#include "ports/Windows.hpp"
 
 #include <algorithm>
 
 namespace sentrel {
 
-void ShellWindows::add(std::string_view identifier, platform::Window& window)
+void ShellWindows::add(std::string_view identifier, ports::Window& window)
 {
     windows_[std::string{identifier}] = &window;
 }
 
-platform::Window* ShellWindows::find(std::string_view identifier) const
+ports::Window* ShellWindows::find(std::string_view identifier) const
 {
     const auto found = windows_.find(identifier);
     return found == windows_.end() ? nullptr : found->second;
@@ -22,7 +22,7 @@ platform::Window* ShellWindows::find(std::string_view identifier) const
 
 void ShellWindows::show(std::string_view identifier)
 {
-    if (platform::Window* const window = find(identifier)) {
+    if (ports::Window* const window = find(identifier)) {
         // First, since an application without a Dock icon can't be brought to the front reliably.
         application_.setActivationPolicy(regularActivationPolicy);
         activation_.activate(true);
@@ -33,7 +33,7 @@ void ShellWindows::show(std::string_view identifier)
 
 void ShellWindows::hide(std::string_view identifier)
 {
-    if (platform::Window* const window = find(identifier)) {
+    if (ports::Window* const window = find(identifier)) {
         shown_.erase(std::string{identifier});
         window->orderOut();
     }

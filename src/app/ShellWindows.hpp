@@ -7,11 +7,11 @@
 
 namespace sentrel {
 
-namespace platform {
+namespace ports {
 class Application;
 class ApplicationActivation;
 class Window;
-} // namespace platform
+} // namespace ports
 
 inline constexpr std::string_view mainWindowIdentifier = "sentrel-main-window";
 inline constexpr std::string_view alertsWindowIdentifier = "sentrel-alerts-window";
@@ -20,17 +20,17 @@ inline constexpr std::string_view alertsWindowIdentifier = "sentrel-alerts-windo
 /// exactly while one of them is visible. Main actor.
 class ShellWindows {
 public:
-    ShellWindows(platform::Application& application, platform::ApplicationActivation& activation)
+    ShellWindows(ports::Application& application, ports::ApplicationActivation& activation)
         : application_(application), activation_(activation)
     {
     }
     ShellWindows(const ShellWindows&) = delete;
 
     /// The window lives as long as this is used.
-    void add(std::string_view identifier, platform::Window& window);
+    void add(std::string_view identifier, ports::Window& window);
 
     /// The window of this identifier, or null while it hasn't been made.
-    [[nodiscard]] platform::Window* find(std::string_view identifier) const;
+    [[nodiscard]] ports::Window* find(std::string_view identifier) const;
 
     /// Brings the application and the window to the front.
     void show(std::string_view identifier);
@@ -44,9 +44,9 @@ public:
 private:
     void refreshActivationPolicy();
 
-    platform::Application& application_;
-    platform::ApplicationActivation& activation_;
-    std::map<std::string, platform::Window*, std::less<>> windows_;
+    ports::Application& application_;
+    ports::ApplicationActivation& activation_;
+    std::map<std::string, ports::Window*, std::less<>> windows_;
     std::set<std::string, std::less<>> shown_;
 };
 

@@ -2,13 +2,13 @@
 
 #include "app/ProtectedActions.hpp"
 #include "app/ViewParts.hpp"
-#include "coordinator/AlarmCoordinator.hpp"
-#include "platform/Language.hpp"
+#include "core/coordinator/AlarmCoordinator.hpp"
+#include "ports/Language.hpp"
 
 namespace sentrel {
 
 StopAlarmButton::StopAlarmButton(AlarmCoordinator& coordinator, ProtectedActions& protectedActions,
-                                 platform::Language& language)
+                                 ports::Language& language)
     : coordinator_(coordinator), protectedActions_(protectedActions), language_(language)
 {
 }

@@ -8,7 +8,7 @@ namespace sentrel {
 class AlarmCoordinator;
 class ProtectedActions;
 
-namespace platform {
+namespace ports {
 class Language;
 }
 
@@ -17,7 +17,7 @@ class StopAlarmButton {
 public:
     enum class Style { menuBar, controlPanel };
 
-    StopAlarmButton(AlarmCoordinator& coordinator, ProtectedActions& protectedActions, platform::Language& language);
+    StopAlarmButton(AlarmCoordinator& coordinator, ProtectedActions& protectedActions, ports::Language& language);
 
     /// Hidden while no alarm sounds.
     [[nodiscard]] ui::View body(Style style);
@@ -27,7 +27,7 @@ private:
 
     AlarmCoordinator& coordinator_;
     ProtectedActions& protectedActions_;
-    platform::Language& language_;
+    ports::Language& language_;
     WeakAnchor<StopAlarmButton> anchor_{*this};
 };
 

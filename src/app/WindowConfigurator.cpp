@@ -20,7 +20,7 @@ WindowConfigurator::WindowConfigurator(ShellWindows& windows, std::unique_ptr<Sh
 {
 }
 
-void WindowConfigurator::configure(platform::Window& window)
+void WindowConfigurator::configure(ports::Window& window)
 {
     window.setIdentifier(std::string{identifier()});
     windows_.add(identifier(), window);

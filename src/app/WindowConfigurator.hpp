@@ -11,11 +11,11 @@ namespace sentrel {
 class WindowConfigurator {
 public:
     /// The content's size at first.
-    [[nodiscard]] platform::Size startSize() const { return {delegate_->bounds().width, startHeight_}; }
+    [[nodiscard]] ports::Size startSize() const { return {delegate_->bounds().width, startHeight_}; }
 
     [[nodiscard]] std::string_view identifier() const { return delegate_->identifier(); }
 
-    void configure(platform::Window& window);
+    void configure(ports::Window& window);
 
 protected:
     WindowConfigurator(ShellWindows& windows, std::unique_ptr<ShellWindowDelegate> delegate, double startHeight);

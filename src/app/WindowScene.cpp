@@ -2,7 +2,7 @@
 
 #include "app/ShellWindows.hpp"
 #include "app/WindowConfigurator.hpp"
-#include "platform/WindowConstants.hpp"
+#include "ports/WindowConstants.hpp"
 
 #include <utility>
 
@@ -11,17 +11,17 @@ namespace sentrel {
 namespace {
 
 // Not miniaturizable: it is hidden by closing it.
-constexpr std::uint64_t windowStyle = platform::titledStyle | platform::closableStyle | platform::resizableStyle;
+constexpr std::uint64_t windowStyle = ports::titledStyle | ports::closableStyle | ports::resizableStyle;
 // A full screen asks no delegate for the window's size.
-constexpr std::uint64_t collectionBehavior = platform::fullScreenNone;
-constexpr std::uint64_t resizesWithWindow = platform::widthSizable | platform::heightSizable;
+constexpr std::uint64_t collectionBehavior = ports::fullScreenNone;
+constexpr std::uint64_t resizesWithWindow = ports::widthSizable | ports::heightSizable;
 
-platform::WindowDescription describe(platform::Size content, const std::vector<platform::Screen>& screens)
+ports::WindowDescription describe(ports::Size content, const std::vector<ports::Screen>& screens)
 {
-    platform::WindowDescription description;
+    ports::WindowDescription description;
     description.contentRectangle = {0.0, 0.0, content.width, content.height};
     description.styleMask = windowStyle;
-    description.backing = platform::bufferedBacking;
+    description.backing = ports::bufferedBacking;
     description.isDeferred = true;
     description.screenNumber = screens.empty() ? 0 : screens.front().number;
     description.canBecomeKey = true;
@@ -31,7 +31,7 @@ platform::WindowDescription describe(platform::Size content, const std::vector<p
 
 } // namespace
 
-WindowScene::WindowScene(MainActor actor, platform::Windows& windows, ShellWindows& shellWindows,
+WindowScene::WindowScene(MainActor actor, ports::Windows& windows, ShellWindows& shellWindows,
                          WindowConfigurator& configurator, std::string title, std::function<ui::View()> body)
     : windows_(windows),
       shellWindows_(shellWindows),

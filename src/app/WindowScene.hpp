@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/Windows.hpp"
+#include "ports/Windows.hpp"
 #include "runtime/OncePerTurn.hpp"
 #include "ui/View.hpp"
 
@@ -17,8 +17,8 @@ class WindowConfigurator;
 class WindowScene {
 public:
     /// The title is in the user's language; `body` gives what the window shows now. The configurator outlives this.
-    WindowScene(MainActor actor, platform::Windows& windows, ShellWindows& shellWindows,
-                WindowConfigurator& configurator, std::string title, std::function<ui::View()> body);
+    WindowScene(MainActor actor, ports::Windows& windows, ShellWindows& shellWindows, WindowConfigurator& configurator,
+                std::string title, std::function<ui::View()> body);
     WindowScene(const WindowScene&) = delete;
 
     /// Brings the window to the front, as large and where it was the last time.
@@ -31,12 +31,12 @@ private:
     void makeWindow();
     void draw();
 
-    platform::Windows& windows_;
+    ports::Windows& windows_;
     ShellWindows& shellWindows_;
     WindowConfigurator& configurator_;
     std::string title_;
     std::function<ui::View()> body_;
-    std::unique_ptr<platform::Window> window_;
+    std::unique_ptr<ports::Window> window_;
     OncePerTurn redraw_;
 };
 

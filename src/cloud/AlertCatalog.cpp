@@ -13,21 +13,21 @@ namespace {
 
 using Texts = std::vector<std::string>;
 
-std::optional<platform::CloudError> ifThrottling(const platform::CloudError& error)
+std::optional<ports::CloudError> ifThrottling(const ports::CloudError& error)
 {
     return isThrottlingError(error) ? std::optional{error} : std::nullopt;
 }
 
-bool isTruncated(const platform::CloudRecord& record)
+bool isTruncated(const ports::CloudRecord& record)
 {
-    const auto* const flag = platform::fieldOf<std::int64_t>(record, AlertCatalog::isTruncatedField);
+    const auto* const flag = ports::fieldOf<std::int64_t>(record, AlertCatalog::isTruncatedField);
     return flag != nullptr && *flag != 0;
 }
 
 /// Puts the debts into the list; false when it needs no change.
-bool merge(platform::CloudRecord& record, const CatalogDebts& debts)
+bool merge(ports::CloudRecord& record, const CatalogDebts& debts)
 {
-    const auto* const listed = platform::fieldOf<Texts>(record, AlertCatalog::alertIDsField);
+    const auto* const listed = ports::fieldOf<Texts>(record, AlertCatalog::alertIDsField);
     Texts texts = listed != nullptr ? *listed : Texts{};
     std::unordered_set<UUID> missing{debts.additions.begin(), debts.additions.end()};
     const std::size_t dropped = std::erase_if(texts, [&](const std::string& text) {
@@ -55,25 +55,25 @@ bool merge(platform::CloudRecord& record, const CatalogDebts& debts)
 
 } // namespace
 
-Async<platform::CloudRecord> AlertCatalog::read(platform::CloudDatabase& database)
+Async<ports::CloudRecord> AlertCatalog::read(ports::CloudDatabase& database)
 {
     return recordOrNew(database, recordType, recordName);
 }
 
-Async<AlertCatalog::Reading> AlertCatalog::tryToRead(platform::CloudDatabase& database)
+Async<AlertCatalog::Reading> AlertCatalog::tryToRead(ports::CloudDatabase& database)
 {
     Reading reading;
     try {
         reading.record = co_await read(database);
-    } catch (const platform::CloudError& error) {
+    } catch (const ports::CloudError& error) {
         reading.throttling = ifThrottling(error);
     }
     co_return reading;
 }
 
-std::optional<AlertCatalog::Contents> AlertCatalog::contentsOf(const platform::CloudRecord& record)
+std::optional<AlertCatalog::Contents> AlertCatalog::contentsOf(const ports::CloudRecord& record)
 {
-    const auto* const texts = platform::fieldOf<Texts>(record, alertIDsField);
+    const auto* const texts = ports::fieldOf<Texts>(record, alertIDsField);
     if (texts == nullptr) {
         return std::nullopt;
     }
@@ -88,7 +88,7 @@ std::optional<AlertCatalog::Contents> AlertCatalog::contentsOf(const platform::C
     return contents;
 }
 
-Async<std::optional<platform::CloudError>> AlertCatalog::payDebts(std::optional<platform::CloudRecord> fresh)
+Async<std::optional<ports::CloudError>> AlertCatalog::payDebts(std::optional<ports::CloudRecord> fresh)
 {
     if (cache_.debts().isEmpty()) {
         co_return std::nullopt;
@@ -96,13 +96,13 @@ Async<std::optional<platform::CloudError>> AlertCatalog::payDebts(std::optional<
     const auto changes = cache_.watch();
     CatalogDebts paid;
     // Each attempt pays what is owed then. One user's record must never be saved among another's.
-    RecordMerge merging = [&paid, &cache = cache_, changes](platform::CloudRecord& record) {
+    RecordMerge merging = [&paid, &cache = cache_, changes](ports::CloudRecord& record) {
         paid = cache.debts();
         return !changes->isAnotherUser && merge(record, paid);
     };
     try {
         co_await mergeIntoRecord(database_, recordType, recordName, std::move(fresh), std::move(merging));
-    } catch (const platform::CloudError& error) {
+    } catch (const ports::CloudError& error) {
         co_return ifThrottling(error);
     }
     if (!changes->isAnotherUser) {

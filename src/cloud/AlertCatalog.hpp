@@ -1,8 +1,8 @@
 #pragma once
 
 #include "cloud/AlertMetadataCache.hpp"
-#include "platform/CloudError.hpp"
-#include "platform/CloudRecord.hpp"
+#include "ports/CloudError.hpp"
+#include "ports/CloudRecord.hpp"
 #include "runtime/Async.hpp"
 
 #include <cstddef>
@@ -11,7 +11,7 @@
 
 namespace sentrel {
 
-namespace platform {
+namespace ports {
 class CloudDatabase;
 }
 
@@ -37,27 +37,27 @@ public:
         bool isTruncated = false;
     };
 
-    AlertCatalog(platform::CloudDatabase& database, AlertMetadataCache& cache) : database_(database), cache_(cache) {}
+    AlertCatalog(ports::CloudDatabase& database, AlertMetadataCache& cache) : database_(database), cache_(cache) {}
 
     /// The catalog's record; a new and empty one when there is none. Throws what the request throws.
-    [[nodiscard]] static Async<platform::CloudRecord> read(platform::CloudDatabase& database);
+    [[nodiscard]] static Async<ports::CloudRecord> read(ports::CloudDatabase& database);
 
     /// What an attempt to read the catalog came to.
     struct Reading {
-        std::optional<platform::CloudRecord> record;    ///< none when the request failed
-        std::optional<platform::CloudError> throttling; ///< by which the server asked for patience
+        std::optional<ports::CloudRecord> record;    ///< none when the request failed
+        std::optional<ports::CloudError> throttling; ///< by which the server asked for patience
     };
-    [[nodiscard]] static Async<Reading> tryToRead(platform::CloudDatabase& database);
+    [[nodiscard]] static Async<Reading> tryToRead(ports::CloudDatabase& database);
 
     /// What the record lists; none when it has no such list, so that nothing follows from it.
-    [[nodiscard]] static std::optional<Contents> contentsOf(const platform::CloudRecord& record);
+    [[nodiscard]] static std::optional<Contents> contentsOf(const ports::CloudRecord& record);
 
     /// Pays what is owed. A failure leaves the debt for the next time; only a `CancellationError` is thrown. `fresh` is
     /// the record as it has just been read. Gives the error by which the server asked for patience.
-    [[nodiscard]] Async<std::optional<platform::CloudError>> payDebts(std::optional<platform::CloudRecord> fresh);
+    [[nodiscard]] Async<std::optional<ports::CloudError>> payDebts(std::optional<ports::CloudRecord> fresh);
 
 private:
-    platform::CloudDatabase& database_;
+    ports::CloudDatabase& database_;
     AlertMetadataCache& cache_;
 };
 

@@ -1,9 +1,9 @@
 #include "cloud/AlertMetadataCache.hpp"
 
 #include "foundation/Json.hpp"
-#include "platform/DurableFile.hpp"
-#include "platform/FileSystem.hpp"
-#include "platform/Journal.hpp"
+#include "ports/DurableFile.hpp"
+#include "ports/FileSystem.hpp"
+#include "ports/Journal.hpp"
 
 #include <algorithm>
 #include <cerrno>
@@ -22,8 +22,8 @@ constexpr Duration persistDelay = 1s;
 constexpr std::uint32_t directoryMode = 0700;
 constexpr std::uint32_t fileMode = 0600;
 
-AlertCacheContents readContents(platform::FileSystem& files, platform::Journal& journal,
-                                const std::filesystem::path& file, std::optional<std::string> owner)
+AlertCacheContents readContents(ports::FileSystem& files, ports::Journal& journal, const std::filesystem::path& file,
+                                std::optional<std::string> owner)
 {
     AlertCacheContents empty;
     empty.owner = std::move(owner);
@@ -40,12 +40,12 @@ AlertCacheContents readContents(platform::FileSystem& files, platform::Journal& 
 }
 
 /// Returns 0 or an `errno` value.
-int write(platform::FileSystem& files, const std::filesystem::path& directory, const AlertCacheContents& contents)
+int write(ports::FileSystem& files, const std::filesystem::path& directory, const AlertCacheContents& contents)
 {
     try {
         const std::string text = encodeAlertCache(contents);
         files.createDirectories(directory, directoryMode);
-        return platform::writeDurably(files, directory / AlertMetadataCache::fileName, bytesOf(text), fileMode);
+        return ports::writeDurably(files, directory / AlertMetadataCache::fileName, bytesOf(text), fileMode);
     } catch (const JsonEncodingError&) {
         return EINVAL;
     }
@@ -53,7 +53,7 @@ int write(platform::FileSystem& files, const std::filesystem::path& directory, c
 
 } // namespace
 
-AlertMetadataCache::AlertMetadataCache(MainActor actor, platform::FileSystem& files, platform::Journal& journal,
+AlertMetadataCache::AlertMetadataCache(MainActor actor, ports::FileSystem& files, ports::Journal& journal,
                                        std::filesystem::path directory, std::optional<std::string> owner)
     : actor_(actor),
       files_(files),

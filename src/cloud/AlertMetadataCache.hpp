@@ -14,10 +14,10 @@
 
 namespace sentrel {
 
-namespace platform {
+namespace ports {
 class FileSystem;
 class Journal;
-} // namespace platform
+} // namespace ports
 
 /// The local mirror of the alerts in the cloud, without their photos, and of what the alert catalog is still owed. It
 /// is a cache: whatever befalls the file costs a listing of the database and nothing else. Changes are written a second
@@ -34,7 +34,7 @@ public:
 
     /// Reads the file. A missing or damaged one reads as empty, and so does one of another owner: what one user's
     /// alarms were is nothing that the next user may see, wherever the process died.
-    AlertMetadataCache(MainActor actor, platform::FileSystem& files, platform::Journal& journal,
+    AlertMetadataCache(MainActor actor, ports::FileSystem& files, ports::Journal& journal,
                        std::filesystem::path directory, std::optional<std::string> owner);
     AlertMetadataCache(const AlertMetadataCache&) = delete;
 
@@ -77,8 +77,8 @@ private:
     Async<void> persist();
 
     MainActor actor_;
-    platform::FileSystem& files_;
-    platform::Journal& journal_;
+    ports::FileSystem& files_;
+    ports::Journal& journal_;
     const std::filesystem::path cacheDirectory_;
     AlertCacheContents alertCache_;
     std::vector<std::weak_ptr<Changes>> watches_;

@@ -22,9 +22,9 @@ const std::vector<std::string>& alertListKeys()
     return keys;
 }
 
-platform::CloudRecord alertRecord(const AlertEvent& alert, const std::string& deviceName, platform::Language& language)
+ports::CloudRecord alertRecord(const AlertEvent& alert, const std::string& deviceName, ports::Language& language)
 {
-    platform::CloudRecord record;
+    ports::CloudRecord record;
     record.type = alertRecordType;
     record.name = alert.id.text();
     record.fields[reasonField] = std::string{rawValue(alert.reason)};
@@ -35,23 +35,23 @@ platform::CloudRecord alertRecord(const AlertEvent& alert, const std::string& de
     return record;
 }
 
-std::optional<AlertEvent> alertOf(const platform::CloudRecord& record)
+std::optional<AlertEvent> alertOf(const ports::CloudRecord& record)
 {
     const auto id = UUID::parse(record.name);
-    const auto* const reasonText = platform::fieldOf<std::string>(record, reasonField);
+    const auto* const reasonText = ports::fieldOf<std::string>(record, reasonField);
     const auto reason = reasonText != nullptr ? triggerReason(*reasonText) : std::nullopt;
-    const auto* const timestamp = platform::fieldOf<Date>(record, timestampField);
+    const auto* const timestamp = ports::fieldOf<Date>(record, timestampField);
     if (!id || !reason || timestamp == nullptr || !std::isfinite(timestamp->secondsSinceReferenceDate)) {
         return std::nullopt;
     }
-    const auto* const sendNotification = platform::fieldOf<std::int64_t>(record, sendNotificationField);
+    const auto* const sendNotification = ports::fieldOf<std::int64_t>(record, sendNotificationField);
     AlertEvent alert;
     alert.id = *id;
     alert.reason = *reason;
     alert.timestamp = *timestamp;
     alert.deviceName = deviceNameOf(record, deviceNameField);
     alert.sendNotification = sendNotification == nullptr || *sendNotification != 0;
-    if (platform::fieldOf<platform::CloudAsset>(record, alertPhotoField) != nullptr) {
+    if (ports::fieldOf<ports::CloudAsset>(record, alertPhotoField) != nullptr) {
         alert.photoFileName = record.name + ".jpg";
     }
     return alert;

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "core/AlertEvent.hpp"
-#include "platform/CloudRecord.hpp"
+#include "ports/CloudRecord.hpp"
 
 #include <optional>
 #include <string>
@@ -9,7 +9,7 @@
 
 namespace sentrel {
 
-namespace platform {
+namespace ports {
 class Language;
 }
 
@@ -24,11 +24,11 @@ inline constexpr const char* alertPhotoField = "photo";
 
 /// The record of an alert, without its photo. `deviceName` is the Mac's present name; the trigger's title is in the
 /// user's language.
-[[nodiscard]] platform::CloudRecord alertRecord(const AlertEvent& alert, const std::string& deviceName,
-                                                platform::Language& language);
+[[nodiscard]] ports::CloudRecord alertRecord(const AlertEvent& alert, const std::string& deviceName,
+                                             ports::Language& language);
 
 /// The alert of a fetched record; none when its name, reason or time is unusable. It has a photo when the record was
 /// fetched with one.
-[[nodiscard]] std::optional<AlertEvent> alertOf(const platform::CloudRecord& record);
+[[nodiscard]] std::optional<AlertEvent> alertOf(const ports::CloudRecord& record);
 
 } // namespace sentrel

@@ -12,7 +12,7 @@
 
 namespace sentrel {
 
-Async<std::optional<platform::CloudError>> AlertRefresh::run()
+Async<std::optional<ports::CloudError>> AlertRefresh::run()
 {
     auto changes = cache_.watch();
     const auto record = co_await readCatalog();
@@ -32,7 +32,7 @@ Async<std::optional<platform::CloudError>> AlertRefresh::run()
     apply(newer);
     changes = cache_.watch();
     co_await sleepFor(Duration::zero()); // thousands of alerts are enough for one turn of the main thread
-    std::optional<platform::CloudError> throttling;
+    std::optional<ports::CloudError> throttling;
     if (!changes->isAnotherUser) {
         throttling = co_await catalog_.payDebts(std::move(*record));
     }
@@ -40,10 +40,10 @@ Async<std::optional<platform::CloudError>> AlertRefresh::run()
 }
 
 /// Reads what the catalog lists, of which there may be thousands, off the main thread.
-Async<std::shared_ptr<platform::CloudRecord>> AlertRefresh::readCatalog()
+Async<std::shared_ptr<ports::CloudRecord>> AlertRefresh::readCatalog()
 {
-    platform::CloudRecord record = co_await AlertCatalog::read(database_);
-    const auto shared = std::make_shared<platform::CloudRecord>(std::move(record));
+    ports::CloudRecord record = co_await AlertCatalog::read(database_);
+    const auto shared = std::make_shared<ports::CloudRecord>(std::move(record));
     auto work = [shared] {
         return std::make_shared<std::optional<AlertCatalog::Contents>>(AlertCatalog::contentsOf(*shared));
     };
@@ -55,9 +55,9 @@ Async<std::shared_ptr<platform::CloudRecord>> AlertRefresh::readCatalog()
 
 Async<void> AlertRefresh::queryAll()
 {
-    platform::CloudQuery query;
+    ports::CloudQuery query;
     query.recordType = alertRecordType;
-    platform::CloudQueryPage page = co_await database_.query(std::move(query), alertListKeys(), batchSize);
+    ports::CloudQueryPage page = co_await database_.query(std::move(query), alertListKeys(), batchSize);
     for (;;) {
         for (const auto& [name, result] : page.results) {
             note(name, result);
@@ -100,23 +100,23 @@ Async<void> AlertRefresh::fetch(std::vector<UUID> ids)
     }
 }
 
-void AlertRefresh::note(const std::string& name, const platform::CloudRecordResult& result)
+void AlertRefresh::note(const std::string& name, const ports::CloudRecordResult& result)
 {
     const auto id = UUID::parse(name);
     if (!id) {
         return;
     }
-    if (const auto* const error = std::get_if<platform::CloudError>(&result)) {
+    if (const auto* const error = std::get_if<ports::CloudError>(&result)) {
         if (isCloudKitError(*error, CloudErrorCode::unknownItem)) {
             gone_.insert(*id);
         } else if (isNetworkError(*error) || isThrottlingError(*error)) {
-            throw platform::CloudError{*error}; // so will be the rest
+            throw ports::CloudError{*error}; // so will be the rest
         } else {
             unreadable_.insert(*id);
         }
         return;
     }
-    if (auto alert = alertOf(std::get<platform::CloudRecord>(result))) {
+    if (auto alert = alertOf(std::get<ports::CloudRecord>(result))) {
         found_.insert_or_assign(*id, *std::move(alert));
     } else {
         unusable_.insert(*id);

@@ -2,7 +2,7 @@
 
 #include "cloud/AlertCatalog.hpp"
 #include "cloud/AlertMetadataCache.hpp"
-#include "platform/CloudDatabase.hpp"
+#include "ports/CloudDatabase.hpp"
 
 #include <memory>
 #include <optional>
@@ -22,28 +22,28 @@ public:
     static constexpr std::size_t batchSize = 200;
 
     /// `unusable`: alerts whose records can't be read, so that they aren't fetched again and again.
-    AlertRefresh(Scheduler& scheduler, platform::CloudDatabase& database, AlertCatalog& catalog,
-                 AlertMetadataCache& cache, std::unordered_set<UUID>& unusable)
+    AlertRefresh(Scheduler& scheduler, ports::CloudDatabase& database, AlertCatalog& catalog, AlertMetadataCache& cache,
+                 std::unordered_set<UUID>& unusable)
         : scheduler_(scheduler), database_(database), catalog_(catalog), cache_(cache), unusable_(unusable)
     {
     }
 
     /// Throws what the requests throw, and then has changed nothing. Gives the error by which the server asked for
     /// patience with the catalog.
-    [[nodiscard]] Async<std::optional<platform::CloudError>> run();
+    [[nodiscard]] Async<std::optional<ports::CloudError>> run();
 
 private:
-    [[nodiscard]] Async<std::shared_ptr<platform::CloudRecord>> readCatalog();
+    [[nodiscard]] Async<std::shared_ptr<ports::CloudRecord>> readCatalog();
     [[nodiscard]] Async<void> queryAll();
     [[nodiscard]] Async<void> fetch(std::vector<UUID> ids);
     [[nodiscard]] std::vector<UUID> unknownIDs() const;
-    void note(const std::string& name, const platform::CloudRecordResult& result);
+    void note(const std::string& name, const ports::CloudRecordResult& result);
     void apply(const std::unordered_set<UUID>& newer);
     void dropDeleted(const std::unordered_set<UUID>& newer);
     void oweUnlisted();
 
     Scheduler& scheduler_;
-    platform::CloudDatabase& database_;
+    ports::CloudDatabase& database_;
     AlertCatalog& catalog_;
     AlertMetadataCache& cache_;
     std::unordered_set<UUID>& unusable_;

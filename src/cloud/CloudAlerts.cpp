@@ -3,9 +3,9 @@
 #include "cloud/AlertRecord.hpp"
 #include "cloud/AlertRefresh.hpp"
 #include "cloud/CloudErrors.hpp"
-#include "platform/CloudDatabase.hpp"
-#include "platform/FileSystem.hpp"
-#include "platform/HostInfo.hpp"
+#include "ports/CloudDatabase.hpp"
+#include "ports/FileSystem.hpp"
+#include "ports/HostInfo.hpp"
 
 #include <algorithm>
 #include <iterator>
@@ -18,7 +18,7 @@ namespace {
 /// The server takes 400 records in a request.
 constexpr std::size_t batchSize = 200;
 
-using ItemErrors = std::map<std::string, platform::CloudError>;
+using ItemErrors = std::map<std::string, ports::CloudError>;
 
 bool isThrottled(const ItemErrors& errors)
 {
@@ -26,7 +26,7 @@ bool isThrottled(const ItemErrors& errors)
 }
 
 /// The error of a request by those of its records.
-platform::CloudError errorOf(const ItemErrors& errors)
+ports::CloudError errorOf(const ItemErrors& errors)
 {
     // A server that asks for patience must be heard, whatever else went wrong.
     for (const auto& [name, error] : errors) {
@@ -34,8 +34,7 @@ platform::CloudError errorOf(const ItemErrors& errors)
             return error;
         }
     }
-    platform::CloudError partial{platform::cloudErrorDomain, CloudErrorCode::partialFailure,
-                                 "some records were not deleted"};
+    ports::CloudError partial{ports::cloudErrorDomain, CloudErrorCode::partialFailure, "some records were not deleted"};
     partial.itemErrors = errors;
     return partial;
 }
@@ -66,13 +65,13 @@ std::vector<AlertEvent> CloudAlerts::cached() const
 Async<CloudAlerts::Throttling> CloudAlerts::upload(AlertEvent alert, std::optional<Bytes> photo)
 {
     const auto changes = cache_.watch();
-    platform::CloudRecord record = alertRecord(alert, ports_.host.localizedName().value_or("Mac"), ports_.language);
+    ports::CloudRecord record = alertRecord(alert, ports_.host.localizedName().value_or("Mac"), ports_.language);
     std::optional<UploadPhotoFiles::File> file;
     if (photo) {
         Bytes content = *std::move(photo);
         auto written = co_await photoFiles_.write(std::move(content));
         file.emplace(std::move(written));
-        record.fields[alertPhotoField] = platform::CloudAsset{file->path()};
+        record.fields[alertPhotoField] = ports::CloudAsset{file->path()};
     }
     const auto uploaded = alertOf(record);
 
@@ -102,11 +101,11 @@ Async<CloudAlerts::Throttling> CloudAlerts::upload(AlertEvent alert, std::option
 }
 
 /// An alert that is there already counts as saved: the answer to an earlier attempt was lost.
-Async<void> CloudAlerts::save(platform::CloudRecord record)
+Async<void> CloudAlerts::save(ports::CloudRecord record)
 {
     try {
         co_await ports_.database.save(std::move(record));
-    } catch (const platform::CloudError& error) {
+    } catch (const ports::CloudError& error) {
         if (!isCloudKitError(error, CloudErrorCode::serverRecordChanged)) {
             throw;
         }
@@ -114,7 +113,7 @@ Async<void> CloudAlerts::save(platform::CloudRecord record)
 }
 
 /// A debt that could not be paid is on the disk before anybody learns that the alert is safe, or gone.
-Async<CloudAlerts::Throttling> CloudAlerts::settleDebts(std::optional<platform::CloudRecord> catalog)
+Async<CloudAlerts::Throttling> CloudAlerts::settleDebts(std::optional<ports::CloudRecord> catalog)
 {
     Throttling throttling = co_await catalog_.payDebts(std::move(catalog));
     if (!cache_.debts().isEmpty()) {
@@ -139,17 +138,17 @@ Async<std::optional<Bytes>> CloudAlerts::photo(UUID id)
     if (found == results.end() || changes->isAnotherUser) {
         co_return std::nullopt;
     }
-    if (const auto* const error = std::get_if<platform::CloudError>(&found->second)) {
+    if (const auto* const error = std::get_if<ports::CloudError>(&found->second)) {
         if (!isCloudKitError(*error, CloudErrorCode::unknownItem)) {
-            throw platform::CloudError{*error};
+            throw ports::CloudError{*error};
         }
         if (!changes->ids.contains(id)) {
             forget({id});
         }
         co_return std::nullopt;
     }
-    const auto& record = std::get<platform::CloudRecord>(found->second);
-    const auto* const asset = platform::fieldOf<platform::CloudAsset>(record, alertPhotoField);
+    const auto& record = std::get<ports::CloudRecord>(found->second);
+    const auto* const asset = ports::fieldOf<ports::CloudAsset>(record, alertPhotoField);
     cache_.setPhoto(id, asset != nullptr);
     if (asset == nullptr) {
         co_return std::nullopt;
@@ -170,7 +169,7 @@ Async<CloudAlerts::Deletion> CloudAlerts::remove(std::unordered_set<UUID> ids)
         std::vector<UUID> batch{first, last};
         try {
             co_await removeBatch(std::move(batch), deletion.gone, errors);
-        } catch (const platform::CloudError&) {
+        } catch (const ports::CloudError&) {
             deletion.error = std::current_exception();
             break; // so would be the rest
         }
@@ -191,16 +190,16 @@ Async<void> CloudAlerts::removeBatch(std::vector<UUID> ids, std::unordered_set<U
     const auto changes = cache_.watch();
     std::vector<std::string> names;
     std::ranges::transform(ids, std::back_inserter(names), [](const UUID& id) { return id.text(); });
-    std::vector<platform::CloudRecord> nothing;
+    std::vector<ports::CloudRecord> nothing;
     const auto answer = co_await ports_.database.modify(std::move(nothing), std::move(names),
-                                                        platform::CloudSavePolicy::ifServerRecordUnchanged, false);
+                                                        ports::CloudSavePolicy::ifServerRecordUnchanged, false);
     std::unordered_set<UUID> goneNow;
     for (const UUID& id : ids) {
         const std::string name = id.text();
         const auto found = answer.deleted.find(name);
         if (found == answer.deleted.end()) {
-            errors.emplace(name, platform::CloudError{platform::cloudErrorDomain, CloudErrorCode::internalError,
-                                                      "no word of the record"});
+            errors.emplace(name, ports::CloudError{ports::cloudErrorDomain, CloudErrorCode::internalError,
+                                                   "no word of the record"});
         } else if (found->second && !isCloudKitError(*found->second, CloudErrorCode::unknownItem)) {
             errors.emplace(name, *found->second);
         } else {

@@ -4,7 +4,7 @@
 #include "cloud/AlertMetadataCache.hpp"
 #include "cloud/UploadPhotoFiles.hpp"
 #include "core/AlertEvent.hpp"
-#include "platform/CloudError.hpp"
+#include "ports/CloudError.hpp"
 #include "runtime/DetachedWork.hpp"
 
 #include <exception>
@@ -18,25 +18,25 @@
 
 namespace sentrel {
 
-namespace platform {
+namespace ports {
 class CloudDatabase;
 class Journal;
 class Language;
-} // namespace platform
+} // namespace ports
 
 /// The alerts in the database, with the cache that mirrors them. Main actor only.
 class CloudAlerts {
 public:
     struct Ports {
-        platform::CloudDatabase& database;
-        platform::FileSystem& files;
-        platform::HostInfo& host;
-        platform::Language& language;
-        platform::Journal& journal;
+        ports::CloudDatabase& database;
+        ports::FileSystem& files;
+        ports::HostInfo& host;
+        ports::Language& language;
+        ports::Journal& journal;
     };
 
     /// The error by which the server asked for patience with the catalog, when what was asked for went well.
-    using Throttling = std::optional<platform::CloudError>;
+    using Throttling = std::optional<ports::CloudError>;
 
     /// What a deletion came to.
     struct Deletion {
@@ -68,10 +68,10 @@ public:
     void startOver(std::string owner);
 
 private:
-    [[nodiscard]] Async<void> save(platform::CloudRecord record);
+    [[nodiscard]] Async<void> save(ports::CloudRecord record);
     [[nodiscard]] Async<void> removeBatch(std::vector<UUID> ids, std::unordered_set<UUID>& gone,
-                                          std::map<std::string, platform::CloudError>& errors);
-    [[nodiscard]] Async<Throttling> settleDebts(std::optional<platform::CloudRecord> catalog);
+                                          std::map<std::string, ports::CloudError>& errors);
+    [[nodiscard]] Async<Throttling> settleDebts(std::optional<ports::CloudRecord> catalog);
     void forget(const std::unordered_set<UUID>& ids);
 
     MainActor actor_;

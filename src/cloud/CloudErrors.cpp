@@ -2,8 +2,8 @@
 
 #include "cloud/AsyncTimeout.hpp"
 #include "cloud/CloudKitServiceError.hpp"
-#include "platform/CloudError.hpp"
-#include "platform/Language.hpp"
+#include "ports/CloudError.hpp"
+#include "ports/Language.hpp"
 
 #include <algorithm>
 #include <array>
@@ -13,8 +13,8 @@ namespace sentrel {
 
 namespace {
 
-using platform::CloudAccountStatus;
-using platform::CloudError;
+using ports::CloudAccountStatus;
+using ports::CloudError;
 using AccountStatus = std::optional<CloudAccountStatus>;
 
 constexpr std::string_view passwordMessage =
@@ -68,7 +68,7 @@ bool asksForPassword(std::string description)
                                [&](std::string_view hint) { return description.find(hint) != description.npos; });
 }
 
-std::string messageOfCloudKit(const CloudError& error, AccountStatus status, platform::Language& language)
+std::string messageOfCloudKit(const CloudError& error, AccountStatus status, ports::Language& language)
 {
     if (error.code == CloudErrorCode::partialFailure) {
         const std::string unknown = language.localized(unknownMessage);
@@ -90,7 +90,7 @@ std::string messageOfCloudKit(const CloudError& error, AccountStatus status, pla
 const CloudError* cloudKitErrorOf(const std::exception& error)
 {
     const auto* const cloudError = dynamic_cast<const CloudError*>(&error);
-    return cloudError != nullptr && cloudError->domain == platform::cloudErrorDomain ? cloudError : nullptr;
+    return cloudError != nullptr && cloudError->domain == ports::cloudErrorDomain ? cloudError : nullptr;
 }
 
 bool isCloudKitError(const std::exception& error, int code)
@@ -133,7 +133,7 @@ std::optional<std::string_view> accountMessage(CloudAccountStatus status)
     return std::nullopt; // a status that a later system has invented
 }
 
-std::string userFacingMessage(const std::exception& error, AccountStatus status, platform::Language& language)
+std::string userFacingMessage(const std::exception& error, AccountStatus status, ports::Language& language)
 {
     if (const auto* const own = dynamic_cast<const CloudKitServiceError*>(&error)) {
         const bool isFixed = own->kind() != CloudKitServiceError::Kind::uploadFailed;

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/CloudAccount.hpp"
-#include "platform/CloudConstants.hpp"
+#include "ports/CloudAccount.hpp"
+#include "ports/CloudConstants.hpp"
 
 #include <exception>
 #include <optional>
@@ -10,13 +10,13 @@
 
 namespace sentrel {
 
-namespace platform {
+namespace ports {
 class CloudError;
 class Language;
-} // namespace platform
+} // namespace ports
 
 /// The error when it is CloudKit's own, or null.
-[[nodiscard]] const platform::CloudError* cloudKitErrorOf(const std::exception& error);
+[[nodiscard]] const ports::CloudError* cloudKitErrorOf(const std::exception& error);
 
 /// Whether it is CloudKit's error of this code.
 [[nodiscard]] bool isCloudKitError(const std::exception& error, int code);
@@ -28,11 +28,10 @@ class Language;
 [[nodiscard]] bool isThrottlingError(const std::exception& error);
 
 /// The message, in English, of an account that is not available; none for one that is.
-[[nodiscard]] std::optional<std::string_view> accountMessage(platform::CloudAccountStatus status);
+[[nodiscard]] std::optional<std::string_view> accountMessage(ports::CloudAccountStatus status);
 
 /// The one message, in the user's language, by which the user learns of the error; `status` is the account's last.
 [[nodiscard]] std::string userFacingMessage(const std::exception& error,
-                                            std::optional<platform::CloudAccountStatus> status,
-                                            platform::Language& language);
+                                            std::optional<ports::CloudAccountStatus> status, ports::Language& language);
 
 } // namespace sentrel

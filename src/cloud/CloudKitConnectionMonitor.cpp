@@ -1,9 +1,9 @@
 #include "cloud/CloudKitConnectionMonitor.hpp"
 
 #include "foundation/Fatal.hpp"
-#include "platform/ApplicationNotifications.hpp"
-#include "platform/CloudConstants.hpp"
-#include "platform/Journal.hpp"
+#include "ports/ApplicationNotifications.hpp"
+#include "ports/CloudConstants.hpp"
+#include "ports/Journal.hpp"
 #include "runtime/CurrentTask.hpp"
 #include "runtime/Sleep.hpp"
 #include "runtime/WeakCall.hpp"
@@ -48,15 +48,15 @@ void CloudKitConnectionMonitor::start()
     }
     hasStarted_ = true;
     monitor_ = ports_.networkPaths.monitor(
-        queue_, [this, weak = anchor_.weak()](platform::NetworkPathStatus status) { pathChanged(weak, status); });
+        queue_, [this, weak = anchor_.weak()](ports::NetworkPathStatus status) { pathChanged(weak, status); });
     accountObserver_ = ports_.applicationNotifications.observe(
-        platform::cloudAccountChanged, weakCall(actor_, anchor_.weak(), &CloudKitConnectionMonitor::accountDidChange));
+        ports::cloudAccountChanged, weakCall(actor_, anchor_.weak(), &CloudKitConnectionMonitor::accountDidChange));
     accountDidChange();
 }
 
 /// On the queue.
 void CloudKitConnectionMonitor::pathChanged(const Weak<CloudKitConnectionMonitor>& weak,
-                                            platform::NetworkPathStatus status)
+                                            ports::NetworkPathStatus status)
 {
     std::int64_t sequence = 0;
     {
@@ -69,7 +69,7 @@ void CloudKitConnectionMonitor::pathChanged(const Weak<CloudKitConnectionMonitor
     actor_.spawn(deliver(weak, status, sequence));
 }
 
-Async<void> CloudKitConnectionMonitor::deliver(Weak<CloudKitConnectionMonitor> weak, platform::NetworkPathStatus status,
+Async<void> CloudKitConnectionMonitor::deliver(Weak<CloudKitConnectionMonitor> weak, ports::NetworkPathStatus status,
                                                std::int64_t sequence)
 {
     if (CloudKitConnectionMonitor* const self = weak.get()) {
@@ -78,14 +78,14 @@ Async<void> CloudKitConnectionMonitor::deliver(Weak<CloudKitConnectionMonitor> w
     co_return;
 }
 
-void CloudKitConnectionMonitor::apply(platform::NetworkPathStatus status, std::int64_t sequence)
+void CloudKitConnectionMonitor::apply(ports::NetworkPathStatus status, std::int64_t sequence)
 {
     // Each update comes in a task of its own, so that an older one may come later.
     if (sequence <= lastAppliedPathSequence_) {
         return;
     }
     lastAppliedPathSequence_ = sequence;
-    cloud_.networkPathChanged(status == platform::NetworkPathStatus::satisfied);
+    cloud_.networkPathChanged(status == ports::NetworkPathStatus::satisfied);
     if (debouncedPathTask_) {
         debouncedPathTask_.cancel();
     }

@@ -2,7 +2,7 @@
 
 #include "cloud/CloudKitService.hpp"
 #include "cloud/MacPresenceService.hpp"
-#include "platform/NetworkPath.hpp"
+#include "ports/NetworkPath.hpp"
 #include "runtime/SerialQueue.hpp"
 #include "runtime/Weak.hpp"
 
@@ -11,9 +11,9 @@
 
 namespace sentrel {
 
-namespace platform {
+namespace ports {
 class ApplicationNotifications;
-} // namespace platform
+} // namespace ports
 
 /// What depends on iCloud and follows when it comes and goes: declared here, supplied from above. Main actor.
 class CloudDependents {
@@ -35,9 +35,9 @@ public:
 class CloudKitConnectionMonitor {
 public:
     struct Ports {
-        platform::NetworkPaths& networkPaths;
-        platform::ApplicationNotifications& applicationNotifications;
-        platform::Journal& journal;
+        ports::NetworkPaths& networkPaths;
+        ports::ApplicationNotifications& applicationNotifications;
+        ports::Journal& journal;
     };
 
     CloudKitConnectionMonitor(MainActor actor, CloudKitService& cloud, CloudDependents& dependents,
@@ -49,10 +49,10 @@ public:
     void start();
 
 private:
-    void pathChanged(const Weak<CloudKitConnectionMonitor>& weak, platform::NetworkPathStatus status);
-    static Async<void> deliver(Weak<CloudKitConnectionMonitor> weak, platform::NetworkPathStatus status,
+    void pathChanged(const Weak<CloudKitConnectionMonitor>& weak, ports::NetworkPathStatus status);
+    static Async<void> deliver(Weak<CloudKitConnectionMonitor> weak, ports::NetworkPathStatus status,
                                std::int64_t sequence);
-    void apply(platform::NetworkPathStatus status, std::int64_t sequence);
+    void apply(ports::NetworkPathStatus status, std::int64_t sequence);
     static Async<void> debounce(Weak<CloudKitConnectionMonitor> weak);
     void accountDidChange();
     Async<void> verifyOwnerAndFanOut();
@@ -74,8 +74,8 @@ private:
     std::int64_t pathSequence_ = 0; ///< path updates received, on the queue
     std::int64_t lastAppliedPathSequence_ = 0;
     SerialQueue queue_;
-    platform::RegistrationPtr monitor_;
-    platform::RegistrationPtr accountObserver_;
+    ports::RegistrationPtr monitor_;
+    ports::RegistrationPtr accountObserver_;
     TaskBag tasks_;
     WeakAnchor<CloudKitConnectionMonitor> anchor_{*this};
 };

@@ -4,11 +4,11 @@
 #include "cloud/CloudErrors.hpp"
 #include "cloud/CloudTimeLimit.hpp"
 #include "cloud/RecordMerge.hpp"
-#include "platform/HostInfo.hpp"
-#include "platform/Journal.hpp"
-#include "platform/Language.hpp"
-#include "platform/UserDefaults.hpp"
-#include "platform/WallClock.hpp"
+#include "ports/HostInfo.hpp"
+#include "ports/Journal.hpp"
+#include "ports/Language.hpp"
+#include "ports/UserDefaults.hpp"
+#include "ports/WallClock.hpp"
 #include "runtime/AssertOnMainActor.hpp"
 
 #include <algorithm>
@@ -21,7 +21,7 @@ namespace {
 constexpr double secondsOfAnswer = 60.0;
 constexpr double secondsOfFailure = 20.0; // shorter, so that iCloud is soon found again
 
-std::filesystem::path cacheDirectory(platform::HostInfo& host)
+std::filesystem::path cacheDirectory(ports::HostInfo& host)
 {
     return host.applicationSupportDirectory().value_or(host.temporaryDirectory()) / "Sentrel";
 }
@@ -39,9 +39,9 @@ bool isOfNetwork(const std::exception_ptr& error)
 }
 
 /// Adds the text to the record's list; false when it is there.
-bool addToList(platform::CloudRecord& record, const std::string& field, const std::string& text)
+bool addToList(ports::CloudRecord& record, const std::string& field, const std::string& text)
 {
-    const auto* const listed = platform::fieldOf<std::vector<std::string>>(record, field);
+    const auto* const listed = ports::fieldOf<std::vector<std::string>>(record, field);
     auto texts = listed != nullptr ? *listed : std::vector<std::string>{};
     if (std::ranges::find(texts, text) != texts.end()) {
         return false;
@@ -86,7 +86,7 @@ Async<bool> CloudKitService::refreshAvailability(bool force)
     }
     lastAvailabilityError_ = nullptr;
     availabilityCacheExpiry_ = ports_.wallClock.now().addingSeconds(secondsOfAnswer);
-    const bool isUsable = lastAccountStatus_ == platform::CloudAccountStatus::available;
+    const bool isUsable = lastAccountStatus_ == ports::CloudAccountStatus::available;
     if (isUsable) {
         isReachable = true;
     }
@@ -105,7 +105,7 @@ Async<bool> CloudKitService::checkAvailability(bool force)
     co_return isUsable;
 }
 
-std::optional<platform::CloudAccountStatus> CloudKitService::lastAccountStatus() const
+std::optional<ports::CloudAccountStatus> CloudKitService::lastAccountStatus() const
 {
     return lastAccountStatus_;
 }
@@ -208,7 +208,7 @@ void CloudKitService::recordSyncSuccess()
 
 /// The request itself went well. The server may have asked for patience with the catalog, which is no failure that
 /// concerns the user.
-void CloudKitService::recordSync(const std::optional<platform::CloudError>& throttling)
+void CloudKitService::recordSync(const std::optional<ports::CloudError>& throttling)
 {
     recordSyncSuccess();
     if (throttling) {
@@ -231,7 +231,7 @@ CloudKitServiceError CloudKitService::unavailabilityError() const
 std::string CloudKitService::unavailabilityMessage() const
 {
     // The words for a missing account are about the iPhone; the general ones name both devices.
-    const bool isTheirAccount = lastAccountStatus_ != platform::CloudAccountStatus::noAccount;
+    const bool isTheirAccount = lastAccountStatus_ != ports::CloudAccountStatus::noAccount;
     const auto ofAccount = lastAccountStatus_ && isTheirAccount ? accountMessage(*lastAccountStatus_) : std::nullopt;
     return ofAccount ? ports_.language.localized(*ofAccount) : userFacingMessage(unavailabilityError());
 }
@@ -299,17 +299,17 @@ Async<std::unordered_set<UUID>> CloudKitService::deleteAlerts(std::unordered_set
 Async<void> CloudKitService::publishPresence(DevicePresence presence)
 {
     assertOnMainActor(actor_);
-    std::vector<platform::CloudRecord> records(1, presenceRecord(presence));
+    std::vector<ports::CloudRecord> records(1, presenceRecord(presence));
     const std::string name = records.front().name;
     std::vector<std::string> nothing;
     const auto answer = co_await ports_.database.modify(std::move(records), std::move(nothing),
-                                                        platform::CloudSavePolicy::changedKeys, false);
+                                                        ports::CloudSavePolicy::changedKeys, false);
     const auto saved = answer.saved.find(name);
     if (saved == answer.saved.end()) {
-        throw platform::CloudError{platform::cloudErrorDomain, CloudErrorCode::internalError, "no word of the record"};
+        throw ports::CloudError{ports::cloudErrorDomain, CloudErrorCode::internalError, "no word of the record"};
     }
-    if (const auto* const error = std::get_if<platform::CloudError>(&saved->second)) {
-        throw platform::CloudError{*error};
+    if (const auto* const error = std::get_if<ports::CloudError>(&saved->second)) {
+        throw ports::CloudError{*error};
     }
     if (!macDeviceIDsInCatalog_.contains(presence.deviceID)) {
         co_await listInCatalog(presence.deviceID);
@@ -320,9 +320,7 @@ Async<void> CloudKitService::publishPresence(DevicePresence presence)
 Async<void> CloudKitService::listInCatalog(std::string deviceID)
 {
     const auto owner = ports_.defaults.text(cacheOwnerKey);
-    RecordMerge merge = [deviceID](platform::CloudRecord& record) {
-        return addToList(record, deviceIDsField, deviceID);
-    };
+    RecordMerge merge = [deviceID](ports::CloudRecord& record) { return addToList(record, deviceIDsField, deviceID); };
     co_await mergeIntoRecord(ports_.database, deviceCatalogRecordType, deviceCatalogRecordName, std::nullopt,
                              std::move(merge));
     // Unless the user has changed meanwhile, whose catalog is another.
@@ -340,12 +338,12 @@ Async<std::optional<RemoteCommand>> CloudKitService::fetchCommand(std::string de
     const auto found = results.find(name);
     std::optional<RemoteCommand> command;
     if (found != results.end()) {
-        if (const auto* const error = std::get_if<platform::CloudError>(&found->second)) {
+        if (const auto* const error = std::get_if<ports::CloudError>(&found->second)) {
             if (!isCloudKitError(*error, CloudErrorCode::unknownItem)) {
-                throw platform::CloudError{*error};
+                throw ports::CloudError{*error};
             }
         } else {
-            command = commandOf(std::get<platform::CloudRecord>(found->second));
+            command = commandOf(std::get<ports::CloudRecord>(found->second));
         }
     }
     recordSyncSuccess();

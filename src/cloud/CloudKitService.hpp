@@ -7,7 +7,7 @@
 #include "cloud/DeviceCatalog.hpp"
 #include "core/AlertEvent.hpp"
 #include "foundation/Bytes.hpp"
-#include "platform/CloudAccount.hpp"
+#include "ports/CloudAccount.hpp"
 #include "runtime/MainActor.hpp"
 #include "runtime/Observable.hpp"
 
@@ -21,7 +21,7 @@
 
 namespace sentrel {
 
-namespace platform {
+namespace ports {
 class CloudDatabase;
 class FileSystem;
 class GeneralRandom;
@@ -30,7 +30,7 @@ class Journal;
 class Language;
 class UserDefaults;
 class WallClock;
-} // namespace platform
+} // namespace ports
 
 /// The one way to the user's private iCloud database: the account's state, the alerts, the catalog of devices and the
 /// push subscriptions. Main actor only; it outlives nothing that it refers to.
@@ -40,15 +40,15 @@ public:
     static constexpr const char* containerIdentifier = "iCloud.pelma.Sentrel";
 
     struct Ports {
-        platform::CloudAccount& account;
-        platform::CloudDatabase& database;
-        platform::UserDefaults& defaults;
-        platform::FileSystem& files;
-        platform::HostInfo& host;
-        platform::WallClock& wallClock;
-        platform::GeneralRandom& random;
-        platform::Language& language;
-        platform::Journal& journal;
+        ports::CloudAccount& account;
+        ports::CloudDatabase& database;
+        ports::UserDefaults& defaults;
+        ports::FileSystem& files;
+        ports::HostInfo& host;
+        ports::WallClock& wallClock;
+        ports::GeneralRandom& random;
+        ports::Language& language;
+        ports::Journal& journal;
     };
 
     /// Where the defaults keep the record name of the user whose alerts are cached.
@@ -70,7 +70,7 @@ public:
     /// deadline is recorded as a failure.
     [[nodiscard]] Async<bool> checkAvailability(bool force = false);
 
-    [[nodiscard]] std::optional<platform::CloudAccountStatus> lastAccountStatus() const;
+    [[nodiscard]] std::optional<ports::CloudAccountStatus> lastAccountStatus() const;
     [[nodiscard]] std::optional<Date> availabilityCacheExpiry() const;
 
     /// The network path has become usable, or has been lost: the account is then asked again within 20 s.
@@ -144,12 +144,12 @@ public:
 
 private:
     void trustAvailabilityAtMost(double seconds);
-    void recordSync(const std::optional<platform::CloudError>& throttling);
+    void recordSync(const std::optional<ports::CloudError>& throttling);
     [[nodiscard]] Async<void> listInCatalog(std::string deviceID);
 
     MainActor actor_;
     Ports ports_;
-    std::optional<platform::CloudAccountStatus> lastAccountStatus_;
+    std::optional<ports::CloudAccountStatus> lastAccountStatus_;
     std::optional<Date> availabilityCacheExpiry_;
     std::exception_ptr lastAvailabilityError_;
     CloudBackoffPolicy requestBackoff_;

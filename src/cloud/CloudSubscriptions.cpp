@@ -4,8 +4,8 @@
 #include "cloud/AsyncTimeout.hpp"
 #include "cloud/CloudTimeLimit.hpp"
 #include "cloud/DeviceCatalog.hpp"
-#include "platform/CloudConstants.hpp"
-#include "platform/WallClock.hpp"
+#include "ports/CloudConstants.hpp"
+#include "ports/WallClock.hpp"
 
 #include <utility>
 
@@ -14,13 +14,13 @@ namespace sentrel {
 namespace {
 
 /// Shows a notification on the user's other devices for each alert that is meant to have one.
-platform::CloudSubscription alertSubscription()
+ports::CloudSubscription alertSubscription()
 {
-    platform::CloudSubscription subscription;
+    ports::CloudSubscription subscription;
     subscription.identifier = CloudSubscriptions::alertIdentifier;
     subscription.recordType = alertRecordType;
     subscription.predicate = {"sendNotification == %@", {std::int64_t{1}}};
-    subscription.options = platform::firesOnRecordCreation;
+    subscription.options = ports::firesOnRecordCreation;
     // The receiving device looks the key up in its own language and puts the record's fields in.
     subscription.alertLocalizationKey = "%1$@ on %2$@";
     subscription.alertLocalizationArguments = {"triggerName", "deviceName"};
@@ -30,13 +30,13 @@ platform::CloudSubscription alertSubscription()
 
 /// Wakes the Macs silently when the phone has written a command for one of them. The database has one subscription of
 /// this name for all devices, so that it can't be narrowed to the commands of the Mac that saves it.
-platform::CloudSubscription macCommandSubscription()
+ports::CloudSubscription macCommandSubscription()
 {
-    platform::CloudSubscription subscription;
+    ports::CloudSubscription subscription;
     subscription.identifier = CloudSubscriptions::macCommandIdentifier;
     subscription.recordType = deviceCatalogRecordType;
     subscription.predicate = {std::string{requestedArmStateField} + " IN %@", {std::vector<std::int64_t>{0, 1}}};
-    subscription.options = platform::firesOnRecordCreation | platform::firesOnRecordUpdate;
+    subscription.options = ports::firesOnRecordCreation | ports::firesOnRecordUpdate;
     subscription.sendsContentAvailable = true;
     return subscription;
 }
@@ -50,8 +50,7 @@ bool mustWait(const CloudBackoffPolicy& backoff, Date now)
 
 } // namespace
 
-CloudSubscriptions::CloudSubscriptions(MainActor actor, platform::CloudDatabase& database,
-                                       platform::WallClock& wallClock,
+CloudSubscriptions::CloudSubscriptions(MainActor actor, ports::CloudDatabase& database, ports::WallClock& wallClock,
                                        std::function<std::string(const std::exception&)> messageOf)
     : actor_(actor), database_(database), wallClock_(wallClock), messageOf_(std::move(messageOf))
 {
@@ -64,7 +63,7 @@ Async<void> CloudSubscriptions::ensure()
     co_await ensure(alert_, alertSubscription(), pushSubscriptionError_);
 }
 
-Async<void> CloudSubscriptions::ensure(State& state, platform::CloudSubscription subscription,
+Async<void> CloudSubscriptions::ensure(State& state, ports::CloudSubscription subscription,
                                        std::optional<std::string>& message)
 {
     if (state.isEnsured || state.isBeingSaved || mustWait(state.backoff, wallClock_.now())) {
@@ -80,7 +79,7 @@ Async<void> CloudSubscriptions::ensure(State& state, platform::CloudSubscription
     } catch (const std::exception& error) {
         state.isBeingSaved = false;
         if (user == users_) {
-            const auto* const cloudError = dynamic_cast<const platform::CloudError*>(&error);
+            const auto* const cloudError = dynamic_cast<const ports::CloudError*>(&error);
             state.backoff.recordFailure(cloudError != nullptr ? cloudError->retryAfter : std::nullopt,
                                         wallClock_.now());
             message = messageOf_(error);

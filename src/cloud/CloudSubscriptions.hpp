@@ -1,7 +1,7 @@
 #pragma once
 
 #include "cloud/CloudBackoffPolicy.hpp"
-#include "platform/CloudDatabase.hpp"
+#include "ports/CloudDatabase.hpp"
 #include "runtime/MainActor.hpp"
 
 #include <cstdint>
@@ -12,7 +12,7 @@
 
 namespace sentrel {
 
-namespace platform {
+namespace ports {
 class WallClock;
 }
 
@@ -25,7 +25,7 @@ public:
     static constexpr const char* macCommandIdentifier = "mac-device-command-subscription-v1";
 
     /// `messageOf` words an error for the user.
-    CloudSubscriptions(MainActor actor, platform::CloudDatabase& database, platform::WallClock& wallClock,
+    CloudSubscriptions(MainActor actor, ports::CloudDatabase& database, ports::WallClock& wallClock,
                        std::function<std::string(const std::exception&)> messageOf);
     CloudSubscriptions(const CloudSubscriptions&) = delete;
 
@@ -48,12 +48,12 @@ private:
         bool isBeingSaved = false;
     };
 
-    [[nodiscard]] Async<void> ensure(State& state, platform::CloudSubscription subscription,
+    [[nodiscard]] Async<void> ensure(State& state, ports::CloudSubscription subscription,
                                      std::optional<std::string>& message);
 
     MainActor actor_;
-    platform::CloudDatabase& database_;
-    platform::WallClock& wallClock_;
+    ports::CloudDatabase& database_;
+    ports::WallClock& wallClock_;
     std::function<std::string(const std::exception&)> messageOf_;
     State alert_;
     State macCommand_;

@@ -17,17 +17,17 @@ constexpr const char* isArmedField = "isArmed";
 constexpr const char* sequenceField = "commandSequence";
 constexpr const char* issuedAtField = "commandIssuedAt";
 
-platform::CloudRecord catalogRecord(std::string name)
+ports::CloudRecord catalogRecord(std::string name)
 {
-    platform::CloudRecord record;
+    ports::CloudRecord record;
     record.type = deviceCatalogRecordType;
     record.name = std::move(name);
     return record;
 }
 
-const Date* finiteDate(const platform::CloudRecord& record, const char* field)
+const Date* finiteDate(const ports::CloudRecord& record, const char* field)
 {
-    const auto* const date = platform::fieldOf<Date>(record, field);
+    const auto* const date = ports::fieldOf<Date>(record, field);
     return date != nullptr && std::isfinite(date->secondsSinceReferenceDate) ? date : nullptr;
 }
 
@@ -43,9 +43,9 @@ std::string commandRecordName(const std::string& deviceID)
     return deviceRecordName(deviceID) + "-command";
 }
 
-platform::CloudRecord presenceRecord(const DevicePresence& presence)
+ports::CloudRecord presenceRecord(const DevicePresence& presence)
 {
-    platform::CloudRecord record = catalogRecord(deviceRecordName(presence.deviceID));
+    ports::CloudRecord record = catalogRecord(deviceRecordName(presence.deviceID));
     record.fields[deviceIDField] = presence.deviceID;
     record.fields[deviceNameField] = presence.deviceName;
     record.fields[lastSeenField] = presence.lastSeen;
@@ -54,12 +54,12 @@ platform::CloudRecord presenceRecord(const DevicePresence& presence)
     return record;
 }
 
-std::optional<DevicePresence> presenceOf(const platform::CloudRecord& record)
+std::optional<DevicePresence> presenceOf(const ports::CloudRecord& record)
 {
-    const auto* const deviceID = platform::fieldOf<std::string>(record, deviceIDField);
+    const auto* const deviceID = ports::fieldOf<std::string>(record, deviceIDField);
     const Date* const lastSeen = finiteDate(record, lastSeenField);
-    const auto* const isCompatible = platform::fieldOf<std::int64_t>(record, isCompatibleField);
-    const auto* const isArmed = platform::fieldOf<std::int64_t>(record, isArmedField);
+    const auto* const isCompatible = ports::fieldOf<std::int64_t>(record, isCompatibleField);
+    const auto* const isArmed = ports::fieldOf<std::int64_t>(record, isArmedField);
     if (deviceID == nullptr || lastSeen == nullptr || isCompatible == nullptr || isArmed == nullptr) {
         return std::nullopt;
     }
@@ -73,10 +73,10 @@ const std::vector<std::string>& commandKeys()
     return keys;
 }
 
-std::optional<RemoteCommand> commandOf(const platform::CloudRecord& record)
+std::optional<RemoteCommand> commandOf(const ports::CloudRecord& record)
 {
-    const auto* const sequence = platform::fieldOf<std::int64_t>(record, sequenceField);
-    const auto* const requestedArmState = platform::fieldOf<std::int64_t>(record, requestedArmStateField);
+    const auto* const sequence = ports::fieldOf<std::int64_t>(record, sequenceField);
+    const auto* const requestedArmState = ports::fieldOf<std::int64_t>(record, requestedArmStateField);
     if (sequence == nullptr || requestedArmState == nullptr) {
         return std::nullopt;
     }
@@ -85,9 +85,9 @@ std::optional<RemoteCommand> commandOf(const platform::CloudRecord& record)
                          *requestedArmState != 0};
 }
 
-platform::CloudRecord commandRecord(const std::string& deviceID, const RemoteCommand& command)
+ports::CloudRecord commandRecord(const std::string& deviceID, const RemoteCommand& command)
 {
-    platform::CloudRecord record = catalogRecord(commandRecordName(deviceID));
+    ports::CloudRecord record = catalogRecord(commandRecordName(deviceID));
     record.fields[sequenceField] = command.sequence;
     record.fields[requestedArmStateField] = std::int64_t{command.requestedArmState};
     if (command.issuedAt) {

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "foundation/Date.hpp"
-#include "platform/CloudRecord.hpp"
+#include "ports/CloudRecord.hpp"
 
 #include <cstdint>
 #include <optional>
@@ -50,18 +50,18 @@ struct RemoteCommand {
 };
 
 /// The record in which the Mac tells of itself.
-[[nodiscard]] platform::CloudRecord presenceRecord(const DevicePresence& presence);
+[[nodiscard]] ports::CloudRecord presenceRecord(const DevicePresence& presence);
 
 /// None when a field is missing or of another type; a missing name is "Mac".
-[[nodiscard]] std::optional<DevicePresence> presenceOf(const platform::CloudRecord& record);
+[[nodiscard]] std::optional<DevicePresence> presenceOf(const ports::CloudRecord& record);
 
 /// The fields that make up a command.
 [[nodiscard]] const std::vector<std::string>& commandKeys();
 
 /// The command in a record; none when there is no sequence or no requested state.
-[[nodiscard]] std::optional<RemoteCommand> commandOf(const platform::CloudRecord& record);
+[[nodiscard]] std::optional<RemoteCommand> commandOf(const ports::CloudRecord& record);
 
 /// The record with the command for this device.
-[[nodiscard]] platform::CloudRecord commandRecord(const std::string& deviceID, const RemoteCommand& command);
+[[nodiscard]] ports::CloudRecord commandRecord(const std::string& deviceID, const RemoteCommand& command);
 
 } // namespace sentrel

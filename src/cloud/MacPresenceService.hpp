@@ -12,7 +12,7 @@
 
 namespace sentrel {
 
-namespace platform {
+namespace ports {
 struct CloudNotification;
 }
 
@@ -26,11 +26,11 @@ public:
         std::function<void()> clearLocalSaveNoticeIfResolved;
     };
     struct Ports {
-        platform::UserDefaults& defaults;
-        platform::HostInfo& host;
-        platform::WallClock& wallClock;
-        platform::GeneralRandom& random;
-        platform::Journal& journal;
+        ports::UserDefaults& defaults;
+        ports::HostInfo& host;
+        ports::WallClock& wallClock;
+        ports::GeneralRandom& random;
+        ports::Journal& journal;
     };
 
     MacPresenceService(MainActor actor, bool isCompatibleComputer, CloudKitService& cloud, SettingsStore& settings,
@@ -60,7 +60,7 @@ public:
     [[nodiscard]] bool pushTokenRegistered() const;
 
     /// A push of the cloud has come.
-    void receive(const platform::CloudNotification& notification);
+    void receive(const ports::CloudNotification& notification);
 
     /// Ends the present wait between two polls at once; nothing when there is none.
     void wakePoll();

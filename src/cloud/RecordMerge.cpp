@@ -11,11 +11,11 @@ namespace {
 constexpr int mostAttempts = 5;
 
 /// Saves the record; false when the server's has changed meanwhile.
-Async<bool> saveIfUnchanged(platform::CloudDatabase& database, platform::CloudRecord record)
+Async<bool> saveIfUnchanged(ports::CloudDatabase& database, ports::CloudRecord record)
 {
     try {
         co_await database.save(std::move(record));
-    } catch (const platform::CloudError& error) {
+    } catch (const ports::CloudError& error) {
         if (!isCloudKitError(error, CloudErrorCode::serverRecordChanged)) {
             throw;
         }
@@ -26,12 +26,12 @@ Async<bool> saveIfUnchanged(platform::CloudDatabase& database, platform::CloudRe
 
 } // namespace
 
-Async<platform::CloudRecord> recordOrNew(platform::CloudDatabase& database, std::string type, std::string name)
+Async<ports::CloudRecord> recordOrNew(ports::CloudDatabase& database, std::string type, std::string name)
 {
-    platform::CloudRecord record;
+    ports::CloudRecord record;
     try {
         record = co_await database.record(name);
-    } catch (const platform::CloudError& error) {
+    } catch (const ports::CloudError& error) {
         if (!isCloudKitError(error, CloudErrorCode::unknownItem)) {
             throw;
         }
@@ -41,14 +41,14 @@ Async<platform::CloudRecord> recordOrNew(platform::CloudDatabase& database, std:
     co_return record;
 }
 
-Async<void> mergeIntoRecord(platform::CloudDatabase& database, std::string type, std::string name,
-                            std::optional<platform::CloudRecord> fresh, RecordMerge merge)
+Async<void> mergeIntoRecord(ports::CloudDatabase& database, std::string type, std::string name,
+                            std::optional<ports::CloudRecord> fresh, RecordMerge merge)
 {
     for (int attempt = 1; attempt <= mostAttempts; ++attempt) {
         if (!fresh) {
             fresh = co_await recordOrNew(database, type, name);
         }
-        platform::CloudRecord record = *std::exchange(fresh, std::nullopt);
+        ports::CloudRecord record = *std::exchange(fresh, std::nullopt);
         if (!merge(record)) {
             co_return;
         }
@@ -57,8 +57,8 @@ Async<void> mergeIntoRecord(platform::CloudDatabase& database, std::string type,
             co_return;
         }
     }
-    throw platform::CloudError{platform::cloudErrorDomain, CloudErrorCode::serverRecordChanged,
-                               "others keep changing the record " + name};
+    throw ports::CloudError{ports::cloudErrorDomain, CloudErrorCode::serverRecordChanged,
+                            "others keep changing the record " + name};
 }
 
 } // namespace sentrel

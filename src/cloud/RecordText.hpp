@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/CloudRecord.hpp"
+#include "ports/CloudRecord.hpp"
 
 #include <cstddef>
 #include <string>
@@ -12,9 +12,9 @@ inline constexpr std::size_t longestDeviceName = 255;
 
 /// The name of a device in a record, cut at the end of a UTF-8 character where it is too long; "Mac" when there is
 /// none or it is no text.
-[[nodiscard]] inline std::string deviceNameOf(const platform::CloudRecord& record, const std::string& field)
+[[nodiscard]] inline std::string deviceNameOf(const ports::CloudRecord& record, const std::string& field)
 {
-    const auto* const name = platform::fieldOf<std::string>(record, field);
+    const auto* const name = ports::fieldOf<std::string>(record, field);
     if (name == nullptr) {
         return "Mac";
     }

@@ -4,10 +4,10 @@
 #include "cloud/CloudTimeLimit.hpp"
 #include "cloud/PresenceTimes.hpp"
 #include "foundation/Fatal.hpp"
-#include "platform/Journal.hpp"
-#include "platform/RemoteNotifications.hpp"
-#include "platform/UserDefaults.hpp"
-#include "platform/WallClock.hpp"
+#include "ports/Journal.hpp"
+#include "ports/RemoteNotifications.hpp"
+#include "ports/UserDefaults.hpp"
+#include "ports/WallClock.hpp"
 #include "runtime/AssertOnMainActor.hpp"
 #include "runtime/Sleep.hpp"
 
@@ -26,7 +26,7 @@ constexpr const char* lastSequenceKey = "sentrel.macLastAppliedCommandSequence";
 
 } // namespace
 
-void MacPresenceService::receive(const platform::CloudNotification& notification)
+void MacPresenceService::receive(const ports::CloudNotification& notification)
 {
     assertOnMainActor(actor_);
     if (notification.subscriptionID != CloudSubscriptions::macCommandIdentifier) {

@@ -3,9 +3,9 @@
 #include "core/RandomUUID.hpp"
 #include "foundation/Quietly.hpp"
 #include "foundation/UUID.hpp"
-#include "platform/FileSystem.hpp"
-#include "platform/HostInfo.hpp"
-#include "platform/UserDefaults.hpp"
+#include "ports/FileSystem.hpp"
+#include "ports/HostInfo.hpp"
+#include "ports/UserDefaults.hpp"
 
 #include <cerrno>
 #include <mutex>
@@ -38,7 +38,7 @@ struct UploadPhotoFiles::File::Writing {
     bool isUnwanted = false;
 
     /// Returns 0 or an `errno` value.
-    int write(platform::FileSystem& files, const std::filesystem::path& file, BytesView photo)
+    int write(ports::FileSystem& files, const std::filesystem::path& file, BytesView photo)
     {
         if (!begin()) {
             return ECANCELED;
@@ -67,7 +67,7 @@ private:
         hasBegun = !isUnwanted;
         return hasBegun;
     }
-    void end(platform::FileSystem& files, const std::filesystem::path& file)
+    void end(ports::FileSystem& files, const std::filesystem::path& file)
     {
         const std::lock_guard guard{lock};
         hasEnded = true;

@@ -11,12 +11,12 @@
 
 namespace sentrel {
 
-namespace platform {
+namespace ports {
 class FileSystem;
 class GeneralRandom;
 class HostInfo;
 class UserDefaults;
-} // namespace platform
+} // namespace ports
 
 /// The temporary files through which photos travel into the cloud: each exists for one upload only. The names of those
 /// that exist stand in the user defaults, so that what a crash leaves behind is deleted at the next launch. Main actor
@@ -26,10 +26,10 @@ public:
     static constexpr const char* defaultsKey = "CloudKitService.uploadPhotoFiles";
 
     struct Ports {
-        platform::FileSystem& files;
-        platform::HostInfo& host;
-        platform::UserDefaults& defaults;
-        platform::GeneralRandom& random;
+        ports::FileSystem& files;
+        ports::HostInfo& host;
+        ports::UserDefaults& defaults;
+        ports::GeneralRandom& random;
     };
 
     /// Deletes what an earlier run left behind.

@@ -1,6 +1,6 @@
 #include "core/CompatibleComputer.hpp"
 
-#include "platform/HostInfo.hpp"
+#include "ports/HostInfo.hpp"
 
 #include <string_view>
 
@@ -23,7 +23,7 @@ bool namesNoFamily(std::string_view model)
 
 } // namespace
 
-bool isCompatibleComputer(platform::HostInfo& host)
+bool isCompatibleComputer(ports::HostInfo& host)
 {
     const auto model = host.systemControlText("hw.model");
     if (!model) {

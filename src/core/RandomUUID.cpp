@@ -1,12 +1,12 @@
 #include "core/RandomUUID.hpp"
 
-#include "platform/Random.hpp"
+#include "ports/Random.hpp"
 
 #include <algorithm>
 
 namespace sentrel {
 
-UUID randomUUID(platform::GeneralRandom& random)
+UUID randomUUID(ports::GeneralRandom& random)
 {
     UUID::Octets octets{};
     std::ranges::generate(octets, [&random] { return random.nextByte(); });

@@ -4,11 +4,11 @@
 
 namespace sentrel {
 
-namespace platform {
+namespace ports {
 class GeneralRandom;
 }
 
 /// A new random identifier, from the generator that always answers. Any thread.
-[[nodiscard]] UUID randomUUID(platform::GeneralRandom& random);
+[[nodiscard]] UUID randomUUID(ports::GeneralRandom& random);
 
 } // namespace sentrel

@@ -1,6 +1,6 @@
 #include "core/SettingsStore.hpp"
 
-#include "platform/UserDefaults.hpp"
+#include "ports/UserDefaults.hpp"
 #include "runtime/AssertOnMainActor.hpp"
 
 #include <nlohmann/json.hpp>
@@ -11,7 +11,7 @@ namespace {
 
 constexpr const char* settingsKey = "alarmSettings";
 
-AlarmSettings load(platform::UserDefaults& defaults)
+AlarmSettings load(ports::UserDefaults& defaults)
 {
     const auto data = defaults.data(settingsKey);
     const auto document = data ? parseJson(*data) : std::nullopt;
@@ -20,7 +20,7 @@ AlarmSettings load(platform::UserDefaults& defaults)
 
 } // namespace
 
-SettingsStore::SettingsStore(MainActor actor, platform::UserDefaults& defaults)
+SettingsStore::SettingsStore(MainActor actor, ports::UserDefaults& defaults)
     : actor_(actor), defaults_(defaults), settings_(load(defaults))
 {
 }

@@ -9,7 +9,7 @@
 
 namespace sentrel {
 
-namespace platform {
+namespace ports {
 class UserDefaults;
 }
 
@@ -17,7 +17,7 @@ class UserDefaults;
 class SettingsStore {
 public:
     /// Loads what the domain holds, or the defaults where that can't be read; writes nothing.
-    SettingsStore(MainActor actor, platform::UserDefaults& defaults);
+    SettingsStore(MainActor actor, ports::UserDefaults& defaults);
     SettingsStore(const SettingsStore&) = delete;
 
     [[nodiscard]] const AlarmSettings& settings() const;
@@ -44,7 +44,7 @@ private:
     void save();
 
     MainActor actor_;
-    platform::UserDefaults& defaults_;
+    ports::UserDefaults& defaults_;
     Observable<AlarmSettings> settings_;
 };
 

@@ -1,6 +1,6 @@
 #include "core/TriggerReason.hpp"
 
-#include "platform/Language.hpp"
+#include "ports/Language.hpp"
 
 namespace sentrel {
 
@@ -41,12 +41,12 @@ std::optional<TriggerReason> triggerReason(std::string_view text)
     return std::nullopt;
 }
 
-std::string title(TriggerReason reason, platform::Language& language)
+std::string title(TriggerReason reason, ports::Language& language)
 {
     return language.localized(textsOf(reason).title);
 }
 
-std::string shortTitle(TriggerReason reason, platform::Language& language)
+std::string shortTitle(TriggerReason reason, ports::Language& language)
 {
     return language.localized(textsOf(reason).shortTitle);
 }

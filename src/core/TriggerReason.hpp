@@ -9,7 +9,7 @@
 
 namespace sentrel {
 
-namespace platform {
+namespace ports {
 class Language;
 }
 
@@ -27,10 +27,10 @@ inline constexpr std::array<TriggerReason, 4> allTriggerReasons{
 [[nodiscard]] std::optional<TriggerReason> triggerReason(std::string_view rawValue);
 
 /// What lists and the status show, in the user's language.
-[[nodiscard]] std::string title(TriggerReason reason, platform::Language& language);
+[[nodiscard]] std::string title(TriggerReason reason, ports::Language& language);
 
 /// The trigger's name in the cloud record, in the user's language.
-[[nodiscard]] std::string shortTitle(TriggerReason reason, platform::Language& language);
+[[nodiscard]] std::string shortTitle(TriggerReason reason, ports::Language& language);
 
 } // namespace sentrel
 

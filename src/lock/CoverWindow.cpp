@@ -1,6 +1,6 @@
 #include "lock/CoverWindow.hpp"
 
-#include "platform/WindowConstants.hpp"
+#include "ports/WindowConstants.hpp"
 
 #include <utility>
 
@@ -9,15 +9,15 @@ namespace sentrel {
 namespace {
 
 constexpr std::uint64_t collectionBehavior =
-    platform::joinsAllSpaces | platform::stationary | platform::ignoresWindowCycle | platform::fullScreenAuxiliary;
-constexpr std::uint64_t resizesWithWindow = platform::widthSizable | platform::heightSizable;
+    ports::joinsAllSpaces | ports::stationary | ports::ignoresWindowCycle | ports::fullScreenAuxiliary;
+constexpr std::uint64_t resizesWithWindow = ports::widthSizable | ports::heightSizable;
 
-platform::WindowDescription describe(const platform::Screen& screen)
+ports::WindowDescription describe(const ports::Screen& screen)
 {
-    platform::WindowDescription description;
+    ports::WindowDescription description;
     description.contentRectangle = screen.frame;
-    description.styleMask = platform::borderlessStyle;
-    description.backing = platform::bufferedBacking;
+    description.styleMask = ports::borderlessStyle;
+    description.backing = ports::bufferedBacking;
     description.isDeferred = false;
     description.screenNumber = screen.number;
     // A borderless window refuses the keyboard unless its class says otherwise, and nobody could type the passcode.
@@ -31,7 +31,7 @@ platform::WindowDescription describe(const platform::Screen& screen)
 
 } // namespace
 
-CoverWindow::CoverWindow(platform::Windows& windows, const platform::Screen& screen, std::int64_t level,
+CoverWindow::CoverWindow(ports::Windows& windows, const ports::Screen& screen, std::int64_t level,
                          std::unique_ptr<ScreenCoverView> view)
     : window_(windows.makeWindow(describe(screen))), view_(std::move(view))
 {

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "lock/ScreenCoverView.hpp"
-#include "platform/Windows.hpp"
+#include "ports/Windows.hpp"
 
 #include <cstdint>
 #include <memory>
@@ -12,7 +12,7 @@ namespace sentrel {
 class CoverWindow {
 public:
     /// Makes the window on the screen, at the level, and orders it front regardless of which application is active.
-    CoverWindow(platform::Windows& windows, const platform::Screen& screen, std::int64_t level,
+    CoverWindow(ports::Windows& windows, const ports::Screen& screen, std::int64_t level,
                 std::unique_ptr<ScreenCoverView> view);
     CoverWindow(const CoverWindow&) = delete;
     CoverWindow& operator=(const CoverWindow&) = delete;
@@ -22,7 +22,7 @@ public:
     void orderOut() { window_->orderOut(); }
 
 private:
-    std::unique_ptr<platform::Window> window_;
+    std::unique_ptr<ports::Window> window_;
     std::unique_ptr<ScreenCoverView> view_;
 };
 

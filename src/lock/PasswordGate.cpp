@@ -1,11 +1,11 @@
 #include "lock/PasswordGate.hpp"
 
-#include "platform/Alerts.hpp"
-#include "platform/ApplicationActivation.hpp"
-#include "platform/Language.hpp"
-#include "platform/LoginAuthentication.hpp"
-#include "platform/SystemConstants.hpp"
-#include "platform/WindowConstants.hpp"
+#include "ports/Alerts.hpp"
+#include "ports/ApplicationActivation.hpp"
+#include "ports/Language.hpp"
+#include "ports/LoginAuthentication.hpp"
+#include "ports/SystemConstants.hpp"
+#include "ports/WindowConstants.hpp"
 #include "runtime/Semaphore.hpp"
 
 #include <memory>
@@ -15,8 +15,8 @@ namespace sentrel {
 
 namespace {
 
-using platform::deviceOwnerAuthentication;
-using platform::warningAlertStyle;
+using ports::deviceOwnerAuthentication;
+using ports::warningAlertStyle;
 
 /// What the system's panel answers, on whatever thread. Shared with the panel, which may outlive the request.
 struct Reply {
@@ -26,8 +26,8 @@ struct Reply {
 
 } // namespace
 
-PasswordGate::PasswordGate(platform::LoginAuthentication& login, platform::Alerts& alerts,
-                           platform::ApplicationActivation& activation, platform::Language& language)
+PasswordGate::PasswordGate(ports::LoginAuthentication& login, ports::Alerts& alerts,
+                           ports::ApplicationActivation& activation, ports::Language& language)
     : login_(login), alerts_(alerts), activation_(activation), language_(language)
 {
 }
@@ -64,7 +64,7 @@ Async<bool> PasswordGate::ask(std::string reason)
 
 Async<void> PasswordGate::showUnavailable(std::optional<std::string> why)
 {
-    platform::AlertContent content;
+    ports::AlertContent content;
     content.style = warningAlertStyle;
     content.messageText = language_.localized("Authentication Unavailable");
     content.informativeText =

@@ -5,12 +5,12 @@
 #include <optional>
 #include <string>
 
-namespace sentrel::platform {
+namespace sentrel::ports {
 class Alerts;
 class ApplicationActivation;
 class Language;
 class LoginAuthentication;
-} // namespace sentrel::platform
+} // namespace sentrel::ports
 
 namespace sentrel {
 
@@ -18,8 +18,8 @@ namespace sentrel {
 /// no state. Main actor.
 class PasswordGate {
 public:
-    PasswordGate(platform::LoginAuthentication& login, platform::Alerts& alerts,
-                 platform::ApplicationActivation& activation, platform::Language& language);
+    PasswordGate(ports::LoginAuthentication& login, ports::Alerts& alerts, ports::ApplicationActivation& activation,
+                 ports::Language& language);
 
     /// True only if the user authenticated. The reason, a localised text, is shown in the system's panel. Failure and
     /// cancellation (also of the calling task) answer false; so does a Mac that can't ask, after an alert that says
@@ -30,10 +30,10 @@ private:
     Async<bool> ask(std::string reason);
     Async<void> showUnavailable(std::optional<std::string> why);
 
-    platform::LoginAuthentication& login_;
-    platform::Alerts& alerts_;
-    platform::ApplicationActivation& activation_;
-    platform::Language& language_;
+    ports::LoginAuthentication& login_;
+    ports::Alerts& alerts_;
+    ports::ApplicationActivation& activation_;
+    ports::Language& language_;
 };
 
 } // namespace sentrel

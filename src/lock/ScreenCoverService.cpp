@@ -4,12 +4,12 @@
 #include "lock/CoverWindow.hpp"
 #include "lock/ScreenCoverAlarm.hpp"
 #include "lock/UnlockPasscodeStore.hpp"
-#include "platform/ApplicationActivation.hpp"
-#include "platform/ApplicationNotifications.hpp"
-#include "platform/Journal.hpp"
-#include "platform/WallClock.hpp"
-#include "platform/WindowConstants.hpp"
-#include "platform/Windows.hpp"
+#include "ports/ApplicationActivation.hpp"
+#include "ports/ApplicationNotifications.hpp"
+#include "ports/Journal.hpp"
+#include "ports/WallClock.hpp"
+#include "ports/WindowConstants.hpp"
+#include "ports/Windows.hpp"
 #include "runtime/AssertOnMainActor.hpp"
 
 #include <algorithm>
@@ -23,9 +23,9 @@ namespace {
 using Case = PasscodeUnlockOutcome::Case;
 
 // The keyboard, too, leads nowhere but into the passcode field.
-constexpr std::uint64_t coverPresentation = platform::hidesDock | platform::hidesMenuBar |
-                                            platform::disablesProcessSwitching | platform::disablesForceQuit |
-                                            platform::disablesSessionTermination | platform::disablesHidingApplication;
+constexpr std::uint64_t coverPresentation = ports::hidesDock | ports::hidesMenuBar | ports::disablesProcessSwitching |
+                                            ports::disablesForceQuit | ports::disablesSessionTermination |
+                                            ports::disablesHidingApplication;
 
 constexpr std::int64_t failuresBeforeLockout = 5;
 constexpr double firstLockoutDuration = 30.0;     // seconds
@@ -74,7 +74,7 @@ ScreenCoverService::ScreenCoverService(MainActor mainActor, ScreenCoverAlarm& al
 ScreenCoverService::~ScreenCoverService()
 {
     if (isShowing_) {
-        ports_.activation.setPresentationOptions(platform::defaultPresentation);
+        ports_.activation.setPresentationOptions(ports::defaultPresentation);
     }
 }
 
@@ -95,13 +95,13 @@ bool ScreenCoverService::show()
             service->buildWindows();
         }
     };
-    screenChangeObserver_ = ports_.notifications.observe(platform::screenParametersChanged, rebuild);
+    screenChangeObserver_ = ports_.notifications.observe(ports::screenParametersChanged, rebuild);
     const auto holdKeyboard = [weak = anchor_.weak()] {
         if (auto* const service = weak.get()) {
             service->takeKeyboard();
         }
     };
-    resignObserver_ = ports_.notifications.observe(platform::applicationResignedActive, holdKeyboard);
+    resignObserver_ = ports_.notifications.observe(ports::applicationResignedActive, holdKeyboard);
     ports_.activation.setPresentationOptions(coverPresentation);
     takeKeyboard();
     ports_.journal.note("cover.shown", {{"windows", static_cast<std::int64_t>(windows_.size())}});
@@ -116,7 +116,7 @@ void ScreenCoverService::hide()
     }
     screenChangeObserver_.reset();
     resignObserver_.reset();
-    ports_.activation.setPresentationOptions(platform::defaultPresentation);
+    ports_.activation.setPresentationOptions(ports::defaultPresentation);
     for (const auto& window : windows_) {
         window->orderOut();
     }
@@ -160,7 +160,7 @@ void ScreenCoverService::buildWindows()
     if (!shieldingLevel_) {
         shieldingLevel_ = ports_.windows.shieldingLevel();
     }
-    for (const platform::Screen& screen : ports_.windows.screens()) {
+    for (const ports::Screen& screen : ports_.windows.screens()) {
         windows_.push_back(std::make_unique<CoverWindow>(ports_.windows, screen, *shieldingLevel_, makeView()));
     }
     if (!windows_.empty()) {

@@ -4,7 +4,7 @@
 #include "foundation/SecretText.hpp"
 #include "lock/PasscodeUnlockOutcome.hpp"
 #include "lock/ScreenCoverView.hpp"
-#include "platform/Registration.hpp"
+#include "ports/Registration.hpp"
 #include "runtime/DetachedWork.hpp"
 #include "runtime/MainActor.hpp"
 #include "runtime/Weak.hpp"
@@ -22,26 +22,26 @@ class ScreenCoverAlarm;
 class SettingsStore;
 class UnlockPasscodeStore;
 
-namespace platform {
+namespace ports {
 class ApplicationActivation;
 class ApplicationNotifications;
 class Journal;
 class Language;
 class WallClock;
 class Windows;
-} // namespace platform
+} // namespace ports
 
 /// Covers every display with a black window that only the unlock passcode removes. Counts wrong passcodes: too many
 /// trigger the alarm, and many in a row lock the field for a growing time. Main actor only.
 class ScreenCoverService {
 public:
     struct Ports {
-        platform::Windows& windows;
-        platform::ApplicationNotifications& notifications;
-        platform::ApplicationActivation& activation;
-        platform::WallClock& wallClock;
-        platform::Language& language;
-        platform::Journal& journal;
+        ports::Windows& windows;
+        ports::ApplicationNotifications& notifications;
+        ports::ApplicationActivation& activation;
+        ports::WallClock& wallClock;
+        ports::Language& language;
+        ports::Journal& journal;
     };
 
     /// The alarm is called while a passcode is answered, never in here.
@@ -88,8 +88,8 @@ private:
     std::vector<std::unique_ptr<CoverWindow>> windows_;
     bool isShowing_ = false;
     std::int64_t failedAttempts_ = 0;
-    platform::RegistrationPtr screenChangeObserver_;
-    platform::RegistrationPtr resignObserver_;
+    ports::RegistrationPtr screenChangeObserver_;
+    ports::RegistrationPtr resignObserver_;
     std::int64_t consecutiveFailures_ = 0;
     double nextLockoutDuration_;
     std::optional<Date> lockoutEndDate_;

@@ -1,8 +1,8 @@
 #include "lock/ScreenCoverView.hpp"
 
 #include "foundation/TextFormat.hpp"
-#include "platform/Language.hpp"
-#include "platform/WallClock.hpp"
+#include "ports/Language.hpp"
+#include "ports/WallClock.hpp"
 #include "runtime/Sleep.hpp"
 
 #include <cmath>
@@ -20,7 +20,7 @@ constexpr double messageWidth = 560.0;
 
 } // namespace
 
-ScreenCoverView::ScreenCoverView(MainActor mainActor, platform::WallClock& wallClock, platform::Language& language,
+ScreenCoverView::ScreenCoverView(MainActor mainActor, ports::WallClock& wallClock, ports::Language& language,
                                  Submit submit)
     : mainActor_(mainActor),
       wallClock_(wallClock),

@@ -13,10 +13,10 @@
 
 namespace sentrel {
 
-namespace platform {
+namespace ports {
 class Language;
 class WallClock;
-} // namespace platform
+} // namespace ports
 
 /// What a covered display shows: a message and the passcode field, with the state of this display's field. Main actor.
 class ScreenCoverView {
@@ -27,7 +27,7 @@ public:
     /// Starts a task that tries the passcode and then tells the outcome, never inline. The view may die meanwhile.
     using Submit = std::function<void(SecretText passcode, Answered answered)>;
 
-    ScreenCoverView(MainActor mainActor, platform::WallClock& wallClock, platform::Language& language, Submit submit);
+    ScreenCoverView(MainActor mainActor, ports::WallClock& wallClock, ports::Language& language, Submit submit);
     ScreenCoverView(const ScreenCoverView&) = delete;
     ScreenCoverView& operator=(const ScreenCoverView&) = delete;
 
@@ -45,8 +45,8 @@ private:
     void changed();
 
     MainActor mainActor_;
-    platform::WallClock& wallClock_;
-    platform::Language& language_;
+    ports::WallClock& wallClock_;
+    ports::Language& language_;
     Submit submit_;
     SecretText passcode_;
     std::string message_;

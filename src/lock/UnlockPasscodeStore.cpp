@@ -1,24 +1,24 @@
 #include "lock/UnlockPasscodeStore.hpp"
 
-#include "platform/Cryptography.hpp"
-#include "platform/Keychain.hpp"
-#include "platform/Random.hpp"
-#include "platform/SystemConstants.hpp"
+#include "ports/Cryptography.hpp"
+#include "ports/Keychain.hpp"
+#include "ports/Random.hpp"
+#include "ports/SystemConstants.hpp"
 
 #include <utility>
 
 namespace sentrel {
 
-using platform::algorithmPbkdf2;
-using platform::KeychainConstant;
-using platform::KeychainDictionary;
-using platform::KeychainKey;
-using platform::pseudoRandomFunctionHmacSha256;
+using ports::algorithmPbkdf2;
+using ports::KeychainConstant;
+using ports::KeychainDictionary;
+using ports::KeychainKey;
+using ports::pseudoRandomFunctionHmacSha256;
 
 namespace {
 
-constexpr std::int32_t success = platform::securitySuccess;
-constexpr std::int32_t itemNotFound = platform::keychainItemNotFound;
+constexpr std::int32_t success = ports::securitySuccess;
+constexpr std::int32_t itemNotFound = ports::keychainItemNotFound;
 
 /// Rounds of SHA-256 after the first in the digest of older versions.
 constexpr int furtherLegacyRounds = 99'999;
@@ -40,7 +40,7 @@ KeychainDictionary currentQuery()
     return query;
 }
 
-platform::Keychain::Copied read(platform::Keychain& keychain, KeychainDictionary query)
+ports::Keychain::Copied read(ports::Keychain& keychain, KeychainDictionary query)
 {
     query.emplace(KeychainKey::returnData, true);
     query.emplace(KeychainKey::matchLimit, KeychainConstant::matchLimitOne);
@@ -49,8 +49,8 @@ platform::Keychain::Copied read(platform::Keychain& keychain, KeychainDictionary
 
 } // namespace
 
-UnlockPasscodeStore::UnlockPasscodeStore(platform::Keychain& keychain, platform::Cryptography& cryptography,
-                                         platform::Random& random, platform::GeneralRandom& generalRandom)
+UnlockPasscodeStore::UnlockPasscodeStore(ports::Keychain& keychain, ports::Cryptography& cryptography,
+                                         ports::Random& random, ports::GeneralRandom& generalRandom)
     : keychain_(keychain), cryptography_(cryptography), random_(random), generalRandom_(generalRandom)
 {
 }
@@ -196,8 +196,8 @@ bool UnlockPasscodeStore::deriveKey(BytesView passcode, BytesView salt, std::uin
 
 SecretBytes UnlockPasscodeStore::legacyDigest(BytesView passcode, BytesView salt)
 {
-    SecretBytes digest{platform::sha256Length};
-    const auto bytes = digest.writable().first<platform::sha256Length>();
+    SecretBytes digest{ports::sha256Length};
+    const auto bytes = digest.writable().first<ports::sha256Length>();
     // One context for all rounds: making one costs more than a round.
     const auto context = cryptography_.makeSha256Context();
     context->update(salt);

@@ -9,12 +9,12 @@
 #include <mutex>
 #include <optional>
 
-namespace sentrel::platform {
+namespace sentrel::ports {
 class Cryptography;
 class GeneralRandom;
 class Keychain;
 class Random;
-} // namespace sentrel::platform
+} // namespace sentrel::ports
 
 namespace sentrel {
 
@@ -33,8 +33,8 @@ public:
         bool needsUpgrade = false; ///< the record is weaker than what this version writes
     };
 
-    UnlockPasscodeStore(platform::Keychain& keychain, platform::Cryptography& cryptography, platform::Random& random,
-                        platform::GeneralRandom& generalRandom);
+    UnlockPasscodeStore(ports::Keychain& keychain, ports::Cryptography& cryptography, ports::Random& random,
+                        ports::GeneralRandom& generalRandom);
     UnlockPasscodeStore(const UnlockPasscodeStore&) = delete;
     UnlockPasscodeStore& operator=(const UnlockPasscodeStore&) = delete;
 
@@ -70,10 +70,10 @@ private:
     bool deriveKey(BytesView passcode, BytesView salt, std::uint32_t iterations, std::span<std::uint8_t> key);
     SecretBytes legacyDigest(BytesView passcode, BytesView salt);
 
-    platform::Keychain& keychain_;
-    platform::Cryptography& cryptography_;
-    platform::Random& random_;
-    platform::GeneralRandom& generalRandom_;
+    ports::Keychain& keychain_;
+    ports::Cryptography& cryptography_;
+    ports::Random& random_;
+    ports::GeneralRandom& generalRandom_;
 
     // Guards each sequence of keychain calls, and the count of the changes that were asked for on the main actor.
     std::mutex keychainMutex_;

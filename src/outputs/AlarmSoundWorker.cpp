@@ -110,7 +110,7 @@ void AlarmSoundWorker::playOnNoDevice()
     onDegraded_(noDeviceMessage);
 }
 
-std::optional<platform::AudioObjectId> AlarmSoundWorker::chooseDevice() const
+std::optional<ports::AudioObjectId> AlarmSoundWorker::chooseDevice() const
 {
     const auto speaker = services_.outputVolume.findBuiltInSpeaker();
     return speaker ? speaker : services_.outputVolume.defaultOutputDevice();
@@ -134,7 +134,7 @@ void AlarmSoundWorker::startVolumeTimer()
 
 void AlarmSoundWorker::noteStarted()
 {
-    platform::Journal::Value device;
+    ports::Journal::Value device;
     if (alarmOutputDeviceID_) {
         device = static_cast<std::int64_t>(*alarmOutputDeviceID_);
     }

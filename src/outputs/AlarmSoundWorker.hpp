@@ -5,8 +5,8 @@
 #include "outputs/SavedOutputState.hpp"
 #include "outputs/SystemVolumeControl.hpp"
 #include "outputs/ToneEngine.hpp"
-#include "platform/Journal.hpp"
-#include "platform/UserDefaults.hpp"
+#include "ports/Journal.hpp"
+#include "ports/UserDefaults.hpp"
 #include "runtime/RepeatingTimer.hpp"
 #include "runtime/SerialQueue.hpp"
 
@@ -21,11 +21,11 @@ namespace sentrel {
 struct AlarmSoundServices {
     SystemVolumeControl& outputVolume;
     MediaPlayback& mediaPlayback;
-    platform::AudioEngines& audioEngines;
-    platform::SystemBeep& systemBeep;
-    platform::UserDefaults& defaults;
-    platform::Language& language;
-    platform::Journal& journal;
+    ports::AudioEngines& audioEngines;
+    ports::SystemBeep& systemBeep;
+    ports::UserDefaults& defaults;
+    ports::Language& language;
+    ports::Journal& journal;
 };
 
 /// Sounds the alarm on its own queue: it pauses music, takes the speaker over, plays the tone or, failing that, the
@@ -63,7 +63,7 @@ public:
 private:
     Async<void> playNow(float volume);
     void playOnNoDevice();
-    [[nodiscard]] std::optional<platform::AudioObjectId> chooseDevice() const;
+    [[nodiscard]] std::optional<ports::AudioObjectId> chooseDevice() const;
     void takeOverDevice();
     void startVolumeTimer();
     void noteStarted();
@@ -83,7 +83,7 @@ private:
     bool isPlaying_ = false;
     float alarmVolume_ = 0.8F;
     std::optional<SavedOutputState> savedOutputState_;
-    std::optional<platform::AudioObjectId> alarmOutputDeviceID_;
+    std::optional<ports::AudioObjectId> alarmOutputDeviceID_;
     AlarmWatch watch_;
     SerialQueue queue_; // last: dead before what its jobs use
 };

@@ -21,7 +21,7 @@ constexpr float beepsAtFullVolume = 3.0F;
 
 } // namespace
 
-AlarmWatch::AlarmWatch(Scheduler& scheduler, platform::SystemBeep& beep, std::function<void()> onBeeping)
+AlarmWatch::AlarmWatch(Scheduler& scheduler, ports::SystemBeep& beep, std::function<void()> onBeeping)
     : beep_(beep),
       onBeeping_(std::move(onBeeping)),
       queue_(scheduler, "sentrel.alarm-watch", QualityOfService::userInteractive)
@@ -74,7 +74,7 @@ void AlarmWatch::check()
     }
 }
 
-void AlarmWatch::beepBurst(platform::SystemBeep& beep, float alarmVolume)
+void AlarmWatch::beepBurst(ports::SystemBeep& beep, float alarmVolume)
 {
     const int count = static_cast<int>(std::max(alarmVolume * beepsAtFullVolume, 1.0F));
     for (int i = 0; i < count; ++i) {

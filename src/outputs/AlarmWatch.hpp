@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/AudioEngine.hpp"
+#include "ports/AudioEngine.hpp"
 #include "runtime/RepeatingTimer.hpp"
 #include "runtime/SerialQueue.hpp"
 
@@ -16,7 +16,7 @@ namespace sentrel {
 class AlarmWatch {
 public:
     /// `onBeeping` is called on the watch's queue, once for each alarm, after the first beep.
-    AlarmWatch(Scheduler& scheduler, platform::SystemBeep& beep, std::function<void()> onBeeping);
+    AlarmWatch(Scheduler& scheduler, ports::SystemBeep& beep, std::function<void()> onBeeping);
     ~AlarmWatch();
     AlarmWatch(const AlarmWatch&) = delete;
 
@@ -30,12 +30,12 @@ public:
     void end();
 
     /// Beeps as often as the volume wants it: 1 to 3 times. One that raises is passed over.
-    static void beepBurst(platform::SystemBeep& beep, float alarmVolume);
+    static void beepBurst(ports::SystemBeep& beep, float alarmVolume);
 
 private:
     void check();
 
-    platform::SystemBeep& beep_;
+    ports::SystemBeep& beep_;
     const std::function<void()> onBeeping_;
     std::unique_ptr<RepeatingTimer> timer_; // while the alarm is wanted
     float alarmVolume_ = 0.0F;

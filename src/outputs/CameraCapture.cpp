@@ -14,8 +14,8 @@ constexpr Duration longestCapture = 30s;
 
 } // namespace
 
-CameraCapture::CameraCapture(Scheduler& scheduler, platform::Camera& camera, platform::ImageCodec& codec,
-                             platform::StandardOutput& output, platform::Journal& journal)
+CameraCapture::CameraCapture(Scheduler& scheduler, ports::Camera& camera, ports::ImageCodec& codec,
+                             ports::StandardOutput& output, ports::Journal& journal)
     : scheduler_(scheduler), journal_(journal), camera_(camera), worker_(scheduler, camera, codec, output, journal)
 {
 }
@@ -23,8 +23,8 @@ CameraCapture::CameraCapture(Scheduler& scheduler, platform::Camera& camera, pla
 Async<bool> CameraCapture::requestAccess()
 {
     const auto status = camera_.authorizationStatus(videoMediaType);
-    if (status != platform::CaptureAuthorization::notDetermined) {
-        co_return status == platform::CaptureAuthorization::authorized;
+    if (status != ports::CaptureAuthorization::notDetermined) {
+        co_return status == ports::CaptureAuthorization::authorized;
     }
     const auto answer = std::make_shared<Answer<bool>>();
     camera_.requestAccess(videoMediaType, [answer](bool granted) { answer->give(granted); });

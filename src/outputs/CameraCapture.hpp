@@ -8,8 +8,8 @@ namespace sentrel {
 /// The camera as the alarm uses it. Main actor.
 class CameraCapture {
 public:
-    CameraCapture(Scheduler& scheduler, platform::Camera& camera, platform::ImageCodec& codec,
-                  platform::StandardOutput& output, platform::Journal& journal);
+    CameraCapture(Scheduler& scheduler, ports::Camera& camera, ports::ImageCodec& codec, ports::StandardOutput& output,
+                  ports::Journal& journal);
 
     /// Whether the user allows the camera. Shows the system's prompt if they were never asked, and then waits for the
     /// answer; a refusal is not asked again.
@@ -27,8 +27,8 @@ private:
     using PhotoAnswer = Answer<std::optional<Bytes>>;
 
     Scheduler& scheduler_;
-    platform::Journal& journal_;
-    platform::Camera& camera_;
+    ports::Journal& journal_;
+    ports::Camera& camera_;
     std::shared_ptr<PhotoAnswer> overdue_; // the one that missed its deadline; the worker takes one at a time
     CaptureWorker worker_;
 };

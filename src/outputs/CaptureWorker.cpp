@@ -15,8 +15,8 @@ namespace {
 
 using namespace std::chrono_literals;
 
-using platform::builtInCameraType;
-using platform::photoPreset;
+using ports::builtInCameraType;
+using ports::photoPreset;
 
 constexpr Duration warmUpAtLeast = 1s;
 constexpr Duration warmUpAtMost = 3s;
@@ -36,8 +36,8 @@ struct CaptureWorker::ResultBox {
     Semaphore arrived;
 };
 
-CaptureWorker::CaptureWorker(Scheduler& scheduler, platform::Camera& camera, platform::ImageCodec& codec,
-                             platform::StandardOutput& output, platform::Journal& journal)
+CaptureWorker::CaptureWorker(Scheduler& scheduler, ports::Camera& camera, ports::ImageCodec& codec,
+                             ports::StandardOutput& output, ports::Journal& journal)
     : scheduler_(scheduler),
       camera_(camera),
       codec_(codec),
@@ -80,7 +80,7 @@ Async<void> CaptureWorker::runCapture(Completion completion)
 Async<CaptureWorker::Shot> CaptureWorker::takeKeptPhoto()
 {
     Shot kept;
-    if (camera_.authorizationStatus(videoMediaType) != platform::CaptureAuthorization::authorized) {
+    if (camera_.authorizationStatus(videoMediaType) != ports::CaptureAuthorization::authorized) {
         kept.failure = "not authorized"; // never prompt here: nobody is there who should answer
         co_return kept;
     }
@@ -124,7 +124,7 @@ Async<std::string_view> CaptureWorker::ensureSession()
     co_return failure;
 }
 
-std::shared_ptr<platform::CaptureDevice> CaptureWorker::chooseCamera()
+std::shared_ptr<ports::CaptureDevice> CaptureWorker::chooseCamera()
 {
     const auto devices = camera_.discoverDevices({builtInCameraType}, videoMediaType);
     for (const auto& device : devices) {
@@ -135,7 +135,7 @@ std::shared_ptr<platform::CaptureDevice> CaptureWorker::chooseCamera()
     return devices.empty() ? camera_.defaultDevice(videoMediaType) : devices.front();
 }
 
-std::string_view CaptureWorker::buildSession(const platform::CaptureDevice& device)
+std::string_view CaptureWorker::buildSession(const ports::CaptureDevice& device)
 {
     auto session = camera_.makeSession();
     session->setPreset(photoPreset);
@@ -159,7 +159,7 @@ std::string_view CaptureWorker::buildSession(const platform::CaptureDevice& devi
 }
 
 /// Lets exposure and white balance settle, within bounds.
-Async<void> CaptureWorker::warmUp(std::shared_ptr<platform::CaptureDevice> device)
+Async<void> CaptureWorker::warmUp(std::shared_ptr<ports::CaptureDevice> device)
 {
     const Instant deadline = scheduler_.now() + warmUpAtMost;
     co_await sleepFor(warmUpAtLeast);
@@ -203,7 +203,7 @@ Async<CaptureWorker::Shot> CaptureWorker::takePhoto()
 }
 
 /// False when the output raises, as it does once it has lost its camera.
-bool CaptureWorker::ask(const platform::PhotoSettings& settings, const std::shared_ptr<PhotoCaptureDelegate>& delegate)
+bool CaptureWorker::ask(const ports::PhotoSettings& settings, const std::shared_ptr<PhotoCaptureDelegate>& delegate)
 {
     return quietly([&] {
         output_->capturePhoto(settings, delegate);
@@ -263,7 +263,7 @@ void CaptureWorker::shutDown()
 
 void CaptureWorker::noteTaken(const Bytes& jpeg, int attempts)
 {
-    using Value = platform::Journal::Value;
+    using Value = ports::Journal::Value;
     const auto size = quietly([&] { return codec_.pixelSize(jpeg); });
     const auto known = [&](std::uint32_t pixels) { return size ? Value{std::int64_t{pixels}} : Value{}; };
     journal_.note("photo.taken", {{"bytes", static_cast<std::int64_t>(jpeg.size())},

@@ -1,11 +1,11 @@
 #pragma once
 
 #include "outputs/PhotoCaptureDelegate.hpp"
-#include "platform/Camera.hpp"
-#include "platform/CameraConstants.hpp"
-#include "platform/ImageCodec.hpp"
-#include "platform/Journal.hpp"
-#include "platform/StandardOutput.hpp"
+#include "ports/Camera.hpp"
+#include "ports/CameraConstants.hpp"
+#include "ports/ImageCodec.hpp"
+#include "ports/Journal.hpp"
+#include "ports/StandardOutput.hpp"
 #include "runtime/SerialQueue.hpp"
 #include "runtime/Weak.hpp"
 
@@ -19,7 +19,7 @@
 
 namespace sentrel {
 
-using platform::videoMediaType;
+using ports::videoMediaType;
 
 /// Takes photos, one capture after another on its own queue, which a capture holds from its start to its end. The
 /// session stays warm between captures and is shut down 15 seconds after the last one.
@@ -27,8 +27,8 @@ class CaptureWorker {
 public:
     using Completion = std::function<void(std::optional<Bytes> jpeg)>;
 
-    CaptureWorker(Scheduler& scheduler, platform::Camera& camera, platform::ImageCodec& codec,
-                  platform::StandardOutput& output, platform::Journal& journal);
+    CaptureWorker(Scheduler& scheduler, ports::Camera& camera, ports::ImageCodec& codec, ports::StandardOutput& output,
+                  ports::Journal& journal);
 
     /// Stops the camera. A capture under way is given up: its completion is not called.
     ~CaptureWorker();
@@ -60,14 +60,13 @@ private:
 
     /// A running session, warm if it is new; gives the reason when there is none, and nothing otherwise.
     Async<std::string_view> ensureSession();
-    [[nodiscard]] std::shared_ptr<platform::CaptureDevice> chooseCamera();
+    [[nodiscard]] std::shared_ptr<ports::CaptureDevice> chooseCamera();
 
     /// Makes and starts a session for the camera, and keeps it; gives the reason when that fails.
-    [[nodiscard]] std::string_view buildSession(const platform::CaptureDevice& device);
-    Async<void> warmUp(std::shared_ptr<platform::CaptureDevice> device);
+    [[nodiscard]] std::string_view buildSession(const ports::CaptureDevice& device);
+    Async<void> warmUp(std::shared_ptr<ports::CaptureDevice> device);
     Async<Shot> takePhoto();
-    [[nodiscard]] bool ask(const platform::PhotoSettings& settings,
-                           const std::shared_ptr<PhotoCaptureDelegate>& delegate);
+    [[nodiscard]] bool ask(const ports::PhotoSettings& settings, const std::shared_ptr<PhotoCaptureDelegate>& delegate);
     [[nodiscard]] std::shared_ptr<PhotoCaptureDelegate> makeDelegate(std::int64_t id, std::shared_ptr<ResultBox> box);
     static Async<void> forgetLater(std::weak_ptr<InFlight> weakInFlight, std::int64_t id);
     void scheduleShutdown();
@@ -75,12 +74,12 @@ private:
     void noteTaken(const Bytes& jpeg, int attempts);
 
     Scheduler& scheduler_;
-    platform::Camera& camera_;
-    platform::ImageCodec& codec_;
-    platform::StandardOutput& standardOutput_;
-    platform::Journal& journal_;
-    std::unique_ptr<platform::CaptureSession> session_;
-    std::shared_ptr<platform::PhotoOutput> output_;
+    ports::Camera& camera_;
+    ports::ImageCodec& codec_;
+    ports::StandardOutput& standardOutput_;
+    ports::Journal& journal_;
+    std::unique_ptr<ports::CaptureSession> session_;
+    std::shared_ptr<ports::PhotoOutput> output_;
     std::shared_ptr<WorkItem> shutdownWorkItem_;
     std::shared_ptr<InFlight> inFlight_ = std::make_shared<InFlight>();
     WeakAnchor<CaptureWorker> anchor_{*this}; // read on the queue, and so cut after it

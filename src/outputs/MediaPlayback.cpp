@@ -1,7 +1,7 @@
 #include "outputs/MediaPlayback.hpp"
 
 #include "foundation/Quietly.hpp"
-#include "platform/SystemConstants.hpp"
+#include "ports/SystemConstants.hpp"
 #include "runtime/Detached.hpp"
 #include "runtime/Semaphore.hpp"
 
@@ -28,7 +28,7 @@ const std::vector<MediaPlayer>& knownPlayers()
     return players;
 }
 
-std::vector<MediaPlayer> runningPlayers(platform::RunningApplications& applications)
+std::vector<MediaPlayer> runningPlayers(ports::RunningApplications& applications)
 {
     auto players = knownPlayers();
     std::erase_if(players, [&applications](const MediaPlayer& player) {
@@ -47,23 +47,23 @@ std::string pauseScript(const MediaPlayer& player)
     return "tell application \"" + player.name + "\" to pause";
 }
 
-platform::SystemDefinedEvent playPauseEvent(std::uint32_t keyState)
+ports::SystemDefinedEvent playPauseEvent(std::uint32_t keyState)
 {
-    const std::int64_t data = platform::playPauseKey << 16 | static_cast<std::int64_t>(keyState) << 8;
-    return {platform::systemDefinedEvent, keyState << 8, platform::auxiliaryControl, data, -1};
+    const std::int64_t data = ports::playPauseKey << 16 | static_cast<std::int64_t>(keyState) << 8;
+    return {ports::systemDefinedEvent, keyState << 8, ports::auxiliaryControl, data, -1};
 }
 
-Async<std::optional<std::int32_t>> determinePermission(platform::Automation& automation, std::string bundleIdentifier,
+Async<std::optional<std::int32_t>> determinePermission(ports::Automation& automation, std::string bundleIdentifier,
                                                        bool askUserIfNeeded)
 {
-    return automation.determinePermission(platform::bundleIdentifierType, std::move(bundleIdentifier),
-                                          platform::anyAppleEvent, platform::anyAppleEvent, askUserIfNeeded);
+    return automation.determinePermission(ports::bundleIdentifierType, std::move(bundleIdentifier),
+                                          ports::anyAppleEvent, ports::anyAppleEvent, askUserIfNeeded);
 }
 
 } // namespace
 
-MediaPlayback::MediaPlayback(MainActor mainActor, platform::RunningApplications& applications,
-                             platform::Automation& automation, platform::EventPosting& eventPosting)
+MediaPlayback::MediaPlayback(MainActor mainActor, ports::RunningApplications& applications,
+                             ports::Automation& automation, ports::EventPosting& eventPosting)
     : mainActor_(mainActor), applications_(applications), automation_(automation), eventPosting_(eventPosting)
 {
 }
@@ -99,7 +99,7 @@ Async<void> MediaPlayback::runPlayingTest(Weak<MediaPlayback> weak, MediaPlayer 
     if (playback == nullptr) {
         co_return;
     }
-    platform::Automation& automation = playback->automation_;
+    ports::Automation& automation = playback->automation_;
     co_await automation.runScript(playingTestScript(player));
 }
 
@@ -193,8 +193,8 @@ Async<bool> MediaPlayback::isPermitted(std::string bundleIdentifier)
 
 void MediaPlayback::pressPlayPauseKey()
 {
-    eventPosting_.postSystemDefined(playPauseEvent(keyDown), platform::hidEventTap);
-    eventPosting_.postSystemDefined(playPauseEvent(keyUp), platform::hidEventTap);
+    eventPosting_.postSystemDefined(playPauseEvent(keyDown), ports::hidEventTap);
+    eventPosting_.postSystemDefined(playPauseEvent(keyUp), ports::hidEventTap);
 }
 
 void MediaPlayback::pauseAll()

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/Automation.hpp"
+#include "ports/Automation.hpp"
 #include "runtime/MainActor.hpp"
 #include "runtime/Weak.hpp"
 
@@ -20,8 +20,8 @@ struct MediaPlayer {
 /// done ahead of time. Every failure only means that nothing is paused. Lives on the main actor.
 class MediaPlayback {
 public:
-    MediaPlayback(MainActor mainActor, platform::RunningApplications& applications, platform::Automation& automation,
-                  platform::EventPosting& eventPosting);
+    MediaPlayback(MainActor mainActor, ports::RunningApplications& applications, ports::Automation& automation,
+                  ports::EventPosting& eventPosting);
     MediaPlayback(const MediaPlayback&) = delete;
 
     /// The known players that run now. Any thread.
@@ -50,8 +50,8 @@ private:
     /// What coroutines off the main thread work with: the ports outlive this object, and the handle knows of its end.
     struct Helpers {
         MainActor mainActor;
-        platform::RunningApplications& applications;
-        platform::Automation& automation;
+        ports::RunningApplications& applications;
+        ports::Automation& automation;
         Weak<MediaPlayback> weak;
     };
 
@@ -69,9 +69,9 @@ private:
     void pressPlayPauseKey();
 
     MainActor mainActor_;
-    platform::RunningApplications& applications_;
-    platform::Automation& automation_;
-    platform::EventPosting& eventPosting_;
+    ports::RunningApplications& applications_;
+    ports::Automation& automation_;
+    ports::EventPosting& eventPosting_;
     WeakAnchor<MediaPlayback> anchor_{*this};
     TaskBag tasks_; // of pauses under way
 };

@@ -6,13 +6,12 @@
 
 namespace sentrel {
 
-PhotoCaptureDelegate::PhotoCaptureDelegate(platform::StandardOutput& output, Completion completion)
+PhotoCaptureDelegate::PhotoCaptureDelegate(ports::StandardOutput& output, Completion completion)
     : output_(output), completion_(std::move(completion))
 {
 }
 
-void PhotoCaptureDelegate::didFinishProcessingPhoto(const platform::CapturedPhoto& photo,
-                                                    std::optional<std::string> error)
+void PhotoCaptureDelegate::didFinishProcessingPhoto(const ports::CapturedPhoto& photo, std::optional<std::string> error)
 {
     if (error) {
         quietly([&] { output_.printLine("Photo capture error: " + *error); });

@@ -20,7 +20,7 @@ constexpr auto jpegType = "public.jpeg";
 
 } // namespace
 
-double photoBrightness(platform::ImageCodec& codec, BytesView photo)
+double photoBrightness(ports::ImageCodec& codec, BytesView photo)
 {
     const auto average = quietly([&] { return codec.areaAverage(photo); });
     if (!average) {
@@ -30,7 +30,7 @@ double photoBrightness(platform::ImageCodec& codec, BytesView photo)
     return redWeight * red / 255 + greenWeight * green / 255 + blueWeight * blue / 255;
 }
 
-Bytes reencodedPhoto(platform::ImageCodec& codec, Bytes photo)
+Bytes reencodedPhoto(ports::ImageCodec& codec, Bytes photo)
 {
     constexpr bool upright = true;
     const auto thumbnail = quietly([&] { return codec.createThumbnail(photo, alertPhotoMaxPixelSize, upright); });

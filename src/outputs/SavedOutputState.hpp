@@ -1,7 +1,7 @@
 #pragma once
 
 #include "foundation/Bytes.hpp"
-#include "platform/AudioHardware.hpp"
+#include "ports/AudioHardware.hpp"
 
 #include <optional>
 
@@ -9,11 +9,11 @@ namespace sentrel {
 
 /// How the audio output was before the alarm took it over; kept on disk while the alarm sounds.
 struct SavedOutputState {
-    platform::AudioObjectId speakerDeviceID = 0; ///< the device that was taken over
-    float speakerVolume = 0.0F;                  ///< its volume scalar; 0 if it had none that could be read
+    ports::AudioObjectId speakerDeviceID = 0; ///< the device that was taken over
+    float speakerVolume = 0.0F;               ///< its volume scalar; 0 if it had none that could be read
     bool speakerWasMuted = false;
-    std::optional<platform::AudioObjectId> previousDefaultDeviceID; ///< none if it could not be read
-    std::optional<float> previousDefaultVolume;                     ///< none exactly when there is no such device
+    std::optional<ports::AudioObjectId> previousDefaultDeviceID; ///< none if it could not be read
+    std::optional<float> previousDefaultVolume;                  ///< none exactly when there is no such device
     bool previousDefaultWasMuted = false;
     bool switchedDefaultDevice = false; ///< whether the take-over changed the default output device
 

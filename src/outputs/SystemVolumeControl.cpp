@@ -1,7 +1,7 @@
 #include "outputs/SystemVolumeControl.hpp"
 
 #include "foundation/Quietly.hpp"
-#include "platform/AudioConstants.hpp"
+#include "ports/AudioConstants.hpp"
 
 #include <algorithm>
 #include <array>
@@ -10,10 +10,10 @@ namespace sentrel {
 
 namespace {
 
-using platform::AudioObjectId;
-using platform::AudioPropertyAddress;
+using ports::AudioObjectId;
+using ports::AudioPropertyAddress;
 
-using namespace platform::audio;
+using namespace ports::audio;
 
 constexpr AudioPropertyAddress devices{devicesSelector, globalScope, 0};
 constexpr AudioPropertyAddress defaultOutput{defaultOutputSelector, globalScope, 0};

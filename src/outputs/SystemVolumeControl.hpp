@@ -1,8 +1,8 @@
 #pragma once
 
 #include "outputs/SavedOutputState.hpp"
-#include "platform/AudioHardware.hpp"
-#include "platform/Language.hpp"
+#include "ports/AudioHardware.hpp"
+#include "ports/Language.hpp"
 
 #include <optional>
 #include <string>
@@ -14,38 +14,38 @@ namespace sentrel {
 /// the calls may take as long as the audio system does.
 class SystemVolumeControl {
 public:
-    SystemVolumeControl(platform::AudioHardware& hardware, platform::Language& language)
+    SystemVolumeControl(ports::AudioHardware& hardware, ports::Language& language)
         : hardware_(hardware), language_(language)
     {
     }
 
     /// The built-in output device that calls itself a speaker, else the first built-in one; none without any.
-    [[nodiscard]] std::optional<platform::AudioObjectId> findBuiltInSpeaker() const;
+    [[nodiscard]] std::optional<ports::AudioObjectId> findBuiltInSpeaker() const;
 
     /// The system's default output device; none when it can't be read.
-    [[nodiscard]] std::optional<platform::AudioObjectId> defaultOutputDevice() const;
-    void setDefaultOutputDevice(platform::AudioObjectId device) const;
+    [[nodiscard]] std::optional<ports::AudioObjectId> defaultOutputDevice() const;
+    void setDefaultOutputDevice(ports::AudioObjectId device) const;
 
     /// The device's volume scalar, 0 to 1; none when it has none that can be read.
-    [[nodiscard]] std::optional<float> volume(platform::AudioObjectId device) const;
-    [[nodiscard]] bool isMuted(platform::AudioObjectId device) const;
+    [[nodiscard]] std::optional<float> volume(ports::AudioObjectId device) const;
+    [[nodiscard]] bool isMuted(ports::AudioObjectId device) const;
 
     /// Unmutes the device and sets its volume, bounded to 0...1, wherever it has one.
-    void enforce(platform::AudioObjectId device, float volume) const;
+    void enforce(ports::AudioObjectId device, float volume) const;
 
     /// Makes the device the default output at this volume; returns what `restore` needs to undo that.
-    [[nodiscard]] SavedOutputState takeOver(platform::AudioObjectId speaker, float volume) const;
+    [[nodiscard]] SavedOutputState takeOver(ports::AudioObjectId speaker, float volume) const;
 
     /// Puts the speaker back, and the previous default device too if the take-over had switched away from it.
     void restore(const SavedOutputState& state) const;
 
 private:
-    [[nodiscard]] bool isBuiltInOutput(platform::AudioObjectId device) const;
-    [[nodiscard]] bool callsItselfSpeaker(platform::AudioObjectId device) const;
-    void writeMute(platform::AudioObjectId device, std::uint32_t value) const;
+    [[nodiscard]] bool isBuiltInOutput(ports::AudioObjectId device) const;
+    [[nodiscard]] bool callsItselfSpeaker(ports::AudioObjectId device) const;
+    void writeMute(ports::AudioObjectId device, std::uint32_t value) const;
 
-    platform::AudioHardware& hardware_;
-    platform::Language& language_;
+    ports::AudioHardware& hardware_;
+    ports::Language& language_;
 };
 
 } // namespace sentrel

@@ -2,7 +2,7 @@
 
 #include "foundation/Quietly.hpp"
 #include "outputs/ToneBuffer.hpp"
-#include "platform/AudioConstants.hpp"
+#include "ports/AudioConstants.hpp"
 
 #include <utility>
 
@@ -10,13 +10,13 @@ namespace sentrel {
 
 namespace {
 
-using platform::audio::currentDeviceProperty;
-using platform::audio::globalUnitScope;
+using ports::audio::currentDeviceProperty;
+using ports::audio::globalUnitScope;
 
 constexpr std::uint32_t channelCount = 1;
 
-std::unique_ptr<platform::AudioBuffer> makeTone(platform::AudioEngine& engine, const platform::AudioFormat& format,
-                                                float alarmVolume)
+std::unique_ptr<ports::AudioBuffer> makeTone(ports::AudioEngine& engine, const ports::AudioFormat& format,
+                                             float alarmVolume)
 {
     auto buffer = engine.makeBuffer(format, ToneBuffer::frameCount);
     if (buffer == nullptr || buffer->samples().size() != ToneBuffer::frameCount) {
@@ -28,7 +28,7 @@ std::unique_ptr<platform::AudioBuffer> makeTone(platform::AudioEngine& engine, c
 
 } // namespace
 
-bool ToneEngine::start(platform::AudioObjectId device, float alarmVolume)
+bool ToneEngine::start(ports::AudioObjectId device, float alarmVolume)
 {
     stop();
     const bool isStarted = quietly([&] { return startNow(device, alarmVolume); });
@@ -38,7 +38,7 @@ bool ToneEngine::start(platform::AudioObjectId device, float alarmVolume)
     return isStarted;
 }
 
-bool ToneEngine::startNow(platform::AudioObjectId device, float alarmVolume)
+bool ToneEngine::startNow(ports::AudioObjectId device, float alarmVolume)
 {
     engine_ = engines_.makeEngine();
     if (engine_ == nullptr) {

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/AudioEngine.hpp"
-#include "platform/AudioHardware.hpp"
+#include "ports/AudioEngine.hpp"
+#include "ports/AudioHardware.hpp"
 
 #include <memory>
 
@@ -10,11 +10,11 @@ namespace sentrel {
 /// Plays the alarm's tone in a loop on one output device. Used on one queue.
 class ToneEngine {
 public:
-    explicit ToneEngine(platform::AudioEngines& engines) : engines_(engines) {}
+    explicit ToneEngine(ports::AudioEngines& engines) : engines_(engines) {}
     ToneEngine(const ToneEngine&) = delete;
 
     /// Starts the tone anew on the device at an alarm volume of 0 to 1. False when some step of it fails or raises.
-    [[nodiscard]] bool start(platform::AudioObjectId device, float alarmVolume);
+    [[nodiscard]] bool start(ports::AudioObjectId device, float alarmVolume);
 
     /// False when the tone was never started or has stopped by itself.
     [[nodiscard]] bool isRunning();
@@ -23,10 +23,10 @@ public:
     void stop();
 
 private:
-    [[nodiscard]] bool startNow(platform::AudioObjectId device, float alarmVolume);
+    [[nodiscard]] bool startNow(ports::AudioObjectId device, float alarmVolume);
 
-    platform::AudioEngines& engines_;
-    std::unique_ptr<platform::AudioEngine> engine_;
+    ports::AudioEngines& engines_;
+    std::unique_ptr<ports::AudioEngine> engine_;
 };
 
 } // namespace sentrel

@@ -1,6 +1,6 @@
 #include "sensors/AccelerometerEventHandler.hpp"
 
-#include "platform/SystemConstants.hpp"
+#include "ports/SystemConstants.hpp"
 
 #include <utility>
 
@@ -12,17 +12,17 @@ constexpr const char* queueLabel = "pelma.Sentrel.motion.accelerometer";
 
 } // namespace
 
-std::unique_ptr<platform::HidClient> makeMatchingClient(platform::HidEventSystem& events, std::int64_t usagePage,
-                                                        std::int64_t usage)
+std::unique_ptr<ports::HidClient> makeMatchingClient(ports::HidEventSystem& events, std::int64_t usagePage,
+                                                     std::int64_t usage)
 {
     auto client = events.createClient();
     if (client != nullptr) {
-        client->setMatching({{platform::primaryUsagePageKey, usagePage}, {platform::primaryUsageKey, usage}});
+        client->setMatching({{ports::primaryUsagePageKey, usagePage}, {ports::primaryUsageKey, usage}});
     }
     return client;
 }
 
-AccelerometerEventHandler::AccelerometerEventHandler(Scheduler& scheduler, platform::HidEventSystem& events,
+AccelerometerEventHandler::AccelerometerEventHandler(Scheduler& scheduler, ports::HidEventSystem& events,
                                                      SampleCallback onSample)
     : events_(events), onSample_(std::move(onSample)), queue_(scheduler, queueLabel, QualityOfService::standard)
 {
@@ -47,11 +47,11 @@ bool AccelerometerEventHandler::start(std::int64_t usagePage, std::int64_t usage
         return false;
     }
     for (const auto& service : *services) {
-        service->setProperty(platform::reportIntervalKey, reportInterval);
+        service->setProperty(ports::reportIntervalKey, reportInterval);
     }
     setRunning(true);
     client_ = std::move(client);
-    client_->registerEventCallback([this](const platform::HidEvent* event) { receive(event); });
+    client_->registerEventCallback([this](const ports::HidEvent* event) { receive(event); });
     client_->schedule(queue_);
     return true;
 }
@@ -64,7 +64,7 @@ void AccelerometerEventHandler::stop()
     }
 }
 
-std::unique_ptr<platform::HidClient> AccelerometerEventHandler::detachClient()
+std::unique_ptr<ports::HidClient> AccelerometerEventHandler::detachClient()
 {
     setRunning(false);
     if (client_ != nullptr) {
@@ -74,13 +74,13 @@ std::unique_ptr<platform::HidClient> AccelerometerEventHandler::detachClient()
     return std::move(client_);
 }
 
-void AccelerometerEventHandler::receive(const platform::HidEvent* event)
+void AccelerometerEventHandler::receive(const ports::HidEvent* event)
 {
-    if (event == nullptr || !isRunning() || event->type() != platform::accelerometerEvent) {
+    if (event == nullptr || !isRunning() || event->type() != ports::accelerometerEvent) {
         return;
     }
-    onSample_(event->floatValue(platform::accelerometerFieldX), event->floatValue(platform::accelerometerFieldY),
-              event->floatValue(platform::accelerometerFieldZ));
+    onSample_(event->floatValue(ports::accelerometerFieldX), event->floatValue(ports::accelerometerFieldY),
+              event->floatValue(ports::accelerometerFieldZ));
 }
 
 bool AccelerometerEventHandler::isRunning()

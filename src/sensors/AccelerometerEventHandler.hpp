@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/HidEventSystem.hpp"
+#include "ports/HidEventSystem.hpp"
 #include "runtime/SerialQueue.hpp"
 
 #include <cstdint>
@@ -11,8 +11,8 @@
 namespace sentrel {
 
 /// A client of the HID event system that matches devices by usage; null when none can be created.
-[[nodiscard]] std::unique_ptr<platform::HidClient> makeMatchingClient(platform::HidEventSystem& events,
-                                                                      std::int64_t usagePage, std::int64_t usage);
+[[nodiscard]] std::unique_ptr<ports::HidClient> makeMatchingClient(ports::HidEventSystem& events,
+                                                                   std::int64_t usagePage, std::int64_t usage);
 
 /// Subscribes to an accelerometer and hands on its raw samples. Started, stopped and destroyed on one thread; samples
 /// come on the handler's own queue.
@@ -21,7 +21,7 @@ public:
     /// Takes x, y and z as the sensor gives them. Called on the handler's queue.
     using SampleCallback = std::function<void(double x, double y, double z)>;
 
-    AccelerometerEventHandler(Scheduler& scheduler, platform::HidEventSystem& events, SampleCallback onSample);
+    AccelerometerEventHandler(Scheduler& scheduler, ports::HidEventSystem& events, SampleCallback onSample);
 
     /// Stops; when it returns, no callback is running and none comes later.
     ~AccelerometerEventHandler();
@@ -35,14 +35,14 @@ public:
     void stop();
 
 private:
-    void receive(const platform::HidEvent* event);
+    void receive(const ports::HidEvent* event);
     [[nodiscard]] bool isRunning();
     void setRunning(bool isRunning);
-    std::unique_ptr<platform::HidClient> detachClient();
+    std::unique_ptr<ports::HidClient> detachClient();
 
-    platform::HidEventSystem& events_;
+    ports::HidEventSystem& events_;
     const SampleCallback onSample_;
-    std::unique_ptr<platform::HidClient> client_;
+    std::unique_ptr<ports::HidClient> client_;
     std::mutex stateLock_;
     bool isRunning_ = false;
     SerialQueue queue_;

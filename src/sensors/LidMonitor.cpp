@@ -1,7 +1,7 @@
 #include "sensors/LidMonitor.hpp"
 
 #include "foundation/Fatal.hpp"
-#include "platform/WindowConstants.hpp"
+#include "ports/WindowConstants.hpp"
 #include "runtime/AssertOnMainActor.hpp"
 #include "runtime/WeakCall.hpp"
 
@@ -20,8 +20,7 @@ constexpr const char* clamshellStateKey = "AppleClamshellState";
 
 } // namespace
 
-LidMonitor::LidMonitor(MainActor mainActor, platform::DeviceRegistry& registry,
-                       platform::WorkspaceNotifications& workspace)
+LidMonitor::LidMonitor(MainActor mainActor, ports::DeviceRegistry& registry, ports::WorkspaceNotifications& workspace)
     : mainActor_(mainActor), registry_(registry), workspace_(workspace)
 {
 }
@@ -44,7 +43,7 @@ void LidMonitor::start()
     stop();
     const auto check = weakCall(mainActor_, anchor_.weak(), &LidMonitor::check);
     wasLidOpen_ = !isLidClosed();
-    observer_ = workspace_.observe(platform::screensDidSleep, check);
+    observer_ = workspace_.observe(ports::screensDidSleep, check);
     Scheduler& scheduler = mainActor_.scheduler();
     timer_ = std::make_unique<RepeatingTimer>(scheduler, scheduler.mainExecutor(), lidPollingInterval, check);
 }

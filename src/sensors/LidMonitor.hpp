@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/DeviceRegistry.hpp"
-#include "platform/WorkspaceNotifications.hpp"
+#include "ports/DeviceRegistry.hpp"
+#include "ports/WorkspaceNotifications.hpp"
 #include "runtime/MainActor.hpp"
 #include "runtime/RepeatingTimer.hpp"
 #include "runtime/Weak.hpp"
@@ -15,7 +15,7 @@ namespace sentrel {
 /// and, as a safety net, every 2 s. A lid that can't be read counts as open. Main actor only.
 class LidMonitor {
 public:
-    LidMonitor(MainActor mainActor, platform::DeviceRegistry& registry, platform::WorkspaceNotifications& workspace);
+    LidMonitor(MainActor mainActor, ports::DeviceRegistry& registry, ports::WorkspaceNotifications& workspace);
     LidMonitor(const LidMonitor&) = delete;
 
     /// Called on the main actor at each closing.
@@ -34,9 +34,9 @@ private:
     void check();
 
     MainActor mainActor_;
-    platform::DeviceRegistry& registry_;
-    platform::WorkspaceNotifications& workspace_;
-    platform::RegistrationPtr observer_;
+    ports::DeviceRegistry& registry_;
+    ports::WorkspaceNotifications& workspace_;
+    ports::RegistrationPtr observer_;
     std::unique_ptr<RepeatingTimer> timer_;
     bool wasLidOpen_ = true;
     WeakAnchor<LidMonitor> anchor_{*this};

@@ -1,26 +1,26 @@
 #include "sensors/MotionMonitor.hpp"
 
-#include "platform/SystemConstants.hpp"
+#include "ports/SystemConstants.hpp"
 #include "runtime/AssertOnMainActor.hpp"
 
 namespace sentrel {
 
 namespace {
 
-using platform::accelerometerUsage;
-using platform::appleVendorPage;
+using ports::accelerometerUsage;
+using ports::appleVendorPage;
 
 constexpr std::int64_t reportInterval = 20'000; // microseconds: 50 samples a second
 constexpr double thresholdBeforeFirstStart = 0.5;
 
 } // namespace
 
-MotionMonitor::MotionMonitor(MainActor mainActor, platform::HidEventSystem& events, platform::WallClock& wallClock)
+MotionMonitor::MotionMonitor(MainActor mainActor, ports::HidEventSystem& events, ports::WallClock& wallClock)
     : mainActor_(mainActor), events_(events), wallClock_(wallClock), detector_(thresholdBeforeFirstStart)
 {
 }
 
-bool MotionMonitor::probeAvailability(platform::HidEventSystem& events)
+bool MotionMonitor::probeAvailability(ports::HidEventSystem& events)
 {
     const auto client = makeMatchingClient(events, appleVendorPage, accelerometerUsage);
     if (client == nullptr) {

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/HidEventSystem.hpp"
-#include "platform/WallClock.hpp"
+#include "ports/HidEventSystem.hpp"
+#include "ports/WallClock.hpp"
 #include "runtime/MainActor.hpp"
 #include "runtime/Weak.hpp"
 #include "sensors/AccelerometerEventHandler.hpp"
@@ -15,7 +15,7 @@ namespace sentrel {
 /// Tells when the computer is moved, by its accelerometer, at most once in 5 s. Main actor only.
 class MotionMonitor {
 public:
-    MotionMonitor(MainActor mainActor, platform::HidEventSystem& events, platform::WallClock& wallClock);
+    MotionMonitor(MainActor mainActor, ports::HidEventSystem& events, ports::WallClock& wallClock);
     MotionMonitor(const MotionMonitor&) = delete;
 
     /// Called on the main actor at each motion that counts.
@@ -36,15 +36,15 @@ public:
     bool refreshAvailability();
 
     /// Asks the system whether it knows an accelerometer.
-    [[nodiscard]] static bool probeAvailability(platform::HidEventSystem& events);
+    [[nodiscard]] static bool probeAvailability(ports::HidEventSystem& events);
 
 private:
     static Async<void> process(Weak<MotionMonitor> weak, AccelerationSample sample);
     void process(const AccelerationSample& sample);
 
     MainActor mainActor_;
-    platform::HidEventSystem& events_;
-    platform::WallClock& wallClock_;
+    ports::HidEventSystem& events_;
+    ports::WallClock& wallClock_;
     bool isAccelerometerAvailable_ = false;
     MotionDetector detector_;
     std::unique_ptr<AccelerometerEventHandler> handler_;

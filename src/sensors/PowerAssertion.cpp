@@ -1,6 +1,6 @@
 #include "sensors/PowerAssertion.hpp"
 
-#include "platform/SystemConstants.hpp"
+#include "ports/SystemConstants.hpp"
 
 namespace sentrel {
 
@@ -9,7 +9,7 @@ void PowerAssertion::acquire(const std::string& reason)
     if (isActive_) {
         return;
     }
-    const auto created = assertions_.create(platform::preventIdleSleepAssertion, platform::assertionLevelOn, reason);
+    const auto created = assertions_.create(ports::preventIdleSleepAssertion, ports::assertionLevelOn, reason);
     if (created.status != 0) {
         return;
     }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/PowerAssertions.hpp"
+#include "ports/PowerAssertions.hpp"
 
 #include <cstdint>
 #include <string>
@@ -11,7 +11,7 @@ namespace sentrel {
 /// acquired it releases it, and the system drops what a dead process held.
 class PowerAssertion {
 public:
-    explicit PowerAssertion(platform::PowerAssertions& assertions) : assertions_(assertions) {}
+    explicit PowerAssertion(ports::PowerAssertions& assertions) : assertions_(assertions) {}
     PowerAssertion(const PowerAssertion&) = delete;
 
     /// Takes the assertion under this name, unless it is held already. A refusal leaves it inactive, silently.
@@ -23,7 +23,7 @@ public:
     [[nodiscard]] bool isActive() const { return isActive_; }
 
 private:
-    platform::PowerAssertions& assertions_;
+    ports::PowerAssertions& assertions_;
     std::uint32_t assertionID_ = 0;
     bool isActive_ = false;
 };

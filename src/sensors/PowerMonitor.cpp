@@ -1,6 +1,6 @@
 #include "sensors/PowerMonitor.hpp"
 
-#include "platform/SystemConstants.hpp"
+#include "ports/SystemConstants.hpp"
 #include "runtime/AssertOnMainActor.hpp"
 #include "runtime/WeakCall.hpp"
 
@@ -13,13 +13,12 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr Duration powerPollingInterval = 5s;
-constexpr std::string_view stateKey = platform::powerSourceStateKey;
-constexpr std::string_view acPowerValue = platform::acPowerValue;
+constexpr std::string_view stateKey = ports::powerSourceStateKey;
+constexpr std::string_view acPowerValue = ports::acPowerValue;
 
 } // namespace
 
-PowerMonitor::PowerMonitor(MainActor mainActor, platform::PowerSources& sources)
-    : mainActor_(mainActor), sources_(sources)
+PowerMonitor::PowerMonitor(MainActor mainActor, ports::PowerSources& sources) : mainActor_(mainActor), sources_(sources)
 {
 }
 

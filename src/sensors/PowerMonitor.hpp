@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/PowerSources.hpp"
+#include "ports/PowerSources.hpp"
 #include "runtime/MainActor.hpp"
 #include "runtime/RepeatingTimer.hpp"
 #include "runtime/Weak.hpp"
@@ -14,7 +14,7 @@ namespace sentrel {
 /// notification and, as a safety net, looks every 5 s. Main actor only.
 class PowerMonitor {
 public:
-    PowerMonitor(MainActor mainActor, platform::PowerSources& sources);
+    PowerMonitor(MainActor mainActor, ports::PowerSources& sources);
     PowerMonitor(const PowerMonitor&) = delete;
 
     /// Called on the main actor at each unplugging.
@@ -33,9 +33,9 @@ private:
     void check();
 
     MainActor mainActor_;
-    platform::PowerSources& sources_;
+    ports::PowerSources& sources_;
     std::unique_ptr<RepeatingTimer> timer_;
-    platform::RegistrationPtr notification_;
+    ports::RegistrationPtr notification_;
     bool wasOnACPower_ = true;
     WeakAnchor<PowerMonitor> anchor_{*this};
 };

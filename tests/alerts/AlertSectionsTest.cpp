@@ -1,10 +1,10 @@
 #include "alerts/AlertSections.hpp"
 #include "alerts/AlertMerge.hpp"
 
-#include "platform/simulated/EventLog.hpp"
-#include "platform/simulated/IcuCalendar.hpp"
-#include "platform/simulated/IcuLanguage.hpp"
 #include "runtime/VirtualScheduler.hpp"
+#include "simulation/EventLog.hpp"
+#include "simulation/mac/language/IcuCalendar.hpp"
+#include "simulation/mac/language/IcuLanguage.hpp"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -56,11 +56,11 @@ struct AlertSectionsTest : testing::Test {
     }
     std::string sectionOf(Date date, Date now) { return sectionsOf({date}, now).front().id; }
 
-    simulated::IcuCalendar calendar;
+    simulation::IcuCalendar calendar;
     VirtualClock clock;
     VirtualScheduler scheduler{clock};
-    simulated::EventLog log{scheduler};
-    simulated::IcuLanguage language{SENTREL_SOURCE_DIR "/resources", log};
+    simulation::EventLog log{scheduler};
+    simulation::IcuLanguage language{SENTREL_SOURCE_DIR "/resources", log};
 };
 
 TEST_F(AlertSectionsTest, EachDateHasItsSection)

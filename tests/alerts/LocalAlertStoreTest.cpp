@@ -1,9 +1,9 @@
 #include "alerts/LocalAlertStore.hpp"
 
-#include "platform/posix/PosixFileSystem.hpp"
-#include "platform/simulated/SimulatedFileSystem.hpp"
-#include "platform/simulated/SimulatedHost.hpp"
+#include "posix/PosixFileSystem.hpp"
 #include "runtime/VirtualScheduler.hpp"
+#include "simulation/mac/SimulatedHost.hpp"
+#include "simulation/mac/files/SimulatedFileSystem.hpp"
 #include "support/TemporaryFolder.hpp"
 
 #include <gmock/gmock.h>
@@ -61,8 +61,8 @@ protected:
 
     TemporaryFolder disk;
     posix::PosixFileSystem posixFiles;
-    simulated::SimulatedFileSystem files{posixFiles};
-    mutable simulated::SimulatedHost host{disk.path(), {}};
+    simulation::SimulatedFileSystem files{posixFiles};
+    mutable simulation::SimulatedHost host{disk.path(), {}};
     VirtualClock clock;
     VirtualScheduler scheduler{clock};
     const Bytes photo = bytesOf("jpeg");
@@ -88,7 +88,7 @@ TEST_F(LocalAlertStoreTest, KeepsAnAlertInTwoPrivateFilesThatANewStoreFinds)
 
 TEST_F(LocalAlertStoreTest, ABareExecutableHasAFolderOfTheProductsName)
 {
-    simulated::SimulatedHost bare{disk.path(), {.bundleIdentifier = std::nullopt}};
+    simulation::SimulatedHost bare{disk.path(), {.bundleIdentifier = std::nullopt}};
     LocalAlertStore bareStore{MainActor{scheduler}, files, bare};
     EXPECT_EQ(bareStore.photoFile(UUID{}).parent_path(), disk.path() / "Application Support" / "Sentrel" / "Alerts");
     EXPECT_TRUE(bare.faults().set("application-support"));

@@ -2,8 +2,8 @@
 
 #include "alerts/LocalAlertStore.hpp"
 #include "cloud/CloudMac.hpp"
-#include "platform/simulated/IcuCalendar.hpp"
-#include "platform/simulated/icloud/CloudErrorNames.hpp"
+#include "simulation/icloud/CloudErrorNames.hpp"
+#include "simulation/mac/language/IcuCalendar.hpp"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -14,8 +14,8 @@ namespace sentrel::test {
 namespace {
 
 using namespace std::chrono_literals;
-using platform::CloudAccountStatus;
-using simulated::cloudError;
+using ports::CloudAccountStatus;
+using simulation::cloudError;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::Optional;
@@ -131,7 +131,7 @@ protected:
 
     CloudWorld world;
     CloudMac mac{world, "MacBook"};
-    simulated::IcuCalendar calendar;
+    simulation::IcuCalendar calendar;
     int timesCaughtUp = 0;
     std::unique_ptr<LocalAlertStore> store;
     std::unique_ptr<AlertUploader> uploader;
@@ -335,7 +335,7 @@ TEST_F(MacAlertsServiceTest, StopsForWhatConcernsAllAlertsAndGoesOnPastWhatConce
         EXPECT_EQ(service->iCloudStorageIsFull, each.isFull) << each.why;
         EXPECT_EQ(here(), (std::vector{3, 2, 1})) << each.why;
         const auto failure = world.log.named("alert.uploadFailed").back();
-        EXPECT_EQ(*failure.find("code"), simulated::Event::Value{std::int64_t{each.code}}) << each.why;
+        EXPECT_EQ(*failure.find("code"), simulation::Event::Value{std::int64_t{each.code}}) << each.why;
 
         mac.icloud.link.faults().clear();
         world.clock.advance(301s); // whatever patience was asked for
@@ -664,7 +664,7 @@ TEST_F(MacAlertsServiceTest, WhereverTheProcessDiesAnAlertIsHereOrInTheCloudAndA
         save(1, true, picture);
         save(2);
         int left = phases;
-        mac.icloud.link.onRequest([&left](CloudOperation, simulated::CloudRequestPhase) { --left; });
+        mac.icloud.link.onRequest([&left](CloudOperation, simulation::CloudRequestPhase) { --left; });
         const auto pass = start(service->catchUp());
         while (left > 0 && !pass.isFinished()) {
             world.clock.advance(1ms);

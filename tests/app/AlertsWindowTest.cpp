@@ -3,13 +3,13 @@
 #include "app/AlertPhotoPreview.hpp"
 #include "app/MacAlertsContentView.hpp"
 #include "cloud/CloudMac.hpp"
-#include "platform/simulated/IcuCalendar.hpp"
-#include "platform/simulated/JpegWriter.hpp"
-#include "platform/simulated/SimulatedApplicationActivation.hpp"
-#include "platform/simulated/SimulatedDisplays.hpp"
-#include "platform/simulated/SimulatedPreviewPanel.hpp"
-#include "platform/simulated/SimulatedSavePanels.hpp"
-#include "platform/simulated/TurboImageCodec.hpp"
+#include "simulation/mac/camera/JpegWriter.hpp"
+#include "simulation/mac/camera/TurboImageCodec.hpp"
+#include "simulation/mac/display/SimulatedApplicationActivation.hpp"
+#include "simulation/mac/display/SimulatedDisplays.hpp"
+#include "simulation/mac/display/SimulatedPreviewPanel.hpp"
+#include "simulation/mac/display/SimulatedSavePanels.hpp"
+#include "simulation/mac/language/IcuCalendar.hpp"
 #include "ui/Description.hpp"
 #include "ui/Interaction.hpp"
 #include "ui/Node.hpp"
@@ -32,14 +32,11 @@ using namespace std::string_literals;
 constexpr Date thursday{794412429.0};
 
 /// A calendar that counts how often it is asked to write a date.
-class CountingCalendar final : public platform::Calendar {
+class CountingCalendar final : public ports::Calendar {
 public:
-    platform::DateInterval interval(platform::CalendarUnit unit, Date date) override
-    {
-        return real.interval(unit, date);
-    }
-    Date adding(platform::CalendarUnit unit, int count, Date date) override { return real.adding(unit, count, date); }
-    int component(platform::CalendarUnit unit, Date date) override { return real.component(unit, date); }
+    ports::DateInterval interval(ports::CalendarUnit unit, Date date) override { return real.interval(unit, date); }
+    Date adding(ports::CalendarUnit unit, int count, Date date) override { return real.adding(unit, count, date); }
+    int component(ports::CalendarUnit unit, Date date) override { return real.component(unit, date); }
     std::string monthName(Date date) override { return real.monthName(date); }
     std::string formatted(Date date, Style dateStyle, Style timeStyle) override
     {
@@ -51,7 +48,7 @@ public:
         return real.formatted(date, pattern, locale);
     }
 
-    simulated::IcuCalendar real;
+    simulation::IcuCalendar real;
     int datesWritten = 0;
 };
 
@@ -60,7 +57,7 @@ class AlertsWindowTest : public testing::Test {
 protected:
     AlertsWindowTest()
     {
-        mac_.icloud.account.setStatus(platform::CloudAccountStatus::noAccount);
+        mac_.icloud.account.setStatus(ports::CloudAccountStatus::noAccount);
         mac_.wallClock.offset = thursday.secondsSince(mac_.wallClock.now());
         previewPanel_.setControl({.accepts = [] { return true; },
                                   .begin = [this] { previewPanel_.setDataSource(preview_.dataSource()); },
@@ -81,13 +78,13 @@ protected:
     }
     static Bytes photo(int width = 40)
     {
-        simulated::RgbxImage image{width, 30};
+        simulation::RgbxImage image{width, 30};
         for (int y = 0; y < image.height(); ++y) {
             for (int i = 0; i < image.width() * 4; ++i) {
                 image.row(y)[i] = static_cast<std::uint8_t>(i * y * 37);
             }
         }
-        return *simulated::encodeJpeg(image, 80);
+        return *simulation::encodeJpeg(image, 80);
     }
     /// A photo whose second half was lost.
     static Bytes halfPhoto()
@@ -145,11 +142,11 @@ protected:
     MacAlertsService service_{actor_, *mac_.cloud,
                               store_, uploader_,
                               [] {},  {mac_.defaults, mac_.files, mac_.wallClock, calendar_, mac_.language}};
-    simulated::SimulatedSavePanels savePanels_{world_.hardware, mac_.disk};
-    simulated::SimulatedPreviewPanel previewPanel_{world_.log};
-    simulated::TurboImageCodec codec_;
-    simulated::SimulatedApplicationActivation activation_;
-    simulated::SimulatedDisplays displays_{mac_.process, world_.log, activation_};
+    simulation::SimulatedSavePanels savePanels_{world_.hardware, mac_.disk};
+    simulation::SimulatedPreviewPanel previewPanel_{world_.log};
+    simulation::TurboImageCodec codec_;
+    simulation::SimulatedApplicationActivation activation_;
+    simulation::SimulatedDisplays displays_{mac_.process, world_.log, activation_};
     AlertPhotoPreview preview_{previewPanel_};
     MacAlertsContentView window_{
         {actor_, service_, preview_, calendar_, mac_.files, mac_.host, codec_, mac_.language, savePanels_, displays_}};
@@ -263,7 +260,7 @@ TEST_F(AlertsWindowTest, PreviewsATemporaryCopy)
     const auto file = mac_.temporaryFolder() / ("alert_preview_" + id + ".jpg");
     EXPECT_THAT(previewPanel_.items(), ElementsAre(file));
     EXPECT_EQ(preview_.dataSource()->itemAt(0), file);
-    EXPECT_EQ(codec_.pixelSize(*mac_.posixFiles.read(file)), (platform::PixelSize{40, 30}));
+    EXPECT_EQ(codec_.pixelSize(*mac_.posixFiles.read(file)), (ports::PixelSize{40, 30}));
     EXPECT_EQ(std::filesystem::status(file).permissions(), std::filesystem::perms{0600});
 
     mac_.files.faults().set("create", 2);
@@ -288,7 +285,7 @@ TEST_F(AlertsWindowTest, SavesUnderTheAlertsDateWhateverTheLocale)
     const auto saved = mac_.posixFiles.read(mac_.disk / "Downloads" / "alert_2026-03-05_14-07-09.jpg");
     ASSERT_TRUE(saved);
     EXPECT_EQ(mac_.posixFiles.list(mac_.disk / "Downloads")->size(), 1U);
-    EXPECT_EQ(codec_.pixelSize(*saved), (platform::PixelSize{40, 30}));
+    EXPECT_EQ(codec_.pixelSize(*saved), (ports::PixelSize{40, 30}));
 }
 
 TEST_F(AlertsWindowTest, SaysWhyAPhotoCouldNotBeSaved)
@@ -325,7 +322,7 @@ TEST_F(AlertsWindowTest, SaysWhyAPhotoCouldNotBeSaved)
     mac_.files.faults().set("rename", 1);
     press("Download Photo");
     EXPECT_FALSE(shows("photoFailure"));
-    EXPECT_EQ(codec_.pixelSize(*mac_.posixFiles.read(downloads / "photo.jpg")), (platform::PixelSize{40, 30}));
+    EXPECT_EQ(codec_.pixelSize(*mac_.posixFiles.read(downloads / "photo.jpg")), (ports::PixelSize{40, 30}));
     EXPECT_THAT(*mac_.posixFiles.list(mac_.temporaryFolder()), testing::IsEmpty());
 
     select({half});

@@ -8,7 +8,7 @@
 namespace sentrel::test {
 namespace {
 
-using simulated::LoginAnswer;
+using simulation::LoginAnswer;
 using testing::ElementsAre;
 using testing::IsSupersetOf;
 
@@ -266,7 +266,7 @@ TEST(ControlPanel, LooksForTheAccelerometerEachTimeItAppears)
 
 TEST(ControlPanel, SaysThatTheComputerIsNoMacBook)
 {
-    simulated::MacDescription description;
+    simulation::MacDescription description;
     description.model = "iMac21,1";
     ControlsMac mac{description};
     EXPECT_THAT(ui::visibleTexts(mac.panel.body()),
@@ -333,7 +333,7 @@ TEST(PasscodeSetup, SavesOffTheMainThreadAndClosesTheSheet)
 TEST(PasscodeSetup, AFailedOrCancelledSaveKeepsThePasscode)
 {
     ControlsMac mac;
-    ASSERT_TRUE(simulator::storePasscode(mac.app().passcodes(), "first"));
+    ASSERT_TRUE(simulation::storePasscode(mac.app().passcodes(), "first"));
     mac.mac().keychain.faults().set("update");
     enterPasscode(mac, "second");
     mac.press(mac.panel, "save");
@@ -352,7 +352,7 @@ TEST(PasscodeSetup, AFailedOrCancelledSaveKeepsThePasscode)
 TEST(PasscodeSetup, RemovesAfterAConfirmationAndAnArmedMacAsksForTheLogin)
 {
     ControlsMac mac;
-    ASSERT_TRUE(simulator::storePasscode(mac.app().passcodes(), "first"));
+    ASSERT_TRUE(simulation::storePasscode(mac.app().passcodes(), "first"));
     mac.press(mac.panel, "Remove");
     EXPECT_THAT(ui::visibleTexts(mac.panel.body()),
                 IsSupersetOf({"Remove the unlock passcode?",

@@ -6,8 +6,8 @@
 #include "app/ProtectedActions.hpp"
 #include "app/WindowHooks.hpp"
 #include "cloud/CloudMac.hpp"
-#include "platform/simulated/SimulatedLoginItem.hpp"
-#include "simulator/MacSession.hpp"
+#include "simulation/mac/display/SimulatedLoginItem.hpp"
+#include "simulation/stage/MacSession.hpp"
 #include "ui/Description.hpp"
 #include "ui/Interaction.hpp"
 #include "ui/Node.hpp"
@@ -21,7 +21,7 @@ namespace sentrel::test {
 /// A running product with a menu and a control panel, and the person at them.
 class ControlsMac {
 public:
-    explicit ControlsMac(const simulated::MacDescription& description = {})
+    explicit ControlsMac(const simulation::MacDescription& description = {})
         : session_(description, disk_.path(), SENTREL_SOURCE_DIR "/resources", 1)
     {
         panel.appeared();
@@ -66,12 +66,12 @@ public:
         session_.changeSettings([&](AlarmSettings& settings) { settings.*field = value; });
     }
     /// How the login goes from now on.
-    void login(simulated::LoginAnswer answer) { session_.mac().login.setAnswer(answer); }
+    void login(simulation::LoginAnswer answer) { session_.mac().login.setAnswer(answer); }
     [[nodiscard]] std::size_t loginsAsked() { return session_.mac().login.reasonsAsked().size(); }
     /// The panel's iCloud learns that nobody is signed in.
     void signOut()
     {
-        cloudMac_.icloud.account.setStatus(platform::CloudAccountStatus::noAccount);
+        cloudMac_.icloud.account.setStatus(ports::CloudAccountStatus::noAccount);
         static_cast<void>(cloudMac_.await(cloud.refreshAvailability(true)));
     }
     void trigger()
@@ -82,8 +82,8 @@ public:
     [[nodiscard]] const AlarmSettings& settings() { return app().settings().settings(); }
     [[nodiscard]] AlarmCoordinator& coordinator() { return app().coordinator(); }
     [[nodiscard]] SentrelApp& app() { return *session_.app(); }
-    [[nodiscard]] simulated::SimulatedMac& mac() { return session_.mac(); }
-    [[nodiscard]] simulator::MacSession& session() { return session_; }
+    [[nodiscard]] simulation::SimulatedMac& mac() { return session_.mac(); }
+    [[nodiscard]] simulation::MacSession& session() { return session_; }
 
 private:
     template <class Act> ui::Interaction act(Act interact)
@@ -96,7 +96,7 @@ private:
     }
 
     TemporaryFolder disk_;
-    simulator::MacSession session_;
+    simulation::MacSession session_;
     const bool isLaunched_ = (session_.launch(), true); // before what refers to the product
     CloudWorld world_;
     CloudMac cloudMac_{world_, "Mac"};
@@ -106,7 +106,7 @@ public:
     std::vector<std::string> done; ///< what was asked of the menu's scene
     CloudKitService& cloud = *cloudMac_.cloud;
     WindowHooks hooks;
-    simulated::SimulatedLoginItem loginItem{files_, session_.log(), disk_.path() / "LoginItem.json"};
+    simulation::SimulatedLoginItem loginItem{files_, session_.log(), disk_.path() / "LoginItem.json"};
     ProtectedActions protectedActions{session_.mainActor(), app().settings(), app().passwordGate(), mac().language};
     MenuBarLabel label{coordinator(), app().isComputerCompatible(), mac().language};
     MenuBarView menu{{app().settings(), coordinator(), protectedActions, hooks, loginItem, mac().language},

@@ -1,4 +1,4 @@
-#include "platform/simulated/StringsFile.hpp"
+#include "simulation/mac/language/StringsFile.hpp"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -27,9 +27,9 @@ std::string contentOf(const fs::path& file)
     return {std::istreambuf_iterator<char>{stream}, {}};
 }
 
-simulated::StringsTable tableOf(const std::string& language, const char* name = "Localizable.strings")
+simulation::StringsTable tableOf(const std::string& language, const char* name = "Localizable.strings")
 {
-    return simulated::parseStringsFile(bytesOf(contentOf(root / "resources" / (language + ".lproj") / name)));
+    return simulation::parseStringsFile(bytesOf(contentOf(root / "resources" / (language + ".lproj") / name)));
 }
 
 std::vector<std::string> matchesOf(const std::string& text, const char* pattern)
@@ -123,7 +123,7 @@ TEST(Languages, EveryTextThatTheSystemShowsOfTheBundleIsTranslated)
     constexpr const char* pattern =
         R"(<key>(NS\w+UsageDescription|NSHumanReadableCopyright)</key>\s*<string>([^<]*)</string>)";
     const std::string list = contentOf(root / "src" / "platform" / "macos" / "Info.plist.in");
-    simulated::StringsTable prompts;
+    simulation::StringsTable prompts;
     const std::regex expression{pattern};
     for (std::sregex_iterator match{list.begin(), list.end(), expression}; match != std::sregex_iterator{}; ++match) {
         prompts.texts.emplace(match->str(1), match->str(2));

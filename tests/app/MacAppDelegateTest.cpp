@@ -1,24 +1,24 @@
-#include "simulator/MacSession.hpp"
-#include "simulator/MacState.hpp"
-#include "simulator/Person.hpp"
+#include "simulation/stage/MacSession.hpp"
+#include "simulation/stage/MacState.hpp"
+#include "simulation/stage/Person.hpp"
 #include "support/TemporaryFolder.hpp"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
-namespace sentrel::simulator {
+namespace sentrel::simulation {
 namespace {
 
 using namespace std::chrono_literals;
-using simulated::LoginAnswer;
+using simulation::LoginAnswer;
 using testing::AllOf;
 using testing::Contains;
 using testing::ElementsAre;
 
 /// A MacBook whose owner sits before it, with the application launched.
 struct Desk {
-    explicit Desk(const simulated::MacDescription& description = {})
+    explicit Desk(const simulation::MacDescription& description = {})
         : session(description, disk.path(), SENTREL_SOURCE_DIR "/resources", 1)
     {
         session.launch();
@@ -35,7 +35,7 @@ struct Desk {
         session.clock().advance(2s);
         ASSERT_EQ(state("isAlarmActive"), true);
     }
-    simulated::SimulatedLogin& login() { return session.mac().login; }
+    simulation::SimulatedLogin& login() { return session.mac().login; }
 
     TemporaryFolder disk;
     MacSession session;
@@ -68,7 +68,7 @@ TEST(MacAppDelegate, QuittingAsksForTheLoginWhenTheSettingsSaySoAndAlwaysWhileTh
         desk.session.clock().advance(2s);
         const std::string name = std::string{row.isLoginRequired ? "required" : "free"} +
                                  (row.isSounding ? ", sounding, " : ", silent, ") +
-                                 std::string{simulated::nameOf(row.answer)};
+                                 std::string{simulation::nameOf(row.answer)};
         EXPECT_EQ(desk.login().reasonsAsked().size(), row.asked) << name;
         EXPECT_EQ(desk.state("quit"), row.ends ? "quit" : "running") << name;
         EXPECT_EQ(desk.session.sound().has_value(), row.isSounding && !row.ends) << name;
@@ -103,7 +103,7 @@ TEST(MacAppDelegate, WhoeverQuitsTwiceIsAskedOnce)
 TEST(MacAppDelegate, APublicationThatHangsHoldsUpTheEndForTwoSeconds)
 {
     Desk desk;
-    desk.session.mac().iCloud.account.setStatus(platform::CloudAccountStatus::available);
+    desk.session.mac().iCloud.account.setStatus(ports::CloudAccountStatus::available);
     desk.session.clock().advance(1min);
     desk.session.mac().iCloud.link.setLatency(1h);
     desk.set(&AlarmSettings::requirePasswordForActions, false);
@@ -117,7 +117,7 @@ TEST(MacAppDelegate, APublicationThatHangsHoldsUpTheEndForTwoSeconds)
 TEST(MacAppDelegate, AnAlarmThatStartsDuringTheCleanupCallsTheQuitOffUntilTheLogin)
 {
     Desk desk;
-    desk.session.mac().iCloud.account.setStatus(platform::CloudAccountStatus::available);
+    desk.session.mac().iCloud.account.setStatus(ports::CloudAccountStatus::available);
     desk.session.clock().advance(1min);
     desk.session.mac().iCloud.link.setLatency(1h);
     desk.set(&AlarmSettings::requirePasswordForActions, false);
@@ -146,7 +146,7 @@ TEST(MacAppDelegate, AnAlarmThatStartsDuringTheCleanupCallsTheQuitOffUntilTheLog
 
 TEST(MacAppDelegate, StartsAsADisarmedAccessoryThatThenTalksToICloud)
 {
-    simulated::MacDescription description;
+    simulation::MacDescription description;
     Desk desk{description};
     desk.set(&AlarmSettings::isArmed, true);
     desk.session.crash();
@@ -156,7 +156,7 @@ TEST(MacAppDelegate, StartsAsADisarmedAccessoryThatThenTalksToICloud)
     EXPECT_FALSE(desk.session.app()->settings().settings().isArmed);
     desk.session.clock().advance(1s);
     std::vector<std::string> order;
-    for (const simulated::Event& event : desk.session.log().events(before)) {
+    for (const simulation::Event& event : desk.session.log().events(before)) {
         const bool isWanted =
             event.name == "launched" || event.name == "activation-policy" || event.name == "cloud.request";
         if (isWanted && (order.empty() || order.back() != event.name)) {
@@ -170,7 +170,7 @@ TEST(MacAppDelegate, StartsAsADisarmedAccessoryThatThenTalksToICloud)
 
 TEST(MacAppDelegate, OnAnythingButAMacBookTheControlPanelComesUpAndSaysWhy)
 {
-    simulated::MacDescription description;
+    simulation::MacDescription description;
     description.model = "Macmini9,1";
     Desk desk{description};
     const Json window = desk.state("window")["main"];
@@ -189,7 +189,7 @@ TEST(MacAppDelegate, OnAnythingButAMacBookTheControlPanelComesUpAndSaysWhy)
 TEST(MacAppDelegate, AfterSleepThePhoneHearsOfTheMacAtOnce)
 {
     Desk desk;
-    desk.session.mac().iCloud.account.setStatus(platform::CloudAccountStatus::available);
+    desk.session.mac().iCloud.account.setStatus(ports::CloudAccountStatus::available);
     desk.session.clock().advance(1min);
     desk.session.sleep();
     desk.session.clock().advance(8h);
@@ -201,7 +201,7 @@ TEST(MacAppDelegate, AfterSleepThePhoneHearsOfTheMacAtOnce)
 
 TEST(MacAppDelegate, NothingBehindTheLockScreenCanBeUsed)
 {
-    simulated::MacDescription description;
+    simulation::MacDescription description;
     Desk desk{description};
     desk.set(&AlarmSettings::requirePasswordForActions, false);
     EXPECT_EQ(Person{desk.session}.perform(OpenWindow{ShellWindow::main}), "");
@@ -220,4 +220,4 @@ TEST(MacAppDelegate, NothingBehindTheLockScreenCanBeUsed)
 }
 
 } // namespace
-} // namespace sentrel::simulator
+} // namespace sentrel::simulation

@@ -6,14 +6,14 @@
 namespace sentrel::test {
 namespace {
 
-using simulated::LoginAnswer;
+using simulation::LoginAnswer;
 using testing::Each;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-simulated::MacDescription macMini()
+simulation::MacDescription macMini()
 {
-    simulated::MacDescription description;
+    simulation::MacDescription description;
     description.model = "Macmini9,1";
     return description;
 }

@@ -2,10 +2,10 @@
 #include "app/ActivationPolicy.hpp"
 #include "app/WindowConfigurator.hpp"
 #include "app/WindowScene.hpp"
-#include "platform/simulated/EventLog.hpp"
-#include "platform/simulated/SimulatedApplication.hpp"
-#include "platform/simulated/SimulatedApplicationActivation.hpp"
-#include "platform/simulated/SimulatedDisplays.hpp"
+#include "simulation/EventLog.hpp"
+#include "simulation/mac/display/SimulatedApplication.hpp"
+#include "simulation/mac/display/SimulatedApplicationActivation.hpp"
+#include "simulation/mac/display/SimulatedDisplays.hpp"
 #include "support/VirtualMachine.hpp"
 #include "ui/Description.hpp"
 
@@ -18,29 +18,29 @@
 namespace sentrel {
 namespace {
 
-using platform::Size;
+using ports::Size;
 using testing::ElementsAre;
 
 /// Both windows of the application on the simulated displays.
 class ShellWindowsTest : public testing::Test {
 protected:
-    [[nodiscard]] simulated::WindowState window(std::string_view identifier)
+    [[nodiscard]] simulation::WindowState window(std::string_view identifier)
     {
-        return displays.window(identifier).value_or(simulated::WindowState{});
+        return displays.window(identifier).value_or(simulation::WindowState{});
     }
     [[nodiscard]] Size contentSize(std::string_view identifier)
     {
         const auto state = window(identifier);
-        const auto content = simulated::contentOf(state, state.frame);
+        const auto content = simulation::contentOf(state, state.frame);
         return {content.width, content.height};
     }
     [[nodiscard]] bool isRegular() const { return application.activationPolicy() == regularActivationPolicy; }
 
     test::VirtualMachine machine;
-    simulated::EventLog log{machine.scheduler};
-    simulated::SimulatedApplicationActivation activation;
-    simulated::SimulatedDisplays displays{machine.scheduler, log, activation};
-    simulated::SimulatedApplication application{log};
+    simulation::EventLog log{machine.scheduler};
+    simulation::SimulatedApplicationActivation activation;
+    simulation::SimulatedDisplays displays{machine.scheduler, log, activation};
+    simulation::SimulatedApplication application{log};
     ShellWindows windows{application, activation};
     MainWindowConfigurator mainConfigurator{windows};
     AlertsWindowConfigurator alertsConfigurator{windows};

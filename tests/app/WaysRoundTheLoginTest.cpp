@@ -1,7 +1,7 @@
-#include "platform/CloudAccount.hpp"
-#include "simulator/MacSession.hpp"
-#include "simulator/Person.hpp"
-#include "simulator/StoredDefaults.hpp"
+#include "ports/CloudAccount.hpp"
+#include "simulation/stage/MacSession.hpp"
+#include "simulation/stage/Person.hpp"
+#include "simulation/stage/StoredDefaults.hpp"
 #include "support/TemporaryFolder.hpp"
 #include "ui/Node.hpp"
 
@@ -12,12 +12,12 @@
 #include <map>
 #include <set>
 
-namespace sentrel::simulator {
+namespace sentrel::simulation {
 namespace {
 
 using namespace std::chrono_literals;
-using simulated::LoginAnswer;
-using simulated::WindowContent;
+using simulation::LoginAnswer;
+using simulation::WindowContent;
 using testing::IsEmpty;
 
 using Words = std::set<std::string>;
@@ -46,7 +46,7 @@ struct Protection {
           isSounding(!session.mac().speaker.sounding().empty()),
           isAwake(!session.mac().assertions.held().empty()),
           hasCover(!session.mac().displays.covers().empty()),
-          passcode(session.mac().keychain.item(simulated::KeychainStore::dataProtection,
+          passcode(session.mac().keychain.item(simulation::KeychainStore::dataProtection,
                                                "pelmadev.Sentrel.unlock-passcode", "arm-screen-cover")),
           loginItem(session.mac().loginItem.status())
     {
@@ -58,7 +58,7 @@ struct Protection {
     bool isSounding;
     bool isAwake; ///< which the armed Mac keeps itself
     bool hasCover;
-    std::optional<simulated::KeychainItem> passcode;
+    std::optional<simulation::KeychainItem> passcode;
     std::int64_t loginItem;
     AlarmSettings settings;
 };
@@ -180,10 +180,10 @@ public:
 private:
     static constexpr const char* resources = SENTREL_SOURCE_DIR "/resources";
 
-    static simulated::MacDescription describe()
+    static simulation::MacDescription describe()
     {
-        simulated::MacDescription description;
-        description.iCloud = {.user = "maya", .account = platform::CloudAccountStatus::available};
+        simulation::MacDescription description;
+        description.iCloud = {.user = "maya", .account = ports::CloudAccountStatus::available};
         return description;
     }
     void change(const std::function<void(AlarmSettings&)>& change)
@@ -256,9 +256,9 @@ private:
         return deeds;
     }
 
-    using Hands = std::function<void(const simulated::SimulatedDisplays::Use& use)>;
+    using Hands = std::function<void(const simulation::SimulatedDisplays::Use& use)>;
 
-    void addWindow(std::vector<Deed>& deeds, const simulated::WindowState& window)
+    void addWindow(std::vector<Deed>& deeds, const simulation::WindowState& window)
     {
         auto& displays = session_.mac().displays;
         const std::string id = window.identifier;
@@ -330,7 +330,7 @@ private:
     static void addNode(std::vector<Deed>& deeds, const std::string& name, const ui::Node& node, int order,
                         const Hands& hands)
     {
-        const auto add = [&](int later, const std::string& how, simulated::SimulatedDisplays::Use use) {
+        const auto add = [&](int later, const std::string& how, simulation::SimulatedDisplays::Use use) {
             deeds.push_back({order + later, name + how, [hands, use = std::move(use)] { hands(use); }});
         };
         const std::string id = node.identity;
@@ -406,4 +406,4 @@ TEST(WaysRoundTheLogin, NoControlKeyCommandOrEventTakesProtectionAwayWithoutIt)
 }
 
 } // namespace
-} // namespace sentrel::simulator
+} // namespace sentrel::simulation

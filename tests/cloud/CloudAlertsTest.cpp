@@ -1,7 +1,7 @@
 #include "cloud/AlertRecord.hpp"
 #include "cloud/CloudErrors.hpp"
 #include "cloud/CloudMac.hpp"
-#include "platform/simulated/icloud/CloudErrorNames.hpp"
+#include "simulation/icloud/CloudErrorNames.hpp"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -13,9 +13,9 @@ namespace sentrel::test {
 namespace {
 
 using namespace std::chrono_literals;
-using platform::CloudRecord;
-using simulated::cloudError;
-using simulated::CloudRequestPhase;
+using ports::CloudRecord;
+using simulation::cloudError;
+using simulation::CloudRequestPhase;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -65,7 +65,7 @@ protected:
     /// Writes past the service, as another device would that knows nothing of the catalog.
     void put(std::vector<CloudRecord> records)
     {
-        mac.await(mac.icloud.database.modify(std::move(records), {}, platform::CloudSavePolicy::allKeys, false));
+        mac.await(mac.icloud.database.modify(std::move(records), {}, ports::CloudSavePolicy::allKeys, false));
     }
     CloudRecord record(int number) { return alertRecord(alertNumber(number), "elsewhere", mac.language); }
     void failNext(int code, CloudOperation operation, int times = 1)
@@ -91,8 +91,8 @@ TEST_F(CloudAlertsTest, AnAlertTravelsWithItsPhotoAndIsThereOnceHoweverOftenItIs
     EXPECT_EQ(world.server.count("owner", alertRecordType), 2U);
     EXPECT_THAT(catalog(), ElementsAre(alertNumber(1).id.text(), alertNumber(2).id.text()));
     const auto saved = mac.await(mac.icloud.database.record(alertNumber(1).id.text()));
-    EXPECT_EQ(saved.fields.at("triggerName"), platform::CloudValue{"Motion"});
-    EXPECT_EQ(saved.fields.at("deviceName"), platform::CloudValue{"MacBook"});
+    EXPECT_EQ(saved.fields.at("triggerName"), ports::CloudValue{"Motion"});
+    EXPECT_EQ(saved.fields.at("deviceName"), ports::CloudValue{"MacBook"});
 
     CloudMac second{world, "second", 2};
     online(second);
@@ -294,14 +294,14 @@ TEST_F(CloudAlertsTest, WhatOtherDevicesDoWithoutTheCatalogIsFoundAtLast)
     upload(mac, 2);
     refreshed(mac);
     std::vector<std::string> names(1, alertNumber(1).id.text());
-    mac.await(mac.icloud.database.modify({}, names, platform::CloudSavePolicy::allKeys, false));
+    mac.await(mac.icloud.database.modify({}, names, ports::CloudSavePolicy::allKeys, false));
     EXPECT_EQ(refreshed(mac), (std::set{1, 2})) << "the catalog lists it still";
     EXPECT_FALSE(mac.await(mac.cloud->alertPhoto(alertNumber(1).id)));
     EXPECT_EQ(refreshed(mac), (std::set{2}));
     EXPECT_THAT(catalog(), ElementsAre(alertNumber(2).id.text()));
 
     names.front() = "alert-catalog";
-    mac.await(mac.icloud.database.modify({}, names, platform::CloudSavePolicy::allKeys, false));
+    mac.await(mac.icloud.database.modify({}, names, ports::CloudSavePolicy::allKeys, false));
     put({record(3)});
     EXPECT_EQ(refreshed(mac), (std::set{2, 3})) << "without a catalog everything is read";
     EXPECT_THAT(catalog(), ElementsAre(alertNumber(2).id.text(), alertNumber(3).id.text()));

@@ -2,10 +2,10 @@
 
 #include "cloud/AsyncTimeout.hpp"
 #include "cloud/CloudKitServiceError.hpp"
-#include "platform/CloudError.hpp"
-#include "platform/simulated/EventLog.hpp"
-#include "platform/simulated/IcuLanguage.hpp"
+#include "ports/CloudError.hpp"
 #include "runtime/VirtualScheduler.hpp"
+#include "simulation/EventLog.hpp"
+#include "simulation/mac/language/IcuLanguage.hpp"
 
 #include <gtest/gtest.h>
 
@@ -16,9 +16,9 @@
 namespace sentrel {
 namespace {
 
-using platform::CloudError;
-using Status = std::optional<platform::CloudAccountStatus>;
-using platform::CloudAccountStatus;
+using ports::CloudError;
+using Status = std::optional<ports::CloudAccountStatus>;
+using ports::CloudAccountStatus;
 
 constexpr const char* password =
     "iCloud needs your Apple ID password.\nOpen Settings → Apple ID, sign in, then try again.";
@@ -56,8 +56,8 @@ protected:
 
     VirtualClock clock;
     VirtualScheduler scheduler{clock};
-    simulated::EventLog log{scheduler};
-    simulated::IcuLanguage language{SENTREL_SOURCE_DIR "/resources", log};
+    simulation::EventLog log{scheduler};
+    simulation::IcuLanguage language{SENTREL_SOURCE_DIR "/resources", log};
 };
 
 TEST_F(CloudErrors, EachCodeHasItsMessage)

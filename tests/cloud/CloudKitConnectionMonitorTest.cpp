@@ -1,9 +1,9 @@
 #include "cloud/CloudKitConnectionMonitor.hpp"
 #include "cloud/PresenceMac.hpp"
-#include "platform/ApplicationNotifications.hpp"
-#include "platform/simulated/NotificationHub.hpp"
-#include "platform/simulated/icloud/CloudErrorNames.hpp"
+#include "ports/ApplicationNotifications.hpp"
 #include "runtime/Sleep.hpp"
+#include "simulation/NotificationHub.hpp"
+#include "simulation/icloud/CloudErrorNames.hpp"
 
 #include <gtest/gtest.h>
 
@@ -17,7 +17,7 @@ using namespace std::chrono_literals;
 /// A Mac whose dependents take a while to catch up.
 class CloudKitConnectionMonitorTest : public testing::Test,
                                       public CloudDependents,
-                                      public platform::ApplicationNotifications {
+                                      public ports::ApplicationNotifications {
 protected:
     CloudKitConnectionMonitorTest()
     {
@@ -55,7 +55,7 @@ protected:
     bool failsToCatchUp = false;
     int refreshed = 0;
     int userChanges = 0;
-    simulated::NotificationHub hub{mac.process.mainExecutor()};
+    simulation::NotificationHub hub{mac.process.mainExecutor()};
     std::unique_ptr<CloudKitConnectionMonitor> monitor = makeMonitor();
 
 private:
@@ -70,7 +70,7 @@ private:
     }
     void refreshStatus() override { ++refreshed; }
 
-    platform::RegistrationPtr observe(const std::string& name, std::function<void()> received) override
+    ports::RegistrationPtr observe(const std::string& name, std::function<void()> received) override
     {
         return hub.observe(name, std::move(received));
     }
@@ -129,13 +129,13 @@ TEST_F(CloudKitConnectionMonitorTest, APassEndsWithAPollAndCatchesUpOnlyWithIclo
     mac.presence.start();
     start();
     const auto polls = mac.polls();
-    mac.icloud.account.setStatus(platform::CloudAccountStatus::noAccount);
+    mac.icloud.account.setStatus(ports::CloudAccountStatus::noAccount);
     world.clock.advance(10s);
     EXPECT_EQ(passes(), 3U);
     EXPECT_EQ(caughtUp, 2);
     EXPECT_EQ(refreshed, 3);
     EXPECT_EQ(mac.polls(), polls);
-    mac.icloud.account.setStatus(platform::CloudAccountStatus::available);
+    mac.icloud.account.setStatus(ports::CloudAccountStatus::available);
     world.clock.advance(10s);
     EXPECT_EQ(caughtUp, 3);
     EXPECT_EQ(mac.polls(), polls + 1);
@@ -162,7 +162,7 @@ TEST_F(CloudKitConnectionMonitorTest, AnAccountThatHangsDoesNotEndAllCatchingUp)
 TEST_F(CloudKitConnectionMonitorTest, AnUnansweredQuestionForTheOwnerIsAskedAgainAndAStrayExceptionEndsOnePassOnly)
 {
     start();
-    mac.icloud.link.faults().add({simulated::cloudError(4), CloudOperation::userRecord, "", 1});
+    mac.icloud.link.faults().add({simulation::cloudError(4), CloudOperation::userRecord, "", 1});
     failsToCatchUp = true;
     mac.icloud.account.signIn("other");
     world.clock.advance(10s);

@@ -1,7 +1,7 @@
 #include "cloud/CloudErrors.hpp"
 #include "cloud/CloudKitServiceError.hpp"
 #include "cloud/CloudMac.hpp"
-#include "platform/simulated/icloud/CloudErrorNames.hpp"
+#include "simulation/icloud/CloudErrorNames.hpp"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -10,8 +10,8 @@ namespace sentrel::test {
 namespace {
 
 using namespace std::chrono_literals;
-using platform::CloudAccountStatus;
-using simulated::cloudError;
+using ports::CloudAccountStatus;
+using simulation::cloudError;
 using testing::ElementsAre;
 
 class CloudKitServiceTest : public testing::Test {
@@ -43,7 +43,7 @@ TEST_F(CloudKitServiceTest, AnAnswerLastsAMinuteAndAFailureTwentySeconds)
     EXPECT_TRUE(check(true));
     EXPECT_EQ(asked(), 2U) << "asked by force";
     world.clock.advance(61s);
-    failAccount(simulated::CKError::internalError);
+    failAccount(simulation::CKError::internalError);
     EXPECT_FALSE(check());
     EXPECT_FALSE(mac.cloud->lastAccountStatus());
     heal();
@@ -77,7 +77,7 @@ TEST_F(CloudKitServiceTest, NetworkErrorsShortenTheTrustAndThrottlingMakesReques
 {
     check();
     const Date now = mac.wallClock.now();
-    mac.cloud->recordSyncFailure(cloudError(simulated::CKError::networkFailure));
+    mac.cloud->recordSyncFailure(cloudError(simulation::CKError::networkFailure));
     EXPECT_FALSE(mac.cloud->isReachable);
     EXPECT_EQ(mac.cloud->availabilityCacheExpiry(), now.addingSeconds(20));
     EXPECT_EQ(mac.cloud->requestBackoff(), CloudBackoffPolicy{});
@@ -106,7 +106,7 @@ TEST_F(CloudKitServiceTest, AnUploadWithoutICloudSaysWhyWithoutARequest)
     EXPECT_EQ(refusal(), unreachable) << "nothing is known";
     mac.cloud->networkPathChanged(true);
     EXPECT_EQ(refusal(), notSignedIn) << "reachable";
-    failAccount(simulated::CKError::networkUnavailable);
+    failAccount(simulation::CKError::networkUnavailable);
     check(true);
     EXPECT_EQ(refusal(), unreachable);
     heal();
@@ -126,7 +126,7 @@ TEST_F(CloudKitServiceTest, AnotherUserSeesNothingOfTheFormerOne)
     world.clock.advance(2s);
     ASSERT_TRUE(std::filesystem::exists(mac.cacheFile()));
 
-    mac.icloud.link.faults().add({cloudError(simulated::CKError::networkFailure), CloudOperation::userRecord});
+    mac.icloud.link.faults().add({cloudError(simulation::CKError::networkFailure), CloudOperation::userRecord});
     EXPECT_FALSE(mac.await(mac.cloud->verifyCacheOwner())) << "who it is can't be asked";
     EXPECT_EQ(mac.cloud->cachedAlerts().size(), 1U);
     heal();
@@ -189,7 +189,7 @@ TEST_F(CloudKitServiceTest, TwoMacsListThemselvesInOneCatalogAndTakeTheirOwnComm
     EXPECT_FALSE(mac.await(mac.cloud->fetchCommand("first"))) << "no command yet";
     const RemoteCommand command{7, Date{8e8}, true};
     second.await(second.icloud.database.modify({commandRecord("first", command)}, {},
-                                               platform::CloudSavePolicy::changedKeys, false));
+                                               ports::CloudSavePolicy::changedKeys, false));
     EXPECT_EQ(mac.await(mac.cloud->fetchCommand("first")), command);
     EXPECT_FALSE(second.await(second.cloud->fetchCommand("second")));
     EXPECT_EQ(presenceOf(mac.await(mac.icloud.database.record(deviceRecordName("first")))), first);

@@ -1,15 +1,15 @@
 #pragma once
 
 #include "cloud/CloudKitService.hpp"
-#include "platform/posix/PosixFileSystem.hpp"
-#include "platform/simulated/EventLog.hpp"
-#include "platform/simulated/IcuLanguage.hpp"
-#include "platform/simulated/SeededRandom.hpp"
-#include "platform/simulated/SimulatedFileSystem.hpp"
-#include "platform/simulated/SimulatedHost.hpp"
-#include "platform/simulated/SimulatedWallClock.hpp"
-#include "platform/simulated/icloud/SimulatedICloud.hpp"
+#include "posix/PosixFileSystem.hpp"
 #include "runtime/VirtualScheduler.hpp"
+#include "simulation/EventLog.hpp"
+#include "simulation/icloud/SimulatedICloud.hpp"
+#include "simulation/mac/SimulatedHost.hpp"
+#include "simulation/mac/SimulatedWallClock.hpp"
+#include "simulation/mac/files/SimulatedFileSystem.hpp"
+#include "simulation/mac/language/IcuLanguage.hpp"
+#include "simulation/mac/security/SeededRandom.hpp"
 #include "support/MemoryDefaults.hpp"
 #include "support/TemporaryFolder.hpp"
 
@@ -23,23 +23,23 @@
 
 namespace sentrel::test {
 
-using simulated::CloudOperation;
+using simulation::CloudOperation;
 
 /// iCloud's server, for as many Macs as a story has.
 struct CloudWorld {
     VirtualClock clock;
     VirtualScheduler hardware{clock};
-    simulated::EventLog log{hardware};
-    simulated::SimulatedWallClock serverClock{hardware, Date{8.1e8}};
+    simulation::EventLog log{hardware};
+    simulation::SimulatedWallClock serverClock{hardware, Date{8.1e8}};
     TemporaryFolder folder;
-    simulated::PrivateCloud server{folder.path() / "server", serverClock, log};
+    simulation::PrivateCloud server{folder.path() / "server", serverClock, log};
 };
 
 /// A wall clock that somebody turns.
-struct TurnedClock final : platform::WallClock {
-    explicit TurnedClock(platform::WallClock& itsTrue) : trueClock(itsTrue) {}
+struct TurnedClock final : ports::WallClock {
+    explicit TurnedClock(ports::WallClock& itsTrue) : trueClock(itsTrue) {}
     [[nodiscard]] Date now() override { return trueClock.now().addingSeconds(offset); }
-    platform::WallClock& trueClock;
+    ports::WallClock& trueClock;
     double offset = 0.0;
 };
 
@@ -116,13 +116,13 @@ public:
     VirtualScheduler process{world.clock};
     const std::filesystem::path disk;
     posix::PosixFileSystem posixFiles;
-    simulated::SimulatedFileSystem files{posixFiles};
+    simulation::SimulatedFileSystem files{posixFiles};
     MemoryDefaults defaults;
     TurnedClock wallClock{world.serverClock};
-    simulated::SeededRandom random;
-    simulated::SimulatedHost host;
-    simulated::IcuLanguage language{SENTREL_SOURCE_DIR "/resources", world.log};
-    simulated::SimulatedICloud icloud;
+    simulation::SeededRandom random;
+    simulation::SimulatedHost host;
+    simulation::IcuLanguage language{SENTREL_SOURCE_DIR "/resources", world.log};
+    simulation::SimulatedICloud icloud;
     std::unique_ptr<CloudKitService> cloud;
 
 private:
@@ -161,7 +161,7 @@ template <class T> std::string outcomeOf(CloudMac& mac, Async<T> work)
     try {
         static_cast<void>(mac.await(std::move(work)), 0);
         return "done";
-    } catch (const platform::CloudError& error) {
+    } catch (const ports::CloudError& error) {
         return "CloudKit " + std::to_string(error.code);
     } catch (const std::exception& error) {
         return error.what();

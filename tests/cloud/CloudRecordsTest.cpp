@@ -14,9 +14,9 @@
 namespace sentrel {
 namespace {
 
-using platform::CloudAsset;
-using platform::CloudRecord;
-using platform::CloudValue;
+using ports::CloudAsset;
+using ports::CloudRecord;
+using ports::CloudValue;
 
 constexpr double infinity = std::numeric_limits<double>::infinity();
 constexpr const char* name = "5A5A0000-0000-4000-8000-0000000000AF";

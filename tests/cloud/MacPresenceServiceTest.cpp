@@ -1,6 +1,6 @@
 #include "cloud/CloudErrors.hpp"
 #include "cloud/PresenceMac.hpp"
-#include "platform/simulated/icloud/CloudErrorNames.hpp"
+#include "simulation/icloud/CloudErrorNames.hpp"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -11,8 +11,8 @@ namespace sentrel::test {
 namespace {
 
 using namespace std::chrono_literals;
-using platform::CloudAccountStatus;
-using simulated::cloudError;
+using ports::CloudAccountStatus;
+using simulation::cloudError;
 using testing::ElementsAre;
 
 constexpr const char* signIn = "Sign in to iCloud on both devices with the same Apple ID.";
@@ -22,7 +22,7 @@ class MacPresenceServiceTest : public testing::Test {
 protected:
     void failFetching(int times, std::optional<double> retryAfter = std::nullopt)
     {
-        const int code = retryAfter ? CloudErrorCode::requestRateLimited : simulated::CKError::internalError;
+        const int code = retryAfter ? CloudErrorCode::requestRateLimited : simulation::CKError::internalError;
         mac.icloud.link.faults().add({cloudError(code, retryAfter), CloudOperation::fetch, "", times});
     }
 
@@ -39,8 +39,8 @@ protected:
 
     static void commandWithoutDate(PresenceMac& itsMac, std::int64_t sequence)
     {
-        simulated::ServerBatch batch;
-        simulated::ServerRecord& record = batch.save.emplace_back();
+        simulation::ServerBatch batch;
+        simulation::ServerRecord& record = batch.save.emplace_back();
         record.type = deviceCatalogRecordType;
         record.name = commandRecordName(itsMac.presence.deviceID());
         record.fields = {{"commandSequence", sequence}, {"requestedArmState", std::int64_t{1}}};

@@ -3,8 +3,8 @@
 #include "cloud/CloudMac.hpp"
 #include "cloud/MacPresenceService.hpp"
 #include "core/SettingsStore.hpp"
-#include "platform/RemoteNotifications.hpp"
-#include "platform/simulated/icloud/CompanionPhone.hpp"
+#include "ports/RemoteNotifications.hpp"
+#include "simulation/icloud/CompanionPhone.hpp"
 
 #include <stdexcept>
 #include <string>
@@ -67,7 +67,7 @@ public:
     [[nodiscard]] std::uint64_t polls() const { return icloud.link.requests(CloudOperation::fetch); }
     [[nodiscard]] std::uint64_t publications() const { return icloud.link.requests(CloudOperation::modify); }
 
-    simulated::CompanionPhone phone{world.server, world.serverClock, "owner"};
+    simulation::CompanionPhone phone{world.server, world.serverClock, "owner"};
     const bool isCompatible;
     SettingsStore settings{MainActor{process}, defaults};
     bool isArmed = false;

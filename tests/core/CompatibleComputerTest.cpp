@@ -1,5 +1,5 @@
 #include "core/CompatibleComputer.hpp"
-#include "platform/simulated/SimulatedHost.hpp"
+#include "simulation/mac/SimulatedHost.hpp"
 
 #include <gtest/gtest.h>
 
@@ -29,7 +29,7 @@ TEST(CompatibleComputer, IsAMacBookByItsModelOrElseByItsProductName)
         {"", "MacBook by mistake", false},
     };
     for (const Case& each : cases) {
-        simulated::SimulatedHost host{"/mac", {.model = each.model, .productName = each.productName}};
+        simulation::SimulatedHost host{"/mac", {.model = each.model, .productName = each.productName}};
         EXPECT_EQ(isCompatibleComputer(host), each.isCompatible)
             << each.model << ", " << each.productName.value_or("-");
         host.faults().set("model");

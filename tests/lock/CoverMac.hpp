@@ -4,12 +4,12 @@
 #include "lock/PasscodeMac.hpp"
 #include "lock/ScreenCoverAlarm.hpp"
 #include "lock/ScreenCoverService.hpp"
-#include "platform/simulated/DefaultsFile.hpp"
-#include "platform/simulated/EventLog.hpp"
-#include "platform/simulated/IcuLanguage.hpp"
-#include "platform/simulated/SimulatedApplicationActivation.hpp"
-#include "platform/simulated/SimulatedDisplays.hpp"
-#include "platform/simulated/SimulatedWallClock.hpp"
+#include "simulation/EventLog.hpp"
+#include "simulation/mac/SimulatedWallClock.hpp"
+#include "simulation/mac/display/SimulatedApplicationActivation.hpp"
+#include "simulation/mac/display/SimulatedDisplays.hpp"
+#include "simulation/mac/files/DefaultsFile.hpp"
+#include "simulation/mac/language/IcuLanguage.hpp"
 #include "ui/Node.hpp"
 
 #include <filesystem>
@@ -96,14 +96,14 @@ template <class Clocked> struct CoverMac {
 
     Clocked& scheduler;
     MainActor main{scheduler};
-    simulated::EventLog journal{scheduler};
+    simulation::EventLog journal{scheduler};
     PasscodeMac passcodes;
-    simulated::DefaultsFile defaults{passcodes.files, journal, passcodes.disk.path(), "pelma.Sentrel"};
+    simulation::DefaultsFile defaults{passcodes.files, journal, passcodes.disk.path(), "pelma.Sentrel"};
     SettingsStore settings{main, defaults};
-    simulated::SimulatedApplicationActivation activation;
-    simulated::SimulatedDisplays displays{scheduler, journal, activation};
-    simulated::SimulatedWallClock wallClock{scheduler, Date{800'000'000.0}};
-    simulated::IcuLanguage language{std::filesystem::path{SENTREL_SOURCE_DIR} / "resources", journal};
+    simulation::SimulatedApplicationActivation activation;
+    simulation::SimulatedDisplays displays{scheduler, journal, activation};
+    simulation::SimulatedWallClock wallClock{scheduler, Date{800'000'000.0}};
+    simulation::IcuLanguage language{std::filesystem::path{SENTREL_SOURCE_DIR} / "resources", journal};
     RememberingAlarm alarm;
     std::unique_ptr<ScreenCoverService> cover = makeService();
 };

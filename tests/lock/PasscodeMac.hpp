@@ -1,12 +1,12 @@
 #pragma once
 
 #include "lock/UnlockPasscodeStore.hpp"
-#include "platform/Cryptography.hpp"
-#include "platform/Random.hpp"
-#include "platform/posix/PosixFileSystem.hpp"
-#include "platform/simulated/OpenSslCryptography.hpp"
-#include "platform/simulated/SeededRandom.hpp"
-#include "platform/simulated/SimulatedKeychain.hpp"
+#include "ports/Cryptography.hpp"
+#include "ports/Random.hpp"
+#include "posix/PosixFileSystem.hpp"
+#include "simulation/mac/security/OpenSslCryptography.hpp"
+#include "simulation/mac/security/SeededRandom.hpp"
+#include "simulation/mac/security/SimulatedKeychain.hpp"
 #include "support/TemporaryFolder.hpp"
 
 #include <algorithm>
@@ -15,7 +15,7 @@
 namespace sentrel {
 
 /// Real cryptography that counts derivations, can fail them, and lets a story go on in the middle of one.
-class WatchedCryptography final : public platform::Cryptography {
+class WatchedCryptography final : public ports::Cryptography {
 public:
     [[nodiscard]] std::int32_t deriveKey(std::uint32_t algorithm, BytesView password, BytesView salt,
                                          std::uint32_t pseudoRandomFunction, std::uint32_t rounds,
@@ -31,7 +31,7 @@ public:
         }
         return real_.deriveKey(algorithm, password, salt, pseudoRandomFunction, rounds, key);
     }
-    [[nodiscard]] std::unique_ptr<platform::Sha256Context> makeSha256Context() override
+    [[nodiscard]] std::unique_ptr<ports::Sha256Context> makeSha256Context() override
     {
         if (meanwhile) {
             std::exchange(meanwhile, nullptr)();
@@ -44,12 +44,12 @@ public:
     std::function<void()> meanwhile;
 
 private:
-    simulated::OpenSslCryptography real_;
+    simulation::OpenSslCryptography real_;
 };
 
 /// The part of a simulated MacBook that a passcode touches.
 struct PasscodeMac {
-    using Store = simulated::KeychainStore;
+    using Store = simulation::KeychainStore;
     static constexpr auto current = Store::dataProtection;
     static constexpr auto legacy = Store::legacy;
 
@@ -76,10 +76,10 @@ struct PasscodeMac {
 
     TemporaryFolder disk;
     posix::PosixFileSystem files;
-    simulated::SimulatedKeychain keychain{files, disk.path() / "Keychain.json"};
+    simulation::SimulatedKeychain keychain{files, disk.path() / "Keychain.json"};
     WatchedCryptography cryptography;
-    simulated::SeededRandom random{1};
-    simulated::SeededRandom generalRandom{2};
+    simulation::SeededRandom random{1};
+    simulation::SeededRandom generalRandom{2};
     UnlockPasscodeStore store{keychain, cryptography, random, generalRandom};
 };
 

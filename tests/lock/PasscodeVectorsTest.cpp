@@ -43,7 +43,7 @@ TEST(PasscodeVectors, EveryPublishedKeyDerivationAgrees)
         GTEST_SKIP() << "the published vectors (../shared/data/crypto/pbkdf2.tsv) are not here";
     }
     ASSERT_GE(rows.size(), 70U);
-    simulated::OpenSslCryptography cryptography;
+    simulation::OpenSslCryptography cryptography;
     PasscodeMac mac;
     int records = 0;
     for (const Row& row : rows) {
@@ -74,7 +74,7 @@ TEST(PasscodeVectors, EveryChainedDigestAgrees)
         GTEST_SKIP() << "the published vectors (../shared/data/crypto/chained_sha256.tsv) are not here";
     }
     ASSERT_GE(rows.size(), 5U);
-    simulated::OpenSslCryptography cryptography;
+    simulation::OpenSslCryptography cryptography;
     const auto context = cryptography.makeSha256Context();
     PasscodeMac mac;
     int records = 0;
@@ -82,8 +82,8 @@ TEST(PasscodeVectors, EveryChainedDigestAgrees)
         const Bytes password = bytesOfHex(row.at(0));
         const Bytes salt = bytesOfHex(row.at(1));
         const Bytes expected = bytesOfHex(row.at(4));
-        Bytes digest(platform::sha256Length);
-        const auto bytes = std::span{digest}.first<platform::sha256Length>();
+        Bytes digest(ports::sha256Length);
+        const auto bytes = std::span{digest}.first<ports::sha256Length>();
         context->update(salt);
         context->update(password);
         context->finish(bytes);

@@ -1,13 +1,13 @@
 #include "lock/PasswordGate.hpp"
 
-#include "platform/Language.hpp"
-#include "platform/simulated/EventLog.hpp"
-#include "platform/simulated/SimulatedAlerts.hpp"
-#include "platform/simulated/SimulatedApplicationActivation.hpp"
-#include "platform/simulated/SimulatedLogin.hpp"
+#include "ports/Language.hpp"
 #include "runtime/MainActor.hpp"
 #include "runtime/ThreadScheduler.hpp"
 #include "runtime/VirtualScheduler.hpp"
+#include "simulation/EventLog.hpp"
+#include "simulation/mac/display/SimulatedAlerts.hpp"
+#include "simulation/mac/display/SimulatedApplicationActivation.hpp"
+#include "simulation/mac/security/SimulatedLogin.hpp"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -16,12 +16,12 @@ namespace sentrel {
 namespace {
 
 using namespace std::chrono_literals;
-using simulated::LoginAnswer;
+using simulation::LoginAnswer;
 using testing::ElementsAre;
 using testing::Optional;
 
 /// A language in which every text is marked, so that a text that wasn't looked up stands out.
-class MarkedLanguage final : public platform::Language {
+class MarkedLanguage final : public ports::Language {
 public:
     [[nodiscard]] std::string localized(std::string_view key) override { return "<" + std::string{key} + ">"; }
     [[nodiscard]] bool containsIgnoringCase(std::string_view text, std::string_view part) override
@@ -43,10 +43,10 @@ template <class Clocked> struct GateOn {
 
     Clocked& scheduler;
     MainActor main{scheduler};
-    simulated::EventLog journal{scheduler};
-    simulated::SimulatedLogin login{scheduler, journal};
-    simulated::SimulatedApplicationActivation activation;
-    simulated::SimulatedAlerts alerts{scheduler, activation};
+    simulation::EventLog journal{scheduler};
+    simulation::SimulatedLogin login{scheduler, journal};
+    simulation::SimulatedApplicationActivation activation;
+    simulation::SimulatedAlerts alerts{scheduler, activation};
     MarkedLanguage language;
     PasswordGate gate{login, alerts, activation, language};
 };

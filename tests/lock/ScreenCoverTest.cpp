@@ -1,5 +1,5 @@
 #include "lock/CoverMac.hpp"
-#include "platform/WindowConstants.hpp"
+#include "ports/WindowConstants.hpp"
 #include "runtime/ThreadScheduler.hpp"
 #include "runtime/VirtualScheduler.hpp"
 #include "ui/Description.hpp"
@@ -73,7 +73,7 @@ TEST_F(ScreenCoverTest, LiesOverEveryDisplayAndOverEverythingOnIt)
         EXPECT_EQ(cover.collectionBehavior, 337U);
         EXPECT_FALSE(cover.hasShadow);
         EXPECT_FALSE(cover.isReleasedWhenClosed);
-        EXPECT_EQ(cover.hostFrame, (platform::Rectangle{0, 0, cover.frame.width, cover.frame.height}));
+        EXPECT_EQ(cover.hostFrame, (ports::Rectangle{0, 0, cover.frame.width, cover.frame.height}));
         EXPECT_EQ(cover.hostAutoresizing, 18U);
         EXPECT_EQ(cover.isKey, index == 0);
     }
@@ -96,8 +96,8 @@ TEST_F(ScreenCoverTest, TheKeyboardLeadsNowhereElseUntilThePasscodeHasBeenTyped)
 {
     const auto disabled = [&] {
         std::vector<bool> answers;
-        for (const auto option : {platform::disablesProcessSwitching, platform::disablesForceQuit,
-                                  platform::disablesSessionTermination, platform::hidesMenuBar}) {
+        for (const auto option : {ports::disablesProcessSwitching, ports::disablesForceQuit,
+                                  ports::disablesSessionTermination, ports::hidesMenuBar}) {
             answers.push_back(mac_.activation.isDisabled(option));
         }
         return answers;
@@ -445,7 +445,7 @@ TEST(ScreenCoverOnThreads, AnOwnerThatDiesWaitsForTheCheckThatIsRunning)
         isDying.wait(false);
         // Long enough for an owner that does not wait to be gone first.
         SecretBytes key{passcodeKeyLength};
-        simulated::OpenSslCryptography slow;
+        simulation::OpenSslCryptography slow;
         EXPECT_EQ(slow.deriveKey(2, {}, key.view(), 3, 210'000, key.writable()), 0);
         hasEnded = true;
     };

@@ -7,7 +7,7 @@
 namespace sentrel {
 namespace {
 
-using simulated::SimulatedKeychain;
+using simulation::SimulatedKeychain;
 using testing::ElementsAre;
 using testing::Optional;
 using namespace std::string_view_literals;
@@ -266,7 +266,7 @@ TEST(UnlockPasscodeStore, AFailedDerivationMakesNoRecordAndMatchesNothing)
 TEST(UnlockPasscodeStore, ASaltComesFromTheGeneralGeneratorWhenTheSystemHasNoRandomBytes)
 {
     const auto sixteenBytesOf = [](std::uint64_t seed) {
-        simulated::SeededRandom random{seed};
+        simulation::SeededRandom random{seed};
         UnlockPasscodeStore::Salt bytes{};
         std::ranges::generate(bytes, [&random] { return random.nextByte(); });
         return bytes;

@@ -1,13 +1,13 @@
 #include "outputs/AlarmSoundPlayer.hpp"
-#include "platform/simulated/EventLog.hpp"
-#include "platform/simulated/HangingCalls.hpp"
-#include "platform/simulated/IcuLanguage.hpp"
-#include "platform/simulated/SimulatedAudio.hpp"
-#include "platform/simulated/SimulatedAudioEngines.hpp"
-#include "platform/simulated/SimulatedInput.hpp"
-#include "platform/simulated/SimulatedMusic.hpp"
 #include "runtime/ThreadScheduler.hpp"
 #include "runtime/VirtualScheduler.hpp"
+#include "simulation/EventLog.hpp"
+#include "simulation/HangingCalls.hpp"
+#include "simulation/mac/language/IcuLanguage.hpp"
+#include "simulation/mac/music/SimulatedInput.hpp"
+#include "simulation/mac/music/SimulatedMusic.hpp"
+#include "simulation/mac/sound/SimulatedAudio.hpp"
+#include "simulation/mac/sound/SimulatedAudioEngines.hpp"
 #include "support/MemoryDefaults.hpp"
 
 #include <gmock/gmock.h>
@@ -21,8 +21,8 @@ namespace sentrel {
 namespace {
 
 using namespace std::chrono_literals;
-using simulated::Event;
-using simulated::Sounding;
+using simulation::Event;
+using simulation::Sounding;
 using test::MemoryDefaults;
 using testing::Each;
 using testing::ElementsAre;
@@ -33,20 +33,20 @@ constexpr const char* noDevice = "No audio output device was found. The alarm is
 constexpr const char* noTone = "The alarm tone couldn't start. The alarm is using the system beep.";
 
 /// Remembers what each beep was heard on.
-class CountedBeep final : public platform::SystemBeep {
+class CountedBeep final : public ports::SystemBeep {
 public:
-    explicit CountedBeep(simulated::SimulatedAudio& audio) : audio_(audio) {}
+    explicit CountedBeep(simulation::SimulatedAudio& audio) : audio_(audio) {}
     void beep() override { outputs.push_back(audio_.defaultOutput()); }
 
-    std::vector<std::optional<platform::AudioObjectId>> outputs;
+    std::vector<std::optional<ports::AudioObjectId>> outputs;
 
 private:
-    simulated::SimulatedAudio& audio_;
+    simulation::SimulatedAudio& audio_;
 };
 
-std::vector<simulated::AudioDevice> speakerAndHeadphones()
+std::vector<simulation::AudioDevice> speakerAndHeadphones()
 {
-    std::vector<simulated::AudioDevice> devices(2);
+    std::vector<simulation::AudioDevice> devices(2);
     devices[0].id = 73;
     devices[0].uid = "BuiltInSpeakerDevice";
     devices[0].addControls({0}, 0.3F, true);
@@ -71,14 +71,14 @@ struct Machine {
                audio.device(91)->controls == wanted[1].controls;
     }
 
-    simulated::EventLog log;
-    simulated::SimulatedAudio audio;
-    simulated::Speaker speaker;
-    simulated::SimulatedAudioEngines engines{speaker, audio};
+    simulation::EventLog log;
+    simulation::SimulatedAudio audio;
+    simulation::Speaker speaker;
+    simulation::SimulatedAudioEngines engines{speaker, audio};
     CountedBeep beep{audio};
-    simulated::SimulatedMusic music{log};
-    simulated::SimulatedInput input{[this] { music.togglePlayback(); }};
-    simulated::IcuLanguage language{"no such folder", log};
+    simulation::SimulatedMusic music{log};
+    simulation::SimulatedInput input{[this] { music.togglePlayback(); }};
+    simulation::IcuLanguage language{"no such folder", log};
     MemoryDefaults defaults;
 };
 
@@ -117,8 +117,8 @@ struct LoudMac : HardwareTime, Machine {
     std::unique_ptr<AlarmSoundPlayer>& player = sound.player;
     std::vector<std::string>& messages = sound.messages;
 
-    simulated::HangingCalls hanging{clock, scheduler}; // last: what hangs comes back before the rest goes
-    simulated::PortCalls calls{&hanging};
+    simulation::HangingCalls hanging{clock, scheduler}; // last: what hangs comes back before the rest goes
+    simulation::PortCalls calls{&hanging};
 
     LoudMac() : Machine(hardware)
     {
@@ -129,8 +129,8 @@ struct LoudMac : HardwareTime, Machine {
 
     void playMusic()
     {
-        music.setPlayback(simulated::SimulatedMusic::Playback::playing);
-        music.setConsent(simulated::SimulatedMusic::Consent::granted);
+        music.setPlayback(simulation::SimulatedMusic::Playback::playing);
+        music.setConsent(simulation::SimulatedMusic::Consent::granted);
     }
 };
 
@@ -287,7 +287,7 @@ TEST(AlarmSound, MakesLoudWhatTheSystemDoesNotRefuse)
 {
     struct Case {
         const char* refused;
-        std::optional<platform::AudioObjectId> defaultOutput;
+        std::optional<ports::AudioObjectId> defaultOutput;
         float volume;
         bool isMuted;
     };
@@ -319,7 +319,7 @@ TEST(AlarmSound, PausesMusicBeforeAndAfterTheTakeOver)
         if (operation == "runScript" || (port == "audio" && operation == "writeUInt32" && order.size() == 1)) {
             order.emplace_back(operation);
         }
-        return simulated::PortCalls::Fate::passes;
+        return simulation::PortCalls::Fate::passes;
     });
     mac.player->play(0.8F);
     mac.clock.runReady();
@@ -367,7 +367,7 @@ TEST(AlarmSound, WaitsForMusicAtMostHalfASecond)
         EXPECT_EQ(mac.speaker.sounding().empty(), hangs);
         mac.clock.advance(hangs ? 1ms : 0ms);
         EXPECT_EQ(mac.speaker.sounding().size(), 1U);
-        EXPECT_EQ(mac.music.playback(), simulated::SimulatedMusic::Playback::paused) << "the second try catches it";
+        EXPECT_EQ(mac.music.playback(), simulation::SimulatedMusic::Playback::paused) << "the second try catches it";
 
         mac.player->stopAndWait();
         EXPECT_TRUE(mac.isAsBefore()) << "when the call returns";
@@ -384,7 +384,7 @@ TEST(AlarmSound, IsUndoneOnceAtTheLaunchAfterACrash)
     EXPECT_THAT(mac.speaker.sounding(), IsEmpty());
     EXPECT_FALSE(mac.isAsBefore());
 
-    std::optional<platform::AudioObjectId> outputAtRemoval;
+    std::optional<ports::AudioObjectId> outputAtRemoval;
     mac.defaults.onRemove = [&] { outputAtRemoval = mac.audio.defaultOutput(); };
     mac.sound.launch();
     mac.player->restoreLeftoverState();

@@ -1,12 +1,12 @@
 #include "outputs/CameraCapture.hpp"
 #include "outputs/PhotoProcessing.hpp"
-#include "platform/simulated/EventLog.hpp"
-#include "platform/simulated/HangingCalls.hpp"
-#include "platform/simulated/SimulatedCamera.hpp"
-#include "platform/simulated/SimulatedWallClock.hpp"
 #include "runtime/MainActor.hpp"
 #include "runtime/ThreadScheduler.hpp"
 #include "runtime/VirtualScheduler.hpp"
+#include "simulation/EventLog.hpp"
+#include "simulation/HangingCalls.hpp"
+#include "simulation/mac/SimulatedWallClock.hpp"
+#include "simulation/mac/camera/SimulatedCamera.hpp"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -17,18 +17,18 @@ namespace sentrel {
 namespace {
 
 using namespace std::chrono_literals;
-using platform::CaptureAuthorization;
-using simulated::CameraModel;
-using simulated::PortCalls;
+using ports::CaptureAuthorization;
+using simulation::CameraModel;
+using simulation::PortCalls;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-using Rgba = platform::ImageCodec::Rgba;
+using Rgba = ports::ImageCodec::Rgba;
 constexpr Rgba dark{10, 10, 10, 255};
 constexpr Rgba bright{120, 120, 120, 255};
 
 /// Sees in each photo the next of the given colours, then bright ones; its thumbnails encode to what a test says.
-class ScriptedCodec final : public platform::ImageCodec {
+class ScriptedCodec final : public ports::ImageCodec {
 public:
     std::deque<std::optional<Rgba>> averages;
     std::optional<Bytes> encoded = Bytes{1};
@@ -43,20 +43,20 @@ public:
         }
         return average;
     }
-    std::optional<platform::PixelSize> pixelSize(BytesView) override { return platform::PixelSize{1600, 900}; }
-    std::unique_ptr<platform::Image> createThumbnail(BytesView, std::uint32_t size, bool transform) override
+    std::optional<ports::PixelSize> pixelSize(BytesView) override { return ports::PixelSize{1600, 900}; }
+    std::unique_ptr<ports::Image> createThumbnail(BytesView, std::uint32_t size, bool transform) override
     {
         maxPixelSize = size;
-        return hasThumbnail && transform ? std::make_unique<platform::Image>() : nullptr;
+        return hasThumbnail && transform ? std::make_unique<ports::Image>() : nullptr;
     }
-    std::optional<Bytes> encode(const platform::Image&, const std::string& type, double quality) override
+    std::optional<Bytes> encode(const ports::Image&, const std::string& type, double quality) override
     {
         return type == "public.jpeg" && quality == 0.7 ? encoded : std::nullopt;
     }
     std::optional<Bytes> jpegRepresentation(BytesView) override { return std::nullopt; }
 };
 
-class PrintedLines final : public platform::StandardOutput {
+class PrintedLines final : public ports::StandardOutput {
 public:
     std::vector<std::string> lines;
     void printLine(std::string_view text) override { lines.emplace_back(text); }
@@ -91,9 +91,9 @@ protected:
     const Bytes photo{1, 2, 3};
     VirtualClock clock;
     VirtualScheduler scheduler{clock};
-    simulated::SimulatedWallClock wallClock{scheduler, Date{0}};
-    simulated::SimulatedCamera camera{scheduler, wallClock};
-    simulated::EventLog log{scheduler};
+    simulation::SimulatedWallClock wallClock{scheduler, Date{0}};
+    simulation::SimulatedCamera camera{scheduler, wallClock};
+    simulation::EventLog log{scheduler};
     ScriptedCodec codec;
     PrintedLines output;
     std::vector<std::optional<Bytes>> results;
@@ -298,7 +298,7 @@ TEST_F(CameraCaptureTest, WhicheverCallRaisesTheCompletionIsCalledOnceAndTheCame
 {
     std::size_t number = 0;
     std::size_t seen = 0;
-    simulated::PortCalls calls;
+    simulation::PortCalls calls;
     camera.faults().connect(calls, "camera");
     calls.decideBy([&](auto, auto) { return seen++ == number ? PortCalls::Fate::raises : PortCalls::Fate::passes; });
     for (bool isStruck = true; isStruck; ++number) {
@@ -330,8 +330,8 @@ Async<void> takePhoto(CameraCapture& service, std::optional<Bytes>& jpeg, int& f
 
 TEST_F(CameraCaptureTest, ACameraThatHangsIsWaitedForThirtySecondsOnce)
 {
-    simulated::HangingCalls hanging{clock, scheduler};
-    simulated::PortCalls calls{&hanging};
+    simulation::HangingCalls hanging{clock, scheduler};
+    simulation::PortCalls calls{&hanging};
     camera.faults().connect(calls, "camera");
     calls.prepareToHang();
     calls.decideBy([](auto, std::string_view operation) {
@@ -433,11 +433,11 @@ Async<void> takePhotoThenStop(CameraCapture& service, std::optional<Bytes>& jpeg
 TEST(CameraCaptureOnThreads, APhotoComesBackToTheMainThread)
 {
     ThreadScheduler scheduler;
-    simulated::SimulatedWallClock wallClock{scheduler, Date{0}};
-    simulated::SimulatedCamera camera{scheduler, wallClock};
+    simulation::SimulatedWallClock wallClock{scheduler, Date{0}};
+    simulation::SimulatedCamera camera{scheduler, wallClock};
     camera.setDevices({CameraModel{}});
     camera.setPhotoFile(Bytes{1, 2});
-    simulated::EventLog log{scheduler};
+    simulation::EventLog log{scheduler};
     ScriptedCodec codec;
     PrintedLines output;
     std::optional<Bytes> jpeg;

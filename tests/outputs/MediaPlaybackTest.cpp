@@ -1,10 +1,10 @@
 #include "outputs/MediaPlayback.hpp"
-#include "platform/simulated/EventLog.hpp"
-#include "platform/simulated/SimulatedInput.hpp"
-#include "platform/simulated/SimulatedMusic.hpp"
 #include "runtime/Detached.hpp"
 #include "runtime/SerialQueue.hpp"
 #include "runtime/VirtualScheduler.hpp"
+#include "simulation/EventLog.hpp"
+#include "simulation/mac/music/SimulatedInput.hpp"
+#include "simulation/mac/music/SimulatedMusic.hpp"
 
 #include <gtest/gtest.h>
 
@@ -14,15 +14,15 @@ namespace sentrel {
 namespace {
 
 using namespace std::chrono_literals;
-using Consent = simulated::SimulatedMusic::Consent;
-using Playback = simulated::SimulatedMusic::Playback;
+using Consent = simulation::SimulatedMusic::Consent;
+using Playback = simulation::SimulatedMusic::Playback;
 
 struct MusicalMac {
     VirtualClock clock;
     VirtualScheduler hardware{clock};
-    simulated::EventLog log{hardware};
-    simulated::SimulatedMusic music{log};
-    simulated::SimulatedInput input{[this] { music.togglePlayback(); }};
+    simulation::EventLog log{hardware};
+    simulation::SimulatedMusic music{log};
+    simulation::SimulatedInput input{[this] { music.togglePlayback(); }};
     VirtualScheduler scheduler{clock}; // ends the tasks that ask the music, before the music goes
     std::unique_ptr<MediaPlayback> media = std::make_unique<MediaPlayback>(MainActor{scheduler}, music, music, input);
     SerialQueue queue{scheduler, "test", QualityOfService::standard};

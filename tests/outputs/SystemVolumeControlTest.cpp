@@ -1,8 +1,8 @@
 #include "outputs/SystemVolumeControl.hpp"
-#include "platform/simulated/EventLog.hpp"
-#include "platform/simulated/IcuLanguage.hpp"
-#include "platform/simulated/SimulatedAudio.hpp"
 #include "runtime/VirtualScheduler.hpp"
+#include "simulation/EventLog.hpp"
+#include "simulation/mac/language/IcuLanguage.hpp"
+#include "simulation/mac/sound/SimulatedAudio.hpp"
 
 #include <gtest/gtest.h>
 
@@ -12,10 +12,10 @@
 namespace sentrel {
 namespace {
 
-using simulated::AudioControl;
-using simulated::AudioDevice;
+using simulation::AudioControl;
+using simulation::AudioDevice;
 
-AudioDevice makeDevice(platform::AudioObjectId id, std::string name, std::string uid, float volume = 0.5F,
+AudioDevice makeDevice(ports::AudioObjectId id, std::string name, std::string uid, float volume = 0.5F,
                        bool isMuted = false)
 {
     AudioDevice device;
@@ -36,12 +36,12 @@ AudioDevice with(AudioDevice device, std::uint32_t transport, std::vector<std::u
 struct SoundingMac {
     VirtualClock clock;
     VirtualScheduler scheduler{clock};
-    simulated::EventLog log{scheduler};
-    simulated::IcuLanguage language{"no such folder", log};
-    simulated::SimulatedAudio audio;
+    simulation::EventLog log{scheduler};
+    simulation::IcuLanguage language{"no such folder", log};
+    simulation::SimulatedAudio audio;
     SystemVolumeControl control{audio, language};
 
-    SoundingMac(std::vector<AudioDevice> devices, std::optional<platform::AudioObjectId> defaultOutput)
+    SoundingMac(std::vector<AudioDevice> devices, std::optional<ports::AudioObjectId> defaultOutput)
         : audio(log, std::move(devices), defaultOutput)
     {
     }
@@ -61,7 +61,7 @@ TEST(SystemVolumeControl, FindsTheBuiltInSpeakerByItsIdentifierItsNameOrItsPlace
     const auto usbSpeaker = with(makeDevice(12, "USB Speaker", "BuiltInSpeakerLookalike"), usb, {2});
     struct Case {
         std::vector<AudioDevice> devices;
-        std::optional<platform::AudioObjectId> speaker;
+        std::optional<ports::AudioObjectId> speaker;
     };
     const std::vector<Case> cases{
         {{headphones, speakerByUid}, 73},
@@ -92,7 +92,7 @@ TEST(SystemVolumeControl, TakesTheSpeakerOverAndPutsEverythingBack)
 {
     struct Case {
         const char* what;
-        std::optional<platform::AudioObjectId> defaultOutput;
+        std::optional<ports::AudioObjectId> defaultOutput;
         bool speakerMuted;
         bool headphonesMuted;
         SavedOutputState state;
@@ -147,7 +147,7 @@ TEST(SystemVolumeControl, UsesWhateverControlsADeviceHas)
     EXPECT_TRUE(mac.control.isMuted(74));
     EXPECT_FALSE(mac.control.isMuted(75));
 
-    for (const platform::AudioObjectId device : {73U, 74U, 75U, 99U}) {
+    for (const ports::AudioObjectId device : {73U, 74U, 75U, 99U}) {
         mac.control.enforce(device, 1.5F);
     }
     const decltype(plain.controls) plainAfter{{{AudioControl::volumeScalar, 0}, 1.0F}};

@@ -1,8 +1,8 @@
 #include "sensors/LidMonitor.hpp"
-#include "platform/simulated/EventLog.hpp"
-#include "platform/simulated/SimulatedLid.hpp"
-#include "platform/simulated/SimulatedWorkspace.hpp"
 #include "runtime/VirtualScheduler.hpp"
+#include "simulation/EventLog.hpp"
+#include "simulation/mac/display/SimulatedWorkspace.hpp"
+#include "simulation/mac/power/SimulatedLid.hpp"
 
 #include <gtest/gtest.h>
 
@@ -16,9 +16,9 @@ using namespace std::chrono_literals;
 struct LiddedMac {
     VirtualClock clock;
     VirtualScheduler scheduler{clock};
-    simulated::EventLog log{scheduler};
-    simulated::SimulatedLid lid{log};
-    simulated::SimulatedWorkspace workspace{scheduler, log};
+    simulation::EventLog log{scheduler};
+    simulation::SimulatedLid lid{log};
+    simulation::SimulatedWorkspace workspace{scheduler, log};
     LidMonitor monitor{MainActor{scheduler}, lid, workspace};
     int closed = 0;
 

@@ -1,9 +1,9 @@
 #include "sensors/MotionMonitor.hpp"
-#include "platform/simulated/EventLog.hpp"
-#include "platform/simulated/SimulatedAccelerometer.hpp"
-#include "platform/simulated/SimulatedWallClock.hpp"
 #include "runtime/ThreadScheduler.hpp"
 #include "runtime/VirtualScheduler.hpp"
+#include "simulation/EventLog.hpp"
+#include "simulation/mac/SimulatedWallClock.hpp"
+#include "simulation/mac/motion/SimulatedAccelerometer.hpp"
 #include "support/AllocationCounter.hpp"
 
 #include <gtest/gtest.h>
@@ -24,9 +24,9 @@ using namespace std::chrono_literals;
 struct MovableMac {
     VirtualClock clock;
     VirtualScheduler scheduler{clock};
-    simulated::EventLog log{scheduler};
-    simulated::SimulatedWallClock wallClock{scheduler, Date{1000.0}};
-    simulated::SimulatedAccelerometer accelerometer{scheduler, log, 1};
+    simulation::EventLog log{scheduler};
+    simulation::SimulatedWallClock wallClock{scheduler, Date{1000.0}};
+    simulation::SimulatedAccelerometer accelerometer{scheduler, log, 1};
     std::unique_ptr<MotionMonitor> monitor =
         std::make_unique<MotionMonitor>(MainActor{scheduler}, accelerometer, wallClock);
     int moved = 0;
@@ -172,8 +172,8 @@ void giveWay()
 TEST(ThreadsMotion, StartsAndStopsWhileSamplesStream)
 {
     ThreadScheduler scheduler;
-    simulated::EventLog log{scheduler};
-    simulated::SimulatedAccelerometer accelerometer{scheduler, log, 1};
+    simulation::EventLog log{scheduler};
+    simulation::SimulatedAccelerometer accelerometer{scheduler, log, 1};
     std::atomic<int> received = 0;
     std::atomic<bool> isStreaming = true;
     std::thread shaking{[&] {
@@ -203,31 +203,28 @@ TEST(ThreadsMotion, StartsAndStopsWhileSamplesStream)
 }
 
 /// A sensor that opens a latch when its client has been called off.
-class LatchedSensor final : public platform::HidEventSystem {
+class LatchedSensor final : public ports::HidEventSystem {
 public:
     explicit LatchedSensor(Latch& calledOff) : calledOff_(calledOff) {}
-    [[nodiscard]] std::unique_ptr<platform::HidClient> createClient() override
-    {
-        return std::make_unique<Client>(*this);
-    }
+    [[nodiscard]] std::unique_ptr<ports::HidClient> createClient() override { return std::make_unique<Client>(*this); }
 
     SerialQueue* queue = nullptr;
-    std::function<void(const platform::HidEvent*)> received;
+    std::function<void(const ports::HidEvent*)> received;
 
 private:
-    struct Service final : platform::HidService {
+    struct Service final : ports::HidService {
         bool setProperty(const std::string& /*key*/, std::int64_t /*value*/) override { return true; }
     };
-    struct Client final : platform::HidClient {
+    struct Client final : ports::HidClient {
         explicit Client(LatchedSensor& itsSensor) : sensor(itsSensor) {}
         void setMatching(const std::map<std::string, std::int64_t>& /*matching*/) override {}
-        [[nodiscard]] std::optional<std::vector<std::unique_ptr<platform::HidService>>> copyServices() override
+        [[nodiscard]] std::optional<std::vector<std::unique_ptr<ports::HidService>>> copyServices() override
         {
-            std::vector<std::unique_ptr<platform::HidService>> services;
+            std::vector<std::unique_ptr<ports::HidService>> services;
             services.push_back(std::make_unique<Service>());
             return services;
         }
-        void registerEventCallback(std::function<void(const platform::HidEvent*)> callback) override
+        void registerEventCallback(std::function<void(const ports::HidEvent*)> callback) override
         {
             sensor.received = std::move(callback);
         }
@@ -240,7 +237,7 @@ private:
     Latch& calledOff_;
 };
 
-struct StillEvent final : platform::HidEvent {
+struct StillEvent final : ports::HidEvent {
     [[nodiscard]] std::uint32_t type() const override { return 13; }
     [[nodiscard]] double floatValue(std::uint32_t /*field*/) const override { return 0.0; }
 };

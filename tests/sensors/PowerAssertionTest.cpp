@@ -1,7 +1,7 @@
 #include "sensors/PowerAssertion.hpp"
-#include "platform/simulated/EventLog.hpp"
-#include "platform/simulated/SimulatedAssertions.hpp"
 #include "runtime/VirtualScheduler.hpp"
+#include "simulation/EventLog.hpp"
+#include "simulation/mac/power/SimulatedAssertions.hpp"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -16,8 +16,8 @@ TEST(PowerAssertion, IsHeldOnceHoweverOftenItIsAcquiredAndAskedForAgainAfterARef
 {
     VirtualClock clock;
     VirtualScheduler scheduler{clock};
-    simulated::EventLog log{scheduler};
-    simulated::SimulatedAssertions assertions{log};
+    simulation::EventLog log{scheduler};
+    simulation::SimulatedAssertions assertions{log};
     {
         PowerAssertion assertion{assertions};
         assertion.release();

@@ -1,7 +1,7 @@
 #include "sensors/PowerMonitor.hpp"
-#include "platform/simulated/EventLog.hpp"
-#include "platform/simulated/SimulatedPower.hpp"
 #include "runtime/VirtualScheduler.hpp"
+#include "simulation/EventLog.hpp"
+#include "simulation/mac/power/SimulatedPower.hpp"
 
 #include <gtest/gtest.h>
 
@@ -12,13 +12,13 @@ namespace sentrel {
 namespace {
 
 using namespace std::chrono_literals;
-using simulated::PowerSource;
+using simulation::PowerSource;
 
 struct PluggedMac {
     VirtualClock clock;
     VirtualScheduler scheduler{clock};
-    simulated::EventLog log{scheduler};
-    simulated::SimulatedPower power{scheduler, log};
+    simulation::EventLog log{scheduler};
+    simulation::SimulatedPower power{scheduler, log};
     std::unique_ptr<PowerMonitor> monitor = std::make_unique<PowerMonitor>(MainActor{scheduler}, power);
     int unplugged = 0;
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/UserDefaults.hpp"
+#include "ports/UserDefaults.hpp"
 
 #include <functional>
 #include <map>
@@ -10,7 +10,7 @@
 namespace sentrel::test {
 
 /// User defaults without a disk. Any thread.
-class MemoryDefaults final : public platform::UserDefaults {
+class MemoryDefaults final : public ports::UserDefaults {
 public:
     /// Called before each removal.
     std::function<void()> onRemove = [] {};

@@ -1,0 +1,267 @@
+#include "core/coordinator/AlarmCoordinator.hpp"
+
+#include "cloud/AsyncTimeout.hpp"
+#include "cloud/MacPresenceService.hpp"
+#include "foundation/Quietly.hpp"
+#include "lock/ScreenCoverService.hpp"
+#include "outputs/AlarmSoundPlayer.hpp"
+#include "outputs/CameraCapture.hpp"
+#include "outputs/MediaPlayback.hpp"
+#include "ports/Journal.hpp"
+#include "ports/Language.hpp"
+#include "runtime/AssertOnMainActor.hpp"
+#include "runtime/CurrentTask.hpp"
+#include "runtime/Detached.hpp"
+#include "runtime/Sleep.hpp"
+
+#include <chrono>
+#include <utility>
+
+// Arming, disarming and status. What follows a trigger is in AlertPipeline.cpp.
+
+namespace sentrel {
+
+using namespace std::chrono_literals;
+
+namespace {
+
+/// The lock screen waits no longer than this for the music's preparation, which may be asking the user something.
+constexpr Duration longestPreparation = 10s;
+
+} // namespace
+
+AlarmCoordinator::AlarmCoordinator(MainActor actor, bool isCompatibleComputer, Collaborators collaborators, Ports ports)
+    : actor_(actor),
+      isCompatibleComputer_(isCompatibleComputer),
+      with_(collaborators),
+      ports_(ports),
+      powerMonitor_(actor, ports.powerSources),
+      lidMonitor_(actor, ports.deviceRegistry, ports.workspaceNotifications),
+      motionMonitor_(actor, ports.hidEvents, ports.wallClock),
+      armedPowerAssertion_(ports.powerAssertions),
+      alarmPowerAssertion_(ports.powerAssertions)
+{
+    statusMessage = localized("Disarmed");
+    with_.soundPlayer.onPlaybackDegraded = [weak = anchor_.weak()](const std::string& message) {
+        if (AlarmCoordinator* const self = weak.get()) {
+            self->lastError = message;
+        }
+    };
+}
+
+void AlarmCoordinator::syncWithSettings(const AlarmSettings& settings)
+{
+    assertOnMainActor(actor_);
+    if (isCompatibleComputer_ && settings.isArmed) {
+        if (isArmed) {
+            applyTriggerSettings(settings);
+            updateScreenGuard(settings);
+        } else {
+            arm(settings);
+        }
+    } else {
+        disarm();
+    }
+    if (isCompatibleComputer_) {
+        tasks_.add(actor_.spawn(with_.presence.publishState()));
+    }
+}
+
+void AlarmCoordinator::arm(const AlarmSettings& settings)
+{
+    assertOnMainActor(actor_);
+    if (!isCompatibleComputer_ || isArmed) {
+        return;
+    }
+    isArmed = true;
+    isAlarmActive = false;
+    lastError = std::nullopt;
+    statusMessage = localized("Armed");
+    quietly([this] { armedPowerAssertion_.acquire("Sentrel is armed and monitoring"); });
+    Task<void> preparation =
+        detached(actor_.scheduler(), QualityOfService::utility, prepareMediaPlayback(settings.alarmSound));
+    tasks_.add(preparation);
+    applyTriggerSettings(settings);
+    cancelScreenGuard();
+    if (settings.lockScreenOnArm) {
+        startScreenGuard(std::move(preparation), settings.lockScreenSleepDelay);
+    }
+}
+
+void AlarmCoordinator::disarm()
+{
+    assertOnMainActor(actor_);
+    isArmed = false;
+    isAlarmActive = false;
+    lastTrigger = std::nullopt;
+    statusMessage = localized("Disarmed");
+    cameraWarning = std::nullopt;
+    motionWarning = std::nullopt;
+    cancelScreenGuard();
+    armedPowerAssertion_.release();
+    stopMonitors();
+    powerMonitor_.onUnplugged = nullptr;
+    lidMonitor_.onLidClosed = nullptr;
+    motionMonitor_.onMotionDetected = nullptr;
+    with_.soundPlayer.stop();
+}
+
+void AlarmCoordinator::applyTriggerSettings(const AlarmSettings& settings)
+{
+    assertOnMainActor(actor_);
+    stopMonitors();
+    powerMonitor_.onUnplugged = triggerCallback(settings.triggerOnUnplugged, TriggerReason::unplugged);
+    lidMonitor_.onLidClosed = triggerCallback(settings.triggerOnLidClosed, TriggerReason::lidClosed);
+    motionMonitor_.onMotionDetected = triggerCallback(settings.triggerOnMotion, TriggerReason::motion);
+    // A sensor that raises must not keep the others from watching.
+    if (settings.triggerOnUnplugged) {
+        quietly([this] { powerMonitor_.start(); });
+    }
+    if (settings.triggerOnLidClosed) {
+        quietly([this] { lidMonitor_.start(); });
+    }
+    if (settings.triggerOnMotion) {
+        quietly([&] { motionMonitor_.start(settings.motionSensitivity); });
+    }
+    refreshMotionWarning(settings);
+    if (settings.capturePhoto) {
+        tasks_.add(actor_.spawn(refreshCameraWarning()));
+    } else {
+        cameraWarning = std::nullopt;
+    }
+}
+
+void AlarmCoordinator::updateScreenGuard(const AlarmSettings& settings)
+{
+    assertOnMainActor(actor_);
+    if (!settings.lockScreenOnArm) {
+        cancelScreenGuard();
+    } else if (!screenGuardTask_) {
+        startScreenGuard(std::nullopt, settings.lockScreenSleepDelay);
+    }
+}
+
+void AlarmCoordinator::refreshAccelerometer()
+{
+    assertOnMainActor(actor_);
+    // One that has come since doesn't take the warning back: nobody listens to it before the watch starts anew.
+    if (!motionMonitor_.refreshAvailability() && isArmed) {
+        refreshMotionWarning(with_.settings.settings());
+    }
+}
+
+std::string AlarmCoordinator::localized(std::string_view text)
+{
+    const std::string translated = quietly([&] { return ports_.language.localized(text); });
+    return translated.empty() ? std::string{text} : translated;
+}
+
+std::function<void()> AlarmCoordinator::triggerCallback(bool isWanted, TriggerReason reason)
+{
+    if (!isWanted) {
+        return nullptr;
+    }
+    return [actor = actor_, weak = anchor_.weak(), reason] { actor.spawn(deliver(weak, reason)); };
+}
+
+Async<void> AlarmCoordinator::deliver(Weak<AlarmCoordinator> weak, TriggerReason reason)
+{
+    if (AlarmCoordinator* const self = weak.get()) {
+        self->trigger(reason);
+    }
+    co_return;
+}
+
+void AlarmCoordinator::stopMonitors()
+{
+    powerMonitor_.stop();
+    lidMonitor_.stop();
+    motionMonitor_.stop();
+}
+
+void AlarmCoordinator::refreshMotionWarning(const AlarmSettings& settings)
+{
+    if (settings.triggerOnMotion && !motionMonitor_.isAccelerometerAvailable()) {
+        motionWarning = localized("Motion detection is unavailable on this Mac.");
+    } else {
+        motionWarning = std::nullopt;
+    }
+}
+
+Async<void> AlarmCoordinator::refreshCameraWarning()
+{
+    const bool isGranted = co_await with_.camera.requestAccess();
+    if (!isArmed || !with_.settings.settings().capturePhoto) {
+        co_return;
+    }
+    if (isGranted) {
+        cameraWarning = std::nullopt;
+    } else {
+        cameraWarning = localized("Camera access is denied. Alert photos can't be captured.");
+    }
+}
+
+namespace {
+
+Async<void> nothing()
+{
+    co_return;
+}
+
+} // namespace
+
+Async<void> AlarmCoordinator::prepareMediaPlayback(bool alarmSound)
+{
+    // Made here and run off the main thread: the coroutine keeps to itself what it needs.
+    return alarmSound ? with_.mediaPlayback.requestAutomationConsent() : nothing();
+}
+
+void AlarmCoordinator::startScreenGuard(std::optional<Task<void>> preparation, double delay)
+{
+    screenGuardTask_ = actor_.spawn(guardScreen(std::move(preparation), delay));
+    tasks_.add(*screenGuardTask_);
+}
+
+void AlarmCoordinator::cancelScreenGuard()
+{
+    if (screenGuardTask_) {
+        screenGuardTask_->cancel();
+        screenGuardTask_.reset();
+    }
+}
+
+namespace {
+
+Async<void> finishOf(Task<void> task)
+{
+    co_await task;
+}
+
+} // namespace
+
+Async<void> AlarmCoordinator::guardScreen(std::optional<Task<void>> preparation, double delay)
+{
+    try {
+        if (preparation) {
+            co_await AsyncTimeout::run(actor_, longestPreparation, finishOf(*preparation));
+        }
+    } catch (...) {
+        // Late, failed or cancelled: the music must not keep the screen open. Cancellation is looked at below.
+    }
+    try {
+        if (delay > 0.0) {
+            co_await sleepFor(durationFromSeconds(delay));
+        }
+    } catch (const CancellationError&) {
+        co_return;
+    }
+    const bool isCancelled = co_await isTaskCancelled();
+    if (isCancelled || !isArmed || !with_.settings.settings().lockScreenOnArm) {
+        co_return;
+    }
+    if (!with_.cover.show()) {
+        lastError = localized("Lock screen skipped: no unlock passcode is set.");
+    }
+}
+
+} // namespace sentrel

@@ -1,0 +1,23 @@
+#pragma once
+
+#include "core/coordinator/AlarmCoordinator.hpp"
+#include "lock/ScreenCoverAlarm.hpp"
+
+namespace sentrel {
+
+/// The coordinator as the screen cover sees it. Main actor.
+class CoverAlarm final : public ScreenCoverAlarm {
+public:
+    /// The coordinator may still be under construction; it is used once the cover is.
+    explicit CoverAlarm(AlarmCoordinator& coordinator) : coordinator_(coordinator) {}
+
+    [[nodiscard]] bool isArmed() const override { return coordinator_.isArmed.get(); }
+    [[nodiscard]] bool isAlarmActive() const override { return coordinator_.isAlarmActive.get(); }
+    void trigger(TriggerReason reason) override { coordinator_.trigger(reason); }
+    void stopAlarm() override { coordinator_.stopAlarm(); }
+
+private:
+    AlarmCoordinator& coordinator_;
+};
+
+} // namespace sentrel

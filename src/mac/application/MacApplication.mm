@@ -1,0 +1,127 @@
+#include "mac/application/MacApplication.hpp"
+
+#include "mac/cloud/MacRemoteNotifications.hpp"
+#include "mac/windows/MacPreviewPanel.hpp"
+#include "mac/windows/MainMenu.hpp"
+#include "mac/windows/ModalPanels.hpp"
+
+#include <utility>
+
+@interface SentrelApplicationDelegate : NSObject <NSApplicationDelegate> {
+@public
+    sentrel::ports::ApplicationDelegate told;
+    sentrel::mac::MacRemoteNotifications* pushes;
+    sentrel::mac::MacPreviewPanel* previews;
+}
+@end
+
+// Each calls a copy: what is told may set another delegate.
+@implementation SentrelApplicationDelegate
+
+- (void)applicationDidFinishLaunching:(NSNotification*)notification
+{
+    if (const auto launched = told.didFinishLaunching) {
+        launched();
+    }
+}
+
+- (NSApplicationTerminateReply)applicationShouldTerminate:(NSApplication*)sender
+{
+    const auto asked = told.shouldTerminate;
+    return asked ? static_cast<NSApplicationTerminateReply>(asked()) : NSTerminateNow;
+}
+
+- (void)applicationWillTerminate:(NSNotification*)notification
+{
+    // The process exits after this without unwinding main: whatever must be undone is undone here.
+    if (const auto ending = told.willTerminate) {
+        ending();
+    }
+}
+
+- (BOOL)applicationShouldTerminateAfterLastWindowClosed:(NSApplication*)sender
+{
+    const auto asked = told.shouldTerminateAfterLastWindowClosed;
+    return asked && asked();
+}
+
+- (BOOL)applicationSupportsSecureRestorableState:(NSApplication*)app
+{
+    return YES;
+}
+
+- (void)application:(NSApplication*)application didRegisterForRemoteNotificationsWithDeviceToken:(NSData*)deviceToken
+{
+    pushes->didRegister();
+}
+
+- (void)application:(NSApplication*)application didFailToRegisterForRemoteNotificationsWithError:(NSError*)error
+{
+    pushes->didFailToRegister(error);
+}
+
+- (void)application:(NSApplication*)application didReceiveRemoteNotification:(NSDictionary<NSString*, id>*)userInfo
+{
+    pushes->didReceive(userInfo);
+}
+
+- (BOOL)acceptsPreviewPanelControl:(QLPreviewPanel*)panel
+{
+    return previews->accepts();
+}
+
+- (void)beginPreviewPanelControl:(QLPreviewPanel*)panel
+{
+    previews->begin(panel);
+}
+
+- (void)endPreviewPanelControl:(QLPreviewPanel*)panel
+{
+    previews->end(panel);
+}
+
+@end
+
+namespace sentrel::mac {
+
+MacApplication::MacApplication(MacRemoteNotifications& pushes, MacPreviewPanel& previews)
+    : delegate_([[SentrelApplicationDelegate alloc] init])
+{
+    delegate_->pushes = &pushes;
+    delegate_->previews = &previews;
+    NSApplication.sharedApplication.delegate = delegate_; // which the application does not retain
+    NSApp.mainMenu = makeMainMenu();
+}
+
+MacApplication::~MacApplication()
+{
+    NSApp.delegate = nil;
+}
+
+void MacApplication::setDelegate(ports::ApplicationDelegate delegate)
+{
+    delegate_->told = std::move(delegate);
+}
+
+void MacApplication::setActivationPolicy(std::int64_t policy)
+{
+    [NSApp setActivationPolicy:static_cast<NSApplicationActivationPolicy>(policy)];
+}
+
+void MacApplication::terminate()
+{
+    // While an answer is promised for later, the application waits for it in a loop of its own.
+    performInMainRunLoop([] { [NSApp terminate:nil]; });
+}
+
+void MacApplication::replyToShouldTerminate(bool shouldTerminate)
+{
+    [NSApp replyToApplicationShouldTerminate:shouldTerminate];
+}
+
+void MacApplication::run()
+{
+    [NSApp run];
+}
+
+} // namespace sentrel::mac

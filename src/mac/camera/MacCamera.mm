@@ -1,0 +1,254 @@
+#include "mac/camera/MacCamera.hpp"
+
+#include "mac/foundation/FoundationText.hpp"
+#include "mac/foundation/Guarded.hpp"
+
+#import <AVFoundation/AVFoundation.h>
+
+#include <utility>
+
+namespace sentrel::mac {
+
+namespace {
+
+class MacCapturedPhoto final : public ports::CapturedPhoto {
+public:
+    explicit MacCapturedPhoto(AVCapturePhoto* photo) : photo_(photo) {}
+
+    [[nodiscard]] std::optional<Bytes> fileDataRepresentation() const override
+    {
+        NSData* data = nil;
+        guarded("fileDataRepresentation", [&] { data = [photo_ fileDataRepresentation]; });
+        if (data == nil) {
+            return std::nullopt;
+        }
+        const auto* const first = static_cast<const std::uint8_t*>(data.bytes);
+        return Bytes{first, first + data.length};
+    }
+
+private:
+    AVCapturePhoto* const photo_;
+};
+
+} // namespace
+
+} // namespace sentrel::mac
+
+/// Hands photos on to the product's delegate, which keeps this object alive: the output itself does not.
+@interface SentrelPhotoCaptureDelegate : NSObject <AVCapturePhotoCaptureDelegate>
+- (instancetype)initWithDelegate:(std::weak_ptr<sentrel::ports::PhotoOutputDelegate>)delegate;
+@end
+
+@implementation SentrelPhotoCaptureDelegate {
+    std::weak_ptr<sentrel::ports::PhotoOutputDelegate> _delegate;
+}
+
+- (instancetype)initWithDelegate:(std::weak_ptr<sentrel::ports::PhotoOutputDelegate>)delegate
+{
+    self = [super init];
+    if (self != nil) {
+        _delegate = std::move(delegate);
+    }
+    return self;
+}
+
+- (void)captureOutput:(AVCapturePhotoOutput*)output
+    didFinishProcessingPhoto:(AVCapturePhoto*)photo
+                       error:(NSError*)error
+{
+    if (const auto delegate = _delegate.lock()) {
+        std::optional<std::string> description;
+        if (error != nil) {
+            description = sentrel::mac::textOf(error.description);
+        }
+        delegate->didFinishProcessingPhoto(sentrel::mac::MacCapturedPhoto{photo}, std::move(description));
+    }
+}
+
+@end
+
+namespace sentrel::mac {
+
+namespace {
+
+class MacCaptureDevice final : public ports::CaptureDevice {
+public:
+    explicit MacCaptureDevice(AVCaptureDevice* device) : device_(device) {}
+
+    [[nodiscard]] std::string deviceType() const override { return textOf(device_.deviceType); }
+    [[nodiscard]] bool isContinuityCamera() const override { return device_.isContinuityCamera; }
+    [[nodiscard]] bool isAdjustingExposure() const override { return device_.isAdjustingExposure; }
+    [[nodiscard]] bool isAdjustingWhiteBalance() const override { return device_.isAdjustingWhiteBalance; }
+    [[nodiscard]] AVCaptureDevice* native() const { return device_; }
+
+private:
+    AVCaptureDevice* const device_;
+};
+
+class MacCaptureInput final : public ports::CaptureInput {
+public:
+    explicit MacCaptureInput(AVCaptureDeviceInput* input) : input_(input) {}
+    [[nodiscard]] AVCaptureDeviceInput* native() const { return input_; }
+
+private:
+    AVCaptureDeviceInput* const input_;
+};
+
+class MacPhotoSettings final : public ports::PhotoSettings {
+public:
+    [[nodiscard]] std::int64_t uniqueId() const override { return settings_.uniqueID; }
+    [[nodiscard]] AVCapturePhotoSettings* native() const { return settings_; }
+
+private:
+    AVCapturePhotoSettings* const settings_ = [AVCapturePhotoSettings photoSettings];
+};
+
+class MacPhotoOutput final : public ports::PhotoOutput {
+public:
+    void capturePhoto(const ports::PhotoSettings& settings, std::weak_ptr<ports::PhotoOutputDelegate> delegate) override
+    {
+        const auto alive = delegate.lock();
+        if (!alive) {
+            return;
+        }
+        SentrelPhotoCaptureDelegate* const receiver =
+            [[SentrelPhotoCaptureDelegate alloc] initWithDelegate:std::move(delegate)];
+        alive->keepCounterpart({const_cast<void*>(CFBridgingRetain(receiver)), &CFRelease});
+        // Raised when the output has no active connection: its camera has gone or was taken away.
+        const bool isAsked = guarded("capturePhotoWithSettings", [&] {
+            [output_ capturePhotoWithSettings:static_cast<const MacPhotoSettings&>(settings).native()
+                                     delegate:receiver];
+        });
+        if (!isAsked) {
+            alive->didFinishProcessingPhoto(MacCapturedPhoto{nil}, "the output refused to take a photo");
+        }
+    }
+    [[nodiscard]] AVCapturePhotoOutput* native() const { return output_; }
+
+private:
+    AVCapturePhotoOutput* const output_ = [[AVCapturePhotoOutput alloc] init];
+};
+
+AVCaptureDeviceInput* nativeOf(const ports::CaptureInput& input)
+{
+    return static_cast<const MacCaptureInput&>(input).native();
+}
+
+AVCapturePhotoOutput* nativeOf(const ports::PhotoOutput& output)
+{
+    return static_cast<const MacPhotoOutput&>(output).native();
+}
+
+class MacCaptureSession final : public ports::CaptureSession {
+public:
+    ~MacCaptureSession() override { stop(); }
+
+    void setPreset(const std::string& preset) override
+    {
+        guarded("setSessionPreset", [&] { session_.sessionPreset = stringObject(preset); });
+    }
+    [[nodiscard]] bool canAddInput(const ports::CaptureInput& input) override
+    {
+        bool canAdd = false;
+        guarded("canAddInput", [&] { canAdd = [session_ canAddInput:nativeOf(input)]; });
+        return canAdd;
+    }
+    void addInput(std::shared_ptr<ports::CaptureInput> input) override
+    {
+        guarded("addInput", [&] { [session_ addInput:nativeOf(*input)]; });
+    }
+    [[nodiscard]] bool canAddOutput(const ports::PhotoOutput& output) override
+    {
+        bool canAdd = false;
+        guarded("canAddOutput", [&] { canAdd = [session_ canAddOutput:nativeOf(output)]; });
+        return canAdd;
+    }
+    void addOutput(std::shared_ptr<ports::PhotoOutput> output) override
+    {
+        guarded("addOutput", [&] { [session_ addOutput:nativeOf(*output)]; });
+    }
+    void startRunning() override
+    {
+        guarded("startRunning", [&] { [session_ startRunning]; });
+    }
+    void stopRunning() override { stop(); }
+    [[nodiscard]] bool isRunning() const override { return session_.isRunning; }
+
+private:
+    void stop()
+    {
+        guarded("stopRunning", [&] { [session_ stopRunning]; });
+    }
+
+    AVCaptureSession* const session_ = [[AVCaptureSession alloc] init];
+};
+
+} // namespace
+
+ports::CaptureAuthorization MacCamera::authorizationStatus(const std::string& mediaType)
+{
+    return static_cast<ports::CaptureAuthorization>(
+        [AVCaptureDevice authorizationStatusForMediaType:stringObject(mediaType)]);
+}
+
+void MacCamera::requestAccess(const std::string& mediaType, std::function<void(bool granted)> answered)
+{
+    const bool isAsked = guarded("requestAccessForMediaType", [&] {
+        [AVCaptureDevice requestAccessForMediaType:stringObject(mediaType)
+                                 completionHandler:^(BOOL granted) {
+                                     answered(granted);
+                                 }];
+    });
+    if (!isAsked) {
+        answered(false);
+    }
+}
+
+std::vector<std::shared_ptr<ports::CaptureDevice>>
+MacCamera::discoverDevices(const std::vector<std::string>& deviceTypes, const std::string& mediaType)
+{
+    NSMutableArray<AVCaptureDeviceType>* const types = [NSMutableArray array];
+    for (const std::string& type : deviceTypes) {
+        [types addObject:stringObject(type)];
+    }
+    AVCaptureDeviceDiscoverySession* const discovery =
+        [AVCaptureDeviceDiscoverySession discoverySessionWithDeviceTypes:types
+                                                               mediaType:stringObject(mediaType)
+                                                                position:AVCaptureDevicePositionUnspecified];
+    std::vector<std::shared_ptr<ports::CaptureDevice>> devices;
+    for (AVCaptureDevice* device in discovery.devices) {
+        devices.push_back(std::make_shared<MacCaptureDevice>(device));
+    }
+    return devices;
+}
+
+std::shared_ptr<ports::CaptureDevice> MacCamera::defaultDevice(const std::string& mediaType)
+{
+    AVCaptureDevice* const device = [AVCaptureDevice defaultDeviceWithMediaType:stringObject(mediaType)];
+    return device == nil ? nullptr : std::make_shared<MacCaptureDevice>(device);
+}
+
+std::shared_ptr<ports::CaptureInput> MacCamera::makeInput(const ports::CaptureDevice& device)
+{
+    AVCaptureDevice* const native = static_cast<const MacCaptureDevice&>(device).native();
+    AVCaptureDeviceInput* input = nil;
+    guarded("deviceInputWithDevice", [&] { input = [AVCaptureDeviceInput deviceInputWithDevice:native error:nil]; });
+    return input == nil ? nullptr : std::make_shared<MacCaptureInput>(input);
+}
+
+std::unique_ptr<ports::CaptureSession> MacCamera::makeSession()
+{
+    return std::make_unique<MacCaptureSession>();
+}
+
+std::shared_ptr<ports::PhotoOutput> MacCamera::makePhotoOutput()
+{
+    return std::make_shared<MacPhotoOutput>();
+}
+
+std::unique_ptr<ports::PhotoSettings> MacCamera::makePhotoSettings()
+{
+    return std::make_unique<MacPhotoSettings>();
+}
+
+} // namespace sentrel::mac

@@ -1,0 +1,141 @@
+#include "mac/camera/MacImageCodec.hpp"
+
+#include "mac/foundation/FoundationText.hpp"
+
+#import <AppKit/AppKit.h>
+#import <CoreImage/CoreImage.h>
+#import <ImageIO/ImageIO.h>
+
+namespace sentrel::mac {
+
+namespace {
+
+class MacImage final : public ports::Image {
+public:
+    /// Takes the reference over.
+    explicit MacImage(CGImageRef image) : image_(image) {}
+    ~MacImage() override { CGImageRelease(image_); }
+    MacImage(const MacImage&) = delete;
+    MacImage& operator=(const MacImage&) = delete;
+    [[nodiscard]] CGImageRef native() const { return image_; }
+
+private:
+    CGImageRef image_;
+};
+
+/// The bytes as a data object that doesn't copy them, and so doesn't outlive them.
+NSData* dataObject(BytesView bytes)
+{
+    return [NSData dataWithBytesNoCopy:const_cast<std::uint8_t*>(bytes.data()) length:bytes.size() freeWhenDone:NO];
+}
+
+Bytes copyOf(NSData* data)
+{
+    const auto* const first = static_cast<const std::uint8_t*>(data.bytes);
+    return Bytes{first, first + data.length};
+}
+
+/// An image source of the data, to be released; null for what is no image.
+CGImageSourceRef createSource(BytesView data)
+{
+    return CGImageSourceCreateWithData((__bridge CFDataRef)dataObject(data), nullptr);
+}
+
+} // namespace
+
+std::optional<ports::ImageCodec::Rgba> MacImageCodec::areaAverage(BytesView data)
+{
+    @autoreleasepool {
+        CIImage* const image = [CIImage imageWithData:dataObject(data)];
+        if (image == nil) {
+            return std::nullopt;
+        }
+        CIVector* const extent = [CIVector vectorWithCGRect:image.extent];
+        CIFilter* const filter = [CIFilter filterWithName:@"CIAreaAverage"
+                                      withInputParameters:@{kCIInputImageKey : image, kCIInputExtentKey : extent}];
+        CIImage* const average = filter.outputImage;
+        if (average == nil) {
+            return std::nullopt;
+        }
+        // No colour matching: the average is of the stored values, not of linear light.
+        CIContext* const context = [CIContext contextWithOptions:@{kCIContextWorkingColorSpace : NSNull.null}];
+        Rgba pixel{};
+        [context render:average
+               toBitmap:pixel.data()
+               rowBytes:static_cast<ptrdiff_t>(pixel.size())
+                 bounds:CGRectMake(0, 0, 1, 1)
+                 format:kCIFormatRGBA8
+             colorSpace:nullptr];
+        return pixel;
+    }
+}
+
+std::optional<ports::PixelSize> MacImageCodec::pixelSize(BytesView data)
+{
+    @autoreleasepool {
+        CGImageSourceRef source = createSource(data);
+        if (source == nullptr) {
+            return std::nullopt;
+        }
+        NSDictionary* const properties = CFBridgingRelease(CGImageSourceCopyPropertiesAtIndex(source, 0, nullptr));
+        CFRelease(source);
+        NSNumber* const width = properties[(__bridge NSString*)kCGImagePropertyPixelWidth];
+        NSNumber* const height = properties[(__bridge NSString*)kCGImagePropertyPixelHeight];
+        if (width == nil || height == nil) {
+            return std::nullopt;
+        }
+        return ports::PixelSize{width.unsignedIntValue, height.unsignedIntValue};
+    }
+}
+
+std::unique_ptr<ports::Image> MacImageCodec::createThumbnail(BytesView data, std::uint32_t maxPixelSize, bool transform)
+{
+    @autoreleasepool {
+        CGImageSourceRef source = createSource(data);
+        if (source == nullptr) {
+            return nullptr;
+        }
+        NSDictionary* const options = @{
+            (__bridge NSString*)kCGImageSourceCreateThumbnailFromImageAlways : @YES,
+            (__bridge NSString*)kCGImageSourceCreateThumbnailWithTransform : @(transform),
+            (__bridge NSString*)kCGImageSourceThumbnailMaxPixelSize : @(maxPixelSize),
+        };
+        CGImageRef thumbnail = CGImageSourceCreateThumbnailAtIndex(source, 0, (__bridge CFDictionaryRef)options);
+        CFRelease(source);
+        return thumbnail == nullptr ? nullptr : std::make_unique<MacImage>(thumbnail);
+    }
+}
+
+std::optional<Bytes> MacImageCodec::encode(const ports::Image& image, const std::string& type, double quality)
+{
+    @autoreleasepool {
+        NSMutableData* const data = [NSMutableData data];
+        CGImageDestinationRef destination = CGImageDestinationCreateWithData(
+            (__bridge CFMutableDataRef)data, (__bridge CFStringRef)stringObject(type), 1, nullptr);
+        if (destination == nullptr) {
+            return std::nullopt;
+        }
+        NSDictionary* const properties = @{(__bridge NSString*)kCGImageDestinationLossyCompressionQuality : @(quality)};
+        CGImageDestinationAddImage(destination, static_cast<const MacImage&>(image).native(),
+                                   (__bridge CFDictionaryRef)properties);
+        const bool isWritten = CGImageDestinationFinalize(destination);
+        CFRelease(destination);
+        if (!isWritten) {
+            return std::nullopt;
+        }
+        return copyOf(data);
+    }
+}
+
+std::optional<Bytes> MacImageCodec::jpegRepresentation(BytesView data)
+{
+    @autoreleasepool {
+        NSImage* const image = [[NSImage alloc] initWithData:dataObject(data)];
+        NSData* const tiff = image.TIFFRepresentation;
+        NSBitmapImageRep* const bitmap = tiff == nil ? nil : [NSBitmapImageRep imageRepWithData:tiff];
+        NSData* const jpeg = [bitmap representationUsingType:NSBitmapImageFileTypeJPEG properties:@{}];
+        return jpeg == nil ? std::nullopt : std::optional{copyOf(jpeg)};
+    }
+}
+
+} // namespace sentrel::mac

@@ -1,0 +1,35 @@
+#pragma once
+
+#include "ports/CloudDatabase.hpp"
+
+#import <CloudKit/CloudKit.h>
+
+// Records, queries and errors between CloudKit's objects and the port's values. Any thread.
+
+namespace sentrel::mac {
+
+/// The error with its code, its time to wait and the errors of its items. Of a missing object: an internal error.
+[[nodiscard]] ports::CloudError cloudErrorOf(NSError* error);
+
+/// An ID in the default zone. Throws `CloudError` with code 12 (invalid arguments) for a name that CloudKit refuses,
+/// which it would do with an exception of Objective-C.
+[[nodiscard]] CKRecordID* recordIDObject(const std::string& name);
+[[nodiscard]] NSArray<CKRecordID*>* recordIDObjects(const std::vector<std::string>& names);
+
+/// The record to save: a fetched one by its system fields, else a new one. Throws like `recordIDObject`.
+[[nodiscard]] CKRecord* recordObject(const ports::CloudRecord& record);
+[[nodiscard]] NSArray<CKRecord*>* recordObjects(const std::vector<ports::CloudRecord>& records);
+
+/// The record without the fields of kinds that the port doesn't have.
+[[nodiscard]] ports::CloudRecord cloudRecordOf(CKRecord* record);
+
+/// The record, or the error where there is none.
+[[nodiscard]] ports::CloudRecordResult cloudResultOf(CKRecord* record, NSError* error);
+
+[[nodiscard]] CKQuery* queryObject(const ports::CloudQuery& query);
+[[nodiscard]] CKQuerySubscription* subscriptionObject(const ports::CloudSubscription& subscription);
+
+/// Nil for all keys.
+[[nodiscard]] NSArray<NSString*>* keyObjects(const ports::CloudDesiredKeys& keys);
+
+} // namespace sentrel::mac

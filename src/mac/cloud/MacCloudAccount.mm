@@ -1,0 +1,66 @@
+#include "mac/cloud/MacCloudAccount.hpp"
+
+#include "mac/cloud/CloudRecords.hpp"
+#include "mac/cloud/CloudRequest.hpp"
+#include "mac/foundation/FoundationText.hpp"
+#include "mac/foundation/Guarded.hpp"
+
+#include <memory>
+
+namespace sentrel::mac {
+
+namespace {
+
+using StatusRequest = CloudRequest<ports::CloudAccountStatus>;
+using NameRequest = CloudRequest<std::optional<std::string>>;
+
+// The framework has no way to call these two off: when nobody waits any more, the answer goes to nobody.
+
+std::shared_ptr<StatusRequest> askForStatus(CKContainer* container)
+{
+    const auto request = std::make_shared<StatusRequest>();
+    guardedCloudCall("accountStatus", [&] {
+        [container accountStatusWithCompletionHandler:^(CKAccountStatus status, NSError* error) {
+            request->answer = static_cast<ports::CloudAccountStatus>(status);
+            if (error != nil) {
+                request->error = cloudErrorOf(error);
+            }
+            request->finished.signal();
+        }];
+    });
+    return request;
+}
+
+std::shared_ptr<NameRequest> askForUser(CKContainer* container)
+{
+    const auto request = std::make_shared<NameRequest>();
+    guardedCloudCall("fetchUserRecordID", [&] {
+        [container fetchUserRecordIDWithCompletionHandler:^(CKRecordID* recordID, NSError* error) {
+            if (error != nil) {
+                request->error = cloudErrorOf(error);
+            } else if (recordID != nil) {
+                request->answer = textOf(recordID.recordName);
+            }
+            request->finished.signal();
+        }];
+    });
+    return request;
+}
+
+} // namespace
+
+Async<ports::CloudAccountStatus> MacCloudAccount::accountStatus()
+{
+    const auto request = askForStatus(container_.open());
+    co_await request->finished.wait();
+    co_return request->take();
+}
+
+Async<std::optional<std::string>> MacCloudAccount::userRecordName()
+{
+    const auto request = askForUser(container_.open());
+    co_await request->finished.wait();
+    co_return request->take();
+}
+
+} // namespace sentrel::mac

@@ -1,0 +1,75 @@
+#include "mac/cloud/MacNetworkPaths.hpp"
+
+#include "runtime/SerialQueue.hpp"
+
+#import <Network/Network.h>
+
+#include <memory>
+#include <mutex>
+#include <utility>
+
+namespace sentrel::mac {
+
+namespace {
+
+/// Whom the monitor tells, until it is closed.
+class Listener {
+public:
+    explicit Listener(std::function<void(ports::NetworkPathStatus)> pathChanged) : pathChanged_(std::move(pathChanged))
+    {
+    }
+
+    void tell(ports::NetworkPathStatus status)
+    {
+        const std::lock_guard guard{mutex_};
+        // A copy, because the callback may end the registration.
+        if (const auto callback = pathChanged_) {
+            callback(status);
+        }
+    }
+
+    /// Waits for a callback that is running on another thread; none comes later.
+    void close()
+    {
+        const std::lock_guard guard{mutex_};
+        pathChanged_ = nullptr;
+    }
+
+private:
+    std::recursive_mutex mutex_; // held by a callback that ends its own registration
+    std::function<void(ports::NetworkPathStatus)> pathChanged_;
+};
+
+class PathMonitor final : public ports::Registration {
+public:
+    PathMonitor(SerialQueue& queue, std::function<void(ports::NetworkPathStatus)> pathChanged)
+        : listener_(std::make_shared<Listener>(std::move(pathChanged)))
+    {
+        const std::shared_ptr<Listener> listener = listener_;
+        nw_path_monitor_set_update_handler(monitor_, ^(nw_path_t path) {
+            listener->tell(static_cast<ports::NetworkPathStatus>(nw_path_get_status(path)));
+        });
+        nw_path_monitor_set_queue(monitor_, (__bridge dispatch_queue_t)queue.executor().nativeQueue());
+        nw_path_monitor_start(monitor_);
+    }
+
+    ~PathMonitor() override
+    {
+        nw_path_monitor_cancel(monitor_);
+        listener_->close();
+    }
+
+private:
+    const std::shared_ptr<Listener> listener_;
+    const nw_path_monitor_t monitor_ = nw_path_monitor_create();
+};
+
+} // namespace
+
+ports::RegistrationPtr MacNetworkPaths::monitor(SerialQueue& queue,
+                                                std::function<void(ports::NetworkPathStatus)> pathChanged)
+{
+    return std::make_unique<PathMonitor>(queue, std::move(pathChanged));
+}
+
+} // namespace sentrel::mac

@@ -1,0 +1,65 @@
+#include "mac/security/MacCryptography.hpp"
+
+#include "foundation/SecretBytes.hpp"
+
+#include <CommonCrypto/CommonDigest.h>
+#include <CommonCrypto/CommonKeyDerivation.h>
+
+#include <algorithm>
+#include <limits>
+
+namespace sentrel::mac {
+
+namespace {
+
+/// A pointer that isn't null, also for no bytes: the library takes null for a mistake.
+const std::uint8_t* pointerTo(BytesView bytes)
+{
+    static constexpr std::uint8_t nothing = 0;
+    return bytes.empty() ? &nothing : bytes.data();
+}
+
+class MacSha256Context final : public ports::Sha256Context {
+public:
+    MacSha256Context() { CC_SHA256_Init(&context_); }
+    ~MacSha256Context() override { wipe({reinterpret_cast<std::uint8_t*>(&context_), sizeof context_}); }
+    MacSha256Context(const MacSha256Context&) = delete;
+    MacSha256Context& operator=(const MacSha256Context&) = delete;
+
+    void update(BytesView bytes) override
+    {
+        // The library counts in 32 bits.
+        constexpr std::size_t most = std::numeric_limits<CC_LONG>::max();
+        while (!bytes.empty()) {
+            const BytesView part = bytes.first(std::min(bytes.size(), most));
+            CC_SHA256_Update(&context_, part.data(), static_cast<CC_LONG>(part.size()));
+            bytes = bytes.subspan(part.size());
+        }
+    }
+
+    void finish(ports::Sha256Digest digest) override
+    {
+        CC_SHA256_Final(digest.data(), &context_);
+        CC_SHA256_Init(&context_);
+    }
+
+private:
+    CC_SHA256_CTX context_;
+};
+
+} // namespace
+
+std::int32_t MacCryptography::deriveKey(std::uint32_t algorithm, BytesView password, BytesView salt,
+                                        std::uint32_t pseudoRandomFunction, std::uint32_t rounds,
+                                        std::span<std::uint8_t> key)
+{
+    return CCKeyDerivationPBKDF(algorithm, reinterpret_cast<const char*>(pointerTo(password)), password.size(),
+                                pointerTo(salt), salt.size(), pseudoRandomFunction, rounds, key.data(), key.size());
+}
+
+std::unique_ptr<ports::Sha256Context> MacCryptography::makeSha256Context()
+{
+    return std::make_unique<MacSha256Context>();
+}
+
+} // namespace sentrel::mac

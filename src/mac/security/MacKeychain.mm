@@ -1,0 +1,122 @@
+#include "mac/security/MacKeychain.hpp"
+
+#include "mac/foundation/FoundationText.hpp"
+#include "mac/security/Signature.hpp"
+
+#import <Foundation/Foundation.h>
+#import <Security/Security.h>
+
+namespace sentrel::mac {
+
+using ports::KeychainConstant;
+using ports::KeychainDictionary;
+using ports::KeychainKey;
+using ports::KeychainValue;
+
+namespace {
+
+CFStringRef nativeKey(KeychainKey key)
+{
+    switch (key) {
+    case KeychainKey::itemClass:
+        return kSecClass;
+    case KeychainKey::service:
+        return kSecAttrService;
+    case KeychainKey::account:
+        return kSecAttrAccount;
+    case KeychainKey::accessible:
+        return kSecAttrAccessible;
+    case KeychainKey::valueData:
+        return kSecValueData;
+    case KeychainKey::useDataProtectionKeychain:
+        return kSecUseDataProtectionKeychain;
+    case KeychainKey::returnData:
+        return kSecReturnData;
+    case KeychainKey::matchLimit:
+        break;
+    }
+    return kSecMatchLimit;
+}
+
+/// The framework's object for each kind of value.
+struct NativeValue {
+    id operator()(bool flag) const { return flag ? @YES : @NO; }
+    id operator()(KeychainConstant constant) const
+    {
+        switch (constant) {
+        case KeychainConstant::genericPassword:
+            return (__bridge id)kSecClassGenericPassword;
+        case KeychainConstant::accessibleWhenUnlocked:
+            return (__bridge id)kSecAttrAccessibleWhenUnlocked;
+        case KeychainConstant::matchLimitOne:
+            break;
+        }
+        return (__bridge id)kSecMatchLimitOne;
+    }
+    id operator()(std::string_view text) const { return stringObject(text); }
+    id operator()(BytesView bytes) const
+    {
+        // Not copied: a copy of a secret would stay in memory. The object lives as long as the call at most.
+        return [NSData dataWithBytesNoCopy:const_cast<std::uint8_t*>(bytes.data()) length:bytes.size() freeWhenDone:NO];
+    }
+};
+
+/// The data-protection keychain is there for signatures with an application identifier only. It refuses others all
+/// calls; for these the login keychain takes its place, and holds the same items.
+bool hasDataProtectionKeychain()
+{
+    static const bool isSigned = isSignedWith(@"com.apple.application-identifier");
+    return isSigned;
+}
+
+NSDictionary* nativeDictionary(const KeychainDictionary& dictionary)
+{
+    NSMutableDictionary* const native = [NSMutableDictionary dictionaryWithCapacity:dictionary.size()];
+    for (const auto& [key, value] : dictionary) {
+        if (key == KeychainKey::useDataProtectionKeychain && !hasDataProtectionKeychain()) {
+            continue;
+        }
+        native[(__bridge NSString*)nativeKey(key)] = std::visit(NativeValue{}, value);
+    }
+    return native;
+}
+
+} // namespace
+
+ports::Keychain::Copied MacKeychain::copyMatching(const KeychainDictionary& query)
+{
+    @autoreleasepool {
+        CFTypeRef result = nullptr;
+        const OSStatus status = SecItemCopyMatching((__bridge CFDictionaryRef)nativeDictionary(query), &result);
+        const id object = CFBridgingRelease(result);
+        if (status != errSecSuccess || ![object isKindOfClass:[NSData class]]) {
+            return {status, std::nullopt};
+        }
+        NSData* const data = object;
+        return {status, SecretBytes{BytesView{static_cast<const std::uint8_t*>(data.bytes), data.length}}};
+    }
+}
+
+std::int32_t MacKeychain::add(const KeychainDictionary& attributes)
+{
+    @autoreleasepool {
+        return SecItemAdd((__bridge CFDictionaryRef)nativeDictionary(attributes), nullptr);
+    }
+}
+
+std::int32_t MacKeychain::update(const KeychainDictionary& query, const KeychainDictionary& attributesToUpdate)
+{
+    @autoreleasepool {
+        return SecItemUpdate((__bridge CFDictionaryRef)nativeDictionary(query),
+                             (__bridge CFDictionaryRef)nativeDictionary(attributesToUpdate));
+    }
+}
+
+std::int32_t MacKeychain::remove(const KeychainDictionary& query)
+{
+    @autoreleasepool {
+        return SecItemDelete((__bridge CFDictionaryRef)nativeDictionary(query));
+    }
+}
+
+} // namespace sentrel::mac

@@ -1,0 +1,53 @@
+#include "mac/security/MacLoginAuthentication.hpp"
+
+#include "mac/foundation/FoundationText.hpp"
+
+#import <LocalAuthentication/LocalAuthentication.h>
+
+#include <utility>
+
+namespace sentrel::mac {
+
+namespace {
+
+class MacLoginContext final : public ports::LoginContext {
+public:
+    MacLoginContext() = default;
+    ~MacLoginContext() override { [context_ invalidate]; }
+    MacLoginContext(const MacLoginContext&) = delete;
+    MacLoginContext& operator=(const MacLoginContext&) = delete;
+
+    void setLocalizedReason(const std::string& reason) override { context_.localizedReason = stringObject(reason); }
+
+    [[nodiscard]] Evaluability canEvaluatePolicy(std::int64_t policy) override
+    {
+        NSError* error = nil;
+        const bool canEvaluate = [context_ canEvaluatePolicy:static_cast<LAPolicy>(policy) error:&error];
+        if (error == nil) {
+            return {canEvaluate, std::nullopt};
+        }
+        return {canEvaluate, textOf(error.localizedDescription)};
+    }
+
+    void evaluatePolicy(std::int64_t policy, const std::string& reason, std::function<void(bool)> reply) override
+    {
+        const auto answer = std::move(reply);
+        [context_ evaluatePolicy:static_cast<LAPolicy>(policy)
+                 localizedReason:stringObject(reason)
+                           reply:^(BOOL succeeded, NSError* /*error*/) {
+                               answer(succeeded);
+                           }];
+    }
+
+private:
+    LAContext* const context_ = [[LAContext alloc] init];
+};
+
+} // namespace
+
+std::unique_ptr<ports::LoginContext> MacLoginAuthentication::makeContext()
+{
+    return std::make_unique<MacLoginContext>();
+}
+
+} // namespace sentrel::mac

@@ -1,0 +1,135 @@
+#include "mac/sound/MacAudioEngines.hpp"
+
+#include "mac/foundation/Guarded.hpp"
+
+#import <AVFAudio/AVFAudio.h>
+#import <AudioToolbox/AudioToolbox.h>
+
+#include <utility>
+
+namespace sentrel::mac {
+
+namespace {
+
+class Format final : public ports::AudioFormat {
+public:
+    explicit Format(AVAudioFormat* format) : format_(format) {}
+    [[nodiscard]] AVAudioFormat* native() const { return format_; }
+
+private:
+    AVAudioFormat* const format_;
+};
+
+class Buffer final : public ports::AudioBuffer {
+public:
+    explicit Buffer(AVAudioPCMBuffer* buffer) : buffer_(buffer) {}
+    [[nodiscard]] std::span<float> samples() override { return {buffer_.floatChannelData[0], buffer_.frameLength}; }
+    [[nodiscard]] AVAudioPCMBuffer* native() const { return buffer_; }
+
+private:
+    AVAudioPCMBuffer* const buffer_;
+};
+
+/// Formats and buffers that come in were made by an engine of this kind. The engine raises what other interfaces
+/// return, above all when it has lost its device.
+class Engine final : public ports::AudioEngine {
+public:
+    ~Engine() override { stopNow(); }
+
+    std::int32_t setOutputUnitProperty(std::uint32_t property, std::uint32_t scope, std::uint32_t element,
+                                       std::uint32_t value) override
+    {
+        OSStatus status = kAudio_ParamError;
+        guarded("outputNode", [&] {
+            status = AudioUnitSetProperty(engine_.outputNode.audioUnit, property, scope, element, &value, sizeof value);
+        });
+        return status;
+    }
+
+    [[nodiscard]] std::unique_ptr<ports::AudioFormat> makeStandardFormat(double sampleRate,
+                                                                         std::uint32_t channels) override
+    {
+        AVAudioFormat* format = nil;
+        guarded("initStandardFormat", [&] {
+            format = [[AVAudioFormat alloc] initStandardFormatWithSampleRate:sampleRate channels:channels];
+        });
+        return format == nil ? nullptr : std::make_unique<Format>(format);
+    }
+
+    [[nodiscard]] std::unique_ptr<ports::AudioBuffer> makeBuffer(const ports::AudioFormat& format,
+                                                                 std::size_t frames) override
+    {
+        const auto count = static_cast<AVAudioFrameCount>(frames);
+        AVAudioPCMBuffer* buffer = nil;
+        const bool isMade = guarded("initWithPCMFormat", [&] {
+            buffer = [[AVAudioPCMBuffer alloc] initWithPCMFormat:nativeOf(format) frameCapacity:count];
+            buffer.frameLength = count;
+        });
+        if (!isMade || buffer == nil) {
+            return nullptr;
+        }
+        return std::make_unique<Buffer>(buffer);
+    }
+
+    [[nodiscard]] bool attachPlayerToMainMixer(const ports::AudioFormat& format) override
+    {
+        return guarded("connect", [&] {
+            [engine_ attachNode:player_];
+            [engine_ connect:player_ to:engine_.mainMixerNode format:nativeOf(format)];
+        });
+    }
+
+    void setMainMixerVolume(float volume) override
+    {
+        guarded("mainMixerNode", [&] { engine_.mainMixerNode.outputVolume = volume; });
+    }
+
+    [[nodiscard]] bool start() override
+    {
+        bool isStarted = false;
+        guarded("start", [&] { isStarted = [engine_ startAndReturnError:nil]; });
+        return isStarted;
+    }
+
+    void scheduleLooping(std::unique_ptr<ports::AudioBuffer> buffer) override
+    {
+        // The player retains the native buffer. If it refuses, it has nothing to play.
+        isScheduled_ = guarded("scheduleBuffer", [&] {
+            [player_ scheduleBuffer:static_cast<const Buffer&>(*buffer).native()
+                             atTime:nil
+                            options:AVAudioPlayerNodeBufferLoops
+                  completionHandler:nil];
+        });
+    }
+
+    [[nodiscard]] bool play() override
+    {
+        return isScheduled_ && guarded("play", [&] { [player_ play]; });
+    }
+    [[nodiscard]] bool isRunning() override { return engine_.isRunning; }
+    void stop() override { stopNow(); }
+
+private:
+    void stopNow()
+    {
+        guarded("stop", [&] { [engine_ stop]; });
+    }
+
+    static AVAudioFormat* nativeOf(const ports::AudioFormat& format)
+    {
+        return static_cast<const Format&>(format).native();
+    }
+
+    AVAudioEngine* const engine_ = [[AVAudioEngine alloc] init];
+    bool isScheduled_ = false;
+    AVAudioPlayerNode* const player_ = [[AVAudioPlayerNode alloc] init];
+};
+
+} // namespace
+
+std::unique_ptr<ports::AudioEngine> MacAudioEngines::makeEngine()
+{
+    return std::make_unique<Engine>();
+}
+
+} // namespace sentrel::mac

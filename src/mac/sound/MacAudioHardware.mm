@@ -1,0 +1,124 @@
+#include "mac/sound/MacAudioHardware.hpp"
+
+#include "mac/foundation/FoundationText.hpp"
+
+#import <CoreAudio/CoreAudio.h>
+#import <Foundation/Foundation.h>
+
+#include <cstddef>
+#include <span>
+
+namespace sentrel::mac {
+
+namespace {
+
+using ports::AudioObjectId;
+using ports::AudioPropertyAddress;
+
+AudioObjectPropertyAddress native(const AudioPropertyAddress& address)
+{
+    return {address.selector, address.scope, address.element};
+}
+
+/// A value of a fixed size; none when it can't be read or is of another size.
+template <class Value> std::optional<Value> readValue(AudioObjectId object, const AudioPropertyAddress& address)
+{
+    const AudioObjectPropertyAddress where = native(address);
+    Value value{};
+    UInt32 size = sizeof value;
+    const OSStatus status = AudioObjectGetPropertyData(object, &where, 0, nullptr, &size, &value);
+    if (status != noErr || size != sizeof value) {
+        return std::nullopt;
+    }
+    return value;
+}
+
+/// A value of any size, as it is; its memory is aligned for every type.
+std::optional<std::vector<std::byte>> readBytes(AudioObjectId object, const AudioPropertyAddress& address)
+{
+    const AudioObjectPropertyAddress where = native(address);
+    UInt32 size = 0;
+    if (AudioObjectGetPropertyDataSize(object, &where, 0, nullptr, &size) != noErr) {
+        return std::nullopt;
+    }
+    std::vector<std::byte> bytes(size);
+    if (AudioObjectGetPropertyData(object, &where, 0, nullptr, &size, bytes.data()) != noErr) {
+        return std::nullopt;
+    }
+    bytes.resize(size);
+    return bytes;
+}
+
+template <class Value>
+OSStatus writeValue(AudioObjectId object, const AudioPropertyAddress& address, const Value& value)
+{
+    const AudioObjectPropertyAddress where = native(address);
+    return AudioObjectSetPropertyData(object, &where, 0, nullptr, sizeof value, &value);
+}
+
+} // namespace
+
+bool MacAudioHardware::hasProperty(AudioObjectId object, const AudioPropertyAddress& address)
+{
+    const AudioObjectPropertyAddress where = native(address);
+    return AudioObjectHasProperty(object, &where) != 0;
+}
+
+std::optional<std::uint32_t> MacAudioHardware::readUInt32(AudioObjectId object, const AudioPropertyAddress& address)
+{
+    return readValue<std::uint32_t>(object, address);
+}
+
+std::optional<float> MacAudioHardware::readFloat32(AudioObjectId object, const AudioPropertyAddress& address)
+{
+    return readValue<float>(object, address);
+}
+
+std::optional<std::string> MacAudioHardware::readText(AudioObjectId object, const AudioPropertyAddress& address)
+{
+    const auto value = readValue<CFStringRef>(object, address);
+    NSString* const text = CFBridgingRelease(value.value_or(nullptr));
+    if (text == nil) {
+        return std::nullopt;
+    }
+    return textOf(text);
+}
+
+std::optional<std::vector<AudioObjectId>> MacAudioHardware::readObjectList(AudioObjectId object,
+                                                                           const AudioPropertyAddress& address)
+{
+    const auto bytes = readBytes(object, address);
+    if (!bytes) {
+        return std::nullopt;
+    }
+    const auto* const first = reinterpret_cast<const AudioObjectId*>(bytes->data());
+    return std::vector<AudioObjectId>(first, first + bytes->size() / sizeof(AudioObjectId));
+}
+
+std::optional<std::vector<std::uint32_t>> MacAudioHardware::readBufferChannels(AudioObjectId object,
+                                                                               const AudioPropertyAddress& address)
+{
+    const auto bytes = readBytes(object, address);
+    if (!bytes || bytes->size() < offsetof(AudioBufferList, mBuffers)) {
+        return std::nullopt;
+    }
+    const auto& list = *reinterpret_cast<const AudioBufferList*>(bytes->data());
+    std::vector<std::uint32_t> channels;
+    for (const AudioBuffer& buffer : std::span(&list.mBuffers[0], list.mNumberBuffers)) {
+        channels.push_back(buffer.mNumberChannels);
+    }
+    return channels;
+}
+
+std::int32_t MacAudioHardware::writeUInt32(AudioObjectId object, const AudioPropertyAddress& address,
+                                           std::uint32_t value)
+{
+    return writeValue(object, address, value);
+}
+
+std::int32_t MacAudioHardware::writeFloat32(AudioObjectId object, const AudioPropertyAddress& address, float value)
+{
+    return writeValue(object, address, value);
+}
+
+} // namespace sentrel::mac

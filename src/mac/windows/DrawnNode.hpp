@@ -1,0 +1,114 @@
+#pragma once
+
+#include "mac/windows/NodeTarget.hpp"
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace sentrel::mac {
+
+/// What a node is given by the place where it stands.
+struct Surroundings {
+    bool isEnabled = true;
+    bool isInForm = false;
+    bool isInSidebar = false;
+    bool isPane = false;  ///< one side of a split view: how wide it is, the person says
+    bool isInRow = false; ///< side by side with its siblings
+    bool isInCenteredColumn = false;
+};
+
+/// One node of a view tree as AppKit draws it: its AppKit view, the target of its control, and what stands inside. It
+/// lives as long as the node keeps its identity and its kind of element, and with it what the user is doing there: a
+/// field keeps the keyboard, the caret and its text. Main thread.
+class DrawnNode {
+public:
+    virtual ~DrawnNode() = default;
+    DrawnNode(const DrawnNode&) = delete;
+    DrawnNode& operator=(const DrawnNode&) = delete;
+
+    /// Draws the view: with the node that was drawn before under its identity, if that can show it, or with a new one.
+    [[nodiscard]] static std::unique_ptr<DrawnNode> draw(std::unique_ptr<DrawnNode> before, const ui::View& view,
+                                                         std::string step, const Surroundings& surroundings);
+
+    /// The node's step in its identity.
+    [[nodiscard]] const std::string& step() const { return step_; }
+
+    /// What stands in the enclosing view: the node's view, or what gives it its padding.
+    [[nodiscard]] NSView* outer() const { return outer_; }
+
+    /// Whether it takes all the space there is in this direction.
+    [[nodiscard]] bool expands(NSLayoutConstraintOrientation orientation) const;
+
+    /// Whether it fills its stack across the axis without making the stack larger.
+    [[nodiscard]] virtual bool stretchesAcross() const { return false; }
+
+    [[nodiscard]] virtual bool isSpacer() const { return false; }
+
+    /// Adds the visible label before a control, which lines up with others of its form.
+    virtual void collectLabels(NSMutableArray<NSView*>* /*labels*/) const {}
+
+    /// Gives the keyboard to the nodes in here that ask for it; the last wins.
+    void applyFocus();
+
+protected:
+    explicit DrawnNode(NSView* view);
+
+    [[nodiscard]] NSView* view() const { return view_; }
+    [[nodiscard]] SentrelNodeTarget* target() const { return target_; }
+
+    /// Whether the view of an element of the same kind suits this one.
+    [[nodiscard]] virtual bool suits(const ui::View& /*view*/) const { return true; }
+
+    /// Brings the AppKit view up to date; touches only what differs.
+    virtual void show(const ui::View& view, const Surroundings& surroundings) = 0;
+
+    /// The part that has the keyboard and that screen readers name.
+    [[nodiscard]] virtual NSView* control() const { return view_; }
+
+    /// What screen readers say of the control when the tree doesn't tell; empty: what AppKit finds.
+    [[nodiscard]] virtual std::string spokenText(const ui::View& /*view*/) const { return {}; }
+
+    /// Whether content of this kind takes all the space there is.
+    [[nodiscard]] virtual bool wantsAll(NSLayoutConstraintOrientation /*orientation*/) const { return false; }
+
+    virtual void eachChild(const std::function<void(DrawnNode&)>& /*visit*/) {}
+
+private:
+    [[nodiscard]] bool canShow(const ui::View& view) const;
+    void update(const ui::View& view, std::string step, const Surroundings& surroundings);
+    void updateSize(ui::SizeWish wish);
+    void updateBackground(const std::optional<ui::Color>& color);
+    void wrap(double padding);
+
+    std::string step_;
+    SentrelNodeTarget* const target_ = [[SentrelNodeTarget alloc] init];
+    NSView* const view_;
+    NSView* outer_;
+    NSArray<NSLayoutConstraint*>* sizes_ = @[];
+    std::string spoken_;
+    bool isPane_ = false;
+    bool isDrawn_ = false;
+};
+
+/// The children of a node, each known by its identity.
+class DrawnChildren {
+public:
+    /// Draws those that are not hidden.
+    void show(const std::vector<ui::View>& children, const Surroundings& surroundings);
+
+    [[nodiscard]] const std::vector<std::unique_ptr<DrawnNode>>& nodes() const { return nodes_; }
+
+    /// Their views, from first to last.
+    [[nodiscard]] NSArray<NSView*>* views() const;
+
+    [[nodiscard]] bool anyExpands(NSLayoutConstraintOrientation orientation) const;
+    void each(const std::function<void(DrawnNode&)>& visit) const;
+    void collectLabels(NSMutableArray<NSView*>* labels) const;
+
+private:
+    std::vector<std::unique_ptr<DrawnNode>> nodes_;
+};
+
+} // namespace sentrel::mac

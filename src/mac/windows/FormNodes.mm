@@ -1,0 +1,262 @@
+#include "mac/windows/Appearance.hpp"
+#include "mac/windows/ElementNodes.hpp"
+#include "mac/windows/Placing.hpp"
+#include "ui/Node.hpp"
+
+#import <QuartzCore/QuartzCore.h>
+
+#include <utility>
+
+// Forms: sections of settings, each on a card, whose labels and controls stand in line.
+
+namespace {
+
+constexpr double formSpacing = 18.0;
+constexpr double sectionSpacing = 6.0;
+constexpr double rowSpacing = 10.0;
+constexpr double cardPadding = 12.0;
+constexpr double cardRadius = 8.0;
+
+/// A form is as tall as its content where nothing else decides.
+constexpr NSLayoutPriority naturalHeight = 240.0F;
+
+} // namespace
+
+/// The quiet ground of a section.
+@interface SentrelCard : NSView
+@end
+
+@implementation SentrelCard
+
+- (BOOL)wantsUpdateLayer
+{
+    return YES;
+}
+
+- (void)updateLayer
+{
+    // Called anew when the appearance changes, and then these have other components.
+    self.layer.backgroundColor = NSColor.quaternarySystemFillColor.CGColor;
+    self.layer.borderColor = NSColor.separatorColor.CGColor;
+    self.layer.borderWidth = 0.5;
+    self.layer.cornerRadius = cardRadius;
+}
+
+@end
+
+/// Content that scrolls, from the top.
+@interface SentrelDocumentView : NSView
+@end
+
+@implementation SentrelDocumentView
+
+- (BOOL)isFlipped
+{
+    return YES;
+}
+
+@end
+
+namespace sentrel::mac {
+
+namespace {
+
+using Orientation = NSLayoutConstraintOrientation;
+
+/// The rows of a column; what wants the whole width gets it.
+class Rows {
+public:
+    explicit Rows(double spacing) : column_(makeColumn(spacing)) {}
+
+    [[nodiscard]] NSStackView* column() const { return column_; }
+    [[nodiscard]] const DrawnChildren& children() const { return children_; }
+
+    void show(const std::vector<ui::View>& views, const Surroundings& surroundings)
+    {
+        children_.show(views, surroundings);
+        arrange(column_, children_.views());
+        auto standings = standingsOf(children_);
+        if (standings == standings_) {
+            return;
+        }
+        standings_ = std::move(standings);
+        [NSLayoutConstraint deactivateConstraints:widths_];
+        NSMutableArray<NSLayoutConstraint*>* const widths = [NSMutableArray array];
+        for (const auto& child : children_.nodes()) {
+            if (child->expands(NSLayoutConstraintOrientationHorizontal) || child->stretchesAcross()) {
+                [widths addObject:fullWidth(child->outer(), column_)];
+            }
+        }
+        widths_ = widths;
+        [NSLayoutConstraint activateConstraints:widths_];
+    }
+
+    [[nodiscard]] static NSLayoutConstraint* fullWidth(NSView* view, NSView* column)
+    {
+        NSLayoutConstraint* const full = [view.widthAnchor constraintEqualToAnchor:column.widthAnchor];
+        full.priority = stretch;
+        return full;
+    }
+
+private:
+    NSStackView* const column_;
+    DrawnChildren children_;
+    std::vector<Standing> standings_;
+    NSArray<NSLayoutConstraint*>* widths_ = @[];
+};
+
+NSTextField* headerLabel()
+{
+    NSTextField* const header = makeLabel();
+    header.font = fontOf(ui::Text::Style::headline);
+    return header;
+}
+
+NSTextField* footerLabel()
+{
+    NSTextField* const footer = makeLabel();
+    footer.font = fontOf(ui::Text::Style::caption);
+    footer.textColor = NSColor.secondaryLabelColor;
+    return footer;
+}
+
+class SectionNode final : public DrawnNode {
+public:
+    SectionNode() : DrawnNode(makeColumn(sectionSpacing)) {}
+
+private:
+    [[nodiscard]] NSStackView* column() const { return static_cast<NSStackView*>(view()); }
+
+    void show(const ui::View& view, const Surroundings& surroundings) override
+    {
+        const ui::Section& section = *ui::elementOf<ui::Section>(view);
+        if (ground_ == nil) {
+            makeGround(surroundings.isInForm);
+        }
+        setLabel(header_, section.header);
+        setLabel(footer_, section.footer);
+        Surroundings inner = surroundings;
+        inner.isInRow = false;
+        inner.isInCenteredColumn = false;
+        rows_.show(view.children, inner);
+        arrangeParts(section);
+    }
+
+    /// In a form the rows stand on a card, elsewhere as they are.
+    void makeGround(bool isInForm)
+    {
+        ground_ = rows_.column();
+        if (isInForm) {
+            ground_ = [[SentrelCard alloc] init];
+            ground_.wantsLayer = YES;
+            ground_.translatesAutoresizingMaskIntoConstraints = NO;
+            [ground_ addSubview:rows_.column()];
+            pin(rows_.column(), ground_, cardPadding);
+        }
+        [column() addArrangedSubview:ground_];
+        Rows::fullWidth(ground_, column()).active = YES;
+        isInForm_ = isInForm;
+    }
+
+    void arrangeParts(const ui::Section& section)
+    {
+        NSMutableArray<NSView*>* const parts = [NSMutableArray arrayWithObject:ground_];
+        if (!section.header.empty()) {
+            [parts insertObject:header_ atIndex:0];
+        }
+        if (!section.footer.empty()) {
+            [parts addObject:footer_];
+        }
+        arrange(column(), parts);
+    }
+
+    [[nodiscard]] bool wantsAll(Orientation orientation) const override
+    {
+        const bool isAcross = orientation == NSLayoutConstraintOrientationHorizontal;
+        return (isInForm_ && isAcross) || rows_.children().anyExpands(orientation);
+    }
+    void eachChild(const std::function<void(DrawnNode&)>& visit) override { rows_.children().each(visit); }
+    void collectLabels(NSMutableArray<NSView*>* labels) const override { rows_.children().collectLabels(labels); }
+
+    NSTextField* const header_ = headerLabel();
+    NSTextField* const footer_ = footerLabel();
+    Rows rows_{rowSpacing};
+    NSView* ground_ = nil;
+    bool isInForm_ = false;
+};
+
+class FormNode final : public DrawnNode {
+public:
+    FormNode() : DrawnNode([[NSScrollView alloc] init])
+    {
+        NSScrollView* const scroll = static_cast<NSScrollView*>(view());
+        scroll.drawsBackground = NO;
+        scroll.hasVerticalScroller = YES;
+        scroll.autohidesScrollers = YES;
+        NSView* const document = [[SentrelDocumentView alloc] init];
+        document.translatesAutoresizingMaskIntoConstraints = NO;
+        [document addSubview:sections_.column()];
+        pin(sections_.column(), document, 0.0);
+        scroll.documentView = document;
+        NSLayoutConstraint* const height = [scroll.heightAnchor constraintEqualToAnchor:document.heightAnchor];
+        height.priority = naturalHeight;
+        [NSLayoutConstraint activateConstraints:@[
+            [document.topAnchor constraintEqualToAnchor:scroll.contentView.topAnchor],
+            [document.leadingAnchor constraintEqualToAnchor:scroll.contentView.leadingAnchor],
+            [document.trailingAnchor constraintEqualToAnchor:scroll.contentView.trailingAnchor],
+            height,
+        ]];
+    }
+
+private:
+    void show(const ui::View& view, const Surroundings& surroundings) override
+    {
+        Surroundings inner = surroundings;
+        inner.isInForm = true;
+        inner.isInRow = false;
+        inner.isInCenteredColumn = false;
+        sections_.show(view.children, inner);
+        alignLabels();
+    }
+
+    /// The labels of all sections are as wide as the widest, so that their controls begin at one line.
+    void alignLabels()
+    {
+        NSMutableArray<NSView*>* const labels = [NSMutableArray array];
+        sections_.children().collectLabels(labels);
+        if ([labels isEqualToArray:labels_]) {
+            return;
+        }
+        labels_ = labels;
+        [NSLayoutConstraint deactivateConstraints:equalLabels_];
+        NSMutableArray<NSLayoutConstraint*>* const equal = [NSMutableArray array];
+        for (NSView* const label in labels) {
+            if (label != labels.firstObject) {
+                [equal addObject:[label.widthAnchor constraintEqualToAnchor:labels.firstObject.widthAnchor]];
+            }
+        }
+        equalLabels_ = equal;
+        [NSLayoutConstraint activateConstraints:equalLabels_];
+    }
+
+    [[nodiscard]] bool wantsAll(Orientation /*orientation*/) const override { return true; }
+    void eachChild(const std::function<void(DrawnNode&)>& visit) override { sections_.children().each(visit); }
+
+    Rows sections_{formSpacing};
+    NSArray<NSView*>* labels_ = @[];
+    NSArray<NSLayoutConstraint*>* equalLabels_ = @[];
+};
+
+} // namespace
+
+std::unique_ptr<DrawnNode> makeNode(const ui::Form& /*form*/)
+{
+    return std::make_unique<FormNode>();
+}
+
+std::unique_ptr<DrawnNode> makeNode(const ui::Section& /*section*/)
+{
+    return std::make_unique<SectionNode>();
+}
+
+} // namespace sentrel::mac

@@ -1,0 +1,388 @@
+#include "mac/foundation/FoundationText.hpp"
+#include "mac/windows/Appearance.hpp"
+#include "mac/windows/ElementNodes.hpp"
+#include "mac/windows/Placing.hpp"
+#include "ui/ListRows.hpp"
+#include "ui/Node.hpp"
+
+#include <utility>
+
+// Lists: a table with a row for each header, row and footer, of which AppKit keeps only the visible ones.
+
+namespace sentrel::mac {
+
+namespace {
+
+constexpr double rowHeight = 36.0;
+constexpr double rowInset = 4.0;
+
+using Kind = ui::ListRow::Kind;
+
+NSIndexSet* indexSet(const std::vector<std::size_t>& indexes)
+{
+    NSMutableIndexSet* const set = [NSMutableIndexSet indexSet];
+    for (const std::size_t index : indexes) {
+        [set addIndex:index];
+    }
+    return set;
+}
+
+std::vector<std::size_t> placesOf(NSIndexSet* set)
+{
+    std::vector<std::size_t> places;
+    // Without a set each index would be 0, again and again.
+    if (set == nil) {
+        return places;
+    }
+    for (NSUInteger index = set.firstIndex; index != NSNotFound; index = [set indexGreaterThanIndex:index]) {
+        places.push_back(index);
+    }
+    return places;
+}
+
+/// The text of a header or a footer as a view of its own.
+ui::View captionOf(const ui::ListRow& row)
+{
+    const auto& section = *ui::elementOf<ui::Section>(*row.view);
+    if (row.kind == Kind::header) {
+        return ui::text(section.header, ui::Text::Style::headline, ui::Text::Color::secondary);
+    }
+    return ui::text(section.footer, ui::Text::Style::caption, ui::Text::Color::secondary);
+}
+
+void setBackground(NSView* view, NSBackgroundStyle style)
+{
+    if ([view isKindOfClass:NSControl.class]) {
+        static_cast<NSCell*>(static_cast<NSControl*>(view).cell).backgroundStyle = style;
+    }
+    for (NSView* const inner in view.subviews) {
+        setBackground(inner, style);
+    }
+}
+
+} // namespace
+
+} // namespace sentrel::mac
+
+/// A row on the screen. AppKit hands it from one row that scrolls away to another.
+@interface SentrelRowCell : NSTableCellView {
+@public
+    std::unique_ptr<sentrel::mac::DrawnNode> drawn;
+}
+- (void)show:(const sentrel::ui::View&)view in:(const sentrel::mac::Surroundings&)surroundings;
+@end
+
+@implementation SentrelRowCell
+
+- (void)show:(const sentrel::ui::View&)view in:(const sentrel::mac::Surroundings&)surroundings
+{
+    NSView* const before = drawn ? drawn->outer() : nil;
+    drawn = sentrel::mac::DrawnNode::draw(std::move(drawn), view, "", surroundings);
+    NSView* const now = drawn->outer();
+    if (now == before) {
+        return;
+    }
+    [before removeFromSuperview];
+    [self addSubview:now];
+    sentrel::mac::setBackground(now, self.backgroundStyle);
+    const bool isWide = drawn->expands(NSLayoutConstraintOrientationHorizontal);
+    NSLayoutConstraint* const trailing =
+        isWide ? [now.trailingAnchor constraintEqualToAnchor:self.trailingAnchor]
+               : [now.trailingAnchor constraintLessThanOrEqualToAnchor:self.trailingAnchor];
+    [NSLayoutConstraint activateConstraints:@[
+        [now.leadingAnchor constraintEqualToAnchor:self.leadingAnchor],
+        trailing,
+        [now.topAnchor constraintEqualToAnchor:self.topAnchor constant:sentrel::mac::rowInset],
+        [now.bottomAnchor constraintEqualToAnchor:self.bottomAnchor constant:-sentrel::mac::rowInset],
+    ]];
+}
+
+- (void)setBackgroundStyle:(NSBackgroundStyle)backgroundStyle
+{
+    [super setBackgroundStyle:backgroundStyle];
+    // Texts at any depth must be readable on a selected row.
+    if (drawn) {
+        sentrel::mac::setBackground(drawn->outer(), backgroundStyle);
+    }
+}
+
+@end
+
+/// A table that tells when it gets or loses the keyboard.
+@interface SentrelTableView : NSTableView {
+@public
+    __weak SentrelNodeTarget* focusTarget;
+}
+@end
+
+@implementation SentrelTableView
+
+- (void)keyDown:(NSEvent*)event
+{
+    // These belong to the tree; a table has no use for them.
+    if (sentrel::mac::keyOf(event)) {
+        [self.nextResponder keyDown:event];
+        return;
+    }
+    [super keyDown:event];
+}
+
+- (BOOL)becomeFirstResponder
+{
+    const BOOL accepted = [super becomeFirstResponder];
+    if (accepted) {
+        [focusTarget gainedFocus];
+    }
+    return accepted;
+}
+
+- (BOOL)resignFirstResponder
+{
+    const BOOL accepted = [super resignFirstResponder];
+    if (accepted) {
+        [focusTarget lostFocus];
+    }
+    return accepted;
+}
+
+@end
+
+/// Answers the table's questions out of the newest rows.
+@interface SentrelListController : NSObject <NSTableViewDataSource, NSTableViewDelegate> {
+@public
+    std::vector<sentrel::ui::ListRow> rows; ///< into the tree that is shown
+    sentrel::mac::Surroundings surroundings;
+    sentrel::ui::Binding<std::set<std::string>> selection;
+    sentrel::ui::List::Selection mode;
+    BOOL isUpdating;      ///< the table changes because the tree did
+    BOOL hasNewSelection; ///< the person's, not told yet
+    std::set<std::string> newSelection;
+}
+- (void)fill:(SentrelRowCell*)cell at:(NSInteger)row;
+- (std::set<std::string>)selectedIn:(NSTableView*)table;
+@end
+
+@implementation SentrelListController
+
+- (NSInteger)numberOfRowsInTableView:(NSTableView*)tableView
+{
+    return static_cast<NSInteger>(rows.size());
+}
+
+/// Null beyond the rows: a table may ask for one that is just going.
+- (const sentrel::ui::ListRow*)rowAt:(NSInteger)row
+{
+    const auto index = static_cast<std::size_t>(row);
+    return index < rows.size() ? &rows[index] : nullptr;
+}
+
+- (NSView*)tableView:(NSTableView*)tableView viewForTableColumn:(NSTableColumn*)tableColumn row:(NSInteger)row
+{
+    const sentrel::ui::ListRow* const shown = [self rowAt:row];
+    const bool isRow = shown != nullptr && shown->kind == sentrel::ui::ListRow::Kind::row;
+    NSString* const identifier = isRow ? @"row" : @"caption";
+    const id reused = [tableView makeViewWithIdentifier:identifier owner:nil];
+    SentrelRowCell* const cell = reused != nil ? reused : [[SentrelRowCell alloc] init];
+    cell.identifier = identifier;
+    [self fill:cell at:row];
+    return cell;
+}
+
+- (void)fill:(SentrelRowCell*)cell at:(NSInteger)row
+{
+    const sentrel::ui::ListRow* const shown = [self rowAt:row];
+    if (shown == nullptr) {
+        return;
+    }
+    sentrel::mac::Surroundings own = surroundings;
+    own.isEnabled = own.isEnabled && shown->isEnabled;
+    if (shown->kind == sentrel::ui::ListRow::Kind::row) {
+        [cell show:*shown->view in:own];
+        return;
+    }
+    [cell show:sentrel::mac::captionOf(*shown) in:own];
+}
+
+- (BOOL)tableView:(NSTableView*)tableView isGroupRow:(NSInteger)row
+{
+    const sentrel::ui::ListRow* const shown = [self rowAt:row];
+    return shown != nullptr && shown->kind == sentrel::ui::ListRow::Kind::header;
+}
+
+- (NSIndexSet*)tableView:(NSTableView*)tableView
+    selectionIndexesForProposedSelection:(NSIndexSet*)proposedSelectionIndexes
+{
+    NSMutableIndexSet* const allowed = [NSMutableIndexSet indexSet];
+    if (mode == sentrel::ui::List::Selection::none) {
+        return allowed;
+    }
+    for (const std::size_t index : sentrel::mac::placesOf(proposedSelectionIndexes)) {
+        if (index < rows.size() && !sentrel::ui::selectedIds(rows, {index}).empty()) {
+            [allowed addIndex:index];
+        }
+    }
+    return allowed;
+}
+
+- (void)tableViewSelectionDidChange:(NSNotification*)notification
+{
+    if (isUpdating) {
+        return;
+    }
+    // Now, while the rows are those that the person has seen.
+    newSelection = [self selectedIn:notification.object];
+    if (hasNewSelection) {
+        return;
+    }
+    hasNewSelection = YES;
+    // Not from within the table's own event: the new tree may take the table away.
+    __weak SentrelListController* const weakSelf = self;
+    dispatch_async(dispatch_get_main_queue(), ^{
+        [weakSelf tellSelection];
+    });
+}
+
+- (void)tellSelection
+{
+    hasNewSelection = NO;
+    const auto selected = std::exchange(newSelection, {});
+    const auto set = selection.set; // a copy: the new tree brings another
+    if (set && selected != selection.value) {
+        set(selected);
+    }
+}
+
+- (std::set<std::string>)selectedIn:(NSTableView*)table
+{
+    return sentrel::ui::selectedIds(rows, sentrel::mac::placesOf(table.selectedRowIndexes));
+}
+
+@end
+
+namespace sentrel::mac {
+
+namespace {
+
+class ListNode final : public DrawnNode {
+public:
+    ListNode() : DrawnNode([[NSScrollView alloc] init])
+    {
+        NSTableColumn* const column = [[NSTableColumn alloc] initWithIdentifier:@"rows"];
+        column.resizingMask = NSTableColumnAutoresizingMask;
+        [table_ addTableColumn:column];
+        table_.columnAutoresizingStyle = NSTableViewUniformColumnAutoresizingStyle;
+        table_.headerView = nil;
+        table_.usesAutomaticRowHeights = YES;
+        table_.rowHeight = rowHeight;
+        table_.floatsGroupRows = YES;
+        table_.allowsEmptySelection = YES;
+        table_.allowsTypeSelect = NO;
+        table_.dataSource = controller_; // which the table does not retain, nor its delegate
+        table_.delegate = controller_;
+        table_->focusTarget = target();
+        NSScrollView* const scroll = static_cast<NSScrollView*>(view());
+        scroll.documentView = table_;
+        scroll.hasVerticalScroller = YES;
+        scroll.autohidesScrollers = YES;
+        scroll.borderType = NSNoBorder;
+    }
+    ~ListNode() override
+    {
+        table_.dataSource = nil;
+        table_.delegate = nil;
+    }
+
+private:
+    void show(const ui::View& view, const Surroundings& surroundings) override
+    {
+        const ui::List& list = *ui::elementOf<ui::List>(view);
+        adopt(surroundings);
+        controller_->mode = list.mode;
+        controller_->selection = list.selection;
+        table_.allowsMultipleSelection = list.mode == ui::List::Selection::multiple;
+        table_.enabled = surroundings.isEnabled;
+        controller_->isUpdating = YES;
+        if (view.children.isSameAs(shown_) || showRows(ui::rowsOf(view))) {
+            fillVisibleRows();
+        }
+        shown_ = view.children;
+        if (!controller_->hasNewSelection) {
+            showSelection(list.selection.value);
+        }
+        controller_->isUpdating = NO;
+    }
+
+    void adopt(const Surroundings& surroundings)
+    {
+        Surroundings inner;
+        inner.isEnabled = surroundings.isEnabled;
+        controller_->surroundings = inner;
+        table_.style = surroundings.isInSidebar ? NSTableViewStyleSourceList : NSTableViewStyleInset;
+        static_cast<NSScrollView*>(view()).drawsBackground = !surroundings.isInSidebar;
+    }
+
+    /// Rows that stay keep their place on the screen, their selection and what stands in them. False when the table
+    /// fills itself anew.
+    [[nodiscard]] bool showRows(std::vector<ui::ListRow> rows)
+    {
+        // Asked for before the rows change: the table counts them only when it needs to.
+        const auto counted = static_cast<std::size_t>(table_.numberOfRows);
+        const auto before = std::exchange(controller_->rows, std::move(rows));
+        const ui::RowChanges changes = ui::changesBetween(before, controller_->rows);
+        if (changes.isReordered || before.empty() || counted != before.size()) {
+            [table_ reloadData];
+            return false;
+        }
+        if (!changes.removed.empty() || !changes.inserted.empty()) {
+            [table_ beginUpdates];
+            [table_ removeRowsAtIndexes:indexSet(changes.removed) withAnimation:NSTableViewAnimationEffectFade];
+            [table_ insertRowsAtIndexes:indexSet(changes.inserted) withAnimation:NSTableViewAnimationEffectFade];
+            [table_ endUpdates];
+        }
+        return true;
+    }
+
+    void fillVisibleRows()
+    {
+        SentrelListController* const controller = controller_;
+        NSTableView* const table = table_;
+        [table enumerateAvailableRowViewsUsingBlock:^(NSTableRowView*, NSInteger row) {
+            // A row that is just going has no place any more.
+            const id cell = row < 0 ? nil : [table viewAtColumn:0 row:row makeIfNecessary:NO];
+            if ([cell isKindOfClass:SentrelRowCell.class]) {
+                [controller fill:cell at:row];
+            }
+        }];
+    }
+
+    void showSelection(const std::set<std::string>& wanted)
+    {
+        if ([controller_ selectedIn:table_] == wanted) {
+            return;
+        }
+        NSMutableIndexSet* const indexes = [NSMutableIndexSet indexSet];
+        for (std::size_t index = 0; index < controller_->rows.size(); ++index) {
+            const ui::ListRow& row = controller_->rows[index];
+            if (row.kind == Kind::row && wanted.contains(row.view->traits.id)) {
+                [indexes addIndex:index];
+            }
+        }
+        [table_ selectRowIndexes:indexes byExtendingSelection:NO];
+    }
+
+    [[nodiscard]] NSView* control() const override { return table_; }
+    [[nodiscard]] bool wantsAll(NSLayoutConstraintOrientation /*orientation*/) const override { return true; }
+
+    ui::Children shown_; // held: the rows point into them
+    SentrelTableView* const table_ = [[SentrelTableView alloc] init];
+    SentrelListController* const controller_ = [[SentrelListController alloc] init];
+};
+
+} // namespace
+
+std::unique_ptr<DrawnNode> makeNode(const ui::List& /*list*/)
+{
+    return std::make_unique<ListNode>();
+}
+
+} // namespace sentrel::mac

@@ -1,0 +1,36 @@
+#pragma once
+
+#include "ports/PreviewPanel.hpp"
+
+#import <QuickLookUI/QuickLookUI.h>
+
+@class SentrelPreviewSource;
+
+namespace sentrel::mac {
+
+/// The shared panel of Quick Look. It takes a data source only from whoever has control of it: a source that is set
+/// before waits until the application has.
+class MacPreviewPanel final : public ports::PreviewPanel {
+public:
+    MacPreviewPanel();
+    ~MacPreviewPanel() override;
+    MacPreviewPanel(const MacPreviewPanel&) = delete;
+    MacPreviewPanel& operator=(const MacPreviewPanel&) = delete;
+
+    void setControl(ports::PreviewPanelControl control) override { control_ = std::move(control); }
+    void setDataSource(ports::PreviewDataSource* source) override;
+    void reloadData() override;
+    void makeKeyAndOrderFront() override;
+
+    /// What the application's delegate is asked about the panel comes here.
+    [[nodiscard]] bool accepts();
+    void begin(QLPreviewPanel* panel);
+    void end(QLPreviewPanel* panel);
+
+private:
+    ports::PreviewPanelControl control_;
+    SentrelPreviewSource* const source_;
+    QLPreviewPanel* controlled_ = nil; // while the application has control
+};
+
+} // namespace sentrel::mac

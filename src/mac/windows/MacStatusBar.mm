@@ -1,0 +1,109 @@
+#include "mac/windows/MacStatusBar.hpp"
+
+#include "mac/foundation/FoundationText.hpp"
+#include "mac/windows/MacWindows.hpp"
+#include "mac/windows/MenuPanel.hpp"
+
+#include <functional>
+#include <utility>
+
+/// Opens and closes the menu when the person clicks the item.
+@interface SentrelStatusItemTarget : NSObject {
+@public
+    SentrelMenuPanel* panel;
+    std::function<void()> opened;
+}
+- (void)clicked:(id)sender;
+@end
+
+@implementation SentrelStatusItemTarget
+
+- (void)clicked:(id)sender
+{
+    // The keyboard reaches the menu bar behind a shield, too.
+    if (sentrel::mac::isScreenShielded()) {
+        return;
+    }
+    if (panel.isVisible) {
+        [panel dismiss];
+        return;
+    }
+    // The system draws status items in a process of its own, so that a click on ours counts as one elsewhere, too.
+    if ([panel wasJustDismissed]) {
+        return;
+    }
+    // First, so that the menu opens with what has changed.
+    if (const auto told = opened) {
+        told();
+    }
+    [panel open];
+}
+
+@end
+
+namespace sentrel::mac {
+
+namespace {
+
+/// The asset, or a symbol of the system's: an item without an image can't be seen, nor clicked.
+NSImage* imageOf(NSString* asset)
+{
+    if (NSImage* const image = [NSImage imageNamed:asset]) {
+        return image;
+    }
+    NSString* const symbol = [asset hasSuffix:@"Armed"] ? @"checkmark.shield" : @"shield";
+    return [NSImage imageWithSystemSymbolName:symbol accessibilityDescription:nil];
+}
+
+class MacStatusItem final : public ports::StatusItem {
+public:
+    MacStatusItem()
+    {
+        NSStatusBarButton* const button = item_.button;
+        target_->panel = [[SentrelMenuPanel alloc] initForButton:button];
+        button.target = target_;
+        button.action = @selector(clicked:);
+        // A menu opens when the button goes down.
+        [button sendActionOn:NSEventMaskLeftMouseDown | NSEventMaskRightMouseDown];
+    }
+    ~MacStatusItem() override
+    {
+        [target_->panel dismiss];
+        [target_->panel->host endContent];
+        item_.button.target = nil;
+        [NSStatusBar.systemStatusBar removeStatusItem:item_];
+    }
+    MacStatusItem(const MacStatusItem&) = delete;
+    MacStatusItem& operator=(const MacStatusItem&) = delete;
+
+    void setImage(const std::string& asset, const std::string& accessibilityLabel) override
+    {
+        NSImage* const image = imageOf(stringObject(asset));
+        // In the color of the menu bar, light or dark.
+        [image setTemplate:YES];
+        item_.button.image = image;
+        item_.button.accessibilityLabel = stringObject(accessibilityLabel);
+    }
+    void showContent(ui::View content) override
+    {
+        target_->panel->host->renderer->render(std::move(content));
+        if (target_->panel.isVisible) {
+            [target_->panel fit];
+        }
+    }
+    void setOpened(std::function<void()> opened) override { target_->opened = std::move(opened); }
+    void dismiss() override { [target_->panel dismiss]; }
+
+private:
+    NSStatusItem* const item_ = [NSStatusBar.systemStatusBar statusItemWithLength:NSVariableStatusItemLength];
+    SentrelStatusItemTarget* const target_ = [[SentrelStatusItemTarget alloc] init];
+};
+
+} // namespace
+
+std::unique_ptr<ports::StatusItem> MacStatusBar::makeStatusItem()
+{
+    return std::make_unique<MacStatusItem>();
+}
+
+} // namespace sentrel::mac

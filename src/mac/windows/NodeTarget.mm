@@ -1,0 +1,178 @@
+#include "mac/windows/NodeTarget.hpp"
+
+#include "mac/foundation/FoundationText.hpp"
+#include "ui/Node.hpp"
+
+#include <utility>
+
+using namespace sentrel;
+
+namespace {
+
+void perform(ui::Action action)
+{
+    if (action) {
+        action();
+    }
+}
+
+template <class T> void assign(std::function<void(T)> set, T value)
+{
+    if (set) {
+        set(std::move(value));
+    }
+}
+
+} // namespace
+
+// An action may bring a tree without this node, and so end the target: each method calls a copy, last of all.
+@implementation SentrelNodeTarget
+
+- (void)pressed:(id)sender
+{
+    if (const auto* const button = ui::elementOf<ui::Button>(node)) {
+        perform(button->action);
+    }
+}
+
+- (void)toggled:(id)sender
+{
+    const auto* const toggle = ui::elementOf<ui::Toggle>(node);
+    if (toggle == nullptr) {
+        return;
+    }
+    // NSButton and NSSwitch both have a state.
+    const bool isOn = [sender isKindOfClass:NSSwitch.class]
+                          ? static_cast<NSSwitch*>(sender).state == NSControlStateValueOn
+                          : static_cast<NSButton*>(sender).state == NSControlStateValueOn;
+    assign(toggle->isOn.set, isOn);
+}
+
+- (void)slid:(id)sender
+{
+    if (const auto* const slider = ui::elementOf<ui::Slider>(node)) {
+        assign(slider->value.set, static_cast<NSSlider*>(sender).doubleValue);
+    }
+}
+
+- (void)submitted:(id)sender
+{
+    const auto* const secure = ui::elementOf<ui::SecureField>(node);
+    const auto* const plain = ui::elementOf<ui::TextField>(node);
+    const ui::Action submit = secure != nullptr ? secure->submit : plain != nullptr ? plain->submit : ui::Action{};
+    if (submit) {
+        submit();
+        return;
+    }
+    [static_cast<NSControl*>(sender).nextResponder tryToPerform:@selector(returnKeyPressed:) with:sender];
+}
+
+- (BOOL)control:(NSControl*)control textView:(NSTextView*)textView doCommandBySelector:(SEL)commandSelector
+{
+    if (commandSelector != @selector(cancelOperation:)) {
+        return NO;
+    }
+    return [control.nextResponder tryToPerform:@selector(cancelOperation:) with:control];
+}
+
+- (void)controlTextDidChange:(NSNotification*)notification
+{
+    NSTextField* const field = notification.object;
+    if (const auto* const secure = ui::elementOf<ui::SecureField>(node)) {
+        assign(secure->text.set, mac::secretTextOf(field));
+    } else if (const auto* const plain = ui::elementOf<ui::TextField>(node)) {
+        assign(plain->text.set, mac::textOf(field.stringValue));
+    }
+}
+
+- (void)controlTextDidEndEditing:(NSNotification*)notification
+{
+    NSNumber* const movement = notification.userInfo[NSTextMovementUserInfoKey];
+    // After the return key the field selects its text and keeps the keyboard.
+    if (movement.integerValue != NSTextMovementReturn) {
+        [self tellFocus:false];
+    }
+}
+
+- (void)lostFocus
+{
+    [self tellFocus:false];
+}
+
+- (void)gainedFocus
+{
+    [self tellFocus:true];
+}
+
+- (void)tellFocus:(bool)isFocused
+{
+    // Not from within the change of the first responder: the new tree may want to change it itself.
+    __weak SentrelNodeTarget* const weakSelf = self;
+    dispatch_async(dispatch_get_main_queue(), ^{
+        SentrelNodeTarget* const target = weakSelf;
+        if (target != nil && target->node.traits.focus) {
+            assign(target->node.traits.focus->set, isFocused);
+        }
+    });
+}
+
+@end
+
+@implementation SentrelTextField
+
+- (BOOL)becomeFirstResponder
+{
+    const BOOL accepted = [super becomeFirstResponder];
+    if (accepted) {
+        [static_cast<SentrelNodeTarget*>(self.delegate) gainedFocus];
+    }
+    return accepted;
+}
+
+@end
+
+@implementation SentrelSecureField
+
+- (BOOL)becomeFirstResponder
+{
+    const BOOL accepted = [super becomeFirstResponder];
+    if (accepted) {
+        [static_cast<SentrelNodeTarget*>(self.delegate) gainedFocus];
+    }
+    return accepted;
+}
+
+@end
+
+namespace sentrel::mac {
+
+SecretText secretTextOf(NSTextField* field)
+{
+    NSString* const text = field.stringValue;
+    SecretBytes bytes{[text lengthOfBytesUsingEncoding:NSUTF8StringEncoding]};
+    NSUInteger used = 0;
+    NSRange rest = NSMakeRange(0, 0);
+    [text getBytes:bytes.writable().data()
+             maxLength:bytes.size()
+            usedLength:&used
+              encoding:NSUTF8StringEncoding
+               options:0
+                 range:NSMakeRange(0, text.length)
+        remainingRange:&rest];
+    return SecretText{std::move(bytes)};
+}
+
+void setText(NSTextField* field, NSString* text)
+{
+    if ([field.stringValue isEqualToString:text]) {
+        return;
+    }
+    NSText* const editor = field.currentEditor;
+    if (editor != nil) {
+        editor.string = text;
+        return;
+    }
+    field.stringValue = text;
+}
+
+} // namespace sentrel::mac

@@ -1,0 +1,56 @@
+#include "mac/windows/WindowAttachments.hpp"
+
+#include "mac/windows/WindowToolbar.hpp"
+#include "ui/Attachments.hpp"
+#include "ui/Node.hpp"
+
+#include <utility>
+#include <vector>
+
+namespace sentrel::mac {
+
+namespace {
+
+std::unique_ptr<Overlay> makeOverlay(const ui::View& attachment)
+{
+    return ui::elementOf<ui::Sheet>(attachment) != nullptr ? makeSheet() : makeDialog();
+}
+
+} // namespace
+
+WindowAttachments::WindowAttachments() = default;
+WindowAttachments::~WindowAttachments() = default;
+
+void WindowAttachments::show(NSWindow* window, const ui::View& content)
+{
+    auto before = std::exchange(overlays_, {});
+    const std::vector<ui::Attachment> attachments = ui::attachmentsOf(content);
+    std::vector<ui::Attachment> toolbars;
+    for (const ui::Attachment& attachment : attachments) {
+        if (ui::elementOf<ui::Toolbar>(*attachment.view) != nullptr) {
+            toolbars.push_back(attachment);
+            continue;
+        }
+        auto overlay = std::move(before[attachment.identity]);
+        if (overlay == nullptr || !overlay->suits(*attachment.view)) {
+            overlay = makeOverlay(*attachment.view);
+        }
+        overlays_[attachment.identity] = std::move(overlay);
+    }
+    // What goes makes room before anything new begins.
+    before.clear();
+    for (const ui::Attachment& attachment : attachments) {
+        const auto overlay = overlays_.find(attachment.identity);
+        if (overlay != overlays_.end()) {
+            overlay->second->show(window.isVisible ? window : nil, *attachment.view);
+        }
+    }
+    if (toolbar_ == nullptr && !toolbars.empty()) {
+        toolbar_ = std::make_unique<WindowToolbar>();
+    }
+    if (toolbar_ != nullptr) {
+        toolbar_->show(window, toolbars);
+    }
+}
+
+} // namespace sentrel::mac

@@ -1,0 +1,41 @@
+#pragma once
+
+#include "mac/windows/DrawnNode.hpp"
+#include "ui/Attachments.hpp"
+
+#include <map>
+
+/// Makes the items of a toolbar out of those that are wished for.
+@interface SentrelToolbarDelegate : NSObject <NSToolbarDelegate> {
+@public
+    NSMutableDictionary<NSString*, NSToolbarItem*>* items; ///< by identity
+    NSArray<NSString*>* order;
+}
+@end
+
+namespace sentrel::mac {
+
+/// A window's toolbar: the children of all toolbars that are attached to the tree. Buttons are items of the toolbar's
+/// own kind, spacers its flexible spaces, everything else stands in it as it is. Main thread.
+class WindowToolbar {
+public:
+    WindowToolbar();
+    ~WindowToolbar();
+    WindowToolbar(const WindowToolbar&) = delete;
+    WindowToolbar& operator=(const WindowToolbar&) = delete;
+
+    /// Shows these in the window, if any; none takes the toolbar off it.
+    void show(NSWindow* window, const std::vector<ui::Attachment>& toolbars);
+
+private:
+    struct Item;
+
+    void showItem(const std::string& identity, const ui::View& view, bool isEnabled);
+    void arrange();
+
+    NSToolbar* const toolbar_;
+    SentrelToolbarDelegate* const delegate_ = [[SentrelToolbarDelegate alloc] init];
+    std::map<std::string, Item> items_; // by identity
+};
+
+} // namespace sentrel::mac

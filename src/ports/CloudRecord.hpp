@@ -1,0 +1,48 @@
+#pragma once
+
+#include "foundation/Bytes.hpp"
+#include "foundation/Date.hpp"
+
+#include <cstdint>
+#include <filesystem>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <variant>
+#include <vector>
+
+namespace sentrel::ports {
+
+/// A file that travels with a record. In a fetched record it is the system's own copy, which may go with the last
+/// `CloudAsset` that names it: whoever reads the file keeps one meanwhile.
+struct CloudAsset {
+    std::filesystem::path file;
+    std::shared_ptr<const void> holder{}; ///< opaque: the system's own object
+    friend bool operator==(const CloudAsset& left, const CloudAsset& right) { return left.file == right.file; }
+};
+
+/// What a field can hold. The database keeps booleans as the integers 0 and 1.
+using CloudValue = std::variant<std::string, std::int64_t, double, Date, std::vector<std::string>, CloudAsset>;
+
+/// A record of the private database's default zone, or what a request asked for of one.
+struct CloudRecord {
+    std::string type;
+    std::string name;
+    std::map<std::string, CloudValue> fields;
+
+    /// The system's own fields, the record's version among them; opaque, empty for a record that was never fetched.
+    Bytes systemFields;
+    std::optional<Date> modificationDate; ///< by the server's clock; none for a record that was never saved
+
+    friend bool operator==(const CloudRecord&, const CloudRecord&) = default;
+};
+
+/// The field when it is there and of this kind, or null.
+template <class Kind> [[nodiscard]] const Kind* fieldOf(const CloudRecord& record, const std::string& name)
+{
+    const auto found = record.fields.find(name);
+    return found == record.fields.end() ? nullptr : std::get_if<Kind>(&found->second);
+}
+
+} // namespace sentrel::ports

@@ -1,0 +1,33 @@
+#pragma once
+
+#include "foundation/Quietly.hpp"
+
+#include <cstdint>
+#include <initializer_list>
+#include <string_view>
+#include <utility>
+#include <variant>
+
+namespace sentrel::ports {
+
+/// The system's log, where the product notes what it did, for support and for the simulated MacBook's story. Nothing
+/// secret goes here. Any thread.
+class Journal {
+public:
+    virtual ~Journal() = default;
+
+    using Value = std::variant<std::monostate, bool, std::int64_t, double, std::string_view>;
+    using Field = std::pair<std::string_view, Value>;
+
+    /// Notes an event, for example `alert.saved`, with its fields in order. The views are used during the call only.
+    /// An event that the log can't take is lost: no caller has to reckon with a failure.
+    void note(std::string_view event, std::initializer_list<Field> fields) noexcept
+    {
+        quietly([&] { write(event, fields); });
+    }
+
+private:
+    virtual void write(std::string_view event, std::initializer_list<Field> fields) = 0;
+};
+
+} // namespace sentrel::ports

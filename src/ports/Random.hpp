@@ -1,0 +1,26 @@
+#pragma once
+
+#include <cstdint>
+#include <span>
+
+namespace sentrel::ports {
+
+/// The system's source of random bytes. Any thread.
+class Random {
+public:
+    virtual ~Random() = default;
+
+    /// Fills the whole span; false when the system has none to give (`SecRandomCopyBytes`).
+    [[nodiscard]] virtual bool fill(std::span<std::uint8_t> bytes) = 0;
+};
+
+/// The system's general random generator, which always answers. Any thread.
+class GeneralRandom {
+public:
+    virtual ~GeneralRandom() = default;
+
+    /// A uniformly distributed byte (`arc4random_uniform`).
+    [[nodiscard]] virtual std::uint8_t nextByte() = 0;
+};
+
+} // namespace sentrel::ports

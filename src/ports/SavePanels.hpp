@@ -1,0 +1,28 @@
+#pragma once
+
+#include "runtime/Async.hpp"
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace sentrel::ports {
+
+/// What an `NSSavePanel` is set up with.
+struct SavePanelContent {
+    std::string title;
+    std::vector<std::string> allowedContentTypes; ///< uniform type identifiers
+    std::string nameFieldStringValue;             ///< the suggested name
+};
+
+/// The system's panel for choosing where to save. Main thread.
+class SavePanels {
+public:
+    virtual ~SavePanels() = default;
+
+    /// Runs a panel; gives the file that the user chose, or none when the user cancelled.
+    [[nodiscard]] virtual Async<std::optional<std::filesystem::path>> run(SavePanelContent content) = 0;
+};
+
+} // namespace sentrel::ports

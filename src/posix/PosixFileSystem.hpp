@@ -1,0 +1,26 @@
+#pragma once
+
+#include "ports/FileSystem.hpp"
+
+namespace sentrel::posix {
+
+/// The file system through POSIX calls, for every platform that has them. Modes are applied whatever the umask is; a
+/// call that a signal interrupts is made again; descriptors are not inherited by child processes.
+class PosixFileSystem final : public ports::FileSystem {
+public:
+    int createDirectories(const std::filesystem::path& directory, std::uint32_t mode) override;
+    [[nodiscard]] std::optional<std::vector<std::string>> list(const std::filesystem::path& directory) override;
+    [[nodiscard]] std::optional<Bytes> read(const std::filesystem::path& file) override;
+    [[nodiscard]] bool exists(const std::filesystem::path& file) override;
+
+    /// A symbolic link in the file's place is not followed (`ELOOP`).
+    [[nodiscard]] std::unique_ptr<ports::WritableFile> create(const std::filesystem::path& file,
+                                                              std::optional<std::uint32_t> mode, int& error) override;
+    [[nodiscard]] int rename(const std::filesystem::path& from, const std::filesystem::path& to) override;
+    [[nodiscard]] int synchronizeDirectory(const std::filesystem::path& directory) override;
+
+    /// Removes a file or a link, never a folder.
+    int remove(const std::filesystem::path& file) override;
+};
+
+} // namespace sentrel::posix

@@ -1,0 +1,109 @@
+#include "simulation/EventLog.hpp"
+
+namespace sentrel::simulation {
+
+namespace {
+
+Event::Value ownedValue(const ports::Journal::Value& value)
+{
+    if (const auto* text = std::get_if<std::string_view>(&value)) {
+        return std::string{*text};
+    }
+    if (const auto* number = std::get_if<double>(&value)) {
+        return *number;
+    }
+    if (const auto* integer = std::get_if<std::int64_t>(&value)) {
+        return *integer;
+    }
+    if (const auto* flag = std::get_if<bool>(&value)) {
+        return *flag;
+    }
+    return std::monostate{};
+}
+
+} // namespace
+
+void EventLog::write(std::string_view event, std::initializer_list<Field> fields)
+{
+    Event made{.at = 0.0, .name = std::string{event}, .fields = {}};
+    made.fields.reserve(fields.size());
+    for (const auto& [name, value] : fields) {
+        made.fields.emplace_back(name, ownedValue(value));
+    }
+    const Event* kept = nullptr;
+    std::shared_ptr<const Observers> observers;
+    {
+        const std::lock_guard guard{mutex_};
+        // Read under the lock, so that the times never go back along the log.
+        made.at = toSeconds(scheduler_.now() - start_);
+        kept = &events_.emplace_back(std::move(made));
+        observers = observers_;
+        if (file_.is_open()) {
+            writeLine(*kept);
+        }
+    }
+    for (const Observer& observer : *observers) {
+        observer(*kept);
+    }
+}
+
+void EventLog::observe(Observer observer)
+{
+    const std::lock_guard guard{mutex_};
+    auto observers = std::make_shared<Observers>(*observers_);
+    observers->push_back(std::move(observer));
+    observers_ = std::move(observers);
+}
+
+std::size_t EventLog::size() const
+{
+    const std::lock_guard guard{mutex_};
+    return events_.size();
+}
+
+std::vector<Event> EventLog::events(std::size_t from) const
+{
+    const std::lock_guard guard{mutex_};
+    if (from >= events_.size()) {
+        return {};
+    }
+    return {events_.begin() + static_cast<std::ptrdiff_t>(from), events_.end()};
+}
+
+std::vector<Event> EventLog::named(std::string_view name) const
+{
+    const std::lock_guard guard{mutex_};
+    std::vector<Event> found;
+    for (const Event& event : events_) {
+        if (event.name == name) {
+            found.push_back(event);
+        }
+    }
+    return found;
+}
+
+bool EventLog::writeTo(const std::filesystem::path& file)
+{
+    const std::lock_guard guard{mutex_};
+    file_ = std::ofstream{file, std::ios::binary | std::ios::trunc};
+    isWrittenWhole_ = file_.is_open();
+    for (const Event& event : events_) {
+        writeLine(event);
+    }
+    return isWrittenWhole_;
+}
+
+bool EventLog::isWrittenWhole() const
+{
+    const std::lock_guard guard{mutex_};
+    return isWrittenWhole_;
+}
+
+void EventLog::writeLine(const Event& event)
+{
+    // Flushed at once: whoever follows the file sees an event when it happens, and a crash of ours loses none.
+    file_ << jsonLine(event) << '\n' << std::flush;
+    isWrittenWhole_ = isWrittenWhole_ && file_.good();
+}
+
+} // namespace sentrel::simulation

@@ -1,0 +1,166 @@
+#include "simulation/HangingCalls.hpp"
+
+#include <condition_variable>
+#include <exception>
+#include <mutex>
+#include <stdexcept>
+#include <thread>
+#include <utility>
+
+namespace sentrel::simulation {
+
+namespace {
+
+/// Takes the stack of a hanging call down. No `std::exception`: nobody handles it as a failure of his own.
+struct CallEnded {};
+
+} // namespace
+
+/// A thread for one job at a time. Either it runs or whoever handed it the job does, never both.
+class HangingCalls::Worker {
+public:
+    Worker() : thread_([this] { work(); }) {}
+    ~Worker()
+    {
+        hand(State::over);
+        thread_.join();
+    }
+    Worker(const Worker&) = delete;
+
+    /// The worker that the calling code runs on; null elsewhere.
+    static Worker* current() { return ownWorker; }
+
+    /// False when the job hangs. Throws what the job throws.
+    bool run(Job& job)
+    {
+        job_ = &job;
+        const State after = handAndWait(State::running);
+        if (error_) {
+            std::rethrow_exception(std::exchange(error_, nullptr));
+        }
+        return after == State::idle;
+    }
+
+    /// On the worker's own thread.
+    [[noreturn]] void hang()
+    {
+        std::unique_lock guard{mutex_};
+        state_ = State::hung;
+        changed_.notify_all();
+        changed_.wait(guard, [this] { return state_ != State::hung; });
+        throw CallEnded{};
+    }
+
+    /// Lets the hanging call come back with an exception, and its job come to an end.
+    void end()
+    {
+        handAndWait(State::running);
+        error_ = nullptr;
+    }
+
+private:
+    enum class State { idle, running, hung, over };
+
+    void hand(State state)
+    {
+        const std::lock_guard guard{mutex_};
+        state_ = state;
+        changed_.notify_all();
+    }
+
+    State handAndWait(State state)
+    {
+        hand(state);
+        std::unique_lock guard{mutex_};
+        changed_.wait(guard, [this] { return state_ != State::running; });
+        return state_;
+    }
+
+    void work()
+    {
+        ownWorker = this;
+        std::unique_lock guard{mutex_};
+        for (;;) {
+            changed_.wait(guard, [this] { return state_ != State::idle; });
+            if (state_ == State::over) {
+                return;
+            }
+            guard.unlock();
+            try {
+                job_->run();
+            } catch (...) {
+                error_ = std::current_exception();
+            }
+            guard.lock();
+            state_ = State::idle;
+            changed_.notify_all();
+        }
+    }
+
+    static thread_local Worker* ownWorker;
+    std::mutex mutex_;
+    std::condition_variable changed_;
+    State state_ = State::idle;
+    Job* job_ = nullptr;
+    std::exception_ptr error_;
+    std::thread thread_;
+};
+
+thread_local HangingCalls::Worker* HangingCalls::Worker::ownWorker = nullptr;
+
+HangingCalls::HangingCalls(VirtualClock& clock, const VirtualScheduler& process) : clock_(clock), process_(process)
+{
+}
+
+HangingCalls::~HangingCalls()
+{
+    end();
+    clock_.setJobRunner(nullptr);
+}
+
+void HangingCalls::prepare()
+{
+    clock_.setJobRunner(this);
+}
+
+void HangingCalls::hang()
+{
+    if (Worker::current() == nullptr) {
+        throw std::logic_error{"a call hangs that nothing was prepared for"};
+    }
+    Worker::current()->hang();
+}
+
+void HangingCalls::end()
+{
+    isEnding_ = true;
+    for (auto& worker : std::exchange(hung_, {})) {
+        worker->end();
+        idle_.push_back(std::move(worker));
+    }
+    isEnding_ = false;
+}
+
+bool HangingCalls::run(Job& job)
+{
+    // Not the calling thread, which is left behind if the job hangs; a job that blocks runs others on further threads.
+    auto worker = idle_.empty() ? std::make_unique<Worker>() : std::move(idle_.back());
+    if (!idle_.empty()) {
+        idle_.pop_back();
+    }
+    Worker& runs = *worker;
+    std::exception_ptr error;
+    bool isOver = true;
+    try {
+        isOver = runs.run(job);
+    } catch (...) {
+        error = std::current_exception();
+    }
+    (isOver ? idle_ : hung_).push_back(std::move(worker));
+    if (error) {
+        std::rethrow_exception(error);
+    }
+    return isOver;
+}
+
+} // namespace sentrel::simulation

@@ -1,0 +1,36 @@
+#pragma once
+
+#include "posix/PosixFileSystem.hpp"
+#include "simulation/icloud/ServerRecord.hpp"
+
+#include <atomic>
+#include <cstdint>
+#include <filesystem>
+
+namespace sentrel::simulation {
+
+/// Records between a Mac, where assets are files, and the server. What is downloaded lies in a folder of the system's
+/// own; nothing that befalls the product's files befalls these. Any thread.
+class AssetFolder {
+public:
+    /// Empties the folder, which is made when it is needed.
+    explicit AssetFolder(std::filesystem::path folder);
+
+    /// The record with its assets' content. Throws error 16 (asset file not found) when a file can't be read.
+    [[nodiscard]] ServerRecord uploaded(const ports::CloudRecord& record);
+
+    /// The record with its assets as new files. Throws error 35 (asset not available) when one can't be written.
+    [[nodiscard]] ports::CloudRecord downloaded(const ServerRecord& record);
+
+    /// The same of a result; an error stays one.
+    [[nodiscard]] ports::CloudRecordResult downloaded(const ServerRecordResult& result);
+
+private:
+    [[nodiscard]] ports::CloudAsset write(const Bytes& content);
+
+    posix::PosixFileSystem files_;
+    const std::filesystem::path folder_;
+    std::atomic<std::uint64_t> written_ = 0;
+};
+
+} // namespace sentrel::simulation

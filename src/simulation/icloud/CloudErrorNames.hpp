@@ -1,0 +1,42 @@
+#pragma once
+
+#include "ports/CloudError.hpp"
+
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+
+namespace sentrel::simulation {
+
+/// Those of `CKErrorCode` that the server gives of its own accord.
+struct CKError {
+    static constexpr int internalError = 1;
+    static constexpr int networkUnavailable = 3;
+    static constexpr int networkFailure = 4;
+    static constexpr int notAuthenticated = 9;
+    static constexpr int unknownItem = 11;
+    static constexpr int invalidArguments = 12;
+    static constexpr int serverRecordChanged = 14;
+    static constexpr int assetFileNotFound = 16;
+    static constexpr int batchRequestFailed = 22;
+    static constexpr int zoneBusy = 23;
+    static constexpr int quotaExceeded = 25;
+    static constexpr int limitExceeded = 27;
+    static constexpr int assetNotAvailable = 35;
+    static constexpr int accountTemporarilyUnavailable = 36;
+};
+
+/// The names of the codes from 1, without gaps.
+[[nodiscard]] std::span<const std::string_view> cloudErrorNames();
+
+/// CloudKit's name of an error code, for example "networkFailure"; its digits when it has none.
+[[nodiscard]] std::string cloudErrorName(int code);
+
+/// The code of a name or of a positive number in digits; none for anything else.
+[[nodiscard]] std::optional<int> cloudErrorCode(std::string_view nameOrNumber);
+
+/// An error of CloudKit's own domain, its name being its description.
+[[nodiscard]] ports::CloudError cloudError(int code, std::optional<double> retryAfter = std::nullopt);
+
+} // namespace sentrel::simulation

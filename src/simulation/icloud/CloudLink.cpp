@@ -1,0 +1,245 @@
+#include "simulation/icloud/CloudLink.hpp"
+
+#include "ports/Journal.hpp"
+#include "simulation/icloud/CloudErrorNames.hpp"
+#include "simulation/icloud/SimulatedNetwork.hpp"
+
+#include <algorithm>
+
+namespace sentrel::simulation {
+
+namespace {
+
+using ports::CloudAccountStatus;
+using ports::CloudError;
+
+// What the system knows by itself it says at once, but never inside the call.
+constexpr Duration promptly = std::chrono::milliseconds{2};
+
+std::optional<CloudError> objectionOf(CloudAccountStatus status)
+{
+    switch (status) {
+    case CloudAccountStatus::available:
+        return std::nullopt;
+    case CloudAccountStatus::temporarilyUnavailable:
+        return cloudError(CKError::accountTemporarilyUnavailable);
+    default:
+        return cloudError(CKError::notAuthenticated);
+    }
+}
+
+std::string outcomeOf(const std::exception_ptr& error)
+{
+    if (!error) {
+        return "ok";
+    }
+    try {
+        std::rethrow_exception(error);
+    } catch (const CloudError& failure) {
+        return cloudErrorName(failure.code);
+    } catch (const std::exception& failure) {
+        return failure.what();
+    }
+}
+
+} // namespace
+
+/// A request on its way.
+struct CloudLink::Request {
+    CloudOperation operation;
+    std::shared_ptr<Pending> pending;
+    std::function<void()> serve;
+    std::optional<CloudFault> fault;
+    Duration wayBack{};
+    bool needsNetwork = true;
+};
+
+CloudLink::CloudLink(Scheduler& hardware, ports::Journal& journal, PrivateCloud& server, SimulatedNetwork& network,
+                     std::string device, std::uint64_t seed)
+    : journal_(journal),
+      server_(server),
+      network_(network),
+      device_(std::move(device)),
+      faults_(seed),
+      queue_(hardware, "iCloud", QualityOfService::utility)
+{
+}
+
+Async<void> CloudLink::passGate(CloudOperation operation)
+{
+    try {
+        co_await callFaults_.awaitedCall(nameOf(operation));
+    } catch (const Raised&) {
+        throw cloudError(CKError::invalidArguments);
+    }
+}
+
+void CloudLink::start(CloudOperation operation, std::shared_ptr<Pending> pending, std::function<void()> serve)
+{
+    auto request = std::make_shared<Request>();
+    request->operation = operation;
+    request->pending = std::move(pending);
+    request->serve = std::move(serve);
+    request->needsNetwork = operation != CloudOperation::accountStatus;
+    Duration latency{};
+    {
+        const std::lock_guard guard{mutex_};
+        const auto own = ownLatencies_.find(operation);
+        latency = own != ownLatencies_.end() ? own->second.value_or(latency_) : latency_;
+        Count& count = counts_[operation];
+        ++count.made;
+        count.mostUnderWay = std::max(count.mostUnderWay, ++count.underWay);
+    }
+    request->wayBack = latency - latency / 2;
+    if (auto error = refusal(operation)) {
+        request->pending->error = std::make_exception_ptr(std::move(*error));
+        later(std::min(promptly, latency), [this, request] { answer(request); });
+        return;
+    }
+    request->fault = faults_.strike(operation);
+    later(latency / 2, [this, request] { arrive(request); });
+}
+
+/// What the system answers without asking the server; none when it asks.
+std::optional<CloudError> CloudLink::refusal(CloudOperation operation) const
+{
+    if (operation == CloudOperation::accountStatus) {
+        return std::nullopt;
+    }
+    if (auto objection = objectionOf(accountStatus())) {
+        return objection;
+    }
+    return network_.isUp() ? std::nullopt : std::optional{cloudError(CKError::networkUnavailable)};
+}
+
+void CloudLink::arrive(const std::shared_ptr<Request>& request)
+{
+    serve(*request);
+    later(request->wayBack, [this, request] { answer(request); });
+}
+
+void CloudLink::serve(Request& request)
+{
+    try {
+        if (request.needsNetwork && !network_.isUp()) {
+            throw cloudError(CKError::networkFailure);
+        }
+        if (request.fault && !request.fault->losesAnswer) {
+            throw CloudError{request.fault->error};
+        }
+        tell(request.operation, CloudRequestPhase::beforeEffect);
+        request.serve();
+        tell(request.operation, CloudRequestPhase::afterEffect);
+        if (request.fault) {
+            throw CloudError{request.fault->error};
+        }
+    } catch (const std::exception&) {
+        request.pending->error = std::current_exception();
+    }
+    request.serve = nullptr;
+}
+
+void CloudLink::answer(const std::shared_ptr<Request>& request)
+{
+    std::exception_ptr& error = request->pending->error;
+    if (!error && request->needsNetwork && !network_.isUp()) {
+        error = std::make_exception_ptr(cloudError(CKError::networkFailure)); // done, and nobody learns of it
+    }
+    journal_.note("cloud.request", {{"operation", nameOf(request->operation)}, {"outcome", outcomeOf(error)}});
+    {
+        const std::lock_guard guard{mutex_};
+        --counts_[request->operation].underWay;
+    }
+    request->pending->answered.signal();
+}
+
+void CloudLink::tell(CloudOperation operation, CloudRequestPhase phase)
+{
+    Observer observer;
+    {
+        const std::lock_guard guard{mutex_};
+        observer = observer_;
+    }
+    if (observer) {
+        observer(operation, phase);
+    }
+}
+
+void CloudLink::later(Duration delay, std::function<void()> work)
+{
+    queue_.asyncAfter(delay, std::make_shared<WorkItem>(std::move(work)));
+}
+
+CloudDevice CloudLink::device() const
+{
+    const std::lock_guard guard{mutex_};
+    return {user_, device_};
+}
+
+void CloudLink::setUser(std::string user)
+{
+    const std::lock_guard guard{mutex_};
+    user_ = std::move(user);
+}
+
+void CloudLink::setAccountStatus(CloudAccountStatus status)
+{
+    const std::lock_guard guard{mutex_};
+    status_ = status;
+}
+
+CloudAccountStatus CloudLink::accountStatus() const
+{
+    const std::lock_guard guard{mutex_};
+    return status_;
+}
+
+void CloudLink::setLatency(Duration latency)
+{
+    const std::lock_guard guard{mutex_};
+    latency_ = latency;
+}
+
+void CloudLink::setLatency(CloudOperation operation, std::optional<Duration> latency)
+{
+    const std::lock_guard guard{mutex_};
+    ownLatencies_[operation] = latency;
+}
+
+Duration CloudLink::latency() const
+{
+    const std::lock_guard guard{mutex_};
+    return latency_;
+}
+
+void CloudLink::onRequest(Observer observer)
+{
+    const std::lock_guard guard{mutex_};
+    observer_ = std::move(observer);
+}
+
+std::uint64_t CloudLink::requests(CloudOperation operation) const
+{
+    const std::lock_guard guard{mutex_};
+    const auto count = counts_.find(operation);
+    return count == counts_.end() ? 0 : count->second.made;
+}
+
+std::uint64_t CloudLink::requests() const
+{
+    const std::lock_guard guard{mutex_};
+    std::uint64_t total = 0;
+    for (const auto& [operation, count] : counts_) {
+        total += count.made;
+    }
+    return total;
+}
+
+std::uint64_t CloudLink::mostAtATime(CloudOperation operation) const
+{
+    const std::lock_guard guard{mutex_};
+    const auto count = counts_.find(operation);
+    return count == counts_.end() ? 0 : count->second.mostUnderWay;
+}
+
+} // namespace sentrel::simulation

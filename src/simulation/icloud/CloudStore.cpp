@@ -1,0 +1,255 @@
+#include "simulation/icloud/CloudStore.hpp"
+
+#include "foundation/Json.hpp"
+#include "simulation/icloud/SubscriptionCoding.hpp"
+
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+#include <utility>
+
+namespace sentrel::simulation {
+
+namespace {
+
+constexpr std::int64_t layout = 1;
+
+constexpr std::int64_t listKind = 4;
+constexpr std::int64_t assetKind = 5;
+static_assert(std::is_same_v<std::variant_alternative_t<listKind, ServerValue>, std::vector<std::string>>);
+static_assert(std::is_same_v<std::variant_alternative_t<assetKind, ServerValue>, Bytes>);
+
+SqliteValue columnValue(const ServerValue& value)
+{
+    if (const auto* const date = std::get_if<Date>(&value)) {
+        return date->secondsSinceReferenceDate;
+    }
+    if (const auto* const texts = std::get_if<std::vector<std::string>>(&value)) {
+        return encodeJson(Json(*texts));
+    }
+    if (const auto* const text = std::get_if<std::string>(&value)) {
+        return *text;
+    }
+    if (const auto* const integer = std::get_if<std::int64_t>(&value)) {
+        return *integer;
+    }
+    if (const auto* const real = std::get_if<double>(&value)) {
+        return *real;
+    }
+    return std::get<Bytes>(value);
+}
+
+std::vector<std::string> textsOf(const Bytes& encoded)
+{
+    std::vector<std::string> texts;
+    const auto list = parseJson(encoded);
+    for (const Json& text : list.value_or(Json::array())) {
+        if (text.is_string()) {
+            texts.push_back(text.get<std::string>());
+        }
+    }
+    return texts;
+}
+
+ServerValue fieldValue(const SqliteStatement& row, std::int64_t kind, int column)
+{
+    switch (kind) {
+    case 0:
+        return row.text(column);
+    case 1:
+        return row.integer(column);
+    case 2:
+        return row.real(column);
+    case 3:
+        return Date{row.real(column)};
+    case listKind:
+        return textsOf(row.bytes(column));
+    default:
+        return row.bytes(column);
+    }
+}
+
+} // namespace
+
+CloudStore::CloudStore(const std::filesystem::path& file, Date now) : database_(file)
+{
+    // The log survives the end of this program, and a simulated server needs no more than that.
+    database_.run("PRAGMA synchronous = OFF");
+    database_.run("PRAGMA journal_mode = WAL");
+    if (database_.text("PRAGMA quick_check(1)") != "ok") {
+        throw SqliteError::damage("the database is not whole");
+    }
+    const std::int64_t found = database_.integer("PRAGMA user_version").value_or(0);
+    if (found == 0 && database_.integer("SELECT count(*) FROM sqlite_master") == 0) {
+        makeTables(now);
+    } else if (found != layout) {
+        throw SqliteError::damage("the database has another layout");
+    }
+    epoch_ = database_.text("SELECT epoch FROM server").value_or("");
+}
+
+void CloudStore::makeTables(Date now)
+{
+    SqliteTransaction transaction{database_};
+    for (const char* const table : {
+             "CREATE TABLE server(epoch TEXT NOT NULL, number INTEGER NOT NULL)",
+             "CREATE TABLE records(id INTEGER PRIMARY KEY AUTOINCREMENT, name TEXT NOT NULL UNIQUE, "
+             "type TEXT NOT NULL, tag TEXT NOT NULL, created REAL NOT NULL, modified REAL NOT NULL)",
+             "CREATE INDEX recordsByType ON records(type)",
+             "CREATE TABLE fields(record INTEGER NOT NULL, name TEXT NOT NULL, kind INTEGER NOT NULL, "
+             "value NOT NULL, PRIMARY KEY(record, name))",
+             "CREATE TABLE sizes(record INTEGER PRIMARY KEY, bytes INTEGER NOT NULL)",
+             "CREATE TABLE subscriptions(id TEXT PRIMARY KEY, definition TEXT NOT NULL)",
+         }) {
+        database_.run(table);
+    }
+    database_.run("INSERT INTO server VALUES(?, 0)", {encodeJson(Json(now.secondsSinceReferenceDate))});
+    database_.run("PRAGMA user_version = " + std::to_string(layout));
+    transaction.commit();
+}
+
+std::optional<CloudStore::Header> CloudStore::find(const std::string& name)
+{
+    SqliteStatement row = database_.prepare("SELECT id, type, tag, modified FROM records WHERE name = ?");
+    row.start({name});
+    if (!row.next()) {
+        return std::nullopt;
+    }
+    return Header{row.integer(0), row.text(1), row.text(2), Date{row.real(3)}};
+}
+
+std::optional<ServerRecord> CloudStore::read(const std::string& name, const ports::CloudDesiredKeys& wanted)
+{
+    return read(name, wanted, Assets::asWanted);
+}
+
+std::optional<ServerRecord> CloudStore::readWithoutAssets(const std::string& name)
+{
+    return read(name, std::nullopt, Assets::none);
+}
+
+std::optional<ServerRecord> CloudStore::read(const std::string& name, const ports::CloudDesiredKeys& wanted,
+                                             Assets assets)
+{
+    const auto header = find(name);
+    if (!header) {
+        return std::nullopt;
+    }
+    ServerRecord record{header->type, name, {}, header->tag, header->modificationDate};
+    SqliteStatement row = database_.prepare("SELECT name, kind, value FROM fields WHERE record = ?");
+    row.start({header->id});
+    while (row.next()) {
+        std::string field = row.text(0);
+        const std::int64_t kind = row.integer(1);
+        // A value that nobody wants is never read: photos are large.
+        if ((wanted && std::ranges::find(*wanted, field) == wanted->end()) ||
+            (kind == assetKind && assets == Assets::none)) {
+            continue;
+        }
+        record.fields.emplace(std::move(field), fieldValue(row, kind, 2));
+    }
+    return record;
+}
+
+void CloudStore::write(const ServerRecord& record, const std::optional<Header>& known, Date now)
+{
+    const std::string tag = epoch_ + "-" + std::to_string(nextNumber());
+    const double modified = now.secondsSinceReferenceDate;
+    if (known) {
+        database_.run("UPDATE records SET tag = ?, modified = ? WHERE id = ?", {tag, modified, known->id});
+    } else {
+        database_.run("INSERT INTO records(name, type, tag, created, modified) VALUES(?, ?, ?, ?, ?)",
+                      {record.name, record.type, tag, modified, modified});
+    }
+    writeFields(known ? known->id : find(record.name)->id, record);
+}
+
+void CloudStore::writeFields(std::int64_t id, const ServerRecord& record)
+{
+    SqliteStatement field = database_.prepare("REPLACE INTO fields VALUES(?, ?, ?, ?)");
+    for (const auto& [name, value] : record.fields) {
+        field.start({id, name, static_cast<std::int64_t>(value.index()), columnValue(value)});
+        static_cast<void>(field.next());
+    }
+    database_.run("REPLACE INTO sizes SELECT ?, 64 + length(?) + coalesce(sum(length(name) + "
+                  "CASE typeof(value) WHEN 'blob' THEN length(value) WHEN 'text' THEN length(CAST(value AS BLOB)) "
+                  "ELSE 8 END), 0) FROM fields WHERE record = ?",
+                  {id, record.name, id});
+}
+
+void CloudStore::remove(const Header& record)
+{
+    database_.run("DELETE FROM fields WHERE record = ?", {record.id});
+    database_.run("DELETE FROM sizes WHERE record = ?", {record.id});
+    database_.run("DELETE FROM records WHERE id = ?", {record.id});
+}
+
+std::vector<std::string> CloudStore::select(const ports::CloudQuery& query)
+{
+    SqlPart condition = conditionOf(query.predicate);
+    std::vector<SqliteValue> values{query.recordType};
+    std::ranges::move(condition.values, std::back_inserter(values));
+    std::string sql = "SELECT r.name FROM records r WHERE r.type = ? AND " + condition.sql + " ORDER BY ";
+    if (!query.sortKey.empty()) {
+        SqlPart order = orderOf(query.sortKey);
+        sql += order.sql + (query.isAscending ? ", " : " DESC, ");
+        std::ranges::move(order.values, std::back_inserter(values));
+    }
+    SqliteStatement row = database_.prepare(sql + "r.id");
+    row.start(values);
+    std::vector<std::string> names;
+    while (row.next()) {
+        names.push_back(row.text(0));
+    }
+    return names;
+}
+
+bool CloudStore::matches(const std::string& name, const std::string& type, const SqlPart& condition)
+{
+    std::vector<SqliteValue> values{name, type};
+    values.insert(values.end(), condition.values.begin(), condition.values.end());
+    return database_.integer("SELECT 1 FROM records r WHERE r.name = ? AND r.type = ? AND " + condition.sql, values)
+        .has_value();
+}
+
+std::uint64_t CloudStore::count(const std::string& type)
+{
+    return static_cast<std::uint64_t>(
+        database_.integer("SELECT count(*) FROM records WHERE type = ?", {type}).value_or(0));
+}
+
+std::uint64_t CloudStore::storedBytes()
+{
+    return static_cast<std::uint64_t>(database_.integer("SELECT coalesce(sum(bytes), 0) FROM sizes").value_or(0));
+}
+
+std::vector<ports::CloudSubscription> CloudStore::subscriptions()
+{
+    SqliteStatement row = database_.prepare("SELECT definition FROM subscriptions ORDER BY id");
+    row.start();
+    std::vector<ports::CloudSubscription> all;
+    while (row.next()) {
+        if (auto subscription = decodeSubscription(row.bytes(0))) {
+            all.push_back(std::move(*subscription));
+        }
+    }
+    return all;
+}
+
+void CloudStore::saveSubscription(const ports::CloudSubscription& subscription)
+{
+    database_.run("REPLACE INTO subscriptions VALUES(?, ?)",
+                  {subscription.identifier, encodeSubscription(subscription)});
+}
+
+void CloudStore::removeSubscription(const std::string& identifier)
+{
+    database_.run("DELETE FROM subscriptions WHERE id = ?", {identifier});
+}
+
+std::int64_t CloudStore::nextNumber()
+{
+    return database_.integer("UPDATE server SET number = number + 1 RETURNING number").value_or(0);
+}
+
+} // namespace sentrel::simulation

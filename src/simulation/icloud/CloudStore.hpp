@@ -1,0 +1,77 @@
+#pragma once
+
+#include "simulation/icloud/PredicateSql.hpp"
+#include "simulation/icloud/ServerRecord.hpp"
+#include "simulation/icloud/Sqlite.hpp"
+
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace sentrel::simulation {
+
+/// One account's private database in its file. Everything throws `SqliteError`. No lock of its own; what belongs
+/// together is done in one `SqliteTransaction`.
+class CloudStore {
+public:
+    /// What is known of a record without its fields.
+    struct Header {
+        std::int64_t id = 0;
+        std::string type;
+        std::string tag;
+        Date modificationDate{};
+    };
+
+    /// Opens the file, or makes it. A file of another layout counts as damaged. `now` makes the versions of a new
+    /// database differ from those of one that it replaces.
+    CloudStore(const std::filesystem::path& file, Date now);
+
+    [[nodiscard]] SqliteDatabase& database() { return database_; }
+
+    [[nodiscard]] std::optional<Header> find(const std::string& name);
+
+    /// The record with the wanted fields; none when it isn't there.
+    [[nodiscard]] std::optional<ServerRecord> read(const std::string& name, const ports::CloudDesiredKeys& wanted);
+
+    /// The record with all fields but assets.
+    [[nodiscard]] std::optional<ServerRecord> readWithoutAssets(const std::string& name);
+
+    /// Makes the record when `known` is none; writes the record's fields over what is there, under a new version.
+    void write(const ServerRecord& record, const std::optional<Header>& known, Date now);
+
+    void remove(const Header& record);
+
+    /// The names of the records of a type for which the predicate holds, in the query's order.
+    [[nodiscard]] std::vector<std::string> select(const ports::CloudQuery& query);
+
+    /// Whether the record is of the type and the condition holds for it.
+    [[nodiscard]] bool matches(const std::string& name, const std::string& type, const SqlPart& condition);
+
+    [[nodiscard]] std::uint64_t count(const std::string& type);
+
+    /// Bytes of all records.
+    [[nodiscard]] std::uint64_t storedBytes();
+
+    /// In the order of their identifiers.
+    [[nodiscard]] std::vector<ports::CloudSubscription> subscriptions();
+    void saveSubscription(const ports::CloudSubscription& subscription);
+    void removeSubscription(const std::string& identifier);
+
+    /// A number that none had before.
+    [[nodiscard]] std::int64_t nextNumber();
+
+private:
+    enum class Assets { asWanted, none };
+
+    void makeTables(Date now);
+    [[nodiscard]] std::optional<ServerRecord> read(const std::string& name, const ports::CloudDesiredKeys& wanted,
+                                                   Assets assets);
+    void writeFields(std::int64_t id, const ServerRecord& record);
+
+    SqliteDatabase database_;
+    std::string epoch_;
+};
+
+} // namespace sentrel::simulation

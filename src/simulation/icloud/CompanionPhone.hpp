@@ -1,0 +1,101 @@
+#pragma once
+
+#include "foundation/Bytes.hpp"
+#include "foundation/Date.hpp"
+#include "foundation/Json.hpp"
+#include "ports/Registration.hpp"
+#include "simulation/icloud/ServerRecord.hpp"
+
+#include <cstdint>
+#include <functional>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace sentrel::ports {
+class WallClock;
+}
+
+namespace sentrel::simulation {
+
+class PrivateCloud;
+
+/// The companion phone and its application: a further device of an account, which is always online and asks the server
+/// at once. It speaks to the Macs through records alone. What it reads may throw `CloudError`. Any thread.
+class CompanionPhone {
+public:
+    struct Alert {
+        std::string id;
+        std::string reason;
+        std::string triggerName;
+        std::string deviceName;
+        Date timestamp{};
+        bool sendNotification = true;
+        std::optional<Bytes> photo; ///< JPEG
+    };
+
+    struct Mac {
+        std::string deviceID;
+        std::string deviceName;
+        bool isArmed = false;
+        bool isCompatible = false;
+        Date lastSeen{};
+    };
+
+    /// A notification that the phone has shown.
+    struct Notification {
+        std::string text;
+        std::string alertID;
+        Date date{}; ///< when it was shown
+    };
+
+    /// What the phone's owner asks of a Mac.
+    struct Command {
+        bool arm = true;
+        std::optional<std::int64_t> sequence{}; ///< none: one more than the last that was sent to the Mac
+        double issuedAgo = 0.0;                 ///< seconds before now
+    };
+
+    CompanionPhone(PrivateCloud& cloud, ports::WallClock& clock, std::string user, std::string device = "phone");
+    CompanionPhone(const CompanionPhone&) = delete;
+
+    /// Another account from now on. What was shown stays.
+    void signIn(std::string user);
+
+    /// Every alert that it can make sense of, newest first, with its photo.
+    [[nodiscard]] std::vector<Alert> alerts();
+
+    /// The Macs that the catalog lists, in its order.
+    [[nodiscard]] std::vector<Mac> macs();
+
+    /// What was shown so far, oldest first.
+    [[nodiscard]] std::vector<Notification> notifications() const;
+
+    /// Who is told of each notification as it is shown, on the thread of whoever caused it.
+    void onNotification(std::function<void(const Notification&)> shown);
+
+    /// Writes the command for the Mac, and gives its sequence.
+    std::int64_t send(const std::string& deviceID, const Command& command);
+
+    /// Deletes an alert for all devices, and takes it off the list by which the Macs learn of that; false when it is
+    /// gone already.
+    bool deleteAlert(const std::string& id);
+
+private:
+    [[nodiscard]] std::string user() const;
+    [[nodiscard]] std::optional<ServerRecord> read(const std::string& name);
+    void unlist(const std::string& id);
+    void receive(const std::string& user, const Json& push);
+
+    PrivateCloud& cloud_;
+    ports::WallClock& clock_;
+    const std::string device_;
+    mutable std::mutex mutex_;
+    std::string user_;
+    std::vector<Notification> notifications_;
+    std::function<void(const Notification&)> shown_;
+    ports::RegistrationPtr pushes_; // last: nothing comes any more when the rest goes
+};
+
+} // namespace sentrel::simulation

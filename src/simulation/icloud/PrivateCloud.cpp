@@ -1,0 +1,317 @@
+#include "simulation/icloud/PrivateCloud.hpp"
+
+#include "ports/Journal.hpp"
+#include "ports/WallClock.hpp"
+#include "simulation/icloud/BatchWriter.hpp"
+#include "simulation/icloud/CloudErrorNames.hpp"
+#include "simulation/icloud/CloudSchema.hpp"
+#include "simulation/icloud/CloudStore.hpp"
+
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+#include <set>
+#include <system_error>
+#include <utility>
+
+namespace sentrel::simulation {
+
+namespace {
+
+constexpr std::size_t mostItems = 400; // of one request
+constexpr std::size_t mostResults = 200;
+
+constexpr std::string_view hexDigits = "0123456789abcdef";
+
+/// Where a query goes on: the names that it had found beyond the last page.
+class Cursor final : public ports::CloudQueryCursor {
+public:
+    std::string user;
+    ports::CloudQuery query;
+    std::shared_ptr<const std::vector<std::string>> names;
+    std::size_t place = 0;
+};
+
+ServerPage nextPage(CloudStore& store, Cursor cursor, const ports::CloudDesiredKeys& wanted, std::size_t limit)
+{
+    const std::size_t most = limit == 0 ? mostResults : std::min(limit, mostResults);
+    const SqlPart condition = conditionOf(cursor.query.predicate);
+    ServerPage page;
+    while (page.results.size() < most && cursor.place < cursor.names->size()) {
+        const std::string& name = (*cursor.names)[cursor.place++];
+        if (store.matches(name, cursor.query.recordType, condition)) {
+            page.results.emplace_back(name, *store.read(name, wanted));
+        }
+    }
+    if (cursor.place < cursor.names->size()) {
+        page.cursor = std::make_shared<const Cursor>(std::move(cursor));
+    }
+    return page;
+}
+
+void check(const ServerBatch& batch)
+{
+    if (batch.isAtomic) {
+        // Only zones that a device has made can do that. Said aloud, so that nobody relies on it.
+        throw cloudError(CKError::invalidArguments);
+    }
+    if (batch.save.size() + batch.deleteNames.size() > mostItems) {
+        throw cloudError(CKError::limitExceeded);
+    }
+    std::set<std::string> names{batch.deleteNames.begin(), batch.deleteNames.end()};
+    for (const ServerRecord& record : batch.save) {
+        names.insert(record.name);
+    }
+    if (names.size() < batch.save.size() + batch.deleteNames.size()) {
+        throw cloudError(CKError::invalidArguments); // the same record twice
+    }
+}
+
+void appendHex(std::string& text, unsigned char octet)
+{
+    text += hexDigits[octet >> 4U];
+    text += hexDigits[octet & 0xFU];
+}
+
+} // namespace
+
+PrivateCloud::PrivateCloud(std::filesystem::path folder, ports::WallClock& clock, ports::Journal& journal)
+    : folder_(std::move(folder)), clock_(clock), journal_(journal)
+{
+}
+
+PrivateCloud::~PrivateCloud() = default;
+
+void PrivateCloud::setClockOffset(double seconds)
+{
+    const std::lock_guard guard{mutex_};
+    clockOffset_ = seconds;
+}
+
+Date PrivateCloud::now()
+{
+    const std::lock_guard guard{mutex_};
+    return nowLocked();
+}
+
+Date PrivateCloud::nowLocked()
+{
+    return clock_.now().addingSeconds(clockOffset_);
+}
+
+void PrivateCloud::setQuota(const std::string& user, std::optional<std::uint64_t> bytes)
+{
+    const std::lock_guard guard{mutex_};
+    quotas_[user] = bytes.value_or(BatchWriter::Terms{}.quota);
+}
+
+bool PrivateCloud::isFull(const std::string& user)
+{
+    const std::lock_guard guard{mutex_};
+    const auto found = quotas_.find(user);
+    return found != quotas_.end() && found->second == 0;
+}
+
+/// Does the work with the account's store, under the lock. What goes wrong with the file is no fault of the request's.
+template <class Serve> auto PrivateCloud::serve(const std::string& user, Serve work)
+{
+    const std::lock_guard guard{mutex_};
+    try {
+        return work(storeOf(user));
+    } catch (const SqliteError& error) {
+        if (error.isDamage()) {
+            putAside(user);
+        } else if (error.isBusy()) {
+            throw cloudError(CKError::zoneBusy);
+        }
+        throw cloudError(CKError::internalError);
+    }
+}
+
+CloudStore& PrivateCloud::storeOf(const std::string& user)
+{
+    std::unique_ptr<CloudStore>& store = stores_[user];
+    if (store == nullptr) {
+        store = openOrReplace(user);
+    }
+    return *store;
+}
+
+std::unique_ptr<CloudStore> PrivateCloud::openOrReplace(const std::string& user)
+{
+    // When the folder can't be made, opening the file fails, and says so.
+    std::error_code ignored;
+    std::filesystem::create_directories(folder_, ignored);
+    try {
+        return std::make_unique<CloudStore>(fileOf(user), nowLocked());
+    } catch (const SqliteError& error) {
+        if (!error.isDamage()) {
+            throw;
+        }
+    }
+    putAside(user);
+    return std::make_unique<CloudStore>(fileOf(user), nowLocked());
+}
+
+void PrivateCloud::putAside(const std::string& user)
+{
+    stores_[user].reset();
+    const std::filesystem::path file = fileOf(user);
+    std::filesystem::path aside;
+    for (int number = 1; aside.empty() || std::filesystem::exists(aside); ++number) {
+        aside = file;
+        aside += ".damaged-" + std::to_string(number);
+    }
+    std::error_code failure;
+    std::filesystem::rename(file, aside, failure);
+    for (const char* const suffix : {"-wal", "-shm"}) { // SQLite's own, which belong to the damaged file
+        std::filesystem::path companion = file;
+        companion += suffix;
+        std::error_code ignored;
+        std::filesystem::remove(companion, ignored);
+    }
+    const std::string name = aside.filename().string();
+    journal_.note("icloud.damaged", {{"account", user}, {"putAside", failure ? std::string_view{} : name}});
+}
+
+std::filesystem::path PrivateCloud::fileOf(const std::string& user) const
+{
+    // Whatever the user is called, the file is one of the folder's.
+    std::string name;
+    for (const char character : user) {
+        const bool isPlain = (character >= 'a' && character <= 'z') || (character >= '0' && character <= '9');
+        if (isPlain) {
+            name += character;
+        } else {
+            name += '%';
+            appendHex(name, static_cast<unsigned char>(character));
+        }
+    }
+    return folder_ / (name + ".sqlite");
+}
+
+ServerPage PrivateCloud::query(const CloudDevice& who, const ports::CloudQuery& query,
+                               const ports::CloudDesiredKeys& wanted, std::size_t limit)
+{
+    static_cast<void>(conditionOf(query.predicate)); // refuses what is not understood
+    requireIndexes(query.recordType, query.predicate, query.sortKey);
+    return serve(who.user, [&](CloudStore& store) {
+        Cursor all;
+        all.user = who.user;
+        all.query = query;
+        all.names = std::make_shared<const std::vector<std::string>>(store.select(query));
+        return nextPage(store, std::move(all), wanted, limit);
+    });
+}
+
+ServerPage PrivateCloud::continueQuery(const CloudDevice& who, const ports::CloudQueryCursor* cursor,
+                                       const ports::CloudDesiredKeys& wanted, std::size_t limit)
+{
+    const auto* const ours = dynamic_cast<const Cursor*>(cursor);
+    if (ours == nullptr || ours->user != who.user) {
+        throw cloudError(CKError::invalidArguments);
+    }
+    return serve(who.user, [&](CloudStore& store) { return nextPage(store, *ours, wanted, limit); });
+}
+
+std::map<std::string, ServerRecordResult> PrivateCloud::fetch(const CloudDevice& who,
+                                                              const std::vector<std::string>& names,
+                                                              const ports::CloudDesiredKeys& wanted)
+{
+    if (names.size() > mostItems) {
+        throw cloudError(CKError::limitExceeded);
+    }
+    if (!std::ranges::all_of(names, isRecordName)) {
+        throw cloudError(CKError::invalidArguments);
+    }
+    return serve(who.user, [&](CloudStore& store) {
+        std::map<std::string, ServerRecordResult> results;
+        for (const std::string& name : names) {
+            auto record = store.read(name, wanted);
+            results.emplace(name, record ? ServerRecordResult{std::move(*record)}
+                                         : ServerRecordResult{cloudError(CKError::unknownItem)});
+        }
+        return results;
+    });
+}
+
+ServerModification PrivateCloud::modify(const CloudDevice& who, const ServerBatch& batch)
+{
+    check(batch);
+    std::vector<Json> pushes;
+    ServerModification modification =
+        serve(who.user, [&](CloudStore& store) { return write(store, who, batch, pushes); });
+    // Without the lock: whoever receives a push may ask for more.
+    for (const Json& push : pushes) {
+        for (const auto& receiver : receivers_.all()) {
+            receiver->tell(who.user, who.device, push);
+        }
+    }
+    return modification;
+}
+
+ServerModification PrivateCloud::write(CloudStore& store, const CloudDevice& who, const ServerBatch& batch,
+                                       std::vector<Json>& pushes)
+{
+    BatchWriter::Terms terms;
+    terms.now = nowLocked();
+    terms.owner = userRecordName(who.user);
+    if (const auto quota = quotas_.find(who.user); quota != quotas_.end()) {
+        terms.quota = quota->second;
+    }
+    SqliteTransaction transaction{store.database()};
+    BatchWriter writer{store, std::move(terms)};
+    ServerModification modification = writer.apply(batch);
+    transaction.commit();
+    pushes = writer.takePushes();
+    return modification;
+}
+
+void PrivateCloud::saveSubscription(const CloudDevice& who, const ports::CloudSubscription& subscription)
+{
+    if (!isRecordName(subscription.identifier)) {
+        throw cloudError(CKError::invalidArguments);
+    }
+    static_cast<void>(conditionOf(subscription.predicate)); // refuses what is not understood
+    requireIndexes(subscription.recordType, subscription.predicate);
+    serve(who.user, [&](CloudStore& store) { store.saveSubscription(subscription); });
+}
+
+std::vector<ports::CloudSubscription> PrivateCloud::subscriptions(const std::string& user)
+{
+    return serve(user, [](CloudStore& store) { return store.subscriptions(); });
+}
+
+std::uint64_t PrivateCloud::count(const std::string& user, const std::string& type)
+{
+    return serve(user, [&](CloudStore& store) { return store.count(type); });
+}
+
+ports::RegistrationPtr PrivateCloud::receivePushes(const std::string& device, PushReceiver receiver)
+{
+    auto told = [device, receiver = std::move(receiver)](const std::string& user, const std::string& writer,
+                                                         const Json& push) {
+        if (writer != device) {
+            receiver(user, push);
+        }
+    };
+    return receivers_.add(std::make_shared<Receivers::Entry::element_type>(std::move(told)));
+}
+
+std::string PrivateCloud::userRecordName(const std::string& user)
+{
+    // FNV-1a twice: the names only have to differ where the users do, and to be the same at each run.
+    std::string name = "_";
+    for (const std::uint64_t basis : {14695981039346656037ULL, 7809847782465536322ULL}) {
+        std::uint64_t hash = basis;
+        for (const char character : user) {
+            hash = (hash ^ static_cast<unsigned char>(character)) * 1099511628211ULL;
+        }
+        for (int octet = 0; octet < 8; ++octet, hash >>= 8U) {
+            appendHex(name, static_cast<unsigned char>(hash & 0xFFU));
+        }
+    }
+    return name;
+}
+
+} // namespace sentrel::simulation

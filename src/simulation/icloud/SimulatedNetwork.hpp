@@ -1,0 +1,41 @@
+#pragma once
+
+#include "ports/NetworkPath.hpp"
+#include "simulation/FaultSwitches.hpp"
+#include "simulation/Listener.hpp"
+
+#include <mutex>
+
+namespace sentrel::simulation {
+
+/// The Mac's network path, which comes and goes. Any thread.
+class SimulatedNetwork final : public ports::NetworkPaths {
+public:
+    [[nodiscard]] ports::RegistrationPtr monitor(SerialQueue& queue,
+                                                 std::function<void(ports::NetworkPathStatus)> pathChanged) override;
+
+    /// Satisfied at first. The same status again is a change too, as when the interface changes.
+    void setStatus(ports::NetworkPathStatus status);
+    [[nodiscard]] ports::NetworkPathStatus status() const;
+
+    void setUp(bool isUp);
+
+    /// The path is lost and comes back, as often as that, in no time.
+    void flap(int times);
+    [[nodiscard]] bool isUp() const { return status() == ports::NetworkPathStatus::satisfied; }
+
+    /// For what is part of the Mac: told of each change at once, on the thread of whoever makes it.
+    [[nodiscard]] ports::RegistrationPtr observe(std::function<void(ports::NetworkPathStatus)> changed);
+
+    [[nodiscard]] FaultSwitches& faults() { return faults_; }
+
+private:
+    FaultSwitches faults_{};
+    using Observers = Listeners<ports::NetworkPathStatus>;
+
+    Observers observers_;
+    mutable std::mutex mutex_;
+    ports::NetworkPathStatus status_ = ports::NetworkPathStatus::satisfied;
+};
+
+} // namespace sentrel::simulation

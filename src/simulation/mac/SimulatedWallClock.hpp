@@ -1,0 +1,23 @@
+#pragma once
+
+#include "ports/WallClock.hpp"
+#include "runtime/Scheduler.hpp"
+
+namespace sentrel::simulation {
+
+/// A wall clock that runs with the scheduler's clock from a given date.
+class SimulatedWallClock final : public ports::WallClock {
+public:
+    SimulatedWallClock(Scheduler& scheduler, Date start) : scheduler_(scheduler), zero_(scheduler.now()), start_(start)
+    {
+    }
+
+    [[nodiscard]] Date now() override;
+
+private:
+    Scheduler& scheduler_;
+    Instant zero_;
+    Date start_;
+};
+
+} // namespace sentrel::simulation

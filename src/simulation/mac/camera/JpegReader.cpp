@@ -1,0 +1,100 @@
+#include "simulation/mac/camera/JpegReader.hpp"
+
+#include <algorithm>
+#include <limits>
+
+namespace sentrel::simulation {
+
+namespace {
+
+/// Ink over white paper. Adobe's files, nearly all of them, store the amount of light instead of the amount of ink.
+void convertCmykRow(std::uint8_t* pixels, std::size_t width, bool storesLight)
+{
+    const unsigned flip = storesLight ? 0 : 255;
+    for (std::size_t x = 0; x < width; ++x) {
+        std::uint8_t* const pixel = pixels + x * 4;
+        const unsigned black = pixel[3] ^ flip;
+        for (std::size_t i = 0; i < 3; ++i) {
+            pixel[i] = static_cast<std::uint8_t>(((pixel[i] ^ flip) * black + 127) / 255);
+        }
+    }
+}
+
+} // namespace
+
+JpegReader::JpegReader(BytesView data) : data_(data)
+{
+    codec_.err = errors_.manager();
+}
+
+JpegReader::~JpegReader()
+{
+    jpeg_destroy_decompress(&codec_); // also fine for one that was never created
+}
+
+std::optional<ports::PixelSize> JpegReader::readHeader()
+{
+    if (data_.size() > std::numeric_limits<unsigned long>::max() || data_.empty()) {
+        return std::nullopt;
+    }
+    const bool isRead = errors_.guard([this] {
+        jpeg_create_decompress(&codec_);
+        progress_.progress_monitor = &limitScans;
+        codec_.progress = &progress_;
+        jpeg_mem_src(&codec_, data_.data(), data_.size());
+        jpeg_read_header(&codec_, TRUE);
+    });
+    if (!isRead || std::uint64_t{codec_.image_width} * codec_.image_height > mostPixels) {
+        return std::nullopt;
+    }
+    return ports::PixelSize{codec_.image_width, codec_.image_height};
+}
+
+std::optional<ports::PixelSize> JpegReader::sizeAt(unsigned eighths)
+{
+    codec_.scale_num = eighths;
+    codec_.scale_denom = 8;
+    if (!errors_.guard([this] { jpeg_calc_output_dimensions(&codec_); })) {
+        return std::nullopt;
+    }
+    return ports::PixelSize{codec_.output_width, codec_.output_height};
+}
+
+bool JpegReader::start(unsigned eighths, std::size_t mostCoefficientBytes)
+{
+    codec_.scale_num = eighths;
+    codec_.scale_denom = 8;
+    const bool isCmyk = codec_.jpeg_color_space == JCS_CMYK || codec_.jpeg_color_space == JCS_YCCK;
+    codec_.out_color_space = isCmyk ? JCS_CMYK : JCS_EXT_RGBX;
+    // Without a backing store the library fails where this is not enough.
+    codec_.mem->max_memory_to_use = static_cast<long>(mostCoefficientBytes);
+    return errors_.guard([this] { jpeg_start_decompress(&codec_); });
+}
+
+bool JpegReader::readRow(std::uint8_t* rgbx)
+{
+    if (!errors_.guard([this, rgbx] {
+            JSAMPROW row = rgbx;
+            jpeg_read_scanlines(&codec_, &row, 1);
+        })) {
+        return false;
+    }
+    if (codec_.out_color_space == JCS_CMYK) {
+        convertCmykRow(rgbx, codec_.output_width, codec_.saw_Adobe_marker);
+    }
+    return true;
+}
+
+bool JpegReader::finish()
+{
+    return errors_.guard([this] { jpeg_finish_decompress(&codec_); });
+}
+
+void JpegReader::limitScans(j_common_ptr codec)
+{
+    if (reinterpret_cast<j_decompress_ptr>(codec)->input_scan_number > mostScans) {
+        codec->err->error_exit(codec);
+    }
+}
+
+} // namespace sentrel::simulation

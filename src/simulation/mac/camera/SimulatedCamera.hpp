@@ -1,0 +1,107 @@
+#pragma once
+
+#include "foundation/Date.hpp"
+#include "ports/Camera.hpp"
+#include "ports/WallClock.hpp"
+#include "runtime/Scheduler.hpp"
+#include "simulation/FaultSwitches.hpp"
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace sentrel::simulation {
+
+/// One camera that is plugged in or built in.
+struct CameraModel {
+    std::string name = "FaceTime HD Camera";
+    std::string type = "AVCaptureDeviceTypeBuiltInWideAngleCamera";
+    bool isContinuityCamera = false;
+    Duration adjustsExposureFor{};     ///< after its session has started
+    Duration adjustsWhiteBalanceFor{}; ///< after its session has started
+};
+
+/// What is before the camera.
+struct CameraView {
+    std::shared_ptr<const Bytes> jpeg;
+    std::optional<double> brightness; ///< 0 to 1; none for a file whose brightness nobody set
+};
+
+/// The cameras of the simulated MacBook, which stands in a cafe: authorised and without any device at first. The first
+/// device is the system's default. A photo shows the cafe at the time of day, with whoever sits at the Mac, or replays
+/// a file. Any thread.
+class SimulatedCamera final : public ports::Camera {
+public:
+    /// What the clocks on the walls show at a date.
+    using Clocks = std::function<Date(Date)>;
+
+    SimulatedCamera(Scheduler& scheduler, ports::WallClock& wallClock, Clocks clocks = [](Date date) { return date; });
+    ~SimulatedCamera() override;
+
+    void setAuthorization(ports::CaptureAuthorization status);
+
+    /// How the user answers the system's prompt; none leaves it open until `answerPrompt`.
+    void setAnswer(std::optional<bool> granted);
+
+    /// Answers the open prompt. False when none is open.
+    bool answerPrompt(bool granted);
+    [[nodiscard]] bool isPrompting() const;
+
+    /// How often the user has been prompted.
+    [[nodiscard]] int promptsShown() const;
+
+    void setDevices(std::vector<CameraModel> devices);
+
+    /// How bright a photo of the cafe measures, 0 to 1; none for what the time of day gives.
+    void setBrightness(std::optional<double> brightness);
+    [[nodiscard]] std::optional<double> brightness() const;
+
+    /// How long a photo takes from the request to the callback; nothing at first.
+    void setPhotoDelay(Duration delay);
+
+    /// A file that every photo is, as it is; none for the cafe.
+    void setPhotoFile(std::optional<Bytes> file);
+    [[nodiscard]] bool hasPhotoFile() const;
+
+    /// What is before the camera now, for somebody who looks on: the file, or a small picture of the cafe. The same
+    /// object as long as nothing changes.
+    [[nodiscard]] CameraView view() const;
+
+    /// Faults: "input" (the device can't be opened), "add-input", "add-output" (the session refuses), "photo" (ends
+    /// with an error), "photo-data" (has no file representation), "photo-twice" (the delegate is told twice), "start"
+    /// (the session does not come to run).
+    [[nodiscard]] FaultSwitches& faults();
+
+    /// The system takes the camera away, as it does for another application.
+    void interruptSession();
+    [[nodiscard]] bool isSessionRunning() const;
+
+    /// Name of the device that was opened last; empty before.
+    [[nodiscard]] std::string openedDevice() const;
+
+    /// Sessions started and photos asked for so far.
+    [[nodiscard]] int sessionsStarted() const;
+    [[nodiscard]] int photosRequested() const;
+
+    [[nodiscard]] ports::CaptureAuthorization authorizationStatus(const std::string& mediaType) override;
+    void requestAccess(const std::string& mediaType, std::function<void(bool granted)> answered) override;
+    [[nodiscard]] std::vector<std::shared_ptr<ports::CaptureDevice>>
+    discoverDevices(const std::vector<std::string>& deviceTypes, const std::string& mediaType) override;
+    [[nodiscard]] std::shared_ptr<ports::CaptureDevice> defaultDevice(const std::string& mediaType) override;
+    [[nodiscard]] std::shared_ptr<ports::CaptureInput> makeInput(const ports::CaptureDevice& device) override;
+    [[nodiscard]] std::unique_ptr<ports::CaptureSession> makeSession() override;
+    [[nodiscard]] std::shared_ptr<ports::PhotoOutput> makePhotoOutput() override;
+    [[nodiscard]] std::unique_ptr<ports::PhotoSettings> makePhotoSettings() override;
+
+    /// What the camera shares with its devices, sessions and photos under way.
+    struct World;
+
+private:
+    [[nodiscard]] ports::CaptureAuthorization authorizationOf(const std::string& mediaType) const;
+
+    std::shared_ptr<World> world_;
+};
+
+} // namespace sentrel::simulation

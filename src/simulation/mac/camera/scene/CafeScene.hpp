@@ -1,0 +1,49 @@
+#pragma once
+
+#include "foundation/Bytes.hpp"
+#include "foundation/Date.hpp"
+#include "simulation/mac/camera/RgbxImage.hpp"
+
+#include <memory>
+#include <mutex>
+#include <optional>
+
+namespace sentrel::simulation {
+
+/// A look at the cafe.
+struct CafePreview {
+    std::shared_ptr<const Bytes> jpeg;
+    double brightness = 0.0; ///< 0 to 1, as a photo would measure
+};
+
+/// What the camera sees: a cafe at the time of day, its clock on the wall, and somebody at the Mac. Any thread.
+class CafeScene {
+public:
+    static constexpr int width = 1920;
+    static constexpr int height = 1080;
+
+    /// A JPEG of the scene when the clock shows this, to the minute. It measures the given brightness (0 to 1), or what
+    /// the light of the hour gives. Equal calls give equal bytes.
+    [[nodiscard]] Bytes photograph(Date date, std::optional<double> brightness);
+
+    /// A small picture of the same, for somebody who looks on; the same object as long as nothing changes.
+    [[nodiscard]] CafePreview preview(Date date, std::optional<double> brightness);
+
+private:
+    const RgbxImage& drawnAt(int minute);
+
+    std::mutex mutex_;
+    int drawnMinute_ = -1;
+    RgbxImage drawn_; // at `drawnMinute_`: drawing takes far longer than the rest
+    int previewMinute_ = -1;
+    std::optional<double> previewBrightness_;
+    CafePreview preview_;
+};
+
+/// Draws the scene at a minute of the day, with the sides divided by `share`.
+[[nodiscard]] RgbxImage drawCafe(int minuteOfDay, int share);
+
+/// Brightens or darkens the image evenly until its mean luma (ITU-R BT.709) is this, 0 to 1.
+void expose(RgbxImage& image, double brightness);
+
+} // namespace sentrel::simulation

@@ -1,0 +1,59 @@
+#pragma once
+
+#include "ports/Application.hpp"
+#include "simulation/FaultSwitches.hpp"
+
+#include <cstdint>
+#include <functional>
+#include <utility>
+
+namespace sentrel::ports {
+class Journal;
+}
+
+namespace sentrel::simulation {
+
+/// The application object of the product's process. A policy that is set is noted as `activation-policy`. Being asked
+/// to quit notes `quit.asked`, the delegate's no `quit.cancelled`, and the end `quit`. The product's main thread.
+class SimulatedApplication final : public ports::Application {
+public:
+    explicit SimulatedApplication(ports::Journal& journal) : journal_(journal) {}
+
+    void setDelegate(ports::ApplicationDelegate delegate) override { delegate_ = std::move(delegate); }
+    void setActivationPolicy(std::int64_t policy) override;
+    void terminate() override;
+    void replyToShouldTerminate(bool shouldTerminate) override;
+
+    /// A new process: what the one before left is forgotten. `ended` is called at the end of `terminate` or of the
+    /// reply, when the delegate has been told; it lets nothing more of the process run.
+    void start(std::function<void()> ended);
+
+    /// Tells the delegate that launching has finished.
+    void finishLaunching();
+
+    /// The process is gone.
+    void end();
+
+    /// Whether the delegate has promised an answer.
+    [[nodiscard]] bool isAwaitingReply() const { return isAwaitingReply_; }
+
+    /// 0 regular, 1 accessory; at first what an application without a Dock icon starts with.
+    [[nodiscard]] std::int64_t activationPolicy() const { return policy_; }
+
+    [[nodiscard]] FaultSwitches& faults() { return faults_; }
+
+private:
+    FaultSwitches faults_{};
+    void finish();
+
+    ports::Journal& journal_;
+    ports::ApplicationDelegate delegate_;
+    std::function<void()> ended_;
+    std::int64_t policy_ = accessory;
+    bool isAwaitingReply_ = false;
+    bool hasEnded_ = false;
+
+    static constexpr std::int64_t accessory = 1;
+};
+
+} // namespace sentrel::simulation

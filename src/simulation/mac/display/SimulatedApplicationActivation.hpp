@@ -1,0 +1,63 @@
+#pragma once
+
+#include "ports/ApplicationActivation.hpp"
+#include "ports/WindowConstants.hpp"
+#include "simulation/FaultSwitches.hpp"
+
+#include <atomic>
+#include <cstdint>
+#include <stdexcept>
+
+namespace sentrel::simulation {
+
+/// Which application is in front: at first another one. Any thread.
+class SimulatedApplicationActivation final : public ports::ApplicationActivation {
+public:
+    /// Brings the application to the front; without ignoring the others, the one in front keeps its place.
+    void activate(bool ignoringOtherApplications) override
+    {
+        faults_.call("activate");
+        if (ignoringOtherApplications && !isRefused_) {
+            isActive_ = true;
+        }
+    }
+
+    /// Throws where AppKit raises an exception.
+    void setPresentationOptions(std::uint64_t options) override
+    {
+        faults_.call("setPresentationOptions");
+        if (options != ports::defaultPresentation && (options & ports::hidesDock) == 0) {
+            throw std::invalid_argument{"these presentation options need the Dock hidden"};
+        }
+        options_ = options;
+    }
+
+    /// From now on the system lets the application in front keep its place, as it may when the person uses that one.
+    void refuseActivation(bool isRefused) { isRefused_ = isRefused; }
+
+    /// Another application takes the place in front, and the keyboard with it.
+    void deactivate()
+    {
+        isActive_ = false;
+        ++losses_;
+    }
+
+    [[nodiscard]] bool isActive() const { return isActive_; }
+
+    /// Whether this is disabled now: a presentation option holds while the application is active.
+    [[nodiscard]] bool isDisabled(std::uint64_t option) const { return isActive_ && (options_ & option) != 0; }
+
+    /// How often another application has taken the keyboard.
+    [[nodiscard]] std::uint64_t losses() const { return losses_; }
+
+    [[nodiscard]] FaultSwitches& faults() { return faults_; }
+
+private:
+    FaultSwitches faults_{};
+    std::atomic<bool> isActive_ = false;
+    std::atomic<bool> isRefused_ = false;
+    std::atomic<std::uint64_t> options_ = ports::defaultPresentation;
+    std::atomic<std::uint64_t> losses_ = 0;
+};
+
+} // namespace sentrel::simulation

@@ -1,0 +1,75 @@
+#pragma once
+
+#include "ports/SavePanels.hpp"
+#include "runtime/Semaphore.hpp"
+#include "runtime/Time.hpp"
+#include "simulation/FaultSwitches.hpp"
+
+#include <filesystem>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace sentrel {
+class Scheduler;
+}
+
+namespace sentrel::simulation {
+
+/// Save panels and the person who chooses where. Unless told otherwise they save under the suggested name into the
+/// disk's "Downloads". Any thread; panels are run on the main thread.
+class SimulatedSavePanels final : public ports::SavePanels {
+public:
+    /// What a panel is answered: the name and the folder that are chosen, or that it is cancelled. A folder that isn't
+    /// there stays so: saving into it fails.
+    struct Answer {
+        bool isCancelled = false;
+        std::optional<std::filesystem::path> folder; ///< relative to the disk; none: "Downloads", which every user has
+        std::optional<std::string> name;             ///< none: the suggested one
+    };
+
+    SimulatedSavePanels(Scheduler& scheduler, std::filesystem::path disk);
+
+    [[nodiscard]] Async<std::optional<std::filesystem::path>> run(ports::SavePanelContent content) override;
+
+    /// How panels are answered from now on.
+    void setAnswer(Answer answer);
+
+    /// How long a person looks at a panel before answering, 0 at first; none leaves it to `answerPanel`.
+    void setAnswerDelay(std::optional<Duration> delay);
+
+    /// Answers the panel that opened last; false when none is open.
+    bool answerPanel(const Answer& answer);
+
+    /// The panel that opened last of those still open.
+    [[nodiscard]] std::optional<ports::SavePanelContent> open() const;
+
+    /// Every panel so far.
+    [[nodiscard]] std::vector<ports::SavePanelContent> shown() const;
+
+    [[nodiscard]] FaultSwitches& faults() { return faults_; }
+
+private:
+    FaultSwitches faults_{};
+    struct Panel {
+        ports::SavePanelContent content;
+        std::optional<Answer> answer;
+        Semaphore answered;
+    };
+    class Opened;
+
+    [[nodiscard]] std::optional<std::filesystem::path> chosen(const Answer& answer,
+                                                              const ports::SavePanelContent& content) const;
+
+    Scheduler& scheduler_;
+    const std::filesystem::path disk_;
+    mutable std::mutex mutex_;
+    Answer answer_;
+    std::optional<Duration> delay_{Duration::zero()};
+    std::vector<std::shared_ptr<Panel>> open_;
+    std::vector<ports::SavePanelContent> shown_;
+};
+
+} // namespace sentrel::simulation

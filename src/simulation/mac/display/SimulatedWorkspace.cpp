@@ -1,0 +1,21 @@
+#include "simulation/mac/display/SimulatedWorkspace.hpp"
+
+#include <utility>
+
+namespace sentrel::simulation {
+
+ports::RegistrationPtr SimulatedWorkspace::observe(const std::string& name, std::function<void()> received)
+{
+    faults_.call("observe");
+    return notifications_.observe(name, std::move(received));
+}
+
+void SimulatedWorkspace::post(const std::string& name)
+{
+    journal_.note("workspace.notification", {{"name", name}});
+    if (!faults_.strikes("notification")) {
+        notifications_.post(name);
+    }
+}
+
+} // namespace sentrel::simulation

@@ -1,0 +1,28 @@
+#pragma once
+
+#include "ports/Journal.hpp"
+#include "ports/StandardOutput.hpp"
+#include "simulation/FaultSwitches.hpp"
+
+namespace sentrel::simulation {
+
+/// The standard output of the product's process, which nobody sees on a MacBook: each line is noted as `printed`
+/// {`text`}. Any thread.
+class SimulatedStandardOutput final : public ports::StandardOutput {
+public:
+    explicit SimulatedStandardOutput(ports::Journal& journal) : journal_(journal) {}
+
+    void printLine(std::string_view text) override
+    {
+        faults_.call("printLine");
+        journal_.note("printed", {{"text", text}});
+    }
+
+    [[nodiscard]] FaultSwitches& faults() { return faults_; }
+
+private:
+    FaultSwitches faults_{};
+    ports::Journal& journal_;
+};
+
+} // namespace sentrel::simulation

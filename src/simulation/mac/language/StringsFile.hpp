@@ -1,0 +1,30 @@
+#pragma once
+
+#include "foundation/Bytes.hpp"
+
+#include <cstddef>
+#include <functional>
+#include <map>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace sentrel::simulation {
+
+/// A localisation table as it was read: what is good, and where it is damaged.
+struct StringsTable {
+    struct Damage {
+        std::size_t line = 0; ///< counted from 1
+        std::string_view problem;
+    };
+
+    std::map<std::string, std::string, std::less<>> texts;
+    std::vector<Damage> damages; ///< in the order of the lines
+};
+
+/// Reads a `.strings` file: entries `"key" = "text";` with escapes, comments of both kinds. The text is UTF-8, or
+/// UTF-16 with a byte order mark. A damaged entry costs itself and the rest of the line on which it begins, no more. Of
+/// entries with one key the last counts.
+[[nodiscard]] StringsTable parseStringsFile(BytesView content);
+
+} // namespace sentrel::simulation

@@ -1,0 +1,128 @@
+#include "simulation/mac/motion/HidEventChannel.hpp"
+
+#include <utility>
+
+namespace sentrel::simulation {
+
+namespace {
+
+/// A message as the client sees it. Fields are numbered from the type, shifted by 16 bits.
+class MessageEvent final : public ports::HidEvent {
+public:
+    explicit MessageEvent(const HidMessage& message) : message_(message) {}
+
+    [[nodiscard]] std::uint32_t type() const override { return message_.type; }
+
+    [[nodiscard]] double floatValue(std::uint32_t field) const override
+    {
+        switch (field - (message_.type << 16U)) {
+        case 0:
+            return message_.acceleration.x;
+        case 1:
+            return message_.acceleration.y;
+        case 2:
+            return message_.acceleration.z;
+        default:
+            return 0.0;
+        }
+    }
+
+private:
+    const HidMessage& message_;
+};
+
+void deliver(const HidEventChannel::Callback& callback, const HidMessage& message)
+{
+    const MessageEvent event{message};
+    callback(message.isNull ? nullptr : &event);
+}
+
+} // namespace
+
+void HidEventChannel::setCallback(Callback callback)
+{
+    auto shared = std::make_shared<const Callback>(std::move(callback));
+    const std::lock_guard guard{mutex_};
+    callback_.swap(shared);
+}
+
+void HidEventChannel::clearCallback()
+{
+    std::shared_ptr<const Callback> old; // freed after the lock
+    const std::lock_guard guard{mutex_};
+    callback_.swap(old);
+}
+
+void HidEventChannel::schedule(SerialQueue& queue)
+{
+    const std::lock_guard guard{mutex_};
+    queue_ = &queue;
+}
+
+void HidEventChannel::unschedule()
+{
+    std::shared_ptr<HidEventChannel> self; // let go after the lock
+    const std::lock_guard guard{mutex_};
+    waiting_.clear();
+    next_ = 0;
+    if (queue_ != nullptr && queue_->executor().withdraw(*this)) {
+        self = std::move(posted_);
+    }
+    queue_ = nullptr;
+}
+
+void HidEventChannel::send(const HidMessage& message)
+{
+    const std::lock_guard guard{mutex_};
+    if (queue_ == nullptr) {
+        return;
+    }
+    waiting_.push_back(message);
+    if (posted_ == nullptr) {
+        posted_ = shared_from_this();
+        queue_->executor().post(*this);
+    }
+}
+
+void HidEventChannel::sendStray(const HidMessage& message)
+{
+    const std::lock_guard guard{mutex_};
+    if (queue_ != nullptr && callback_ != nullptr) {
+        queue_->async([callback = callback_, message] { deliver(*callback, message); });
+    }
+}
+
+void HidEventChannel::run()
+{
+    std::shared_ptr<HidEventChannel> self;
+    for (;;) {
+        HidMessage message;
+        std::shared_ptr<const Callback> callback;
+        {
+            const std::lock_guard guard{mutex_};
+            if (next_ == waiting_.size()) {
+                waiting_.clear();
+                next_ = 0;
+                self = std::move(posted_);
+                return;
+            }
+            message = waiting_[next_++];
+            callback = callback_;
+        }
+        if (callback != nullptr) {
+            deliver(*callback, message);
+        }
+    }
+}
+
+void HidEventChannel::drop()
+{
+    std::shared_ptr<HidEventChannel> self;
+    const std::lock_guard guard{mutex_};
+    waiting_.clear();
+    next_ = 0;
+    queue_ = nullptr;
+    self = std::move(posted_);
+}
+
+} // namespace sentrel::simulation

@@ -1,0 +1,175 @@
+#include "simulation/mac/motion/MotionRecording.hpp"
+
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <fstream>
+#include <iterator>
+#include <optional>
+#include <utility>
+
+namespace sentrel::simulation {
+
+namespace {
+
+constexpr std::string_view header = "t_seconds,x_g,y_g,z_g";
+constexpr std::array<std::string_view, 4> columns{"t_seconds", "x_g", "y_g", "z_g"};
+constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
+
+/// Reads a recording's lines one by one, and knows where it is when something is wrong.
+class LineReader {
+public:
+    LineReader(std::string_view text, std::string_view name) : rest_(text), name_(name) {}
+
+    /// The next line without its end; none after the last.
+    std::optional<std::string_view> next()
+    {
+        if (rest_.empty()) {
+            return std::nullopt;
+        }
+        ++line_;
+        const std::size_t end = rest_.find('\n');
+        std::string_view line = rest_.substr(0, end);
+        rest_.remove_prefix(end == std::string_view::npos ? rest_.size() : end + 1);
+        if (line.ends_with('\r')) {
+            line.remove_suffix(1);
+        }
+        refuseBytes(line);
+        return line;
+    }
+
+    [[noreturn]] void fail(const std::string& what) const
+    {
+        throw MotionRecordingError{std::string{name_} + ':' + std::to_string(line_) + ": " + what};
+    }
+
+private:
+    /// A number needs printable ASCII only; anything else would garble the message, too.
+    void refuseBytes(std::string_view line) const
+    {
+        for (const char character : line) {
+            const auto byte = static_cast<unsigned char>(character);
+            if ((byte < 0x20 && byte != '\t') || byte > 0x7E) {
+                std::array<char, 2> digits{};
+                std::to_chars(digits.data(), digits.data() + digits.size(), byte, 16);
+                fail("the byte 0x" + std::string{digits[0]} + (digits[1] != '\0' ? std::string{digits[1]} : "") +
+                     " is no plain text");
+            }
+        }
+    }
+
+    std::string_view rest_;
+    std::string_view name_;
+    std::size_t line_ = 0;
+};
+
+std::string_view trimmedCell(std::string_view text)
+{
+    const std::size_t begin = text.find_first_not_of(" \t");
+    if (begin == std::string_view::npos) {
+        return {};
+    }
+    return text.substr(begin, text.find_last_not_of(" \t") - begin + 1);
+}
+
+std::string quoted(std::string_view text)
+{
+    constexpr std::size_t longest = 40;
+    return '"' + std::string{text.substr(0, longest)} + (text.size() > longest ? "..." : "") + '"';
+}
+
+double readNumber(const LineReader& reader, std::string_view column, std::string_view field)
+{
+    double value = 0.0;
+    const auto [end, error] = std::from_chars(field.data(), field.data() + field.size(), value);
+    if (error == std::errc::result_out_of_range) {
+        reader.fail(std::string{column} + ": " + quoted(field) + " is out of range");
+    }
+    if (error != std::errc{} || end != field.data() + field.size()) {
+        reader.fail(std::string{column} + ": " + quoted(field) + " is no number");
+    }
+    if (!std::isfinite(value)) {
+        reader.fail(std::string{column} + ": " + quoted(field) + " is no finite number");
+    }
+    return value;
+}
+
+std::array<double, columns.size()> readRow(const LineReader& reader, std::string_view line)
+{
+    std::array<double, columns.size()> row{};
+    for (std::size_t i = 0; i < columns.size(); ++i) {
+        const bool isLast = i + 1 == columns.size();
+        const std::size_t comma = line.find(',');
+        if (!isLast && comma == std::string_view::npos) {
+            reader.fail("a row of " + std::to_string(i + 1) + " of 4 columns");
+        }
+        if (isLast && comma != std::string_view::npos) {
+            reader.fail("a row of more than 4 columns");
+        }
+        row[i] = readNumber(reader, columns[i], trimmedCell(line.substr(0, comma)));
+        line.remove_prefix(isLast ? line.size() : comma + 1);
+    }
+    return row;
+}
+
+MotionRecordingError tooLarge(std::string_view name)
+{
+    return MotionRecordingError{std::string{name} + ": larger than " +
+                                std::to_string(MotionRecording::maximumSize >> 20) + " MB"};
+}
+
+} // namespace
+
+MotionRecording MotionRecording::load(const std::filesystem::path& file)
+{
+    std::error_code error;
+    if (!std::filesystem::is_regular_file(file, error)) {
+        throw MotionRecordingError{file.string() + ": no such file"};
+    }
+    if (std::filesystem::file_size(file, error) > maximumSize) {
+        throw tooLarge(file.string());
+    }
+    std::ifstream stream{file, std::ios::binary};
+    const std::string text{std::istreambuf_iterator<char>{stream}, {}};
+    if (!stream) {
+        throw MotionRecordingError{file.string() + ": can't be read"};
+    }
+    return parse(text, file.string());
+}
+
+MotionRecording MotionRecording::parse(std::string_view text, std::string_view name)
+{
+    if (text.size() > maximumSize) {
+        throw tooLarge(name);
+    }
+    if (text.starts_with(byteOrderMark)) {
+        text.remove_prefix(byteOrderMark.size());
+    }
+    LineReader reader{text, name};
+    const auto first = reader.next();
+    if (!first) {
+        throw MotionRecordingError{std::string{name} + ": empty"};
+    }
+    if (trimmedCell(*first) != header) {
+        reader.fail("the header is " + quoted(*first) + " instead of " + quoted(header));
+    }
+    std::vector<Sample> samples;
+    double last = 0.0;
+    while (const auto line = reader.next()) {
+        const auto [seconds, x, y, z] = readRow(reader, *line);
+        if (seconds < 0.0) {
+            reader.fail("the time is negative");
+        }
+        if (seconds < last) {
+            reader.fail("the time goes back");
+        }
+        last = seconds;
+        samples.push_back({durationFromSeconds(seconds), {x, y, z}});
+    }
+    if (samples.empty()) {
+        reader.fail("no samples after the header");
+    }
+    return MotionRecording{std::move(samples)};
+}
+
+} // namespace sentrel::simulation

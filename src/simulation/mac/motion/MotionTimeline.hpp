@@ -1,0 +1,58 @@
+#pragma once
+
+#include "simulation/mac/motion/MotionRecording.hpp"
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <random>
+
+namespace sentrel::simulation {
+
+/// When the accelerometer measures what: a recording that plays, else a machine at rest with sensor noise, else
+/// nothing. Times are exact and don't drift. No lock of its own.
+class MotionTimeline {
+public:
+    /// Standard deviation of the sensor's noise on each axis, in g.
+    static constexpr double noise = 0.002;
+
+    /// Time between two samples until a report interval is set.
+    static constexpr Duration usualInterval = std::chrono::milliseconds{20};
+
+    /// The seed decides the noise.
+    explicit MotionTimeline(std::uint64_t seed) : generator_(seed) {}
+
+    /// Plays the recording from `start` on, in place of one that still plays.
+    void play(MotionRecording recording, Instant start);
+
+    /// Begins or ends the samples of a machine at rest; they pause while a recording plays.
+    void setResting(bool isResting, Instant now);
+
+    /// Time between two samples of a machine at rest, counted from now.
+    void setInterval(Duration interval, Instant now);
+
+    /// When the next sample is due; none when nothing goes on.
+    [[nodiscard]] std::optional<Instant> next() const;
+
+    /// The next sample, which must exist; the timeline moves on.
+    Acceleration take();
+
+    /// Forgets the samples that were due before `now`.
+    void skipTo(Instant now);
+
+private:
+    [[nodiscard]] bool isPlaying() const { return recording_ && place_ < recording_->samples().size(); }
+    void skipResting(Instant now);
+    [[nodiscard]] Instant playTime() const { return start_ + recording_->samples()[place_].at; }
+
+    std::optional<MotionRecording> recording_;
+    std::size_t place_ = 0;
+    Instant start_{};
+    bool isResting_ = false;
+    Duration interval_ = usualInterval;
+    Instant restingNext_{};
+    std::mt19937_64 generator_;
+    std::normal_distribution<double> distribution_{0.0, noise};
+};
+
+} // namespace sentrel::simulation

@@ -1,0 +1,203 @@
+#include "simulation/mac/music/SimulatedMusic.hpp"
+
+#include "foundation/FourCharCode.hpp"
+#include "runtime/Sleep.hpp"
+
+#include <utility>
+
+namespace sentrel::simulation {
+
+namespace {
+
+constexpr std::string_view musicIdentifier = "com.apple.Music";
+
+// Carbon Core's MacErrors.h.
+constexpr std::int32_t noErr = 0;
+constexpr std::int32_t procNotFound = -600;
+constexpr std::int32_t errAEEventNotPermitted = -1743;
+constexpr std::int32_t errAEEventWouldRequireUserConsent = -1744;
+
+// What an AppleScript compiler would make of them.
+constexpr std::string_view playingTestScript = "tell application \"Music\"\n"
+                                               "    player state is playing\n"
+                                               "end tell";
+constexpr std::string_view pauseScript = "tell application \"Music\" to pause";
+
+// Only what plays can be paused.
+SimulatedMusic::Playback paused(SimulatedMusic::Playback now)
+{
+    return now == SimulatedMusic::Playback::playing ? SimulatedMusic::Playback::paused : now;
+}
+
+} // namespace
+
+bool SimulatedMusic::isInstalled(const std::string& bundleIdentifier)
+{
+    faults_.call("isInstalled");
+    return bundleIdentifier == musicIdentifier && !faults_.strikes("not-installed");
+}
+
+bool SimulatedMusic::isRunning(const std::string& bundleIdentifier)
+{
+    faults_.call("isRunning");
+    return bundleIdentifier == musicIdentifier && playback() != Playback::absent;
+}
+
+Async<std::optional<std::int32_t>> SimulatedMusic::determinePermission(std::uint32_t descriptorType,
+                                                                       std::string bundleIdentifier, std::uint32_t,
+                                                                       std::uint32_t, bool askUserIfNeeded)
+{
+    co_await faults_.awaitedCall("determinePermission");
+    if (faults_.strikes("descriptor")) {
+        co_return std::nullopt;
+    }
+    if (descriptorType != fourCharCode("bund") || bundleIdentifier != musicIdentifier ||
+        playback() == Playback::absent) {
+        co_return procNotFound;
+    }
+    const Consent known = consent();
+    if (known != Consent::undetermined) {
+        co_return known == Consent::granted ? noErr : errAEEventNotPermitted;
+    }
+    if (!askUserIfNeeded) {
+        co_return errAEEventWouldRequireUserConsent;
+    }
+    const std::int32_t answer = co_await askOwner();
+    co_return answer;
+}
+
+Async<std::int32_t> SimulatedMusic::askOwner()
+{
+    journal_.note("consent.asked", {{"application", musicIdentifier}});
+    const Duration delay = consentDelay();
+    if (delay > Duration::zero()) {
+        co_await sleepFor(delay);
+    }
+    // Asked twice at once, the owner answers once.
+    if (consent() == Consent::undetermined) {
+        const bool isGranted = !faults_.strikes("consent");
+        setConsent(isGranted ? Consent::granted : Consent::denied);
+        journal_.note("consent.answered", {{"granted", isGranted}});
+    }
+    co_return consent() == Consent::granted ? noErr : errAEEventNotPermitted;
+}
+
+Async<std::optional<bool>> SimulatedMusic::runScript(std::string source)
+{
+    co_await faults_.awaitedCall("runScript");
+    if (faults_.strikes("script-hangs")) {
+        co_await never_.wait();
+    }
+    if (faults_.strikes("script-slow")) {
+        co_await sleepFor(scriptDelay());
+    }
+    if (faults_.strikes("script")) {
+        co_return std::nullopt;
+    }
+    co_return execute(source);
+}
+
+std::optional<bool> SimulatedMusic::execute(const std::string& source)
+{
+    const bool isPause = source == pauseScript;
+    const bool isUnderstood = isPause || source == playingTestScript;
+    const Playback now = playback();
+    if (!isUnderstood || now == Playback::absent || consent() != Consent::granted) {
+        return std::nullopt;
+    }
+    if (!isPause) {
+        return now == Playback::playing;
+    }
+    change("script", paused);
+    return false; // an order has no result, and no result counts as false
+}
+
+void SimulatedMusic::play()
+{
+    change("user", [](Playback) { return Playback::playing; });
+}
+
+void SimulatedMusic::pause()
+{
+    change("user", paused);
+}
+
+void SimulatedMusic::quit()
+{
+    change("user", [](Playback) { return Playback::absent; });
+}
+
+void SimulatedMusic::togglePlayback()
+{
+    change("key", [](Playback now) { return now == Playback::paused ? Playback::playing : paused(now); });
+}
+
+void SimulatedMusic::change(std::string_view by, Playback (*next)(Playback now))
+{
+    Playback before{};
+    Playback after{};
+    {
+        const std::lock_guard guard{mutex_};
+        before = playback_;
+        after = next(before);
+        playback_ = after;
+    }
+    if (before == after) {
+        return;
+    }
+    if (after == Playback::absent) {
+        journal_.note("music.quit", {});
+        return;
+    }
+    journal_.note(after == Playback::playing ? "music.playing" : "music.paused", {{"by", by}});
+}
+
+SimulatedMusic::Playback SimulatedMusic::playback() const
+{
+    const std::lock_guard guard{mutex_};
+    return playback_;
+}
+
+void SimulatedMusic::setPlayback(Playback playback)
+{
+    const std::lock_guard guard{mutex_};
+    playback_ = playback;
+}
+
+void SimulatedMusic::setConsent(Consent consent)
+{
+    const std::lock_guard guard{mutex_};
+    consent_ = consent;
+}
+
+SimulatedMusic::Consent SimulatedMusic::consent() const
+{
+    const std::lock_guard guard{mutex_};
+    return consent_;
+}
+
+void SimulatedMusic::setConsentDelay(Duration delay)
+{
+    const std::lock_guard guard{mutex_};
+    consentDelay_ = delay;
+}
+
+void SimulatedMusic::setScriptDelay(Duration delay)
+{
+    const std::lock_guard guard{mutex_};
+    scriptDelay_ = delay;
+}
+
+Duration SimulatedMusic::consentDelay() const
+{
+    const std::lock_guard guard{mutex_};
+    return consentDelay_;
+}
+
+Duration SimulatedMusic::scriptDelay() const
+{
+    const std::lock_guard guard{mutex_};
+    return scriptDelay_;
+}
+
+} // namespace sentrel::simulation

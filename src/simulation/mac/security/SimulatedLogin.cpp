@@ -1,0 +1,194 @@
+#include "simulation/mac/security/SimulatedLogin.hpp"
+
+#include "foundation/Fatal.hpp"
+#include "ports/Journal.hpp"
+#include "runtime/Semaphore.hpp"
+
+#include <utility>
+
+namespace sentrel::simulation {
+
+/// A request from the moment that it was made.
+struct SimulatedLogin::Panel {
+    std::string reason;
+    std::function<void(bool)> reply;
+    // Guarded by the state's mutex.
+    std::optional<LoginAnswer> givenAnswer;
+    bool isInvalidated = false;
+    Semaphore decided;
+};
+
+/// What the requests share; each keeps it, since the application may let go of one after the login's end.
+struct SimulatedLogin::State {
+    State(Scheduler& clock, ports::Journal& log) : scheduler(clock), journal(log) {}
+
+    void note(std::string_view reason, std::string_view outcome)
+    {
+        journal.note("login", {{"reason", reason}, {"answer", outcome}});
+    }
+
+    Scheduler& scheduler;
+    ports::Journal& journal;
+    std::mutex mutex;
+    LoginAnswer answer = LoginAnswer::succeed;
+    std::optional<Duration> answerDelay{Duration::zero()};
+    std::optional<std::string> unavailabilityDescription;
+    std::shared_ptr<Panel> shown;
+    std::vector<std::string> reasonsAsked;
+};
+
+class SimulatedLogin::Context final : public ports::LoginContext {
+public:
+    Context(std::shared_ptr<State> state, SerialQueue& panels, FaultSwitches& faults)
+        : state_(std::move(state)), panels_(panels), faults_(faults)
+    {
+    }
+
+    ~Context() override
+    {
+        if (panel_ != nullptr) {
+            {
+                const std::lock_guard guard{state_->mutex};
+                panel_->isInvalidated = true;
+            }
+            panel_->decided.signal();
+        }
+    }
+
+    void setLocalizedReason(const std::string& reason) override { reason_ = reason; }
+
+    [[nodiscard]] Evaluability canEvaluatePolicy(std::int64_t /*policy*/) override
+    {
+        faults_.call("canEvaluatePolicy");
+        Evaluability evaluability;
+        {
+            const std::lock_guard guard{state_->mutex};
+            evaluability.canEvaluate = state_->answer != LoginAnswer::unavailable;
+            if (!evaluability.canEvaluate) {
+                evaluability.errorDescription = state_->unavailabilityDescription;
+            }
+        }
+        if (!evaluability.canEvaluate) {
+            state_->note(reason_, nameOf(LoginAnswer::unavailable));
+        }
+        return evaluability;
+    }
+
+    void evaluatePolicy(std::int64_t /*policy*/, const std::string& reason, std::function<void(bool)> reply) override
+    {
+        faults_.call("evaluatePolicy");
+        if (panel_ != nullptr) {
+            fatalError("a simulated login context is asked twice");
+        }
+        panel_ = std::make_shared<Panel>();
+        panel_->reason = reason;
+        panel_->reply = std::move(reply);
+        panels_.async(show(state_, panel_));
+    }
+
+private:
+    std::shared_ptr<State> state_;
+    SerialQueue& panels_;
+    FaultSwitches& faults_;
+    std::string reason_;
+    std::shared_ptr<Panel> panel_;
+};
+
+std::string_view nameOf(LoginAnswer answer)
+{
+    switch (answer) {
+    case LoginAnswer::succeed:
+        return "succeed";
+    case LoginAnswer::fail:
+        return "fail";
+    case LoginAnswer::cancel:
+        return "cancel";
+    case LoginAnswer::unavailable:
+        break;
+    }
+    return "unavailable";
+}
+
+SimulatedLogin::SimulatedLogin(Scheduler& scheduler, ports::Journal& journal)
+    : state_(std::make_shared<State>(scheduler, journal)),
+      panels_(scheduler, "login panels", QualityOfService::userInteractive)
+{
+}
+
+std::unique_ptr<ports::LoginContext> SimulatedLogin::makeContext()
+{
+    faults_.call("makeContext");
+    return std::make_unique<Context>(state_, panels_, faults_);
+}
+
+Async<void> SimulatedLogin::show(std::shared_ptr<State> state, std::shared_ptr<Panel> panel)
+{
+    std::optional<Duration> delay;
+    {
+        const std::lock_guard guard{state->mutex};
+        delay = state->answerDelay;
+        if (!panel->isInvalidated) {
+            state->shown = panel;
+            state->reasonsAsked.push_back(panel->reason);
+        }
+    }
+    if (delay) {
+        co_await panel->decided.waitUntil(state->scheduler.now() + *delay);
+    } else {
+        co_await panel->decided.wait();
+    }
+    std::optional<LoginAnswer> answer;
+    {
+        const std::lock_guard guard{state->mutex};
+        state->shown.reset();
+        if (!panel->isInvalidated) {
+            answer = panel->givenAnswer.value_or(state->answer);
+        }
+    }
+    state->note(panel->reason, answer ? nameOf(*answer) : "invalidated");
+    const auto reply = std::exchange(panel->reply, nullptr);
+    reply(answer == LoginAnswer::succeed);
+}
+
+void SimulatedLogin::setAnswer(LoginAnswer answer)
+{
+    const std::lock_guard guard{state_->mutex};
+    state_->answer = answer;
+}
+
+void SimulatedLogin::setAnswerDelay(std::optional<Duration> delay)
+{
+    const std::lock_guard guard{state_->mutex};
+    state_->answerDelay = delay;
+}
+
+void SimulatedLogin::setUnavailabilityDescription(std::optional<std::string> description)
+{
+    const std::lock_guard guard{state_->mutex};
+    state_->unavailabilityDescription = std::move(description);
+}
+
+bool SimulatedLogin::answerPanel(LoginAnswer answer)
+{
+    const std::lock_guard guard{state_->mutex};
+    if (state_->shown == nullptr || state_->shown->givenAnswer) {
+        return false;
+    }
+    state_->shown->givenAnswer = answer;
+    state_->shown->decided.signal();
+    return true;
+}
+
+std::optional<std::string> SimulatedLogin::panelReason() const
+{
+    const std::lock_guard guard{state_->mutex};
+    return state_->shown == nullptr ? std::nullopt : std::optional{state_->shown->reason};
+}
+
+std::vector<std::string> SimulatedLogin::reasonsAsked() const
+{
+    const std::lock_guard guard{state_->mutex};
+    return state_->reasonsAsked;
+}
+
+} // namespace sentrel::simulation

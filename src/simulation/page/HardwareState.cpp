@@ -1,0 +1,171 @@
+#include "sensors/MotionDetector.hpp"
+#include "simulation/icloud/CloudErrorNames.hpp"
+#include "simulation/icloud/CompanionPhone.hpp"
+#include "simulation/page/PageFiles.hpp"
+#include "simulation/page/PageState.hpp"
+#include "simulation/stage/MacSession.hpp"
+
+#include <array>
+#include <nlohmann/json.hpp>
+#include <ranges>
+#include <set>
+
+// The Mac as a thing, the way to iCloud, and the phone beside it.
+
+namespace sentrel::simulation {
+
+namespace {
+
+const char* nameOf(simulation::SimulatedMusic::Playback playback)
+{
+    constexpr std::array names{"absent", "paused", "playing"};
+    return names[static_cast<std::size_t>(playback)];
+}
+
+const char* nameOf(ports::CloudAccountStatus status)
+{
+    constexpr std::array names{"unknown", "available", "restricted", "none", "temporarily-unavailable"};
+    return names[static_cast<std::size_t>(status)];
+}
+
+double since1970(Date date)
+{
+    return date.secondsSinceReferenceDate + Date::secondsFrom1970To2001;
+}
+
+Json audioJson(const simulation::SimulatedAudio& audio)
+{
+    const auto defaultOutput = audio.defaultOutput();
+    Json devices = Json::array();
+    for (const simulation::AudioDevice& device : audio.devices()) {
+        if (device.hasOutput()) {
+            devices.push_back({{"id", device.id},
+                               {"name", device.name},
+                               {"volume", device.volume().value_or(1.0F)},
+                               {"isMuted", device.isMuted()},
+                               {"isDefault", defaultOutput == device.id}});
+        }
+    }
+    return {{"devices", std::move(devices)}};
+}
+
+Json cameraJson(const simulation::SimulatedCamera& camera, PageFiles& files)
+{
+    const simulation::CameraView view = camera.view();
+    return {{"lamp", camera.isSessionRunning()},
+            {"brightness", view.brightness ? Json(*view.brightness) : Json(nullptr)},
+            {"source", camera.hasPhotoFile() ? "webcam" : "scene"},
+            {"scene", files.addImage(view.jpeg)}};
+}
+
+} // namespace
+
+Json PageState::run() const
+{
+    SentrelApp* const app = session_.app();
+    return {{"title", title_},
+            {"process", app != nullptr ? "running" : "ended"},
+            {"isArmed", app != nullptr && app->coordinator().isArmed.get()},
+            {"isAlarmActive", app != nullptr && app->coordinator().isAlarmActive.get()},
+            {"date", since1970(session_.mac().wallClock.now())},
+            {"timeZone", session_.mac().calendar.timeZone()},
+            {"language", session_.mac().calendar.languageTag()}};
+}
+
+std::optional<double> PageState::motionThreshold() const
+{
+    if (session_.app() == nullptr) {
+        return std::nullopt;
+    }
+    const AlarmSettings& settings = session_.app()->settings().settings();
+    return settings.triggerOnMotion ? std::optional{MotionDetector::thresholdFor(settings.motionSensitivity)}
+                                    : std::nullopt;
+}
+
+Json PageState::hardware()
+{
+    simulation::SimulatedMac& mac = session_.mac();
+    const auto threshold = motionThreshold();
+    return {{"power", mac.power.isOnAC() ? "ac" : "battery"},
+            {"lid", mac.lid.isClosed() ? "closed" : "open"},
+            {"displays", mac.displays.count()},
+            {"isAsleep", session_.isAsleep()},
+            {"audio", audioJson(mac.audio)},
+            {"music", nameOf(mac.music.playback())},
+            {"camera", cameraJson(mac.camera, files_)},
+            {"threshold", threshold ? Json(*threshold) : Json(nullptr)}};
+}
+
+Json PageState::sound()
+{
+    Json sounds = Json::array();
+    for (const simulation::Sounding& sounding : session_.mac().speaker.sounding()) {
+        if (sounding.gain > 0.0F && sounding.samples != nullptr && !sounding.samples->empty()) {
+            sounds.push_back({{"id", sounding.id},
+                              {"url", files_.addSound(sounding.samples)},
+                              {"loops", sounding.kind == simulation::Sounding::Kind::loop},
+                              {"gain", sounding.gain},
+                              {"device", sounding.device ? Json(*sounding.device) : Json(nullptr)}});
+        }
+    }
+    return sounds;
+}
+
+Json PageState::cloud() const
+{
+    simulation::SimulatedICloud& iCloud = session_.mac().iCloud;
+    Json faults = Json::array();
+    for (const simulation::CloudFault& fault : iCloud.link.faults().all()) {
+        faults.push_back({{"name", simulation::cloudErrorName(fault.error.code)}, {"times", fault.times}});
+    }
+    const std::string user = iCloud.link.device().user;
+    return {{"network", iCloud.network.isUp() ? "up" : "down"},
+            {"account", nameOf(iCloud.link.accountStatus())},
+            {"user", user},
+            {"quota", session_.cloudServer().isFull(user) ? "full" : "ok"},
+            {"latency", toSeconds(iCloud.link.latency())},
+            {"faults", std::move(faults)},
+            {"requests", iCloud.link.requests()}};
+}
+
+Json PageState::phone()
+{
+    simulation::CompanionPhone& phone = session_.phone();
+    Json alerts = Json::array();
+    std::set<std::string> present;
+    for (auto& alert : phone.alerts()) {
+        present.insert(alert.id);
+        Json photo = nullptr;
+        if (alert.photo) {
+            photo = photoUrl(alert.id, std::make_shared<const Bytes>(*std::move(alert.photo)));
+        }
+        alerts.push_back({{"id", alert.id},
+                          {"title", alert.triggerName},
+                          {"device", alert.deviceName},
+                          {"date", since1970(alert.timestamp)},
+                          {"photo", std::move(photo)}});
+    }
+    std::erase_if(phonePhotos_, [&](const auto& entry) { return !present.contains(entry.first); });
+    Json notifications = Json::array();
+    const auto shown = phone.notifications();
+    for (const auto& notification : std::views::reverse(shown)) {
+        notifications.push_back({{"text", notification.text}, {"date", since1970(notification.date)}});
+    }
+    Json macs = Json::array();
+    for (const auto& mac : phone.macs()) {
+        macs.push_back({{"id", mac.deviceID},
+                        {"name", mac.deviceName},
+                        {"isArmed", mac.isArmed},
+                        {"isCompatible", mac.isCompatible},
+                        {"lastSeen", since1970(mac.lastSeen)}});
+    }
+    return {{"alerts", std::move(alerts)}, {"notifications", std::move(notifications)}, {"macs", std::move(macs)}};
+}
+
+std::string PageState::photoUrl(const std::string& alert, const std::shared_ptr<const Bytes>& photo)
+{
+    // An alert's photo never changes, so that its bytes are looked at once.
+    return files_.addImage(phonePhotos_.try_emplace(alert, photo).first->second);
+}
+
+} // namespace sentrel::simulation

@@ -1,0 +1,100 @@
+#include "simulation/page/HttpServer.hpp"
+
+#include <algorithm>
+#include <chrono>
+#include <utility>
+
+namespace sentrel::simulation {
+
+namespace {
+
+using boost::asio::ip::tcp;
+using boost::beast::error_code;
+
+constexpr std::size_t mostConnections = 256;
+constexpr int mostArriving = 512; // connections that the system holds until they are accepted
+constexpr std::chrono::milliseconds pauseAfterFailure{100};
+
+} // namespace
+
+HttpServer::HttpServer(HttpRoutes& routes, std::size_t largestBody, HttpAnswer::Headers onEveryAnswer)
+    : service_{.routes = routes, .largestBody = largestBody, .onEveryAnswer = std::move(onEveryAnswer)}
+{
+}
+
+HttpServer::~HttpServer()
+{
+    closeAll();
+}
+
+int HttpServer::bind(int port)
+{
+    const tcp::endpoint place{boost::asio::ip::address_v4::loopback(), static_cast<unsigned short>(port)};
+    error_code error;
+    acceptor_.open(place.protocol(), error);
+    // A port whose last connections are still being closed is free; one that is listened on isn't.
+    acceptor_.set_option(tcp::acceptor::reuse_address(true), error);
+    acceptor_.bind(place, error);
+    if (!error) {
+        acceptor_.listen(mostArriving, error);
+    }
+    return error ? 0 : acceptor_.local_endpoint().port();
+}
+
+void HttpServer::accept()
+{
+    acceptor_.async_accept([this](error_code error, tcp::socket socket) {
+        if (error) {
+            makeRoom(); // no descriptor is left
+            pause_.expires_after(pauseAfterFailure);
+            return pause_.async_wait([this](const error_code& ended) { ended ? void() : accept(); });
+        }
+        if (service_.connections.size() >= mostConnections) {
+            makeRoom();
+        }
+        if (service_.connections.size() < mostConnections) {
+            error_code ignored;
+            socket.set_option(tcp::no_delay(true), ignored);
+            const auto connection = std::make_shared<HttpConnection>(service_, std::move(socket));
+            service_.connections.insert(connection);
+            connection->awaitRequest();
+        }
+        accept();
+    });
+}
+
+/// Closes the connection whose request began first, so that slow clients give way to those that come later. Streams
+/// stay: their number has a limit of its own.
+void HttpServer::makeRoom()
+{
+    const auto since = [](const auto& each) { return each->since(); };
+    const auto longest = std::ranges::min_element(service_.connections, {}, since);
+    if (longest != service_.connections.end() && since(*longest) != std::chrono::steady_clock::time_point::max()) {
+        const auto connection = *longest;
+        connection->close();
+    }
+}
+
+void HttpServer::closeAll()
+{
+    error_code ignored;
+    acceptor_.close(ignored);
+    while (!service_.connections.empty()) {
+        const auto connection = *service_.connections.begin();
+        connection->close();
+    }
+}
+
+void HttpServer::serve()
+{
+    accept();
+    context_.run();
+    closeAll();
+}
+
+void HttpServer::end()
+{
+    context_.stop();
+}
+
+} // namespace sentrel::simulation

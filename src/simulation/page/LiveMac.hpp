@@ -1,0 +1,104 @@
+#pragma once
+
+#include "sensors/MotionDetector.hpp"
+#include "simulation/page/EventHub.hpp"
+#include "simulation/page/PageFiles.hpp"
+#include "simulation/page/PageState.hpp"
+#include "simulation/page/StoryLines.hpp"
+#include "simulation/stage/MacSession.hpp"
+#include "simulation/stage/Scenario.hpp"
+#include "simulation/stage/WorldThread.hpp"
+
+#include <cstdint>
+#include <filesystem>
+#include <map>
+#include <memory>
+#include <optional>
+#include <shared_mutex>
+#include <string>
+#include <vector>
+
+namespace sentrel::simulation {
+
+/// A simulated MacBook that lives in real time, and tells every page what changes.
+class LiveMac {
+public:
+    /// The Mac of the scenario; its steps are not played. The disk is an existing folder, in which another Mac that
+    /// takes this one's place, if it may, gets a folder of its own.
+    LiveMac(Scenario scenario, std::filesystem::path disk, std::filesystem::path resources, std::uint64_t seed,
+            Date date, bool mayBeReplaced = false);
+    ~LiveMac();
+    LiveMac(const LiveMac&) = delete;
+
+    void start();
+    void stop();
+
+    /// Does something with the Mac on its own thread; see `WorldThread::call`.
+    template <class Function> auto call(Function function)
+    {
+        const std::shared_lock guard{mutex_};
+        return life_->world.call([this, &function] {
+            life_->isTouched = true;
+            return function(life_->session);
+        });
+    }
+
+    /// Does an action of the scenario language; gives why it can't be done, or nothing.
+    [[nodiscard]] std::string perform(const Action& action);
+
+    /// Puts a new Mac of the same scenario in this one's place, and tells every page; gives why not, or nothing. Not
+    /// on the world's thread.
+    [[nodiscard]] std::string replace();
+
+    [[nodiscard]] EventHub& hub() { return hub_; }
+    [[nodiscard]] PageFiles& files() { return files_; }
+
+    /// A stream for a page: everything that there is, and then what changes. Null when there are too many.
+    [[nodiscard]] std::shared_ptr<EventHub::Subscriber> listen();
+
+private:
+    /// One MacBook from its first launch on, and how much of it has been told.
+    struct Life {
+        Life(const Scenario& scenario, const std::filesystem::path& disk, const std::filesystem::path& resources,
+             std::uint64_t seed, Date date, PageFiles& files);
+
+        MacSession session;
+        PageState state;
+        StoryLines story;
+        std::size_t eventsSeen = 0;
+        std::size_t storyTold = 0;
+        std::uint64_t screenVersion = 0;
+        double lastMotion = -1.0;
+        bool isTouched = true;
+        bool isLogRead = false;
+        double meterThreshold = 0.0;
+        std::optional<MotionDetector> meter; // the product's own measure, on an instrument of ours
+        std::vector<double> departures;      // of the samples since the last motion event
+        WorldThread world;                   // last: its end comes before that of what it uses
+    };
+
+    void begin();
+    void happened();
+    void tellStory();
+    [[nodiscard]] double departureOf(const simulation::Acceleration& sample);
+    void tellMotion(double now);
+    void tellChanges();
+    [[nodiscard]] bool mayHaveChanged();
+    [[nodiscard]] std::map<std::string, PageState::Text> rooms(bool withPhone);
+    [[nodiscard]] std::string untimedRun() const;
+    [[nodiscard]] std::string goneContents(const std::map<std::string, PageState::Text>& rooms);
+
+    const Scenario scenario_;
+    const std::filesystem::path disk_;
+    const std::filesystem::path resources_;
+    const std::uint64_t seed_;
+    const bool mayBeReplaced_;
+    std::uint64_t replacements_ = 0;
+    PageFiles files_;
+    EventHub hub_;
+    std::map<std::string, PageState::Text> told_; // room: what the pages were told last
+    std::shared_mutex mutex_;                     // held alone while one life follows another
+    std::unique_ptr<Life> life_;
+};
+
+} // namespace sentrel::simulation

@@ -1,0 +1,142 @@
+#include "simulation/mac/display/SimulatedDisplays.hpp"
+#include "simulation/page/NodeJson.hpp"
+#include "simulation/page/PageFiles.hpp"
+#include "simulation/page/PageState.hpp"
+#include "simulation/stage/MacSession.hpp"
+
+#include <algorithm>
+#include <iterator>
+#include <nlohmann/json.hpp>
+#include <ranges>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+// The Mac's screen: what the product and the system show on it.
+
+namespace sentrel::simulation {
+
+namespace {
+
+constexpr std::uint64_t resizable = 8; // NSWindowStyleMaskResizable
+
+/// From the system's coordinates, whose origin is at the bottom left of the built-in display, to the page's.
+Json rectangleJson(const ports::Rectangle& rectangle, double displayHeight)
+{
+    return {{"x", rectangle.x},
+            {"y", displayHeight - rectangle.y - rectangle.height},
+            {"width", rectangle.width},
+            {"height", rectangle.height}};
+}
+
+std::size_t displayOf(const ports::Rectangle& frame, const std::vector<ports::Screen>& screens)
+{
+    const auto found =
+        std::ranges::find_if(screens, [&](const ports::Screen& screen) { return screen.frame.x == frame.x; });
+    return found == screens.end() ? 0 : static_cast<std::size_t>(found - screens.begin());
+}
+
+/// The room of what a window shows.
+std::string contentRoom(const simulation::WindowState& window)
+{
+    return std::string{PageState::contentPrefix} + std::to_string(window.number);
+}
+
+} // namespace
+
+Json PageState::menuBar()
+{
+    const auto item = session_.mac().statusBar.item();
+    if (!item) {
+        return nullptr;
+    }
+    return {{"icon", item->image},
+            {"label", item->accessibilityLabel},
+            {"menu", item->isMenuOpen ? nodeJson(item->menu, files_) : Json(nullptr)}};
+}
+
+Json PageState::screen()
+{
+    simulation::SimulatedMac& mac = session_.mac();
+    const auto screens = mac.displays.screens();
+    const double height = screens.empty() ? 1117.0 : screens.front().frame.height;
+    Json displays = Json::array();
+    for (const ports::Screen& screen : screens) {
+        displays.push_back(rectangleJson(screen.frame, height));
+    }
+    Json windows = Json::array();
+    const auto seenWindows = mac.displays.seenWindows();
+    for (const auto& window : std::views::reverse(seenWindows)) {
+        const simulation::WindowState& seen = *window;
+        windows.push_back({{"id", seen.identifier},
+                           {"title", seen.title},
+                           {"frame", rectangleJson(seen.frame, height)},
+                           {"isKey", seen.isKey},
+                           {"isResizable", (seen.description.styleMask & resizable) != 0},
+                           {"content", contentRoom(seen)},
+                           {"focus", seen.focusedIdentity}});
+    }
+    Json covers = Json::array();
+    for (const auto& cover : mac.displays.seenCovers()) {
+        covers.push_back({{"display", displayOf(cover->frame, screens)},
+                          {"content", contentRoom(*cover)},
+                          {"focus", cover->focusedIdentity}});
+    }
+    return {{"displays", std::move(displays)},
+            {"isActive", mac.activation.isActive()},
+            {"isAsleep", session_.isAsleep()},
+            {"windows", std::move(windows)},
+            {"covers", std::move(covers)}};
+}
+
+std::map<std::string, PageState::Text> PageState::contents()
+{
+    simulation::SimulatedMac& mac = session_.mac();
+    auto seen = mac.displays.seenWindows();
+    std::ranges::copy(mac.displays.seenCovers(), std::back_inserter(seen));
+    std::map<std::uint64_t, Drawn> drawn;
+    std::map<std::string, Text> contents;
+    for (const auto& window : seen) {
+        Drawn& now = drawn[window->number];
+        if (const auto before = drawn_.find(window->number); before != drawn_.end()) {
+            now = std::move(before->second);
+        }
+        if (now.content == nullptr || now.version != window->contentVersion) {
+            now = {window->contentVersion,
+                   std::make_shared<const std::string>(textOf(nodeJson(window->content, files_)))};
+        }
+        contents[contentRoom(*window)] = now.content;
+    }
+    drawn_ = std::move(drawn);
+    return contents;
+}
+
+std::string PageState::textOf(const Json& value)
+{
+    return value.dump(-1, ' ', false, Json::error_handler_t::replace);
+}
+
+Json PageState::panels()
+{
+    simulation::SimulatedMac& mac = session_.mac();
+    Json panels{{"login", nullptr}, {"alert", nullptr}, {"save", nullptr}, {"preview", nullptr}};
+    if (const auto reason = mac.login.panelReason()) {
+        panels["login"] = {{"reason", *reason}};
+    }
+    if (const auto alert = mac.alerts.open()) {
+        panels["alert"] = {{"message", alert->content.messageText}, {"informative", alert->content.informativeText}};
+    }
+    if (const auto save = mac.savePanels.open()) {
+        panels["save"] = {{"title", save->title}, {"name", save->nameFieldStringValue}, {"folder", "Downloads"}};
+    }
+    const auto items = mac.previewPanel.items();
+    if (mac.previewPanel.isVisible() && !items.empty()) {
+        if (auto content = mac.files.read(items.front())) {
+            panels["preview"] = {{"image", files_.addImage(std::make_shared<const Bytes>(*std::move(content)))},
+                                 {"name", items.front().filename().string()}};
+        }
+    }
+    return panels;
+}
+
+} // namespace sentrel::simulation

@@ -1,0 +1,106 @@
+#include "simulation/page/ServeCommand.hpp"
+
+#include "simulation/mac/language/IcuCalendar.hpp"
+#include "simulation/page/LiveMac.hpp"
+#include "simulation/page/PageServer.hpp"
+#include "simulation/page/RunDisk.hpp"
+#include "simulation/stage/ScenarioError.hpp"
+#include "simulation/stage/ScenarioReader.hpp"
+#include "simulation/story/PlayCommand.hpp"
+
+#include <openssl/rand.h>
+
+#include <pthread.h>
+
+#include <array>
+#include <chrono>
+#include <csignal>
+#include <cstdio>
+#include <ostream>
+#include <stdexcept>
+#include <thread>
+
+namespace sentrel::simulation {
+
+namespace {
+
+/// 128 random bits as hexadecimal digits.
+std::string randomToken()
+{
+    std::array<unsigned char, 16> bytes{};
+    if (RAND_bytes(bytes.data(), static_cast<int>(bytes.size())) != 1) {
+        throw std::runtime_error{"the system gives no random numbers"};
+    }
+    std::string token;
+    for (const unsigned char byte : bytes) {
+        std::array<char, 3> digits{};
+        std::snprintf(digits.data(), digits.size(), "%02x", byte);
+        token += digits.data();
+    }
+    return token;
+}
+
+Date today()
+{
+    const auto since1970 = std::chrono::system_clock::now().time_since_epoch();
+    return Date{std::chrono::duration<double>(since1970).count() - Date::secondsFrom1970To2001};
+}
+
+/// The signals that end the program, taken by whoever waits for them.
+sigset_t endingSignals()
+{
+    sigset_t signals{};
+    sigemptyset(&signals);
+    sigaddset(&signals, SIGINT);
+    sigaddset(&signals, SIGTERM);
+    return signals;
+}
+
+} // namespace
+
+int run(const ServeCommand& command, std::ostream& out, std::ostream& err)
+{
+    // Before any thread is made, so that all of them leave the signals alone.
+    const sigset_t signals = endingSignals();
+    pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+
+    Scenario scenario;
+    try {
+        scenario = readScenario(command.scenario);
+    } catch (const ScenarioError& error) {
+        err << error.what() << '\n';
+        return exitUnreadable;
+    }
+    if (command.language) {
+        if (!simulation::IcuCalendar::isLocale(*command.language)) {
+            err << "sentrel-simulator: --language must be one such as de, fr_CA or zh-Hans\n";
+            return exitUnreadable;
+        }
+        scenario.mac.language = *command.language;
+    }
+    if (!scenario.mac.timeZone) {
+        // A MacBook that lives now shows the time that its visitor's other clocks show.
+        scenario.mac.timeZone = simulation::IcuCalendar::machinesTimeZone();
+    }
+    const RunDisk disk{command.disk};
+    LiveMac mac{scenario, disk.path(), command.resources, command.seed, today(), !command.disk};
+    const std::string token = command.token.value_or(randomToken());
+    PageServer server{mac, {.web = command.web, .token = token, .port = command.port}};
+    if (!server.bind()) {
+        err << "sentrel-simulator: port " << command.port << " is taken; try another with --port\n";
+        return exitUnreadable;
+    }
+    mac.start();
+    std::thread serving{[&server] { server.run(); }};
+    out << "The simulated MacBook is at http://127.0.0.1:" << server.port() << "/?token=" << token << '\n'
+        << "Ctrl-C ends it.\n"
+        << std::flush;
+    int signal = 0;
+    sigwait(&signals, &signal);
+    server.stop();
+    serving.join();
+    mac.stop();
+    return exitAllHeld;
+}
+
+} // namespace sentrel::simulation

@@ -1,0 +1,12 @@
+#pragma once
+
+#include "foundation/Json.hpp"
+
+namespace sentrel::simulation {
+
+class MacSession;
+
+/// Adds what can be expected of iCloud, the list of alerts and the phone.
+void addCloud(Json& state, MacSession& session);
+
+} // namespace sentrel::simulation

@@ -1,0 +1,14 @@
+#pragma once
+
+#include "simulation/stage/Expectation.hpp"
+#include "simulation/stage/YamlValue.hpp"
+
+#include <vector>
+
+namespace sentrel::simulation {
+
+/// The `expect` of a step, in the order of the file; each value is of the type that its key has. `none` and null are
+/// the same. Throws `SourceFault`.
+[[nodiscard]] std::vector<Expectation> readExpectations(const YamlValue& value);
+
+} // namespace sentrel::simulation

@@ -1,0 +1,207 @@
+#include "simulation/stage/MacState.hpp"
+
+#include "outputs/PhotoProcessing.hpp"
+#include "simulation/stage/CloudState.hpp"
+#include "simulation/stage/MacSession.hpp"
+#include "simulation/stage/ShellState.hpp"
+#include "simulation/stage/StoredDefaults.hpp"
+#include "ui/Node.hpp"
+
+#include <algorithm>
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+#include <string_view>
+#include <vector>
+
+namespace sentrel::simulation {
+
+namespace {
+
+Json jsonOf(const std::optional<std::string>& text)
+{
+    return text ? Json(*text) : Json(nullptr);
+}
+
+/// Where the alerts lie is the product's business; it is said here again so that the disk is seen without it.
+std::filesystem::path alertsFolder(simulation::SimulatedMac& mac)
+{
+    return mac.disk() / "Application Support" / mac.host.bundleIdentifier().value_or("Sentrel") / "Alerts";
+}
+
+std::vector<StoredAlert> alertsOnDisk(simulation::SimulatedMac& mac)
+{
+    posix::PosixFileSystem files;
+    const auto folder = alertsFolder(mac);
+    std::vector<StoredAlert> alerts;
+    for (const std::filesystem::path name : files.list(folder).value_or(std::vector<std::string>{})) {
+        const auto content = name.extension() == ".json" ? files.read(folder / name) : std::nullopt;
+        const auto document = content ? parseJson(*content) : std::nullopt;
+        if (auto stored = document ? decodeStoredAlert(*document) : std::nullopt) {
+            alerts.push_back(*std::move(stored));
+        }
+    }
+    std::ranges::sort(alerts, [](const StoredAlert& left, const StoredAlert& right) {
+        return std::tie(left.alert.timestamp, left.alert.id) < std::tie(right.alert.timestamp, right.alert.id);
+    });
+    return alerts;
+}
+
+/// The content of the alert's photo file; none when it has none or the file isn't there.
+std::optional<Bytes> photoOf(simulation::SimulatedMac& mac, const StoredAlert& stored)
+{
+    if (!stored.alert.photoFileName) {
+        return std::nullopt;
+    }
+    posix::PosixFileSystem files;
+    return files.read(alertsFolder(mac) / std::filesystem::path{*stored.alert.photoFileName}.filename());
+}
+
+/// The last alert's photo as it measures; a file that is no image has no size.
+Json lastPhotoOf(simulation::SimulatedMac& mac, const std::vector<StoredAlert>& alerts)
+{
+    const auto photo = alerts.empty() ? std::nullopt : photoOf(mac, alerts.back());
+    if (!photo) {
+        return nullptr;
+    }
+    simulation::TurboImageCodec codec;
+    const auto size = codec.pixelSize(*photo);
+    return {{"width", size ? Json(size->width) : Json(nullptr)},
+            {"height", size ? Json(size->height) : Json(nullptr)},
+            {"brightness", photoBrightness(codec, *photo)}};
+}
+
+Json lastAlertOf(simulation::SimulatedMac& mac, const std::vector<StoredAlert>& alerts)
+{
+    if (alerts.empty()) {
+        return nullptr;
+    }
+    const StoredAlert& last = alerts.back();
+    return {{"reason", rawValue(last.alert.reason)},
+            {"deviceName", last.alert.deviceName},
+            {"photo", photoOf(mac, last).has_value()},
+            {"pendingUpload", last.pendingUpload}};
+}
+
+void addAlerts(Json& state, simulation::SimulatedMac& mac)
+{
+    const auto alerts = alertsOnDisk(mac);
+    Json reasons = Json::array();
+    for (const StoredAlert& stored : alerts) {
+        reasons.push_back(rawValue(stored.alert.reason));
+    }
+    state["alerts"] = alerts.size();
+    state["lastAlert"] = lastAlertOf(mac, alerts);
+    state["photo"] = lastPhotoOf(mac, alerts);
+    state["alertReasons"] = std::move(reasons);
+    state["pendingUploads"] =
+        std::count_if(alerts.begin(), alerts.end(), [](const StoredAlert& stored) { return stored.pendingUpload; });
+}
+
+void addCoordinator(Json& state, const AlarmCoordinator& coordinator)
+{
+    state["isArmed"] = coordinator.isArmed.get();
+    state["isAlarmActive"] = coordinator.isAlarmActive.get();
+    state["statusMessage"] = coordinator.statusMessage.get();
+    const auto& lastTrigger = coordinator.lastTrigger.get();
+    state["lastTrigger"] = lastTrigger ? Json(rawValue(*lastTrigger)) : Json(nullptr);
+    state["lastError"] = jsonOf(coordinator.lastError.get());
+    state["cameraWarning"] = jsonOf(coordinator.cameraWarning.get());
+    state["motionWarning"] = jsonOf(coordinator.motionWarning.get());
+}
+
+/// A product that doesn't run shows nothing and does nothing.
+void addNoCoordinator(Json& state)
+{
+    state["isArmed"] = false;
+    state["isAlarmActive"] = false;
+    for (const char* key : {"statusMessage", "lastTrigger", "lastError", "cameraWarning", "motionWarning"}) {
+        state[key] = nullptr;
+    }
+}
+
+void addAudio(Json& state, MacSession& session)
+{
+    simulation::SimulatedAudio& audio = session.mac().audio;
+    const auto& sound = session.sound();
+    state["sound"] = nullptr;
+    if (sound) {
+        state["sound"] = {{"mode", sound->mode},
+                          {"device", sound->device ? Json(*sound->device) : Json(nullptr)},
+                          {"volume", sound->volume}};
+    }
+    Json devices = Json::object();
+    for (const simulation::AudioDevice& device : audio.devices()) {
+        const auto volume = device.volume();
+        devices[std::to_string(device.id)] = {{"volume", volume ? jsonNumber(*volume) : Json(nullptr)},
+                                              {"muted", device.isMuted()}};
+    }
+    state["devices"] = std::move(devices);
+    const auto defaultOutput = audio.defaultOutput();
+    state["defaultOutput"] = defaultOutput ? Json(*defaultOutput) : Json("none");
+}
+
+std::string_view nameOf(const ScreenCoverService& cover)
+{
+    if (!cover.isShowing()) {
+        return "hidden";
+    }
+    return cover.lockoutEnd() ? "locked-out" : "shown";
+}
+
+void addCover(Json& state, MacSession& session)
+{
+    const auto covers = session.mac().displays.covers();
+    const auto message = covers.empty() ? std::nullopt : ui::find(covers.front().content, "message");
+    state["cover"] = session.app() == nullptr ? "hidden" : nameOf(session.app()->cover());
+    state["coverMessage"] = message ? Json(ui::visibleText(*message->view)) : Json(nullptr);
+    state["coverWindows"] = covers.size();
+}
+
+std::string_view nameOf(simulation::SimulatedMusic::Playback playback)
+{
+    switch (playback) {
+    case simulation::SimulatedMusic::Playback::playing:
+        return "playing";
+    case simulation::SimulatedMusic::Playback::paused:
+        return "paused";
+    case simulation::SimulatedMusic::Playback::absent:
+        break;
+    }
+    return "absent";
+}
+
+AlarmSettings settingsOf(MacSession& session)
+{
+    if (session.app() != nullptr) {
+        return session.app()->settings().settings();
+    }
+    StoredDefaults stored{session.mac()};
+    return SettingsStore{session.mainActor(), stored.get()}.settings();
+}
+
+} // namespace
+
+Json stateOf(MacSession& session)
+{
+    Json state = Json::object();
+    SentrelApp* const app = session.app();
+    if (app != nullptr) {
+        addCoordinator(state, app->coordinator());
+    } else {
+        addNoCoordinator(state);
+    }
+    addAlerts(state, session.mac());
+    addCloud(state, session);
+    addAudio(state, session);
+    addCover(state, session);
+    addShell(state, session);
+    state["music"] = nameOf(session.mac().music.playback());
+    state["cameraSession"] = session.mac().camera.isSessionRunning() ? "on" : "off";
+    state["loginsAsked"] = session.mac().login.reasonsAsked().size();
+    state["assertions"] = session.mac().assertions.held();
+    state["settings"] = encodeAlarmSettings(settingsOf(session));
+    return state;
+}
+
+} // namespace sentrel::simulation

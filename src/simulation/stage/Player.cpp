@@ -1,0 +1,149 @@
+#include "simulation/stage/Player.hpp"
+
+#include "simulation/stage/EarlierRun.hpp"
+#include "simulation/stage/MacActions.hpp"
+#include "simulation/stage/MacSession.hpp"
+#include "simulation/stage/MacState.hpp"
+#include "simulation/stage/PlayFolder.hpp"
+
+#include <nlohmann/json.hpp>
+
+#include <utility>
+
+namespace sentrel::simulation {
+
+namespace {
+
+std::string place(const Scenario& scenario, int line)
+{
+    return scenario.file + ":" + std::to_string(line) + ": ";
+}
+
+/// A scenario on its MacBook.
+class Play {
+public:
+    Play(const Scenario& scenario, const PlayOptions& options, Audience& audience)
+        : scenario_(scenario),
+          audience_(audience),
+          folder_(options.out),
+          session_(scenario.mac, folder_.path(), options.resources, options.seed)
+    {
+        refuseImpossibleSteps();
+        if (scenario.mac.files) {
+            folder_.copyFiles(*scenario.mac.files);
+        }
+        if (!leaveFromEarlierRun(session_, scenario)) {
+            throw PlayError{"the passcode can't be put into the keychain"};
+        }
+        session_.log().observe([this](const simulation::Event& event) {
+            if (!hasEnded_) { // how the product is taken apart afterwards is no part of the play
+                audience_.happened(event);
+            }
+        });
+        if (folder_.isKept()) {
+            startKeeping();
+        }
+    }
+
+    PlayResult run()
+    {
+        audience_.begins();
+        session_.launch();
+        for (const Step& step : scenario_.steps) {
+            session_.clock().runUntil(Instant{step.at});
+            carryOut(step);
+        }
+        hasEnded_ = true;
+        result_.seconds = session_.seconds();
+        if (folder_.isKept()) {
+            finishKeeping();
+        }
+        return std::move(result_);
+    }
+
+private:
+    void refuseImpossibleSteps()
+    {
+        for (const Step& step : scenario_.steps) {
+            if (const auto* const action = std::get_if<Action>(&step.content)) {
+                const std::string why = objection(session_, *action);
+                if (!why.empty()) {
+                    throw PlayError{place(scenario_, step.line) + why};
+                }
+            }
+        }
+    }
+
+    void startKeeping()
+    {
+        if (!session_.log().writeTo(folder_.events())) {
+            throw PlayError{"can't write '" + folder_.events().string() + "'"};
+        }
+        if (!session_.mac().speaker.startRecording(folder_.sound())) {
+            throw PlayError{"can't write '" + folder_.sound().string() + "'"};
+        }
+    }
+
+    void finishKeeping()
+    {
+        if (!session_.mac().speaker.finishRecording()) {
+            throw PlayError{"'" + folder_.sound().string() + "' could not be written whole"};
+        }
+        if (!session_.log().isWrittenWhole()) {
+            throw PlayError{"'" + folder_.events().string() + "' could not be written whole"};
+        }
+    }
+
+    void carryOut(const Step& step)
+    {
+        if (const auto* const action = std::get_if<Action>(&step.content)) {
+            audience_.willPerform(session_.seconds(), step, *action);
+            tellFailure(step, perform(session_, *action));
+        } else {
+            check(step, std::get<std::vector<Expectation>>(step.content));
+        }
+    }
+
+    void tellFailure(const Step& step, const std::string& why)
+    {
+        if (!why.empty()) {
+            const std::vector<Mismatch> all{impossibleStep(why, step.line)};
+            result_.mismatches.push_back(all.front());
+            audience_.checked(session_.seconds(), step, all);
+        }
+    }
+
+    void check(const Step& step, const std::vector<Expectation>& expectations)
+    {
+        const Json state = stateOf(session_);
+        std::vector<Mismatch> all;
+        for (const Expectation& expectation : expectations) {
+            const auto found = mismatches(expectation, state);
+            result_.expectationsHeld += found.empty() ? 1U : 0U;
+            all.insert(all.end(), found.begin(), found.end());
+        }
+        result_.mismatches.insert(result_.mismatches.end(), all.begin(), all.end());
+        audience_.checked(session_.seconds(), step, all);
+    }
+
+    const Scenario& scenario_;
+    Audience& audience_;
+    PlayFolder folder_;
+    MacSession session_;
+    PlayResult result_;
+    bool hasEnded_ = false;
+};
+
+} // namespace
+
+PlayResult play(const Scenario& scenario, const PlayOptions& options, Audience& audience)
+{
+    try {
+        return Play{scenario, options, audience}.run();
+    } catch (const std::invalid_argument& error) {
+        // A description that makes no MacBook, such as two audio devices with one identifier.
+        throw PlayError{scenario.file + ": " + error.what()};
+    }
+}
+
+} // namespace sentrel::simulation

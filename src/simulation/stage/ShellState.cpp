@@ -1,0 +1,83 @@
+#include "simulation/stage/ShellState.hpp"
+
+#include "app/ActivationPolicy.hpp"
+#include "simulation/stage/MacSession.hpp"
+#include "simulation/stage/Person.hpp"
+#include "ui/Description.hpp"
+#include "ui/Node.hpp"
+
+#include <nlohmann/json.hpp>
+
+#include <string>
+#include <string_view>
+
+namespace sentrel::simulation {
+
+namespace {
+
+/// A window as it stands; one that hasn't been made, or has gone with its process, is not visible.
+Json windowOf(const simulation::SimulatedDisplays& displays, ShellWindow wanted)
+{
+    const auto window = displays.window(identifierOf(wanted));
+    Json json{{"visible", false}, {"size", nullptr}, {"texts", Json::array()}};
+    if (!window) {
+        return json;
+    }
+    const ports::Rectangle content = simulation::contentOf(*window, window->frame);
+    json["visible"] = window->isVisible;
+    json["size"] = {content.width, content.height};
+    if (window->isVisible) {
+        json["texts"] = ui::visibleTexts(window->content);
+    }
+    return json;
+}
+
+void addText(Json& texts, const std::string& text)
+{
+    if (!text.empty()) {
+        texts.push_back(text);
+    }
+}
+
+/// The questions and notices that are open, in windows and of their own.
+Json dialogsOf(simulation::SimulatedMac& mac)
+{
+    Json texts = Json::array();
+    for (const simulation::WindowState& window : mac.displays.windows()) {
+        for (const ui::Node& node : ui::nodesOf(window.content)) {
+            if (const auto* const dialog = ui::elementOf<ui::Dialog>(*node.view)) {
+                addText(texts, dialog->title);
+                addText(texts, dialog->message);
+            }
+        }
+    }
+    if (const auto alert = mac.alerts.open()) {
+        addText(texts, alert->content.messageText);
+        addText(texts, alert->content.informativeText);
+    }
+    return texts;
+}
+
+std::string_view nameOf(MacAppDelegate::QuitState state)
+{
+    return state == MacAppDelegate::QuitState::running ? "running" : "asked";
+}
+
+} // namespace
+
+void addShell(Json& state, MacSession& session)
+{
+    simulation::SimulatedMac& mac = session.mac();
+    const bool isRunning = session.app() != nullptr;
+    const auto item = mac.statusBar.item();
+    const bool isRegular = mac.application.activationPolicy() == regularActivationPolicy;
+    state["icon"] = item ? Json(item->image) : Json(nullptr);
+    state["menu"] = item && item->isMenuOpen ? Json(ui::visibleTexts(item->menu)) : Json(nullptr);
+    state["window"] = {{"main", windowOf(mac.displays, ShellWindow::main)},
+                       {"alerts", windowOf(mac.displays, ShellWindow::alerts)}};
+    state["dialogs"] = dialogsOf(mac);
+    state["activationPolicy"] = !isRunning ? Json(nullptr) : Json(isRegular ? "regular" : "accessory");
+    state["quit"] = isRunning ? nameOf(session.app()->delegate().quitState()) : "quit";
+}
+
+} // namespace sentrel::simulation

@@ -1,0 +1,149 @@
+#pragma once
+
+#include "foundation/Bytes.hpp"
+#include "runtime/Time.hpp"
+#include "simulation/stage/NearestWord.hpp"
+#include "simulation/stage/ScenarioError.hpp"
+#include "simulation/stage/YamlValue.hpp"
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace sentrel::simulation {
+
+// Reading YAML values strictly: each function takes the value or throws a `SourceFault` that says what it must be.
+
+/// What a reader knows besides the value.
+struct ReadContext {
+    std::filesystem::path folder; ///< of the scenario: what paths in it are relative to
+};
+
+/// `true` or `false`; the other words that older YAML takes for these are refused.
+[[nodiscard]] bool readFlag(const YamlValue& value, std::string_view what);
+
+/// A finite number.
+[[nodiscard]] double readNumber(const YamlValue& value, std::string_view what);
+
+/// A number from `least` to `most`.
+[[nodiscard]] double readNumber(const YamlValue& value, std::string_view what, double least, double most);
+
+/// A whole number from `least` to `most`.
+[[nodiscard]] std::uint32_t readWhole(const YamlValue& value, std::string_view what, std::uint32_t least,
+                                      std::uint32_t most);
+
+/// Whether the value is null or the word `none`.
+[[nodiscard]] bool isNone(const YamlValue& value);
+
+/// Text, not empty; numbers and Booleans count as the text that they are.
+[[nodiscard]] std::string readText(const YamlValue& value, std::string_view what);
+
+/// Text, or none for `none` and null.
+[[nodiscard]] std::optional<std::string> readOptionalText(const YamlValue& value, std::string_view what);
+
+/// The number of an audio device: 2 and up, since 1 is the system object.
+[[nodiscard]] std::uint32_t readDevice(const YamlValue& value);
+
+/// The number of an audio device, or none for `none` and null.
+[[nodiscard]] std::optional<std::uint32_t> readOptionalDevice(const YamlValue& value);
+
+/// A time such as `3s`, `500ms`, `2m`, `1.5s` or `1h`; with a `+` it counts from the step before.
+struct StepTime {
+    Duration span{};
+    bool isRelative = false;
+};
+[[nodiscard]] StepTime readStepTime(const YamlValue& value);
+
+/// A span such as `6s` or `500ms`.
+[[nodiscard]] Duration readSpan(const YamlValue& value, std::string_view what);
+
+/// No scenario is longer: far beyond any use, and far below where the clock's arithmetic would end.
+inline constexpr Duration longestScenario = std::chrono::hours{24 * 366};
+
+/// An existing file or folder named by a path that is relative to the scenario.
+[[nodiscard]] std::filesystem::path readPath(const YamlValue& value, std::string_view what, const ReadContext& context);
+
+/// The whole content of such a file.
+[[nodiscard]] Bytes readFileContent(const YamlValue& value, std::string_view what, const ReadContext& context);
+
+/// Faults for a value that isn't of the kind asked for, and for an empty list or map where that makes no sense.
+void requireMap(const YamlValue& value, std::string_view what);
+void requireList(const YamlValue& value, std::string_view what);
+
+/// A word and what it stands for.
+template <class Meaning> struct Word {
+    std::string_view text;
+    Meaning meaning;
+};
+
+/// The place in `words` of the scalar's text.
+[[nodiscard]] std::size_t readChoice(const YamlValue& value, std::string_view what,
+                                     std::span<const std::string_view> words);
+
+/// One of the words.
+template <class Meaning, std::size_t Count>
+[[nodiscard]] Meaning readWord(const YamlValue& value, std::string_view what,
+                               const std::array<Word<Meaning>, Count>& words)
+{
+    std::array<std::string_view, Count> texts;
+    for (std::size_t i = 0; i < Count; ++i) {
+        texts[i] = words[i].text;
+    }
+    return words[readChoice(value, what, texts)].meaning;
+}
+
+/// A key of a map and what to do with its value.
+template <class Target> struct FieldRow {
+    std::string_view key;
+    void (*read)(Target& into, const YamlValue& value, const ReadContext& context);
+    bool isRequired = false;
+};
+
+/// Where each of a map's keys stands in `keys`. Faults for unknown keys and for one that comes twice.
+class KeyChecker {
+public:
+    KeyChecker(std::span<const std::string_view> keys, std::string_view what)
+        : keys_(keys), what_(what), lines_(keys.size())
+    {
+    }
+
+    [[nodiscard]] std::size_t placeOf(const YamlValue& key);
+    [[nodiscard]] bool hasSeen(std::size_t place) const { return lines_[place] != 0; }
+
+private:
+    std::span<const std::string_view> keys_;
+    std::string_view what_;
+    std::vector<int> lines_; // where each was seen; 0: not yet
+};
+
+/// Reads a map by its table of keys, in the order of the file.
+template <class Target, std::size_t Count>
+void readFields(const YamlValue& map, std::string_view what, const std::array<FieldRow<Target>, Count>& rows,
+                Target& into, const ReadContext& context)
+{
+    requireMap(map, what);
+    std::array<std::string_view, Count> keys;
+    for (std::size_t i = 0; i < Count; ++i) {
+        keys[i] = rows[i].key;
+    }
+    KeyChecker checker{keys, what};
+    for (std::size_t i = 0; i < map.keys.size(); ++i) {
+        rows[checker.placeOf(map.keys[i])].read(into, map.items[i], context);
+    }
+    for (std::size_t i = 0; i < Count; ++i) {
+        if (rows[i].isRequired && !checker.hasSeen(i)) {
+            throw SourceFault(map.line, std::string{what} + " needs " + inQuotes(rows[i].key));
+        }
+    }
+}
+
+/// For maps whose keys are free, such as device numbers: faults for a key that comes twice.
+void refuseDuplicates(const YamlValue& map, std::string_view what);
+
+} // namespace sentrel::simulation

@@ -1,0 +1,46 @@
+#pragma once
+
+#include "simulation/Event.hpp"
+#include "simulation/story/StorySentence.hpp"
+
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace sentrel::simulation {
+
+/// Tells what becomes of alerts and commands between the Mac, iCloud and the phone. What happens over and over, such as
+/// the same failure at each attempt, is told once. One thread.
+class CloudStory {
+public:
+    /// The event in plain English, empty when it isn't worth a word; none for one that isn't known here.
+    std::optional<StorySentence> tell(const simulation::Event& event);
+
+    /// The process is gone, and with it what it had under way.
+    void endProcess();
+
+private:
+    using Teller = StorySentence (CloudStory::*)(const simulation::Event&);
+    struct Row {
+        std::string_view event;
+        Teller tell;
+    };
+    static const Row rows[];
+
+    StorySentence tellUploaded(const simulation::Event& event);
+    StorySentence tellUploadFailed(const simulation::Event& event);
+    StorySentence tellPresence(const simulation::Event& event);
+    StorySentence tellApplied(const simulation::Event& event);
+    StorySentence tellIgnored(const simulation::Event& event);
+    StorySentence tellNotified(const simulation::Event& event);
+    StorySentence tellRequest(const simulation::Event& event);
+    [[nodiscard]] std::string alertName(const simulation::Event& event) const;
+
+    std::map<std::string, std::string, std::less<>> reasons_; // of alerts by identifier
+    std::string lastUploadFailure_;
+    std::optional<bool> publishedArmed_;
+    bool isThrottled_ = false;
+};
+
+} // namespace sentrel::simulation

@@ -1,0 +1,107 @@
+#pragma once
+
+#include "simulation/Event.hpp"
+#include "simulation/stage/Scenario.hpp"
+#include "simulation/story/CloudStory.hpp"
+#include "simulation/story/StoryPage.hpp"
+
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <set>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace sentrel::simulation {
+
+/// What stands under a story.
+struct StorySummary {
+    struct Artefact {
+        std::string what; ///< for example "The alarm as it was heard"
+        std::string where;
+    };
+
+    double endedAt = 0.0;             ///< seconds since launch
+    std::string file;                 ///< the scenario
+    std::size_t held = 0;             ///< expectations that held
+    std::vector<Mismatch> mismatches; ///< those that didn't
+    std::vector<Artefact> artefacts;
+};
+
+/// Tells a play of a scenario in plain English while it unfolds, from the simulated MacBook's events and from what the
+/// scenario does. Times are seconds since launch. One thread.
+class Story {
+public:
+    Story(std::ostream& out, StoryStyle style) : page_(out, style) {}
+
+    /// The title and how things stand.
+    void open(const Scenario& scenario);
+
+    /// Tells an event; one that it doesn't know in a plain form.
+    void tell(const simulation::Event& event);
+
+    /// Tells an action that is about to be done, unless its event will.
+    void perform(double at, const Action& action);
+
+    /// A sentence of the narrator's (the note of a step).
+    void remark(double at, std::string_view text);
+
+    /// Something that happens to the Mac, in a sentence.
+    void act(double at, std::string_view text);
+
+    /// Expectations that don't hold, where the story stands.
+    void differ(double at, const std::vector<Mismatch>& found);
+
+    /// What was expected and what is left of it all.
+    void finish(const StorySummary& summary);
+
+private:
+    using Teller = void (Story::*)(const simulation::Event&);
+    struct Row {
+        std::string_view event;
+        Teller tell;
+    };
+    struct Level {
+        double volume = 0.0;
+        bool muted = false;
+
+        friend bool operator==(const Level&, const Level&) = default;
+    };
+    static const Row rows[];
+
+    void tellSentence(double at, const StorySentence& sentence);
+    void tellUnknown(const simulation::Event& event);
+    void tellLaunched(const simulation::Event& event);
+    void tellCrashed(const simulation::Event& event);
+    void tellQuit(const simulation::Event& event);
+    void tellArmed(const simulation::Event& event);
+    void tellDisarmed(const simulation::Event& event);
+    void tellAlarmStarted(const simulation::Event& event);
+    void tellAlarmStopped(const simulation::Event& event);
+    void tellVolume(const simulation::Event& event);
+    void tellVolumeByUser(const simulation::Event& event, std::uint32_t device, Level level);
+    void tellVolumeEnforced(const simulation::Event& event);
+    void tellDefaultOutput(const simulation::Event& event);
+    void tellAssertionTaken(const simulation::Event& event);
+    void tellAssertionReleased(const simulation::Event& event);
+
+    void tellSettledVolumes();
+    void endProcess();
+    [[nodiscard]] std::string deviceName(std::optional<std::uint32_t> device) const;
+
+    StoryPage page_;
+    CloudStory cloud_;
+    std::map<std::uint32_t, std::string> names_;
+    std::map<std::uint32_t, Level> levels_;     // what the ear knows
+    std::map<std::uint32_t, double> disturbed_; // device: since when it isn't as the alarm set it
+    std::map<std::uint32_t, double> settling_;  // device: when the system last changed it, not yet told
+    std::set<std::string> assertions_;
+    std::optional<std::uint32_t> alarmDevice_;
+    std::optional<double> soundingSince_;
+    double alarmVolume_ = 0.0;
+    bool isArmed_ = false;
+    int launches_ = 0;
+};
+
+} // namespace sentrel::simulation

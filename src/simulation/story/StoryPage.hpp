@@ -1,0 +1,64 @@
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <ostream>
+#include <string>
+#include <string_view>
+
+namespace sentrel::simulation {
+
+/// How a story looks.
+struct StoryStyle {
+    bool isColoured = false;
+    std::size_t width = 96; ///< columns
+
+    /// For the standard output: coloured on a terminal unless `NO_COLOR` asks for none, and no wider than it.
+    [[nodiscard]] static StoryStyle forStandardOutput();
+};
+
+/// What kind of line it is, which decides its colour and its place.
+enum class StoryTone {
+    scene,    ///< the narrator speaks
+    event,    ///< something happens to the Mac
+    reaction, ///< Sentrel answers, quietly
+    notice,   ///< Sentrel notices or says something
+    alarm,    ///< the alarm is heard
+    good,
+    bad,
+};
+
+/// The layout of a story: a column of times, and lines that are wrapped and coloured. Control characters in texts are
+/// replaced, so that no name can play tricks on the terminal. One thread.
+class StoryPage {
+public:
+    StoryPage(std::ostream& out, StoryStyle style) : out_(out), style_(style) {}
+
+    void heading(std::string_view text);
+    void paragraph(std::string_view text);
+
+    /// A line of the story at a time in seconds. What Sentrel does hangs under what it answers to.
+    void line(double at, StoryTone tone, std::string_view text);
+
+    /// A rule over the whole width, with an empty line before it.
+    void rule();
+
+    /// A line after the story, with a mark before it.
+    void closing(StoryTone tone, std::string_view mark, std::string_view text);
+
+    /// A name and what it stands for, in two columns.
+    void entry(std::string_view name, std::string_view text);
+
+private:
+    void wrapped(std::string_view lead, std::size_t leadColumns, StoryTone tone, std::string_view text);
+    [[nodiscard]] std::string painted(std::string_view code, std::string_view text) const;
+
+    std::ostream& out_;
+    StoryStyle style_;
+    std::optional<long long> moment_; // tenths of a second of the last line
+};
+
+/// Seconds as "m:ss.s", and as "h:mm:ss.s" from an hour on.
+[[nodiscard]] std::string clockText(double seconds);
+
+} // namespace sentrel::simulation

@@ -1,0 +1,279 @@
+#include "simulation/icloud/CloudScene.hpp"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <functional>
+
+namespace sentrel::simulation {
+namespace {
+
+using namespace std::chrono_literals;
+using ports::CloudAccountStatus;
+using ports::CloudRecord;
+using testing::ElementsAre;
+
+class CloudLinkTest : public testing::Test, protected CloudScene {
+protected:
+    bool isThere(const std::string& name)
+    {
+        return codeOf(server.fetch({"owner", "test"}, {name}, std::nullopt).at(name)) == 0;
+    }
+
+    /// Moves the clock to a moment since the last start of a request.
+    void runTo(Duration moment) { clock.runUntil(begin + moment); }
+
+    std::shared_ptr<Outcome<CloudRecord>> startSaving(const std::string& name)
+    {
+        begin = clock.now();
+        return start(mac.database.save(thing(name)));
+    }
+
+    CloudLink& link = mac.link;
+    Instant begin{};
+};
+
+TEST_F(CloudLinkTest, TheServerActsHalfwayAndTheAnswerComesAfterTheLatency)
+{
+    auto saved = startSaving("one");
+    runTo(39ms);
+    EXPECT_FALSE(isThere("one"));
+    runTo(40ms);
+    EXPECT_TRUE(isThere("one"));
+    runTo(79ms);
+    EXPECT_EQ(saved->index(), 0U);
+    runTo(80ms);
+    EXPECT_EQ(saved->index(), 1U);
+
+    link.setLatency(20s);
+    saved = startSaving("two");
+    runTo(19999ms);
+    EXPECT_TRUE(isThere("two"));
+    EXPECT_EQ(saved->index(), 0U);
+    runTo(20s);
+    EXPECT_EQ(saved->index(), 1U);
+}
+
+TEST_F(CloudLinkTest, EachOperationFailsAsItIsTold)
+{
+    using Request = std::function<int()>;
+    const std::vector<std::pair<CloudOperation, Request>> requests{
+        {CloudOperation::accountStatus, [this] { return code(mac.account.accountStatus()); }},
+        {CloudOperation::userRecord, [this] { return code(mac.account.userRecordName()); }},
+        {CloudOperation::query, [this] { return code(mac.database.query({"Thing", {}, "", true}, {}, 1)); }},
+        {CloudOperation::continueQuery, [this] { return code(mac.database.continueQuery(nullptr, {}, 1)); }},
+        {CloudOperation::fetch, [this] { return code(mac.database.records({"one"}, {})); }},
+        {CloudOperation::modify, [this] { return code(mac.database.modify({}, {"one"}, {}, false)); }},
+        {CloudOperation::fetchOne, [this] { return code(mac.database.record("one")); }},
+        {CloudOperation::saveSubscription, [this] { return code(done(mac.database.saveSubscription({}))); }},
+        {CloudOperation::save, [this] { return code(mac.database.save(thing("one"))); }},
+    };
+    for (const auto& [operation, request] : requests) {
+        const std::uint64_t before = link.requests(operation);
+        link.faults().add({.error = cloudError(23), .operation = operation, .times = 1});
+        EXPECT_EQ(code(mac.database.record("other")), operation == CloudOperation::fetchOne ? 23 : CKError::unknownItem)
+            << "only that operation fails: " << nameOf(operation);
+        link.faults().clear();
+        link.faults().add({.error = cloudError(23), .operation = operation, .times = 2});
+        EXPECT_EQ(request(), 23) << nameOf(operation);
+        EXPECT_EQ(request(), 23) << nameOf(operation);
+        EXPECT_NE(request(), 23) << nameOf(operation);
+        EXPECT_EQ(log.events().back().text("operation"), nameOf(operation));
+        EXPECT_GE(link.requests(operation), before + 3);
+    }
+}
+
+TEST_F(CloudLinkTest, ErrorsHaveCloudKitsNamesAndNumbersAndMaySayWhenToTryAgain)
+{
+    for (int code = 1; code <= 37; ++code) {
+        EXPECT_EQ(cloudErrorCode(cloudErrorName(code)), code);
+        EXPECT_EQ(cloudErrorCode(std::to_string(code)), code);
+    }
+    EXPECT_EQ(cloudErrorName(7), "requestRateLimited");
+    EXPECT_EQ(cloudErrorName(38), "38");
+    EXPECT_EQ(cloudErrorCode("participantAlreadyInvited"), 37);
+    for (const char* const wrong : {"", "0", "-1", "7x", "QuotaExceeded", "99999999999"}) {
+        EXPECT_EQ(cloudErrorCode(wrong), std::nullopt) << wrong;
+    }
+
+    link.faults().add({.error = cloudError(7, 2.5), .times = 1});
+    EXPECT_EQ(std::get<ports::CloudAccountStatus>(outcome(mac.account.accountStatus())), CloudAccountStatus::available)
+        << "which asks no server";
+    const auto limited = outcome(mac.database.record("one"));
+    EXPECT_EQ(std::get<ports::CloudError>(limited).domain, "CKErrorDomain");
+    EXPECT_EQ(std::get<ports::CloudError>(limited).retryAfter, 2.5);
+    EXPECT_EQ(log.events().back().text("outcome"), "requestRateLimited");
+    EXPECT_EQ(code(mac.database.save(thing("one"))), 0);
+    EXPECT_EQ(log.events().back().text("outcome"), "ok");
+}
+
+TEST_F(CloudLinkTest, ChanceIsTheSameForTheSameSeed)
+{
+    const auto strikes = [](std::uint64_t seed) {
+        CloudFaults faults{seed};
+        faults.add({.error = cloudError(6), .probability = 0.25});
+        std::string pattern;
+        for (int request = 0; request < 1000; ++request) {
+            pattern += faults.strike(CloudOperation::save) ? 'x' : '.';
+        }
+        return pattern;
+    };
+    const std::string pattern = strikes(1);
+    EXPECT_EQ(pattern, strikes(1));
+    EXPECT_NE(pattern, strikes(2));
+    EXPECT_NEAR(static_cast<double>(std::ranges::count(pattern, 'x')), 250.0, 60.0);
+}
+
+TEST_F(CloudLinkTest, ALostAnswerLeavesWhatWasDone)
+{
+    link.faults().loseAnswers(1, CloudOperation::save);
+    EXPECT_EQ(code(mac.database.save(thing("one"))), CKError::networkFailure);
+    EXPECT_TRUE(isThere("one"));
+    EXPECT_EQ(code(mac.database.save(thing("one"))), CKError::serverRecordChanged);
+}
+
+TEST_F(CloudLinkTest, OneRecordOfARequestFailsAlone)
+{
+    answer(mac.database.modify({thing("one"), thing("two")}, {}, {}, false));
+    link.faults().add({.error = cloudError(23), .record = "one"});
+    const auto both = answer(mac.database.records({"one", "two"}, {}));
+    EXPECT_EQ(codeOf(both.at("one")), 23);
+    EXPECT_EQ(codeOf(both.at("two")), 0);
+    const auto page = answer(mac.database.query({"Thing", {}, "", true}, {}, 0));
+    EXPECT_EQ(codeOf(page.results[0].second), 23);
+    EXPECT_EQ(codeOf(page.results[1].second), 0);
+    const auto deleted = answer(mac.database.modify({}, {"one", "two"}, {}, false)).deleted;
+    EXPECT_EQ(deleted.at("one")->code, 23);
+    EXPECT_FALSE(deleted.at("two"));
+    EXPECT_TRUE(isThere("one"));
+}
+
+TEST_F(CloudLinkTest, ALostNetworkCostsTheRequestOrItsAnswer)
+{
+    mac.network.setUp(false);
+    auto saved = startSaving("one");
+    runTo(10ms);
+    EXPECT_EQ(codeOf(*saved), CKError::networkUnavailable) << "at once, and not after the latency";
+    EXPECT_EQ(code(mac.account.userRecordName()), CKError::networkUnavailable);
+    EXPECT_EQ(code(mac.account.accountStatus()), 0) << "the Mac knows that by itself";
+
+    mac.network.setUp(true);
+    saved = startSaving("one");
+    runTo(20ms);
+    mac.network.setUp(false);
+    runTo(80ms);
+    EXPECT_EQ(codeOf(*saved), CKError::networkFailure);
+    EXPECT_FALSE(isThere("one"));
+
+    mac.network.setUp(true);
+    saved = startSaving("one");
+    runTo(60ms);
+    mac.network.setUp(false);
+    runTo(80ms);
+    EXPECT_EQ(codeOf(*saved), CKError::networkFailure);
+    EXPECT_TRUE(isThere("one"));
+}
+
+TEST_F(CloudLinkTest, TheAccountDecidesWhoseDatabaseIsAsked)
+{
+    int changes = 0;
+    mac.account.onChange([&] { ++changes; });
+    const auto owner = answer(mac.account.userRecordName());
+    EXPECT_THAT(*owner, testing::MatchesRegex("_[0-9a-f]+"));
+    EXPECT_EQ(owner->size(), 33U);
+    answer(mac.database.save(thing("one")));
+
+    mac.account.signIn("other");
+    EXPECT_NE(answer(mac.account.userRecordName()), owner);
+    EXPECT_EQ(code(mac.database.record("one")), CKError::unknownItem);
+    mac.account.signIn("owner");
+    EXPECT_EQ(answer(mac.account.userRecordName()), owner);
+    EXPECT_EQ(code(mac.database.record("one")), 0);
+
+    const std::vector<std::pair<CloudAccountStatus, int>> table{
+        {CloudAccountStatus::noAccount, CKError::notAuthenticated},
+        {CloudAccountStatus::restricted, CKError::notAuthenticated},
+        {CloudAccountStatus::couldNotDetermine, CKError::notAuthenticated},
+        {CloudAccountStatus::temporarilyUnavailable, CKError::accountTemporarilyUnavailable},
+        {CloudAccountStatus::available, 0},
+    };
+    for (const auto& [status, expected] : table) {
+        mac.account.setStatus(status);
+        EXPECT_EQ(answer(mac.account.accountStatus()), status);
+        EXPECT_EQ(code(mac.database.record("one")), expected);
+        EXPECT_EQ(code(mac.account.userRecordName()), expected);
+    }
+    EXPECT_EQ(changes, 7);
+}
+
+TEST_F(CloudLinkTest, ARequestOutlivesTheProcessThatMadeIt)
+{
+    std::string phases;
+    link.onRequest([&](CloudOperation operation, CloudRequestPhase phase) {
+        const bool isBefore = phase == CloudRequestPhase::beforeEffect;
+        phases += std::string{nameOf(operation)} + (isBefore ? " before " : " after ");
+        EXPECT_EQ(isThere("one"), !isBefore);
+        if (isBefore) {
+            process.setAsleep(true); // not one more turn of the process
+        }
+    });
+    const auto saved = startSaving("one");
+    runTo(50ms);
+    process.endProcess();
+    process.setAsleep(false);
+    clock.runUntilIdle();
+    EXPECT_EQ(phases, "save before save after ");
+    EXPECT_TRUE(isThere("one"));
+    EXPECT_EQ(saved->index(), 0U) << "nobody is left to hear the answer";
+    EXPECT_EQ(story, "cloud.request ");
+}
+
+TEST_F(CloudLinkTest, RequestsAreCounted)
+{
+    startSaving("one");
+    startSaving("two");
+    EXPECT_EQ(link.requests(), 0U) << "a coroutine that has not started asks for nothing";
+    clock.runUntilIdle();
+    startSaving("three");
+    clock.runUntilIdle();
+    EXPECT_EQ(link.requests(), 3U);
+    EXPECT_EQ(link.requests(CloudOperation::save), 3U);
+    EXPECT_EQ(link.mostAtATime(CloudOperation::save), 2U);
+    EXPECT_EQ(link.mostAtATime(CloudOperation::fetch), 0U);
+}
+
+TEST(SimulatedNetworkTest, AMonitorHearsOfThePathAndOfEachChangeOnItsQueue)
+{
+    using ports::NetworkPathStatus;
+    VirtualClock clock;
+    VirtualScheduler scheduler{clock};
+    SerialQueue queue{scheduler, "paths", QualityOfService::utility};
+    SimulatedNetwork network;
+    std::vector<NetworkPathStatus> heard;
+    auto monitor = network.monitor(queue, [&](NetworkPathStatus status) {
+        EXPECT_TRUE(queue.isCurrent());
+        heard.push_back(status);
+    });
+    EXPECT_TRUE(heard.empty());
+    clock.runUntilIdle();
+    EXPECT_THAT(heard, ElementsAre(NetworkPathStatus::satisfied));
+    network.setUp(false);
+    network.setStatus(NetworkPathStatus::satisfiable);
+    EXPECT_FALSE(network.isUp());
+    network.setUp(true);
+    clock.runUntilIdle();
+    EXPECT_THAT(heard, ElementsAre(NetworkPathStatus::satisfied, NetworkPathStatus::unsatisfied,
+                                   NetworkPathStatus::satisfiable, NetworkPathStatus::satisfied));
+    network.flap(2);
+    clock.runUntilIdle();
+    EXPECT_EQ(heard.size(), 8U);
+    network.setUp(false);
+    monitor.reset();
+    network.setUp(true);
+    clock.runUntilIdle();
+    EXPECT_EQ(heard.size(), 8U) << "what waited on the queue is not told either";
+}
+
+} // namespace
+} // namespace sentrel::simulation

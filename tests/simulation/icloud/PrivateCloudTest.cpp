@@ -1,0 +1,255 @@
+#include "simulation/icloud/CloudScene.hpp"
+
+#include "runtime/ThreadScheduler.hpp"
+#include "simulation/icloud/CompanionPhone.hpp"
+#include "simulation/icloud/Sqlite.hpp"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <thread>
+
+namespace sentrel::simulation {
+namespace {
+
+using namespace std::chrono_literals;
+using namespace std::string_literals;
+using ports::CloudRecord;
+using ports::CloudSavePolicy;
+using testing::Contains;
+using testing::ElementsAre;
+using testing::Field;
+
+class PrivateCloudTest : public testing::Test, protected CloudScene {
+protected:
+    [[nodiscard]] std::filesystem::path file(const std::string& name = "owner.sqlite") const
+    {
+        return disk.path() / "iCloud" / name;
+    }
+
+    static int put(PrivateCloud& cloud, const std::string& user, const std::string& name)
+    {
+        const ServerBatch batch{{{"Thing", name, {{"word", "x"s}}, {}, {}}}, {}, {}, false, {}};
+        return codeOf(cloud.modify({user, "test"}, batch).saved.at(name));
+    }
+
+    /// The server of a later run.
+    [[nodiscard]] std::unique_ptr<PrivateCloud> restart()
+    {
+        return std::make_unique<PrivateCloud>(disk.path() / "iCloud", wallClock, log);
+    }
+};
+
+TEST_F(PrivateCloudTest, RecordsOutliveTheServer)
+{
+    const CloudRecord saved = answer(mac.database.save(thing("one", {{"word", "x"s}})));
+    const auto found = restart()->fetch({"owner", "second"}, {"one"}, std::nullopt).at("one");
+    EXPECT_EQ(bytesOf(std::get<ServerRecord>(found).tag), saved.systemFields);
+    EXPECT_EQ(std::get<ServerRecord>(found).modificationDate, saved.modificationDate);
+    EXPECT_EQ(*fieldOf<std::string>(std::get<ServerRecord>(found), "word"), "x");
+}
+
+TEST_F(PrivateCloudTest, ADamagedFileIsPutAsideAndItsAccountBeginsAnew)
+{
+    const auto otherLayout = [&] {
+        SqliteDatabase database{file()};
+        database.run("CREATE TABLE addresses(name TEXT)");
+    };
+    const auto write = [&](const std::string& content) { std::ofstream{file(), std::ios::binary} << content; };
+    const auto cutShort = [&] { std::filesystem::resize_file(file(), 5000); };
+    const std::vector<std::function<void()>> damages{
+        [&] { write("no database at all"); },
+        [&] { write(std::string(100000, '\0')); },
+        [&] {
+            std::filesystem::remove(file());
+            otherLayout();
+        },
+        cutShort,
+        [&] {
+            std::fstream bytes{file(), std::ios::in | std::ios::out | std::ios::binary};
+            bytes.seekp(100) << std::string(8000, 'x');
+        },
+    };
+    int number = 0;
+    for (const auto& damage : damages) {
+        EXPECT_EQ(put(*restart(), "owner", "one"), number == 0 ? 0 : CKError::serverRecordChanged);
+        damage();
+        EXPECT_EQ(restart()->count("owner", "Thing"), 0U);
+        const std::string aside = "owner.sqlite.damaged-" + std::to_string(++number);
+        EXPECT_TRUE(std::filesystem::exists(file(aside)));
+        EXPECT_EQ(log.events().back().name, "icloud.damaged");
+        EXPECT_EQ(log.events().back().text("putAside"), aside);
+        EXPECT_EQ(put(*restart(), "owner", "one"), 0);
+    }
+    std::filesystem::resize_file(file(), 0);
+    EXPECT_EQ(restart()->count("owner", "Thing"), 0U) << "an empty file is a new database";
+    EXPECT_EQ(log.named("icloud.damaged").size(), damages.size());
+}
+
+TEST_F(PrivateCloudTest, AFileThatIsDamagedWhileItIsOpenCostsOneRequest)
+{
+    ASSERT_EQ(put(server, "owner", "one"), 0);
+    ASSERT_EQ(put(*restart(), "owner", "two"), 0); // the server must look at the file again
+    for (const char* const name : {"owner.sqlite", "owner.sqlite-wal"}) {
+        const auto size = std::filesystem::file_size(file(name));
+        std::fstream{file(name), std::ios::in | std::ios::out | std::ios::binary} << std::string(size, 'x');
+    }
+    EXPECT_EQ(code(mac.database.record("one")), CKError::internalError);
+    EXPECT_EQ(code(mac.database.record("one")), CKError::unknownItem);
+    EXPECT_EQ(put(server, "owner", "one"), 0);
+    EXPECT_EQ(log.named("icloud.damaged").size(), 1U);
+}
+
+TEST_F(PrivateCloudTest, AFileThatAnotherProgramWritesIsABusyZone)
+{
+    ASSERT_EQ(put(server, "owner", "one"), 0);
+    SqliteDatabase other{file()};
+    const SqliteTransaction writing{other};
+    EXPECT_EQ(code(mac.database.save(thing("two"))), CKError::zoneBusy);
+    EXPECT_EQ(code(mac.database.record("one")), 0);
+}
+
+TEST_F(PrivateCloudTest, AVersionOfTheLostDatabaseIsNoVersionOfTheNewOne)
+{
+    const CloudRecord old = answer(mac.database.save(thing("one")));
+    std::filesystem::remove_all(disk.path() / "iCloud");
+    clock.advance(1s);
+    const auto later = restart();
+    ASSERT_EQ(put(*later, "owner", "one"), 0);
+    const ServerBatch batch{{{"Thing", "one", {}, std::string{textOf(old.systemFields)}, {}}}, {}, {}, false, {}};
+    EXPECT_EQ(codeOf(later->modify({"owner", "test"}, batch).saved.at("one")), CKError::serverRecordChanged);
+}
+
+TEST_F(PrivateCloudTest, WhereNoFileCanBeTheServerFails)
+{
+    std::ofstream{disk.path() / "iCloud"} << "in the way";
+    EXPECT_EQ(code(mac.database.save(thing("one"))), CKError::internalError);
+    std::filesystem::remove(disk.path() / "iCloud");
+    EXPECT_EQ(code(mac.database.save(thing("one"))), 0);
+}
+
+TEST_F(PrivateCloudTest, EachUserHasAFileInTheFolderWhateverTheNameIs)
+{
+    for (const std::string& user : {"a"s, "A"s, ""s, "../../elsewhere"s, "nul\0"s, "%41"s, "\xFF"s}) {
+        EXPECT_EQ(put(server, user, "one"), 0) << user;
+        EXPECT_EQ(server.count(user, "Thing"), 1U) << "its own, and nobody else's";
+    }
+    std::size_t files = 0;
+    for (const auto& entry : std::filesystem::directory_iterator{disk.path() / "iCloud"}) {
+        if (entry.path().filename().string().ends_with(".sqlite")) {
+            ++files;
+        }
+    }
+    EXPECT_EQ(files, 7U);
+}
+
+TEST_F(PrivateCloudTest, TheServersClockIsItsOwn)
+{
+    server.setClockOffset(-300.0);
+    EXPECT_EQ(answer(mac.database.save(thing("one"))).modificationDate, Date{700.04});
+}
+
+/// A Mac that lists things in a catalog which all devices share, and saves each as a record of its own.
+class BusyMac {
+public:
+    static constexpr int things = 25;
+
+    explicit BusyMac(const SimulatedICloud::Surroundings& around) : prefix_(around.device + "-"), cloud_(around)
+    {
+        cloud_.link.setLatency(100us);
+        cloud_.link.faults().add({.error = cloudError(6), .probability = 0.1});
+        cloud_.link.faults().add({.error = cloudError(4), .probability = 0.1, .losesAnswer = true});
+    }
+
+    Async<void> work(std::function<void()> done)
+    {
+        for (int number = 0; number < things; ++number) {
+            const std::string name = prefix_ + std::to_string(number);
+            co_await saveThing(name);
+            co_await list(name);
+        }
+        done();
+    }
+
+private:
+    Async<void> saveThing(std::string name)
+    {
+        int code = 1;
+        while (code != 0 && code != CKError::serverRecordChanged) { // saved already, and the answer was lost
+            try {
+                CloudRecord made = CloudScene::thing(name);
+                co_await cloud_.database.save(std::move(made));
+                code = 0;
+            } catch (const ports::CloudError& error) {
+                code = error.code;
+            }
+        }
+    }
+
+    /// Adds the name to what the catalog says at this moment, as often as somebody else was quicker.
+    Async<void> list(std::string name)
+    {
+        bool isListed = false;
+        while (!isListed) {
+            try {
+                std::vector<std::string> wanted(1, "catalog");
+                auto found = co_await cloud_.database.records(std::move(wanted), std::nullopt);
+                auto* const known = std::get_if<CloudRecord>(&found.at("catalog"));
+                CloudRecord catalog = known == nullptr ? CloudScene::thing("catalog") : *known;
+                const auto* const names = ports::fieldOf<std::vector<std::string>>(catalog, "names");
+                std::vector<std::string> longer = names == nullptr ? std::vector<std::string>{} : *names;
+                isListed = std::ranges::find(longer, name) != longer.end();
+                if (!isListed) {
+                    longer.push_back(name);
+                    catalog.fields["names"] = longer;
+                    co_await cloud_.database.save(std::move(catalog));
+                }
+            } catch (const ports::CloudError&) {
+                isListed = false;
+            }
+        }
+    }
+
+    const std::string prefix_;
+    SimulatedICloud cloud_;
+};
+
+TEST_F(PrivateCloudTest, TwoMacsAndAPhoneAtOnceLoseAndDoubleNothing)
+{
+    ThreadScheduler threads;
+    const auto around = [&](const std::string& device) {
+        return SimulatedICloud::Surroundings{threads, threads, log, server, device, disk.path() / device, 7};
+    };
+    BusyMac first{around("first")};
+    BusyMac second{around("second")};
+    CompanionPhone phone{server, wallClock, "owner"};
+    constexpr int commands = 100;
+    std::thread owner{[&] {
+        for (int number = 0; number < commands; ++number) {
+            phone.send("first", {.arm = number % 2 == 0});
+            static_cast<void>(phone.alerts());
+        }
+    }};
+    int working = 2;
+    const auto done = [&] {
+        if (--working == 0) {
+            threads.stopMain();
+        }
+    };
+    MainActor{threads}.spawn(first.work(done));
+    MainActor{threads}.spawn(second.work(done));
+    threads.runMain();
+    owner.join();
+
+    EXPECT_EQ(server.count("owner", "Thing"), 2U * BusyMac::things + 1);
+    auto found = server.fetch({"owner", "test"}, {"catalog", "mac-device-catalog-first"}, std::nullopt);
+    auto names = *fieldOf<std::vector<std::string>>(std::get<ServerRecord>(found.at("catalog")), "names");
+    EXPECT_EQ(names.size(), 2U * BusyMac::things);
+    std::ranges::sort(names);
+    EXPECT_EQ(std::ranges::adjacent_find(names), names.end());
+    EXPECT_EQ(phone.send("first", {}), commands + 1);
+}
+
+} // namespace
+} // namespace sentrel::simulation

@@ -1,0 +1,114 @@
+#include "simulation/EventLog.hpp"
+#include "runtime/VirtualScheduler.hpp"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <fstream>
+#include <limits>
+#include <sstream>
+#include <thread>
+
+namespace sentrel::simulation {
+namespace {
+
+using namespace std::chrono_literals;
+
+struct LogMachine {
+    VirtualClock clock;
+    VirtualScheduler scheduler{clock};
+};
+
+TEST(EventLog, TellsEachEventAsOneJsonLineWithItsTimeAndItsFieldsInOrder)
+{
+    LogMachine machine;
+    machine.clock.advance(2s);
+    EventLog log{machine.scheduler};
+    machine.clock.advance(3500ms);
+    log.note("alarm.started", {{"mode", "tone"}, {"device", std::int64_t{73}}, {"volume", 0.1}, {"armed", true}});
+    machine.clock.advance(500ms);
+    log.note("odd \"name\"", {{"none", std::monostate{}}, {"whole", 3.0}, {"large", 1e300}});
+    machine.clock.advance(1ns);
+    log.note("wild", {{"not a number", std::numeric_limits<double>::quiet_NaN()},
+                      {"bytes", std::string_view{"a\xFF\0b\n\xC3\xA9", 7}}});
+
+    const auto events = log.events();
+    ASSERT_EQ(events.size(), 3U);
+    EXPECT_EQ(jsonLine(events[0]),
+              R"({"at": 3.5, "event": "alarm.started", "mode": "tone", "device": 73, "volume": 0.1, "armed": true})");
+    EXPECT_EQ(jsonLine(events[1]), R"({"at": 4, "event": "odd \"name\"", "none": null, "whole": 3, "large": 1e+300})");
+    EXPECT_EQ(jsonLine(events[2]), "{\"at\": 4.000000001, \"event\": \"wild\", \"not a number\": null, "
+                                   "\"bytes\": \"a\xEF\xBF\xBD\\u0000b\\n\xC3\xA9\"}");
+}
+
+TEST(EventLog, FindsFieldsByName)
+{
+    LogMachine machine;
+    EventLog log{machine.scheduler};
+    log.note("trigger", {{"reason", "motion"}, {"count", std::int64_t{2}}});
+    log.note("disarmed", {});
+    const auto triggers = log.named("trigger");
+    ASSERT_EQ(triggers.size(), 1U);
+    EXPECT_EQ(triggers[0].text("reason"), "motion");
+    EXPECT_EQ(triggers[0].text("count"), "");
+    EXPECT_EQ(triggers[0].find("photo"), nullptr);
+    EXPECT_EQ(log.events(1).size(), 1U);
+    EXPECT_TRUE(log.events(7).empty());
+}
+
+TEST(EventLog, AnObserverMayNoteEventsItself)
+{
+    LogMachine machine;
+    EventLog log{machine.scheduler};
+    std::string heard;
+    log.observe([&](const Event& event) {
+        heard += event.name + " ";
+        if (event.name == "knock") {
+            log.note("answer", {});
+        }
+    });
+    log.note("knock", {});
+    EXPECT_EQ(heard, "knock answer ");
+}
+
+TEST(EventLog, AFileHoldsTheEventsFromBeforeAndAfterItWasOpened)
+{
+    LogMachine machine;
+    const auto file = std::filesystem::path{testing::TempDir()} / "sentrel-events.jsonl";
+    EventLog log{machine.scheduler};
+    log.note("armed", {});
+    ASSERT_TRUE(log.writeTo(file));
+    log.note("disarmed", {});
+    std::stringstream content;
+    content << std::ifstream{file}.rdbuf();
+    EXPECT_EQ(content.str(), "{\"at\": 0, \"event\": \"armed\"}\n{\"at\": 0, \"event\": \"disarmed\"}\n");
+    std::filesystem::remove(file);
+
+    EXPECT_FALSE(log.writeTo(std::filesystem::path{testing::TempDir()} / "no such folder" / "events.jsonl"));
+    if (std::filesystem::exists("/dev/full")) {
+        EXPECT_FALSE(log.writeTo("/dev/full")) << "a full disk goes unnoticed";
+        EXPECT_FALSE(log.isWrittenWhole());
+    }
+}
+
+TEST(EventLog, ThreadsMayNoteAndReadTogether)
+{
+    LogMachine machine;
+    EventLog log{machine.scheduler};
+    std::atomic<int> heard = 0;
+    log.observe([&](const Event&) { ++heard; });
+    const auto work = [&log] {
+        for (int i = 0; i < 200; ++i) {
+            log.note("tick", {{"n", std::int64_t{i}}});
+            (void)log.events(log.size() - 1);
+        }
+    };
+    std::thread other{work};
+    work();
+    other.join();
+    EXPECT_EQ(log.named("tick").size(), 400U);
+    EXPECT_EQ(heard, 400);
+}
+
+} // namespace
+} // namespace sentrel::simulation
