@@ -12,7 +12,8 @@ using boost::asio::ip::tcp;
 using boost::beast::error_code;
 
 constexpr std::size_t mostConnections = 256;
-constexpr int mostArriving = 512; // connections that the system holds until they are accepted
+constexpr std::size_t mostAtOnce = mostConnections / 4; // or they would cut off one another unheard
+constexpr int mostArriving = 512;                       // connections that the system holds until they are accepted
 constexpr std::chrono::milliseconds pauseAfterFailure{100};
 
 } // namespace
@@ -37,30 +38,44 @@ int HttpServer::bind(int port)
     acceptor_.bind(place, error);
     if (!error) {
         acceptor_.listen(mostArriving, error);
+        acceptor_.non_blocking(true);
     }
     return error ? 0 : acceptor_.local_endpoint().port();
 }
 
+/// Takes all that have arrived, so that a client's place among many does not decide how long it waits.
 void HttpServer::accept()
 {
-    acceptor_.async_accept([this](error_code error, tcp::socket socket) {
-        if (error) {
-            makeRoom(); // no descriptor is left
-            pause_.expires_after(pauseAfterFailure);
-            return pause_.async_wait([this](const error_code& ended) { ended ? void() : accept(); });
+    acceptor_.async_wait(tcp::acceptor::wait_read, [this](error_code error) {
+        for (std::size_t count = 0; count < mostAtOnce && !error; ++count) {
+            tcp::socket socket{context_};
+            acceptor_.accept(socket, error);
+            if (!error) {
+                admit(std::move(socket));
+            }
         }
-        if (service_.connections.size() >= mostConnections) {
-            makeRoom();
+        if (!error || error == boost::asio::error::would_block) {
+            return accept();
         }
-        if (service_.connections.size() < mostConnections) {
-            error_code ignored;
-            socket.set_option(tcp::no_delay(true), ignored);
-            const auto connection = std::make_shared<HttpConnection>(service_, std::move(socket));
-            service_.connections.insert(connection);
-            connection->awaitRequest();
-        }
-        accept();
+        makeRoom(); // no descriptor is left
+        pause_.expires_after(pauseAfterFailure);
+        pause_.async_wait([this](const error_code& ended) { ended ? void() : accept(); });
     });
+}
+
+void HttpServer::admit(tcp::socket socket)
+{
+    if (service_.connections.size() >= mostConnections) {
+        makeRoom();
+    }
+    if (service_.connections.size() >= mostConnections) {
+        return;
+    }
+    error_code ignored;
+    socket.set_option(tcp::no_delay(true), ignored);
+    const auto connection = std::make_shared<HttpConnection>(service_, std::move(socket));
+    service_.connections.insert(connection);
+    connection->awaitRequest();
 }
 
 /// Closes the connection whose request began first, so that slow clients give way to those that come later. Streams

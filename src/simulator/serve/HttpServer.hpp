@@ -30,6 +30,7 @@ public:
 
 private:
     void accept();
+    void admit(boost::asio::ip::tcp::socket socket);
     void makeRoom();
     void closeAll();
 
