@@ -112,7 +112,7 @@ bool SimulatedAudioEngine::play()
     if (!isStarted_ || faults_.strikes("play")) {
         return false;
     }
-    if (scheduled_ != nullptr && !sound_) {
+    if (scheduled_ != nullptr && !sound_ && !faults_.strikes("silent")) {
         sound_ = speaker_.beginLoop(scheduled_, mixerVolume_, device_);
     }
     return true;

@@ -12,7 +12,7 @@ namespace sentrel::simulated {
 /// Formats are at the hardware's 44.1 kHz; of several channels the first is heard. Any thread; it outlives its engines.
 ///
 /// Faults: `device` (the output unit refuses its device), `format`, `buffer` (none is made), `attach`, `start`, `play`
-/// (fail).
+/// (fail), `silent` (it plays, as far as it tells, and nothing is heard).
 class SimulatedAudioEngines final : public platform::AudioEngines {
 public:
     SimulatedAudioEngines(Speaker& speaker, SimulatedAudio& audio) : speaker_(speaker), audio_(audio) {}
@@ -24,7 +24,7 @@ public:
 private:
     Speaker& speaker_;
     SimulatedAudio& audio_;
-    FaultSwitches faults_{"device", "format", "attach", "buffer", "start", "play"};
+    FaultSwitches faults_{"device", "format", "attach", "buffer", "start", "play", "silent"};
 };
 
 } // namespace sentrel::simulated
