@@ -1,6 +1,7 @@
 #include "platform/simulated/icloud/CloudErrorNames.hpp"
 #include "platform/simulated/icloud/CompanionPhone.hpp"
 #include "sensors/MotionDetector.hpp"
+#include "simulator/AudioReader.hpp"
 #include "simulator/MacSession.hpp"
 #include "simulator/serve/PageFiles.hpp"
 #include "simulator/serve/PageState.hpp"
@@ -28,6 +29,11 @@ const char* nameOf(platform::CloudAccountStatus status)
     return names[static_cast<std::size_t>(status)];
 }
 
+const char* nameOf(std::optional<bool> state, const char* whenTrue, const char* whenFalse, const char* whenUnknown)
+{
+    return state ? (*state ? whenTrue : whenFalse) : whenUnknown;
+}
+
 double since1970(Date date)
 {
     return date.secondsSinceReferenceDate + Date::secondsFrom1970To2001;
@@ -41,6 +47,7 @@ Json audioJson(const simulated::SimulatedAudio& audio)
         if (device.hasOutput()) {
             devices.push_back({{"id", device.id},
                                {"name", device.name},
+                               {"transport", transportName(device.transport)},
                                {"volume", device.volume().value_or(1.0F)},
                                {"isMuted", device.isMuted()},
                                {"isDefault", defaultOutput == device.id}});
@@ -86,13 +93,15 @@ Json PageState::hardware()
 {
     simulated::SimulatedMac& mac = session_.mac();
     const auto threshold = motionThreshold();
-    return {{"power", mac.power.isOnAC() ? "ac" : "battery"},
-            {"lid", mac.lid.isClosed() ? "closed" : "open"},
+    const auto isResting = mac.accelerometer.isPresent() ? std::optional{mac.accelerometer.isResting()} : std::nullopt;
+    return {{"power", nameOf(mac.power.isOnAC(), "ac", "battery", "unknown")},
+            {"lid", nameOf(mac.lid.isClosed(), "closed", "open", "absent")},
             {"displays", mac.displays.count()},
             {"isAsleep", session_.isAsleep()},
             {"audio", audioJson(mac.audio)},
             {"music", nameOf(mac.music.playback())},
             {"camera", cameraJson(mac.camera, files_)},
+            {"accelerometer", nameOf(isResting, "resting", "silent", "absent")},
             {"threshold", threshold ? Json(*threshold) : Json(nullptr)}};
 }
 
