@@ -69,12 +69,18 @@ std::string encodeAlertCache(const AlertCacheContents& contents)
     document["isComplete"] = contents.isComplete;
     document["catalogAdditions"] = textsOf(contents.debts.additions);
     document["catalogRemovals"] = textsOf(contents.debts.removals);
-    Json alerts = Json::array();
+    std::string text = encodeJson(document);
+    text.back() = ',';
+    text += "\"alerts\":[";
+    // Each by itself: there may be thousands, too many to hold all as one document.
     for (const auto& [id, alert] : contents.alerts) {
-        alerts.push_back(encodeAlertEvent(alert));
+        text += encodeJson(encodeAlertEvent(alert));
+        text += ',';
     }
-    document["alerts"] = std::move(alerts);
-    return encodeJson(document);
+    if (text.back() == ',') {
+        text.pop_back();
+    }
+    return text += "]}";
 }
 
 std::optional<AlertCacheContents> decodeAlertCache(BytesView file)

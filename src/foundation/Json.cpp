@@ -4,6 +4,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cmath>
@@ -22,8 +23,21 @@ template <class Number> std::string shortest(Number value)
 
 void append(std::string& text, const Json& value);
 
+/// Whether the character stands for itself in a JSON text.
+bool isPlain(char character)
+{
+    return character >= ' ' && character != '"' && character != '\\' && static_cast<unsigned char>(character) < 0x80;
+}
+
 void appendText(std::string& text, const std::string& value)
 {
+    if (std::ranges::all_of(value, isPlain)) {
+        // Nearly every text; the library's writer makes a whole serializer for each.
+        text += '"';
+        text += value;
+        text += '"';
+        return;
+    }
     text += Json(value).dump(-1, ' ', false, Json::error_handler_t::replace);
 }
 
@@ -72,6 +86,9 @@ void append(std::string& text, const Json& value)
         text += shortest(number);
         return;
     }
+    case Json::value_t::boolean:
+        text += value.get<bool>() ? "true" : "false";
+        return;
     default:
         text += value.dump();
     }

@@ -39,8 +39,26 @@ SqliteValue columnValue(const ServerValue& value)
     return std::get<Bytes>(value);
 }
 
+/// The texts of an encoded list that holds no escapes: quotation marks then stand around texts only.
+std::vector<std::string> plainTextsOf(std::string_view encoded)
+{
+    std::vector<std::string> texts;
+    for (std::size_t open = encoded.find('"'); open != std::string_view::npos;) {
+        const std::size_t close = encoded.find('"', open + 1);
+        if (close == std::string_view::npos) {
+            break; // nothing that this server has written
+        }
+        texts.emplace_back(encoded.substr(open + 1, close - open - 1));
+        open = encoded.find('"', close + 1);
+    }
+    return texts;
+}
+
 std::vector<std::string> textsOf(const Bytes& encoded)
 {
+    if (std::ranges::find(encoded, '\\') == encoded.end()) {
+        return plainTextsOf(textOf(encoded)); // a catalog's thousands of identifiers
+    }
     std::vector<std::string> texts;
     const auto list = parseJson(encoded);
     for (const Json& text : list.value_or(Json::array())) {

@@ -67,6 +67,22 @@ void check(const ServerBatch& batch)
     }
 }
 
+/// Whether any change of a record fires the subscription.
+bool fires(const ports::CloudSubscription& subscription)
+{
+    constexpr std::uint64_t creationUpdateOrDeletion = 7; // CKQuerySubscriptionOptions
+    constexpr std::uint64_t once = 8;
+    return (subscription.options & creationUpdateOrDeletion) != 0 &&
+           (subscription.options & ~(creationUpdateOrDeletion | once)) == 0;
+}
+
+/// CloudKit takes no subscription whose notification would neither be seen or heard nor wake anything.
+bool notifies(const ports::CloudSubscription& subscription)
+{
+    return subscription.sendsContentAvailable || !subscription.alertLocalizationKey.empty() ||
+           !subscription.soundName.empty();
+}
+
 void appendHex(std::string& text, unsigned char octet)
 {
     text += hexDigits[octet >> 4U];
@@ -269,7 +285,7 @@ ServerModification PrivateCloud::write(CloudStore& store, const CloudDevice& who
 
 void PrivateCloud::saveSubscription(const CloudDevice& who, const ports::CloudSubscription& subscription)
 {
-    if (!isRecordName(subscription.identifier)) {
+    if (!isRecordName(subscription.identifier) || !fires(subscription) || !notifies(subscription)) {
         throw cloudError(CKError::invalidArguments);
     }
     static_cast<void>(conditionOf(subscription.predicate)); // refuses what is not understood

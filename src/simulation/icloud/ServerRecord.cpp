@@ -100,6 +100,10 @@ bool isRecordName(const std::string& name)
 
 bool isUtf8(const std::string& text)
 {
+    const auto isAscii = [](char character) { return static_cast<unsigned char>(character) < 0x80; };
+    if (std::ranges::all_of(text, isAscii)) {
+        return true; // as the thousands of identifiers in a catalog
+    }
     try {
         // The strict writer refuses what is no UTF-8.
         return !nlohmann::json(text).dump().empty();

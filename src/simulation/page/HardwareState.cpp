@@ -3,6 +3,7 @@
 #include "simulation/icloud/CompanionPhone.hpp"
 #include "simulation/page/PageFiles.hpp"
 #include "simulation/page/PageState.hpp"
+#include "simulation/stage/AudioReader.hpp"
 #include "simulation/stage/MacSession.hpp"
 
 #include <array>
@@ -28,6 +29,11 @@ const char* nameOf(ports::CloudAccountStatus status)
     return names[static_cast<std::size_t>(status)];
 }
 
+const char* nameOf(std::optional<bool> state, const char* whenTrue, const char* whenFalse, const char* whenUnknown)
+{
+    return state ? (*state ? whenTrue : whenFalse) : whenUnknown;
+}
+
 double since1970(Date date)
 {
     return date.secondsSinceReferenceDate + Date::secondsFrom1970To2001;
@@ -41,6 +47,7 @@ Json audioJson(const simulation::SimulatedAudio& audio)
         if (device.hasOutput()) {
             devices.push_back({{"id", device.id},
                                {"name", device.name},
+                               {"transport", transportName(device.transport)},
                                {"volume", device.volume().value_or(1.0F)},
                                {"isMuted", device.isMuted()},
                                {"isDefault", defaultOutput == device.id}});
@@ -86,13 +93,15 @@ Json PageState::hardware()
 {
     simulation::SimulatedMac& mac = session_.mac();
     const auto threshold = motionThreshold();
-    return {{"power", mac.power.isOnAC() ? "ac" : "battery"},
-            {"lid", mac.lid.isClosed() ? "closed" : "open"},
+    const auto isResting = mac.accelerometer.isPresent() ? std::optional{mac.accelerometer.isResting()} : std::nullopt;
+    return {{"power", nameOf(mac.power.isOnAC(), "ac", "battery", "unknown")},
+            {"lid", nameOf(mac.lid.isClosed(), "closed", "open", "absent")},
             {"displays", mac.displays.count()},
             {"isAsleep", session_.isAsleep()},
             {"audio", audioJson(mac.audio)},
             {"music", nameOf(mac.music.playback())},
             {"camera", cameraJson(mac.camera, files_)},
+            {"accelerometer", nameOf(isResting, "resting", "silent", "absent")},
             {"threshold", threshold ? Json(*threshold) : Json(nullptr)}};
 }
 

@@ -140,4 +140,10 @@ std::vector<AudioDevice> readAudioDevices(const YamlValue& value, const ReadCont
     return devices;
 }
 
+std::string_view transportName(std::uint32_t transport)
+{
+    const auto found = std::ranges::find(transports, transport, &Word<std::uint32_t>::meaning);
+    return found == transports.end() ? "unknown" : found->text;
+}
+
 } // namespace sentrel::simulation

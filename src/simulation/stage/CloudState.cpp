@@ -79,9 +79,6 @@ std::uint64_t alertsInCloud(MacSession& session)
 
 std::size_t pendingDeletions(MacSession& session)
 {
-    if (session.app() != nullptr) {
-        return session.app()->alertsService().pendingDeletions().ids().size();
-    }
     StoredDefaults stored{session.mac()};
     return PendingCloudDeletionStore{PendingCloudDeletionStore::standardKey, stored.get()}.ids().size();
 }

@@ -2,6 +2,7 @@
 
 #include "ui/Node.hpp"
 
+#include <algorithm>
 #include <utility>
 
 namespace sentrel::simulation {
@@ -17,6 +18,15 @@ bool holdsText(const simulation::SimulatedDisplays& displays)
     const auto node = covers.empty() ? std::nullopt : ui::find(covers.front().content, passcodeField);
     const auto* const field = node ? ui::elementOf<ui::SecureField>(*node->view) : nullptr;
     return field != nullptr && !field->text.value.empty();
+}
+
+/// The alarm repeats its beep after 0.9 s.
+constexpr Duration longestBeepPause = std::chrono::milliseconds{900} - simulation::Speaker::beepLength;
+
+/// Whether anything of it reaches the ear: silence that is played, or played through a mute, doesn't.
+bool isAudible(const simulation::Sounding& sounding)
+{
+    return sounding.gain > 0.0F && std::ranges::any_of(*sounding.samples, [](float sample) { return sample != 0.0F; });
 }
 
 } // namespace
@@ -47,7 +57,9 @@ MacSession::MacSession(const simulation::MacDescription& description, std::files
           description)
 {
     log_.observe([this](const simulation::Event& event) {
-        followSound(event);
+        if (event.name == "alarm.started" && event.text("mode") == "tone") {
+            listenToAlarm();
+        }
         if (event.name == "login" && event.text("answer") != "succeed") {
             isRelaunching_ = false;
         }
@@ -116,7 +128,6 @@ void MacSession::endProcess()
     process_.endProcess();
     process_.setAsleep(isAsleep_);
     mac_.endProcess();
-    sound_.reset();
 }
 
 void MacSession::sleep()
@@ -216,23 +227,29 @@ void MacSession::onMain(const std::function<void(SentrelApp&)>& function)
     clock_.runReady();
 }
 
-void MacSession::followSound(const simulation::Event& event)
+void MacSession::listenToAlarm()
 {
-    if (event.name == "alarm.stopped") {
-        sound_.reset();
-    } else if (event.name == "alarm.started") {
-        AlarmSound sound;
-        sound.mode = event.text("mode");
-        if (const auto* const value = event.find("device");
-            value != nullptr && std::holds_alternative<std::int64_t>(*value)) {
-            sound.device = std::get<std::int64_t>(*value);
-        }
-        if (const auto* const value = event.find("volume");
-            value != nullptr && std::holds_alternative<double>(*value)) {
-            sound.volume = std::get<double>(*value);
-        }
-        sound_ = std::move(sound);
+    const auto heard = sound();
+    if (heard) {
+        log_.note("alarm.heard", {{"mode", heard->mode},
+                                  {"device", std::int64_t{heard->device}},
+                                  {"volume", static_cast<double>(heard->volume)}});
+    } else {
+        log_.note("alarm.unheard", {});
     }
+}
+
+std::optional<AlarmSound> MacSession::sound() const
+{
+    std::optional<AlarmSound> heard;
+    for (const simulation::Sounding& sounding : mac_.speaker.sounding(longestBeepPause)) {
+        const auto device = sounding.device ? mac_.audio.device(*sounding.device) : std::nullopt;
+        if (device && isAudible(sounding)) {
+            const bool isTone = sounding.kind == simulation::Sounding::Kind::loop;
+            heard = {isTone ? "tone" : "beep", device->id, device->volume().value_or(1.0F)};
+        }
+    }
+    return heard;
 }
 
 } // namespace sentrel::simulation

@@ -18,17 +18,20 @@
 
 namespace sentrel::simulation {
 
-/// What the alarm sound is doing, by the journal.
+/// What the speaker lets be heard.
 struct AlarmSound {
-    std::string mode; ///< "tone" or "beep"
-    std::optional<std::int64_t> device;
-    double volume = 0.0;
+    std::string_view mode; ///< "tone" or "beep"
+    ports::AudioObjectId device = 0;
+    float volume = 0.0F; ///< that of the device
 };
 
 /// Sets the passcode now, slow as it is; false when the keychain refuses.
 [[nodiscard]] bool storePasscode(UnlockPasscodeStore& store, std::string_view passcode);
 
 /// A simulated MacBook with the product on it, in virtual time: what people do at it and what befalls it. One thread.
+///
+/// When the product says that its tone has started, the session listens to the speaker and notes `alarm.heard` {mode,
+/// device, volume} or `alarm.unheard`.
 class MacSession {
 public:
     /// Stories begin on a Saturday morning, 14 June 2025, 09:41 UTC: a day is as good as another, and the same day
@@ -91,14 +94,14 @@ public:
     /// The phone of the user who is signed in at first.
     [[nodiscard]] simulation::CompanionPhone& phone() { return phone_; }
 
-    /// None while the alarm is silent.
-    [[nodiscard]] const std::optional<AlarmSound>& sound() const { return sound_; }
+    /// What is heard now; none while nothing is. A series of beeps is heard also in the pauses between them.
+    [[nodiscard]] std::optional<AlarmSound> sound() const;
 
     /// Seconds since the session's start.
     [[nodiscard]] double seconds() const { return toSeconds(clock_.now().time_since_epoch()); }
 
 private:
-    void followSound(const simulation::Event& event);
+    void listenToAlarm();
     void processHasEnded();
     void endProcess();
 
@@ -111,7 +114,6 @@ private:
     simulation::PrivateCloud cloudServer_;
     simulation::CompanionPhone phone_;
     simulation::SimulatedMac mac_;
-    std::optional<AlarmSound> sound_;
     bool isAsleep_ = false;
     bool isRelaunching_ = false;
     std::unique_ptr<SentrelApp> app_;

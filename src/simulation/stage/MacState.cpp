@@ -98,10 +98,9 @@ void addAlerts(Json& state, simulation::SimulatedMac& mac)
         std::count_if(alerts.begin(), alerts.end(), [](const StoredAlert& stored) { return stored.pendingUpload; });
 }
 
+/// Notices and the last trigger, as the product publishes them: they are to be read in a window that is mostly closed.
 void addCoordinator(Json& state, const AlarmCoordinator& coordinator)
 {
-    state["isArmed"] = coordinator.isArmed.get();
-    state["isAlarmActive"] = coordinator.isAlarmActive.get();
     state["statusMessage"] = coordinator.statusMessage.get();
     const auto& lastTrigger = coordinator.lastTrigger.get();
     state["lastTrigger"] = lastTrigger ? Json(rawValue(*lastTrigger)) : Json(nullptr);
@@ -113,8 +112,6 @@ void addCoordinator(Json& state, const AlarmCoordinator& coordinator)
 /// A product that doesn't run shows nothing and does nothing.
 void addNoCoordinator(Json& state)
 {
-    state["isArmed"] = false;
-    state["isAlarmActive"] = false;
     for (const char* key : {"statusMessage", "lastTrigger", "lastError", "cameraWarning", "motionWarning"}) {
         state[key] = nullptr;
     }
@@ -123,12 +120,9 @@ void addNoCoordinator(Json& state)
 void addAudio(Json& state, MacSession& session)
 {
     simulation::SimulatedAudio& audio = session.mac().audio;
-    const auto& sound = session.sound();
     state["sound"] = nullptr;
-    if (sound) {
-        state["sound"] = {{"mode", sound->mode},
-                          {"device", sound->device ? Json(*sound->device) : Json(nullptr)},
-                          {"volume", sound->volume}};
+    if (const auto sound = session.sound()) {
+        state["sound"] = {{"mode", sound->mode}, {"device", sound->device}, {"volume", jsonNumber(sound->volume)}};
     }
     Json devices = Json::object();
     for (const simulation::AudioDevice& device : audio.devices()) {
@@ -141,19 +135,12 @@ void addAudio(Json& state, MacSession& session)
     state["defaultOutput"] = defaultOutput ? Json(*defaultOutput) : Json("none");
 }
 
-std::string_view nameOf(const ScreenCoverService& cover)
-{
-    if (!cover.isShowing()) {
-        return "hidden";
-    }
-    return cover.lockoutEnd() ? "locked-out" : "shown";
-}
-
 void addCover(Json& state, MacSession& session)
 {
     const auto covers = session.mac().displays.covers();
     const auto message = covers.empty() ? std::nullopt : ui::find(covers.front().content, "message");
-    state["cover"] = session.app() == nullptr ? "hidden" : nameOf(session.app()->cover());
+    const bool isLockedOut = session.app() != nullptr && session.app()->cover().lockoutEnd();
+    state["cover"] = covers.empty() ? "hidden" : isLockedOut ? "locked-out" : "shown";
     state["coverMessage"] = message ? Json(ui::visibleText(*message->view)) : Json(nullptr);
     state["coverWindows"] = covers.size();
 }
@@ -171,13 +158,10 @@ std::string_view nameOf(simulation::SimulatedMusic::Playback playback)
     return "absent";
 }
 
-AlarmSettings settingsOf(MacSession& session)
+Json storedSettings(MacSession& session)
 {
-    if (session.app() != nullptr) {
-        return session.app()->settings().settings();
-    }
     StoredDefaults stored{session.mac()};
-    return SettingsStore{session.mainActor(), stored.get()}.settings();
+    return encodeAlarmSettings(SettingsStore{session.mainActor(), stored.get()}.settings());
 }
 
 } // namespace
@@ -200,7 +184,7 @@ Json stateOf(MacSession& session)
     state["cameraSession"] = session.mac().camera.isSessionRunning() ? "on" : "off";
     state["loginsAsked"] = session.mac().login.reasonsAsked().size();
     state["assertions"] = session.mac().assertions.held();
-    state["settings"] = encodeAlarmSettings(settingsOf(session));
+    state["settings"] = storedSettings(session);
     return state;
 }
 

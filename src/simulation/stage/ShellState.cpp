@@ -15,6 +15,9 @@ namespace sentrel::simulation {
 
 namespace {
 
+constexpr std::string_view armedIcon = "MenuBarIconArmed";
+constexpr std::string_view stopButton = "stopAlarm"; // of the menu
+
 /// A window as it stands; one that hasn't been made, or has gone with its process, is not visible.
 Json windowOf(const simulation::SimulatedDisplays& displays, ShellWindow wanted)
 {
@@ -63,16 +66,23 @@ std::string_view nameOf(MacAppDelegate::QuitState state)
     return state == MacAppDelegate::QuitState::running ? "running" : "asked";
 }
 
+/// Whether the item says that the product is armed, and whether its menu offers to stop an alarm.
+void addItem(Json& state, const std::optional<simulation::SimulatedStatusBar::Item>& item)
+{
+    state["icon"] = item ? Json(item->image) : Json(nullptr);
+    state["menu"] = item && item->isMenuOpen ? Json(ui::visibleTexts(item->menu)) : Json(nullptr);
+    state["isArmed"] = item && item->image == armedIcon;
+    state["isAlarmActive"] = item && ui::find(item->menu, stopButton).has_value();
+}
+
 } // namespace
 
 void addShell(Json& state, MacSession& session)
 {
     simulation::SimulatedMac& mac = session.mac();
     const bool isRunning = session.app() != nullptr;
-    const auto item = mac.statusBar.item();
     const bool isRegular = mac.application.activationPolicy() == regularActivationPolicy;
-    state["icon"] = item ? Json(item->image) : Json(nullptr);
-    state["menu"] = item && item->isMenuOpen ? Json(ui::visibleTexts(item->menu)) : Json(nullptr);
+    addItem(state, mac.statusBar.item());
     state["window"] = {{"main", windowOf(mac.displays, ShellWindow::main)},
                        {"alerts", windowOf(mac.displays, ShellWindow::alerts)}};
     state["dialogs"] = dialogsOf(mac);

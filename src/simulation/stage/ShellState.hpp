@@ -6,7 +6,8 @@ namespace sentrel::simulation {
 
 class MacSession;
 
-/// Adds what can be seen of the application: `menu`, `window`, `icon`, `activationPolicy`, `quit` and `dialogs`.
+/// Adds what can be seen of the application: `isArmed`, `isAlarmActive`, `menu`, `window`, `icon`, `activationPolicy`,
+/// `quit` and `dialogs`.
 void addShell(Json& state, MacSession& session);
 
 } // namespace sentrel::simulation

@@ -54,6 +54,7 @@ const Story::Row Story::rows[] = {
     {"armed", &Story::tellArmed},
     {"disarmed", &Story::tellDisarmed},
     {"alarm.started", &Story::tellAlarmStarted},
+    {"alarm.heard", &Story::tellAlarmStarted},
     {"alarm.stopped", &Story::tellAlarmStopped},
     {"audio.volume", &Story::tellVolume},
     {"volume.changed", &Story::tellVolume},
@@ -77,7 +78,8 @@ void Story::open(const Scenario& scenario)
 void Story::tell(const Event& event)
 {
     const bool isSystemVolume = event.name == "audio.volume" && event.text("by") == "system";
-    if (!isSystemVolume && event.name != "volume.enforced" && event.name != "alarm.started") {
+    if (!isSystemVolume && event.name != "volume.enforced" && event.name != "alarm.started" &&
+        event.name != "alarm.heard") {
         tellSettledVolumes();
     }
     const auto found = std::ranges::find_if(rows, [&](const Row& row) { return row.event == event.name; });
@@ -194,11 +196,14 @@ void Story::tellDisarmed(const Event& event)
 
 void Story::tellAlarmStarted(const Event& event)
 {
+    const bool isBeep = event.text("mode") == "beep";
+    if (event.name == "alarm.started" && !isBeep) {
+        return; // a tone is told as it is heard
+    }
     alarmDevice_ = deviceOf(event);
     alarmVolume_ = numberIn(event, "volume").value_or(0.0);
     soundingSince_ = event.at;
     disturbed_.clear();
-    const bool isBeep = event.text("mode") == "beep";
     std::string text = isBeep ? "The alarm sounds as the system beep" : "The alarm sounds";
     if (alarmDevice_) {
         // What happened to this device on the way is part of this sentence.

@@ -233,6 +233,11 @@ StorySentence loginItem(const Event& event)
     return {StoryTone::reaction, isEnabled ? "Sentrel will open at login." : "Sentrel will not open at login."};
 }
 
+StorySentence alarmUnheard(const Event&)
+{
+    return {StoryTone::event, "Sentrel sounds the alarm, but nothing is heard."};
+}
+
 StorySentence previewShown(const Event&)
 {
     return {StoryTone::reaction, "The photo is shown in a panel of its own."};
@@ -277,6 +282,7 @@ constexpr Row rows[] = {
     {"quit.cancelled", quitCancelled},
     {"login-item", loginItem},
     {"preview.shown", previewShown},
+    {"alarm.unheard", alarmUnheard},
 };
 
 /// Told as actions, or of no interest to a listener.

@@ -211,11 +211,17 @@ TEST_F(CloudPushTest, PushesOfOthersAreToldApart)
 
 TEST_F(CloudPushTest, SubscriptionsThatAreNotUnderstoodAreRefused)
 {
-    CloudSubscription subscription{"s", "Thing", {"n LIKE %@", {std::string{"x"}}}, 1, {}, {}, {}, {}, false};
-    EXPECT_EQ(code(done(mac.database.saveSubscription(subscription))), CKError::invalidArguments);
-    subscription.predicate = {};
-    subscription.identifier = "";
-    EXPECT_EQ(code(done(mac.database.saveSubscription(subscription))), CKError::invalidArguments);
+    const CloudSubscription good{"s", "Thing", {}, 1, {}, {}, {}, {}, true};
+    EXPECT_EQ(code(done(mac.database.saveSubscription(good))), 0);
+    std::vector<CloudSubscription> bad(5, good);
+    bad[0].predicate = {"n LIKE %@", {std::string{"x"}}};
+    bad[1].identifier = "";
+    bad[2].options = 0;
+    bad[3].options = 16;
+    bad[4].sendsContentAvailable = false;
+    for (const CloudSubscription& subscription : bad) {
+        EXPECT_EQ(code(done(mac.database.saveSubscription(subscription))), CKError::invalidArguments);
+    }
     for (const char* const damaged : {"", "[]", "{}", R"({"identifier":1})"}) {
         EXPECT_FALSE(decodeSubscription(bytesOf(damaged))) << damaged;
     }

@@ -72,6 +72,7 @@ TEST_F(CompanionPhoneTest, ANotificationIsShownForWhatAsksForOne)
     subscription.recordType = "AlertEvent";
     subscription.predicate = {"sendNotification == %@", {std::int64_t{1}}};
     subscription.options = 1;
+    subscription.soundName = "default";
     subscription.alertLocalizationArguments = {"triggerName", "deviceName"};
     int number = 0;
     for (const char* const format : {"%1$@ on %2$@", "%2$@: %@ %@%", "%3$@%0$@", ""}) {

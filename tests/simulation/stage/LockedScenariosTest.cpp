@@ -157,8 +157,9 @@ mac: {passcode: "2468", displays: 0}
 settings: {lockScreenOnArm: true}
 steps:
 - {at: 1s, do: arm}
-- {at: 2s, expect: {cover: shown, coverWindows: 0, coverMessage: null}}
+- {at: 2s, expect: {cover: hidden, coverWindows: 0, coverMessage: null}}
 - {at: 3s, do: {displays: 1}}
+- {at: 3s, expect: {cover: shown, coverWindows: 1}}
 - {at: 4s, do: {type-passcode: "1"}}
 - {at: 5s, do: {type-passcode: "2"}}
 - {at: 6s, do: {type-passcode: "3"}}

@@ -52,7 +52,9 @@ TEST(Story, TellsATheftWithCauseAndEffectAndWithoutRepeatingItself)
     story.tell(volume(24.0, 73, 0.3, false, "system"));
     story.tell(volume(24.0, 73, 0.85, false, "system"));
     story.tell(
-        event(24.0, "alarm.started", {{"mode", std::string{"tone"}}, {"device", std::int64_t{73}}, {"volume", 0.85}}));
+        event(24.0, "alarm.started", {{"mode", std::string{"tone"}}, {"volume", 1.0}})); // only believed when heard
+    story.tell(
+        event(24.0, "alarm.heard", {{"mode", std::string{"tone"}}, {"device", std::int64_t{73}}, {"volume", 0.85}}));
     story.tell(
         event(24.0, "alert.saved", {{"id", std::string{"A"}}, {"reason", std::string{"unplugged"}}, {"photo", false}}));
     story.tell(enforced(24.9));

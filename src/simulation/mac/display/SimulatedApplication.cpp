@@ -32,6 +32,9 @@ void SimulatedApplication::finishLaunching()
 void SimulatedApplication::setActivationPolicy(std::int64_t policy)
 {
     faults_.call("setActivationPolicy");
+    if (policy < regular || policy > prohibited) {
+        return; // AppKit says no
+    }
     policy_ = policy;
     journal_.note("activation-policy", {{"policy", policy}});
 }

@@ -53,7 +53,9 @@ private:
     bool isAwaitingReply_ = false;
     bool hasEnded_ = false;
 
+    static constexpr std::int64_t regular = 0;
     static constexpr std::int64_t accessory = 1;
+    static constexpr std::int64_t prohibited = 2;
 };
 
 } // namespace sentrel::simulation

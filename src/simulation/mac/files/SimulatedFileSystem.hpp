@@ -13,6 +13,9 @@ namespace sentrel::simulation {
 
 /// A real file system whose calls are counted and can be made to fail. Any thread; whoever cuts the power does so
 /// while no call is under way.
+///
+/// Synchronising settles what was written against the simulated power cut alone. The host's medium is not waited for:
+/// files outlive this program without it, and a simulated disk needs no more.
 class SimulatedFileSystem final : public ports::FileSystem {
 public:
     /// How often it was asked. A file's own calls count too.

@@ -27,6 +27,7 @@ public:
 
     /// Begins or ends the samples of a machine at rest; they pause while a recording plays.
     void setResting(bool isResting, Instant now);
+    [[nodiscard]] bool isResting() const { return isResting_; }
 
     /// Time between two samples of a machine at rest, counted from now.
     void setInterval(Duration interval, Instant now);

@@ -144,6 +144,12 @@ void SimulatedAccelerometer::setPresent(bool isPresent)
     change([&](Instant) { isPresent_ = isPresent; });
 }
 
+bool SimulatedAccelerometer::isPresent() const
+{
+    const std::lock_guard guard{mutex_};
+    return isPresent_;
+}
+
 void SimulatedAccelerometer::sample(const Acceleration& acceleration)
 {
     journal_.note("accelerometer.sample", {{"x", acceleration.x}, {"y", acceleration.y}, {"z", acceleration.z}});
@@ -172,6 +178,12 @@ void SimulatedAccelerometer::play(MotionRecording recording)
 void SimulatedAccelerometer::setResting(bool isResting)
 {
     change([&](Instant now) { timeline_.setResting(isResting, now); });
+}
+
+bool SimulatedAccelerometer::isResting() const
+{
+    const std::lock_guard guard{mutex_};
+    return timeline_.isResting();
 }
 
 void SimulatedAccelerometer::setAsleep(bool isAsleep)

@@ -31,6 +31,7 @@ public:
     [[nodiscard]] std::unique_ptr<ports::HidClient> createClient() override;
 
     void setPresent(bool isPresent);
+    [[nodiscard]] bool isPresent() const;
 
     /// One sample, now.
     void sample(const Acceleration& acceleration);
@@ -47,6 +48,7 @@ public:
     /// Lets the machine lie at rest: samples of gravity and sensor noise, 50 a second or as many as the report interval
     /// says. They pause while a recording plays.
     void setResting(bool isResting);
+    [[nodiscard]] bool isResting() const;
 
     /// Calls back for each sample that is delivered, on whatever thread delivers it and under the device's lock: it
     /// must not come back here. Set before the first.

@@ -1,6 +1,7 @@
 #include "simulation/mac/power/SimulatedAssertions.hpp"
 
 #include <algorithm>
+#include <string_view>
 #include <utility>
 
 namespace sentrel::simulation {
@@ -11,13 +12,18 @@ namespace {
 constexpr auto returnError = static_cast<std::int32_t>(0xE00002BCU);
 constexpr auto returnBadArgument = static_cast<std::int32_t>(0xE00002C2U);
 
+// <IOKit/pwr_mgt/IOPMLib.h>: the one assertion that keeps an idle Mac awake and lets its displays sleep. Others have
+// another effect, and at any other level none: here they are refused, so that neither passes for it.
+constexpr std::string_view preventUserIdleSystemSleep = "PreventUserIdleSystemSleep";
+constexpr std::uint32_t levelOn = 255;
+
 } // namespace
 
-SimulatedAssertions::Created SimulatedAssertions::create(const std::string& type, std::uint32_t /*level*/,
+SimulatedAssertions::Created SimulatedAssertions::create(const std::string& type, std::uint32_t level,
                                                          const std::string& name)
 {
     faults_.call("create");
-    if (type.empty()) {
+    if (type != preventUserIdleSystemSleep || level != levelOn) {
         return {returnBadArgument, 0};
     }
     if (faults_.strikes("create")) {

@@ -9,7 +9,8 @@
 
 namespace sentrel::simulation {
 
-/// The system's power-management assertions; notes `assertion.taken` and `assertion.released` {`name`}. Any thread.
+/// The system's power-management assertions; notes `assertion.taken` and `assertion.released` {`name`}. Only one that
+/// keeps an idle system awake is granted. Any thread.
 ///
 /// Faults: `create` (refused), `release` (refused; the assertion stays).
 class SimulatedAssertions final : public ports::PowerAssertions {

@@ -41,10 +41,10 @@ void SimulatedLid::setNumber(std::optional<std::int64_t> value)
     journal_.note("lid.changed", {{"state", describe(value)}});
 }
 
-bool SimulatedLid::isClosed() const
+std::optional<bool> SimulatedLid::isClosed() const
 {
     const std::lock_guard guard{mutex_};
-    return clamshellState_.value_or(0) != 0;
+    return clamshellState_ ? std::optional{*clamshellState_ != 0} : std::nullopt;
 }
 
 } // namespace sentrel::simulation

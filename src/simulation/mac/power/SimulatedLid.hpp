@@ -28,8 +28,8 @@ public:
     /// Any value of the property, also one that no lid has.
     void setNumber(std::optional<std::int64_t> value);
 
-    /// Whether the property shows a lid that is shut.
-    [[nodiscard]] bool isClosed() const;
+    /// Whether the property shows a lid that is shut; none without a lid.
+    [[nodiscard]] std::optional<bool> isClosed() const;
 
     [[nodiscard]] FaultSwitches& faults() { return faults_; }
 

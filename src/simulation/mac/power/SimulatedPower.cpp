@@ -110,13 +110,18 @@ void SimulatedPower::setSources(std::vector<PowerSource> sources)
     }
 }
 
-bool SimulatedPower::isOnAC() const
+std::optional<bool> SimulatedPower::isOnAC() const
 {
-    const auto present = sources();
-    return std::any_of(present->begin(), present->end(), [](const PowerSource& source) {
-        return source.description && source.description->contains(stateKey) &&
-               source.description->find(stateKey)->second == "AC Power";
-    });
+    std::optional<bool> isOnAC;
+    for (const PowerSource& source : *sources()) {
+        if (!source.description) {
+            continue;
+        }
+        if (const auto state = source.description->find(stateKey); state != source.description->end()) {
+            isOnAC = isOnAC.value_or(false) || state->second == "AC Power";
+        }
+    }
+    return isOnAC;
 }
 
 std::shared_ptr<const SimulatedPower::Sources> SimulatedPower::sources() const

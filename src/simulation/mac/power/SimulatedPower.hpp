@@ -40,8 +40,8 @@ public:
     /// One internal battery, with the adapter plugged in or not.
     void setAC(bool isOnAC);
 
-    /// Whether any source draws from the adapter.
-    [[nodiscard]] bool isOnAC() const;
+    /// Whether any source draws from the adapter; none when no source reports its state.
+    [[nodiscard]] std::optional<bool> isOnAC() const;
 
     /// An empty list, as on a Mac without a battery.
     void setUnknown();

@@ -8,6 +8,14 @@
 
 namespace sentrel::simulation {
 
+namespace {
+
+// <LocalAuthentication/LAPublicDefines.h>. The other policies, such as biometry alone, need hardware that this Mac
+// lacks: they can't be evaluated.
+constexpr std::int64_t deviceOwnerAuthentication = 2;
+
+} // namespace
+
 /// A request from the moment that it was made.
 struct SimulatedLogin::Panel {
     std::string reason;
@@ -57,13 +65,14 @@ public:
 
     void setLocalizedReason(const std::string& reason) override { reason_ = reason; }
 
-    [[nodiscard]] Evaluability canEvaluatePolicy(std::int64_t /*policy*/) override
+    [[nodiscard]] Evaluability canEvaluatePolicy(std::int64_t policy) override
     {
         faults_.call("canEvaluatePolicy");
         Evaluability evaluability;
         {
             const std::lock_guard guard{state_->mutex};
-            evaluability.canEvaluate = state_->answer != LoginAnswer::unavailable;
+            evaluability.canEvaluate =
+                policy == deviceOwnerAuthentication && state_->answer != LoginAnswer::unavailable;
             if (!evaluability.canEvaluate) {
                 evaluability.errorDescription = state_->unavailabilityDescription;
             }
@@ -74,11 +83,14 @@ public:
         return evaluability;
     }
 
-    void evaluatePolicy(std::int64_t /*policy*/, const std::string& reason, std::function<void(bool)> reply) override
+    void evaluatePolicy(std::int64_t policy, const std::string& reason, std::function<void(bool)> reply) override
     {
         faults_.call("evaluatePolicy");
         if (panel_ != nullptr) {
             fatalError("a simulated login context is asked twice");
+        }
+        if (policy != deviceOwnerAuthentication) {
+            return reply(false);
         }
         panel_ = std::make_shared<Panel>();
         panel_->reason = reason;

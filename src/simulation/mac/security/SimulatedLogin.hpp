@@ -28,9 +28,9 @@ enum class LoginAnswer {
 /// The word for an answer, as scenarios and the journal have it.
 [[nodiscard]] std::string_view nameOf(LoginAnswer answer);
 
-/// The system's login panel and the person in front of it. One panel is shown at a time; a further request waits for
-/// its turn. Each request is noted as `login` with its `reason` and `answer` (`invalidated` when the application let
-/// go of it first). Any thread; requests are made on the main thread.
+/// The system's login panel and the person in front of it, who has no biometry to log in with. One panel is shown at a
+/// time; a further request waits for its turn. Each request is noted as `login` with its `reason` and `answer`
+/// (`invalidated` when the application let go of it first). Any thread; requests are made on the main thread.
 class SimulatedLogin final : public ports::LoginAuthentication {
 public:
     SimulatedLogin(Scheduler& scheduler, ports::Journal& journal);

@@ -132,7 +132,7 @@ bool SimulatedAudioEngine::play()
         if (!isStarted_ || faults_.strikes("play")) {
             return false;
         }
-        if (scheduled_ == nullptr || sound_) {
+        if (scheduled_ == nullptr || sound_ || faults_.strikes("silent")) {
             return true;
         }
         sound_ = speaker_.beginLoop(scheduled_, mixerVolume_, device_);

@@ -16,7 +16,8 @@ class SimulatedAudioEngine;
 /// Formats are at the hardware's 44.1 kHz; of several channels the first is heard. Any thread; it outlives its engines.
 ///
 /// Faults: `device` (the output unit refuses its device), `format`, `buffer` (none is made), `attach`, `start`, `play`
-/// (fail), `engine-stops` (one that plays stops by itself, now or as soon as there is one).
+/// (fail), `engine-stops` (one that plays stops by itself, now or as soon as there is one), `silent` (it plays, as far
+/// as it tells, and nothing is heard).
 class SimulatedAudioEngines final : public ports::AudioEngines {
 public:
     SimulatedAudioEngines(Speaker& speaker, SimulatedAudio& audio) : speaker_(speaker), audio_(audio)
@@ -34,7 +35,7 @@ private:
 
     Speaker& speaker_;
     SimulatedAudio& audio_;
-    FaultSwitches faults_{"device", "format", "attach", "buffer", "start", "play", "engine-stops"};
+    FaultSwitches faults_{"device", "format", "attach", "buffer", "start", "play", "engine-stops", "silent"};
     std::mutex mutex_;
     std::vector<SimulatedAudioEngine*> playing_;
 };

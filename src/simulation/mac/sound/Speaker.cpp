@@ -93,13 +93,13 @@ void Speaker::setAsleep(bool isAsleep)
     change([&] { isAsleep_ = isAsleep; });
 }
 
-std::vector<Sounding> Speaker::sounding() const
+std::vector<Sounding> Speaker::sounding(Duration past) const
 {
     const std::lock_guard guard{mutex_};
     const Instant now = scheduler_.now();
     std::vector<Sounding> result;
     for (const Sound& sound : sounds_) {
-        if (sound.start <= now && !isOver(sound, now)) {
+        if (sound.start <= now && !isOver(sound, now - past)) {
             result.push_back({sound.kind, sound.device, sound.gain, sound.id, sound.samples});
         }
     }
@@ -146,19 +146,23 @@ void Speaker::settle(Instant now)
     if (recorder_ != nullptr) {
         audible_.clear();
         for (const Sound& sound : sounds_) {
-            if (!sound.samples->empty()) {
+            if (!sound.samples->empty()) { // a remembered beep lies before the frames that are still to be written
                 audible_.push_back({*sound.samples, sound.start, sound.kind == Sounding::Kind::loop, sound.gain});
             }
         }
         recorder_->record(audible_, now);
     }
-    std::erase_if(sounds_, [now](const Sound& sound) { return isOver(sound, now); });
+    std::erase_if(sounds_, [now](const Sound& sound) { return isOver(sound, now - memory); });
 }
 
 void Speaker::refreshGains()
 {
     const auto defaultOutput = audio_.defaultOutput();
+    const Instant now = scheduler_.now();
     for (Sound& sound : sounds_) {
+        if (isOver(sound, now)) {
+            continue; // a remembered beep stays as it was heard
+        }
         if (sound.followsDefault) {
             sound.device = defaultOutput;
         }

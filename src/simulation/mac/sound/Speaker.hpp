@@ -35,6 +35,9 @@ public:
     /// Length of one system beep.
     static constexpr Duration beepLength = std::chrono::milliseconds{150};
 
+    /// How long a beep is remembered after its end.
+    static constexpr Duration memory = std::chrono::seconds{1};
+
     Speaker(Scheduler& hardware, SimulatedAudio& audio);
     ~Speaker();
     Speaker(const Speaker&) = delete;
@@ -53,8 +56,9 @@ public:
     /// While the machine sleeps nothing is heard.
     void setAsleep(bool isAsleep);
 
-    /// What sounds now, also what a mute or a missing device makes inaudible; oldest first.
-    [[nodiscard]] std::vector<Sounding> sounding() const;
+    /// What sounds now, also what a mute or a missing device makes inaudible; oldest first. With a span of at most
+    /// `memory`, beeps count that ended within it.
+    [[nodiscard]] std::vector<Sounding> sounding(Duration past = Duration::zero()) const;
 
     /// Records from now on into a WAV file; false when it can't be made.
     [[nodiscard]] bool startRecording(const std::filesystem::path& file);
