@@ -122,7 +122,7 @@ TEST(Languages, EveryTextThatTheSystemShowsOfTheBundleIsTranslated)
 {
     constexpr const char* pattern =
         R"(<key>(NS\w+UsageDescription|NSHumanReadableCopyright)</key>\s*<string>([^<]*)</string>)";
-    const std::string list = contentOf(root / "src" / "platform" / "macos" / "Info.plist.in");
+    const std::string list = contentOf(root / "src" / "mac" / "Info.plist.in");
     simulation::StringsTable prompts;
     const std::regex expression{pattern};
     for (std::sregex_iterator match{list.begin(), list.end(), expression}; match != std::sregex_iterator{}; ++match) {

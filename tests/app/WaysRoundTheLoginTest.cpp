@@ -51,7 +51,7 @@ struct Protection {
           loginItem(session.mac().loginItem.status())
     {
         StoredDefaults stored{session.mac()};
-        settings = SettingsStore{stored.get()}.settings();
+        settings = SettingsStore{session.mainActor(), stored.get()}.settings();
     }
 
     bool isRunning;

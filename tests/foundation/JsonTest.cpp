@@ -8,7 +8,7 @@
 namespace sentrel {
 namespace {
 
-std::optional<Json> parse(std::string_view text)
+std::optional<Json> jsonOf(std::string_view text)
 {
     return parseJson(bytesOf(text));
 }
@@ -36,21 +36,21 @@ TEST(Json, RefusesWhatIsNoDocument)
 {
     for (const std::string_view text :
          {"", "{", "{\"a\":}", "nul", "\"\\", "\"\xC3\x28\"", "{\"a\":1}}", "[1,]", "-", "\x00"}) {
-        EXPECT_EQ(parse(text), std::nullopt) << text;
+        EXPECT_EQ(jsonOf(text), std::nullopt) << text;
     }
 }
 
 TEST(Json, RefusesDeepNestingButNotBracketsInText)
 {
-    EXPECT_NE(parse(std::string(512, '[') + std::string(512, ']')), std::nullopt);
-    EXPECT_EQ(parse(std::string(513, '[') + std::string(513, ']')), std::nullopt);
-    EXPECT_EQ(parse(std::string(5'000'000, '[')), std::nullopt);
-    EXPECT_NE(parse("[\"\\\"" + std::string(1000, '[') + "\"]"), std::nullopt);
+    EXPECT_NE(jsonOf(std::string(512, '[') + std::string(512, ']')), std::nullopt);
+    EXPECT_EQ(jsonOf(std::string(513, '[') + std::string(513, ']')), std::nullopt);
+    EXPECT_EQ(jsonOf(std::string(5'000'000, '[')), std::nullopt);
+    EXPECT_NE(jsonOf("[\"\\\"" + std::string(1000, '[') + "\"]"), std::nullopt);
 }
 
 TEST(Json, ANumberTooLargeCostsOnlyItsOwnField)
 {
-    const auto value = parse(R"({"a":1e400,"b":-1e999,"tiny":1e-400,"text":"1e400","c":2})");
+    const auto value = jsonOf(R"({"a":1e400,"b":-1e999,"tiny":1e-400,"text":"1e400","c":2})");
     ASSERT_NE(value, std::nullopt);
     EXPECT_TRUE(isAbsent(*value, "a"));
     EXPECT_TRUE(isAbsent(*value, "b"));
@@ -61,7 +61,7 @@ TEST(Json, ANumberTooLargeCostsOnlyItsOwnField)
 
 TEST(Json, MembersAreReadByTheirOwnTypeOnly)
 {
-    const Json object = *parse(R"({"yes":true,"one":1,"half":0.5,"minus":-1,"big":4294967296,"top":4294967295,
+    const Json object = *jsonOf(R"({"yes":true,"one":1,"half":0.5,"minus":-1,"big":4294967296,"top":4294967295,
                                    "wide":1e39,"text":"1","null":null})");
     EXPECT_EQ(boolMember(object, "yes"), true);
     EXPECT_EQ(boolMember(object, "one"), std::nullopt);
@@ -74,7 +74,7 @@ TEST(Json, MembersAreReadByTheirOwnTypeOnly)
     for (const std::string_view key : {"half", "minus", "big", "null", "missing"}) {
         EXPECT_EQ(uint32Member(object, key), std::nullopt) << key;
     }
-    EXPECT_EQ(boolMember(*parse("[true]"), "yes"), std::nullopt);
+    EXPECT_EQ(boolMember(*jsonOf("[true]"), "yes"), std::nullopt);
 }
 
 } // namespace

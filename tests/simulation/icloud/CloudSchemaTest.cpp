@@ -98,7 +98,7 @@ protected:
     }
     int subscriptionCode(const std::string& type, ports::CloudPredicate predicate)
     {
-        ports::CloudSubscription subscription{"s", type, std::move(predicate), 1, {}, {}, {}, {}, false};
+        ports::CloudSubscription subscription{"s", type, std::move(predicate), 1, {}, {}, {}, {}, true};
         return code(done(mac.database.saveSubscription(subscription)));
     }
 };

@@ -17,7 +17,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 /// Remembers the events of some names, each with one of its fields.
-class Listener final : public Audience {
+class AlarmListener final : public Audience {
 public:
     void happened(const simulation::Event& event) override
     {
@@ -54,7 +54,7 @@ protected:
     }
 
     TemporaryFolder folder;
-    Listener listener;
+    AlarmListener listener;
 };
 
 TEST_F(LockedScenarios, ThatComeWithTheProgramHold)

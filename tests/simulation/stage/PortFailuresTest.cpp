@@ -37,9 +37,9 @@ const Bytes& smallPhoto(const simulation::SimulatedCamera& camera)
 }
 
 /// A theft on an armed Mac with iCloud, some of whose calls raise or hang.
-class Theft {
+class StruckTheft {
 public:
-    Theft()
+    StruckTheft()
     {
         mac().camera.setDevices({{}});
         mac().camera.setPhotoFile(smallPhoto(mac().camera));
@@ -103,7 +103,7 @@ private:
 /// Every call of the alert's way, from the trigger until the alert has reached the cloud.
 std::vector<Call> callsOfTheAlertsWay()
 {
-    Theft theft;
+    StruckTheft theft;
     theft.strike(0, Fate::passes);
     theft.trigger(TriggerReason::unplugged);
     for (Duration passed{}; passed < 20s && (theft.inCloud() == 0 || theft.onDisk() > 0); passed += 10ms) {
@@ -115,7 +115,7 @@ std::vector<Call> callsOfTheAlertsWay()
 
 void expectTheAlarmToDoItsWork(std::size_t number, Fate fate)
 {
-    Theft theft;
+    StruckTheft theft;
     theft.strike(number, fate);
     theft.trigger(TriggerReason::unplugged);
     theft.advance(1s);
@@ -160,7 +160,7 @@ TEST(PortFailures, NoCallThatHangsSilencesTheAlarmOrOffTheMainThreadLosesAnAlert
 
 TEST(PortFailures, ACameraThatHangsCostsThirtySecondsOnce)
 {
-    Theft theft;
+    StruckTheft theft;
     theft.mac().camera.faults().set("hangs", 1);
     theft.trigger(TriggerReason::unplugged);
     theft.trigger(TriggerReason::motion);

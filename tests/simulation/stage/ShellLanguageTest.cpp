@@ -16,20 +16,20 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-Scenario parse(const std::string& body)
+Scenario parseShell(const std::string& body)
 {
     return parseScenario("steps:\n- {at: 0s, " + body + "}\n", "talk.yaml");
 }
 
 template <class Kind> Kind action(const std::string& text)
 {
-    return std::get<Kind>(std::get<Action>(parse("do: " + text).steps.front().content));
+    return std::get<Kind>(std::get<Action>(parseShell("do: " + text).steps.front().content));
 }
 
-std::string refusal(const std::string& body)
+std::string shellRefusal(const std::string& body)
 {
     try {
-        static_cast<void>(parse(body));
+        static_cast<void>(parseShell(body));
     } catch (const ScenarioError& error) {
         return error.what();
     }
@@ -81,7 +81,7 @@ TEST(ShellLanguage, RefusesWhatMakesNoSense)
         {"expect: {quit: asking}", "asking"},
     };
     for (const auto& [body, part] : rows) {
-        EXPECT_THAT(refusal(body), HasSubstr(part)) << body;
+        EXPECT_THAT(shellRefusal(body), HasSubstr(part)) << body;
     }
 }
 
@@ -90,7 +90,7 @@ TEST(ShellLanguage, SomeTextsOfAListAreExpectedInTheirOrderAndOthersNot)
     const auto differences = [](const std::string& expected) {
         std::vector<std::string> sentences;
         const Json state{{"window", {{"main", {{"texts", {"a", "b", "c"}}}}}}};
-        const auto step = parse("expect: {window: {main: {texts: " + expected + "}}}").steps.front();
+        const auto step = parseShell("expect: {window: {main: {texts: " + expected + "}}}").steps.front();
         for (const Mismatch& each : mismatches(std::get<std::vector<Expectation>>(step.content).front(), state)) {
             sentences.push_back(sentence(each));
         }
