@@ -164,7 +164,7 @@ TEST(MotionMonitor, HearsNothingThatComesLateAndMayDieWithSamplesUnderWay)
 /// Lets the other threads come forward for a while.
 void giveWay()
 {
-    for (int i = 0; i < 100; ++i) {
+    for (int i = 0; i < 10; ++i) {
         std::this_thread::yield();
     }
 }
