@@ -39,7 +39,7 @@ private:
 
     std::map<std::string, std::string, std::less<>> reasons_; // of alerts by identifier
     std::string lastUploadFailure_;
-    std::optional<bool> publishedArmed_;
+    bool publishedArmed_ = false; // as the phone sees it; at first it sees no Mac
     bool isThrottled_ = false;
 };
 

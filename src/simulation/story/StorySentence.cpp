@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <cmath>
 #include <iterator>
 #include <string_view>
@@ -243,6 +244,62 @@ StorySentence previewShown(const Event&)
     return {StoryTone::reaction, "The photo is shown in a panel of its own."};
 }
 
+/// Why a file can't be written, by the `errno` of an event.
+std::string_view diskTrouble(const Event& event)
+{
+    const auto error = std::lround(numberIn(event, "error").value_or(0.0));
+    if (error == ENOSPC || error == EDQUOT) {
+        return "the disk is full";
+    }
+    return error == EACCES || error == EPERM || error == EROFS ? "writing is not allowed" : "the disk refuses it";
+}
+
+StorySentence alertFailed(const Event& event)
+{
+    return {StoryTone::bad, "No alert could be made: " + reasonTitle(event.text("reason")) + "."};
+}
+
+StorySentence alertNotSaved(const Event&)
+{
+    return {StoryTone::notice, "The alert can't be saved on the Mac as it is. Sentrel keeps it in memory, too."};
+}
+
+StorySentence cacheNotSaved(const Event& event)
+{
+    return {StoryTone::notice,
+            "Sentrel's list of what iCloud holds can't be saved: " + std::string{diskTrouble(event)} + "."};
+}
+
+StorySentence defaultsNotSaved(const Event& event)
+{
+    return {StoryTone::notice, "The user defaults can't be saved: " + std::string{diskTrouble(event)} + "."};
+}
+
+StorySentence defaultsDamaged(const Event&)
+{
+    return {StoryTone::notice, "The user defaults can't be read. Sentrel begins with new ones."};
+}
+
+StorySentence tableDamaged(const Event&)
+{
+    return {StoryTone::notice, "A table of translations can't be read whole."};
+}
+
+StorySentence deviceAdded(const Event& event)
+{
+    return {StoryTone::event, std::string{event.text("name")} + " is connected."};
+}
+
+StorySentence toneRestarted(const Event&)
+{
+    return {StoryTone::alarm, "The tone had stopped. Sentrel starts it again."};
+}
+
+StorySentence uploadRaised(const Event&)
+{
+    return {StoryTone::notice, "The upload breaks off. It is tried again later."};
+}
+
 struct Row {
     std::string_view event;
     StorySentence (*tell)(const Event& event);
@@ -282,6 +339,15 @@ constexpr Row rows[] = {
     {"quit.cancelled", quitCancelled},
     {"login-item", loginItem},
     {"preview.shown", previewShown},
+    {"alert.failed", alertFailed},
+    {"alert.saveFailed", alertNotSaved},
+    {"alertCache.notSaved", cacheNotSaved},
+    {"defaults.writeFailed", defaultsNotSaved},
+    {"defaults.damaged", defaultsDamaged},
+    {"localization.damaged", tableDamaged},
+    {"audio-device.added", deviceAdded},
+    {"tone.restarted", toneRestarted},
+    {"upload.raised", uploadRaised},
     {"alarm.unheard", alarmUnheard},
 };
 
@@ -293,6 +359,8 @@ constexpr std::string_view untold[] = {"accelerometer.sample",
                                        "phone.command",
                                        "push.received",
                                        "fanout",
+                                       "fanout.failed",
+                                       "presence.failed",
                                        "activation-policy",
                                        "preview.closed"};
 

@@ -292,8 +292,7 @@ steps:
         }
     }
     EXPECT_THAT(
-        lines, ElementsAre("→ The phone can see that the Mac is disarmed.",
-                           "The next 2 “save” requests to iCloud will fail with “zoneBusy”, which asks to wait "
+        lines, ElementsAre("The next 2 “save” requests to iCloud will fail with “zoneBusy”, which asks to wait "
                            "20 s. iCloud now takes 0.2 s to answer.",
                            "→ The phone can see that the Mac is armed.", "→ iCloud asks the Mac for patience.",
                            "→ The alert can't be uploaded: “iCloud is temporarily unavailable. Try again "
