@@ -208,18 +208,6 @@ constexpr std::array<ActionRow, 29> actionsWithValue{{
     {"delete-alerts", "{delete-alerts: all}", [](auto& value, auto&) { return Action{readDeleteAlerts(value)}; }},
 }};
 
-std::vector<std::string_view> allNames()
-{
-    std::vector<std::string_view> names;
-    for (const auto& action : plainActions) {
-        names.push_back(action.text);
-    }
-    for (const ActionRow& action : actionsWithValue) {
-        names.push_back(action.name);
-    }
-    return names;
-}
-
 const Word<PlainAction>* findPlain(std::string_view name)
 {
     const auto found = std::ranges::find_if(plainActions, [&](const auto& word) { return word.text == name; });
@@ -241,10 +229,22 @@ Action readPlain(const YamlValue& value)
         throw SourceFault(value.line, inQuotes(value.text) +
                                           " needs a value, for example {do: " + std::string{action->example} + "}");
     }
-    throw SourceFault(value.line, unknownWord("action", value.text, allNames()));
+    throw SourceFault(value.line, unknownWord("action", value.text, actionNames()));
 }
 
 } // namespace
+
+std::vector<std::string_view> actionNames()
+{
+    std::vector<std::string_view> names;
+    for (const auto& action : plainActions) {
+        names.push_back(action.text);
+    }
+    for (const ActionRow& action : actionsWithValue) {
+        names.push_back(action.name);
+    }
+    return names;
+}
 
 Action readAction(const YamlValue& value, const ReadContext& context)
 {
@@ -261,7 +261,7 @@ Action readAction(const YamlValue& value, const ReadContext& context)
     if (findPlain(key.text) != nullptr) {
         throw SourceFault(key.line, inQuotes(key.text) + " takes no value: write {do: " + key.text + "}");
     }
-    throw SourceFault(key.line, unknownWord("action", key.text, allNames()));
+    throw SourceFault(key.line, unknownWord("action", key.text, actionNames()));
 }
 
 } // namespace sentrel::simulation

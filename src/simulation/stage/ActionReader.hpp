@@ -12,4 +12,7 @@ namespace sentrel::simulation {
 /// which heals the port.
 [[nodiscard]] Action readAction(const YamlValue& value, const ReadContext& context);
 
+/// The name of every action.
+[[nodiscard]] std::vector<std::string_view> actionNames();
+
 } // namespace sentrel::simulation

@@ -288,6 +288,15 @@ constexpr std::array<ExpectationRow, 38> expectationRows{{
 
 } // namespace
 
+std::vector<std::string_view> expectationNames()
+{
+    std::vector<std::string_view> names;
+    for (const ExpectationRow& row : expectationRows) {
+        names.push_back(row.key);
+    }
+    return names;
+}
+
 std::vector<Expectation> readExpectations(const YamlValue& value)
 {
     std::vector<Expectation> expectations;

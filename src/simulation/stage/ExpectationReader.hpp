@@ -3,6 +3,7 @@
 #include "simulation/stage/Expectation.hpp"
 #include "simulation/stage/YamlValue.hpp"
 
+#include <string_view>
 #include <vector>
 
 namespace sentrel::simulation {
@@ -10,5 +11,8 @@ namespace sentrel::simulation {
 /// The `expect` of a step, in the order of the file; each value is of the type that its key has. `none` and null are
 /// the same. Throws `SourceFault`.
 [[nodiscard]] std::vector<Expectation> readExpectations(const YamlValue& value);
+
+/// Every key that can be expected.
+[[nodiscard]] std::vector<std::string_view> expectationNames();
 
 } // namespace sentrel::simulation

@@ -148,6 +148,15 @@ Mac readMac(const YamlValue& value, const ReadContext& context)
     return draft.mac;
 }
 
+std::vector<std::string_view> macNames()
+{
+    std::vector<std::string_view> names;
+    for (const auto& field : macFields) {
+        names.push_back(field.key);
+    }
+    return names;
+}
+
 Mac::Power readPower(const YamlValue& value)
 {
     return readWord(value, "power", powers);

@@ -14,6 +14,9 @@ namespace sentrel::simulation {
 /// one when there is no 73.
 [[nodiscard]] simulation::MacDescription readMac(const YamlValue& value, const ReadContext& context);
 
+/// Every key of `mac`.
+[[nodiscard]] std::vector<std::string_view> macNames();
+
 /// Words for the state of the power sources, also used by an action.
 [[nodiscard]] simulation::MacDescription::Power readPower(const YamlValue& value);
 
