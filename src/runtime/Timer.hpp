@@ -12,7 +12,7 @@ namespace sentrel {
 
 class TimerHeap;
 
-/// A deadline that waits in a scheduler. It carries its own place there, so that arming it allocates nothing.
+/// A deadline that waits in a scheduler. It carries its own place there, so that cancelling needs no search.
 class Timer {
 public:
     Timer() = default;
@@ -22,7 +22,7 @@ public:
 protected:
     ~Timer() = default;
 
-    /// The deadline has come. Called by the scheduler under its own lock: it only posts jobs.
+    /// Called at the deadline, under the scheduler's lock: may only post jobs or open latches.
     virtual void fire() = 0;
 
 private:
