@@ -113,7 +113,7 @@ public:
 
     void endWait();
 
-    /// Posts the next turn. Only for the caller that has claimed the wait, if it was armed.
+    /// Posts the next turn. An armed wait must have been claimed by the caller.
     void resumeSoon() { executor_->post(*this); }
 
     [[nodiscard]] Scheduler& scheduler() const { return *scheduler_; }

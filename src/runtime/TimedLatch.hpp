@@ -10,7 +10,7 @@ namespace sentrel {
 /// A latch that also opens when its time is up. Shared by the finisher and the waiter. Any thread.
 class TimedLatch final : private Timer {
 public:
-    /// Opens the latch in time.
+    /// Reports that the awaited work is done.
     void finish()
     {
         isFinished_ = true;

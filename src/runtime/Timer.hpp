@@ -36,7 +36,7 @@ private:
 /// The armed timers of a scheduler, earliest first, and in arming order where deadlines are equal. No lock of its own.
 class TimerHeap {
 public:
-    /// Arms the timer. One order number serves all heaps of one clock, so that it is handed in.
+    /// Arms the timer. Equal deadlines fire in ascending `order`.
     void add(Timer& timer, Instant deadline, std::uint64_t order);
 
     /// Takes the timer out; false when it isn't in.

@@ -38,7 +38,7 @@ public:
     /// `std::runtime_error` when jobs keep posting jobs and the clock would never move again.
     void runUntil(Instant deadline);
 
-    /// Runs until `span` from now, as `runUntil`.
+    /// `runUntil` a span from now.
     void advance(Duration span) { runUntil(now_ + span); }
 
     /// Runs until nothing is runnable and no timer is armed; repeating timers must have been stopped.
