@@ -8,16 +8,16 @@
 
 namespace sentrel {
 
-/// Bytes that somebody owns.
+/// Owned bytes.
 using Bytes = std::vector<std::uint8_t>;
 
-/// Bytes that somebody else owns.
+/// A view of bytes that are owned elsewhere.
 using BytesView = std::span<const std::uint8_t>;
 
-/// The bytes of a text, as they are.
+/// A copy of the text's bytes, unchanged.
 Bytes bytesOf(std::string_view text);
 
-/// Bytes read as text, unchecked; valid as long as the bytes.
+/// The bytes as text, without a UTF-8 check; valid as long as the bytes.
 std::string_view textOf(BytesView bytes);
 
 } // namespace sentrel

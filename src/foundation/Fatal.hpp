@@ -4,7 +4,7 @@
 
 namespace sentrel {
 
-/// Ends the program because of a mistake of our own: prints the reason to standard error and aborts.
+/// Ends the program because of a programming error: prints the reason to standard error and aborts.
 [[noreturn]] void fatalError(std::string_view reason);
 
 } // namespace sentrel

@@ -32,7 +32,7 @@ bool isPlain(char character)
 void appendText(std::string& text, const std::string& value)
 {
     if (std::ranges::all_of(value, isPlain)) {
-        // Nearly every text; the library's writer makes a whole serializer for each.
+        // Fast path for nearly every text: the library's writer would make a serializer each time.
         text += '"';
         text += value;
         text += '"';
@@ -205,7 +205,7 @@ bool isAbsent(const Json& object, std::string_view key)
 Json jsonNumber(float value)
 {
     if (!std::isfinite(value)) {
-        return Json(static_cast<double>(value)); // refused when it is encoded
+        return Json(static_cast<double>(value)); // `encodeJson` refuses it
     }
     // Read by the JSON parser: Apple's library has no `std::from_chars` for floating-point numbers.
     return Json(Json::parse(shortest(value)).get<double>());

@@ -16,13 +16,13 @@ namespace sentrel {
 /// A JSON value whose objects keep their keys in the order in which they were written.
 using Json = nlohmann::ordered_json;
 
-/// A value that JSON has no text for: NaN or an infinity.
+/// Thrown for a value that JSON can't represent: NaN or an infinity.
 class JsonEncodingError : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
 };
 
-/// Levels of arrays and objects that a document may have, as the system's own coder.
+/// Maximum nesting of arrays and objects in a document; the limit of the system's own coder.
 inline constexpr std::size_t mostJsonLevels = 512;
 
 /// Reads a document. None when it isn't JSON, isn't UTF-8 or is nested too deeply. A number too large for a double
@@ -33,11 +33,11 @@ inline constexpr std::size_t mostJsonLevels = 512;
 /// is mended with replacement characters. Throws `JsonEncodingError`.
 [[nodiscard]] std::string encodeJson(const Json& value);
 
-/// A member of an object; null when the value is no object or has no such member.
+/// A member of an object; null when the value isn't an object or has no such member.
 [[nodiscard]] const Json* member(const Json& object, std::string_view key);
 
-/// A member of the given type; none when it is missing or of another type. Numbers and Booleans are told apart, and a
-/// whole number must fit its type exactly.
+/// A member of the given type; none when it is missing or of another type. A Boolean isn't a number, and a whole number
+/// must fit its type exactly.
 [[nodiscard]] std::optional<bool> boolMember(const Json& object, std::string_view key);
 [[nodiscard]] std::optional<double> doubleMember(const Json& object, std::string_view key);
 [[nodiscard]] std::optional<float> floatMember(const Json& object, std::string_view key);

@@ -10,8 +10,7 @@ namespace {
 
 constexpr std::string_view numberCharacters = "0123456789+-.eE";
 
-/// A double has at most 309 digits before its point, and fewer characters than that without an exponent can't be
-/// too many: only such numbers need a look.
+/// A double has up to 309 digits before its point: a shorter number without an exponent can't overflow.
 bool mayOverflow(std::string_view number)
 {
     return number.size() > 300 || number.find_first_of("eE") != std::string_view::npos;
@@ -22,7 +21,7 @@ bool overflows(std::string_view number)
     return mayOverflow(number) && !std::isfinite(std::strtod(std::string{number}.c_str(), nullptr));
 }
 
-/// The place after the text's closing quotation mark.
+/// Index after the text's closing quotation mark.
 std::size_t skipString(std::string_view text, std::size_t place)
 {
     for (++place; place < text.size() && text[place] != '"'; ++place) {

@@ -7,13 +7,13 @@
 
 namespace sentrel {
 
-/// A stretch of a JSON text.
+/// A range of a JSON text, in bytes.
 struct JsonSpan {
     std::size_t begin = 0;
     std::size_t length = 0;
 };
 
-/// What a look over a JSON text finds before it is parsed. The text may be any bytes.
+/// The result of a scan of a JSON text before it is parsed. The text may be any bytes.
 struct JsonScan {
     std::size_t deepestLevel = 0;
     std::vector<JsonSpan> oversizedNumbers; ///< numbers beyond the range of a double, in order

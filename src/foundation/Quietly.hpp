@@ -4,8 +4,8 @@
 
 namespace sentrel {
 
-/// The value of a call, or a default-made value when the call throws anything: an Objective-C exception is no
-/// `std::exception`. For calls whose failure must not stop what follows.
+/// Returns the call's value, or a default-constructed one if it throws anything (an Objective-C exception is no
+/// `std::exception`). For calls whose failure must not stop the caller.
 template <class Call> std::invoke_result_t<Call&> quietly(Call call) noexcept
 {
     try {

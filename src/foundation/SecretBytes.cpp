@@ -18,7 +18,7 @@ void wipe(std::span<std::uint8_t> memory) noexcept
 
 void wipe(std::string& text) noexcept
 {
-    // Up to the capacity: a text that was longer before has left its end there.
+    // Wipes up to the capacity: a formerly longer text has left its end there.
     text.resize(text.capacity());
     wipe(std::span{reinterpret_cast<std::uint8_t*>(text.data()), text.size()});
     text.clear();

@@ -11,23 +11,23 @@
 
 namespace sentrel {
 
-/// Overwrites memory with zeros in a way that the optimiser must keep, also when nothing reads the memory afterwards.
+/// Overwrites memory with zeros. The optimiser must keep this, even if nothing reads the memory afterwards.
 void wipe(std::span<std::uint8_t> memory) noexcept;
 
-/// Wipes everything that the text's buffer holds, and leaves the text empty.
+/// Wipes the text's whole buffer and leaves the text empty.
 void wipe(std::string& text) noexcept;
 
-/// Bytes that nobody may find in memory later: a passcode, a derived key. They are wiped when this dies or receives
-/// other bytes; a move leaves nothing behind. The length never changes, so that no outgrown buffer stays about.
+/// Bytes that must not stay in memory after use: a passcode, a derived key. Destruction and assignment wipe them; a
+/// moved-from object is empty. The length is fixed, so that growth leaves no old buffer behind.
 class SecretBytes {
 public:
-    /// This many zeros, to be filled in through `writable`.
+    /// `size` zeros, to be filled in through `writable`.
     explicit SecretBytes(std::size_t size = 0, std::pmr::memory_resource* memory = std::pmr::new_delete_resource());
 
-    /// A copy of the bytes; whoever owns these still has to wipe them.
+    /// A copy of the bytes; their owner still has to wipe them.
     explicit SecretBytes(BytesView bytes, std::pmr::memory_resource* memory = std::pmr::new_delete_resource());
 
-    /// A copy of the text's bytes; whoever owns the text still has to wipe it.
+    /// A copy of the text's bytes; the text's owner still has to wipe it.
     explicit SecretBytes(std::string_view text) : SecretBytes(BytesView{bytesOfText(text)}) {}
 
     SecretBytes(SecretBytes&& other) noexcept;
@@ -50,8 +50,8 @@ private:
     std::span<std::uint8_t> bytes_;
 };
 
-/// Whether two byte strings are equal. The time depends on their lengths only, so that it tells nobody how many bytes
-/// of a guess were right; byte strings of different length are never equal.
+/// Whether two byte strings are equal. The time depends on their lengths only, so that it doesn't reveal how many bytes
+/// of a guess were right.
 [[nodiscard]] bool equalInConstantTime(BytesView left, BytesView right) noexcept;
 
 } // namespace sentrel

@@ -8,8 +8,8 @@
 
 namespace sentrel {
 
-/// A text that nobody may find in memory later, as UTF-8: what is typed into a secure field. Copies share the bytes,
-/// which are wiped when the last of them dies.
+/// UTF-8 text that must not stay in memory after use: the content of a secure field. Copies share the bytes, which are
+/// wiped with the last copy.
 class SecretText {
 public:
     /// The empty text.
@@ -19,7 +19,7 @@ public:
     {
     }
 
-    /// A copy of the text; whoever owns this one still has to wipe it.
+    /// A copy of the text, whose owner still has to wipe it.
     explicit SecretText(std::string_view text) : SecretText(SecretBytes{text}) {}
 
     [[nodiscard]] bool empty() const { return bytes_ == nullptr; }

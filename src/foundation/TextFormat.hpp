@@ -6,7 +6,7 @@
 
 namespace sentrel {
 
-/// Puts a whole number in place of the first "%lld" of a localised text.
+/// Replaces the first "%lld" of a localised text by the number.
 [[nodiscard]] inline std::string filledIn(std::string format, std::int64_t number)
 {
     constexpr std::string_view placeholder = "%lld";

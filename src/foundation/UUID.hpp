@@ -42,7 +42,7 @@ private:
 template <> struct std::hash<sentrel::UUID> {
     std::size_t operator()(const sentrel::UUID& uuid) const noexcept
     {
-        // Random octets need no mixing, but for both halves to count.
+        // Random octets need no mixing; the factor makes the halves' order count.
         std::array<std::uint64_t, 2> halves{};
         std::memcpy(halves.data(), uuid.octets().data(), sizeof halves);
         constexpr std::uint64_t odd = 0x9E3779B97F4A7C15U;

@@ -7,7 +7,7 @@
 
 namespace sentrel::ports {
 
-/// What an alert panel shows, besides its one default button.
+/// Content of an alert panel, besides its one default button.
 struct AlertContent {
     std::uint64_t style = 0; ///< an `NSAlertStyle`
     std::string messageText;
@@ -19,8 +19,8 @@ class Alerts {
 public:
     virtual ~Alerts() = default;
 
-    /// Runs an alert modally (`NSAlert`, `runModal`); gives the modal response once the user has closed it. The
-    /// main actor goes on meanwhile.
+    /// Runs an alert modally (`NSAlert`, `runModal`); gives the modal response once the user has closed it. The main
+    /// actor keeps running.
     [[nodiscard]] virtual Async<std::int64_t> runModal(AlertContent content) = 0;
 };
 

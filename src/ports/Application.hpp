@@ -8,7 +8,7 @@ namespace sentrel::ports {
 /// `NSApplicationTerminateReply`.
 enum class TerminateReply : std::uint64_t { cancel = 0, now = 1, later = 2 };
 
-/// What the application is told and asked (`NSApplicationDelegate`). Main thread.
+/// The application's callbacks (`NSApplicationDelegate`). Main thread.
 struct ApplicationDelegate {
     std::function<void()> didFinishLaunching;
     std::function<TerminateReply()> shouldTerminate;
@@ -21,16 +21,16 @@ class Application {
 public:
     virtual ~Application() = default;
 
-    /// Sets who is told; an empty delegate ends it.
+    /// Replaces the delegate; an empty one ends the calls.
     virtual void setDelegate(ApplicationDelegate delegate) = 0;
 
     /// `setActivationPolicy:` with an `NSApplicationActivationPolicy`: 0 regular, 1 accessory.
     virtual void setActivationPolicy(std::int64_t policy) = 0;
 
-    /// `terminate:`: asks the delegate, and ends the process unless that says no. It may return.
+    /// `terminate:`: asks the delegate, and ends the process unless it refuses. May return.
     virtual void terminate() = 0;
 
-    /// `replyToApplicationShouldTerminate:`: the answer that the delegate promised for later.
+    /// `replyToApplicationShouldTerminate:`: the answer that the delegate had postponed.
     virtual void replyToShouldTerminate(bool shouldTerminate) = 0;
 };
 

@@ -12,8 +12,8 @@ public:
     /// `activateIgnoringOtherApps:`.
     virtual void activate(bool ignoringOtherApplications) = 0;
 
-    /// `setPresentationOptions:` with `NSApplicationPresentationOptions`: what the person cannot do while the
-    /// application is active. Those that disable something, and that which hides the menu bar, need the Dock hidden.
+    /// `setPresentationOptions:` with `NSApplicationPresentationOptions`: restrictions while the application is active.
+    /// The options that disable something or hide the menu bar require that the Dock is hidden.
     virtual void setPresentationOptions(std::uint64_t options) = 0;
 };
 

@@ -4,12 +4,11 @@
 
 #include <cstdint>
 
-/// The numbers of Core Audio and of the audio units. Those of the adapters' own frameworks are compared with these when
-/// the adapters are compiled.
+/// Constants of Core Audio and of the audio units. The adapters compare them with their frameworks' own when compiled.
 namespace sentrel::ports::audio {
 
 inline constexpr std::uint32_t systemObject = 1;  // kAudioObjectSystemObject
-inline constexpr std::uint32_t unknownObject = 0; // kAudioObjectUnknown: what a system without any output answers
+inline constexpr std::uint32_t unknownObject = 0; // kAudioObjectUnknown: returned by a system without any output
 
 inline constexpr std::uint32_t globalScope = fourCharCode("glob");
 inline constexpr std::uint32_t outputScope = fourCharCode("outp");

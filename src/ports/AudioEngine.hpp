@@ -18,11 +18,12 @@ class AudioBuffer {
 public:
     virtual ~AudioBuffer() = default;
 
-    /// The samples of the first channel, as many as the buffer was made for.
+    /// The samples of the first channel, one for each frame of the buffer.
     [[nodiscard]] virtual std::span<float> samples() = 0;
 };
 
-/// One audio engine with one player node (`AVAudioEngine`, `AVAudioPlayerNode`). Its end stops it. Used on one queue.
+/// One audio engine with one player node (`AVAudioEngine`, `AVAudioPlayerNode`). The destructor stops it. Used on one
+/// queue.
 class AudioEngine {
 public:
     virtual ~AudioEngine() = default;
@@ -35,7 +36,7 @@ public:
     [[nodiscard]] virtual std::unique_ptr<AudioFormat> makeStandardFormat(double sampleRate,
                                                                           std::uint32_t channels) = 0;
 
-    /// A buffer of exactly so many frames; null when the system can't make it.
+    /// A buffer of exactly `frames` frames; null when the system can't make it.
     [[nodiscard]] virtual std::unique_ptr<AudioBuffer> makeBuffer(const AudioFormat& format, std::size_t frames) = 0;
 
     /// Attaches the player node and connects it to the main mixer; false when the system refuses.
@@ -48,10 +49,10 @@ public:
     /// Schedules the buffer on the player, looping, without a completion handler; the engine keeps the buffer.
     virtual void scheduleLooping(std::unique_ptr<AudioBuffer> buffer) = 0;
 
-    /// Lets the player play; false when the system refuses, as it does once the engine has lost its device.
+    /// Starts the player; false when the system refuses, as it does once the engine has lost its device.
     [[nodiscard]] virtual bool play() = 0;
 
-    /// False once the engine has stopped, also by itself: the system stops it when its output changes format or goes.
+    /// False once the engine has stopped. The system stops it when its output changes format or disappears.
     [[nodiscard]] virtual bool isRunning() = 0;
     virtual void stop() = 0;
 };

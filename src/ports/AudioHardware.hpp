@@ -35,7 +35,7 @@ public:
     [[nodiscard]] virtual std::optional<std::vector<AudioObjectId>>
     readObjectList(AudioObjectId object, const AudioPropertyAddress& address) = 0;
 
-    /// Channels of each buffer of a stream configuration.
+    /// Channel count of each buffer of a stream configuration.
     [[nodiscard]] virtual std::optional<std::vector<std::uint32_t>>
     readBufferChannels(AudioObjectId object, const AudioPropertyAddress& address) = 0;
 

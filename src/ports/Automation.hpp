@@ -8,20 +8,20 @@
 
 namespace sentrel::ports {
 
-/// Applications and whether they run (`NSWorkspace`, `NSRunningApplication`). Any thread.
+/// Installed and running applications (`NSWorkspace`, `NSRunningApplication`). Any thread.
 class RunningApplications {
 public:
     virtual ~RunningApplications() = default;
 
-    /// `URLForApplicationWithBundleIdentifier:` finds one.
+    /// True when `URLForApplicationWithBundleIdentifier:` finds one.
     [[nodiscard]] virtual bool isInstalled(const std::string& bundleIdentifier) = 0;
 
-    /// `runningApplicationsWithBundleIdentifier:` lists at least one.
+    /// True when `runningApplicationsWithBundleIdentifier:` isn't empty.
     [[nodiscard]] virtual bool isRunning(const std::string& bundleIdentifier) = 0;
 };
 
-/// Apple Events consent and AppleScript. The calls may take as long as the user or the other application does; on a Mac
-/// they occupy the calling thread meanwhile.
+/// Apple Events consent and AppleScript. The calls may wait for the user or the other application; on a Mac they block
+/// the calling thread meanwhile.
 class Automation {
 public:
     virtual ~Automation() = default;
@@ -38,7 +38,7 @@ public:
     [[nodiscard]] virtual Async<std::optional<bool>> runScript(std::string source) = 0;
 };
 
-/// A system-defined event as `otherEventWithType:...` takes it; its location is (0, 0), its time and window number 0.
+/// Arguments of `otherEventWithType:...` for a system-defined event at (0, 0), with time and window number 0.
 struct SystemDefinedEvent {
     std::uint32_t type = 0;
     std::uint32_t modifierFlags = 0;

@@ -10,7 +10,7 @@ enum class CalendarUnit { day, weekOfYear, month, year };
 
 struct DateInterval {
     Date start;
-    Date end; ///< the first moment after it
+    Date end; ///< exclusive
     friend bool operator==(const DateInterval&, const DateInterval&) = default;
 };
 
@@ -19,17 +19,17 @@ class Calendar {
 public:
     virtual ~Calendar() = default;
 
-    /// The day, week, month or year that the date lies in, or an empty interval at the date when it lies beyond what
-    /// the calendar knows. Weeks start on the locale's first weekday.
+    /// The day, week, month or year that contains the date, or an empty interval at the date if the calendar can't
+    /// represent it. Weeks start on the locale's first weekday.
     [[nodiscard]] virtual DateInterval interval(CalendarUnit unit, Date date) = 0;
 
-    /// The date so many units later, or earlier for a negative count; beyond what the calendar knows, the date itself.
+    /// The date `count` units later (earlier if negative); the date itself if the calendar can't represent the result.
     [[nodiscard]] virtual Date adding(CalendarUnit unit, int count, Date date) = 0;
 
     /// The number of the unit: day of the month, week of the year, month from 1, year.
     [[nodiscard]] virtual int component(CalendarUnit unit, Date date) = 0;
 
-    /// The date's month by its wide standalone name in the user's language, for example "March".
+    /// The wide standalone name of the date's month in the user's language, for example "March".
     [[nodiscard]] virtual std::string monthName(Date date) = 0;
 
     enum class Style { none, shortStyle, mediumStyle, longStyle };
@@ -37,7 +37,7 @@ public:
     /// The date as the locale writes it.
     [[nodiscard]] virtual std::string formatted(Date date, Style dateStyle, Style timeStyle) = 0;
 
-    /// The date by a pattern ("yyyy-MM-dd") in the locale of this identifier ("en_US_POSIX"), in the user's time zone.
+    /// The date formatted by a pattern ("yyyy-MM-dd") in a locale ("en_US_POSIX") and the user's time zone.
     [[nodiscard]] virtual std::string formatted(Date date, const std::string& pattern, const std::string& locale) = 0;
 };
 

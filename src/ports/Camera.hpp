@@ -12,7 +12,7 @@
 
 namespace sentrel::ports {
 
-/// What the user allows (`AVAuthorizationStatus`).
+/// The user's permission (`AVAuthorizationStatus`).
 enum class CaptureAuthorization : std::int32_t { notDetermined = 0, restricted = 1, denied = 2, authorized = 3 };
 
 /// A camera (`AVCaptureDevice`). Any thread.
@@ -38,7 +38,7 @@ public:
     [[nodiscard]] virtual std::int64_t uniqueId() const = 0;
 };
 
-/// A photo that was taken (`AVCapturePhoto`); valid during its delegate's call only.
+/// A taken photo (`AVCapturePhoto`); valid during its delegate's call only.
 class CapturedPhoto {
 public:
     virtual ~CapturedPhoto() = default;
@@ -47,13 +47,12 @@ public:
     [[nodiscard]] virtual std::optional<Bytes> fileDataRepresentation() const = 0;
 };
 
-/// Whoever awaits a photo (`AVCapturePhotoCaptureDelegate`).
+/// Receiver of a photo (`AVCapturePhotoCaptureDelegate`).
 class PhotoOutputDelegate {
 public:
     virtual ~PhotoOutputDelegate() = default;
 
-    /// The photo has been processed, or failed with this error's description. Called on a thread of the system's
-    /// choice, however late.
+    /// Called when the photo has been processed or has failed with this error, on any thread and however late.
     virtual void didFinishProcessingPhoto(const CapturedPhoto& photo, std::optional<std::string> error) = 0;
 
     /// Keeps the system's own object for this delegate alive as long as the delegate. For adapters, before the first
@@ -69,12 +68,12 @@ class PhotoOutput {
 public:
     virtual ~PhotoOutput() = default;
 
-    /// Asks for one photo (`capturePhotoWithSettings:delegate:`). The delegate is not kept alive: a photo for one that
-    /// is gone is dropped.
+    /// Asks for one photo (`capturePhotoWithSettings:delegate:`). The output doesn't keep the delegate alive; without
+    /// its delegate, a photo is dropped.
     virtual void capturePhoto(const PhotoSettings& settings, std::weak_ptr<PhotoOutputDelegate> delegate) = 0;
 };
 
-/// A session (`AVCaptureSession`): what flows from a camera to an output. Used on one queue; its end stops it.
+/// A session that connects a camera to an output (`AVCaptureSession`). Used on one queue; the destructor stops it.
 class CaptureSession {
 public:
     virtual ~CaptureSession() = default;
@@ -88,7 +87,7 @@ public:
     [[nodiscard]] virtual bool isRunning() const = 0;
 };
 
-/// Cameras and what may be done with them. Any thread.
+/// The cameras and the permission to use them. Any thread.
 class Camera {
 public:
     virtual ~Camera() = default;
@@ -96,8 +95,8 @@ public:
     /// `authorizationStatusForMediaType:`
     [[nodiscard]] virtual CaptureAuthorization authorizationStatus(const std::string& mediaType) = 0;
 
-    /// `requestAccessForMediaType:completionHandler:`; shows the system's prompt if the user was never asked. The
-    /// answer comes once, on any thread.
+    /// `requestAccessForMediaType:completionHandler:`; shows the system's prompt if the user was never asked.
+    /// `answered` is called once, on any thread.
     virtual void requestAccess(const std::string& mediaType, std::function<void(bool granted)> answered) = 0;
 
     /// The devices of a discovery session for these types, at any position, in its order.
@@ -107,7 +106,7 @@ public:
     /// `defaultDeviceWithMediaType:`; null when there is none.
     [[nodiscard]] virtual std::shared_ptr<CaptureDevice> defaultDevice(const std::string& mediaType) = 0;
 
-    /// `deviceInputWithDevice:error:`; null on an error. The device is one of this camera's.
+    /// `deviceInputWithDevice:error:`; null on an error. The device must come from this `Camera`.
     [[nodiscard]] virtual std::shared_ptr<CaptureInput> makeInput(const CaptureDevice& device) = 0;
 
     [[nodiscard]] virtual std::unique_ptr<CaptureSession> makeSession() = 0;

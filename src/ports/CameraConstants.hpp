@@ -1,6 +1,6 @@
 #pragma once
 
-/// The texts by which AVFoundation tells media, cameras and qualities apart.
+/// AVFoundation's constants for media types, camera types and session presets.
 namespace sentrel::ports {
 
 inline constexpr auto videoMediaType = "vide"; // AVMediaTypeVideo

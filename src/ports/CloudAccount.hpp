@@ -17,9 +17,9 @@ enum class CloudAccountStatus : std::int64_t {
     temporarilyUnavailable = 4,
 };
 
-/// The iCloud account that this user is signed in to (`CKContainer`). That it has changed is told as
-/// `CKAccountChangedNotification` in the application's notification center. Called on the main thread, and goes on
-/// there; the calls throw `CloudError` and, when cancelled, `CancellationError`.
+/// The user's iCloud account (`CKContainer`). The application's notification center posts
+/// `CKAccountChangedNotification` when it changes. Calls start and resume on the main thread; they throw `CloudError`
+/// and, when cancelled, `CancellationError`.
 class CloudAccount {
 public:
     virtual ~CloudAccount() = default;

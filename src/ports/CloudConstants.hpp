@@ -4,7 +4,7 @@
 
 namespace sentrel {
 
-/// The codes of `CKErrorDomain` that the product tells apart (`CKErrorCode`).
+/// The codes of `CKErrorDomain` that the product distinguishes (`CKErrorCode`).
 namespace CloudErrorCode {
 inline constexpr int internalError = 1;
 inline constexpr int partialFailure = 2;

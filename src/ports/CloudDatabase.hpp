@@ -15,7 +15,7 @@
 
 namespace sentrel::ports {
 
-/// An `NSPredicate` by its format and the arguments of its "%@".
+/// An `NSPredicate`: its format and the arguments for its "%@".
 struct CloudPredicate {
     using Argument = std::variant<std::string, std::int64_t, Date, std::vector<std::int64_t>>;
     std::string format = "TRUEPREDICATE";
@@ -30,16 +30,16 @@ struct CloudQuery {
     bool isAscending = true;
 };
 
-/// Where a query goes on.
+/// The position at which a query continues.
 class CloudQueryCursor {
 public:
     virtual ~CloudQueryCursor() = default;
 };
 
-/// What became of one record of a request.
+/// The result for one record of a request.
 using CloudRecordResult = std::variant<CloudRecord, CloudError>;
 
-/// What became of one deletion: an error, or none.
+/// The result of one deletion: an error, or none on success.
 using CloudDeleteResult = std::optional<CloudError>;
 
 struct CloudQueryPage {
@@ -52,10 +52,10 @@ struct CloudModification {
     std::map<std::string, CloudDeleteResult> deleted; ///< likewise
 };
 
-/// What a save does about a record that has changed on the server meanwhile: `CKRecordSavePolicy`.
+/// How a save treats a record that has changed on the server meanwhile (`CKRecordSavePolicy`).
 enum class CloudSavePolicy : std::int64_t {
     ifServerRecordUnchanged = 0,
-    changedKeys = 1, ///< writes the record's fields over the server's and leaves its others
+    changedKeys = 1, ///< overwrites the record's fields on the server and keeps the others
     allKeys = 2,
 };
 
@@ -67,19 +67,19 @@ struct CloudSubscription {
     std::uint64_t options = 0; ///< `CKQuerySubscriptionOptions`
 
     /// `CKNotificationInfo`.
-    std::string alertLocalizationKey; ///< empty: none is shown
+    std::string alertLocalizationKey; ///< empty: no alert is shown
     std::vector<std::string> alertLocalizationArguments;
     std::string soundName;
     std::vector<std::string> desiredKeys;
     bool sendsContentAvailable = false;
 };
 
-/// The names of the fields that a request wants; none: all.
+/// The names of the fields to fetch; none fetches all.
 using CloudDesiredKeys = std::optional<std::vector<std::string>>;
 
-/// The private database of the user's iCloud account (`CKDatabase`), default zone. Each call is one request, and
-/// throws `CloudError` when it fails as a whole. Called on the main thread, and goes on there. Whoever is cancelled
-/// while waiting gets a `CancellationError`; the server may have done what was asked all the same.
+/// The private database of the user's iCloud account (`CKDatabase`), default zone. Each call is one request, and throws
+/// `CloudError` when it fails as a whole. Calls start and resume on the main thread. Cancellation throws
+/// `CancellationError`; the server may have executed the request all the same.
 class CloudDatabase {
 public:
     virtual ~CloudDatabase() = default;
@@ -90,11 +90,11 @@ public:
                                                               CloudDesiredKeys desiredKeys,
                                                               std::size_t resultsLimit) = 0;
 
-    /// Fetches records by name; what isn't there has error 11 (unknown item) as its result.
+    /// Fetches records by name; a missing record has error 11 (unknown item) as its result.
     [[nodiscard]] virtual Async<std::map<std::string, CloudRecordResult>> records(std::vector<std::string> names,
                                                                                   CloudDesiredKeys desiredKeys) = 0;
 
-    /// Each record has its own fate in the default zone, which knows no atomic batches.
+    /// Each record succeeds or fails by itself: the default zone has no atomic batches.
     [[nodiscard]] virtual Async<CloudModification> modify(std::vector<CloudRecord> save,
                                                           std::vector<std::string> deleteNames, CloudSavePolicy policy,
                                                           bool isAtomic) = 0;
@@ -102,8 +102,8 @@ public:
     /// Fetches one record with all its fields; throws error 11 (unknown item) when it isn't there.
     [[nodiscard]] virtual Async<CloudRecord> record(std::string name) = 0;
 
-    /// Saves one record unless the server's has changed, which throws error 14 (server record changed). Gives the
-    /// record as the server has it.
+    /// Saves one record and returns it as the server has it. Throws error 14 (server record changed) if the server's
+    /// has changed.
     [[nodiscard]] virtual Async<CloudRecord> save(CloudRecord record) = 0;
 
     [[nodiscard]] virtual Async<void> saveSubscription(CloudSubscription subscription) = 0;

@@ -22,7 +22,7 @@ public:
     int code;
     std::string description;                      ///< the system's own words, in the user's language
     std::optional<double> retryAfter;             ///< seconds
-    std::map<std::string, CloudError> itemErrors; ///< by record name, of a partial failure
+    std::map<std::string, CloudError> itemErrors; ///< of a partial failure, by record name
 };
 
 } // namespace sentrel::ports

@@ -14,18 +14,18 @@
 
 namespace sentrel::ports {
 
-/// A file that travels with a record. In a fetched record it is the system's own copy, which may go with the last
-/// `CloudAsset` that names it: whoever reads the file keeps one meanwhile.
+/// A file attached to a record. In a fetched record it is the system's own copy, which may be deleted with the last
+/// `CloudAsset` that names it: keep one while reading the file.
 struct CloudAsset {
     std::filesystem::path file;
     std::shared_ptr<const void> holder{}; ///< opaque: the system's own object
     friend bool operator==(const CloudAsset& left, const CloudAsset& right) { return left.file == right.file; }
 };
 
-/// What a field can hold. The database keeps booleans as the integers 0 and 1.
+/// The value of a field. The database stores Booleans as the integers 0 and 1.
 using CloudValue = std::variant<std::string, std::int64_t, double, Date, std::vector<std::string>, CloudAsset>;
 
-/// A record of the private database's default zone, or what a request asked for of one.
+/// A record of the private database's default zone, or the requested fields of one.
 struct CloudRecord {
     std::string type;
     std::string name;
@@ -38,7 +38,7 @@ struct CloudRecord {
     friend bool operator==(const CloudRecord&, const CloudRecord&) = default;
 };
 
-/// The field when it is there and of this kind, or null.
+/// The field's value, or null when it is missing or of another kind.
 template <class Kind> [[nodiscard]] const Kind* fieldOf(const CloudRecord& record, const std::string& name)
 {
     const auto found = record.fields.find(name);

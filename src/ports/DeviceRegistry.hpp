@@ -13,7 +13,7 @@ public:
 
     /// A numeric property (a Boolean counts as 0 or 1) of the first service of a class: `IOServiceMatching`,
     /// `IOServiceGetMatchingServices`, `IOIteratorNext`, `IORegistryEntryCreateCFProperty`. None when there is no such
-    /// service or property, or when it is no number.
+    /// service or property, or when it isn't a number.
     [[nodiscard]] virtual std::optional<std::int64_t> number(const std::string& serviceClass,
                                                              const std::string& property) = 0;
 };

@@ -21,7 +21,7 @@ int writeAndSynchronize(FileSystem& files, const std::filesystem::path& file, By
 
 int writeDurably(FileSystem& files, const std::filesystem::path& file, BytesView content, std::uint32_t mode)
 {
-    // One writer at a time and one name for each file: what a power cut left is emptied and used again.
+    // A file has one writer at a time, so that this name suffices; a power cut's leftover is overwritten.
     std::filesystem::path temporary = file;
     temporary += temporaryExtension;
     int error = writeAndSynchronize(files, temporary, content, mode);

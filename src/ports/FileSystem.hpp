@@ -10,7 +10,7 @@
 
 namespace sentrel::ports {
 
-/// A file that is open for writing. Its end closes it.
+/// A file that is open for writing. The destructor closes it.
 class WritableFile {
 public:
     virtual ~WritableFile() = default;
@@ -22,13 +22,13 @@ public:
     [[nodiscard]] virtual int synchronize() = 0;
 };
 
-/// The file system, call by call; whoever writes decides the order of calls. Failures are `errno` values, 0 being
-/// success. Any thread.
+/// Single calls of the file system; the caller decides their order. Failures are `errno` values, 0 being success. Any
+/// thread.
 class FileSystem {
 public:
     virtual ~FileSystem() = default;
 
-    /// Makes the folder and those above it, each with this mode; 0 also when it is there already.
+    /// Creates the folder and its missing parents with this mode; 0 also when it exists.
     virtual int createDirectories(const std::filesystem::path& directory, std::uint32_t mode) = 0;
 
     /// Names of the entries, in no particular order; none when the folder can't be read.
@@ -39,12 +39,12 @@ public:
 
     [[nodiscard]] virtual bool exists(const std::filesystem::path& file) = 0;
 
-    /// Makes a new file or empties the one that is there, with this mode, or, without one, as new files are made there;
-    /// null when that fails, with `error` set.
+    /// Creates a file or empties the existing one, with this mode or, if none, the default for new files; null on
+    /// failure, with `error` set.
     [[nodiscard]] virtual std::unique_ptr<WritableFile> create(const std::filesystem::path& file,
                                                                std::optional<std::uint32_t> mode, int& error) = 0;
 
-    /// Puts the file in the other's place in one step.
+    /// Replaces `to` by `from` atomically.
     [[nodiscard]] virtual int rename(const std::filesystem::path& from, const std::filesystem::path& to) = 0;
 
     /// Returns once the folder's entries are on the medium.

@@ -16,11 +16,11 @@ public:
     /// A text of `sysctlbyname`; none when the system doesn't know the name.
     [[nodiscard]] virtual std::optional<std::string> systemControlText(const std::string& name) = 0;
 
-    /// A property that holds data, of the entry at a path of the I/O registry: `IORegistryEntryCopyFromPath`,
-    /// `IORegistryEntryCreateCFProperty`. None when there is no such entry or property, or when it is no data.
+    /// A data property of the entry at a path of the I/O registry: `IORegistryEntryCopyFromPath`,
+    /// `IORegistryEntryCreateCFProperty`. None when there is no such entry or property, or when it isn't data.
     [[nodiscard]] virtual std::optional<Bytes> registryData(const std::string& path, const std::string& property) = 0;
 
-    /// The computer's localised name, as the user reads it in the system's settings.
+    /// The computer's localised name, as shown in the system's settings.
     [[nodiscard]] virtual std::optional<std::string> localizedName() = 0;
 
     /// Identifier of the main bundle; none for a bare executable.

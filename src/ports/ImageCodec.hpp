@@ -24,8 +24,7 @@ struct PixelSize {
     friend bool operator==(const PixelSize&, const PixelSize&) = default;
 };
 
-/// Image files read and written (Core Image, Image I/O). Data that is no whole image gives none, never worse. Any
-/// thread.
+/// Reads and writes image files (Core Image, Image I/O). Incomplete or malformed data gives none. Any thread.
 class ImageCodec {
 public:
     virtual ~ImageCodec() = default;
@@ -34,10 +33,10 @@ public:
     using Rgba = std::array<std::uint8_t, 4>;
 
     /// The average colour of the whole image ("CIAreaAverage" rendered to a bitmap of one pixel, without colour
-    /// matching); none when the data is no image.
+    /// matching); none when the data isn't an image.
     [[nodiscard]] virtual std::optional<Rgba> areaAverage(BytesView data) = 0;
 
-    /// The size of image 0 as it is stored, unturned (`CGImageSourceCopyPropertiesAtIndex`).
+    /// The size of image 0 as it is stored, without its orientation (`CGImageSourceCopyPropertiesAtIndex`).
     [[nodiscard]] virtual std::optional<PixelSize> pixelSize(BytesView data) = 0;
 
     /// A thumbnail of image 0, always made from the image itself (`CGImageSourceCreateThumbnailAtIndex`): neither side
@@ -47,7 +46,7 @@ public:
                                                                  bool transform) = 0;
 
     /// A file of this type (a uniform type identifier) with the one image, at a quality of 0 to 1
-    /// (`CGImageDestination`); none when it can't be made. The image is one of this codec's.
+    /// (`CGImageDestination`); none when it can't be made. The image must come from this codec.
     [[nodiscard]] virtual std::optional<Bytes> encode(const Image& image, const std::string& type, double quality) = 0;
 
     /// The image file as a JPEG file, at the system's own quality: its TIFF representation, read into a bitmap image

@@ -10,8 +10,8 @@
 
 namespace sentrel::ports {
 
-/// The system's log, where the product notes what it did, for support and for the simulated MacBook's story. Nothing
-/// secret goes here. Any thread.
+/// The system's log of the product's actions, for support and for the simulated MacBook's story. Must not receive
+/// secrets. Any thread.
 class Journal {
 public:
     virtual ~Journal() = default;
@@ -19,8 +19,8 @@ public:
     using Value = std::variant<std::monostate, bool, std::int64_t, double, std::string_view>;
     using Field = std::pair<std::string_view, Value>;
 
-    /// Notes an event, for example `alert.saved`, with its fields in order. The views are used during the call only.
-    /// An event that the log can't take is lost: no caller has to reckon with a failure.
+    /// Notes an event, for example `alert.saved`, with its fields in order. The views are used during the call only. An
+    /// event that can't be written is lost; callers see no failure.
     void note(std::string_view event, std::initializer_list<Field> fields) noexcept
     {
         quietly([&] { write(event, fields); });

@@ -44,7 +44,7 @@ public:
 
     struct Copied {
         std::int32_t status = 0;
-        std::optional<SecretBytes> data; ///< none without success, or when the result is no data
+        std::optional<SecretBytes> data; ///< none on failure, or when the result isn't data
     };
 
     /// `SecItemCopyMatching`, for a query whose result is data.

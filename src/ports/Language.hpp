@@ -17,8 +17,8 @@ public:
     /// Whether the text contains the other, ignoring case by the locale's rules (`localizedCaseInsensitiveContains`).
     [[nodiscard]] virtual bool containsIgnoringCase(std::string_view text, std::string_view part) = 0;
 
-    /// How many characters a person sees in the text: a letter with its accents is one, and so is an emoji made of
-    /// several. Leaves no copy of the text behind where that is in its hands.
+    /// Number of characters as perceived by users: a letter with its accents is one, and so is an emoji made of
+    /// several. Avoids leaving copies of the text in memory.
     [[nodiscard]] virtual std::size_t characterCount(std::string_view text) = 0;
 };
 

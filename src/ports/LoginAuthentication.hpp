@@ -8,8 +8,8 @@
 
 namespace sentrel::ports {
 
-/// One authentication request (`LAContext`). Its end invalidates it: its panel closes, and a reply that is still owed
-/// comes as a failure. Main thread.
+/// One authentication request (`LAContext`). The destructor invalidates it: its panel closes, and a pending reply comes
+/// as a failure. Main thread.
 class LoginContext {
 public:
     virtual ~LoginContext() = default;

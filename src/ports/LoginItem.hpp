@@ -14,7 +14,7 @@ public:
     /// An `SMAppServiceStatus`: 0 not registered, 1 enabled, 2 requires approval, 3 not found.
     [[nodiscard]] virtual std::int64_t status() = 0;
 
-    /// Each gives the error's description, or none when it worked.
+    /// Returns the error's description, or none on success.
     [[nodiscard]] virtual std::optional<std::string> registerItem() = 0;
     [[nodiscard]] virtual std::optional<std::string> unregisterItem() = 0;
 };

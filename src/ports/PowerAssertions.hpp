@@ -18,7 +18,7 @@ public:
     /// Takes an assertion (`IOPMAssertionCreateWithName`).
     [[nodiscard]] virtual Created create(const std::string& type, std::uint32_t level, const std::string& name) = 0;
 
-    /// Gives one back (`IOPMAssertionRelease`); returns an `IOReturn`.
+    /// Releases an assertion (`IOPMAssertionRelease`); returns an `IOReturn`.
     virtual std::int32_t release(std::uint32_t id) = 0;
 };
 

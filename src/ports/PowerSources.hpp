@@ -16,7 +16,7 @@ class PowerSourcesSnapshot {
 public:
     virtual ~PowerSourcesSnapshot() = default;
 
-    /// How many sources the list has; none when there is no list (`IOPSCopyPowerSourcesList`).
+    /// Number of sources in the list; none when there is no list (`IOPSCopyPowerSourcesList`).
     [[nodiscard]] virtual std::optional<std::size_t> count() const = 0;
 
     /// A text of the source's description (`IOPSGetPowerSourceDescription`); none when there is no description, no

@@ -7,7 +7,7 @@
 
 namespace sentrel::ports {
 
-/// What the preview panel shows (`QLPreviewPanelDataSource`). Main thread.
+/// Items of the preview panel (`QLPreviewPanelDataSource`). Main thread.
 class PreviewDataSource {
 public:
     virtual ~PreviewDataSource() = default;
@@ -15,7 +15,7 @@ public:
     [[nodiscard]] virtual std::filesystem::path itemAt(std::size_t index) = 0;
 };
 
-/// What the application is asked before the panel uses it. Main thread.
+/// The panel asks for control (`accepts`), then begins and ends it. Main thread.
 struct PreviewPanelControl {
     std::function<bool()> accepts;
     std::function<void()> begin;
@@ -29,7 +29,7 @@ public:
 
     virtual void setControl(PreviewPanelControl control) = 0;
 
-    /// The panel does not keep its source; null takes it away.
+    /// The panel doesn't own its source; null removes it.
     virtual void setDataSource(PreviewDataSource* source) = 0;
 
     virtual void reloadData() = 0;

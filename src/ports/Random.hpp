@@ -10,11 +10,11 @@ class Random {
 public:
     virtual ~Random() = default;
 
-    /// Fills the whole span; false when the system has none to give (`SecRandomCopyBytes`).
+    /// Fills the whole span; false when the system fails (`SecRandomCopyBytes`).
     [[nodiscard]] virtual bool fill(std::span<std::uint8_t> bytes) = 0;
 };
 
-/// The system's general random generator, which always answers. Any thread.
+/// The system's general random generator, which never fails. Any thread.
 class GeneralRandom {
 public:
     virtual ~GeneralRandom() = default;

@@ -4,8 +4,8 @@
 
 namespace sentrel::ports {
 
-/// Something that stays registered with the operating system as long as this lives. When its destructor returns, no
-/// callback of it is running on another thread, and none comes later.
+/// A registration with the operating system that lasts as long as this object. When the destructor returns, no callback
+/// is running on another thread, and none comes later.
 class Registration {
 public:
     Registration() = default;

@@ -8,7 +8,7 @@
 
 namespace sentrel::ports {
 
-/// What the product reads of a `CKNotification`.
+/// The used fields of a `CKNotification`.
 struct CloudNotification {
     std::optional<std::string> subscriptionID;
     std::optional<std::string> recordName; ///< of a query notification
@@ -19,19 +19,19 @@ class RemoteNotifications {
 public:
     virtual ~RemoteNotifications() = default;
 
-    /// What the application's delegate is told, on the main thread.
+    /// Calls of the application's delegate, on the main thread.
     struct Receiver {
-        std::function<void()> didRegister; ///< with a device token
+        std::function<void()> didRegister; ///< a device token was received
         std::function<void(std::string why)> didFailToRegister;
-        std::function<void(const Json& userInfo)> didReceive; ///< the push's dictionary, its keys that are texts
+        std::function<void(const Json& userInfo)> didReceive; ///< the push's dictionary, its text keys only
     };
 
-    /// Sets who is told from now on; before `registerForRemoteNotifications`.
+    /// Sets the receiver. Call before `registerForRemoteNotifications`.
     virtual void setReceiver(Receiver receiver) = 0;
 
     virtual void registerForRemoteNotifications() = 0;
 
-    /// `CKNotification notificationFromRemoteNotificationDictionary`; none when the push is no CloudKit notification.
+    /// `CKNotification notificationFromRemoteNotificationDictionary`; none when the push isn't a CloudKit notification.
     [[nodiscard]] virtual std::optional<CloudNotification> cloudNotification(const Json& userInfo) = 0;
 };
 

@@ -9,7 +9,7 @@
 
 namespace sentrel::ports {
 
-/// What an `NSSavePanel` is set up with.
+/// The set-up of an `NSSavePanel`.
 struct SavePanelContent {
     std::string title;
     std::vector<std::string> allowedContentTypes; ///< uniform type identifiers

@@ -8,18 +8,18 @@
 
 namespace sentrel::ports {
 
-/// An item of the menu bar with a menu in the style of a window. Its end takes it out of the bar. Main thread.
+/// An item of the menu bar with a menu in the style of a window. The destructor removes it. Main thread.
 class StatusItem {
 public:
     virtual ~StatusItem() = default;
 
-    /// The image asset that stands in the menu bar, and what screen readers say of it.
+    /// Sets the image asset shown in the menu bar and its text for screen readers.
     virtual void setImage(const std::string& asset, const std::string& accessibilityLabel) = 0;
 
-    /// The tree that the menu shows. May be called by the tree's own actions and bindings.
+    /// Replaces the menu's tree. May be called by the tree's own actions and bindings.
     virtual void showContent(ui::View content) = 0;
 
-    /// Called when the user has opened the menu.
+    /// Sets the callback for when the user has opened the menu.
     virtual void setOpened(std::function<void()> opened) = 0;
 
     /// Closes the menu.

@@ -13,7 +13,7 @@ inline constexpr const char* acPowerValue = "AC Power";                  // kIOP
 inline constexpr const char* preventIdleSleepAssertion = "PreventUserIdleSystemSleep";
 inline constexpr std::uint32_t assertionLevelOn = 255; // kIOPMAssertionLevelOn
 
-// HID. The vendor's page, its accelerometer, and the kinds of events and their fields stand in no public header.
+// HID. No public header has the vendor's page, its accelerometer, the event types and their fields.
 inline constexpr const char* primaryUsagePageKey = "PrimaryUsagePage"; // kIOHIDPrimaryUsagePageKey
 inline constexpr const char* primaryUsageKey = "PrimaryUsage";         // kIOHIDPrimaryUsageKey
 inline constexpr const char* reportIntervalKey = "ReportInterval";     // kIOHIDReportIntervalKey

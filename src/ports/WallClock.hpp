@@ -4,7 +4,7 @@
 
 namespace sentrel::ports {
 
-/// The date and time as the system has them; it may jump. Any thread.
+/// The system's date and time; may jump. Any thread.
 class WallClock {
 public:
     virtual ~WallClock() = default;

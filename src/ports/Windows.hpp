@@ -10,7 +10,7 @@
 
 namespace sentrel::ports {
 
-/// A rectangle in points; y grows upward. Of a screen or a window: in the coordinates that all screens share.
+/// A rectangle in points; y grows upward. Screens and windows use the coordinates that all screens share.
 struct Rectangle {
     double x = 0.0;
     double y = 0.0;
@@ -33,29 +33,29 @@ struct Screen {
     friend bool operator==(const Screen&, const Screen&) = default;
 };
 
-/// What a window is made of.
+/// Properties of a new window.
 struct WindowDescription {
     Rectangle contentRectangle;
     std::uint64_t styleMask = 0; ///< an `NSWindowStyleMask`
     std::uint64_t backing = 0;   ///< an `NSBackingStoreType`
     bool isDeferred = false;     ///< its window device is made when it is first ordered front
     std::uint32_t screenNumber = 0;
-    bool canBecomeKey = false;  ///< what the window's class answers
+    bool canBecomeKey = false;  ///< the window class's answer
     bool canBecomeMain = false; ///< likewise
 
-    /// Whether it is a panel (`NSPanel`) that has the keyboard also while another application is active, or while a
-    /// modal panel of this one runs.
+    /// A panel (`NSPanel`) that keeps the keyboard while another application is active or a modal panel of this one
+    /// runs.
     bool keepsKeyboard = false;
 };
 
-/// What a window asks before it acts (`NSWindowDelegate`); an empty function lets it act. Main thread.
+/// Questions that a window asks before it acts (`NSWindowDelegate`); an empty function allows the action. Main thread.
 struct WindowDelegate {
     std::function<bool()> shouldClose;
     std::function<Size(Size proposedFrameSize)> willResize;
     std::function<Rectangle(Rectangle defaultFrame)> willUseStandardFrame;
 };
 
-/// A window. Its end takes it off the screen. Each operation is a call of `NSWindow`, except where noted.
+/// A window. The destructor takes it off the screen. Each operation is a call of `NSWindow`, except where noted.
 class Window {
 public:
     virtual ~Window() = default;
@@ -86,8 +86,8 @@ public:
     /// Makes a view that draws view trees the content view, with this frame and `NSAutoresizingMaskOptions`.
     virtual void hostContent(const Rectangle& frame, std::uint64_t autoresizingMask) = 0;
 
-    /// The tree that the content view shows from now on. What the user was doing goes on in the nodes that keep their
-    /// identity. May be called by the tree's own actions and bindings.
+    /// Replaces the content view's tree. The user's interaction continues in nodes that keep their identity. May be
+    /// called by the tree's own actions and bindings.
     virtual void showContent(ui::View content) = 0;
 
     virtual void orderFrontRegardless() = 0;

@@ -8,8 +8,8 @@
 
 namespace sentrel {
 
-/// An answer from another thread that may come late, twice or never; the first counts. Shared by whoever gives it and
-/// whoever waits for it. Any thread.
+/// An answer from another thread that may come late, twice or never; the first counts. Shared by its giver and its
+/// waiter. Any thread.
 template <class T> class Answer {
 public:
     void give(T value)
@@ -33,7 +33,7 @@ public:
         return value_.has_value();
     }
 
-    /// The answer. Only once it has come.
+    /// Moves the answer out. Call once, after it has come.
     T take()
     {
         const std::lock_guard guard{mutex_};

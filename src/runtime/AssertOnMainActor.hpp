@@ -5,7 +5,7 @@
 
 namespace sentrel {
 
-/// First line of what only the main actor may call: a debug build ends the program when anything else calls it.
+/// First statement of functions for the main actor only: debug builds end the program on any other thread.
 inline void assertOnMainActor([[maybe_unused]] const MainActor& actor)
 {
 #ifndef NDEBUG

@@ -13,14 +13,14 @@ namespace sentrel {
 template <class T> class Async;
 template <class T> class Task;
 
-/// What all coroutines share: the task that they run in, and who waits for them.
+/// The part of every coroutine's promise that doesn't depend on its value: task and awaiter.
 class AsyncPromiseBase {
 public:
     std::suspend_always initial_suspend() noexcept { return {}; }
 
-    /// Hands control back to whoever awaits this coroutine, or ends the task. No symmetric transfer: compilers turn
-    /// it into nested calls without optimisation, and a long loop would overflow the stack. A coroutine that finishes
-    /// before its caller has suspended lets the caller go on by itself instead, so that the stack stays flat.
+    /// Hands control back to the awaiting coroutine, or ends the task. No symmetric transfer: compilers turn it into
+    /// nested calls without optimisation, and a long loop would overflow the stack. A coroutine that finishes before
+    /// its caller has suspended lets the caller go on by itself instead, so that the stack stays flat.
     struct FinalAwaiter {
         bool await_ready() noexcept { return false; }
         template <class Promise> void await_suspend(std::coroutine_handle<Promise> finished) noexcept
@@ -87,7 +87,7 @@ public:
 };
 
 /// A coroutine that has not started. Awaiting it runs it here, in the awaiting task; `MainActor::spawn`,
-/// `SerialQueue::async` and `detached` make a task of it. It throws to its awaiter what its body throws.
+/// `SerialQueue::async` and `detached` make a task of it. Exceptions of its body reach its awaiter.
 template <class T> class [[nodiscard]] Async {
 public:
     using promise_type = AsyncPromise<T>;

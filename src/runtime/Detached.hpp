@@ -20,7 +20,7 @@ template <class Function> Async<std::invoke_result_t<Function&>> asAsync(Functio
     co_return function();
 }
 
-/// Runs a plain function (key derivation, a directory's reading) off the main thread at the given urgency.
+/// Runs a plain function (deriving a key, reading a directory) off the main thread at the given urgency.
 template <class Function>
     requires std::is_invocable_v<Function&>
 Task<std::invoke_result_t<Function&>> detached(Scheduler& scheduler, QualityOfService priority, Function function)

@@ -10,9 +10,9 @@
 
 namespace sentrel {
 
-/// Detached functions that refer to their owner, or to what the owner relies on. Its end waits for those that are
-/// running and keeps the others from ever starting: their tasks end with a `CancellationError`. A member of the owner,
-/// used on the owner's executor.
+/// Runs detached functions that refer to their owner or its dependencies. The destructor waits for running functions
+/// and prevents the others from starting: their tasks end with a `CancellationError`. A member of the owner, used on
+/// the owner's executor.
 class DetachedWork {
 public:
     explicit DetachedWork(Scheduler& scheduler) : scheduler_(scheduler) {}
@@ -50,7 +50,7 @@ private:
                 allEnded.open();
             }
         }
-        /// Nothing begins any more; true when something is still running.
+        /// Prevents further functions from beginning; true when one is running.
         bool close()
         {
             const std::lock_guard guard{mutex};

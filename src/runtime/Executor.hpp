@@ -18,8 +18,8 @@ public:
     /// Takes a waiting job back; false when it isn't waiting here (any more).
     virtual bool withdraw(Job& job) = 0;
 
-    /// Waits for a running job, and for what the system itself runs on the native queue; no job runs afterwards. Jobs
-    /// posted later are dropped with the executor. May be repeated.
+    /// Waits for a running job and for the system's own work on the native queue; no job runs afterwards. Jobs posted
+    /// later are dropped with the executor. Further calls have no effect.
     virtual void stop() = 0;
 
     /// True when the calling code runs on this executor.

@@ -17,7 +17,7 @@ public:
     /// Does the work, on the executor that the job was posted to.
     virtual void run() = 0;
 
-    /// Called instead of `run` when the executor goes away first: the job frees what it owns.
+    /// Called instead of `run` when the executor is destroyed first: frees the job's resources.
     virtual void drop() {}
 
 protected:
@@ -26,7 +26,7 @@ protected:
 private:
     friend class JobList;
     friend class VirtualClock;
-    std::uint64_t order_ = 0; // when it was posted; kept by a virtual clock
+    std::uint64_t order_ = 0; // order of posting; set by a virtual clock
     Job* previous_ = nullptr;
     Job* next_ = nullptr;
     JobList* list_ = nullptr;
@@ -47,7 +47,7 @@ public:
     /// Takes the oldest job out; null when there is none.
     Job* popFirst();
 
-    /// Takes the job out if it waits here; tells whether it did.
+    /// Takes the job out; false when it doesn't wait here.
     bool remove(Job& job);
 
 private:

@@ -5,10 +5,10 @@
 
 namespace sentrel {
 
-/// A gate that opens once. `Scheduler::blockUntil` is how code waits for it.
+/// A gate that opens once. Wait for it with `Scheduler::blockUntil`.
 class Latch {
 public:
-    /// Opens the gate and wakes whoever blocks on it. Any thread.
+    /// Opens the gate and wakes all threads blocked on it. Any thread.
     void open()
     {
         // Notified under the lock: the waiter may destroy the latch as soon as it sees it open.

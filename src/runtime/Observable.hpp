@@ -8,7 +8,7 @@
 
 namespace sentrel {
 
-/// Keeps an observer registered; its end takes the observer off, also after the observed object has died.
+/// Keeps an observer registered until destroyed. May outlive the observed object.
 class [[nodiscard]] Observation {
 public:
     Observation() = default;
@@ -19,7 +19,7 @@ private:
     std::shared_ptr<void> token_;
 };
 
-/// A property of a service. Observers are told at once, on the main thread, and only when the value changes.
+/// A property of a service. Observers are called at once, on the main thread, and only when the value changes.
 template <class T> class Observable {
 public:
     explicit Observable(T initial = T{}) : value_(std::move(initial)) {}
@@ -28,7 +28,7 @@ public:
     [[nodiscard]] const T& get() const { return value_; }
     [[nodiscard]] operator const T&() const { return value_; }
 
-    /// Replaces the value and tells the observers, unless it is equal to the present one.
+    /// Replaces the value and calls the observers, unless the new value is equal to the present one.
     Observable& operator=(T value)
     {
         if (!(value_ == value)) {
@@ -38,7 +38,7 @@ public:
         return *this;
     }
 
-    /// Registers a callback that is told the new value after each change.
+    /// Registers a callback that receives the new value after each change.
     Observation observe(std::function<void(const T&)> changed)
     {
         auto entry = std::make_shared<Callback>(std::move(changed));
@@ -59,7 +59,7 @@ private:
             if (const auto callback = weak.lock()) {
                 (*callback)(value_);
             }
-            // An observer changed the value again: everybody has been told that newer one already.
+            // An observer changed the value again: every observer has received the newer value already.
             if (changes_ != change) {
                 return;
             }

@@ -7,7 +7,7 @@
 
 namespace sentrel {
 
-/// Calls a function at the main actor's next turn, once for however many requests there were until then. Main actor.
+/// Calls a function at the main actor's next turn, once for all requests made until then. Main actor.
 class OncePerTurn {
 public:
     OncePerTurn(MainActor actor, std::function<void()> work) : actor_(actor), work_(std::move(work)) {}
@@ -23,7 +23,7 @@ public:
 private:
     void run()
     {
-        // First, so that what the work itself changes is seen at a further turn.
+        // Reset first, so that a request made by the work itself gets a further turn.
         isDue_ = false;
         work_();
     }

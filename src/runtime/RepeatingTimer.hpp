@@ -7,8 +7,9 @@
 
 namespace sentrel {
 
-/// Calls a function on an executor every interval, first after one interval, without drift; ticks that were missed
-/// (the machine slept) come as one. Its end stops it; it is made and destroyed on its executor, also by its own tick.
+/// Calls a function on an executor every interval, first after one interval, without drift; missed ticks (the machine
+/// slept) are merged into one. The destructor stops it. Made and destroyed on its executor; its own tick may destroy
+/// it.
 class RepeatingTimer final : private Timer, private Job {
 public:
     RepeatingTimer(Scheduler& scheduler, Executor& executor, Duration interval, std::function<void()> tick);

@@ -15,9 +15,9 @@ enum class QualityOfService { utility, standard, userInitiated, userInteractive 
 
 class Latch;
 
-/// What coroutines, queues and timers stand on: executors and one clock. There is a real one (threads; on a Mac,
-/// dispatch queues and the main run loop) and a virtual one (one thread, a clock that jumps). Code above cannot tell
-/// which it has. It outlives every queue, timer and task handle made with it. Operations may be called on any thread.
+/// Executors and one clock, the base of coroutines, queues and timers. There is a real one (threads; on a Mac, dispatch
+/// queues and the main run loop) and a virtual one (one thread, a clock that jumps). Code above cannot tell which it
+/// has. The scheduler outlives every queue, timer and task handle made with it. Operations may be called on any thread.
 class Scheduler {
 public:
     Scheduler() = default;

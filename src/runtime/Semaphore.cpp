@@ -50,7 +50,7 @@ void Semaphore::SignalWait::takeAtOnce()
 
 bool Semaphore::SignalWait::takeSignal()
 {
-    // Set before the claim posts the task, and only kept when the claim is ours.
+    // Set before the claim, which posts the task; reverted when the wait was over already.
     signalled_ = true;
     if (claim()) {
         return true;

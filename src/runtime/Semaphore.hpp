@@ -24,7 +24,7 @@ public:
     /// `co_await semaphore.wait()`: true once signalled. Throws `CancellationError`.
     SignalWait wait();
 
-    /// The same until a deadline of the continuous clock; false when that came first.
+    /// As `wait`, up to a deadline of the continuous clock; false when the deadline came first.
     SignalWait waitUntil(Instant deadline);
 
 private:

@@ -20,7 +20,7 @@ class WorkItem;
 
 /// Runs jobs one after another, in the order in which they came. A job may be a coroutine: while it waits (for a photo,
 /// a semaphore, a sleep) the queue is held, and the next job starts only when it has finished. Jobs may be added on any
-/// thread. The queue's end waits for the code that is running on it and drops everything else.
+/// thread. The destructor waits for the code that is running on the queue and drops everything else.
 class SerialQueue final : private Executor, private QueueHold {
 public:
     SerialQueue(Scheduler& scheduler, std::string label, QualityOfService qualityOfService);
@@ -42,8 +42,8 @@ public:
         sentrel::post(executor(), std::move(function));
     }
 
-    /// Adds a function as a job, and blocks the calling context until it has run. Not from a job of this queue. What
-    /// the function throws ends the program.
+    /// Adds a function as a job, and blocks the calling context until it has run. Not from a job of this queue. An
+    /// exception of the function ends the program.
     template <class Function> void sync(Function function)
     {
         Latch latch;
@@ -54,8 +54,8 @@ public:
         scheduler_.blockUntil(latch);
     }
 
-    /// The same, but waits no longer than `longest`; false when the function had not run by then. It runs all the same
-    /// when its turn comes.
+    /// As `sync`, but waits no longer than `longest`; false when the function had not run by then. The function still
+    /// runs when its turn comes.
     template <class Function> bool syncWithin(Duration longest, Function function)
     {
         const auto opening = std::make_shared<TimedLatch>();
@@ -66,14 +66,14 @@ public:
         return opening->waitFor(scheduler_, longest);
     }
 
-    /// Waits for the code that is running on the queue; nothing runs on it afterwards, and its end drops what waits.
-    /// For an owner that takes down what its jobs use while the queue still stands. Not from a job of this queue.
+    /// Waits for the code that is running on the queue; nothing runs on it afterwards, and the destructor drops waiting
+    /// jobs. For owners that destroy what the jobs use before the queue. Not from a job of this queue.
     void close() { executor_->stop(); }
 
-    /// Adds the item as a job after a delay on the continuous clock, unless it is cancelled before.
+    /// Adds the item as a job after a delay on the continuous clock, unless the item is cancelled before.
     void asyncAfter(Duration delay, const std::shared_ptr<WorkItem>& item);
 
-    /// The executor whose jobs wait their turn with all others, for timers and ports that post to this queue.
+    /// The executor whose jobs queue with all others, for timers and ports that post to this queue.
     [[nodiscard]] Executor& executor() { return *this; }
 
     /// True when the calling code runs on this queue.
@@ -115,7 +115,7 @@ private:
     std::unique_ptr<Executor> executor_;
 };
 
-/// A job that can be called off until it starts. Any thread.
+/// A job that can be cancelled until it starts. Any thread.
 class WorkItem {
 public:
     explicit WorkItem(std::function<void()> work) : work_(std::move(work)) {}
@@ -123,7 +123,7 @@ public:
     void cancel() { isCancelled_.store(true, std::memory_order_release); }
     [[nodiscard]] bool isCancelled() const { return isCancelled_.load(std::memory_order_acquire); }
 
-    /// Runs the work unless it was called off.
+    /// Runs the work unless cancelled.
     void perform()
     {
         if (!isCancelled()) {

@@ -33,8 +33,8 @@ private:
 };
 
 /// A handle to a task that runs on its own. Handles are shared: copying is cheap, and dropping one neither cancels nor
-/// ends the task. Awaiting gives the task's value, or throws what the task threw. It must not outlive its scheduler.
-/// Any thread.
+/// ends the task. Awaiting gives the task's value, or throws what the task threw. A handle must not outlive its
+/// scheduler. Any thread.
 template <class T> class Task {
 public:
     Task() = default;
@@ -101,8 +101,8 @@ private:
     typename Async<T>::Handle handle_;
 };
 
-/// Tasks that die with their owner: the bag's end cuts each of them short where it waits, so that no coroutine of the
-/// owner runs on without it. A member of the owner, declared last. Used on the owner's executor.
+/// Tasks that die with their owner: the bag's destructor ends each of them where it waits, so that no coroutine
+/// outlives the owner. A member of the owner, declared last. Used on the owner's executor.
 class TaskBag {
 public:
     TaskBag() = default;

@@ -6,7 +6,7 @@ namespace sentrel {
 
 class TaskState;
 
-/// The unfinished tasks of one scheduler, so that its end can free what still waits. Any thread.
+/// The unfinished tasks of one scheduler, so that its destructor can free those that still wait. Any thread.
 class TaskRegistry {
 public:
     TaskRegistry() = default;
@@ -16,7 +16,7 @@ public:
     void add(TaskState& task);
     void remove(TaskState& task);
 
-    /// Ends every task where it waits; none of their code runs again. No executor runs any more.
+    /// Ends every task where it waits; none of their code runs again. No executor may be running.
     void endAll();
 
 private:

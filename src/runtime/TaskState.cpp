@@ -41,8 +41,8 @@ void TaskState::abandon()
     if (isFinished()) {
         return;
     }
-    // On its own executor the task ends before this returns, so that the frame is gone when its owner's members go.
-    // If the task itself is what calls, its turn ends it.
+    // On its own executor the task ends before this returns, so that the frame is gone when its owner's members go. A
+    // task that abandons itself ends after its current turn.
     if (executor_->isCurrent()) {
         run();
     } else {
@@ -104,7 +104,7 @@ void TaskState::endWait()
 
 void TaskState::run()
 {
-    // On a concurrent executor the next turn may come while this one is still unwinding: whoever is first takes both,
+    // On a concurrent executor the next turn may come while this one is still unwinding: the first thread takes both,
     // so that a task's turns never overlap.
     retain();
     if (turns_.fetch_add(1, std::memory_order_acq_rel) == 0) {
@@ -136,7 +136,7 @@ void TaskState::takeTurn()
 void TaskState::drop()
 {
     if (!isFinished()) {
-        hold_ = nullptr; // its queue goes away too
+        hold_ = nullptr; // its queue is being destroyed too
         endUnrun();
     }
 }
@@ -153,7 +153,7 @@ void TaskState::endUnrun()
     if (hook != nullptr) {
         hook->detach();
     }
-    executor_->withdraw(*this); // its event may have come in the meantime
+    executor_->withdraw(*this); // its event may have posted it meanwhile
     finish();
 }
 

@@ -12,24 +12,24 @@ class Scheduler;
 class TaskRegistry;
 class TaskState;
 
-/// What a suspended wait offers to its task, so that cancellation can reach it.
+/// The callbacks of a suspended wait by which cancellation reaches it.
 class CancelHook {
 public:
     CancelHook() = default;
     CancelHook(const CancelHook&) = delete;
     CancelHook& operator=(const CancelHook&) = delete;
 
-    /// The task was cancelled. Called under the task's lock: it only claims the wait and posts the task.
+    /// Called when the task is cancelled, under its lock: may only claim the wait and post the task.
     virtual void onCancel() = 0;
 
-    /// The task will never resume: leave every list and timer. Called without the task's lock.
+    /// Called when the task will never resume, without its lock: leaves every list and timer.
     virtual void detach() = 0;
 
 protected:
     ~CancelHook() = default;
 };
 
-/// Told when a task that occupies a serial queue begins and finishes. Both calls come on the queue's executor.
+/// Notified on a serial queue's executor when a task that occupies the queue begins and finishes.
 class QueueHold {
 public:
     virtual void taskBegan(TaskState& task) = 0;
@@ -46,7 +46,7 @@ public:
     TaskWaiter(const TaskWaiter&) = delete;
     TaskWaiter& operator=(const TaskWaiter&) = delete;
 
-    /// The awaited task has finished. Called under that task's lock: it only claims the wait and posts.
+    /// Called when the awaited task has finished, under its lock: may only claim the wait and post.
     virtual void onFinish() = 0;
 
 protected:
@@ -57,9 +57,9 @@ private:
     TaskWaiter* next_ = nullptr;
 };
 
-/// The part of a task that has nothing to do with its value: where it runs, how it is cancelled, who waits for it and
-/// how long its frame lives. It is a member of the coroutine's promise, so that a task is one allocation; it is also
-/// the job by which the task resumes, so that a hop allocates nothing. Operations may be called on any thread.
+/// The part of a task that doesn't depend on its value: executor, cancellation, waiters and lifetime of the frame. It
+/// is a member of the coroutine's promise, so that a task is one allocation, and the job that resumes the task, so that
+/// a hop allocates nothing. Operations may be called on any thread.
 class TaskState final : public Job {
 public:
     /// Makes a task of the coroutine and posts its first turn to `front`; later turns go to `executor`. The caller
@@ -75,28 +75,29 @@ public:
     [[nodiscard]] bool isCancelled() const { return cancelled_.load(std::memory_order_acquire); }
     [[nodiscard]] bool isFinished() const { return finished_.load(std::memory_order_acquire); }
 
-    /// Ends the task where it waits: none of its code runs again. For owners that die with work under way. Called on
-    /// the task's executor it takes effect at once (but for the task that calls, which goes on to its next wait).
+    /// Ends the task where it waits: none of its code runs again. For owners that die with work under way. On the
+    /// task's executor this takes effect at once, except for a task that abandons itself, which runs on to its next
+    /// wait.
     void abandon();
 
-    /// True when the task was ended before it came to its own end.
+    /// True when the task was ended before its coroutine finished.
     [[nodiscard]] bool wasCutShort() const { return cutShort_; }
 
-    /// The root coroutine has come to its end (or never will). Called by its promise, last of all.
+    /// Marks the task as finished. Called last, when the root coroutine has finished or never will.
     void finish();
 
     /// Links a waiter in; false when the task has finished already.
     bool addWaiter(TaskWaiter& waiter);
     void removeWaiter(TaskWaiter& waiter);
 
-    /// Under the task's lock: remembers where to resume and whom to tell of cancellation, then arms the wait. False
-    /// when the wait is over before it began: `isCancelled` tells why.
+    /// Under the task's lock: records the resume point and the cancellation hook, then arms the wait. False when the
+    /// task must not suspend: it is cancelled, or the event has come already.
     template <class Arm> bool beginWait(std::coroutine_handle<> resumePoint, CancelHook& hook, Arm arm)
     {
         const std::lock_guard guard{lock_};
         resumePoint_ = resumePoint;
         if (abandoned_.load(std::memory_order_acquire)) {
-            resumeSoon(); // to be ended there
+            resumeSoon(); // that turn ends the task
             return true;
         }
         if (cancelled_.load(std::memory_order_relaxed)) {
@@ -112,7 +113,7 @@ public:
 
     void endWait();
 
-    /// Posts the next turn. Whoever calls this has claimed the wait.
+    /// Posts the next turn. An armed wait must have been claimed by the caller.
     void resumeSoon() { executor_->post(*this); }
 
     [[nodiscard]] Scheduler& scheduler() const { return *scheduler_; }

@@ -31,7 +31,7 @@ public:
 
     void post(Job& job) override
     {
-        // Notified under the lock: a job that is freed elsewhere may take this executor's owner with it.
+        // Notified under the lock: once it is released, the job may end and this executor be destroyed.
         const std::lock_guard guard{mutex_};
         jobs_.append(job);
         changed_.notify_one();
@@ -82,7 +82,7 @@ public:
         changed_.notify_all();
     }
 
-    /// Makes `work` possible again after `interrupt`.
+    /// Lets `work` run again after `interrupt`.
     void resume()
     {
         const std::lock_guard guard{mutex_};
@@ -91,7 +91,7 @@ public:
 
 private:
     static thread_local const ThreadExecutor* current;
-    const std::thread::id owner_; ///< the main thread; of no thread on other executors
+    const std::thread::id owner_; ///< the main thread; no thread on other executors
     std::mutex mutex_;
     std::condition_variable changed_;
     JobList jobs_;
@@ -130,8 +130,8 @@ public:
         return timers_.remove(timer);
     }
 
-    /// The steady clock read as the continuous clock. (On Linux it stops while the machine is suspended; no machine
-    /// that runs the simulated MacBook is put to sleep in earnest.)
+    /// The steady clock as the continuous clock. On Linux it stops while the machine is suspended; machines that run
+    /// the simulated MacBook are not.
     static Instant now() { return Instant{std::chrono::steady_clock::now().time_since_epoch()}; }
 
 private:
@@ -160,7 +160,7 @@ private:
 
 namespace {
 
-/// Enough for a key derivation and a directory's reading side by side.
+/// Threads for detached work: enough to derive a key while a directory is read.
 constexpr std::size_t globalThreadCount = 2;
 
 } // namespace

@@ -6,8 +6,8 @@
 
 namespace sentrel {
 
-/// The real scheduler on plain threads: one for each serial executor, a few for detached work, one that waits for
-/// timers, and the thread that makes the scheduler, and calls `runMain`, as the main thread.
+/// The real scheduler on plain threads: one for each serial executor, a few for detached work and one for timers. The
+/// main thread is the one that makes the scheduler and calls `runMain`.
 class ThreadScheduler final : public Scheduler {
 public:
     ThreadScheduler();

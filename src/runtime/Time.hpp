@@ -19,8 +19,8 @@ struct ContinuousClock {
 /// A point on the continuous clock; its zero has no meaning of its own.
 using Instant = ContinuousClock::time_point;
 
-/// Seconds held as a double (a stored setting) as a span; negative and non-finite values give zero, and a span too
-/// long for the clock gives about a century.
+/// Converts seconds (a stored setting) to a span. Negative values and NaN give zero; more than 100 years give 100
+/// years.
 Duration durationFromSeconds(double seconds);
 
 /// A span as seconds.

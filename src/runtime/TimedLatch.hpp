@@ -7,17 +7,17 @@
 
 namespace sentrel {
 
-/// A latch that also opens when its time is up. Shared by whoever finishes and whoever waits. Any thread.
+/// A latch that also opens when its time is up. Shared by the finisher and the waiter. Any thread.
 class TimedLatch final : private Timer {
 public:
-    /// What is waited for has come.
+    /// Reports that the awaited work is done.
     void finish()
     {
         isFinished_ = true;
         latch_.open();
     }
 
-    /// Blocks the calling executor for at most this long; false when `finish` had not been called by then. Once.
+    /// Blocks the calling executor for at most this long; false when `finish` had not been called by then. Call once.
     bool waitFor(Scheduler& scheduler, Duration longest)
     {
         scheduler.startTimer(*this, scheduler.now() + longest);

@@ -12,7 +12,7 @@ namespace sentrel {
 
 class TimerHeap;
 
-/// A deadline that waits in a scheduler. It carries its own place there, so that arming it allocates nothing.
+/// A deadline that waits in a scheduler. It carries its own place there, so that cancelling needs no search.
 class Timer {
 public:
     Timer() = default;
@@ -22,7 +22,7 @@ public:
 protected:
     ~Timer() = default;
 
-    /// The deadline has come. Called by the scheduler under its own lock: it only posts jobs.
+    /// Called at the deadline, under the scheduler's lock: may only post jobs or open latches.
     virtual void fire() = 0;
 
 private:
@@ -36,7 +36,7 @@ private:
 /// The armed timers of a scheduler, earliest first, and in arming order where deadlines are equal. No lock of its own.
 class TimerHeap {
 public:
-    /// Arms the timer. One order number serves all heaps of one clock, so that it is handed in.
+    /// Arms the timer. Equal deadlines fire in ascending `order`.
     void add(Timer& timer, Instant deadline, std::uint64_t order);
 
     /// Takes the timer out; false when it isn't in.

@@ -49,7 +49,7 @@ public:
 
     [[nodiscard]] bool isOf(const VirtualScheduler& scheduler) const { return &scheduler_ == &scheduler; }
 
-    /// A thread that blocks takes its serial executor with it; a concurrent one has other threads.
+    /// A blocked thread blocks its serial or main executor; a concurrent one has other threads.
     void setBlocked(bool blocked) { isBlocked_ = blocked && kind_ != Kind::concurrent; }
 
 private:
@@ -61,7 +61,7 @@ private:
     JobList jobs_;
 };
 
-/// Remembers who runs (or blocks) and puts it back, also when a job throws out of the clock.
+/// Sets the current executor for a scope; restores the outer one also when a job throws.
 class VirtualClock::CurrentScope {
 public:
     CurrentScope(VirtualClock& clock, VirtualExecutor* current)

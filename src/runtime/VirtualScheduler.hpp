@@ -11,11 +11,10 @@ namespace sentrel {
 
 class VirtualExecutor;
 
-/// Runs the jobs of a virtual clock in its own way.
+/// Customises how a virtual clock runs its jobs.
 class JobRunner {
 public:
-    /// Runs the job. False when the job never comes to its end: its executor stands still from then on, and the clock
-    /// goes on without it.
+    /// Runs the job. False when the job never ends: a serial or main executor then stands still, and the clock goes on.
     virtual bool run(Job& job) = 0;
 
 protected:
@@ -32,17 +31,17 @@ public:
 
     [[nodiscard]] Instant now() const { return now_; }
 
-    /// Runs what is runnable at this moment; the clock stands still.
+    /// Runs every runnable job without moving the clock.
     void runReady();
 
     /// Runs everything that is due up to and including `deadline`, and leaves the clock there. Throws
     /// `std::runtime_error` when jobs keep posting jobs and the clock would never move again.
     void runUntil(Instant deadline);
 
-    /// The same for a span from now.
+    /// `runUntil` a span from now.
     void advance(Duration span) { runUntil(now_ + span); }
 
-    /// Runs until nothing is runnable and no timer is armed; what repeats forever must have been stopped.
+    /// Runs until nothing is runnable and no timer is armed; repeating timers must have been stopped.
     void runUntilIdle();
 
     /// When the next timer is due; none when none is armed.
@@ -95,15 +94,14 @@ public:
     bool cancelTimer(Timer& timer) override { return clock_.timers_.remove(timer); }
     void blockUntil(Latch& latch) override { clock_.blockUntil(latch); }
 
-    /// While the machine sleeps none of its jobs run; time goes on. What fell due is run on waking.
+    /// While the machine sleeps, none of its jobs run; time goes on. Jobs that fell due run on waking.
     void setAsleep(bool asleep) { isAsleep_ = asleep; }
     [[nodiscard]] bool isAsleep() const { return isAsleep_; }
 
     /// True when the calling code runs in a job of this scheduler.
     [[nodiscard]] bool isCurrent() const;
 
-    /// The process that runs here has died: its tasks end where they wait and its jobs are dropped. Its objects are
-    /// destroyed before this.
+    /// Ends the process that runs here, after its objects are destroyed: tasks end where they wait, jobs are dropped.
     void endProcess();
 
 private:

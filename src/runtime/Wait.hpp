@@ -8,9 +8,9 @@
 
 namespace sentrel {
 
-/// One suspension of a task: claimed exactly once, by what it waits for or by cancellation, and resumed on the task's
-/// own executor. It leaves its lists and timers on every way out, the destruction of its frame included.
-/// A kind of wait derives from this; it says in `arm` where it registers and in `disarm` how it leaves.
+/// One suspension of a task: claimed exactly once, by its event or by cancellation, and resumed on the task's own
+/// executor. It leaves its lists and timers however it ends, also when its frame is destroyed. Kinds of wait derive
+/// from this: `arm` registers with the event and `disarm` leaves it.
 class Wait : private CancelHook {
 public:
     bool await_ready() const noexcept { return false; }
@@ -33,7 +33,7 @@ protected:
     /// Leaves the event's lists and timers; called any number of times, before or after the event.
     virtual void disarm() = 0;
 
-    /// The event has come. Called under the event's lock. Returns false when the wait was over already.
+    /// Called when the event has come, under the event's lock. False when the wait was over already.
     bool claim(bool byCancellation = false)
     {
         auto pending = Outcome::pending;
@@ -45,7 +45,7 @@ protected:
         return true;
     }
 
-    /// First thing in `await_resume`: leaves all lists. Throws `CancellationError` when cancellation won.
+    /// First call in `await_resume`: leaves all lists. Throws `CancellationError` when cancellation won.
     void settle()
     {
         leave();
@@ -66,7 +66,7 @@ protected:
         disarm();
     }
 
-    /// Called by `arm` when it has nothing to wait for.
+    /// Called by `arm` when the event has come already.
     void completeAtOnce() { outcome_.store(Outcome::completed, std::memory_order_release); }
 
     [[nodiscard]] TaskState& task() const { return *task_; }

@@ -5,8 +5,8 @@
 
 namespace sentrel {
 
-/// A handle that knows when its object has died. It may be copied and dropped on any thread; `get` is asked on the
-/// thread on which the object lives and dies.
+/// A handle that knows when its object has died. It may be copied and dropped on any thread; `get` must be called on
+/// the thread on which the object lives and dies.
 template <class T> class Weak {
 public:
     Weak() = default;

@@ -17,8 +17,8 @@ template <class T> Async<void> callIfAlive(Weak<T> weak, void (T::*method)())
     co_return;
 }
 
-/// What a timer or a notification keeps of its owner: each call starts a main-actor task that calls the method if the
-/// owner still lives. Callable on any thread.
+/// A callback for timers and notifications that doesn't keep its owner alive: each call starts a main-actor task that
+/// calls the method if the owner still lives. Callable on any thread.
 template <class T> std::function<void()> weakCall(MainActor mainActor, Weak<T> weak, void (T::*method)())
 {
     return [mainActor, weak = std::move(weak), method] { mainActor.spawn(callIfAlive(weak, method)); };

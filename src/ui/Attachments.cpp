@@ -6,7 +6,7 @@ namespace sentrel::ui {
 
 namespace {
 
-/// The way to a view: most trees have many views and few attachments, so that identities are made only for these.
+/// The path to a view. Most trees have many views and few attachments: only attachments get identities.
 struct Way {
     const Way* outer = nullptr;
     const View* view = nullptr;

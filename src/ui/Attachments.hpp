@@ -7,14 +7,14 @@
 
 namespace sentrel::ui {
 
-/// Something attached to a view of a tree.
+/// A view attached to a view of a tree.
 struct Attachment {
-    std::string identity;       ///< as `Node` has it
+    std::string identity;       ///< as in `Node`
     const View* view = nullptr; ///< in the tree that was walked
-    bool isEnabled = true;      ///< neither it nor what it is attached to is disabled
+    bool isEnabled = true;      ///< neither it nor a view around it is disabled
 };
 
-/// The attachments of the tree's views, those that are hidden left out; not what is attached inside an attachment.
+/// The visible attachments of the tree's visible views, without attachments inside attachments.
 [[nodiscard]] std::vector<Attachment> attachmentsOf(const View& root);
 
 } // namespace sentrel::ui

@@ -4,12 +4,12 @@
 
 namespace sentrel::ui {
 
-/// What a view does when the user acts on it. Called on the main thread, from a renderer's event handling: it must not
-/// destroy the window that it belongs to. Empty: nothing happens.
+/// A view's reaction to the user. Called on the main thread, from a renderer's event handling: it must not destroy its
+/// window. May be empty.
 using Action = std::function<void()>;
 
-/// A value that a view shows and the user changes. The value is the one of the moment at which the view was made, so
-/// that a tree never reads a state that has gone; setting it changes the state, which then makes a new view.
+/// A value that a view shows and the user changes. `value` is a snapshot from when the view was made, so that a tree
+/// never reads a state that is gone; `set` changes the state, which then makes a new view.
 template <class T> struct Binding {
     T value{};
     std::function<void(T)> set;

@@ -50,7 +50,7 @@ std::string withLabel(std::string_view kind, std::string_view label)
     return label.empty() ? std::string{kind} : std::string{kind} + " " + quoted(label);
 }
 
-/// An enumerator's word out of a list in the order of declaration.
+/// An enumerator's word from a list in the order of declaration.
 template <class Enumeration, std::size_t count>
 std::string_view word(const std::array<std::string_view, count>& words, Enumeration value)
 {

@@ -7,12 +7,12 @@
 
 namespace sentrel::ui {
 
-/// What the view shows, as text for tests and the terminal: one line for each visible node, indented by its depth, with
-/// what distinguishes it and, for what the user can act on, its identity in brackets. Secure texts are dots.
+/// The view as text for tests and the terminal: one line for each visible node, indented by its depth, with its
+/// properties and, if the user can act on it, its identity in brackets. Secure texts are dots.
 [[nodiscard]] std::string describe(const View& root);
 
-/// Everything there is to read, from top to bottom: each node's visible text and a slider's value; not what is typed
-/// into fields, nor their prompts.
+/// All readable texts, from top to bottom: visible texts, slider values, footers and messages; no field's content or
+/// prompt.
 [[nodiscard]] std::vector<std::string> visibleTexts(const View& root);
 
 } // namespace sentrel::ui

@@ -13,13 +13,13 @@
 
 namespace sentrel::ui {
 
-// What a view can be. Lengths are in points; texts are in the user's language already. What an element consists of
-// stands in its view's children.
+// The kinds of views. Lengths are in points; texts are in the user's language already. The parts of an element are its
+// view's children.
 
 /// Keys that have a meaning of their own in a window.
 enum class Key { returnKey, deleteKey, escape };
 
-/// Children side by side, below each other, or one upon the other (the last in front).
+/// Arranges its children in a row, in a column, or in layers (the last in front).
 struct Stack {
     enum class Axis { horizontal, vertical, depth };
     enum class Alignment { leading, center, trailing };
@@ -45,8 +45,8 @@ struct Text {
 struct Image {
     enum class Source { asset, systemSymbol, file, memory };
     Source source = Source::systemSymbol;
-    /// Of the asset or the symbol; the path of the file; what the data in memory is known by: other data has another
-    /// name, so that a renderer compares names only.
+    /// Name of the asset or symbol, path of the file, or key of the data in memory. Other data has another key:
+    /// renderers compare names only.
     std::string name;
     std::shared_ptr<const Bytes> data = nullptr; ///< an image file's content, in memory
 
@@ -78,7 +78,7 @@ struct Slider {
     double lower = 0.0;
     double upper = 1.0;
     std::optional<double> step; ///< continuous without one
-    std::string valueText;      ///< shown beside it, unless empty
+    std::string valueText;      ///< shown beside the slider, unless empty
 };
 
 struct TextField {
@@ -87,14 +87,14 @@ struct TextField {
     Action submit; ///< by the return key
 };
 
-/// A field whose text nobody can read.
+/// A field that doesn't show its text.
 struct SecureField {
     std::string prompt;
     Binding<SecretText> text;
     Action submit; ///< by the return key
 };
 
-/// Rows in sections; its children are sections. A row is known by its view's explicit id.
+/// Rows in sections; its children are sections. A row is identified by its view's explicit id.
 struct List {
     enum class Selection { none, single, multiple };
     Selection mode = Selection::none;
@@ -115,7 +115,7 @@ struct SplitView {
     Binding<bool> isSidebarShown;
 };
 
-/// How far work has come, 0 to 1; without a fraction only that it goes on.
+/// Progress of work from 0 to 1; indeterminate without a fraction.
 struct Progress {
     std::string label;
     std::optional<double> fraction;
@@ -126,7 +126,7 @@ struct Toolbar {};
 
 /// Attached to a view: its child covers the window's content until the state takes it away.
 struct Sheet {
-    Action dismiss; ///< the user closes it without one of its buttons
+    Action dismiss; ///< called when the user closes it without one of its buttons
 };
 
 /// Attached to a view: a question or a notice whose answers are its children, buttons. Every answer closes it.
@@ -135,7 +135,7 @@ struct Dialog {
     Kind kind = Kind::alert;
     std::string title;
     std::string message;
-    Action dismiss; ///< after any answer, and when it is closed without one
+    Action dismiss; ///< called after any answer, or when closed without one
 };
 
 using Element = std::variant<Stack, Spacer, Divider, Text, Image, Button, Toggle, Slider, TextField, SecureField, List,

@@ -10,7 +10,7 @@ namespace sentrel::ui {
 
 namespace {
 
-/// Calls a copy: the closure may have its own tree replaced.
+/// Calls a copy: the closure may replace the tree that holds it.
 void perform(Action action) // NOLINT(performance-unnecessary-value-param)
 {
     if (action) {
@@ -26,7 +26,7 @@ template <class T> void assign(Binding<T> binding, T value)
     }
 }
 
-/// Finds the node and, when it can be reached, lets `use` try; `use` tells whether the node suits.
+/// Finds the node and, when it can be reached, calls `use`, which returns whether the node suits.
 template <class Use> Interaction withNode(const View& root, std::string_view wanted, Use use)
 {
     const auto node = find(root, wanted);
@@ -55,7 +55,7 @@ void pressButton(const View& root, const Node& node, const Button& button)
     perform(dismiss);
 }
 
-/// The text with more at its end, in memory that is wiped.
+/// The text with `more` at its end, in memory that is wiped.
 SecretText joined(const SecretText& text, std::string_view more)
 {
     SecretBytes bytes{text.view().size() + more.size()};
@@ -64,7 +64,7 @@ SecretText joined(const SecretText& text, std::string_view more)
     return SecretText{std::move(bytes)};
 }
 
-/// The bytes before the last character of a UTF-8 text.
+/// Number of bytes before the last character of a UTF-8 text.
 template <class Text> std::size_t lengthWithoutLast(const Text& text)
 {
     std::size_t length = text.size();
@@ -103,8 +103,8 @@ bool isUsable(const Node& node)
     return node.isEnabled && !node.isBlocked;
 }
 
-/// The answer that the key gives to a dialog, or null: escape what cancels, return the first, unless that can't be
-/// undone.
+/// The dialog's answer for the key, or null: escape cancels; return gives the first answer, unless it is destructive or
+/// cancels while there are others.
 const Button* answerTo(const View& dialog, Key key)
 {
     std::vector<const Button*> answers;

@@ -11,7 +11,7 @@ namespace {
 void addSection(std::vector<ListRow>& rows, const View& view, const std::string& step, bool isEnabled)
 {
     const auto* const section = elementOf<Section>(view);
-    // The marks are no steps, so that no row is mistaken for them.
+    // Steps contain no slash, so that no row has such an identity.
     if (section != nullptr && !section->header.empty()) {
         rows.push_back({ListRow::Kind::header, step + "//header", &view, isEnabled});
     }
@@ -37,7 +37,7 @@ std::unordered_set<std::string_view> identitiesOf(const std::vector<ListRow>& ro
     return identities;
 }
 
-/// The places of the rows that the other list doesn't have.
+/// Indexes of the rows that the other list doesn't have.
 std::vector<std::size_t> placesMissingIn(const std::unordered_set<std::string_view>& others,
                                          const std::vector<ListRow>& rows)
 {

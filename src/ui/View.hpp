@@ -24,7 +24,7 @@ struct Color {
 
 inline constexpr Color black{};
 
-/// A size that a view asks for; what is left out follows from the content and the space there is.
+/// A requested size in points; missing values follow from the content and the available space.
 struct SizeWish {
     std::optional<double> width;
     std::optional<double> height;
@@ -32,27 +32,27 @@ struct SizeWish {
     friend bool operator==(const SizeWish&, const SizeWish&) = default;
 };
 
-/// What holds for a view of any kind.
+/// Properties that views of any kind have.
 struct Traits {
-    /// Names the view among its siblings, so that its identity stays when they come and go. Unique there, no slash.
+    /// Unique name among the siblings, without a slash; keeps the identity stable when siblings come and go.
     std::string id;
-    std::string accessibilityLabel; ///< for screen readers, in place of what is visible
-    std::string help;               ///< shown when the pointer rests on it
-    bool isHidden = false;          ///< not there, but keeps its place among its siblings
-    bool isDisabled = false;        ///< holds for everything inside, too
-    bool ignoresSafeAreas = false;  ///< reaches below a camera housing and to the screen's edges
-    double padding = 0.0;           ///< points around it
+    std::string accessibilityLabel; ///< for screen readers, in place of the visible text
+    std::string help;               ///< shown when the pointer rests on the view
+    bool isHidden = false;          ///< not shown, but counts among its siblings
+    bool isDisabled = false;        ///< applies to everything inside, too
+    bool ignoresSafeAreas = false;  ///< extends below a camera housing and to the screen's edges
+    double padding = 0.0;           ///< in points, on all sides
     SizeWish size;
     std::optional<Color> background;
-    /// Whether it has the keyboard. True asks for it; the renderer tells when the user moves it.
+    /// Keyboard focus. True requests it; the renderer sets it when the user moves the focus.
     std::optional<Binding<bool>> focus;
-    /// What keys do in the window, unless a field that is being edited takes them.
+    /// Actions of keys in the window, unless a field that is being edited takes them.
     std::vector<std::pair<Key, Action>> keyCommands;
 };
 
 struct View;
 
-/// The views inside another. Copies share them, so that a tree is copied in no time however long its lists are.
+/// The views inside another. Copies share them, so that copying a tree is cheap however long its lists are.
 class Children {
 public:
     Children() = default;
@@ -67,22 +67,22 @@ public:
     [[nodiscard]] std::size_t size() const;
     [[nodiscard]] bool empty() const { return size() == 0; }
 
-    /// Whether they are the very same views, not only equal ones.
+    /// Whether both share the very same views, not only equal ones.
     [[nodiscard]] bool isSameAs(const Children& other) const { return views_ == other.views_; }
 
 private:
     std::shared_ptr<const std::vector<View>> views_; ///< null: none
 };
 
-/// What a window shows, or a part of it: a value. A new state makes a new view, and a renderer changes only what
-/// differs, knowing each part by its identity (see `Node`). Made and used on the main thread.
+/// A window's content or a part of it, as a value. A new state makes a new view; a renderer changes only the
+/// differences and identifies each part by its identity (see `Node`). Made and used on the main thread.
 struct View {
     Element element;
     Children children;
     std::vector<View> attachments; ///< toolbar, sheet, dialogs
     Traits traits;
 
-    /// The same view under an explicit id, and so on: for building trees.
+    /// Each returns this view with one property changed, for building trees.
     [[nodiscard]] View id(std::string value) &&;
     [[nodiscard]] View accessibilityLabel(std::string value) &&;
     [[nodiscard]] View help(std::string value) &&;
