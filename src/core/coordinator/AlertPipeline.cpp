@@ -18,8 +18,7 @@
 #include <limits>
 #include <utility>
 
-// From a trigger to its alert: sound at once, then photo and local copy, one trigger after another; uploads may
-// overlap.
+// From a trigger to its alert: sound at once, photo and local copy one trigger after another; uploads may overlap.
 
 namespace sentrel {
 
