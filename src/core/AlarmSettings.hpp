@@ -11,13 +11,13 @@
 
 namespace sentrel {
 
-/// What the user chose. A fresh value holds the defaults, which also stand in for what a stored document lacks.
+/// The user's settings. A new value holds the defaults, which also replace fields missing from a stored document.
 struct AlarmSettings {
     bool isArmed = false;
     bool triggerOnUnplugged = true;
     bool triggerOnLidClosed = true;
     bool triggerOnMotion = true;
-    double motionSensitivity = 0.35;
+    double motionSensitivity = 0.35; ///< 0.1 (least) to 1.0 (most)
     bool sendNotification = true;
     bool alarmSound = true;
     double alarmVolume = 0.8; ///< 0 to 1
@@ -26,12 +26,12 @@ struct AlarmSettings {
     bool lockScreenOnArm = false;
     double lockScreenSleepDelay = 0.0; ///< seconds from arming to the lock screen
     bool triggerOnFailedUnlock = false;
-    double failedUnlockAttemptLimit = 3.0; ///< shown as a whole number
+    double failedUnlockAttemptLimit = 3.0; ///< rounded to a whole number, at least 1
 
     friend bool operator==(const AlarmSettings&, const AlarmSettings&) = default;
 };
 
-/// A field of the settings by its stored name.
+/// A field of the settings and its stored name.
 struct AlarmSettingsField {
     std::string_view name;
     std::variant<bool AlarmSettings::*, double AlarmSettings::*> member;
@@ -55,16 +55,16 @@ inline constexpr std::array<AlarmSettingsField, 14> alarmSettingsFields{{
     {"failedUnlockAttemptLimit", &AlarmSettings::failedUnlockAttemptLimit},
 }};
 
-/// All fields, in order.
+/// Encodes all fields, in order.
 [[nodiscard]] Json encodeAlarmSettings(const AlarmSettings& settings);
 
-/// Forgiving, so that settings of an older or newer version still load: a field that is missing or of the wrong type
-/// has its default. None only when the document is no object at all.
+/// A field that is missing or of the wrong type gets its default, so that settings of older and newer versions load.
+/// None only when the document is not an object.
 [[nodiscard]] std::optional<AlarmSettings> decodeAlarmSettings(const Json& document);
 
 } // namespace sentrel
 
-/// Over all fields, in order.
+/// Hashes all fields, in order.
 template <> struct std::hash<sentrel::AlarmSettings> {
     std::size_t operator()(const sentrel::AlarmSettings& settings) const noexcept;
 };

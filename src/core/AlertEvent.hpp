@@ -16,7 +16,7 @@ namespace sentrel {
 struct AlertEvent {
     UUID id;
     TriggerReason reason = TriggerReason::unplugged;
-    Date timestamp;                           ///< when the trigger was taken
+    Date timestamp;                           ///< when the trigger fired
     std::string deviceName;                   ///< the computer's name at the time
     std::optional<std::string> photoFileName; ///< none when no photo was taken
     bool sendNotification = false;            ///< whether the companion app is to notify the user
@@ -26,7 +26,7 @@ struct AlertEvent {
 
 [[nodiscard]] Json encodeAlertEvent(const AlertEvent& alert);
 
-/// Strict: none when a field is missing or malformed, but for the photo's name, which may be absent.
+/// Strict: none when a field is missing or malformed; only the photo's name may be absent.
 [[nodiscard]] std::optional<AlertEvent> decodeAlertEvent(const Json& document);
 
 } // namespace sentrel

@@ -13,7 +13,7 @@ bool namesMacBook(std::string_view text)
     return text.find("MacBook") != std::string_view::npos;
 }
 
-/// "Mac" and a number, as in "Mac14,2": a MacBook Air, and as "Mac14,3" a Mac mini.
+/// True for "Mac" followed by a digit: "Mac14,2" is a MacBook Air, "Mac14,3" a Mac mini.
 bool namesNoFamily(std::string_view model)
 {
     constexpr std::string_view stem = "Mac";

@@ -8,7 +8,7 @@ namespace ports {
 class GeneralRandom;
 }
 
-/// A new random identifier, from the generator that always answers. Any thread.
+/// A new random identifier, from the generator that never fails. Any thread.
 [[nodiscard]] UUID randomUUID(ports::GeneralRandom& random);
 
 } // namespace sentrel

@@ -43,7 +43,7 @@ void SettingsStore::save()
     try {
         defaults_.setData(settingsKey, bytesOf(encodeJson(encodeAlarmSettings(settings()))));
     } catch (const JsonEncodingError&) {
-        // Not a number: the entry stays as it was.
+        // A number isn't finite: the stored entry stays unchanged.
     }
 }
 

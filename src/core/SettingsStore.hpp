@@ -13,17 +13,17 @@ namespace ports {
 class UserDefaults;
 }
 
-/// The one current settings value: observable, and kept in the user defaults at each assignment. Main actor only.
+/// The current settings: observable, and saved to the user defaults at each assignment. Main actor only.
 class SettingsStore {
 public:
-    /// Loads what the domain holds, or the defaults where that can't be read; writes nothing.
+    /// Loads the stored settings, or the defaults when they can't be read. Writes nothing.
     SettingsStore(MainActor actor, ports::UserDefaults& defaults);
     SettingsStore(const SettingsStore&) = delete;
 
     [[nodiscard]] const AlarmSettings& settings() const;
 
-    /// Replaces the value and saves it, also when it is equal; observers are told only of a change, and at once. A
-    /// value that has no encoding leaves the stored one as it was.
+    /// Replaces the value and saves it, even if equal. Observers are called at once, and only for a change. A value
+    /// that can't be encoded (NaN or infinity) leaves the stored one unchanged.
     void setSettings(const AlarmSettings& settings);
 
     /// Changes one field: reads, changes and assigns back.

@@ -20,21 +20,21 @@ enum class TriggerReason { unplugged, lidClosed, motion, lockBypassAttempt };
 inline constexpr std::array<TriggerReason, 4> allTriggerReasons{
     TriggerReason::unplugged, TriggerReason::lidClosed, TriggerReason::motion, TriggerReason::lockBypassAttempt};
 
-/// The text that stands for the cause in stored records.
+/// The cause's text in stored records.
 [[nodiscard]] std::string_view rawValue(TriggerReason reason);
 
-/// The cause that a stored text stands for; none for an unknown one.
+/// The cause for a stored text; none if the text is unknown.
 [[nodiscard]] std::optional<TriggerReason> triggerReason(std::string_view rawValue);
 
-/// What lists and the status show, in the user's language.
+/// The cause's title for lists and the status, in the user's language.
 [[nodiscard]] std::string title(TriggerReason reason, ports::Language& language);
 
-/// The trigger's name in the cloud record, in the user's language.
+/// The cause's name in the cloud record, in the user's language.
 [[nodiscard]] std::string shortTitle(TriggerReason reason, ports::Language& language);
 
 } // namespace sentrel
 
-/// By the raw value, so that the hash doesn't depend on the order of the cases.
+/// Hashes the raw value, so that the hash doesn't depend on the order of the cases.
 template <> struct std::hash<sentrel::TriggerReason> {
     std::size_t operator()(sentrel::TriggerReason reason) const noexcept
     {

@@ -20,11 +20,10 @@ ports::WindowDescription describe(const ports::Screen& screen)
     description.backing = ports::bufferedBacking;
     description.isDeferred = false;
     description.screenNumber = screen.number;
-    // A borderless window refuses the keyboard unless its class says otherwise, and nobody could type the passcode.
+    // By default a borderless window can't become key, and nobody could type the passcode.
     description.canBecomeKey = true;
     description.canBecomeMain = true;
-    // The phone arms the Mac while the person in front of it works with another application, which the system may leave
-    // active.
+    // When the phone arms the Mac, another application may be active, and the system may leave it active.
     description.keepsKeyboard = true;
     return description;
 }

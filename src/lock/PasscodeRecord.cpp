@@ -11,7 +11,7 @@ constexpr std::size_t iterationsOffset = 1;
 constexpr std::size_t saltOffset = 5;
 constexpr std::size_t keyOffset = 21;
 
-/// Ten times what this version writes. A record that asks for more would keep the lock screen busy for minutes.
+/// Ten times what this version writes. More iterations could keep the lock screen busy for minutes.
 constexpr std::uint32_t mostIterations = 2'100'000;
 
 std::uint32_t readBigEndian(std::span<const std::uint8_t, 4> bytes)

@@ -6,13 +6,13 @@
 
 namespace sentrel {
 
-/// What became of a passcode that was entered at the screen cover.
+/// The outcome of a passcode entered at the screen cover.
 struct PasscodeUnlockOutcome {
     enum class Case {
-        lockedOut, ///< too many wrong ones; nothing is checked until the lockout's end
+        lockedOut, ///< too many wrong passcodes; none is checked until the lockout ends
         unlocked,
         incorrect,
-        triggered, ///< wrong once too often
+        triggered, ///< wrong, and the limit of wrong passcodes is reached
     };
     Case outcome = Case::incorrect;
     Date lockoutEndDate{}; ///< of `lockedOut` only

@@ -18,7 +18,7 @@ namespace {
 using ports::deviceOwnerAuthentication;
 using ports::warningAlertStyle;
 
-/// What the system's panel answers, on whatever thread. Shared with the panel, which may outlive the request.
+/// The answer of the system's panel, given on any thread. Shared with the panel, which may outlive the request.
 struct Reply {
     bool succeeded = false;
     Semaphore arrived;
@@ -44,7 +44,7 @@ Async<bool> PasswordGate::authenticate(std::string reason)
 
 Async<bool> PasswordGate::ask(std::string reason)
 {
-    // A fresh context for each request: one that has authenticated before would not ask again.
+    // A new context for each request: a context that has authenticated before would not ask again.
     const auto context = login_.makeContext();
     context->setLocalizedReason(reason);
     auto evaluability = context->canEvaluatePolicy(deviceOwnerAuthentication);
@@ -71,7 +71,7 @@ Async<void> PasswordGate::showUnavailable(std::optional<std::string> why)
         why ? std::move(*why)
             : language_.localized(
                   "This action requires your Mac login, but authentication is not available right now.");
-    // The application lives in the menu bar: without this the alert would open behind the windows of others.
+    // A menu-bar application: without activation the alert would open behind other applications' windows.
     activation_.activate(true);
     co_await alerts_.runModal(std::move(content));
 }

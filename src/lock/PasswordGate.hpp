@@ -14,16 +14,14 @@ class LoginAuthentication;
 
 namespace sentrel {
 
-/// Asks the user for the Mac login. Whether an action needs it is the caller's decision; the gate always asks. It has
-/// no state. Main actor.
+/// Asks the user for the Mac login. Always asks: the caller decides whether an action needs it. Stateless. Main actor.
 class PasswordGate {
 public:
     PasswordGate(ports::LoginAuthentication& login, ports::Alerts& alerts, ports::ApplicationActivation& activation,
                  ports::Language& language);
 
-    /// True only if the user authenticated. The reason, a localised text, is shown in the system's panel. Failure and
-    /// cancellation (also of the calling task) answer false; so does a Mac that can't ask, after an alert that says
-    /// why.
+    /// True only if the user authenticated. The reason, a localised text, is shown in the system's panel. False after a
+    /// failure or cancellation (also of the calling task), or, after an alert that says why, on a Mac that can't ask.
     [[nodiscard]] Async<bool> authenticate(std::string reason);
 
 private:

@@ -4,7 +4,7 @@
 
 namespace sentrel {
 
-/// What the screen cover needs of the alarm. Main actor.
+/// The screen cover's interface to the alarm. Main actor.
 class ScreenCoverAlarm {
 public:
     virtual ~ScreenCoverAlarm() = default;

@@ -22,7 +22,7 @@ namespace {
 
 using Case = PasscodeUnlockOutcome::Case;
 
-// The keyboard, too, leads nowhere but into the passcode field.
+// Also blocks the keyboard's ways out of the cover.
 constexpr std::uint64_t coverPresentation = ports::hidesDock | ports::hidesMenuBar | ports::disablesProcessSwitching |
                                             ports::disablesForceQuit | ports::disablesSessionTermination |
                                             ports::disablesHidingApplication;
@@ -31,7 +31,7 @@ constexpr std::int64_t failuresBeforeLockout = 5;
 constexpr double firstLockoutDuration = 30.0;     // seconds
 constexpr double longestLockoutDuration = 1800.0; // seconds
 
-/// How many wrong passcodes trigger the alarm: a whole number, at least one.
+/// The number of wrong passcodes that triggers the alarm: whole, at least 1.
 double triggerLimit(const AlarmSettings& settings)
 {
     return std::fmax(std::round(settings.failedUnlockAttemptLimit), 1.0);
@@ -39,7 +39,7 @@ double triggerLimit(const AlarmSettings& settings)
 
 } // namespace
 
-/// Marks the service as checking for as long as it lives; the service may die first.
+/// Marks the service as checking during its own lifetime; the service may be destroyed first.
 class ScreenCoverService::Verifying {
 public:
     explicit Verifying(ScreenCoverService& service) : service_(service.anchor_.weak())
@@ -168,8 +168,8 @@ void ScreenCoverService::buildWindows()
     }
 }
 
-/// Another application must not have what is typed at the cover, and the presentation options hold only while this one
-/// is active.
+/// Text typed at the cover must not reach another application, and the presentation options hold only while this one is
+/// active.
 void ScreenCoverService::takeKeyboard()
 {
     ports_.activation.activate(true);
@@ -180,7 +180,7 @@ void ScreenCoverService::takeKeyboard()
 
 std::unique_ptr<ScreenCoverView> ScreenCoverService::makeView()
 {
-    // The task belongs to the service, not to the view: a display that goes away must not cut a check short.
+    // The task belongs to the service, not to the view: a display that disappears must not end a check.
     auto submitTo = [this](SecretText passcode, ScreenCoverView::Answered answered) {
         submissions_.add(mainActor_.spawn(submit(std::move(passcode), std::move(answered))));
     };
@@ -216,7 +216,7 @@ PasscodeUnlockOutcome ScreenCoverService::countFailure()
     ++failedAttempts_;
     const AlarmSettings settings = settings_.settings();
     if (settings.triggerOnFailedUnlock && static_cast<double>(failedAttempts_) >= triggerLimit(settings)) {
-        // Said also when nothing is armed: whoever tries passcodes need not know that.
+        // Answered also when disarmed, so that the outcome doesn't reveal whether the Mac is armed.
         const auto outcome = noted({Case::triggered, {}});
         if (alarm_.isArmed()) {
             alarm_.trigger(TriggerReason::lockBypassAttempt);

@@ -31,8 +31,8 @@ class WallClock;
 class Windows;
 } // namespace ports
 
-/// Covers every display with a black window that only the unlock passcode removes. Counts wrong passcodes: too many
-/// trigger the alarm, and many in a row lock the field for a growing time. Main actor only.
+/// Covers every display with a black window that only the unlock passcode removes. Counts wrong passcodes: a
+/// configurable number triggers the alarm, and five in a row lock the field, for longer each time. Main actor only.
 class ScreenCoverService {
 public:
     struct Ports {
@@ -44,28 +44,28 @@ public:
         ports::Journal& journal;
     };
 
-    /// The alarm is called while a passcode is answered, never in here.
+    /// Doesn't call the alarm; only `attempt` does.
     ScreenCoverService(MainActor mainActor, ScreenCoverAlarm& alarm, UnlockPasscodeStore& passcodes,
                        SettingsStore& settings, Ports ports);
     ScreenCoverService(const ScreenCoverService&) = delete;
     ScreenCoverService& operator=(const ScreenCoverService&) = delete;
 
-    /// Removes the windows. Waits for a check that is under way on another thread.
+    /// Removes the windows. Waits for a check that runs on another thread.
     ~ScreenCoverService();
 
-    /// Covers the displays; true when they are covered, also when they were before. False when no passcode is set.
+    /// Covers the displays; true when they are covered, also by an earlier call. False when no passcode is set.
     [[nodiscard]] bool show();
 
-    /// Removes all windows. What was counted in a row, and a lockout, stay.
+    /// Removes all windows. The count of failures in a row and a lockout stay.
     void hide();
 
-    /// Tries a passcode; one at a time: a second one meanwhile is answered as incorrect, and not counted. The task
-    /// that awaits this dies before the service.
+    /// Checks a passcode. A call during another check answers `incorrect` and is not counted. The task that awaits this
+    /// must end before the service does.
     [[nodiscard]] Async<PasscodeUnlockOutcome> attempt(SecretText passcode);
 
     [[nodiscard]] bool isShowing() const { return isShowing_; }
 
-    /// The end of the lockout under way; none when passcodes are checked.
+    /// The end of the present lockout; none when passcodes are checked.
     [[nodiscard]] std::optional<Date> lockoutEnd() const;
 
 private:

@@ -14,9 +14,9 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr double spacing = 18.0;
-constexpr double fieldWidth = 260.0;
-constexpr double messageWidth = 560.0;
+constexpr double spacing = 18.0;       // points
+constexpr double fieldWidth = 260.0;   // points
+constexpr double messageWidth = 560.0; // points
 
 } // namespace
 
@@ -119,7 +119,7 @@ void ScreenCoverView::act(const PasscodeUnlockOutcome& outcome)
 
 void ScreenCoverView::startCountdown()
 {
-    // The old countdown, if any, ends where it sleeps.
+    // Destroying the old bag ends the old countdown in its sleep.
     lockoutCountdownTask_.emplace();
     lockoutCountdownTask_->add(mainActor_.spawn(countDown()));
 }

@@ -18,23 +18,23 @@ class Language;
 class WallClock;
 } // namespace ports
 
-/// What a covered display shows: a message and the passcode field, with the state of this display's field. Main actor.
+/// The content of a covered display: a message and the passcode field, with this field's own state. Main actor.
 class ScreenCoverView {
 public:
-    /// Hears what became of a passcode.
+    /// Receives the outcome of a passcode.
     using Answered = std::function<void(PasscodeUnlockOutcome)>;
 
-    /// Starts a task that tries the passcode and then tells the outcome, never inline. The view may die meanwhile.
+    /// Starts a task that checks the passcode and then calls `answered`, never inline. The view may die meanwhile.
     using Submit = std::function<void(SecretText passcode, Answered answered)>;
 
     ScreenCoverView(MainActor mainActor, ports::WallClock& wallClock, ports::Language& language, Submit submit);
     ScreenCoverView(const ScreenCoverView&) = delete;
     ScreenCoverView& operator=(const ScreenCoverView&) = delete;
 
-    /// Called after each change of what is shown.
+    /// Called after each change of `body`.
     std::function<void()> onChange;
 
-    /// What is to be seen now.
+    /// The current content.
     [[nodiscard]] ui::View body();
 
 private:

@@ -20,7 +20,7 @@ namespace {
 constexpr std::int32_t success = ports::securitySuccess;
 constexpr std::int32_t itemNotFound = ports::keychainItemNotFound;
 
-/// Rounds of SHA-256 after the first in the digest of older versions.
+/// Rounds of SHA-256 after the first one, in the digest of older versions.
 constexpr int furtherLegacyRounds = 99'999;
 
 /// The item in the login keychain, where older versions kept it.
@@ -154,7 +154,7 @@ std::optional<SecretBytes> UnlockPasscodeStore::readWithMigration()
         return std::move(current.data);
     }
     auto legacy = read(keychain_, legacyQuery());
-    // A current item that just can't be read (the keychain is locked) is not replaced: it may be the newer one.
+    // A current item that can't be read (the keychain is locked) is not replaced: it may be the newer one.
     if (legacy.data && current.status == itemNotFound && write(legacy.data->view())) {
         keychain_.remove(legacyQuery());
     }

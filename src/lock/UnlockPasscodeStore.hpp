@@ -18,9 +18,9 @@ class Random;
 
 namespace sentrel {
 
-/// The passcode that removes the screen cover: kept in the user's keychain as a salted, slow hash, checked, brought up
-/// to date after a successful check, and removed. Passcodes are compared byte for byte, as UTF-8. Main actor, except
-/// where noted.
+/// The passcode that removes the screen cover: kept in the user's keychain as a salted, slow hash, and upgraded after a
+/// successful check if the record is old. Passcodes are compared byte for byte, as UTF-8. Main actor, except where
+/// noted.
 class UnlockPasscodeStore {
 public:
     using Salt = std::array<std::uint8_t, passcodeSaltLength>;
@@ -30,7 +30,7 @@ public:
 
     struct Verification {
         bool matches = false;
-        bool needsUpgrade = false; ///< the record is weaker than what this version writes
+        bool needsUpgrade = false; ///< on a match: the record is weaker than the ones written now
     };
 
     UnlockPasscodeStore(ports::Keychain& keychain, ports::Cryptography& cryptography, ports::Random& random,
@@ -41,23 +41,23 @@ public:
     /// Whether a passcode was set when last asked or changed here; for views.
     Observable<bool> isPasscodeSet{false};
 
-    /// Whether the keychain holds a record, whatever it contains. Moves a record of an older version over.
+    /// True when a record can be read from the keychain, valid or not. Migrates a record of an older version.
     [[nodiscard]] bool hasPasscode();
 
-    /// Derives a key and makes a record of it; none when the derivation fails. Slow. Any thread.
+    /// Derives a key and makes a record from it; none when the derivation fails. Slow. Any thread.
     [[nodiscard]] std::optional<SecretBytes> makeRecord(BytesView passcode, const Salt& salt, std::uint32_t iterations);
 
     /// 16 random bytes. Any thread.
     [[nodiscard]] Salt makeSalt();
 
-    /// Puts the record in place of the present one; false when the keychain refuses, which leaves things as they were.
+    /// Replaces the present record; false when the keychain refuses, which leaves the present record in place.
     [[nodiscard]] bool save(BytesView record);
 
-    /// Checks a passcode against a record of either form; anything else never matches. Slow. Any thread.
+    /// Checks a passcode against a record of either form; a malformed record never matches. Slow. Any thread.
     [[nodiscard]] Verification verify(BytesView passcode, BytesView record);
 
-    /// Whether the passcode unlocks. A match with an old or weak record replaces that by a new one. Slow: any thread
-    /// but the main one, while the other operations may go on there.
+    /// True when the passcode matches the stored record. A match replaces an old or weak record. Slow: any thread but
+    /// the main one, where the other operations may run meanwhile.
     [[nodiscard]] bool verifyStoredPasscode(BytesView passcode);
 
     /// Removes the passcode from both keychains.
@@ -75,7 +75,7 @@ private:
     ports::Random& random_;
     ports::GeneralRandom& generalRandom_;
 
-    // Guards each sequence of keychain calls, and the count of the changes that were asked for on the main actor.
+    // Guards each sequence of keychain calls, and `changes_`, the number of calls to `save` and `remove`.
     std::mutex keychainMutex_;
     std::uint64_t changes_ = 0;
 };

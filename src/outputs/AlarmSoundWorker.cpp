@@ -16,10 +16,10 @@ constexpr const char* savedStateKey = "alarmSavedOutputState";
 constexpr std::string_view noDeviceMessage = "No audio output device was found. The alarm is using the system beep.";
 constexpr std::string_view noToneMessage = "The alarm tone couldn't start. The alarm is using the system beep.";
 
-/// One period of the tone: how often the volume is forced up again and the beep repeated.
+/// One period of the tone; the interval at which the volume is enforced and the beep repeated.
 constexpr Duration tickInterval = 900ms;
 
-/// The end of the application waits no longer for a queue that a call holds.
+/// Limit of `stopAndWait` while a system call holds the queue.
 constexpr Duration longestStop = 2s;
 
 constexpr float lowestSetting = 0.1F;
@@ -39,14 +39,14 @@ AlarmSoundWorker::AlarmSoundWorker(Scheduler& scheduler, const AlarmSoundService
 
 AlarmSoundWorker::~AlarmSoundWorker()
 {
-    // The timer belongs to the queue: it goes while the queue stands, but when none of its jobs runs any more.
+    // The timer uses the queue's executor: it is destroyed before the queue, but after the last job has ended.
     queue_.close();
     volumeTimer_.reset();
 }
 
 float AlarmSoundWorker::effectiveVolume(float setting)
 {
-    // Turned round so that a NaN gives the lowest volume.
+    // Negated so that a NaN gives the lowest volume.
     if (!(setting > lowestSetting)) {
         return lowestVolume;
     }
@@ -90,7 +90,7 @@ Async<void> AlarmSoundWorker::playNow(float volume)
     }
     co_await services_.mediaPlayback.pauseAllAndWait();
     takeOverDevice();
-    // Once more, without waiting: it catches a player that was slow to answer or has resumed.
+    // A second pause, without waiting, catches a player that was slow to answer or has resumed.
     services_.mediaPlayback.pauseAll();
     const bool hasTone = toneEngine_.start(*alarmOutputDeviceID_, alarmVolume_);
     startVolumeTimer();
@@ -119,7 +119,7 @@ std::optional<ports::AudioObjectId> AlarmSoundWorker::chooseDevice() const
 void AlarmSoundWorker::takeOverDevice()
 {
     savedOutputState_ = services_.outputVolume.takeOver(*alarmOutputDeviceID_, alarmVolume_);
-    // At once, so that a crash from here on finds what to put back.
+    // Saved at once, so that the launch after a crash can restore the output.
     if (const auto json = encode(*savedOutputState_)) {
         quietly([&] { services_.defaults.setData(savedStateKey, *json); });
     }
@@ -127,7 +127,7 @@ void AlarmSoundWorker::takeOverDevice()
 
 void AlarmSoundWorker::startVolumeTimer()
 {
-    // The timer dies with the worker, after the queue has been closed: its tick never finds the worker gone.
+    // `this` is safe: the worker closes the queue before it destroys the timer.
     volumeTimer_ =
         std::make_unique<RepeatingTimer>(queue_.scheduler(), queue_.executor(), tickInterval, [this] { tick(); });
 }
@@ -161,8 +161,8 @@ void AlarmSoundWorker::tick()
     watch_.noteSounding();
 }
 
-/// The system stops an engine whose output changes its format or goes away. Such an engine is started anew, but one
-/// that doesn't last until the next tick is given up.
+/// The system stops an engine whose output changes its format or disappears. Such an engine is restarted, but given up
+/// if it stops again before the next tick.
 void AlarmSoundWorker::keepToneRunning()
 {
     if (toneEngine_.isRunning()) {
@@ -187,7 +187,7 @@ void AlarmSoundWorker::fallBackToBeeps()
 
 void AlarmSoundWorker::beepBurst()
 {
-    // The system beeps on the default device only, so that the alarm's device has to be it for a moment.
+    // The system beeps only on the default device, so the alarm's device becomes the default for the burst.
     const auto usual = services_.outputVolume.defaultOutputDevice();
     const bool mustSwitch = alarmOutputDeviceID_ && usual && *usual != *alarmOutputDeviceID_;
     if (mustSwitch) {
@@ -230,7 +230,7 @@ void AlarmSoundWorker::restoreNow()
     if (!state) {
         return;
     }
-    // First the key: a state that somehow ends the program must not do so at every launch.
+    // The key is removed first: a state that ends the program must not do so at every launch.
     quietly([this] { services_.defaults.remove(savedStateKey); });
     services_.outputVolume.restore(*state);
 }

@@ -17,7 +17,7 @@
 
 namespace sentrel {
 
-/// What the alarm sound works with. Everything referred to outlives it.
+/// The services behind the alarm sound. All of them outlive it.
 struct AlarmSoundServices {
     SystemVolumeControl& outputVolume;
     MediaPlayback& mediaPlayback;
@@ -29,9 +29,8 @@ struct AlarmSoundServices {
 };
 
 /// Sounds the alarm on its own queue: it pauses music, takes the speaker over, plays the tone or, failing that, the
-/// system's beep, and keeps the volume up until it is stopped. A call of the system that raises costs only what that
-/// call would have done; one that never comes back holds the queue, and the watch beeps instead. Operations may be
-/// called on any thread.
+/// system's beep, and keeps the volume up until it is stopped. A system call that throws is skipped; one that never
+/// returns blocks the queue, and the watch beeps instead. Operations may be called on any thread.
 class AlarmSoundWorker {
 public:
     /// Called off the main thread with an English text, the key of its translation.
@@ -39,22 +38,22 @@ public:
 
     AlarmSoundWorker(Scheduler& scheduler, const AlarmSoundServices& services, DegradedCallback onDegraded);
 
-    /// Silences the tone; puts nothing back, as in a crash: the saved output state on disk does that at the next
-    /// launch.
+    /// Silences the tone but restores nothing, as in a crash: the next launch does that from the output state saved on
+    /// disk.
     ~AlarmSoundWorker();
     AlarmSoundWorker(const AlarmSoundWorker&) = delete;
 
     /// Starts the alarm at a volume setting of 0 to 1, unless it sounds already.
     void play(float volume);
 
-    /// Stops it and puts the user's audio output back.
+    /// Stops the alarm and restores the user's audio output.
     void stop();
 
-    /// The same, and returns when it is done, or after two seconds if some call holds the queue: the next launch then
-    /// puts the output back. Not from the worker's queue.
+    /// Like `stop`, but blocks until it is done, or for 2 s if a system call holds the queue: the next launch then
+    /// restores the output. Not from the worker's queue.
     void stopAndWait();
 
-    /// Puts the audio output back that a crash has left behind.
+    /// Restores the audio output after a crash that left it taken over.
     void restoreLeftoverState();
 
     /// The effective volume for a setting: 0.1 to 1.0 mapped onto 0.25 to 1.0, so that no setting makes it quiet.
@@ -79,13 +78,13 @@ private:
     ToneEngine toneEngine_;
     std::unique_ptr<RepeatingTimer> volumeTimer_;
     bool usingBeepFallback_ = false;
-    bool wasToneRestarted_ = false; // at the last tick
+    bool wasToneRestarted_ = false; // whether the last tick restarted the tone
     bool isPlaying_ = false;
     float alarmVolume_ = 0.8F;
     std::optional<SavedOutputState> savedOutputState_;
     std::optional<ports::AudioObjectId> alarmOutputDeviceID_;
     AlarmWatch watch_;
-    SerialQueue queue_; // last: dead before what its jobs use
+    SerialQueue queue_; // last: destroyed before the members that its jobs use
 };
 
 } // namespace sentrel

@@ -11,10 +11,10 @@ namespace {
 
 using namespace std::chrono_literals;
 
-/// A little more than the worker's period, so that a worker that falls back to beeps gives its sign before.
+/// Slightly longer than the worker's period, so that a worker that falls back to beeps reports first.
 constexpr Duration checkInterval = 950ms;
 
-/// How long the worker's sign holds: two of its periods and some delay.
+/// Validity of the worker's report: two of its periods and some delay.
 constexpr Duration signHolds = 2s;
 
 constexpr float beepsAtFullVolume = 3.0F;
@@ -30,7 +30,7 @@ AlarmWatch::AlarmWatch(Scheduler& scheduler, ports::SystemBeep& beep, std::funct
 
 AlarmWatch::~AlarmWatch()
 {
-    // The timer belongs to the queue: it goes while the queue stands, but when none of its jobs runs any more.
+    // The timer uses the queue's executor: it is destroyed before the queue, but after the last job has ended.
     queue_.close();
     timer_.reset();
 }
@@ -63,7 +63,7 @@ void AlarmWatch::end()
 void AlarmWatch::check()
 {
     const Instant now = queue_.scheduler().now();
-    // A Mac that has slept had no time for signs either.
+    // While the Mac slept, the worker had no time to report either.
     const bool hasSlept = now - std::exchange(lastCheck_, now) > 2 * checkInterval;
     if (now < soundsUntil_ || hasSlept) {
         return;

@@ -9,10 +9,10 @@
 
 namespace sentrel {
 
-/// Beeps when the alarm should sound and doesn't. The worker's queue stands still while a call of the audio system does
-/// not come back, and no code can interrupt such a call; so the watch has a queue of its own, where it calls nothing
-/// but the beep. The first beep comes within a second of the trigger, and one a period follows until the worker gives a
-/// sign again. Operations may be called on any thread.
+/// Beeps when the alarm should sound but doesn't. An audio system call that hangs blocks the worker's queue and can't
+/// be interrupted, so the watch has its own queue, where its only system call is the beep. It first beeps within a
+/// second of the trigger, then every 950 ms until the worker reports sound again. Operations may be called on any
+/// thread.
 class AlarmWatch {
 public:
     /// `onBeeping` is called on the watch's queue, once for each alarm, after the first beep.
@@ -20,16 +20,16 @@ public:
     ~AlarmWatch();
     AlarmWatch(const AlarmWatch&) = delete;
 
-    /// The alarm is wanted, at this effective volume; no effect when it is already.
+    /// Starts watching, at this effective volume. No effect while already watching.
     void begin(float alarmVolume);
 
-    /// The worker makes the sound: now, and for the next two periods.
+    /// Reports that the worker makes the sound; valid for the worker's next two periods.
     void noteSounding();
 
-    /// The alarm is no longer wanted.
+    /// Stops watching.
     void end();
 
-    /// Beeps as often as the volume wants it: 1 to 3 times. One that raises is passed over.
+    /// Beeps 1 to 3 times, depending on the volume. A beep that throws is skipped.
     static void beepBurst(ports::SystemBeep& beep, float alarmVolume);
 
 private:
@@ -37,12 +37,12 @@ private:
 
     ports::SystemBeep& beep_;
     const std::function<void()> onBeeping_;
-    std::unique_ptr<RepeatingTimer> timer_; // while the alarm is wanted
+    std::unique_ptr<RepeatingTimer> timer_; // null while not watching
     float alarmVolume_ = 0.0F;
     Instant soundsUntil_;
     Instant lastCheck_;
     bool hasBeeped_ = false;
-    SerialQueue queue_; // last: dead before what its jobs use
+    SerialQueue queue_; // last: destroyed before the members that its jobs use
 };
 
 } // namespace sentrel

@@ -9,7 +9,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-/// Above all that a capture may take: 3 s of warm-up, three photos of at most 5 s and two pauses of 1.2 s.
+/// Exceeds the longest capture: 3 s of warm-up, three photos of at most 5 s and two pauses of 1.2 s.
 constexpr Duration longestCapture = 30s;
 
 } // namespace

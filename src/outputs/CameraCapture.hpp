@@ -11,16 +11,16 @@ public:
     CameraCapture(Scheduler& scheduler, ports::Camera& camera, ports::ImageCodec& codec, ports::StandardOutput& output,
                   ports::Journal& journal);
 
-    /// Whether the user allows the camera. Shows the system's prompt if they were never asked, and then waits for the
-    /// answer; a refusal is not asked again.
+    /// True when the user allows the camera. If the user was never asked, shows the system's prompt and waits for the
+    /// answer; doesn't ask again after a refusal.
     Async<bool> requestAccess();
 
     /// Takes one photo. The completion is called once, on the worker's queue, with a JPEG or without data.
     void capture(CaptureWorker::Completion completion);
 
-    /// The same as an awaitable call, but for at most 30 seconds: a camera system that hangs costs the photo, not the
-    /// alert. A photo that comes later is dropped. As long as the worker still owes one, further calls give none at
-    /// once. A task that is cancelled meanwhile ends the wait, not the capture.
+    /// Takes one photo; none after a failure, or after 30 s: a camera system that hangs costs the photo, not the alert.
+    /// A photo that comes later is dropped, and until it comes further calls return none at once. Cancelling the task
+    /// ends the wait, not the capture.
     Async<std::optional<Bytes>> capturePhoto();
 
 private:
@@ -29,7 +29,7 @@ private:
     Scheduler& scheduler_;
     ports::Journal& journal_;
     ports::Camera& camera_;
-    std::shared_ptr<PhotoAnswer> overdue_; // the one that missed its deadline; the worker takes one at a time
+    std::shared_ptr<PhotoAnswer> overdue_; // the latest answer that missed its deadline
     CaptureWorker worker_;
 };
 

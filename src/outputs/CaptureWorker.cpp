@@ -25,12 +25,12 @@ constexpr Duration photoTimeout = 5s;
 constexpr Duration abandonedDelegateLife = 30s;
 constexpr Duration retakePause = 1200ms;
 constexpr Duration shutdownDelay = 15s;
-constexpr double tooDark = 0.08;
-constexpr int mostPhotos = 3;
+constexpr double tooDark = 0.08; // brightness, 0 to 1
+constexpr int mostPhotos = 3;    // in one capture
 
 } // namespace
 
-/// Where a photo arrives; a photo that comes after the wait ended lands in a box that nobody opens.
+/// Receives a photo. A photo that arrives after the wait has ended is never read.
 struct CaptureWorker::ResultBox {
     std::optional<Bytes> photo;
     Semaphore arrived;
@@ -62,7 +62,7 @@ Async<void> CaptureWorker::runCapture(Completion completion)
     } catch (...) {
         shot.failure = "raised";
     }
-    // Also without a photo, or the camera would stay on until the next capture.
+    // Also after a failure, or the camera would stay on until the next capture.
     if (session_) {
         scheduleShutdown();
     }
@@ -76,12 +76,12 @@ Async<void> CaptureWorker::runCapture(Completion completion)
     completion(std::move(jpeg));
 }
 
-/// All of a capture up to the photo that is kept: permission, session, photo, and retakes while it is too dark.
+/// Runs a capture up to the photo that is kept: permission, session, photo, and retakes while it is too dark.
 Async<CaptureWorker::Shot> CaptureWorker::takeKeptPhoto()
 {
     Shot kept;
     if (camera_.authorizationStatus(videoMediaType) != ports::CaptureAuthorization::authorized) {
-        kept.failure = "not authorized"; // never prompt here: nobody is there who should answer
+        kept.failure = "not authorized"; // never prompt here: the user isn't there to answer
         co_return kept;
     }
     kept.failure = co_await ensureSession();
@@ -158,7 +158,7 @@ std::string_view CaptureWorker::buildSession(const ports::CaptureDevice& device)
     return {};
 }
 
-/// Lets exposure and white balance settle, within bounds.
+/// Waits for exposure and white balance to settle: at least 1 s, at most 3 s.
 Async<void> CaptureWorker::warmUp(std::shared_ptr<ports::CaptureDevice> device)
 {
     const Instant deadline = scheduler_.now() + warmUpAtMost;
@@ -193,7 +193,7 @@ Async<CaptureWorker::Shot> CaptureWorker::takePhoto()
 
     const bool arrived = co_await box->arrived.waitUntil(scheduler_.now() + photoTimeout);
     if (!arrived) {
-        // A late callback must still find its delegate; one that never comes must not keep it for ever.
+        // A late callback must still find its delegate, but a delegate must not wait for ever.
         detached(scheduler_, QualityOfService::standard, forgetLater(inFlight_, id));
     }
     const std::lock_guard guard{inFlight_->delegateLock};
@@ -202,7 +202,7 @@ Async<CaptureWorker::Shot> CaptureWorker::takePhoto()
     co_return shot;
 }
 
-/// False when the output raises, as it does once it has lost its camera.
+/// False when the output throws, as it does after losing its camera.
 bool CaptureWorker::ask(const ports::PhotoSettings& settings, const std::shared_ptr<PhotoCaptureDelegate>& delegate)
 {
     return quietly([&] {
@@ -213,7 +213,7 @@ bool CaptureWorker::ask(const ports::PhotoSettings& settings, const std::shared_
 
 std::shared_ptr<PhotoCaptureDelegate> CaptureWorker::makeDelegate(std::int64_t id, std::shared_ptr<ResultBox> box)
 {
-    // Weak, because what is in flight owns the delegate and thereby this function.
+    // Weak, because `InFlight` owns the delegate and thereby this function.
     auto receive = [weakInFlight = std::weak_ptr{inFlight_}, box = std::move(box), id](std::optional<Bytes> photo) {
         if (const auto inFlight = weakInFlight.lock()) {
             const std::lock_guard guard{inFlight->delegateLock};

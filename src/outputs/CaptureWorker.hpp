@@ -21,8 +21,8 @@ namespace sentrel {
 
 using ports::videoMediaType;
 
-/// Takes photos, one capture after another on its own queue, which a capture holds from its start to its end. The
-/// session stays warm between captures and is shut down 15 seconds after the last one.
+/// Takes photos, one capture after another on its own queue, which is held for the whole capture. The session stays
+/// warm between captures and is shut down 15 s after the last one.
 class CaptureWorker {
 public:
     using Completion = std::function<void(std::optional<Bytes> jpeg)>;
@@ -35,8 +35,8 @@ public:
     CaptureWorker(const CaptureWorker&) = delete;
     CaptureWorker& operator=(const CaptureWorker&) = delete;
 
-    /// Enqueues a capture. The completion is called once, on the queue, without data after any failure, also one that
-    /// is raised. Any thread.
+    /// Enqueues a capture. The completion is called once, on the queue, without data after any failure or exception.
+    /// Any thread.
     void capture(Completion completion);
 
 private:
@@ -44,11 +44,11 @@ private:
     struct Shot {
         std::optional<Bytes> photo;
         std::string_view failure;
-        int attempts = 0; ///< how many photos were taken for this one
+        int attempts = 0; ///< photos taken, retakes included
     };
 
-    /// Delegates whose photo hasn't arrived and wasn't given up, by the unique identifier of their settings. Shared
-    /// with callbacks that may come after the worker's end.
+    /// Delegates that still wait for their photo, by the unique identifier of their settings. Shared with callbacks
+    /// that may come after the worker is destroyed.
     struct InFlight {
         std::mutex delegateLock; // guards the delegates and all result boxes
         std::map<std::int64_t, std::shared_ptr<PhotoCaptureDelegate>> delegates;
@@ -58,11 +58,11 @@ private:
     Async<void> runCapture(Completion completion);
     Async<Shot> takeKeptPhoto();
 
-    /// A running session, warm if it is new; gives the reason when there is none, and nothing otherwise.
+    /// Ensures a running session and warms up a new one. Returns the reason of a failure; empty on success.
     Async<std::string_view> ensureSession();
     [[nodiscard]] std::shared_ptr<ports::CaptureDevice> chooseCamera();
 
-    /// Makes and starts a session for the camera, and keeps it; gives the reason when that fails.
+    /// Makes, starts and keeps a session for the camera. Returns the reason of a failure; empty on success.
     [[nodiscard]] std::string_view buildSession(const ports::CaptureDevice& device);
     Async<void> warmUp(std::shared_ptr<ports::CaptureDevice> device);
     Async<Shot> takePhoto();
@@ -82,8 +82,8 @@ private:
     std::shared_ptr<ports::PhotoOutput> output_;
     std::shared_ptr<WorkItem> shutdownWorkItem_;
     std::shared_ptr<InFlight> inFlight_ = std::make_shared<InFlight>();
-    WeakAnchor<CaptureWorker> anchor_{*this}; // read on the queue, and so cut after it
-    SerialQueue queue_;                       // last: its end waits for what runs on it, which uses the rest
+    WeakAnchor<CaptureWorker> anchor_{*this}; // read on the queue, so destroyed after it
+    SerialQueue queue_;                       // last: its destructor waits for the running job, which uses the rest
 };
 
 } // namespace sentrel

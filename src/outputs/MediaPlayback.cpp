@@ -19,8 +19,8 @@ using namespace std::chrono_literals;
 constexpr Duration longestWait = 500ms;
 constexpr std::int32_t noError = 0;
 
-constexpr std::uint32_t keyDown = 0x0A; // in bits 8 to 15 of the flags and of the data
-constexpr std::uint32_t keyUp = 0x0B;
+constexpr std::uint32_t keyDown = 0x0A; // NX_KEYDOWN, in bits 8 to 15 of the flags and of the data
+constexpr std::uint32_t keyUp = 0x0B;   // NX_KEYUP
 
 const std::vector<MediaPlayer>& knownPlayers()
 {
@@ -87,7 +87,7 @@ Async<void> MediaPlayback::askForConsent(Helpers with)
 {
     const auto players = runningPlayers(with.applications);
     for (const MediaPlayer& player : players) {
-        // The answer isn't needed: what counts is that the user has been asked.
+        // The answer is ignored: the call only makes the system ask the user.
         co_await determinePermission(with.automation, player.bundleIdentifier, true);
         with.mainActor.spawn(runPlayingTest(with.weak, player));
     }
@@ -109,7 +109,7 @@ void MediaPlayback::pause(MediaPlayer player, std::function<void()> completion)
              testAndPause(helpers(), std::move(player), std::move(completion)));
 }
 
-/// The permission test takes as long as the system likes, and so runs off the main thread; the rest runs there.
+/// The permission test may take arbitrarily long, so it runs off the main thread; the rest runs on it.
 Async<void> MediaPlayback::testAndPause(Helpers with, MediaPlayer player, Completion completion)
 {
     bool isPermitted = false;
@@ -117,7 +117,7 @@ Async<void> MediaPlayback::testAndPause(Helpers with, MediaPlayer player, Comple
         const auto status = co_await determinePermission(with.automation, player.bundleIdentifier, false);
         isPermitted = status && *status == noError;
     } catch (...) {
-        // Raised: as good as refused.
+        // An exception counts as a refusal.
     }
     with.mainActor.spawn(pauseIfAlive(with.weak, std::move(player), isPermitted, std::move(completion)));
 }
@@ -138,14 +138,14 @@ Async<void> MediaPlayback::pauseOnMain(MediaPlayer player, bool isPermitted, Com
     try {
         isPaused = co_await runPauseScript(player, isPermitted);
     } catch (...) {
-        // Raised: as good as failed.
+        // An exception counts as a failure.
     }
     try {
         if (!isPaused) {
             co_await pressKeyIfPlaying(player);
         }
     } catch (...) {
-        // The attempt is over all the same.
+        // The attempt is over in any case.
     }
     if (completion) {
         completion();
@@ -184,7 +184,7 @@ Async<bool> MediaPlayback::isPlaying(MediaPlayer player)
 
 Async<bool> MediaPlayback::isPermitted(std::string bundleIdentifier)
 {
-    // Off the main thread, which it might occupy for long.
+    // Off the main thread, which the test might block for long.
     const auto test = detached(mainActor_.scheduler(), QualityOfService::userInteractive,
                                determinePermission(automation_, std::move(bundleIdentifier), false));
     const auto status = co_await test;
@@ -204,15 +204,15 @@ void MediaPlayback::pauseAll()
 
 Async<void> MediaPlayback::pauseAllAndWait()
 {
-    // Shared: a pause may outlast the wait for it.
+    // Shared, because a pause may outlast the wait for it.
     const auto finished = std::make_shared<Semaphore>();
-    // Listing the players happens elsewhere, too: a launch service that hangs must not hold up the alarm.
+    // Listing the players is detached, too: a launch service that hangs must not hold up the alarm.
     detached(mainActor_.scheduler(), QualityOfService::userInteractive,
              pauseEach(helpers(), [finished] { finished->signal(); }));
     co_await finished->waitUntil(mainActor_.scheduler().now() + longestWait);
 }
 
-/// Starts a pause for each running player; tells when the last is over, at once if there is none.
+/// Starts a pause for each running player. Calls `allOver` when the last one is over, or at once if there is none.
 Async<void> MediaPlayback::pauseEach(Helpers with, Completion allOver)
 {
     const auto players = quietly([&with] { return runningPlayers(with.applications); });

@@ -16,38 +16,38 @@ struct MediaPlayer {
     std::string name; ///< as scripts call it
 };
 
-/// Pauses music, so that it doesn't compete with the alarm. It never asks the user's consent while it pauses: that is
-/// done ahead of time. Every failure only means that nothing is paused. Lives on the main actor.
+/// Pauses music, so that it doesn't compete with the alarm. Pausing never asks for the user's consent;
+/// `requestAutomationConsent` does so ahead of time. Failures are ignored. Lives on the main actor.
 class MediaPlayback {
 public:
     MediaPlayback(MainActor mainActor, ports::RunningApplications& applications, ports::Automation& automation,
                   ports::EventPosting& eventPosting);
     MediaPlayback(const MediaPlayback&) = delete;
 
-    /// The known players that run now. Any thread.
+    /// The known players that are running. Any thread.
     [[nodiscard]] std::vector<MediaPlayer> listRunningPlayers() const;
 
-    /// Asks for consent to automate the running players, so that the question comes while the user is at the Mac. It
-    /// takes as long as the user does, and may be awaited off the main thread.
+    /// Asks the user's consent to automate the running players, ahead of any alarm. Takes as long as the user takes to
+    /// answer; may be awaited off the main thread.
     [[nodiscard]] Async<void> requestAutomationConsent();
 
     /// Starts pausing a player and returns at once. The completion is called on the main actor when the attempt is
-    /// over; never, when this object dies before. Any thread.
+    /// over, or never if this object is destroyed first. Any thread.
     void pause(MediaPlayer player, std::function<void()> completion = nullptr);
 
     /// Starts pausing all running players and returns at once. Any thread.
     void pauseAll();
 
-    /// The same, and waits for them at most 500 ms in all, also for their listing. Awaited off the main actor.
+    /// Pauses all running players and waits at most 500 ms, the listing included. Awaited off the main actor.
     [[nodiscard]] Async<void> pauseAllAndWait();
 
-    /// Whether the player runs, may be asked and says that it plays. Main actor.
+    /// True when the player runs, may be automated and reports that it plays. Main actor.
     [[nodiscard]] Async<bool> isPlaying(MediaPlayer player);
 
 private:
     using Completion = std::function<void()>;
 
-    /// What coroutines off the main thread work with: the ports outlive this object, and the handle knows of its end.
+    /// For coroutines off the main thread: the ports outlive this object, and `weak` is null after its end.
     struct Helpers {
         MainActor mainActor;
         ports::RunningApplications& applications;

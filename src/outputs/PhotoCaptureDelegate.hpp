@@ -16,7 +16,7 @@ public:
 
     PhotoCaptureDelegate(ports::StandardOutput& output, Completion completion);
 
-    /// Prints an error and completes without data; otherwise completes with the photo's file, which may be absent.
+    /// Completes with the photo's file, which may be absent; after an error, prints it and completes without data.
     void didFinishProcessingPhoto(const ports::CapturedPhoto& photo, std::optional<std::string> error) override;
 
 private:

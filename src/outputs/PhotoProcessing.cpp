@@ -15,7 +15,7 @@ constexpr double greenWeight = 0.7152;
 constexpr double blueWeight = 0.0722;
 
 constexpr std::uint32_t alertPhotoMaxPixelSize = 1600;
-constexpr double alertPhotoQuality = 0.7;
+constexpr double alertPhotoQuality = 0.7; // JPEG quality, 0 to 1
 constexpr auto jpegType = "public.jpeg";
 
 } // namespace

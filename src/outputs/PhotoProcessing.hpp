@@ -5,12 +5,11 @@
 
 namespace sentrel {
 
-/// How bright a photo is, 0 to 1: its average colour weighted as the eye sees it. Data that is no image counts as 1.
-/// Any thread.
+/// Luma (ITU-R BT.709) of the photo's average colour, 0 to 1. Data that isn't an image gives 1. Any thread.
 [[nodiscard]] double photoBrightness(ports::ImageCodec& codec, BytesView photo);
 
-/// The photo as a JPEG for an alert: upright, no side longer than 1600 pixels. The original comes back unchanged when
-/// that fails or isn't smaller. Any thread.
+/// The photo as a JPEG for an alert: upright, no side longer than 1600 pixels. Returns the original when that fails or
+/// the result isn't smaller. Any thread.
 [[nodiscard]] Bytes reencodedPhoto(ports::ImageCodec& codec, Bytes photo);
 
 } // namespace sentrel

@@ -7,10 +7,10 @@
 
 namespace sentrel {
 
-/// How the audio output was before the alarm took it over; kept on disk while the alarm sounds.
+/// The audio output's state before the alarm took it over; kept on disk while the alarm sounds.
 struct SavedOutputState {
     ports::AudioObjectId speakerDeviceID = 0; ///< the device that was taken over
-    float speakerVolume = 0.0F;               ///< its volume scalar; 0 if it had none that could be read
+    float speakerVolume = 0.0F;               ///< its volume scalar, 0 to 1; 0 if it could not be read
     bool speakerWasMuted = false;
     std::optional<ports::AudioObjectId> previousDefaultDeviceID; ///< none if it could not be read
     std::optional<float> previousDefaultVolume;                  ///< none exactly when there is no such device
@@ -20,11 +20,11 @@ struct SavedOutputState {
     friend bool operator==(const SavedOutputState&, const SavedOutputState&) = default;
 };
 
-/// The state as a JSON object under its fields' names, in their order, absent values left out. None when a volume
-/// isn't a finite number.
+/// The state as a JSON object with the fields' names in their order; absent values are omitted. None when a volume
+/// isn't finite.
 [[nodiscard]] std::optional<Bytes> encode(const SavedOutputState& state);
 
-/// Reads the JSON form strictly: none unless every field is right; only the two optional ones may be missing or null.
+/// Strict: none unless every field is present and valid; only the two optional ones may be missing or null.
 [[nodiscard]] std::optional<SavedOutputState> decodeSavedOutputState(BytesView json);
 
 } // namespace sentrel

@@ -25,7 +25,7 @@ constexpr AudioPropertyAddress deviceName{nameSelector, globalScope, 0};
 // Devices expose the virtual main volume, the plain one, or both; the first is preferred for reading.
 constexpr std::array<std::uint32_t, 2> volumeSelectors{virtualMainVolumeSelector, volumeScalarSelector};
 
-// The main element and the first channels.
+// The main element and the first four channels.
 constexpr std::array<std::uint32_t, 5> outputElements{0, 1, 2, 3, 4};
 
 constexpr const char* speakerUIDMark = "BuiltInSpeaker";
@@ -114,7 +114,7 @@ void SystemVolumeControl::enforce(AudioObjectId device, float volume) const
 {
     writeMute(device, 0);
     const float bounded = volume > 0.0F ? std::min(volume, 1.0F) : 0.0F;
-    // Every selector, not only the one that is read: which of them counts differs between devices.
+    // Sets every selector, not only the one that is read: the effective one differs between devices.
     for (const std::uint32_t selector : volumeSelectors) {
         for (const std::uint32_t element : outputElements) {
             const AudioPropertyAddress address{selector, outputScope, element};

@@ -9,8 +9,8 @@
 
 namespace sentrel {
 
-/// Lets the alarm use the built-in speaker at its own volume, whatever the user has chosen, and puts everything back.
-/// It keeps no state and reports no errors: what a device doesn't have, refuses or raises is passed over. Any thread;
+/// Lets the alarm use the built-in speaker at its own volume, and restores the user's choice afterwards. Stateless;
+/// reports no errors: a property that a device lacks, or an access that is refused or throws, is skipped. Any thread;
 /// the calls may take as long as the audio system does.
 class SystemVolumeControl {
 public:
@@ -19,24 +19,24 @@ public:
     {
     }
 
-    /// The built-in output device that calls itself a speaker, else the first built-in one; none without any.
+    /// The built-in output device whose UID or name says speaker, else the first built-in one; none if there is none.
     [[nodiscard]] std::optional<ports::AudioObjectId> findBuiltInSpeaker() const;
 
     /// The system's default output device; none when it can't be read.
     [[nodiscard]] std::optional<ports::AudioObjectId> defaultOutputDevice() const;
     void setDefaultOutputDevice(ports::AudioObjectId device) const;
 
-    /// The device's volume scalar, 0 to 1; none when it has none that can be read.
+    /// The device's volume scalar, 0 to 1; none when it can't be read.
     [[nodiscard]] std::optional<float> volume(ports::AudioObjectId device) const;
     [[nodiscard]] bool isMuted(ports::AudioObjectId device) const;
 
-    /// Unmutes the device and sets its volume, bounded to 0...1, wherever it has one.
+    /// Unmutes the device and sets each of its volume properties, clamped to 0...1.
     void enforce(ports::AudioObjectId device, float volume) const;
 
     /// Makes the device the default output at this volume; returns what `restore` needs to undo that.
     [[nodiscard]] SavedOutputState takeOver(ports::AudioObjectId speaker, float volume) const;
 
-    /// Puts the speaker back, and the previous default device too if the take-over had switched away from it.
+    /// Restores the speaker, and the previous default device too if the take-over had switched away from it.
     void restore(const SavedOutputState& state) const;
 
 private:

@@ -9,16 +9,16 @@ namespace sentrel {
 
 namespace {
 
-/// How much louder than the alarm volume the samples are, up to full scale.
+/// Ratio of the samples' amplitude to the alarm volume; the amplitude is capped at full scale.
 constexpr double gain = 1.1;
 
-/// Neighbouring samples that advance together, so that the compiler can use vector instructions.
+/// Number of neighbouring samples that advance together, so that the compiler can use vector instructions.
 constexpr std::size_t laneCount = 16;
 
 using Lanes = std::array<double, laneCount>;
 
-/// A sine by its own recurrence, sin(a + d) = 2 cos(d) sin(a) - sin(a - d), where d is a step of all lanes. In double
-/// precision it strays by less than 1e-9 in the length of a tone; nothing needs to set it right on the way.
+/// Renders a sine by the recurrence sin(a + d) = 2 cos(d) sin(a) - sin(a - d), where d is a step of all lanes. In
+/// double precision the error stays below 1e-9 over the length of a tone, so it is not corrected.
 void renderSine(std::span<float> samples, double amplitude, double radiansPerFrame)
 {
     const double step = radiansPerFrame * laneCount;

@@ -44,7 +44,7 @@ bool ToneEngine::startNow(ports::AudioObjectId device, float alarmVolume)
     if (engine_ == nullptr) {
         return false;
     }
-    // A refusal leaves the engine on the default device, which the take-over has made the same.
+    // A refusal leaves the engine on the default device, which the take-over has set to the same device.
     engine_->setOutputUnitProperty(currentDeviceProperty, globalUnitScope, 0, device);
     const auto format = engine_->makeStandardFormat(ToneBuffer::sampleRate, channelCount);
     if (format == nullptr || !engine_->attachPlayerToMainMixer(*format)) {

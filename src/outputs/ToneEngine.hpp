@@ -13,13 +13,13 @@ public:
     explicit ToneEngine(ports::AudioEngines& engines) : engines_(engines) {}
     ToneEngine(const ToneEngine&) = delete;
 
-    /// Starts the tone anew on the device at an alarm volume of 0 to 1. False when some step of it fails or raises.
+    /// Restarts the tone on the device at an alarm volume of 0 to 1. False when any step fails or throws.
     [[nodiscard]] bool start(ports::AudioObjectId device, float alarmVolume);
 
-    /// False when the tone was never started or has stopped by itself.
+    /// True while the tone's engine runs; false also when the system has stopped it.
     [[nodiscard]] bool isRunning();
 
-    /// Stops the tone. Safe when it doesn't play.
+    /// Stops the tone. Safe when it isn't playing.
     void stop();
 
 private:

@@ -30,8 +30,8 @@ AccelerometerEventHandler::AccelerometerEventHandler(Scheduler& scheduler, ports
 
 AccelerometerEventHandler::~AccelerometerEventHandler()
 {
-    // The queue is closed, not drained: that waits for a callback in progress, and needs no turn of a process that no
-    // longer runs. The client lives until then.
+    // The queue is closed, not drained: closing waits for a callback in progress, but needs no further turn in a
+    // process whose queues may have stopped. The client lives until then.
     const auto client = detachClient();
     queue_.close();
 }
@@ -59,7 +59,7 @@ bool AccelerometerEventHandler::start(std::int64_t usagePage, std::int64_t usage
 void AccelerometerEventHandler::stop()
 {
     if (const auto client = detachClient()) {
-        // A callback in progress has finished when an empty job has had its turn after it.
+        // An empty job runs only after a callback in progress has finished.
         queue_.sync([] {});
     }
 }

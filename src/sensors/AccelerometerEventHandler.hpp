@@ -28,7 +28,7 @@ public:
     AccelerometerEventHandler(const AccelerometerEventHandler&) = delete;
 
     /// Subscribes to the devices of a usage, with a report interval in microseconds. False when there is no such device
-    /// or no way to ask.
+    /// or no HID client.
     [[nodiscard]] bool start(std::int64_t usagePage, std::int64_t usage, std::int64_t reportInterval);
 
     /// Ends the subscription; when it returns, no callback is running and none comes later. Safe when not started.

@@ -58,7 +58,7 @@ void LidMonitor::stop()
 void LidMonitor::check()
 {
     assertOnMainActor(mainActor_);
-    // Without a timer the monitor was stopped after this check had been queued.
+    // No timer: the monitor was stopped after this check was queued.
     if (timer_ == nullptr) {
         return;
     }
@@ -66,7 +66,7 @@ void LidMonitor::check()
     const bool wasClosedNow = wasLidOpen_ && isClosed;
     wasLidOpen_ = !isClosed;
     if (wasClosedNow && onLidClosed) {
-        // A copy, called last: the owner may replace the callback or drop the monitor in it.
+        // Copied and called last: the owner may replace the callback or destroy the monitor in it.
         const auto report = onLidClosed;
         report();
     }

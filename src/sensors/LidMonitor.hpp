@@ -11,7 +11,7 @@
 
 namespace sentrel {
 
-/// Tells when the lid is closed: once for each change from open to closed. It looks whenever the screens go to sleep
+/// Reports when the lid is closed, once for each change from open to closed. Checks whenever the screens go to sleep
 /// and, as a safety net, every 2 s. A lid that can't be read counts as open. Main actor only.
 class LidMonitor {
 public:
@@ -21,13 +21,13 @@ public:
     /// Called on the main actor at each closing.
     std::function<void()> onLidClosed;
 
-    /// Takes the lid's present state as known and watches from now on; starting again starts afresh.
+    /// Starts watching from the lid's present state. A second start restarts the watch.
     void start();
 
     /// Ends the watch; nothing is reported afterwards. Safe when not started.
     void stop();
 
-    /// Reads the lid. Ends the program when the system's number isn't one of 32 unsigned bits.
+    /// True when the lid is closed. Ends the program when the system's value doesn't fit an unsigned 32-bit number.
     [[nodiscard]] bool isLidClosed() const;
 
 private:

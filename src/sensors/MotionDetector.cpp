@@ -8,10 +8,10 @@ namespace sentrel {
 namespace {
 
 constexpr double leastSensitivity = 0.1;
-constexpr double greatestThreshold = 0.9; // at the least sensitivity
-constexpr double thresholdRange = 0.82;   // from the least sensitivity to the greatest
-constexpr double restingShare = 0.25;     // of the threshold: nearer than this, the machine is at rest
-constexpr double adaptationRate = 0.05;   // share of the way to a resting sample
+constexpr double greatestThreshold = 0.9; // g, at the least sensitivity
+constexpr double thresholdRange = 0.82;   // g, from the least sensitivity to the greatest
+constexpr double restingShare = 0.25;     // of the threshold: nearer to the baseline than this, the machine is at rest
+constexpr double adaptationRate = 0.05;   // share of the way from the baseline to a resting sample
 constexpr double cooldownSeconds = 5.0;
 
 bool isFinite(const AccelerationSample& sample)
@@ -23,7 +23,7 @@ bool isFinite(const AccelerationSample& sample)
 
 double MotionDetector::thresholdFor(double sensitivity)
 {
-    // Turned round so that a NaN gives the greatest threshold and not none.
+    // Negated so that a NaN gives the greatest threshold.
     if (!(sensitivity > leastSensitivity)) {
         return greatestThreshold;
     }
@@ -33,7 +33,7 @@ double MotionDetector::thresholdFor(double sensitivity)
 bool MotionDetector::departs(const AccelerationSample& sample)
 {
     if (needsBaseline_) {
-        // Nothing is ever far from a NaN: such a baseline would make the alarm deaf.
+        // A NaN baseline would make the alarm deaf: no distance from it exceeds the threshold.
         if (isFinite(sample)) {
             baseline_ = sample;
             needsBaseline_ = false;

@@ -14,22 +14,22 @@ struct AccelerationSample {
 };
 
 /// Decides from acceleration samples when the computer is being moved. It keeps a baseline of the machine at rest,
-/// lets it follow slow drift, and fires on a sample that is farther from it than the threshold, at most once in 5 s.
-/// A plain value: no clock, no allocation.
+/// which follows slow drift, and fires on a sample farther from the baseline than the threshold, at most once in 5 s. A
+/// plain value: no clock, no allocation.
 class MotionDetector {
 public:
     explicit MotionDetector(double threshold) : threshold_(threshold) {}
 
-    /// The distance in g that a sensitivity stands for: 0.9 up to 0.1, then linearly down to 0.08 at 1.0 and above.
+    /// The threshold in g for a sensitivity: 0.9 up to sensitivity 0.1, then linearly down to 0.08 at 1.0 and above.
     [[nodiscard]] static double thresholdFor(double sensitivity);
 
     /// Forgets the baseline: the next sample becomes it.
     void forgetBaseline() { needsBaseline_ = true; }
 
-    /// Takes a sample in; true when it lies beyond the threshold.
+    /// Processes a sample; true when it lies beyond the threshold.
     bool departs(const AccelerationSample& sample);
 
-    /// Whether a departure at this moment counts; if it does, the 5 s in which no other counts begin.
+    /// True unless a departure was accepted in the last 5 s; `now` then starts the next 5 s.
     bool accept(Date now);
 
     /// Both steps in one: true when the sample fires.

@@ -10,8 +10,8 @@ namespace {
 using ports::accelerometerUsage;
 using ports::appleVendorPage;
 
-constexpr std::int64_t reportInterval = 20'000; // microseconds: 50 samples a second
-constexpr double thresholdBeforeFirstStart = 0.5;
+constexpr std::int64_t reportInterval = 20'000;   // microseconds: 50 samples a second
+constexpr double thresholdBeforeFirstStart = 0.5; // g
 
 } // namespace
 
@@ -77,12 +77,12 @@ Async<void> MotionMonitor::process(Weak<MotionMonitor> weak, AccelerationSample 
 void MotionMonitor::process(const AccelerationSample& sample)
 {
     assertOnMainActor(mainActor_);
-    // Without a handler the monitor was stopped while this sample was on its way.
+    // No handler: the monitor was stopped while this sample was on its way.
     if (handler_ == nullptr || !detector_.departs(sample)) {
         return;
     }
     if (detector_.accept(wallClock_.now()) && onMotionDetected) {
-        // A copy: the owner may replace the callback or drop the monitor in it.
+        // Copied: the owner may replace the callback or destroy the monitor in it.
         const auto report = onMotionDetected;
         report();
     }

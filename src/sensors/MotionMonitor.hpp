@@ -12,30 +12,30 @@
 
 namespace sentrel {
 
-/// Tells when the computer is moved, by its accelerometer, at most once in 5 s. Main actor only.
+/// Reports when the computer is moved, by its accelerometer, at most once in 5 s. Main actor only.
 class MotionMonitor {
 public:
     MotionMonitor(MainActor mainActor, ports::HidEventSystem& events, ports::WallClock& wallClock);
     MotionMonitor(const MotionMonitor&) = delete;
 
-    /// Called on the main actor at each motion that counts.
+    /// Called on the main actor for each reported motion.
     std::function<void()> onMotionDetected;
 
-    /// Watches with this sensitivity (0.1 least, 1.0 most), from a new baseline; starting again starts afresh. Silent
-    /// on a Mac without an accelerometer: `isAccelerometerAvailable` tells.
+    /// Starts watching with this sensitivity (0.1 to 1.0) and a new baseline. A second start restarts the watch.
+    /// Reports nothing on a Mac without an accelerometer; see `isAccelerometerAvailable`.
     void start(double sensitivity);
 
     /// Ends the watch; nothing is reported afterwards. Safe when not started.
     void stop();
 
-    /// Whether this Mac has a usable accelerometer, as the last start or refresh found it. One answer for the whole
-    /// Mac, kept by the one monitor that the Mac has, so that two Macs can live in one process.
+    /// True when the last start or refresh found a usable accelerometer. Not static, so that two simulated Macs can
+    /// live in one process.
     [[nodiscard]] bool isAccelerometerAvailable() const { return isAccelerometerAvailable_; }
 
-    /// Looks again, and remembers and returns the answer.
+    /// Probes again; stores and returns the answer.
     bool refreshAvailability();
 
-    /// Asks the system whether it knows an accelerometer.
+    /// True when the system knows an accelerometer.
     [[nodiscard]] static bool probeAvailability(ports::HidEventSystem& events);
 
 private:

@@ -7,17 +7,17 @@
 
 namespace sentrel {
 
-/// Keeps the Mac from idle-sleeping while it is held. Main actor only. Its end deliberately releases nothing: whoever
-/// acquired it releases it, and the system drops what a dead process held.
+/// Keeps the Mac from idle-sleeping while it is held. Main actor only. The destructor deliberately doesn't release it:
+/// the owner does, and the system drops the assertions of a dead process.
 class PowerAssertion {
 public:
     explicit PowerAssertion(ports::PowerAssertions& assertions) : assertions_(assertions) {}
     PowerAssertion(const PowerAssertion&) = delete;
 
-    /// Takes the assertion under this name, unless it is held already. A refusal leaves it inactive, silently.
+    /// Takes the assertion under this name, unless it is held already. Stays inactive, without an error, if refused.
     void acquire(const std::string& reason);
 
-    /// Gives it back if it is held.
+    /// Releases the assertion if it is held.
     void release();
 
     [[nodiscard]] bool isActive() const { return isActive_; }

@@ -27,9 +27,9 @@ void PowerMonitor::start()
     assertOnMainActor(mainActor_);
     stop();
     const auto check = weakCall(mainActor_, anchor_.weak(), &PowerMonitor::check);
-    // Unknown counts as plugged in, so that the first certain reading of a battery is an unplugging.
+    // Unknown counts as plugged in: the first certain reading of a battery then reports an unplugging.
     wasOnACPower_ = readState() != PowerState::onBattery;
-    // Null when the system makes no notification source: the timer alone then notices the change.
+    // Null when the system makes no notification source: then only the timer notices the change.
     notification_ = sources_.observeChanges(check);
     Scheduler& scheduler = mainActor_.scheduler();
     timer_ = std::make_unique<RepeatingTimer>(scheduler, scheduler.mainExecutor(), powerPollingInterval, check);
@@ -45,7 +45,7 @@ void PowerMonitor::stop()
 void PowerMonitor::check()
 {
     assertOnMainActor(mainActor_);
-    // Without a timer the monitor was stopped after this check had been queued.
+    // No timer: the monitor was stopped after this check was queued.
     if (timer_ == nullptr) {
         return;
     }
@@ -56,7 +56,7 @@ void PowerMonitor::check()
     const bool unplugged = wasOnACPower_ && state == PowerState::onBattery;
     wasOnACPower_ = state == PowerState::onAC;
     if (unplugged && onUnplugged) {
-        // A copy, called last: the owner may replace the callback or drop the monitor in it.
+        // Copied and called last: the owner may replace the callback or destroy the monitor in it.
         const auto report = onUnplugged;
         report();
     }

@@ -10,8 +10,8 @@
 
 namespace sentrel {
 
-/// Tells when the Mac is unplugged: once for each change from AC power to battery. It listens to the system's power
-/// notification and, as a safety net, looks every 5 s. Main actor only.
+/// Reports when the Mac is unplugged, once for each change from AC power to battery. It listens to the system's power
+/// notification and, as a safety net, polls every 5 s. Main actor only.
 class PowerMonitor {
 public:
     PowerMonitor(MainActor mainActor, ports::PowerSources& sources);
@@ -20,7 +20,7 @@ public:
     /// Called on the main actor at each unplugging.
     std::function<void()> onUnplugged;
 
-    /// Takes the present state as known and watches from now on; starting again starts afresh.
+    /// Starts watching from the present power state. A second start restarts the watch.
     void start();
 
     /// Ends the watch; nothing is reported afterwards. Safe when not started.

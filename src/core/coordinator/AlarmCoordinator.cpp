@@ -17,7 +17,7 @@
 #include <chrono>
 #include <utility>
 
-// Arming, disarming and status. What follows a trigger is in AlertPipeline.cpp.
+// Arming, disarming and status. AlertPipeline.cpp handles triggers.
 
 namespace sentrel {
 
@@ -25,7 +25,7 @@ using namespace std::chrono_literals;
 
 namespace {
 
-/// The lock screen waits no longer than this for the music's preparation, which may be asking the user something.
+/// Limit of the lock screen's wait for the media preparation, which may be asking the user for consent.
 constexpr Duration longestPreparation = 10s;
 
 } // namespace
@@ -113,7 +113,7 @@ void AlarmCoordinator::applyTriggerSettings(const AlarmSettings& settings)
     powerMonitor_.onUnplugged = triggerCallback(settings.triggerOnUnplugged, TriggerReason::unplugged);
     lidMonitor_.onLidClosed = triggerCallback(settings.triggerOnLidClosed, TriggerReason::lidClosed);
     motionMonitor_.onMotionDetected = triggerCallback(settings.triggerOnMotion, TriggerReason::motion);
-    // A sensor that raises must not keep the others from watching.
+    // A sensor that throws must not keep the others from watching.
     if (settings.triggerOnUnplugged) {
         quietly([this] { powerMonitor_.start(); });
     }
@@ -144,7 +144,7 @@ void AlarmCoordinator::updateScreenGuard(const AlarmSettings& settings)
 void AlarmCoordinator::refreshAccelerometer()
 {
     assertOnMainActor(actor_);
-    // One that has come since doesn't take the warning back: nobody listens to it before the watch starts anew.
+    // The warning stays if an accelerometer has appeared since: nothing listens to it until the watch restarts.
     if (!motionMonitor_.refreshAvailability() && isArmed) {
         refreshMotionWarning(with_.settings.settings());
     }
@@ -212,7 +212,7 @@ Async<void> nothing()
 
 Async<void> AlarmCoordinator::prepareMediaPlayback(bool alarmSound)
 {
-    // Made here and run off the main thread: the coroutine keeps to itself what it needs.
+    // Created on the main thread, run on a utility thread: the coroutine must own all it uses.
     return alarmSound ? with_.mediaPlayback.requestAutomationConsent() : nothing();
 }
 
@@ -246,7 +246,7 @@ Async<void> AlarmCoordinator::guardScreen(std::optional<Task<void>> preparation,
             co_await AsyncTimeout::run(actor_, longestPreparation, finishOf(*preparation));
         }
     } catch (...) {
-        // Late, failed or cancelled: the music must not keep the screen open. Cancellation is looked at below.
+        // Late, failed or cancelled: the music must not keep the screen unlocked. Cancellation is checked below.
     }
     try {
         if (delay > 0.0) {

@@ -39,11 +39,11 @@ class Language;
 class WallClock;
 } // namespace ports
 
-/// Turns the user's settings into a watching machine: arms and disarms it, receives the triggers, sounds the alarm and
-/// sees each alert through photo, local copy and upload. Main actor only; it outlives nothing that it refers to.
+/// Arms and disarms the Mac by the user's settings, receives the triggers, sounds the alarm and takes each alert
+/// through photo, local copy and upload. Main actor only; everything referred to outlives it.
 class AlarmCoordinator {
 public:
-    /// The services and ports that the coordinator works with. The sensors it owns itself.
+    /// The services and ports that the coordinator uses. It owns the sensors itself.
     struct Collaborators {
         SettingsStore& settings;
         LocalAlertStore& alertStore;
@@ -69,8 +69,7 @@ public:
         ports::Journal& journal;
     };
 
-    /// Also installs itself as the receiver of the sound player's error reports. On a computer that isn't compatible
-    /// it never arms.
+    /// Sets the sound player's `onPlaybackDegraded`. On an incompatible computer the coordinator never arms.
     AlarmCoordinator(MainActor actor, bool isCompatibleComputer, Collaborators collaborators, Ports ports);
     AlarmCoordinator(const AlarmCoordinator&) = delete;
 
@@ -83,29 +82,28 @@ public:
     Observable<std::optional<std::string>> motionWarning; ///< while armed, when motion can't be watched
     Observable<bool> showingLocalSaveNotice;              ///< `lastError` holds the local-save notice
 
-    /// The one entry for whoever has changed the stored settings: arms, applies the settings while armed, or disarms,
-    /// and has the new state published.
+    /// Call after every change of the stored settings. Arms, applies the settings while armed, or disarms, and
+    /// publishes the new state.
     void syncWithSettings(const AlarmSettings& settings);
 
     void arm(const AlarmSettings& settings);
 
-    /// Safe in any state. Triggers under way are still seen through.
+    /// Safe in any state. Triggers accepted before are still processed.
     void disarm();
 
-    /// Sets the monitors and the warnings up from the settings.
+    /// Restarts the monitors and updates the warnings.
     void applyTriggerSettings(const AlarmSettings& settings);
 
     /// Starts or cancels the delayed lock screen after a change of settings while armed.
     void updateScreenGuard(const AlarmSettings& settings);
 
-    /// Looks again whether this Mac has an accelerometer, and warns when an armed Mac that watches motion has none
-    /// left.
+    /// Probes for an accelerometer again. Warns if the Mac is armed, watches motion and has none.
     void refreshAccelerometer();
 
-    /// What the last look, or the last start of the watch, has found.
+    /// The result of the last probe, or of the last start of the motion watch.
     [[nodiscard]] bool hasAccelerometer() const { return motionMonitor_.isAccelerometerAvailable(); }
 
-    /// A trigger has fired. Ignored while disarmed.
+    /// Handles a trigger; ignored while disarmed.
     void trigger(TriggerReason reason);
 
     /// Silences the alarm; stays armed.
@@ -113,10 +111,10 @@ public:
 
     void showLocalSaveNotice();
 
-    /// Takes the local-save notice back once nothing waits for upload any more.
+    /// Clears the local-save notice if no alert waits for upload.
     void clearLocalSaveNoticeIfResolved();
 
-    /// How many triggers are being processed or wait for it.
+    /// The number of triggers that are being processed or queued.
     [[nodiscard]] std::int64_t processingCount() const { return processingCount_; }
 
 private:

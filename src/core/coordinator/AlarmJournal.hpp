@@ -15,7 +15,7 @@ namespace ports {
 class Journal;
 }
 
-/// Notes in the journal what the coordinator publishes: armed, disarmed and every notice. Main thread.
+/// Writes the coordinator's published state to the journal: armed, disarmed and every notice. Main thread.
 class AlarmJournal {
 public:
     AlarmJournal(AlarmCoordinator& coordinator, ports::Journal& journal);

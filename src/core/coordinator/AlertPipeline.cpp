@@ -18,7 +18,7 @@
 #include <limits>
 #include <utility>
 
-// From a trigger to its alert: sound at once, then photo, local copy and upload, one trigger after another.
+// From a trigger to its alert: sound at once, photo and local copy one trigger after another; uploads may overlap.
 
 namespace sentrel {
 
@@ -30,7 +30,7 @@ void AlarmCoordinator::trigger(TriggerReason reason)
     }
     const AlarmSettings& settings = with_.settings.settings();
     if (settings.alarmSound) {
-        // Before any call of the system, which might hold the main thread.
+        // The sound comes first, because a system call might block the main thread.
         with_.soundPlayer.play(static_cast<float>(settings.alarmVolume));
     }
     ports_.journal.note("trigger", {{"reason", rawValue(reason)}});
@@ -65,12 +65,12 @@ Async<void> AlarmCoordinator::processAfter(std::optional<Task<void>> predecessor
                                            std::optional<Date> taken)
 {
     if (predecessor) {
-        // Taken out of this frame's parameters, or the chain would keep every task since its beginning.
+        // Moved out of this frame's parameters, or the chain would keep every task since its beginning.
         const Task<void> earlier = *std::exchange(predecessor, std::nullopt);
         try {
             co_await earlier;
         } catch (...) {
-            // Whatever became of the one before, this trigger has its turn.
+            // A failed predecessor must not stop this trigger.
         }
     }
     try {
@@ -115,7 +115,7 @@ Async<std::optional<Bytes>> AlarmCoordinator::takePhoto(bool isWanted)
     co_return photo;
 }
 
-/// A port that raises now may answer the next time; the alert is worth asking it again.
+/// Retries once: a port that throws may answer the second time, and the alert is worth it.
 AlertEvent AlarmCoordinator::makeAlertInAnyCase(TriggerReason reason, std::optional<Date> taken, bool hasPhoto)
 {
     try {
@@ -138,8 +138,8 @@ AlertEvent AlarmCoordinator::makeAlert(TriggerReason reason, std::optional<Date>
     return alert;
 }
 
-/// On the disk, without the photo if there is no room for it, and in the list. What cannot be saved must not be lost
-/// either: the list holds it in memory.
+/// Saves the alert on disk and shows it in the list. If saving fails, saves it without the photo (the disk may be
+/// full), and the list holds alert and photo in memory.
 void AlarmCoordinator::keep(const AlertEvent& alert, const std::optional<Bytes>& photo, bool cloudFlag)
 {
     if (saveLocally(alert, photo, cloudFlag)) {
@@ -175,7 +175,7 @@ bool AlarmCoordinator::saveLocally(const AlertEvent& alert, const std::optional<
     return true;
 }
 
-/// An upload that ends in whatever exception leaves its alert waiting for the next catch-up.
+/// An upload that throws leaves its alert waiting for the next catch-up.
 Async<void> AlarmCoordinator::uploadInAnyCase(AlertEvent alert, std::optional<Bytes> photo, bool cloudFlag)
 {
     const UUID id = alert.id;
@@ -197,7 +197,7 @@ Async<void> AlarmCoordinator::upload(AlertEvent alert, std::optional<Bytes> phot
     } else if (cloudFlag) {
         noteKept(id);
     } else {
-        // A Mac that knew iCloud to be unavailable says so in its alerts window instead.
+        // If iCloud was already known to be unavailable, the alerts window says so instead.
         clearNotices();
     }
     co_await with_.alertList.refresh();
@@ -210,15 +210,15 @@ Async<void> AlarmCoordinator::uploadNow(AlertEvent alert, std::optional<Bytes> p
     with_.alertList.noteAttempt(id, outcome);
     switch (outcome) {
     case AlertUploader::Outcome::uploaded:
-        // Deliberately also another notice: the alert is safe, and that is the news.
+        // Clears any other notice too: the alert is safe, and that is the news.
         clearNotices();
-        with_.alertList.catchUpIfOwed(); // what failed before it may work, too
+        with_.alertList.catchUpIfOwed(); // uploads that failed before may work now
         break;
     case AlertUploader::Outcome::deleted:
         clearLocalSaveNoticeIfResolved();
         break;
     case AlertUploader::Outcome::storageFull:
-        break; // the list's notice says so
+        break; // the list's storage notice says so
     case AlertUploader::Outcome::unreachable:
     case AlertUploader::Outcome::timedOut:
     case AlertUploader::Outcome::failed:
@@ -227,7 +227,7 @@ Async<void> AlarmCoordinator::uploadNow(AlertEvent alert, std::optional<Bytes> p
     }
 }
 
-/// Says that the alert is saved on this Mac, if it is.
+/// Shows the local-save notice if the alert is stored on this Mac.
 void AlarmCoordinator::noteKept(const UUID& id)
 {
     if (with_.alertStore.storedAlert(id)) {

@@ -5,10 +5,10 @@
 
 namespace sentrel {
 
-/// The coordinator as the screen cover sees it. Main actor.
+/// Adapts the coordinator to the screen cover. Main actor.
 class CoverAlarm final : public ScreenCoverAlarm {
 public:
-    /// The coordinator may still be under construction; it is used once the cover is.
+    /// Only stores the reference: the coordinator may still be under construction.
     explicit CoverAlarm(AlarmCoordinator& coordinator) : coordinator_(coordinator) {}
 
     [[nodiscard]] bool isArmed() const override { return coordinator_.isArmed.get(); }
