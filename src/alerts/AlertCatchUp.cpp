@@ -153,7 +153,7 @@ void MacAlertsService::catchUpWithWhatIsNew()
     }
 }
 
-/// Whether deletions or uploads are waiting.
+/// Whether deletions wait, or uploads not under way.
 bool MacAlertsService::isAnythingOwed(bool countsRefused)
 {
     const std::unordered_set<UUID> waiting = waitingIDs();

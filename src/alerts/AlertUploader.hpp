@@ -12,7 +12,7 @@ namespace ports {
 class Journal;
 }
 
-/// Uploads alerts, each within `cloudTimeLimit` and with one attempt at a time; reports each outcome to the cloud
+/// Uploads alerts, each within `cloudTimeLimit` and never in two attempts at once; reports each outcome to the cloud
 /// service and the journal. Main actor only.
 class AlertUploader {
 public:

@@ -26,7 +26,7 @@ namespace {
 /// A complete list takes many pages, and a part of it is of no use.
 constexpr Duration longestFullRefresh = 120s;
 
-/// A photo is the largest answer of the cloud.
+/// Longer than `cloudTimeLimit`: a photo is the largest answer of the cloud.
 constexpr Duration longestPhotoDownload = 60s;
 
 } // namespace

@@ -17,7 +17,7 @@ class CloudDatabase;
 
 /// The list of all alerts in the database: one record that every device reads instead of querying for thousands of
 /// alerts. Devices change it by reading, merging and saving unless it has changed. Every saved or deleted alert is
-/// reported to the catalog afterwards; changes that fail remain owed until the next one. Main actor only.
+/// reported to the catalog afterwards; a failed report remains owed until the next change. Main actor only.
 class AlertCatalog {
 public:
     static constexpr const char* recordType = "AlertCatalog";

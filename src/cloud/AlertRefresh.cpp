@@ -31,7 +31,7 @@ Async<std::optional<ports::CloudError>> AlertRefresh::run()
     changes.reset();
     apply(newer);
     changes = cache_.watch();
-    co_await sleepFor(Duration::zero()); // let the main thread run between thousands of alerts
+    co_await sleepFor(Duration::zero()); // let the main thread run: `apply` may have handled thousands
     std::optional<ports::CloudError> throttling;
     if (!changes->isAnotherUser) {
         throttling = co_await catalog_.payDebts(std::move(*record));

@@ -111,7 +111,7 @@ private:
     bool pollOwed_ = false;      ///< a requested poll has had no answer yet
     Task<void> publication_;
     Task<void> nextPublication_;                  ///< waits for the end of the current one
-    bool nextIsLast_ = false;                     ///< it publishes the last state
+    bool nextIsLast_ = false;                     ///< `nextPublication_` is the last
     std::optional<RemoteCommand> handledCommand_; ///< the last one that was applied or ignored in this run
     TaskBag tasks_;
     WeakAnchor<MacPresenceService> anchor_{*this};

@@ -22,7 +22,7 @@ inline constexpr std::size_t longestDeviceName = 255;
     if (length > longestDeviceName) {
         length = longestDeviceName;
         const auto isInsideCharacter = [&] { return (static_cast<unsigned char>((*name)[length]) & 0xC0U) == 0x80U; };
-        // A UTF-8 character has at most three continuation bytes; longer runs aren't UTF-8.
+        // A UTF-8 character has at most three continuation bytes; longer runs are cut anywhere.
         for (int steps = 0; steps < 3 && isInsideCharacter(); ++steps) {
             --length;
         }
