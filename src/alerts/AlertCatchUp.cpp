@@ -17,7 +17,7 @@
 #include <iterator>
 #include <utility>
 
-// What waits for iCloud: deletions that it has not confirmed, and alerts that it does not hold yet.
+// Pending work for iCloud: unconfirmed deletions, and alerts that it does not hold yet.
 
 namespace sentrel {
 
@@ -25,20 +25,20 @@ using namespace std::chrono_literals;
 
 namespace {
 
-/// So many deletions share a deadline: what a batch has achieved is remembered before the next one begins.
+/// Deletions per deadline: each batch's results are stored before the next one begins.
 constexpr std::size_t batchSize = 200;
 
-/// Between two attempts with what waits.
+/// Bounds of the wait between retries.
 constexpr Duration shortestRetryDelay = 30s;
 constexpr Duration longestRetryDelay = 300s;
 
-/// So many alerts are held in memory while the disk is full, each with its photo; the newest.
+/// Alerts held in memory with their photos while the disk is full: the newest.
 constexpr std::size_t mostHeld = 100;
 
-/// An upload that takes too long may be a large photo's fault; a second one in a row is the network's.
+/// Timeouts in a row that end the uploads: one may be due to a large photo.
 constexpr int mostMissedDeadlines = 2;
 
-/// A photo's file as an upload finds it.
+/// The state of a photo's file at its upload.
 struct PhotoFile {
     bool isThere = false;
     std::optional<Bytes> content;
@@ -78,7 +78,7 @@ Async<void> MacAlertsService::catchUp()
     return catchUps_.run();
 }
 
-/// Those on the disk and those that could not be saved.
+/// The alerts on the disk and those held in memory.
 Async<std::vector<StoredAlert>> MacAlertsService::alertsHere()
 {
     std::vector<StoredAlert> stored = co_await localStore_.alertsInBackground();
@@ -107,7 +107,7 @@ void MacAlertsService::hold(const AlertEvent& alert, std::optional<Bytes> photo)
     merge({alert, true});
 }
 
-/// There may be room on the disk again.
+/// Saves held alerts if the disk has room.
 void MacAlertsService::saveHeld()
 {
     std::erase_if(held_, [this](const auto& entry) {
@@ -122,7 +122,7 @@ void MacAlertsService::saveHeld()
 
 Async<void> MacAlertsService::catchUpPass()
 {
-    cancelRetry(); // this is one
+    cancelRetry(); // this pass replaces it
     saveHeld();
     if (cloud_.isOwnerCheckOwed()) {
         const bool hasChanged = co_await cloud_.checkCacheOwner();
@@ -144,8 +144,8 @@ void MacAlertsService::catchUpIfOwed()
     catchUpWithWhatIsNew();
 }
 
-/// Call when iCloud answers again. An alert that the server has just refused waits for its retry all the same: a
-/// request of another kind that works says nothing about it. Whatever a pass itself brings about doesn't count.
+/// Call when iCloud answers again. An alert that the server has just refused still waits for its retry: the success of
+/// another request says nothing about it. No effect during a pass.
 void MacAlertsService::catchUpWithWhatIsNew()
 {
     if (hasLoadedInitialAlerts && !catchUps_.isRunning() && isAnythingOwed(false)) {
@@ -153,7 +153,7 @@ void MacAlertsService::catchUpWithWhatIsNew()
     }
 }
 
-/// Whether something waits that nobody is seeing to.
+/// Whether deletions wait, or uploads not under way.
 bool MacAlertsService::isAnythingOwed(bool countsRefused)
 {
     const std::unordered_set<UUID> waiting = waitingIDs();
@@ -171,7 +171,7 @@ void MacAlertsService::cancelRetry()
     }
 }
 
-/// No event needs to come any more that would cause a pass: what is left is tried again by the clock.
+/// Schedules a retry of the remaining work, which then needs no event to start a pass.
 void MacAlertsService::planRetry()
 {
     cancelRetry();
@@ -184,7 +184,7 @@ void MacAlertsService::planRetry()
     tasks_.add(retry_);
 }
 
-/// The same, for what is left outside of a pass.
+/// The same for work left over outside of a pass.
 void MacAlertsService::ensureRetry()
 {
     if (!retry_ && !catchUps_.isRunning() && isAnythingOwed()) {
@@ -195,7 +195,7 @@ void MacAlertsService::ensureRetry()
 Async<void> MacAlertsService::retryAfter(Duration delay)
 {
     co_await sleepFor(delay);
-    const bool isCancelled = co_await isTaskCancelled(); // just when it was over
+    const bool isCancelled = co_await isTaskCancelled(); // cancelled in the turn in which the sleep ended
     if (isCancelled) {
         co_return;
     }
@@ -210,7 +210,7 @@ Async<void> MacAlertsService::retryAfter(Duration delay)
 Async<void> MacAlertsService::uploadWaiting()
 {
     const std::vector<StoredAlert> newestFirst = co_await alertsHere();
-    // Those that took too long come last from then on, or two of them would hold up all others for ever.
+    // Alerts whose upload timed out come last, or two of them would block all others for ever.
     std::vector<StoredAlert> waiting; // the next is at the end
     std::vector<StoredAlert> others;
     std::ranges::partition_copy(newestFirst, std::back_inserter(waiting), std::back_inserter(others),
@@ -245,7 +245,7 @@ Async<bool> MacAlertsService::mayUploadNext()
     co_return isAvailable && !isThrottled();
 }
 
-/// One alert's turn.
+/// Uploads one alert if it can.
 Async<AlertUploader::Outcome> MacAlertsService::uploadStored(StoredAlert stored)
 {
     const UUID id = stored.alert.id;
@@ -264,7 +264,7 @@ Async<AlertUploader::Outcome> MacAlertsService::uploadStored(StoredAlert stored)
     const bool isUnreadable = photo.isThere && !photo.content;
     const bool isHere = held != held_.end() || localStore_.storedAlert(id);
     if (isUnreadable || uploader_.isUploading(id) || !isHere) {
-        // Its photo must not be lost; somebody else sees to it; or it has gone meanwhile.
+        // Its photo must not be lost, another attempt is under way, or the alert has gone.
         co_return AlertUploader::Outcome::failed;
     }
     const auto outcome = co_await uploader_.upload(std::move(stored.alert), std::move(photo.content));
@@ -297,7 +297,7 @@ void MacAlertsService::noteUploaded(const UUID& id)
     held_.erase(id);
     slow_.erase(id);
     refused_.erase(id);
-    retryDelay_ = {}; // something works
+    retryDelay_ = {}; // uploads work again
     std::vector<AlertRow> rows = *alerts.get();
     const auto row = std::ranges::find_if(rows, [&id](const AlertRow& other) { return other.alert.id == id; });
     if (row != rows.end()) {
@@ -306,7 +306,7 @@ void MacAlertsService::noteUploaded(const UUID& id)
     publish(std::move(rows));
     refreshStorageNotice();
     if (uploader_.discarded().contains(id)) {
-        deletions_.start(); // it was deleted while on its way
+        deletions_.start(); // the alert was deleted during its upload
     }
 }
 
@@ -346,10 +346,10 @@ Async<bool> MacAlertsService::deleteBatch(std::unordered_set<UUID> ids)
         cloud_.recordSyncFailure(error);
     }
     if (cloud_.isOwnerCheckOwed() || cloud_.cacheOwner() != owner) {
-        co_return false; // the answer may be another user's, whose database never held them
+        co_return false; // the answer may come from another user's database, which never held them
     }
     const bool isDone = gone.size() == count;
-    // What may still arrive is deleted once more by a later pass: it would be on no list, and nobody would find it.
+    // Alerts that may still arrive are deleted again by a later pass; no list would show them.
     std::erase_if(gone, [this](const UUID& id) { return uploader_.mayArriveLate(id); });
     pendingDeletions_.remove(gone);
     if (!isDone) {
@@ -358,7 +358,7 @@ Async<bool> MacAlertsService::deleteBatch(std::unordered_set<UUID> ids)
     co_return isDone || cloud_.isReachable;
 }
 
-/// Oldest first. An alert that is on its way into the cloud can be deleted there once it has arrived.
+/// Oldest first. Excludes alerts being uploaded: the cloud can delete them only after they arrive.
 std::vector<UUID> MacAlertsService::deletableIDs() const
 {
     std::vector<UUID> ids = pendingDeletions_.idsOf(cloud_.cacheOwner());

@@ -7,7 +7,7 @@ namespace sentrel {
 
 namespace {
 
-/// Decoders let finite dates through only: this is an order.
+/// A total order, since decoders admit only finite dates.
 bool isNewerRow(const AlertRow& left, const AlertRow& right)
 {
     if (left.alert.timestamp != right.alert.timestamp) {

@@ -7,7 +7,7 @@
 
 namespace sentrel {
 
-/// One list made of two.
+/// The result of a merge.
 struct MergedAlerts {
     std::vector<AlertRow> rows;         ///< newest first, and by identifier where dates are equal
     std::unordered_set<UUID> redundant; ///< local alerts that the cloud holds too; their rows are the cloud's
@@ -16,7 +16,7 @@ struct MergedAlerts {
 /// Merges the alerts of the cloud, in any order, with those on this Mac. No identifier occurs twice in either.
 [[nodiscard]] MergedAlerts mergedAlerts(std::vector<AlertEvent> cloud, std::vector<StoredAlert> local);
 
-/// Puts a row in its place among rows that are in order.
+/// Inserts a row into rows that are in order.
 void insertInOrder(std::vector<AlertRow>& rows, AlertRow row);
 
 } // namespace sentrel

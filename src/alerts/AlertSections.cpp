@@ -15,7 +15,7 @@ namespace {
 using ports::CalendarUnit;
 using ports::DateInterval;
 
-/// In the order in which they are asked: the first that a date lies in is its stretch.
+/// In order of precedence: a date belongs to the first stretch that contains it.
 enum class Stretch { today, yesterday, thisWeek, thisMonth, monthOfThisYear, earlierYear };
 
 bool contains(const DateInterval& interval, Date date)
@@ -43,7 +43,7 @@ struct Boundaries {
             return Stretch::yesterday;
         }
         if (date >= weekStart) {
-            return Stretch::thisWeek; // also what a clock that was ahead has dated into the future
+            return Stretch::thisWeek; // also future dates, from a clock that was ahead
         }
         if (contains(month, date)) {
             return Stretch::thisMonth;
@@ -91,7 +91,7 @@ public:
 private:
     using Rows = std::vector<AlertRow>::const_iterator;
 
-    /// Behind the rows that share the section of the row before them.
+    /// The end of the rows in the same section as the row before `row`.
     Rows endOfRun(Rows row, Rows end, Stretch stretch, Date date)
     {
         if (stretch < Stretch::monthOfThisYear) {
@@ -110,7 +110,7 @@ private:
     AlertSection& sectionOf(Stretch stretch, Date date)
     {
         AlertSection section = emptySection(stretch, date);
-        // Dates of the future put a section first that goes on behind today's; months and years come in one piece.
+        // Future dates put "This week" before today, and its other rows follow later; months and years are contiguous.
         const bool mayGoOn = stretch < Stretch::monthOfThisYear || sections_.empty();
         const auto first = mayGoOn ? sections_.begin() : std::prev(sections_.end());
         const auto present =

@@ -16,7 +16,7 @@ using namespace std::chrono_literals;
 
 namespace {
 
-/// What was given up longer ago than this has been lost on its way.
+/// A record not seen this long after its attempt timed out counts as lost.
 constexpr Duration longestWay = 60s;
 
 } // namespace
@@ -40,7 +40,7 @@ Async<AlertUploader::Outcome> AlertUploader::upload(AlertEvent alert, std::optio
     }
     const auto [place, isNew] = attempts_.try_emplace(alert.id);
     if (isNew) {
-        // A task of its own: it is under way until it has ended, whatever becomes of those who wait for it.
+        // Has its own task: a cancelled wait for the outcome doesn't end the attempt.
         place->second = actor_.spawn(attempt(std::move(alert), std::move(photo)));
     }
     const Task<Outcome> task = place->second;
@@ -55,7 +55,7 @@ Async<AlertUploader::Outcome> AlertUploader::attempt(AlertEvent alert, std::opti
     try {
         co_await AsyncTimeout::run(actor_, cloudTimeLimit, cloud_.uploadAlert(std::move(alert), std::move(photo)));
     } catch (const CancellationError&) {
-        outcome = Outcome::failed; // the request was withdrawn: nobody's fault
+        outcome = Outcome::failed; // the request was cancelled, which is no error
     } catch (const AsyncTimeout::TimedOut&) {
         outcome = Outcome::timedOut;
     } catch (const std::exception& error) {

@@ -8,8 +8,8 @@
 
 namespace sentrel {
 
-/// Work that is done in whole passes, one at a time: whoever asks during a pass shares the one after it. The passes
-/// die with this. Main actor only.
+/// Runs work in whole passes, one at a time; requests during a pass share the next one. The passes end with this
+/// object. Main actor only.
 class CoalescedPasses {
 public:
     CoalescedPasses(MainActor actor, std::function<Async<void>()> pass) : actor_(actor), pass_(std::move(pass)) {}
@@ -25,7 +25,7 @@ public:
     /// Whether a pass is under way or about to begin.
     [[nodiscard]] bool isRunning() const { return task_ && !task_->isFinished(); }
 
-    /// Asks for a pass. Only one that begins after this call counts.
+    /// Requests a pass that begins after this call.
     void start()
     {
         isRequested_ = true;
@@ -34,8 +34,8 @@ public:
         }
     }
 
-    /// The same, and waits until no pass is asked for any more. Throws what the last pass threw, and a
-    /// `CancellationError` when the wait is cancelled; the passes go on all the same.
+    /// The same, and waits until no pass is requested any more. Throws the last pass's error, or a `CancellationError`
+    /// when the wait is cancelled, which doesn't stop the passes.
     [[nodiscard]] Async<void> run()
     {
         start();

@@ -16,7 +16,7 @@ namespace sentrel {
 
 namespace {
 
-/// Alerts and photos are nobody's business but the user's.
+/// Only the user may read alerts and photos.
 constexpr std::uint32_t directoryMode = 0700;
 constexpr std::uint32_t fileMode = 0600;
 
@@ -34,7 +34,7 @@ bool isNewer(const StoredAlert& left, const StoredAlert& right)
     return left.alert.id < right.alert.id;
 }
 
-/// Whether it is the temporary file of one of the store's own writes, which a power cut has cut short.
+/// Whether the name is that of a temporary file left by an interrupted write of the store.
 bool isLeftover(const std::filesystem::path& name)
 {
     const std::filesystem::path target = name.stem();
@@ -82,7 +82,7 @@ void LocalAlertStore::setPendingUpload(const UUID& id)
         return;
     }
     stored->pendingUpload = true;
-    // When this fails, the next launch finds the alert as one that was only kept here, and uploads it all the same.
+    // If this fails, the next launch finds the alert unmarked and uploads it all the same.
     const std::string document = encodeJson(encodeStoredAlert(*stored));
     static_cast<void>(ports::writeDurably(files_, alertFile(id), bytesOf(document), fileMode));
     if (index_) {
@@ -102,7 +102,7 @@ Async<std::vector<StoredAlert>> LocalAlertStore::alertsInBackground()
                                 [&files = files_, directory = directory_] { return readFolder(files, directory); });
         Folder folder = co_await reading;
         Index fresh = take(std::move(folder));
-        // What was loaded in the meantime has seen the saves and deletions since.
+        // An index loaded in the meantime includes the saves and deletions since.
         if (!index_) {
             index_ = std::move(fresh);
         }
@@ -171,7 +171,7 @@ std::filesystem::path LocalAlertStore::alertFile(const UUID& id)
 
 std::filesystem::path LocalAlertStore::fileNamed(const UUID& id, const char* extension)
 {
-    // Each time: whoever cleans up the folder by hand must not cost the next alert.
+    // Each time: a folder deleted by hand must not cost the next alert.
     files_.createDirectories(directory_, directoryMode);
     return directory_ / (id.text() + extension);
 }
@@ -233,8 +233,8 @@ LocalAlertStore::Folder LocalAlertStore::readFolder(ports::FileSystem& files, co
     return folder;
 }
 
-/// Sweeps the leftovers and gives the index. On the main thread, where no write is under way: a reading in the
-/// background may have come upon one that was.
+/// Deletes the leftovers and returns the index. Main thread only, where no write is under way: a background reading may
+/// have listed the temporary file of one that was.
 LocalAlertStore::Index LocalAlertStore::take(Folder folder)
 {
     for (const std::string& name : folder.leftovers) {

@@ -23,7 +23,7 @@ class HostInfo;
 /// once; afterwards every query is answered from memory. Main thread.
 class LocalAlertStore {
 public:
-    /// So many alerts are kept; saving one more removes the oldest.
+    /// Alerts kept; saving one more removes the oldest.
     static constexpr std::size_t mostAlerts = 1000;
 
     LocalAlertStore(MainActor actor, ports::FileSystem& files, ports::HostInfo& host);
@@ -34,14 +34,14 @@ public:
     /// `JsonEncodingError` when the alert has no encoding.
     void save(const AlertEvent& alert, const std::optional<Bytes>& photo, bool pendingUpload);
 
-    /// An attempt to upload the alert has failed: it waits from now on. Nothing when it is not here or waits already; a
-    /// failed write is ignored.
+    /// Marks the alert as waiting, after a failed attempt to upload it. No effect when it isn't here or waits already;
+    /// a failed write is ignored.
     void setPendingUpload(const UUID& id);
 
-    /// All alerts, newest first, and by identifier where dates are equal, so that the order stays put.
+    /// All alerts, newest first, and by identifier where dates are equal, so that the order is stable.
     [[nodiscard]] std::vector<StoredAlert> alerts();
 
-    /// The same; the folder's first reading happens off the main thread. The store outlives the call.
+    /// The same, with the folder first read off the main thread. The store must outlive the call.
     [[nodiscard]] Async<std::vector<StoredAlert>> alertsInBackground();
 
     /// The alerts that wait for upload, newest first.
@@ -63,10 +63,10 @@ public:
 private:
     using Index = std::unordered_map<UUID, StoredAlert>;
 
-    /// What a reading of the folder has found.
+    /// The result of reading the folder.
     struct Folder {
         Index index;
-        std::vector<std::string> leftovers; ///< names of files that a write which never ended has left
+        std::vector<std::string> leftovers; ///< names of files left by interrupted writes
     };
 
     [[nodiscard]] std::filesystem::path alertFile(const UUID& id);

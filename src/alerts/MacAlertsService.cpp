@@ -23,15 +23,15 @@ using namespace std::chrono_literals;
 
 namespace {
 
-/// A list that is fetched from its beginning comes in many pages, and half of it is of no use.
+/// A complete list takes many pages, and a part of it is of no use.
 constexpr Duration longestFullRefresh = 120s;
 
-/// A photo is larger than anything else that is asked of the cloud.
+/// Longer than `cloudTimeLimit`: a photo is the largest answer of the cloud.
 constexpr Duration longestPhotoDownload = 60s;
 
 } // namespace
 
-/// Shows that a refresh is under way, for as long as its frame lives.
+/// Keeps `isLoading` true while any refresh is under way.
 class MacAlertsService::Loading {
 public:
     explicit Loading(Weak<MacAlertsService> service) : service_(std::move(service))
@@ -167,7 +167,7 @@ void MacAlertsService::apply(const CloudAnswer& answer, std::vector<StoredAlert>
     const bool isFresh = answer.isFresh && cloud_.isAvailable;
     MergedAlerts merged = mergedAlerts(cloudAlerts(isFresh), std::move(local));
     if (isFresh) {
-        // What is only remembered to be in the cloud doesn't cost the copy here.
+        // Only a fresh answer justifies deleting the copies on this Mac.
         localStore_.remove(merged.redundant);
         std::erase_if(held_, [&](const auto& entry) { return merged.redundant.contains(entry.first); });
     }
@@ -183,7 +183,7 @@ void MacAlertsService::apply(const CloudAnswer& answer, std::vector<StoredAlert>
     ensureRetry();
 }
 
-/// The alerts of the cloud that the list shows: none that the user has deleted.
+/// The cloud's alerts to show: none that the user has deleted.
 std::vector<AlertEvent> MacAlertsService::cloudAlerts(bool isFresh)
 {
     if (!cloud_.isAvailable) {

@@ -21,8 +21,8 @@ namespace ports {
 class Calendar;
 }
 
-/// The list of alerts that the user sees: those in the cloud and those on this Mac, merged. Main actor only; it
-/// outlives nothing that it refers to.
+/// The list of alerts that the user sees: those in the cloud and those on this Mac, merged. Main actor only. All
+/// objects it refers to must outlive it.
 class MacAlertsService {
 public:
     struct Ports {
@@ -43,57 +43,57 @@ public:
     Observable<std::optional<std::string>> infoMessage;
     Observable<bool> isLoading;
     Observable<bool> hasLoadedInitialAlerts;
-    Observable<bool> iCloudStorageIsFull; ///< the last upload that was tried failed for that
+    Observable<bool> iCloudStorageIsFull; ///< the last attempted upload failed for lack of space
 
     /// The rows by date, as of now.
     [[nodiscard]] std::vector<AlertSection> sections() const;
 
     [[nodiscard]] bool holds(const UUID& id) const;
 
-    /// Shows an alert that has just been saved on this Mac; nothing when it is shown already or has been deleted.
+    /// Shows an alert that has just been saved on this Mac; no effect when it is shown already or has been deleted.
     void merge(const StoredAlert& stored);
 
-    /// Takes in an alert of which something could not be saved on this Mac. It is shown, and waits in memory for the
-    /// next catch-up to save or upload it whole.
+    /// Keeps in memory an alert that could not be saved completely on this Mac. The alert is shown, and the next
+    /// catch-up saves or uploads it.
     void hold(const AlertEvent& alert, std::optional<Bytes> photo);
 
-    /// An attempt to upload the alert has ended. Nothing of an uploaded alert is kept here any more; any other waits
+    /// Call when an attempt to upload the alert has ended. An uploaded alert is removed from this Mac; any other waits
     /// from now on.
     void noteAttempt(const UUID& id, AlertUploader::Outcome outcome);
 
-    /// Another user has signed in to iCloud: the list shows nothing of the former one's any more.
+    /// Call when another user has signed in to iCloud: hides the previous user's cloud alerts.
     void userDidChange();
 
     /// Recomputes `infoMessage`.
     void refreshStorageNotice();
 
-    /// Brings the list up to date with the cloud, within 15 s; a long list that comes for the first time may take
-    /// 120 s. Of refreshes that overlap, an older one never overwrites what a newer one has found. Never throws, but
-    /// for a `CancellationError`, and then has changed nothing.
+    /// Updates the list from the cloud, within 15 s; within 120 s for the first list or after a refresh that timed out.
+    /// An older refresh never overwrites the results of a newer one. Never throws, but for a `CancellationError`, and
+    /// then has changed nothing.
     [[nodiscard]] Async<void> refresh();
 
-    /// Starts a refresh of its own, in place of the one that this started before.
+    /// Starts a refresh and cancels the one that an earlier call started.
     void startRefresh();
 
     /// Deletes alerts here at once and in the cloud as soon as possible.
     void deleteAlerts(const std::unordered_set<UUID>& ids);
 
-    /// The alert's photo, from this Mac or from the cloud; none when there is none or it can't be had.
+    /// The alert's photo, from this Mac or from the cloud; none when it is missing or can't be fetched.
     [[nodiscard]] Async<std::optional<Bytes>> photo(UUID id);
 
-    /// Does what waits for iCloud: deletions, then uploads, oldest first, one at a time; then refreshes. Uploads end
-    /// at the first sign that iCloud is unavailable, throttled or full; an alert that the server refuses doesn't hold
-    /// up those behind it. One pass at a time: a call during a pass asks for one more.
+    /// Runs a catch-up pass: deletions, then uploads, oldest first, one at a time; then a refresh. Uploads end at the
+    /// first sign that iCloud is unavailable, throttled or full; an alert that the server refuses doesn't delay the
+    /// others. One pass at a time: a call during a pass requests one more.
     [[nodiscard]] Async<void> catchUp();
 
-    /// Call when iCloud is known to take uploads: starts a pass when something waits and none is under way. What a pass
-    /// leaves waiting is tried again after 30 s, and then at growing intervals of at most 5 min.
+    /// Call when iCloud is known to take uploads. Starts a pass if anything is waiting and none is running. Leftovers
+    /// of a pass are retried after 30 s, and then at growing intervals of at most 5 min.
     void catchUpIfOwed();
 
     [[nodiscard]] const PendingCloudDeletionStore& pendingDeletions() const { return pendingDeletions_; }
 
 private:
-    /// What a refresh has learnt from the cloud.
+    /// The cloud's answer to a refresh.
     struct CloudAnswer {
         bool isFresh = false; ///< the database itself has answered
         std::optional<std::string> error;
@@ -142,11 +142,11 @@ private:
     std::int64_t appliedGeneration_ = 0;
     int refreshesUnderWay_ = 0;
     bool lastRefreshTimedOut_ = false;
-    std::unordered_map<UUID, HeldAlert> held_; ///< those that could not be saved whole
-    std::unordered_set<UUID> slow_;            ///< whose upload took too long
-    std::unordered_set<UUID> refused_;         ///< by the server; they wait for the next retry, or for better news
-    Duration retryDelay_{}; ///< at least so long until the next retry; zero when none was made since the last success
-    Task<void> retry_;      ///< waits; none when nothing is owed or a pass sees to it
+    std::unordered_map<UUID, HeldAlert> held_; ///< alerts that could not be saved completely
+    std::unordered_set<UUID> slow_;            ///< alerts whose upload timed out
+    std::unordered_set<UUID> refused_; ///< alerts that the server refused; skipped until the next retry or catch-up
+    Duration retryDelay_{};            ///< minimum wait before the next retry; zero after a success
+    Task<void> retry_;                 ///< waiting retry; none when nothing is owed or a pass runs
     std::vector<Observation> observations_;
     std::optional<Task<void>> activeRefreshTask_;
     CoalescedPasses deletions_;

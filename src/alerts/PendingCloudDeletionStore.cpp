@@ -104,7 +104,7 @@ void PendingCloudDeletionStore::persist()
             entries.push_back(texts.back() + " " + known->second);
         }
     }
-    // The users first: an identifier that a crash leaves without its user would count as every user's.
+    // The users first: if a crash separates them, an identifier without a user counts as every user's.
     defaults_.setTexts(defaultsKey_ + ownersKeySuffix, entries);
     defaults_.setTexts(defaultsKey_, texts);
 }

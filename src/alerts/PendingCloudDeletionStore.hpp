@@ -14,20 +14,19 @@ namespace ports {
 class UserDefaults;
 }
 
-/// The alerts whose deletion the cloud has not confirmed yet, across launches, each with the iCloud user in whose
-/// database it is owed: no other database can confirm it. Main actor only.
+/// The alerts whose deletion the cloud has not confirmed yet, across launches, each with the iCloud user whose database
+/// must confirm it. Main actor only.
 class PendingCloudDeletionStore {
 public:
     static constexpr const char* standardKey = "MacAlertsService.pendingCloudDeletions";
 
-    /// Appended to the key of the list: where the defaults keep the users, each text an identifier and its user's
-    /// record name.
+    /// Suffix of the list's key for the users; each text holds an identifier, a space and the user's record name.
     static constexpr const char* ownersKeySuffix = ".owners";
 
-    /// So many are kept: the newest.
+    /// Identifiers kept: the newest.
     static constexpr std::size_t mostIdentifiers = 2000;
 
-    /// Loads what the defaults hold under the key; what is no identifier is skipped.
+    /// Loads the identifiers stored under the key; skips malformed ones.
     PendingCloudDeletionStore(std::string key, ports::UserDefaults& defaults);
 
     [[nodiscard]] const std::unordered_set<UUID>& ids() const { return ids_; }
@@ -35,12 +34,11 @@ public:
     /// Oldest first.
     [[nodiscard]] const std::vector<UUID>& orderedIDs() const { return orderedIDs_; }
 
-    /// Those that this user's database has to confirm, oldest first. An identifier of an unknown user counts as every
-    /// user's.
+    /// The identifiers that this user's database must confirm, oldest first. Those of unknown users belong to every
+    /// user.
     [[nodiscard]] std::vector<UUID> idsOf(const std::string& owner) const;
 
-    /// Remembers the identifiers as this user's, who may be unknown (empty). One that is there already keeps its place
-    /// and its user.
+    /// Adds the identifiers for this user; empty means unknown. Identifiers already present keep their place and user.
     void add(const std::unordered_set<UUID>& ids, const std::string& owner);
     void remove(const std::unordered_set<UUID>& ids);
 
@@ -53,7 +51,7 @@ private:
     ports::UserDefaults& defaults_;
     std::vector<UUID> orderedIDs_;
     std::unordered_set<UUID> ids_;
-    std::unordered_map<UUID, std::string> owners_; ///< where they are known
+    std::unordered_map<UUID, std::string> owners_; ///< known users only
 };
 
 } // namespace sentrel

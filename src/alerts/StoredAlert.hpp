@@ -6,7 +6,7 @@
 
 namespace sentrel {
 
-/// An alert as this Mac keeps it.
+/// An alert stored on this Mac.
 struct StoredAlert {
     AlertEvent alert;
     bool pendingUpload = false; ///< still meant to be uploaded to iCloud

@@ -45,7 +45,7 @@ const ui::Children& AlertListRows::sections()
 ui::View AlertListRows::section(const AlertSection& section)
 {
     using Style = ports::Calendar::Style;
-    // The heading says the day already.
+    // The heading names the day already.
     const bool isNamedDay = section.id == "today" || section.id == "yesterday";
     std::vector<ui::View> rows;
     rows.reserve(section.alerts.size());

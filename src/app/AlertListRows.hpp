@@ -15,16 +15,16 @@ namespace ports {
 class Language;
 }
 
-/// The rows of the list of alerts in their sections. They are made anew only when the alerts have changed or after
+/// The rows of the list of alerts in their sections. They are rebuilt only when the alerts have changed or after
 /// `forget`, so that a selection among thousands costs next to nothing. Main actor.
 class AlertListRows {
 public:
     AlertListRows(MacAlertsService& alerts, ports::Calendar& calendar, ports::Language& language);
 
-    /// Section views. A row's id is its alert's.
+    /// Section views. A row's id is its alert's identifier.
     [[nodiscard]] const ui::Children& sections();
 
-    /// The calendar has changed, or a new day has begun.
+    /// Call when the calendar has changed or a new day has begun.
     void forget() { shown_.reset(); }
 
 private:
@@ -34,7 +34,7 @@ private:
     MacAlertsService& alerts_;
     ports::Calendar& calendar_;
     ports::Language& language_;
-    std::shared_ptr<const std::vector<AlertRow>> shown_; ///< what the sections were made of
+    std::shared_ptr<const std::vector<AlertRow>> shown_; ///< the list that the sections show
     ui::Children sections_;
 };
 

@@ -17,10 +17,10 @@ namespace sentrel {
 namespace {
 
 constexpr std::uint32_t ownersOnly = 0600;
-// Not every volume on which people keep photos can do more.
+// The default mode: not every volume that holds photos supports another.
 constexpr std::nullopt_t asUsual = std::nullopt;
 
-/// 0 or an `errno` value.
+/// Returns 0 or an `errno` value.
 int fillFile(ports::FileSystem& files, const std::filesystem::path& path, std::optional<std::uint32_t> mode,
              BytesView content)
 {
@@ -29,7 +29,7 @@ int fillFile(ports::FileSystem& files, const std::filesystem::path& path, std::o
     return file == nullptr ? error : file->write(content);
 }
 
-/// Writes over the file; when that fails, what was there is written back. 0 or an `errno` value.
+/// Overwrites the file; on failure, restores its content. Returns 0 or an `errno` value.
 int overwriteFile(ports::FileSystem& files, const std::filesystem::path& path, std::optional<std::uint32_t> mode,
                   BytesView content)
 {
@@ -44,10 +44,10 @@ int overwriteFile(ports::FileSystem& files, const std::filesystem::path& path, s
     return error;
 }
 
-/// Writes the file by way of a temporary one, which takes its place in one step: a failure leaves what was there. The
-/// save panel's consent covers the chosen file only, so that the temporary one lies elsewhere. It can't take the place
-/// of a file on another volume or in a folder that is closed to new entries: such a file is written over, and is lost
-/// only if the process ends meanwhile or what was there can't be written back. 0 or an `errno` value.
+/// Writes a temporary file that replaces the target in one step: a failure leaves the old content. The temporary file
+/// lies elsewhere, since the save panel's consent covers the chosen file only. If it can't replace the target, on
+/// another volume or in a folder closed to new entries, the target is overwritten; its old content is then lost if the
+/// process ends meanwhile or the content can't be restored. Returns 0 or an `errno` value.
 int writeFile(ports::FileSystem& files, const std::filesystem::path& temporary, const std::filesystem::path& path,
               std::optional<std::uint32_t> mode, BytesView content)
 {
@@ -58,7 +58,7 @@ int writeFile(ports::FileSystem& files, const std::filesystem::path& temporary, 
     return overwriteFile(files, path, mode, content);
 }
 
-/// Why a file could not be written, for people. The `errno` values of the port come without a description.
+/// The reason of a failed write, for the user: the port's `errno` values have no description.
 std::string writeErrorText(int error, ports::Language& language)
 {
     switch (error) {
@@ -98,7 +98,7 @@ void AlertPhotoExport::preview(const AlertEvent& alert, Photo photo)
 
 void AlertPhotoExport::save(const AlertEvent& alert, Photo photo)
 {
-    // Whatever the user's locale: names sort by date, and every file system takes them.
+    // Independent of the user's locale: names sort by date and suit every file system.
     const std::string date = ports_.calendar.formatted(alert.timestamp, "yyyy-MM-dd_HH-mm-ss", "en_US_POSIX");
     start(saveAs("alert_" + date + ".jpg", std::move(photo)));
 }

@@ -25,8 +25,8 @@ class Language;
 class SavePanels;
 } // namespace ports
 
-/// Takes an alert's photo out of the application as a JPEG file: into the preview panel, or where the user wants it.
-/// One at a time. Main actor.
+/// Exports an alert's photo as a JPEG file: to the preview panel, or to a place that the user chooses. One at a time.
+/// Main actor.
 class AlertPhotoExport {
 public:
     using Photo = std::shared_ptr<const Bytes>;
@@ -43,7 +43,7 @@ public:
     AlertPhotoExport(MainActor actor, AlertPhotoPreview& preview, Ports ports);
     AlertPhotoExport(const AlertPhotoExport&) = delete;
 
-    /// Why the photo couldn't be taken out, for the user.
+    /// The reason why the export failed, for the user.
     struct Failure {
         std::string title;
         std::string message;
@@ -55,15 +55,15 @@ public:
     [[nodiscard]] bool isBusy() const { return isBusy_; }
     [[nodiscard]] const std::optional<Failure>& failure() const { return failure_; }
 
-    /// The user has read it.
+    /// Call when the user has dismissed the failure.
     void forgetFailure();
 
-    /// Nothing happens while another photo is under way.
+    /// No effect while another export is under way.
     void preview(const AlertEvent& alert, Photo photo);
     void save(const AlertEvent& alert, Photo photo);
 
 private:
-    /// What became of the file: whether there was a JPEG, and the `errno` value of its writing.
+    /// The outcome of writing a file: whether there was a JPEG, and an `errno` value or 0.
     struct Written {
         bool isConverted = false;
         int error = 0;

@@ -15,7 +15,7 @@ void AlertPhotoPreview::show(std::filesystem::path photo)
 {
     auto source = std::make_unique<AlertPhotoQuickLookDataSource>(std::move(photo));
     panel_.setDataSource(source.get());
-    // The panel may be open with another photo, which is let go of only now.
+    // The panel may be showing another photo, so its source is released only now.
     source_ = std::move(source);
     panel_.reloadData();
     panel_.makeKeyAndOrderFront();

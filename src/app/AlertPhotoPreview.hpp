@@ -7,7 +7,7 @@
 
 namespace sentrel {
 
-/// The photo in the shared preview panel, which does not keep what it shows. It outlives the panel's control of the
+/// The photo in the shared preview panel, which doesn't own what it shows. Must outlive the panel's control by the
 /// application. Main actor.
 class AlertPhotoPreview {
 public:
@@ -18,7 +18,7 @@ public:
     /// Shows this file in the panel, in front of the windows.
     void show(std::filesystem::path photo);
 
-    /// What the panel shows while the application controls it; null before a photo was shown.
+    /// The panel's source while the application controls it; null before a photo was shown.
     [[nodiscard]] ports::PreviewDataSource* dataSource() const { return source_.get(); }
 
 private:

@@ -7,7 +7,7 @@
 
 namespace sentrel {
 
-/// What the preview panel shows of an alert: one item, the temporary file of its photo.
+/// The preview panel's data source: one item, the temporary file of an alert's photo.
 class AlertPhotoQuickLookDataSource final : public ports::PreviewDataSource {
 public:
     explicit AlertPhotoQuickLookDataSource(std::filesystem::path photo) : photo_(std::move(photo)) {}

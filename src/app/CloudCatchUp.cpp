@@ -23,7 +23,7 @@ void CloudCatchUp::refreshStatus()
     coordinator_.clearLocalSaveNoticeIfResolved();
     alerts_.refreshStorageNotice();
     if (!std::exchange(hasCaughtUp_, false)) {
-        // Without iCloud nothing has caught up, but there is a list: that of this Mac.
+        // Without iCloud no catch-up has run, but the list shows this Mac's alerts.
         alerts_.startRefresh();
     }
 }

@@ -7,7 +7,7 @@ namespace sentrel {
 class AlarmCoordinator;
 class MacAlertsService;
 
-/// What catches up with iCloud: the list of alerts and the alarm's notices. Main actor.
+/// Lets the list of alerts and the alarm's notices catch up with iCloud. Main actor.
 class CloudCatchUp final : public CloudDependents {
 public:
     CloudCatchUp(MacAlertsService& alerts, AlarmCoordinator& coordinator) : alerts_(alerts), coordinator_(coordinator)

@@ -23,13 +23,13 @@ void LoginItemToggle::refresh()
         return;
     }
     status_ = status;
-    refusal_.reset(); // it was about another state
+    refusal_.reset(); // the refusal concerned another state
     changed();
 }
 
 bool LoginItemToggle::isRegistered() const
 {
-    // One that waits for the user's approval is registered, too, and can be withdrawn.
+    // An item waiting for approval is registered, too, and can be unregistered.
     return status_ == ports::loginItemEnabled || status_ == ports::loginItemRequiresApproval;
 }
 

@@ -17,7 +17,7 @@ class Language;
 class LoginItem;
 } // namespace ports
 
-/// Whether the application opens at login: the toggle, and a notice when the system refused. Main actor.
+/// The toggle for opening the application at login, and a notice when the system refuses. Main actor.
 class LoginItemToggle {
 public:
     LoginItemToggle(ports::LoginItem& loginItem, ProtectedActions& protectedActions, ports::Language& language);
@@ -26,7 +26,7 @@ public:
     /// Called after each change of what is shown.
     std::function<void()> onChange;
 
-    /// Reads the state anew: the user may have changed it in the system's settings.
+    /// Reads the state again: the user may have changed it in the system's settings.
     void refresh();
 
     [[nodiscard]] ui::View body();

@@ -129,7 +129,7 @@ void MacAlertDetailView::startLoading(PhotoLoadID loadID)
     photoLoadID_ = loadID;
     photo_.reset();
     isLoading_ = true;
-    // The old loading, if any, ends where it waits.
+    // Cancels the old load, if any.
     loadTask_.emplace();
     loadTask_->add(actor_.spawn(load(loadID)));
 }

@@ -25,17 +25,17 @@ public:
     /// Called after each change of what is shown.
     std::function<void()> onChange;
 
-    /// Shows this alert, or none. The photo of another alert than before is loaded.
+    /// Shows this alert, or none. Loads the photo if the alert is another one than before.
     void show(const std::optional<AlertRow>& row);
 
-    /// Of an alert that is shown.
+    /// Requires a shown alert.
     [[nodiscard]] ui::View body();
 
-    /// Says why a photo couldn't be saved, whatever is shown meanwhile; hidden unless that happened.
+    /// Explains why a photo couldn't be saved, whichever alert is shown; hidden without a failure.
     [[nodiscard]] ui::View failureAlert();
 
 private:
-    /// What the photo's loading belongs to: another alert, or another attempt, starts it again.
+    /// Identifies a load of the photo; a change of either member starts a new one.
     struct PhotoLoadID {
         UUID alertID;
         std::int64_t attempt = 0;
@@ -61,7 +61,7 @@ private:
     std::optional<AlertRow> row_;
     PhotoLoadID photoLoadID_;
     bool isLoading_ = false;
-    AlertPhotoExport::Photo photo_; ///< null while it is loaded, and when there is none
+    AlertPhotoExport::Photo photo_; ///< null while loading, and when there is none
     std::optional<TaskBag> loadTask_;
     WeakAnchor<MacAlertDetailView> anchor_{*this};
 };

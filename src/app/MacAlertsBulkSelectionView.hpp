@@ -10,7 +10,7 @@ namespace ports {
 class Language;
 }
 
-/// Stands in the detail's place while several alerts are selected.
+/// Replaces the detail while several alerts are selected.
 struct MacAlertsBulkSelectionView {
     std::size_t count = 0;
     ui::Action deleteSelected;

@@ -18,7 +18,7 @@ namespace sentrel {
 
 namespace {
 
-/// After each of these a date may have another heading.
+/// After these notifications a date may need another heading.
 constexpr std::array regroupingNotifications{"NSCalendarDayChangedNotification",
                                              "NSSystemTimeZoneDidChangeNotification"};
 
@@ -46,7 +46,7 @@ MacAlertsContentView::MacAlertsContentView(Collaborators collaborators)
 
 void MacAlertsContentView::appeared()
 {
-    // Opened again while the list still comes for the first time: a new start would only make it come later.
+    // A window opened again must not restart the first load of the list and delay it.
     if (with_.alerts.hasLoadedInitialAlerts || !with_.alerts.isLoading) {
         with_.alerts.startRefresh();
     }
@@ -205,7 +205,7 @@ void MacAlertsContentView::showSelected()
             }
         }
     }
-    // Alerts that have gone, here or on another Mac, are selected no more.
+    // Alerts deleted here or on another Mac leave the selection.
     selection_ = std::move(present);
     isConfirmingDeletion_ = isConfirmingDeletion_ && !selection_.empty();
     detail_.show(selection_.size() == 1 ? last : std::nullopt);

@@ -19,7 +19,7 @@ namespace ports {
 class ApplicationNotifications;
 }
 
-/// The alerts window: the list of alerts, and the detail of what is selected there. Main actor.
+/// The alerts window: the list of alerts, and the detail of the selection. Main actor.
 class MacAlertsContentView {
 public:
     struct Collaborators {
@@ -41,7 +41,7 @@ public:
     /// Called after each change of what is shown.
     std::function<void()> onChange;
 
-    /// The window is to be seen: brings the list up to date.
+    /// Call when the window is about to be shown: updates the list.
     void appeared();
 
     [[nodiscard]] ui::View body();

@@ -92,7 +92,7 @@ MacAppDelegate::QuitState MacAppDelegate::quitState() const
 
 bool MacAppDelegate::mayQuit() const
 {
-    // Not the settings alone: nobody silences an alarm by quitting, or takes the lock screen away.
+    // Independent of the settings: quitting must not silence an alarm or remove the lock screen.
     const bool needsLogin = with_.settings.settings().requirePasswordForActions || with_.coordinator.isAlarmActive ||
                             with_.cover.isShowing();
     return quitAuthorized_ || !needsLogin;
@@ -107,7 +107,7 @@ void MacAppDelegate::callQuitOff()
 
 void MacAppDelegate::leaveDisarmed()
 {
-    // Whatever the previous run left, or this one leaves: being armed never survives the process.
+    // The armed state never survives the process, after the previous run or this one.
     with_.settings.set(&AlarmSettings::isArmed, false);
     with_.coordinator.disarm();
 }
@@ -143,7 +143,7 @@ void MacAppDelegate::applicationDidReceiveRemoteNotification(const Json& userInf
                         {{"subscription", std::string_view{notification->subscriptionID.value_or("")}}});
     with_.presence.receive(*notification);
     if (notification->subscriptionID == CloudSubscriptions::alertIdentifier) {
-        // Another Mac's alert.
+        // Another Mac has raised an alert.
         with_.alerts.startRefresh();
     }
 }
@@ -190,14 +190,14 @@ Async<void> MacAppDelegate::cleanUpAndQuit()
     try {
         co_await AsyncTimeout::run<void>(actor_, lastPublicationLimit, with_.presence.publishLastState());
     } catch (const std::exception&) {
-        // Too late, or not at all: a missing network never holds up the end.
+        // A late or failed publication, as without a network, must not delay the quit.
     }
-    // Somebody else's cancellation leaves the system without an answer as little as any error.
+    // Answer the system even if the publication was cancelled; only our own cancellation skips the reply.
     const bool isCancelled = co_await isTaskCancelled();
     if (isCancelled) {
         throw CancellationError{};
     }
-    // Somebody may have set the alarm off meanwhile.
+    // The alarm may have gone off meanwhile.
     if (!mayQuit()) {
         callQuitOff();
         co_return;
@@ -206,7 +206,7 @@ Async<void> MacAppDelegate::cleanUpAndQuit()
     ports_.application.replyToShouldTerminate(true);
 }
 
-/// Whoever asks again while an answer is under way waits for that one.
+/// A request made while an answer is under way waits for that answer.
 void MacAppDelegate::start(Task<void>& task, Async<void> work)
 {
     if (isUnderWay(task)) {

@@ -27,8 +27,8 @@ class RemoteNotifications;
 class WorkspaceNotifications;
 } // namespace ports
 
-/// Starts the services in order, decides whether the application may quit, and leaves the user's Mac as it was. Main
-/// actor; everything that it is given outlives it.
+/// Starts the services in order, decides whether the application may quit, and restores the Mac's state. Main actor;
+/// everything that it is given outlives it.
 class MacAppDelegate {
 public:
     struct Services {
@@ -52,7 +52,7 @@ public:
         ports::Journal& journal;
     };
 
-    /// Where a quit stands.
+    /// The progress of a quit.
     enum class QuitState { running, authorizing, cleaningUp, terminating };
 
     MacAppDelegate(MainActor actor, bool isCompatibleComputer, Services services, Ports ports);
@@ -61,10 +61,10 @@ public:
     void applicationDidFinishLaunching();
 
     /// Quitting needs the login when the settings say so, and always while the alarm is sounding or the lock screen is
-    /// shown. A quit that needs it only by the time the cleanup is done is called off, and asked for anew.
+    /// shown. A quit that comes to need it during the cleanup is refused and must be asked for again.
     [[nodiscard]] ports::TerminateReply applicationShouldTerminate();
 
-    /// Returns when the user's sound is back.
+    /// Returns once the user's sound is restored.
     void applicationWillTerminate();
 
     [[nodiscard]] bool applicationShouldTerminateAfterLastWindowClosed() const { return false; }

@@ -19,9 +19,9 @@ using ports::CloudAccountStatus;
 
 constexpr double panelPadding = 20.0;
 
-// What would make no sound, or see no motion, can't be chosen.
+// Excludes values without any sound or motion detection.
 constexpr SettingsEditor::Range strength{0.1, 1.0, std::nullopt};
-// By whole numbers, so that the limit is the number that is read beside it.
+// In whole numbers, so that the limit equals the number displayed.
 constexpr SettingsEditor::Range attempts{1.0, 10.0, 1.0};
 
 ui::View notice(const char* id, const std::optional<std::string>& text)
@@ -136,7 +136,7 @@ ui::View MacContentView::triggers()
 
 std::optional<std::string> MacContentView::accelerometerNotice()
 {
-    // On an armed Mac the status says it, and on one that never arms there is nothing to choose.
+    // On an armed Mac the status shows it; a Mac that never arms has no choice to make.
     const AlarmCoordinator& coordinator = with_.coordinator;
     if (coordinator.hasAccelerometer() || coordinator.motionWarning.get() || !isComputerCompatible_) {
         return std::nullopt;
@@ -172,7 +172,7 @@ ui::View MacContentView::iCloud()
     const std::string reached = localized(isReachable ? "iCloud connected" : "No connection");
     const std::optional<std::string>& syncError = with_.cloud.lastSyncError;
     const std::optional<std::string>& presenceError = with_.presence.syncError;
-    // Mostly the same failure; and a missing account is what the line tells.
+    // Usually the same failure; a missing account is shown by the line.
     const bool isTold = presenceError == syncError || with_.cloud.lastAccountStatus() == CloudAccountStatus::noAccount;
     return ui::section(localized("iCloud"),
                        {

@@ -41,7 +41,7 @@ public:
     /// Called after each change of what is shown.
     std::function<void()> onChange;
 
-    /// The window is to be seen.
+    /// Call when the window is about to be shown.
     void appeared();
 
     [[nodiscard]] ui::View body();

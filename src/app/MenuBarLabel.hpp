@@ -13,7 +13,7 @@ namespace ports {
 class Language;
 }
 
-/// The icon in the menu bar: whether the Mac is armed. Main actor.
+/// The menu bar icon, which shows whether the Mac is armed. Main actor.
 class MenuBarLabel {
 public:
     MenuBarLabel(AlarmCoordinator& coordinator, bool isComputerCompatible, ports::Language& language);
@@ -22,10 +22,10 @@ public:
     /// Called after each change of what is shown.
     std::function<void()> onChange;
 
-    /// The image asset.
+    /// The name of the image asset.
     [[nodiscard]] std::string image() const;
 
-    /// What screen readers say.
+    /// The text for screen readers.
     [[nodiscard]] std::string accessibilityLabel() const;
 
 private:

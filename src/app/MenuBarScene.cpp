@@ -15,7 +15,7 @@ void MenuBarScene::appear(Content content)
     item_ = statusBar_.makeStatusItem();
     item_->setOpened([this] {
         content_.opened();
-        draw(); // at once: the menu shall not begin with what it showed the last time
+        draw(); // at once: the menu must not open with old content
     });
     draw();
 }

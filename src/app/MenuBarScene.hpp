@@ -13,7 +13,7 @@ namespace sentrel {
 /// The application's item in the menu bar. Main actor.
 class MenuBarScene {
 public:
-    /// What stands in the menu bar, and behind it.
+    /// The item in the menu bar, and its menu.
     struct Content {
         std::function<std::string()> image;      ///< the asset
         std::function<std::string()> imageLabel; ///< for screen readers
@@ -24,10 +24,10 @@ public:
     MenuBarScene(MainActor actor, ports::StatusBar& statusBar);
     MenuBarScene(const MenuBarScene&) = delete;
 
-    /// Puts the item into the menu bar, where it stays as long as this lives.
+    /// Adds the item to the menu bar for the life of this object.
     void appear(Content content);
 
-    /// What it shows has changed: it is drawn anew at the next turn, once for all changes until then.
+    /// Call when the content has changed; redraws at the next turn, once for all changes until then.
     void contentChanged() { redraw_.request(); }
 
     /// Closes the menu.

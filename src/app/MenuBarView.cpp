@@ -118,7 +118,7 @@ void MenuBarView::setArmed(bool isOn)
         return;
     }
     with_.protectedActions.perform("disarm", [&settings] { settings.set(&AlarmSettings::isArmed, false); });
-    // While the login is asked for the toggle shows what is stored.
+    // The toggle shows the stored value while the login is pending.
     changed();
 }
 

@@ -17,7 +17,7 @@ class ProtectedActions;
 class SettingsStore;
 class WindowHooks;
 
-/// The menu of the menu bar's item. It also has the coordinator follow the settings, whoever changes them. Main actor.
+/// The menu of the menu bar's item. Also makes the coordinator follow every change of the settings. Main actor.
 class MenuBarView {
 public:
     struct Collaborators {
@@ -29,7 +29,7 @@ public:
         ports::Language& language;
     };
 
-    /// What the menu's scene can do.
+    /// Actions that the menu's scene provides.
     struct Actions {
         std::function<void()> dismiss;          ///< closes the menu
         std::function<void()> openMainWindow;   ///< the control panel
@@ -43,10 +43,10 @@ public:
     /// Called after each change of what is shown.
     std::function<void()> onChange;
 
-    /// The scene is there: the coordinator hears the settings as they are, and the windows can be opened from anywhere.
+    /// Call when the scene exists: applies the current settings to the coordinator and installs the window hooks.
     void appeared();
 
-    /// The user has opened the menu.
+    /// Call when the user has opened the menu.
     void opened();
 
     [[nodiscard]] ui::View body();

@@ -95,22 +95,22 @@ void PasscodeSetupSheet::setPasscodeFocused(bool isFocused)
 
 void PasscodeSetupSheet::dismiss()
 {
-    // A copy, which outlives the sheet.
+    // A copy that outlives the sheet.
     const auto dismiss = dismiss_;
     dismiss();
 }
 
 void PasscodeSetupSheet::save()
 {
-    // By the return key in a field, too.
+    // Also called by the return key in a field.
     if (isSaving_) {
         return;
     }
     error_ = mistake();
     changed();
     if (!error_) {
-        // Of an armed Mac also the first passcode: with the lock screen it would silence the alarm. Asked here and not
-        // when the sheet opens, since the Mac may be armed while it is open.
+        // An armed Mac requires the login even for the first passcode, which could silence the alarm through the lock
+        // screen. Checked here, since the Mac may be armed while the sheet is open.
         with_.editor.loosen("setPasscode", weakAction(anchor_.weak(), &PasscodeSetupSheet::saveNow));
     }
 }
@@ -120,7 +120,7 @@ void PasscodeSetupSheet::saveNow()
     if (isSaving_) {
         return;
     }
-    // A login takes its time: somebody may have typed on.
+    // The fields may have changed during the login.
     error_ = mistake();
     if (!error_) {
         isSaving_ = true;

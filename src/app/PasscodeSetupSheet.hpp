@@ -20,17 +20,17 @@ namespace ports {
 class Language;
 }
 
-/// The sheet in which the unlock passcode is set or changed; an armed Mac asks for the login when it saves. Closing it
-/// while it saves leaves the passcode as it was. Main actor.
+/// The sheet that sets or changes the unlock passcode; saving requires the login on an armed Mac. Closing it while it
+/// saves leaves the passcode unchanged. Main actor.
 class PasscodeSetupSheet {
 public:
-    /// How many characters a passcode has at least.
+    /// The minimum length of a passcode, in characters.
     static constexpr std::int64_t minimumLength = 4;
 
     struct Collaborators {
         MainActor actor;
         UnlockPasscodeStore& passcodes;
-        DetachedWork& derivations; ///< of an owner that lives longer, which waits for a derivation that is running
+        DetachedWork& derivations; ///< owned by a longer-lived object, which waits for a running derivation
         ports::Language& language;
         SettingsEditor& editor;
     };

@@ -28,10 +28,10 @@ public:
                          ports::Language& language);
     PasswordSetupSection(const PasswordSetupSection&) = delete;
 
-    /// Called after each change of what is shown, but for the settings.
+    /// Called after each change of what is shown, except of the settings.
     std::function<void()> onChange;
 
-    /// The section is to be seen: reads from the keychain whether there is a passcode.
+    /// Call when the section is about to be shown: reads whether the keychain has a passcode.
     void appeared();
 
     [[nodiscard]] ui::View body();
@@ -57,7 +57,7 @@ private:
     bool hasPasscode_ = false;
     bool showingRemoveConfirmation_ = false;
     DetachedWork derivations_;
-    std::unique_ptr<PasscodeSetupSheet> passcodeSheet_; ///< while it is shown
+    std::unique_ptr<PasscodeSetupSheet> passcodeSheet_; ///< null unless shown
     Observation observation_;
     WeakAnchor<PasswordSetupSection> anchor_{*this};
 };

@@ -15,8 +15,8 @@ namespace ports {
 class Language;
 }
 
-/// What the user may do only after the Mac login, as long as the settings want that. Shared by all views, so that an
-/// action whose question is still open is not asked for again, wherever it is asked for. Main actor.
+/// Performs actions that need the Mac login if the settings require it. Shared by all views, so that an action whose
+/// login is still pending is not asked for again, whichever view asks. Main actor.
 class ProtectedActions {
 public:
     ProtectedActions(MainActor actor, SettingsStore& settings, PasswordGate& gate, ports::Language& language);
@@ -25,8 +25,8 @@ public:
     /// `requirePasswordForActions`.
     [[nodiscard]] bool isLoginRequired() const;
 
-    /// Does it at once, or after the login when that is required; not at all when the login fails. The action is known
-    /// by its name: while its question is open, another one of that name is dropped.
+    /// Performs the action at once, or after the login when that is required; not at all when the login fails. While
+    /// the login for a name is pending, further actions of that name are dropped.
     void perform(const std::string& name, std::function<void()> action);
 
 private:

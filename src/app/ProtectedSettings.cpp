@@ -9,8 +9,8 @@ namespace sentrel {
 
 namespace {
 
-// Not only the triggers: somebody at an armed Mac that was left open would take the sound, the photo and the message
-// to the owner away first, or turn volume and sensitivity down, which comes to the same.
+// Includes more than the triggers: a thief at an armed Mac left open could first turn off the sound, the photo and the
+// message to the owner, or turn down volume and sensitivity.
 constexpr std::array switches{
     &AlarmSettings::triggerOnUnplugged,
     &AlarmSettings::triggerOnLidClosed,
@@ -31,7 +31,7 @@ bool loosensProtection(const AlarmSettings& before, const AlarmSettings& after)
 {
     const auto isTurnedOff = [&](bool AlarmSettings::* field) { return before.*field && !(after.*field); };
     const auto isTurnedDown = [&](double AlarmSettings::* field) { return after.*field < before.*field; };
-    // A higher limit leaves more guesses, a lower one lets anybody sound the alarm on the owner's typing errors.
+    // A higher limit allows more guesses; a lower one turns the owner's typing errors into alarms.
     const bool changesLimit = after.failedUnlockAttemptLimit != before.failedUnlockAttemptLimit;
     const bool locksLater = after.lockScreenSleepDelay > before.lockScreenSleepDelay;
     return std::ranges::any_of(switches, isTurnedOff) || std::ranges::any_of(strengths, isTurnedDown) || changesLimit ||

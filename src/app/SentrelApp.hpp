@@ -27,9 +27,8 @@
 
 namespace sentrel {
 
-/// The composition root: makes every service once, hands each its collaborators, wires the callbacks and declares the
-/// scenes. The same on every platform: it hears of launch, quit and end as the application's delegate. Main thread; the
-/// platform outlives it.
+/// The composition root: creates every service once, hands each its collaborators, wires the callbacks and declares the
+/// scenes. The same on every platform, which reports launch, quit and end to it. Main thread; the platform outlives it.
 class SentrelApp {
 public:
     explicit SentrelApp(ports::Platform& platform);

@@ -32,7 +32,7 @@ SentrelScenes::SentrelScenes(MainActor actor, bool isComputerCompatible, Service
 
 void SentrelScenes::appear()
 {
-    // Not earlier: with it the alarm begins to follow the settings, and those of the run before may still be armed.
+    // Not earlier: the view makes the alarm follow the settings, and the last run may have left them armed.
     menuView_.emplace(MenuBarView::Collaborators{with_.settings, with_.coordinator, protectedActions_,
                                                  with_.windowHooks, platform_.loginItem, platform_.language},
                       isComputerCompatible_, menuActions());

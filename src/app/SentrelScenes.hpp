@@ -25,8 +25,8 @@ class PasswordGate;
 class SettingsStore;
 class UnlockPasscodeStore;
 
-/// What people see of the application: the item in the menu bar, the control panel "main" and the window of alerts
-/// "alerts". A part of the composition root. Main actor.
+/// The visible application: the item in the menu bar, the control panel "main" and the window of alerts "alerts". A
+/// part of the composition root. Main actor.
 class SentrelScenes {
 public:
     struct Services {
@@ -44,7 +44,7 @@ public:
     SentrelScenes(MainActor actor, bool isComputerCompatible, Services services, ports::Platform& platform);
     SentrelScenes(const SentrelScenes&) = delete;
 
-    /// The item comes into the menu bar. From now on the alarm follows the stored settings, and the windows can be
+    /// Shows the item in the menu bar. From now on the alarm follows the stored settings, and the windows can be
     /// opened.
     void appear();
 
@@ -63,7 +63,7 @@ private:
     MacContentView mainView_;
     MacAlertsContentView alertsView_;
     MenuBarLabel menuLabel_;
-    std::optional<MenuBarView> menuView_; ///< none before it appears
+    std::optional<MenuBarView> menuView_; ///< none before `appear`
     WindowScene mainScene_;
     WindowScene alertsScene_;
     MenuBarScene menuScene_;

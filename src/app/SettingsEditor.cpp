@@ -32,7 +32,7 @@ AlarmSettings with(AlarmSettings settings, const AlarmSettingsField& field, cons
     return settings;
 }
 
-/// Within the range, whatever a damaged file or a renderer says.
+/// Restricts a value to the range, even one from a damaged file.
 double within(const SettingsEditor::Range& range, double value)
 {
     return std::isnan(value) ? range.lower : std::clamp(value, range.lower, range.upper);
@@ -91,7 +91,7 @@ void SettingsEditor::loosen(const std::string& name, std::function<void()> actio
 
 void SettingsEditor::change(const AlarmSettingsField& field, Value value)
 {
-    // The last wish counts: what a drag asks for while its question is open takes the place of what it asked for first.
+    // The last wish counts: while the login is pending, a drag's later value replaces the first one.
     wishes_.insert_or_assign(field.name, value);
     if (!loosensProtection(settings(), with(settings(), field, value))) {
         writeWish(field);

@@ -17,32 +17,33 @@ class AlarmCoordinator;
 class ProtectedActions;
 class SettingsStore;
 
-/// Controls that write fields of the settings as soon as the user changes them. A change that loosens the protection of
-/// an armed Mac is written after the login only; until then, and when the login fails, the control shows what is
-/// stored. Main actor.
+/// Controls that write settings as soon as the user changes them. A change that loosens the protection of an armed Mac
+/// is written only after the login; until then, and when the login fails, the control shows the stored value. Main
+/// actor.
 class SettingsEditor {
 public:
     SettingsEditor(SettingsStore& settings, AlarmCoordinator& coordinator, ProtectedActions& protectedActions);
     SettingsEditor(const SettingsEditor&) = delete;
 
-    /// Called when a control has to show the stored value again, though that has not changed.
+    /// Called when a control must show the stored value again although that has not changed.
     std::function<void()> onChange;
 
     [[nodiscard]] const AlarmSettings& settings() const;
 
-    /// Where a slider may be brought. Without a step it is continuous.
+    /// The range of a slider; continuous without a step.
     struct Range {
         double lower = 0.0;
         double upper = 1.0;
         std::optional<double> step;
     };
 
-    /// Controls for a field, under the field's stored name as identity. The label is localised already.
+    /// Controls for a field, with the field's stored name as id. The label must be localised.
     [[nodiscard]] ui::View checkbox(std::string label, bool AlarmSettings::* field);
     [[nodiscard]] ui::View slider(std::string label, double AlarmSettings::* field, Range range,
                                   std::string valueText = {});
 
-    /// Does what loosens the protection: after the login if the Mac is armed and the settings want it, else at once.
+    /// Performs an action that loosens the protection: after the login if the Mac is armed and the settings require it,
+    /// else at once.
     void loosen(const std::string& name, std::function<void()> action);
 
 private:
@@ -54,7 +55,7 @@ private:
     SettingsStore& settings_;
     AlarmCoordinator& coordinator_;
     ProtectedActions& protectedActions_;
-    std::map<std::string_view, Value> wishes_; ///< by field: what is written once the user has logged in
+    std::map<std::string_view, Value> wishes_; ///< by field: values to write after the login
     WeakAnchor<SettingsEditor> anchor_{*this};
 };
 

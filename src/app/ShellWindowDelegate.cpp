@@ -37,7 +37,7 @@ ports::Size ShellWindowDelegate::windowWillResize(ports::Size proposedFrameSize)
     }
     ports::Rectangle content = window->contentForFrame({0.0, 0.0, proposedFrameSize.width, proposedFrameSize.height});
     content.width = bounds_.width;
-    // `fmax` and `fmin` also make a number of what is none.
+    // `fmax` and `fmin` turn NaN into a bound; `std::clamp` would not.
     content.height = std::fmin(std::fmax(content.height, bounds_.leastHeight), bounds_.mostHeight);
     const ports::Rectangle frame = window->frameForContent(content);
     return {frame.width, frame.height};
@@ -51,7 +51,7 @@ ports::Rectangle ShellWindowDelegate::windowWillUseStandardFrame(ports::Rectangl
 
 void ShellWindowDelegate::attachTo(ports::Window& window)
 {
-    // Not everything that resizes a window asks its delegate.
+    // Some ways of resizing a window don't ask its delegate.
     window.setContentMinSize({bounds_.width, bounds_.leastHeight});
     window.setContentMaxSize({bounds_.width, bounds_.mostHeight});
     window.setDelegate({

@@ -8,14 +8,14 @@ namespace sentrel {
 
 class ShellWindows;
 
-/// How large a window's content may be, in points.
+/// The size limits of a window's content, in points.
 struct ContentBounds {
     double width = 0.0;
     double leastHeight = 0.0;
     double mostHeight = 0.0;
 };
 
-/// What the application's windows have in common: they keep within bounds, and hide instead of closing. Main actor.
+/// The common behaviour of the application's windows: bounded size, hidden instead of closed. Main actor.
 class ShellWindowDelegate {
 public:
     ShellWindowDelegate(const ShellWindowDelegate&) = delete;
@@ -39,17 +39,17 @@ protected:
 
 private:
     ShellWindows& windows_;
-    std::string_view identifier_; ///< a constant
+    std::string_view identifier_; ///< refers to a constant
     ContentBounds bounds_;
 };
 
-/// Of the control panel.
+/// The delegate of the control panel.
 class MainWindowDelegate final : public ShellWindowDelegate {
 public:
     explicit MainWindowDelegate(ShellWindows& windows);
 };
 
-/// Of the window of alerts.
+/// The delegate of the alerts window.
 class AlertsWindowDelegate final : public ShellWindowDelegate {
 public:
     explicit AlertsWindowDelegate(ShellWindows& windows);

@@ -23,7 +23,7 @@ ports::Window* ShellWindows::find(std::string_view identifier) const
 void ShellWindows::show(std::string_view identifier)
 {
     if (ports::Window* const window = find(identifier)) {
-        // First, since an application without a Dock icon can't be brought to the front reliably.
+        // First: an application without a Dock icon can't be brought to the front reliably.
         application_.setActivationPolicy(regularActivationPolicy);
         activation_.activate(true);
         shown_.emplace(identifier);

@@ -16,8 +16,8 @@ class Window;
 inline constexpr std::string_view mainWindowIdentifier = "sentrel-main-window";
 inline constexpr std::string_view alertsWindowIdentifier = "sentrel-alerts-window";
 
-/// The application's windows by their identifiers, and its place among the other applications: it has a Dock icon
-/// exactly while one of them is visible. Main actor.
+/// The application's windows by their identifiers. The application has a Dock icon exactly while one of them is
+/// visible. Main actor.
 class ShellWindows {
 public:
     ShellWindows(ports::Application& application, ports::ApplicationActivation& activation)
@@ -26,7 +26,7 @@ public:
     }
     ShellWindows(const ShellWindows&) = delete;
 
-    /// The window lives as long as this is used.
+    /// The window must outlive this object's use.
     void add(std::string_view identifier, ports::Window& window);
 
     /// The window of this identifier, or null while it hasn't been made.
@@ -37,8 +37,8 @@ public:
 
     void hide(std::string_view identifier);
 
-    /// Whether the window was shown and not hidden since. The whole application may be hidden all the same: then the
-    /// system brings the window back, and nobody is told.
+    /// Whether the window was shown and not hidden since. Ignores hiding of the whole application, after which the
+    /// system restores the window without telling anyone.
     [[nodiscard]] bool isShown(std::string_view identifier) const { return shown_.contains(identifier); }
 
 private:

@@ -15,7 +15,7 @@ StopAlarmButton::StopAlarmButton(AlarmCoordinator& coordinator, ProtectedActions
 
 ui::View StopAlarmButton::body(Style style)
 {
-    // The menu is read in a hurry: there the button stands out as the one thing to do.
+    // The menu is read in a hurry, so the button is its most prominent control.
     const auto role = style == Style::menuBar ? ui::Button::Role::prominent : ui::Button::Role::destructive;
     return symbolButton(language_.localized("Stop Alarm"), "bell.slash.fill",
                         weakAction(anchor_.weak(), &StopAlarmButton::stop), role)

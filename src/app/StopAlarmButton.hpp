@@ -12,7 +12,7 @@ namespace ports {
 class Language;
 }
 
-/// The button that silences the alarm, after the login if the settings want that. Main actor.
+/// The button that silences the alarm, after the login if the settings require it. Main actor.
 class StopAlarmButton {
 public:
     enum class Style { menuBar, controlPanel };

@@ -8,7 +8,7 @@
 
 namespace sentrel {
 
-// What several views are made of.
+// Parts shared by several views.
 
 /// An action that calls the object's method while the object lives.
 template <class T> ui::Action weakAction(Weak<T> weak, void (T::*method)())
@@ -30,16 +30,16 @@ template <class T, class Value> ui::Binding<Value> weakBinding(Weak<T> weak, Val
             }};
 }
 
-/// A symbol of the system's.
+/// A system symbol.
 [[nodiscard]] ui::Image symbol(std::string name);
 
 [[nodiscard]] ui::View symbolButton(std::string title, std::string symbolName, ui::Action action,
                                     ui::Button::Role role = ui::Button::Role::standard);
 
-/// What fills a pane that has nothing else to show: a symbol, a title, and what to do about it.
+/// Fills an otherwise empty pane: a symbol, a title, and a hint what to do.
 [[nodiscard]] ui::View emptyPane(std::string symbolName, std::string title, std::string message);
 
-/// A text of the alarm's colour.
+/// A text in the alarm's colour.
 [[nodiscard]] ui::View warning(std::string text);
 
 } // namespace sentrel

@@ -5,7 +5,7 @@
 
 namespace sentrel {
 
-/// The whole part of a number that is shown as a whole one; of what no such number can hold, the nearest.
+/// Truncates for display; saturates at +-9e18; NaN gives 0.
 [[nodiscard]] inline std::int64_t wholeNumber(double value)
 {
     constexpr double most = 9.0e18;

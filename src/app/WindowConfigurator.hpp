@@ -6,11 +6,10 @@
 
 namespace sentrel {
 
-/// Sets a new window up: its identifier, its delegate and the size that it starts with. Lives as long as the window.
-/// Main actor.
+/// Sets a new window's identifier, delegate and initial size. Lives as long as the window. Main actor.
 class WindowConfigurator {
 public:
-    /// The content's size at first.
+    /// The initial size of the content, in points.
     [[nodiscard]] ports::Size startSize() const { return {delegate_->bounds().width, startHeight_}; }
 
     [[nodiscard]] std::string_view identifier() const { return delegate_->identifier(); }

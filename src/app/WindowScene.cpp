@@ -10,9 +10,9 @@ namespace sentrel {
 
 namespace {
 
-// Not miniaturizable: it is hidden by closing it.
+// Not miniaturizable: closing hides it.
 constexpr std::uint64_t windowStyle = ports::titledStyle | ports::closableStyle | ports::resizableStyle;
-// A full screen asks no delegate for the window's size.
+// A full screen would ignore the delegate's size limits.
 constexpr std::uint64_t collectionBehavior = ports::fullScreenNone;
 constexpr std::uint64_t resizesWithWindow = ports::widthSizable | ports::heightSizable;
 
@@ -66,7 +66,7 @@ void WindowScene::makeWindow()
 
 void WindowScene::draw()
 {
-    // Nobody looks at a hidden window; what it missed it shows when it opens.
+    // A hidden window isn't drawn; it gets the current content when it opens.
     if (window_ != nullptr && shellWindows_.isShown(configurator_.identifier())) {
         window_->showContent(body_());
     }

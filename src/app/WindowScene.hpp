@@ -13,18 +13,18 @@ namespace sentrel {
 class ShellWindows;
 class WindowConfigurator;
 
-/// A window that there is once: made when it is first opened, then hidden and shown again. Main actor.
+/// A single window: created when first opened, then hidden and shown again. Main actor.
 class WindowScene {
 public:
-    /// The title is in the user's language; `body` gives what the window shows now. The configurator outlives this.
+    /// The title is in the user's language; `body` returns the current content. The configurator outlives this.
     WindowScene(MainActor actor, ports::Windows& windows, ShellWindows& shellWindows, WindowConfigurator& configurator,
                 std::string title, std::function<ui::View()> body);
     WindowScene(const WindowScene&) = delete;
 
-    /// Brings the window to the front, as large and where it was the last time.
+    /// Brings the window to the front, with its last size and position.
     void open();
 
-    /// What the window shows has changed: it shows the new body at the next turn, once for all changes until then.
+    /// Call when the content has changed; redraws at the next turn, once for all changes until then.
     void contentChanged() { redraw_.request(); }
 
 private:

@@ -72,7 +72,7 @@ std::string encodeAlertCache(const AlertCacheContents& contents)
     std::string text = encodeJson(document);
     text.back() = ',';
     text += "\"alerts\":[";
-    // Each by itself: there may be thousands, too many to hold all as one document.
+    // Encoded one by one: thousands of alerts are too many to hold as one document.
     for (const auto& [id, alert] : contents.alerts) {
         text += encodeJson(encodeAlertEvent(alert));
         text += ',';

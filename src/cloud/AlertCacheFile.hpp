@@ -14,19 +14,19 @@ namespace sentrel {
 /// Alerts by identifier.
 using AlertMap = std::unordered_map<UUID, AlertEvent>;
 
-/// What this Mac still has to tell the alert catalog.
+/// Changes that this Mac has yet to make to the catalog.
 struct CatalogDebts {
-    std::vector<UUID> additions; ///< in the order in which they came; one may be there twice
+    std::vector<UUID> additions; ///< in order of arrival; may contain duplicates
     std::unordered_set<UUID> removals;
 
     [[nodiscard]] bool isEmpty() const { return additions.empty() && removals.empty(); }
     friend bool operator==(const CatalogDebts&, const CatalogDebts&) = default;
 };
 
-/// What this Mac knows of the alerts in the cloud.
+/// The contents of the local mirror of the cloud's alerts.
 struct AlertCacheContents {
-    std::optional<std::string> owner; ///< the iCloud user's record name; none when it was never learnt
-    bool isComplete = false;          ///< all alerts of the database were listed once
+    std::optional<std::string> owner; ///< record name of the iCloud user; none when not known yet
+    bool isComplete = false;          ///< all alerts of the database were listed at least once
     AlertMap alerts;
     CatalogDebts debts;
 
@@ -34,10 +34,10 @@ struct AlertCacheContents {
 };
 
 /// The cache file: {"version": 1, "owner", "isComplete", "catalogAdditions", "catalogRemovals", "alerts"}. Throws
-/// `JsonEncodingError` for a date that is no number.
+/// `JsonEncodingError` for a date that isn't finite.
 [[nodiscard]] std::string encodeAlertCache(const AlertCacheContents& contents);
 
-/// Strict: none when anything is missing, malformed or of another version. The database can always be asked again.
+/// Strict: none when anything is missing, malformed or of another version. The database can be queried again.
 [[nodiscard]] std::optional<AlertCacheContents> decodeAlertCache(BytesView file);
 
 } // namespace sentrel

@@ -24,7 +24,7 @@ bool isTruncated(const ports::CloudRecord& record)
     return flag != nullptr && *flag != 0;
 }
 
-/// Puts the debts into the list; false when it needs no change.
+/// Applies the debts to the list; false when it needs no change.
 bool merge(ports::CloudRecord& record, const CatalogDebts& debts)
 {
     const auto* const listed = ports::fieldOf<Texts>(record, AlertCatalog::alertIDsField);
@@ -95,7 +95,7 @@ Async<std::optional<ports::CloudError>> AlertCatalog::payDebts(std::optional<por
     }
     const auto changes = cache_.watch();
     CatalogDebts paid;
-    // Each attempt pays what is owed then. One user's record must never be saved among another's.
+    // Each attempt applies the current debts. One user's record must never be saved for another.
     RecordMerge merging = [&paid, &cache = cache_, changes](ports::CloudRecord& record) {
         paid = cache.debts();
         return !changes->isAnotherUser && merge(record, paid);

@@ -16,8 +16,8 @@ class CloudDatabase;
 }
 
 /// The list of all alerts in the database: one record that every device reads instead of querying for thousands of
-/// alerts, and changes by reading it, merging and saving unless it has changed. Whoever saves or deletes an alert tells
-/// the catalog afterwards; what can't be told at once is owed, and paid with the next change. Main actor only.
+/// alerts. Devices change it by reading, merging and saving unless it has changed. Every saved or deleted alert is
+/// reported to the catalog afterwards; a failed report remains owed until the next change. Main actor only.
 class AlertCatalog {
 public:
     static constexpr const char* recordType = "AlertCatalog";
@@ -26,10 +26,10 @@ public:
     /// A list of texts: the alerts' identifiers in upper case, in the order in which they were added.
     static constexpr const char* alertIDsField = "alertIDs";
 
-    /// Non-zero once identifiers have fallen off the list: from then on absence doesn't mean deletion.
+    /// Non-zero once identifiers were dropped from the list: absence then no longer means deletion.
     static constexpr const char* isTruncatedField = "isTruncated";
 
-    /// So many identifiers are kept, the newest: a record holds 1 MB, and each takes 36 bytes and some.
+    /// Capacity of the list, which keeps the newest: a record holds 1 MB, and an identifier takes at least 36 bytes.
     static constexpr std::size_t mostIdentifiers = 20'000;
 
     struct Contents {
@@ -39,21 +39,21 @@ public:
 
     AlertCatalog(ports::CloudDatabase& database, AlertMetadataCache& cache) : database_(database), cache_(cache) {}
 
-    /// The catalog's record; a new and empty one when there is none. Throws what the request throws.
+    /// The catalog's record, or a new, empty one when there is none. Throws the request's error.
     [[nodiscard]] static Async<ports::CloudRecord> read(ports::CloudDatabase& database);
 
-    /// What an attempt to read the catalog came to.
+    /// The outcome of an attempt to read the catalog.
     struct Reading {
         std::optional<ports::CloudRecord> record;    ///< none when the request failed
-        std::optional<ports::CloudError> throttling; ///< by which the server asked for patience
+        std::optional<ports::CloudError> throttling; ///< set when the server throttles
     };
     [[nodiscard]] static Async<Reading> tryToRead(ports::CloudDatabase& database);
 
-    /// What the record lists; none when it has no such list, so that nothing follows from it.
+    /// The identifiers that the record lists; none without such a list, which proves nothing.
     [[nodiscard]] static std::optional<Contents> contentsOf(const ports::CloudRecord& record);
 
-    /// Pays what is owed. A failure leaves the debt for the next time; only a `CancellationError` is thrown. `fresh` is
-    /// the record as it has just been read. Gives the error by which the server asked for patience.
+    /// Applies the owed changes to the catalog. A failure keeps them owed; throws only a `CancellationError`. `fresh`
+    /// is the record as it has just been read. Returns the error if the server throttles.
     [[nodiscard]] Async<std::optional<ports::CloudError>> payDebts(std::optional<ports::CloudRecord> fresh);
 
 private:

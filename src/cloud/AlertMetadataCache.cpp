@@ -15,10 +15,10 @@ namespace {
 
 using namespace std::chrono_literals;
 
-/// One write for a burst of changes.
+/// Combines a burst of changes into one write.
 constexpr Duration persistDelay = 1s;
 
-/// When and where alarms went off is nobody's business but the user's.
+/// Only the user may read when and where alarms went off.
 constexpr std::uint32_t directoryMode = 0700;
 constexpr std::uint32_t fileMode = 0600;
 
@@ -75,7 +75,7 @@ void AlertMetadataCache::setComplete()
 void AlertMetadataCache::insert(AlertMap alerts)
 {
     while (!alerts.empty()) {
-        // Whole nodes change hands: thousands of alerts cost no allocation.
+        // Moves whole nodes: thousands of alerts cost no allocation.
         auto node = alerts.extract(alerts.begin());
         const UUID id = node.key();
         const auto known = alertCache_.alerts.find(id);
@@ -164,7 +164,7 @@ void AlertMetadataCache::startOver(std::string owner)
         }
     }
     files_.remove(cacheDirectory_ / fileName);
-    // A write that is under way may bring the old file back: this one follows it.
+    // A write under way may restore the old file; this later write replaces it.
     persistSoon();
 }
 

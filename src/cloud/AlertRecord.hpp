@@ -13,16 +13,16 @@ namespace ports {
 class Language;
 }
 
-/// The type of the records that hold alerts; each is named by its alert's identifier.
+/// The type of alert records; each record is named by its alert's identifier.
 inline constexpr const char* alertRecordType = "AlertEvent";
 
 /// The field with the photo, an asset.
 inline constexpr const char* alertPhotoField = "photo";
 
-/// The fields that make up a listed alert: all but the photo.
+/// The fields fetched for a listed alert: no photo, no title.
 [[nodiscard]] const std::vector<std::string>& alertListKeys();
 
-/// The record of an alert, without its photo. `deviceName` is the Mac's present name; the trigger's title is in the
+/// The record of an alert, without its photo. `deviceName` is the Mac's current name; the trigger's title is in the
 /// user's language.
 [[nodiscard]] ports::CloudRecord alertRecord(const AlertEvent& alert, const std::string& deviceName,
                                              ports::Language& language);

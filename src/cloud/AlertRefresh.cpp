@@ -31,7 +31,7 @@ Async<std::optional<ports::CloudError>> AlertRefresh::run()
     changes.reset();
     apply(newer);
     changes = cache_.watch();
-    co_await sleepFor(Duration::zero()); // thousands of alerts are enough for one turn of the main thread
+    co_await sleepFor(Duration::zero()); // let the main thread run: `apply` may have handled thousands
     std::optional<ports::CloudError> throttling;
     if (!changes->isAnotherUser) {
         throttling = co_await catalog_.payDebts(std::move(*record));
@@ -39,7 +39,7 @@ Async<std::optional<ports::CloudError>> AlertRefresh::run()
     co_return throttling;
 }
 
-/// Reads what the catalog lists, of which there may be thousands, off the main thread.
+/// Reads the catalog and parses its list, maybe thousands, off the main thread.
 Async<std::shared_ptr<ports::CloudRecord>> AlertRefresh::readCatalog()
 {
     ports::CloudRecord record = co_await AlertCatalog::read(database_);
@@ -110,7 +110,7 @@ void AlertRefresh::note(const std::string& name, const ports::CloudRecordResult&
         if (isCloudKitError(*error, CloudErrorCode::unknownItem)) {
             gone_.insert(*id);
         } else if (isNetworkError(*error) || isThrottlingError(*error)) {
-            throw ports::CloudError{*error}; // so will be the rest
+            throw ports::CloudError{*error}; // the others would fail too
         } else {
             unreadable_.insert(*id);
         }
@@ -152,7 +152,7 @@ void AlertRefresh::dropDeleted(const std::unordered_set<UUID>& newer)
     std::unordered_set<UUID> deleted;
     for (const auto& [id, alert] : cache_.alerts()) {
         const bool isListed = listed_ && listed_->ids.contains(id) && !gone_.contains(id);
-        // An alert that is owed was saved by this Mac, and a query may not show yet what was saved just now.
+        // This Mac has saved the owed alerts, and a query may not show recent saves yet.
         const bool exists = isListed || owed.contains(id) || found_.contains(id) || unreadable_.contains(id);
         if (!exists && !newer.contains(id)) {
             deleted.insert(id);
@@ -166,7 +166,7 @@ void AlertRefresh::dropDeleted(const std::unordered_set<UUID>& newer)
 void AlertRefresh::oweUnlisted()
 {
     if (listed_ && listed_->isTruncated) {
-        return; // they fell off because they are old
+        return; // unlisted ones were dropped as too old
     }
     const auto isUnlisted = [&](const UUID& id) { return !listed_ || !listed_->ids.contains(id); };
     std::vector<std::pair<Date, UUID>> unlisted;

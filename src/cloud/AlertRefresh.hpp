@@ -12,24 +12,23 @@
 
 namespace sentrel {
 
-/// One refresh of the cache from the database. The catalog tells what came and went since the last one, so that as many
-/// requests are made as there are changes; the whole database is queried only while the cache has never been complete,
-/// or the catalog is missing. What is uploaded, deleted or refreshed meanwhile is newer than what is found here, and
-/// stays. Main actor only; lives on the frame of the coroutine that runs it.
+/// One refresh of the cache from the database. Normally fetches only the changes that the catalog shows; queries the
+/// whole database only while the cache has never been complete or the catalog is missing. Uploads, deletions and
+/// refreshes that end meanwhile are newer than the results and take precedence. Main actor only; lives on the frame of
+/// the coroutine that runs it.
 class AlertRefresh {
 public:
-    /// A batch: the server takes 400 records in a request, and pages of this size don't hold up the main thread.
+    /// Records per request: the server accepts 400; smaller pages keep the main thread responsive.
     static constexpr std::size_t batchSize = 200;
 
-    /// `unusable`: alerts whose records can't be read, so that they aren't fetched again and again.
+    /// `unusable` holds the alerts whose records can't be parsed, so that they aren't fetched repeatedly.
     AlertRefresh(Scheduler& scheduler, ports::CloudDatabase& database, AlertCatalog& catalog, AlertMetadataCache& cache,
                  std::unordered_set<UUID>& unusable)
         : scheduler_(scheduler), database_(database), catalog_(catalog), cache_(cache), unusable_(unusable)
     {
     }
 
-    /// Throws what the requests throw, and then has changed nothing. Gives the error by which the server asked for
-    /// patience with the catalog.
+    /// Throws a failed request's error, with the cache unchanged. Returns the catalog's throttling error, if any.
     [[nodiscard]] Async<std::optional<ports::CloudError>> run();
 
 private:
@@ -51,7 +50,7 @@ private:
     std::optional<AlertCatalog::Contents> listed_;
     bool hasQueried_ = false;
     AlertMap found_;
-    std::unordered_set<UUID> unreadable_; ///< they exist, but the server couldn't give them this time
+    std::unordered_set<UUID> unreadable_; ///< exist, but the server couldn't return them this time
     std::unordered_set<UUID> gone_;
 };
 

@@ -14,10 +14,10 @@
 
 namespace sentrel {
 
-/// Runs one asynchronous operation against a deadline: whichever ends first decides, and the loser is cancelled.
+/// Runs an asynchronous operation against a deadline: the first to end decides, the other is cancelled.
 class AsyncTimeout {
 public:
-    /// The deadline came first.
+    /// Thrown when the deadline came first.
     class TimedOut : public std::exception {
     public:
         [[nodiscard]] const char* what() const noexcept override { return "timed out"; }
@@ -45,7 +45,7 @@ public:
 
         Semaphore& finished() { return finished_; }
 
-        /// The outcome's value; throws its error. Only once it has been recorded.
+        /// Returns the outcome's value or throws its error. Requires a recorded outcome.
         T take()
         {
             const std::lock_guard guard{lock_};
@@ -63,7 +63,7 @@ public:
         std::optional<Result> result_;
     };
 
-    /// Runs the operation on the main actor for at most `timeout` of the continuous clock. Gives its value, or throws
+    /// Runs the operation on the main actor for at most `timeout` of the continuous clock. Returns its value, or throws
     /// its error, `TimedOut`, or a `CancellationError` when the calling task was cancelled.
     template <class T> static Async<T> run(MainActor actor, Duration timeout, Async<T> operation)
     {
@@ -82,7 +82,7 @@ public:
     }
 
 private:
-    /// A cancelled sleep ends the timer silently: a task's error concerns only who awaits it.
+    /// A cancelled sleep ends the timer silently: a task's error reaches only its awaiter.
     template <class T> static Async<void> expire(std::shared_ptr<Race<T>> race, Task<T> operation, Duration timeout)
     {
         co_await sleepFor(timeout);

@@ -15,7 +15,7 @@ namespace sentrel {
 
 namespace {
 
-/// The server takes 400 records in a request.
+/// Records per request; the server accepts 400.
 constexpr std::size_t batchSize = 200;
 
 using ItemErrors = std::map<std::string, ports::CloudError>;
@@ -25,10 +25,10 @@ bool isThrottled(const ItemErrors& errors)
     return std::ranges::any_of(errors, [](const auto& entry) { return isThrottlingError(entry.second); });
 }
 
-/// The error of a request by those of its records.
+/// Combines the errors of a request's records.
 ports::CloudError errorOf(const ItemErrors& errors)
 {
-    // A server that asks for patience must be heard, whatever else went wrong.
+    // Throttling comes first: the backoff depends on it.
     for (const auto& [name, error] : errors) {
         if (isThrottlingError(error)) {
             return error;
@@ -84,9 +84,9 @@ Async<CloudAlerts::Throttling> CloudAlerts::upload(AlertEvent alert, std::option
         throw;
     }
     if (changes->isAnotherUser) {
-        co_return std::nullopt; // it is in the database of the user who has left
+        co_return std::nullopt; // the alert is in the previous user's database
     }
-    // Before anything else is awaited: whatever comes now, the alert is known to be there.
+    // Before the next await: no later failure may hide that the alert is saved.
     if (uploaded) {
         cache_.insert({{alert.id, *uploaded}});
         cache_.oweAdditions({alert.id});
@@ -100,7 +100,7 @@ Async<CloudAlerts::Throttling> CloudAlerts::upload(AlertEvent alert, std::option
     co_return std::move(catalog.throttling);
 }
 
-/// An alert that is there already counts as saved: the answer to an earlier attempt was lost.
+/// An alert that exists already counts as saved: the answer to an earlier attempt was lost.
 Async<void> CloudAlerts::save(ports::CloudRecord record)
 {
     try {
@@ -112,7 +112,7 @@ Async<void> CloudAlerts::save(ports::CloudRecord record)
     }
 }
 
-/// A debt that could not be paid is on the disk before anybody learns that the alert is safe, or gone.
+/// Unpaid debts reach the disk before the caller learns that the alert is safe, or gone.
 Async<CloudAlerts::Throttling> CloudAlerts::settleDebts(std::optional<ports::CloudRecord> catalog)
 {
     Throttling throttling = co_await catalog_.payDebts(std::move(catalog));
@@ -171,7 +171,7 @@ Async<CloudAlerts::Deletion> CloudAlerts::remove(std::unordered_set<UUID> ids)
             co_await removeBatch(std::move(batch), deletion.gone, errors);
         } catch (const ports::CloudError&) {
             deletion.error = std::current_exception();
-            break; // so would be the rest
+            break; // the remaining batches would fail too
         }
     }
     if (deletion.error != nullptr) {

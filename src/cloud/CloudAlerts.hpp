@@ -35,13 +35,13 @@ public:
         ports::Journal& journal;
     };
 
-    /// The error by which the server asked for patience with the catalog, when what was asked for went well.
+    /// The throttling error of the catalog update; the operation itself succeeded.
     using Throttling = std::optional<ports::CloudError>;
 
-    /// What a deletion came to.
+    /// The outcome of a deletion.
     struct Deletion {
-        std::unordered_set<UUID> gone; ///< the database doesn't hold these any more, whoever deleted them
-        std::exception_ptr error;      ///< why it holds others still; null when it holds none
+        std::unordered_set<UUID> gone; ///< no longer in the database, whether deleted now or before
+        std::exception_ptr error;      ///< why others are still there; null when none are
         Throttling throttling;
     };
 
@@ -52,10 +52,10 @@ public:
     [[nodiscard]] std::vector<AlertEvent> cached() const;
     [[nodiscard]] bool holds(const UUID& id) const { return cache_.alerts().contains(id); }
 
-    /// Returns once what is known is on the disk, or can't be written.
+    /// Returns once the cache is on the disk, or can't be written.
     [[nodiscard]] Async<void> flush() { return cache_.flush(); }
 
-    /// As `CloudKitService::uploadAlert`, whether or not the account is available.
+    /// As `CloudKitService::uploadAlert`, but without asking whether the account is available.
     [[nodiscard]] Async<Throttling> upload(AlertEvent alert, std::optional<Bytes> photo);
     [[nodiscard]] Async<Throttling> refresh();
     [[nodiscard]] Async<std::optional<Bytes>> photo(UUID id);
@@ -63,7 +63,7 @@ public:
     /// Throws only a `CancellationError`.
     [[nodiscard]] Async<Deletion> remove(std::unordered_set<UUID> ids);
 
-    /// The user has become known, or is another one, whose alerts are not these.
+    /// `setOwner` names the user once known; `startOver` drops everything for another user.
     void setOwner(std::string owner) { cache_.setOwner(std::move(owner)); }
     void startOver(std::string owner);
 

@@ -23,7 +23,7 @@ constexpr std::string_view networkMessage = "Could not reach iCloud.\nCheck your
 constexpr std::string_view signInMessage = "Sign in to iCloud on both devices with the same Apple ID.";
 constexpr std::string_view unknownMessage = "Something went wrong with iCloud. Try again.";
 
-/// The server says that it doesn't accept this user: not authenticated, permission failure.
+/// Whether the server rejects this user: not authenticated, permission failure.
 bool isRefusal(const CloudError& error)
 {
     return error.code == CloudErrorCode::notAuthenticated || error.code == CloudErrorCode::permissionFailure;
@@ -130,7 +130,7 @@ std::optional<std::string_view> accountMessage(CloudAccountStatus status)
     case CloudAccountStatus::temporarilyUnavailable:
         return passwordMessage;
     }
-    return std::nullopt; // a status that a later system has invented
+    return std::nullopt; // a status added by a later system
 }
 
 std::string userFacingMessage(const std::exception& error, AccountStatus status, ports::Language& language)
@@ -143,7 +143,7 @@ std::string userFacingMessage(const std::exception& error, AccountStatus status,
         return language.localized(networkMessage);
     }
     const CloudError* const cloudKitError = cloudKitErrorOf(error);
-    // A refusal without an account has words of its own, which name both devices.
+    // A refusal without an account has its own message, which names both devices.
     const bool isRefusedStranger =
         cloudKitError != nullptr && isRefusal(*cloudKitError) && status == CloudAccountStatus::noAccount;
     const auto ofAccount = status && !isRefusedStranger ? accountMessage(*status) : std::nullopt;

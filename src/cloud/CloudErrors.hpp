@@ -15,22 +15,22 @@ class CloudError;
 class Language;
 } // namespace ports
 
-/// The error when it is CloudKit's own, or null.
+/// The error as CloudKit's own, or null if it isn't one.
 [[nodiscard]] const ports::CloudError* cloudKitErrorOf(const std::exception& error);
 
-/// Whether it is CloudKit's error of this code.
+/// Whether the error is CloudKit's and has this code.
 [[nodiscard]] bool isCloudKitError(const std::exception& error, int code);
 
-/// The network is at fault: `CloudKitServiceError::networkUnavailable`, a missed deadline, or codes 3 and 4.
+/// Whether the network is at fault: `CloudKitServiceError::networkUnavailable`, a missed deadline, or codes 3 and 4.
 [[nodiscard]] bool isNetworkError(const std::exception& error);
 
-/// The server asks for patience: codes 6, 7 and 23.
+/// Whether the server throttles requests: codes 6, 7 and 23.
 [[nodiscard]] bool isThrottlingError(const std::exception& error);
 
-/// The message, in English, of an account that is not available; none for one that is.
+/// The English message for an unavailable account; none for an available one.
 [[nodiscard]] std::optional<std::string_view> accountMessage(ports::CloudAccountStatus status);
 
-/// The one message, in the user's language, by which the user learns of the error; `status` is the account's last.
+/// The message shown to the user, in the user's language; `status` is the last known account status.
 [[nodiscard]] std::string userFacingMessage(const std::exception& error,
                                             std::optional<ports::CloudAccountStatus> status, ports::Language& language);
 

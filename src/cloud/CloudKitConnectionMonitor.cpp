@@ -18,7 +18,7 @@ using namespace std::chrono_literals;
 
 namespace {
 
-/// A network that flaps causes one pass, this long after its last change.
+/// Wait after the last path change: a flapping network causes one pass.
 constexpr Duration pathSettlingTime = 2s;
 
 } // namespace
@@ -37,7 +37,7 @@ CloudKitConnectionMonitor::CloudKitConnectionMonitor(MainActor actor, CloudKitSe
 
 CloudKitConnectionMonitor::~CloudKitConnectionMonitor()
 {
-    // Before everything else goes: the path's callback counts in this object, on another thread.
+    // First: the path's callback uses this object's members on another thread.
     monitor_.reset();
 }
 
@@ -54,7 +54,7 @@ void CloudKitConnectionMonitor::start()
     accountDidChange();
 }
 
-/// On the queue.
+/// Runs on the queue.
 void CloudKitConnectionMonitor::pathChanged(const Weak<CloudKitConnectionMonitor>& weak,
                                             ports::NetworkPathStatus status)
 {
@@ -80,7 +80,7 @@ Async<void> CloudKitConnectionMonitor::deliver(Weak<CloudKitConnectionMonitor> w
 
 void CloudKitConnectionMonitor::apply(ports::NetworkPathStatus status, std::int64_t sequence)
 {
-    // Each update comes in a task of its own, so that an older one may come later.
+    // Each update arrives in its own task, so they may arrive out of order.
     if (sequence <= lastAppliedPathSequence_) {
         return;
     }
@@ -94,14 +94,14 @@ void CloudKitConnectionMonitor::apply(ports::NetworkPathStatus status, std::int6
 
 Async<void> CloudKitConnectionMonitor::debounce(Weak<CloudKitConnectionMonitor> weak)
 {
-    // A cancelled sleep throws, and with that the task ends; the query is for one cancelled just when it was over.
+    // A cancelled sleep throws, which ends the task; the query finds a cancellation in the turn in which it ended.
     co_await sleepFor(pathSettlingTime);
     const bool isCancelled = co_await isTaskCancelled();
     CloudKitConnectionMonitor* const self = weak.get();
     if (isCancelled || self == nullptr) {
         co_return;
     }
-    // The pass is a task of its own: the next change of the path cancels this one, but must not break off the pass.
+    // The pass has its own task: the next path change cancels this one, but must not cancel the pass.
     self->debouncedPathTask_ = {};
     self->requestFanOut();
 }
@@ -142,7 +142,7 @@ Async<void> CloudKitConnectionMonitor::fanOut()
         try {
             co_await passOnce();
         } catch (const std::exception& error) {
-            // Whatever became of this pass, the next change has its own.
+            // A failed pass is not repeated; the next change starts another.
             ports_.journal.note("fanout.failed", {{"why", std::string_view{error.what()}}});
         }
     } while (fanOutRerunRequested_);
@@ -152,7 +152,7 @@ Async<void> CloudKitConnectionMonitor::fanOut()
 Async<void> CloudKitConnectionMonitor::passOnce()
 {
     ports_.journal.note("fanout", {});
-    // An account that doesn't answer has said nothing: what was known of it before is no reason to catch up.
+    // A forced check without an answer gives false; an earlier answer must not start a catch-up.
     bool isAvailable = co_await cloud_.checkAvailability(true);
     if (isAvailable) {
         isAvailable = co_await cloud_.checkAvailability(false);

@@ -15,23 +15,23 @@ namespace ports {
 class ApplicationNotifications;
 } // namespace ports
 
-/// What depends on iCloud and follows when it comes and goes: declared here, supplied from above. Main actor.
+/// Everything that depends on iCloud, implemented by a higher layer. Main actor only.
 class CloudDependents {
 public:
     virtual ~CloudDependents() = default;
 
-    /// Another user has signed in to iCloud since the last check: nothing of the former one's may be shown any more.
+    /// Another user has signed in to iCloud since the last check: hides everything of the previous user.
     virtual void userDidChange() = 0;
 
-    /// Does what waits for iCloud, which is available now. Never throws, but for a `CancellationError`.
+    /// Does the work that waited for iCloud, which is available now. Never throws, but for a `CancellationError`.
     [[nodiscard]] virtual Async<void> catchUp() = 0;
 
     /// Brings the status texts up to date.
     virtual void refreshStatus() = 0;
 };
 
-/// Watches the network path and the iCloud account, and has everything that depends on them catch up: once for a burst
-/// of changes, never twice at a time. Main actor only.
+/// Watches the network path and the iCloud account, and makes everything that depends on them catch up: once for a
+/// burst of changes, one pass at a time. Main actor only.
 class CloudKitConnectionMonitor {
 public:
     struct Ports {
@@ -45,7 +45,7 @@ public:
     ~CloudKitConnectionMonitor();
     CloudKitConnectionMonitor(const CloudKitConnectionMonitor&) = delete;
 
-    /// Begins the watch, for the life of the process. Again: nothing.
+    /// Starts watching, for the life of the process. Further calls have no effect.
     void start();
 
 private:
@@ -71,7 +71,7 @@ private:
     bool fanOutRunning_ = false;
     bool fanOutRerunRequested_ = false;
     std::mutex pathSequenceLock_;
-    std::int64_t pathSequence_ = 0; ///< path updates received, on the queue
+    std::int64_t pathSequence_ = 0; ///< path updates received; counted on the queue
     std::int64_t lastAppliedPathSequence_ = 0;
     SerialQueue queue_;
     ports::RegistrationPtr monitor_;

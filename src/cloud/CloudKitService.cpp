@@ -19,7 +19,7 @@ namespace sentrel {
 namespace {
 
 constexpr double secondsOfAnswer = 60.0;
-constexpr double secondsOfFailure = 20.0; // shorter, so that iCloud is soon found again
+constexpr double secondsOfFailure = 20.0; // shorter, so that a recovery is noticed soon
 
 std::filesystem::path cacheDirectory(ports::HostInfo& host)
 {
@@ -38,7 +38,7 @@ bool isOfNetwork(const std::exception_ptr& error)
     }
 }
 
-/// Adds the text to the record's list; false when it is there.
+/// Adds the text to the record's list; false when already listed.
 bool addToList(ports::CloudRecord& record, const std::string& field, const std::string& text)
 {
     const auto* const listed = ports::fieldOf<std::vector<std::string>>(record, field);
@@ -68,7 +68,7 @@ Async<bool> CloudKitService::refreshAvailability(bool force)
 {
     assertOnMainActor(actor_);
     const Date now = ports_.wallClock.now();
-    // An expiry further away than any answer lasts was set before the clock was turned back.
+    // An expiry beyond an answer's lifetime was set before the clock was turned back.
     const double remaining = availabilityCacheExpiry_ ? availabilityCacheExpiry_->secondsSince(now) : 0.0;
     if (!force && remaining > 0.0 && remaining <= secondsOfAnswer) {
         co_return isAvailable.get();
@@ -142,12 +142,12 @@ Async<bool> CloudKitService::verifyCacheOwner()
     } catch (const CancellationError&) {
         throw;
     } catch (const std::exception&) {
-        // Nobody knows who it is, most often because the network is away. Taking that for a change would throw away
-        // the cache at each launch without a network, and storing it would hide a change that is found later.
+        // The user is unknown, most often because the network is away. Treating that as a change would drop the cache
+        // at each launch without a network, and storing it would hide a change that is found later.
         co_return false;
     }
     if (check != ownerChecks_) {
-        co_return false; // a later check knows better: answers don't come in the order of their questions
+        co_return false; // a later check has begun; answers may arrive out of order
     }
     isOwnerCheckOwed_ = false;
     const auto previous = ports_.defaults.text(cacheOwnerKey);
@@ -159,7 +159,7 @@ Async<bool> CloudKitService::verifyCacheOwner()
     ports_.journal.note("cloud.userChanged", {});
     alerts_.startOver(std::move(owner));
     macDeviceIDsInCatalog_.clear();
-    // Both of them: the new user's database has neither, and has asked for no patience.
+    // The new user's database has neither subscription and has not throttled us.
     subscriptions_.startOver();
     co_return true;
 }
@@ -206,8 +206,7 @@ void CloudKitService::recordSyncSuccess()
     requestBackoff_.resetOnSuccess();
 }
 
-/// The request itself went well. The server may have asked for patience with the catalog, which is no failure that
-/// concerns the user.
+/// Records a successful request. Throttling of the catalog lengthens the backoff but is not shown to the user.
 void CloudKitService::recordSync(const std::optional<ports::CloudError>& throttling)
 {
     recordSyncSuccess();
@@ -230,7 +229,7 @@ CloudKitServiceError CloudKitService::unavailabilityError() const
 
 std::string CloudKitService::unavailabilityMessage() const
 {
-    // The words for a missing account are about the iPhone; the general ones name both devices.
+    // The message for a missing account names only the iPhone; the general one names both devices.
     const bool isTheirAccount = lastAccountStatus_ != ports::CloudAccountStatus::noAccount;
     const auto ofAccount = lastAccountStatus_ && isTheirAccount ? accountMessage(*lastAccountStatus_) : std::nullopt;
     return ofAccount ? ports_.language.localized(*ofAccount) : userFacingMessage(unavailabilityError());
@@ -323,7 +322,7 @@ Async<void> CloudKitService::listInCatalog(std::string deviceID)
     RecordMerge merge = [deviceID](ports::CloudRecord& record) { return addToList(record, deviceIDsField, deviceID); };
     co_await mergeIntoRecord(ports_.database, deviceCatalogRecordType, deviceCatalogRecordName, std::nullopt,
                              std::move(merge));
-    // Unless the user has changed meanwhile, whose catalog is another.
+    // A user who signed in meanwhile has another catalog.
     if (ports_.defaults.text(cacheOwnerKey) == owner) {
         macDeviceIDsInCatalog_.insert(std::move(deviceID));
     }

@@ -32,8 +32,8 @@ class UserDefaults;
 class WallClock;
 } // namespace ports
 
-/// The one way to the user's private iCloud database: the account's state, the alerts, the catalog of devices and the
-/// push subscriptions. Main actor only; it outlives nothing that it refers to.
+/// The only access to the user's private iCloud database: the account's state, the alerts, the catalog of devices and
+/// the push subscriptions. Main actor only. All objects it refers to must outlive it.
 class CloudKitService {
 public:
     /// The container in iCloud whose private database holds everything.
@@ -51,93 +51,90 @@ public:
         ports::Journal& journal;
     };
 
-    /// Where the defaults keep the record name of the user whose alerts are cached.
+    /// Defaults key for the record name of the user whose alerts are cached.
     static constexpr const char* cacheOwnerKey = "CloudKitService.cacheOwnerRecordName";
 
-    /// Reads the cache of alerts and sweeps photo files that an earlier run's uploads left behind.
+    /// Reads the cache of alerts and deletes photo files left by an earlier run's uploads.
     CloudKitService(MainActor actor, Ports ports);
     CloudKitService(const CloudKitService&) = delete;
 
     Observable<bool> isAvailable;                         ///< the account is usable
     Observable<bool> isReachable;                         ///< iCloud answered the last request
-    Observable<std::optional<std::string>> lastSyncError; ///< of the last failure, for the user
+    Observable<std::optional<std::string>> lastSyncError; ///< message of the last failure, for the user
 
     /// Whether the account is available. Asks at most once a minute while the account answers, every 20 s while it
     /// fails, and always when forced. Never throws, but for a `CancellationError`.
     [[nodiscard]] Async<bool> refreshAvailability(bool force);
 
-    /// The same within `cloudTimeLimit`: an account that doesn't answer in time isn't available, and its missed
-    /// deadline is recorded as a failure.
+    /// The same within `cloudTimeLimit`; a missed deadline counts as unavailable and is recorded as a failure.
     [[nodiscard]] Async<bool> checkAvailability(bool force = false);
 
     [[nodiscard]] std::optional<ports::CloudAccountStatus> lastAccountStatus() const;
     [[nodiscard]] std::optional<Date> availabilityCacheExpiry() const;
 
-    /// The network path has become usable, or has been lost: the account is then asked again within 20 s.
+    /// Call when the network path becomes usable or is lost, which limits a cached availability to 20 s.
     void networkPathChanged(bool isSatisfied);
 
-    /// Drops what was remembered of the previous iCloud user. True when the user has changed since. Never throws, but
-    /// for a `CancellationError`: a user who can't be asked for counts as the same for now, and the check is owed.
+    /// Detects a change of the iCloud user: true after dropping the previous user's data. Never throws, but for a
+    /// `CancellationError`: a user who can't be determined counts as unchanged, and the check remains owed.
     [[nodiscard]] Async<bool> verifyCacheOwner();
 
     /// The same within `cloudTimeLimit`; a missed deadline is recorded as a failure.
     [[nodiscard]] Async<bool> checkCacheOwner();
 
-    /// Whether the last check of the user has had no answer.
+    /// Whether the last check of the user is still unanswered.
     [[nodiscard]] bool isOwnerCheckOwed() const { return isOwnerCheckOwed_; }
 
-    /// The record name of the iCloud user as of the last check that was answered; empty when nobody is known.
+    /// The record name of the iCloud user at the last answered check; empty when there is none.
     [[nodiscard]] std::string cacheOwner() const;
 
-    /// Why nothing can be asked of iCloud while it isn't available: the network is away, or nobody is signed in.
+    /// The reason why iCloud isn't available: no network, or nobody is signed in.
     [[nodiscard]] CloudKitServiceError unavailabilityError() const;
 
-    /// The same for the user, in the words of the account's status where it is known to be the reason.
+    /// The same for the user; the account's own message where its status is known to be the reason.
     [[nodiscard]] std::string unavailabilityMessage() const;
 
     [[nodiscard]] std::string userFacingMessage(const std::exception& error) const;
 
-    /// How a request went, which whoever makes it tells. A throttled one makes `requestBackoff` grow; that is kept by
-    /// whoever repeats requests, and no request is refused because of it.
+    /// Callers report the outcome of each request. Throttling lengthens `requestBackoff()`; callers that retry must
+    /// honour it, this service refuses no request.
     void recordSyncFailure(const std::exception& error);
     void recordSyncSuccess();
     [[nodiscard]] const CloudBackoffPolicy& requestBackoff() const;
 
-    /// Uploads the alert with its photo, JPEG data. An alert that is there already counts as uploaded. Throws
+    /// Uploads the alert with its photo, JPEG data. An alert that exists already counts as uploaded. Throws
     /// `CloudKitServiceError` without any request while iCloud is not available, `CloudError`, or `std::system_error`
-    /// when the photo's file can't be written. A catalog that can't be brought up to date is no failure.
+    /// when the photo's file can't be written. A failed update of the catalog is not an error.
     [[nodiscard]] Async<void> uploadAlert(AlertEvent alert, std::optional<Bytes> photo);
 
-    /// Whether the server is known to hold the alert, which makes an upload of it a success even if the catalog could
-    /// not be brought up to date in time. What the catalog is owed is on the disk on return.
+    /// Whether the server is known to hold the alert; its upload has then succeeded even if the catalog update was too
+    /// late. When true, changes owed to the catalog are on the disk on return.
     [[nodiscard]] Async<bool> isUploadConfirmed(UUID id);
 
-    /// What is known of the alerts in the cloud, in no particular order.
+    /// The known alerts in the cloud, in no particular order.
     [[nodiscard]] std::vector<AlertEvent> cachedAlerts() const;
 
-    /// Brings what is known up to date with the database, in as many requests as there are changes. Throws what the
-    /// requests throw, and then has changed nothing. Several may run at a time: what one has learnt, and what was
-    /// uploaded or deleted meanwhile, no other undoes.
+    /// Updates the known alerts from the database, at a cost that grows with the changes only. Throws a failed
+    /// request's error, with nothing changed. Calls may overlap: none undoes the results of another, or an upload or
+    /// deletion meanwhile.
     [[nodiscard]] Async<void> refreshAlerts();
 
-    /// The alert's photo from the cloud; none when it has none, or none that can be read. Throws what the request
-    /// throws.
+    /// Fetches the alert's photo; none when it has no readable photo. Throws the request's error.
     [[nodiscard]] Async<std::optional<Bytes>> alertPhoto(UUID id);
 
-    /// Deletes alerts from the cloud, in batches. Gives those that the cloud does not hold any more, whoever deleted
-    /// them. Reports failures through `recordSyncFailure`, and throws only a `CancellationError`.
+    /// Deletes alerts from the cloud, in batches. Returns those that the cloud no longer holds, including earlier
+    /// deletions. Reports failures through `recordSyncFailure`, and throws only a `CancellationError`.
     [[nodiscard]] Async<std::unordered_set<UUID>> deleteAlerts(std::unordered_set<UUID> ids);
 
-    /// Writes this Mac's presence, and its identifier into the catalog when it isn't known to be there. Throws what the
-    /// requests throw.
+    /// Saves this Mac's presence, and lists its identifier in the catalog unless known to be listed. Throws the
+    /// requests' errors.
     [[nodiscard]] Async<void> publishPresence(DevicePresence presence);
 
-    /// The command that waits for this device; none without one or without a record. Throws what the
-    /// request throws.
+    /// Fetches this device's command; none without a command or a record. Throws the request's error.
     [[nodiscard]] Async<std::optional<RemoteCommand>> fetchCommand(std::string deviceID);
 
-    /// Saves the two push subscriptions, once in a run for each user, unless a failure asks to wait. Nothing while the
-    /// account is not available. Never throws, but for a `CancellationError`.
+    /// Saves the two push subscriptions, once per run and user, after any backoff. Does nothing while the account is
+    /// not available. Never throws, but for a `CancellationError`.
     [[nodiscard]] Async<void> ensureSubscriptions();
     [[nodiscard]] bool macCommandSubscriptionEnsured() const;
     [[nodiscard]] std::optional<std::string> pushSubscriptionError() const;
@@ -153,7 +150,7 @@ private:
     std::optional<Date> availabilityCacheExpiry_;
     std::exception_ptr lastAvailabilityError_;
     CloudBackoffPolicy requestBackoff_;
-    std::uint64_t ownerChecks_ = 0; ///< how many have begun
+    std::uint64_t ownerChecks_ = 0; ///< checks begun so far
     bool isOwnerCheckOwed_ = false;
     CloudAlerts alerts_;
     std::unordered_set<std::string> macDeviceIDsInCatalog_;

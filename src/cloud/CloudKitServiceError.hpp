@@ -6,15 +6,15 @@
 
 namespace sentrel {
 
-/// The cloud service's own failures, found without asking the server. `what` is the English message, which is also the
-/// key of the localised one.
+/// The cloud service's own failures, detected without asking the server. `what` is the English message and the key of
+/// the localised one.
 class CloudKitServiceError : public std::exception {
 public:
     enum class Kind { uploadFailed, notSignedIn, networkUnavailable };
 
     explicit CloudKitServiceError(Kind itsKind);
 
-    /// An upload that failed with a message of its own.
+    /// A failed upload with its own message.
     [[nodiscard]] static CloudKitServiceError uploadFailed(std::string message);
 
     [[nodiscard]] Kind kind() const { return kind_; }

@@ -41,7 +41,7 @@ ports::CloudSubscription macCommandSubscription()
     return subscription;
 }
 
-/// Whether to wait still. A wait beyond the longest delay is due to a clock that was turned back.
+/// Whether the backoff still lasts. A wait beyond the longest delay is due to a clock that was turned back.
 bool mustWait(const CloudBackoffPolicy& backoff, Date now)
 {
     const double seconds = backoff.remainingDelay(now);
@@ -58,7 +58,7 @@ CloudSubscriptions::CloudSubscriptions(MainActor actor, ports::CloudDatabase& da
 
 Async<void> CloudSubscriptions::ensure()
 {
-    std::optional<std::string> unheard; // the Mac polls more often without it, which is all that the user would notice
+    std::optional<std::string> unheard; // not shown: without it the Mac only polls more often
     co_await ensure(macCommand_, macCommandSubscription(), unheard);
     co_await ensure(alert_, alertSubscription(), pushSubscriptionError_);
 }

@@ -16,9 +16,8 @@ namespace ports {
 class WallClock;
 }
 
-/// The two subscriptions by which the server pushes: alerts to the user's phone, commands to this Mac. Each is saved
-/// once in a run, which costs the server nothing when it has it, and waits after a failure by a backoff of its own.
-/// Main actor only.
+/// The two push subscriptions: alerts to the user's phone, commands to this Mac. Each is saved once per run, which is
+/// harmless if the server has it already, and has its own backoff after failures. Main actor only.
 class CloudSubscriptions {
 public:
     static constexpr const char* alertIdentifier = "alert-event-subscription-v1";
@@ -29,11 +28,11 @@ public:
                        std::function<std::string(const std::exception&)> messageOf);
     CloudSubscriptions(const CloudSubscriptions&) = delete;
 
-    /// Saves those that are not saved yet, not being saved and may be tried now, each within 15 s. Throws only a
-    /// `CancellationError`.
+    /// Saves each subscription not yet saved or being saved, unless its backoff forbids, within 15 s each. Throws only
+    /// a `CancellationError`.
     [[nodiscard]] Async<void> ensure();
 
-    /// Another user, whose database has neither and owes us no wait.
+    /// Forgets saves and backoffs, for another user.
     void startOver();
 
     [[nodiscard]] bool macCommandSubscriptionEnsured() const { return macCommand_.isEnsured; }

@@ -6,8 +6,8 @@
 
 namespace sentrel {
 
-/// The longest wait for an answer of iCloud, unless a call has reason to be patient: a slow or hung cloud holds up
-/// neither an alarm nor a list.
+/// The time limit of a request to iCloud, unless its caller sets another: a slow or hung cloud must block neither an
+/// alarm nor a list.
 inline constexpr Duration cloudTimeLimit = std::chrono::seconds{15};
 
 } // namespace sentrel

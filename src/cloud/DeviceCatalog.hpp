@@ -10,11 +10,10 @@
 
 namespace sentrel {
 
-// How the Macs and the phone of one account know each other. The catalog is one record that lists device identifiers;
-// beside it each Mac has two records of the same type: one in which it tells of itself, and one for the command that
-// the phone asks of it. They are two, since a subscription hears of every change of a record that it matches: were the
-// command among what the Mac tells, each heartbeat would push to all devices, and the system delays pushes that come
-// too often.
+// How the Macs and the phone of one account find each other. The catalog is one record that lists device identifiers.
+// Each Mac has two more records of the same type: its presence, and the phone's command for it. They are separate
+// because a subscription reports every change of a matching record: with the command in the presence record, each
+// heartbeat would push to all devices, and the system delays pushes that are too frequent.
 
 inline constexpr const char* deviceCatalogRecordType = "MacDeviceCatalog";
 inline constexpr const char* deviceCatalogRecordName = "mac-device-catalog";
@@ -22,16 +21,16 @@ inline constexpr const char* deviceCatalogRecordName = "mac-device-catalog";
 /// The catalog's field: a list of texts.
 inline constexpr const char* deviceIDsField = "deviceIDs";
 
-/// The command's field that says what the phone asks: 1 to arm, 0 to disarm.
+/// The command's field for the requested state: 1 to arm, 0 to disarm.
 inline constexpr const char* requestedArmStateField = "requestedArmState";
 
-/// The name of the record in which one Mac tells of itself: the catalog's, a hyphen and the device's identifier.
+/// The name of a Mac's presence record: the catalog's, a hyphen and the device's identifier.
 [[nodiscard]] std::string deviceRecordName(const std::string& deviceID);
 
 /// The name of the record with the command for one Mac.
 [[nodiscard]] std::string commandRecordName(const std::string& deviceID);
 
-/// What a Mac tells of itself.
+/// The state that a Mac publishes.
 struct DevicePresence {
     std::string deviceID;
     std::string deviceName;
@@ -41,7 +40,7 @@ struct DevicePresence {
     friend bool operator==(const DevicePresence&, const DevicePresence&) = default;
 };
 
-/// What the phone asks of a Mac.
+/// A request of the phone to a Mac.
 struct RemoteCommand {
     std::int64_t sequence = 0;
     std::optional<Date> issuedAt;
@@ -49,13 +48,13 @@ struct RemoteCommand {
     friend bool operator==(const RemoteCommand&, const RemoteCommand&) = default;
 };
 
-/// The record in which the Mac tells of itself.
+/// The presence record of a Mac.
 [[nodiscard]] ports::CloudRecord presenceRecord(const DevicePresence& presence);
 
 /// None when a field is missing or of another type; a missing name is "Mac".
 [[nodiscard]] std::optional<DevicePresence> presenceOf(const ports::CloudRecord& record);
 
-/// The fields that make up a command.
+/// The fields of a command.
 [[nodiscard]] const std::vector<std::string>& commandKeys();
 
 /// The command in a record; none when there is no sequence or no requested state.

@@ -82,7 +82,7 @@ void MacPresenceService::systemDidWake()
 
 Async<void> MacPresenceService::beat()
 {
-    // A cancelled wait throws, and with that the loop ends.
+    // A cancelled wait throws, which ends the loop.
     for (;;) {
         const Duration backoff = remainingBackoff(cloud_.requestBackoff(), ports_.wallClock.now());
         co_await sleepFor(std::max(heartbeatInterval, backoff));
@@ -95,12 +95,12 @@ void MacPresenceService::startPublication()
     tasks_.add(actor_.spawn(publishState()));
 }
 
-/// Goes at once even while the server asks for patience: the phone must learn soon that the Mac was armed or disarmed,
-/// and that is rare. Only the heartbeat, which has nothing new to say, waits.
+/// Ignores the request backoff: arming and disarming are rare, and the phone must learn of them soon. Only the
+/// heartbeat, which carries no news, waits.
 Async<void> MacPresenceService::publishState()
 {
     assertOnMainActor(actor_);
-    // The present publication may have told an older state already. One that hasn't begun serves every caller.
+    // The current publication may carry an older state. One that hasn't begun serves every caller.
     if (!nextPublication_) {
         nextPublication_ = actor_.spawn(publishAfter(publication_));
         tasks_.add(nextPublication_);
@@ -126,15 +126,15 @@ Async<void> MacPresenceService::publishAfter(Task<void> predecessor)
     try {
         co_await publishNow(isLeaving);
     } catch (const CancellationError&) {
-        // Withdrawn in favour of the next one.
+        // Cancelled in favour of the next one.
     } catch (const std::exception& error) {
-        // The heartbeat, which waits for this, must not end with it.
+        // The heartbeat awaits this task and must survive its failure.
         ports_.journal.note("presence.failed", {{"why", std::string_view{error.what()}}});
     }
 }
 
-/// The two saves should reach the server in their order, but one that hangs must not hold up the news. A save that is
-/// withdrawn may still arrive, after the newer one: the next heartbeat puts that right.
+/// Keeps two saves in order, unless the first one hangs. A cancelled save may still arrive after the newer one; the
+/// next heartbeat corrects that.
 Async<void> MacPresenceService::waitBriefly(Task<void> publication)
 {
     try {
@@ -188,7 +188,7 @@ void MacPresenceService::setPushTokenRegistered(bool isRegistered)
     if (isRegistered) {
         startPublication();
     } else if (wasRegistered) {
-        wakePoll(); // whose long wait counted on pushes
+        wakePoll(); // its long wait relied on pushes
     }
 }
 

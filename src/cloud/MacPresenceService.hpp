@@ -19,7 +19,7 @@ struct CloudNotification;
 /// Makes this Mac visible to the companion phone, and obeys the phone's commands to arm and disarm. Main actor only.
 class MacPresenceService {
 public:
-    /// What the service needs of the alarm.
+    /// The alarm's functions that the service uses.
     struct Alarm {
         std::function<bool()> isArmed;
         std::function<void(const AlarmSettings&)> syncWithSettings;
@@ -37,42 +37,42 @@ public:
                        Alarm alarm, Ports ports);
     MacPresenceService(const MacPresenceService&) = delete;
 
-    Observable<std::optional<std::string>> syncError; ///< of the last publication; none when it worked
+    Observable<std::optional<std::string>> syncError; ///< of the last failed publication; none after a success
 
-    /// Begins the heartbeat and the polling for commands. Again: nothing.
+    /// Starts the heartbeat and the polling for commands. Further calls have no effect.
     void start();
 
-    /// Publishes this Mac's state and begins the heartbeat, also after `stopHeartbeat`. Nothing while it beats.
+    /// Publishes this Mac's state and starts the heartbeat, also after `stopHeartbeat`. No effect while it runs.
     void startHeartbeat();
 
-    /// Ends the heartbeat, before the last publication.
+    /// Ends the heartbeat; call before the last publication.
     void stopHeartbeat();
 
-    /// Publishes this Mac's state. Never throws, but for a `CancellationError`; on return the state that the call found
-    /// is published, or could not be. A publication that is under way is waited for a second, and then withdrawn.
+    /// Publishes this Mac's state as of the call or later. Returns once that has succeeded or failed; throws only a
+    /// `CancellationError`. A publication under way is given a second, and then cancelled.
     [[nodiscard]] Async<void> publishState();
 
-    /// Publishes the state in which the process leaves this Mac: not armed.
+    /// Publishes this Mac as not armed, its state after the process ends.
     [[nodiscard]] Async<void> publishLastState();
 
-    /// The system has registered the application for pushes, or has failed to.
+    /// Call when the registration for pushes has succeeded or failed.
     void setPushTokenRegistered(bool isRegistered);
     [[nodiscard]] bool pushTokenRegistered() const;
 
-    /// A push of the cloud has come.
+    /// Call when a push of the cloud arrives.
     void receive(const ports::CloudNotification& notification);
 
-    /// Ends the present wait between two polls at once; nothing when there is none.
+    /// Ends the current wait between two polls; no effect when there is none.
     void wakePoll();
 
-    /// The Mac has woken from sleep.
+    /// Call when the Mac has woken from sleep.
     void systemDidWake();
 
-    /// This Mac's identifier in the catalog: made once, and kept.
+    /// This Mac's identifier in the catalog, created once and stored.
     [[nodiscard]] std::string deviceID();
 
 private:
-    /// What iCloud said when it was asked for a command.
+    /// The outcome of asking iCloud for a command.
     struct PollAnswer {
         bool isGiven = false; ///< iCloud is available, and answered
         std::optional<RemoteCommand> command;
@@ -107,11 +107,11 @@ private:
     bool pushTokenRegistered_ = false;
     std::shared_ptr<Semaphore> pollWakeContinuation_; ///< null unless the poll loop sleeps
     std::int64_t pollSleepGeneration_ = 0;
-    bool pollRequested_ = false; ///< somebody asked for a poll since the last one began
-    bool pollOwed_ = false;      ///< somebody asked for a poll, and none has got an answer since
+    bool pollRequested_ = false; ///< a poll was requested since the last one began
+    bool pollOwed_ = false;      ///< a requested poll has had no answer yet
     Task<void> publication_;
-    Task<void> nextPublication_;                  ///< waits for the end of the present one
-    bool nextIsLast_ = false;                     ///< it tells how the process leaves the Mac
+    Task<void> nextPublication_;                  ///< waits for the end of the current one
+    bool nextIsLast_ = false;                     ///< `nextPublication_` is the last
     std::optional<RemoteCommand> handledCommand_; ///< the last one that was applied or ignored in this run
     TaskBag tasks_;
     WeakAnchor<MacPresenceService> anchor_{*this};

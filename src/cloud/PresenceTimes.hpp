@@ -8,23 +8,22 @@
 
 namespace sentrel {
 
-// How often the presence service asks and tells.
+// Timing of the presence service.
 
 inline constexpr Duration heartbeatInterval = std::chrono::seconds{30};
 
-/// Between two polls for commands: while pushes announce them, and the bounds of the wait while they don't.
+/// Wait between two polls for commands while pushes work; the next two bound it otherwise.
 inline constexpr Duration pollIntervalWithPushes = std::chrono::seconds{300};
 inline constexpr Duration shortestPollInterval = std::chrono::seconds{5};
 inline constexpr Duration longestPollInterval = std::chrono::seconds{60};
 
-/// A publication under way holds up one with newer news no longer than this.
+/// A publication under way delays a newer one no longer than this.
 inline constexpr Duration longestWaitForPublication = std::chrono::seconds{1};
 
-/// A command of the phone that is older than this, in seconds, is too late to obey.
+/// Commands of the phone older than this, in seconds, are ignored.
 inline constexpr double longestCommandAge = 120.0;
 
-/// How long the server still wants to be left alone. No policy asks for more than its bound, so that more is the work
-/// of a wall clock that was set back.
+/// The remaining backoff, cut to the policy's maximum: a longer one is due to a wall clock that was set back.
 inline Duration remainingBackoff(const CloudBackoffPolicy& backoff, Date now)
 {
     return durationFromSeconds(std::min(backoff.remainingDelay(now), backoff.maxDelay));

@@ -10,7 +10,7 @@ namespace {
 
 constexpr int mostAttempts = 5;
 
-/// Saves the record; false when the server's has changed meanwhile.
+/// Saves the record; false when the server's record has changed.
 Async<bool> saveIfUnchanged(ports::CloudDatabase& database, ports::CloudRecord record)
 {
     try {

@@ -7,11 +7,11 @@
 
 namespace sentrel {
 
-/// So many bytes of a device's name are kept: whoever wrote the record may have put a novel there.
+/// Bytes kept of a device's name: another device may have written any length.
 inline constexpr std::size_t longestDeviceName = 255;
 
-/// The name of a device in a record, cut at the end of a UTF-8 character where it is too long; "Mac" when there is
-/// none or it is no text.
+/// The name of a device in a record, cut at a UTF-8 character boundary when too long; "Mac" when it is missing or no
+/// text.
 [[nodiscard]] inline std::string deviceNameOf(const ports::CloudRecord& record, const std::string& field)
 {
     const auto* const name = ports::fieldOf<std::string>(record, field);
@@ -22,7 +22,7 @@ inline constexpr std::size_t longestDeviceName = 255;
     if (length > longestDeviceName) {
         length = longestDeviceName;
         const auto isInsideCharacter = [&] { return (static_cast<unsigned char>((*name)[length]) & 0xC0U) == 0x80U; };
-        // At most three bytes follow a character's first; more are no UTF-8, and cut anywhere.
+        // A UTF-8 character has at most three continuation bytes; longer runs are cut anywhere.
         for (int steps = 0; steps < 3 && isInsideCharacter(); ++steps) {
             --length;
         }

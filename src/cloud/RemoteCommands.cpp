@@ -16,7 +16,7 @@
 #include <string_view>
 #include <utility>
 
-// How the phone's commands reach the Mac, and which of them it obeys.
+// Receives the phone's commands and decides which of them to obey.
 
 namespace sentrel {
 
@@ -32,7 +32,7 @@ void MacPresenceService::receive(const ports::CloudNotification& notification)
     if (notification.subscriptionID != CloudSubscriptions::macCommandIdentifier) {
         return;
     }
-    // The subscription is the account's, not this Mac's: every Mac hears of every Mac's commands.
+    // The subscription belongs to the account: every Mac hears of every Mac's commands.
     if (!notification.recordName || *notification.recordName == commandRecordName(deviceID())) {
         pollSoon();
     }
@@ -60,7 +60,7 @@ Async<void> MacPresenceService::pollForCommands()
         const bool isAnswered = co_await poll();
         pollOwed_ = !isAnswered && (isRequested || pollOwed_);
         if (isAnswered) {
-            // On its own: a subscription that hangs delays no command.
+            // In its own task: a hanging subscription delays no command.
             tasks_.add(actor_.spawn(cloud_.ensureSubscriptions()));
         }
         if (!pollRequested_) {
@@ -99,7 +99,7 @@ Async<MacPresenceService::PollAnswer> MacPresenceService::askForCommand()
 
 Duration MacPresenceService::pollWait() const
 {
-    // A push that has been received won't come again: until its command could be fetched, nothing but polling helps.
+    // Pushes aren't repeated: until the announced command has been fetched, only polling helps.
     if (pushTokenRegistered_ && cloud_.macCommandSubscriptionEnsured() && !pollOwed_) {
         return pollIntervalWithPushes;
     }
@@ -123,7 +123,7 @@ Async<void> MacPresenceService::wakeAfter(Weak<MacPresenceService> weak, std::in
 {
     co_await sleepFor(span);
     MacPresenceService* const self = weak.get();
-    // A sleep that was ended early leaves its timer behind, which must not end a later one.
+    // The timer of a sleep that ended early must not end a later one.
     if (self != nullptr && self->pollSleepGeneration_ == generation) {
         self->wakePoll();
     }
@@ -131,7 +131,7 @@ Async<void> MacPresenceService::wakeAfter(Weak<MacPresenceService> weak, std::in
 
 void MacPresenceService::obey(const RemoteCommand& command)
 {
-    // Equal, not "at most": a phone that was reset counts from the beginning, and is obeyed.
+    // Equal, not "at most": a phone that was reset counts from the beginning and must be obeyed.
     if (command.sequence == ports_.defaults.integer(lastSequenceKey).value_or(0)) {
         ignore(command, "repeated");
     } else if (!command.issuedAt) {
@@ -147,13 +147,13 @@ void MacPresenceService::apply(const RemoteCommand& command)
 {
     handledCommand_ = command;
     settings_.set(&AlarmSettings::isArmed, command.requestedArmState);
-    // Whoever follows the settings has heard of a change by now, and syncing again does no harm. Of a command that
-    // changes nothing stored, nobody else hears, and the alarm may be in another state than the one stored.
+    // Observers of the settings have handled any change by now, and a second sync is harmless. A command that changes
+    // no setting notifies nobody, but the alarm's state may differ from the stored one.
     alarm_.syncWithSettings(settings_.settings());
     ports_.defaults.setInteger(lastSequenceKey, command.sequence);
     const std::string_view why = command.requestedArmState ? "arm" : "disarm";
     ports_.journal.note("command.applied", {{"sequence", command.sequence}, {"why", why}});
-    // On a MacBook the alarm has its new state published by itself.
+    // On a MacBook the alarm triggers the publication of its new state.
     if (!isCompatibleComputer_) {
         startPublication();
     }
@@ -166,7 +166,7 @@ void MacPresenceService::ignore(const RemoteCommand& command, std::string_view w
         return;
     }
     handledCommand_ = command;
-    // It counts as seen, so that a clock that is set back doesn't make it fresh again.
+    // Counts as seen, so that setting the clock back doesn't make it fresh again.
     ports_.defaults.setInteger(lastSequenceKey, command.sequence);
     ports_.journal.note("command.ignored", {{"sequence", command.sequence}, {"why", why}});
 }

@@ -30,7 +30,7 @@ bool isPhotoFileName(std::string_view name)
 
 } // namespace
 
-/// What the main thread and the writer know of a file that is being written.
+/// State of a file being written, shared by the main thread and the writer.
 struct UploadPhotoFiles::File::Writing {
     std::mutex lock;
     bool hasBegun = false;
@@ -52,7 +52,7 @@ struct UploadPhotoFiles::File::Writing {
         return error;
     }
 
-    /// True when the writer does the deletion.
+    /// True when the writer will delete the file.
     bool discard()
     {
         const std::lock_guard guard{lock};
@@ -86,10 +86,10 @@ UploadPhotoFiles::File::~File()
 {
     UploadPhotoFiles* const owner = owner_.get();
     if (writing_ == nullptr || owner == nullptr) {
-        return; // the process is ending: the next launch sweeps
+        return; // the process is ending: the next launch cleans up
     }
     if (writing_->discard()) {
-        return; // its name stays noted, in case the writer dies first
+        return; // the name stays recorded in case the writer dies first
     }
     quietly([&] {
         const int error = owner->ports_.files.remove(path_);

@@ -18,9 +18,8 @@ class HostInfo;
 class UserDefaults;
 } // namespace ports
 
-/// The temporary files through which photos travel into the cloud: each exists for one upload only. The names of those
-/// that exist stand in the user defaults, so that what a crash leaves behind is deleted at the next launch. Main actor
-/// only.
+/// Temporary files for uploading photos, each for one upload only. Their names are kept in the user defaults, so that
+/// files left behind by a crash are deleted at the next launch. Main actor only.
 class UploadPhotoFiles {
 public:
     static constexpr const char* defaultsKey = "CloudKitService.uploadPhotoFiles";
@@ -32,11 +31,11 @@ public:
         ports::GeneralRandom& random;
     };
 
-    /// Deletes what an earlier run left behind.
+    /// Deletes files that an earlier run left behind.
     UploadPhotoFiles(MainActor actor, Ports ports);
     UploadPhotoFiles(const UploadPhotoFiles&) = delete;
 
-    /// One file, deleted at this object's end; also when its writing is still under way, and then by the writer.
+    /// One file, deleted by the destructor, or by its writer if that is still at work.
     class File {
     public:
         File(File&& other) noexcept = default;
@@ -52,10 +51,10 @@ public:
 
         Weak<UploadPhotoFiles> owner_;
         std::filesystem::path path_;
-        std::shared_ptr<Writing> writing_; // null in a file that was moved from
+        std::shared_ptr<Writing> writing_; // null after a move
     };
 
-    /// Writes the photo into a new file, for the user's eyes only and off the main thread. Throws `std::system_error`.
+    /// Writes the photo off the main thread into a new file for the user only. Throws `std::system_error`.
     [[nodiscard]] Async<File> write(Bytes photo);
 
 private:
