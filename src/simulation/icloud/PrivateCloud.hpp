@@ -32,9 +32,9 @@ struct CloudDevice {
     std::string device; ///< tells the devices of all accounts apart
 };
 
-/// The server: one private database file per account, which outlives the server. Several devices may share one. A
-/// request throws `CloudError` if it fails as a whole. A damaged file is renamed, noted as `icloud.damaged` {`account`,
-/// `putAside`} and replaced by an empty one. Any thread.
+/// The server: one private database file per account, which outlives the server. Several devices may share an account.
+/// A request throws `CloudError` if it fails as a whole. A damaged file is renamed, noted as `icloud.damaged`
+/// {`account`, `putAside`} and replaced by an empty one. Any thread.
 class PrivateCloud {
 public:
     using PushReceiver = std::function<void(const std::string& user, const Json& push)>;
@@ -69,7 +69,7 @@ public:
     /// Each record succeeds or fails alone. Atomic batches, impossible in the default zone, throw error 12.
     [[nodiscard]] ServerModification modify(const CloudDevice& who, const ServerBatch& batch);
 
-    /// Replaces one with the same identifier.
+    /// Replaces a subscription with the same identifier.
     void saveSubscription(const CloudDevice& who, const ports::CloudSubscription& subscription);
     [[nodiscard]] std::vector<ports::CloudSubscription> subscriptions(const std::string& user);
 
