@@ -27,7 +27,7 @@ struct Nothing {};
 using SubscriptionRequest = CloudRequest<Nothing>;
 
 /// Seconds that a request may wait for its next packet, and a whole operation with its files may take. Callers have
-/// shorter limits; these end operations for which nobody waits any more.
+/// shorter limits; these end operations without a waiting task.
 constexpr NSTimeInterval requestTimeout = 30.0;
 constexpr NSTimeInterval resourceTimeout = 300.0;
 

@@ -12,7 +12,7 @@ namespace sentrel::mac {
 [[nodiscard]] NSColor* colorOf(ui::Text::Color color);
 [[nodiscard]] NSColor* colorOf(const ui::Color& color);
 
-/// The image, or nil when there is none of that name. Screen readers say the description, if any.
+/// The image, or nil when there is none of that name. The description is its accessibility text.
 [[nodiscard]] NSImage* imageOf(const ui::Image& image, const std::string& description);
 
 /// The key equivalent of a key; empty without one.

@@ -7,7 +7,7 @@
 #include <functional>
 #include <utility>
 
-/// Opens and closes the menu when the person clicks the item.
+/// Opens and closes the menu when the user clicks the item.
 @interface SentrelStatusItemTarget : NSObject {
 @public
     SentrelMenuPanel* panel;

@@ -16,7 +16,7 @@ constexpr double narrowestDetail = 280.0;
 @interface SentrelSplitController : NSSplitViewController {
 @public
     sentrel::ui::Binding<bool> isSidebarShown;
-    BOOL isMoving;      ///< because the tree says so
+    BOOL isMoving;      ///< the tree is moving the sidebar
     double wishedWidth; ///< of the sidebar, when it first appears; 0: AppKit's choice
 }
 - (void)showSidebar:(BOOL)isShown;
