@@ -44,7 +44,7 @@ namespace sentrel::mac {
 /// The Mac as the product sees it. Made and destroyed on the main thread; it outlives the product.
 class MacPlatform {
 public:
-    /// The container in iCloud is the product's, by its identifier.
+    /// Takes the identifier of the product's iCloud container.
     explicit MacPlatform(const std::string& cloudContainer)
         : cloudAccount_(cloudContainer), cloudDatabase_(cloudContainer)
     {
@@ -54,7 +54,7 @@ public:
 
     [[nodiscard]] ports::Platform& ports() { return ports_; }
 
-    /// To be run.
+    /// The caller runs it.
     [[nodiscard]] MacApplication& application() { return application_; }
 
 private:

@@ -14,10 +14,10 @@ namespace sentrel::posix {
 
 namespace {
 
-// Of a file for which no mode is asked: the umask takes off what the user doesn't want.
+// The mode of a file that is created without an explicit one; the umask applies to it.
 constexpr mode_t usualMode = 0666;
 
-/// Makes a call that gives -1 on failure, again and again while signals interrupt it.
+/// Makes a call that returns -1 on failure; repeats it while signals interrupt it.
 template <class Call> auto uninterrupted(Call call)
 {
     for (;;) {
@@ -28,13 +28,13 @@ template <class Call> auto uninterrupted(Call call)
     }
 }
 
-/// The `errno` value of a call that gave this result; 0 when it succeeded.
+/// The `errno` value of a call that returned this result; 0 when it succeeded.
 int errorOf(int result)
 {
     return result == -1 ? errno : 0;
 }
 
-/// An open file; closed at its end. It is empty when opening failed, with the reason in `errno`.
+/// A file descriptor, closed on destruction. Not open if opening failed; `errno` has the reason.
 class Descriptor {
 public:
     Descriptor(const std::filesystem::path& path, int flags, mode_t mode = 0)
@@ -46,7 +46,7 @@ public:
     ~Descriptor()
     {
         if (isOpen()) {
-            ::close(number_); // never twice: the number is free even after EINTR
+            ::close(number_); // not repeated: the number is free even after EINTR
         }
     }
 
@@ -60,7 +60,7 @@ private:
 int synchronizeToMedium(int descriptor)
 {
 #ifdef F_FULLFSYNC
-    // There, fsync leaves the bytes in the drive's own cache. Some file systems (network volumes) know only fsync.
+    // On macOS, fsync leaves the bytes in the drive's cache. Some file systems (network volumes) support only fsync.
     if (uninterrupted([&] { return ::fcntl(descriptor, F_FULLFSYNC); }) != -1) {
         return 0;
     }
@@ -97,11 +97,11 @@ bool isDirectory(const std::filesystem::path& path)
     return ::stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
 }
 
-/// Makes one folder; 0 also when it is there already.
+/// Creates one folder. Returns an `errno` value; 0 also if it exists.
 int createDirectory(const std::filesystem::path& directory, mode_t mode)
 {
     if (::mkdir(directory.c_str(), mode) == 0) {
-        return errorOf(::chmod(directory.c_str(), mode)); // mkdir has taken the umask off
+        return errorOf(::chmod(directory.c_str(), mode)); // mkdir applies the umask
     }
     if (errno != EEXIST) {
         return errno;
@@ -172,7 +172,7 @@ std::unique_ptr<ports::WritableFile> PosixFileSystem::create(const std::filesyst
         error = errno;
         return nullptr;
     }
-    // Neither the umask nor the mode of a file that was there counts, and no byte is written before this holds.
+    // Overrides the umask and the mode of an existing file before any byte is written.
     error = mode ? errorOf(::fchmod(descriptor.number(), bits)) : 0;
     if (error != 0) {
         return nullptr;

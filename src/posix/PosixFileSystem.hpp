@@ -4,8 +4,8 @@
 
 namespace sentrel::posix {
 
-/// The file system through POSIX calls, for every platform that has them. Modes are applied whatever the umask is; a
-/// call that a signal interrupts is made again; descriptors are not inherited by child processes.
+/// The file system through POSIX calls, for every platform that has them. Requested modes ignore the umask; interrupted
+/// calls are repeated; child processes don't inherit descriptors.
 class PosixFileSystem final : public ports::FileSystem {
 public:
     int createDirectories(const std::filesystem::path& directory, std::uint32_t mode) override;

@@ -11,8 +11,8 @@ namespace sentrel::mac {
 class MacPreviewPanel;
 class MacRemoteNotifications;
 
-/// The shared application, and the one delegate that AppKit gives it: what that hears of pushes and of the preview
-/// panel goes to their adapters.
+/// The shared application and its only AppKit delegate, which passes pushes and the preview panel's calls on to their
+/// adapters.
 class MacApplication final : public ports::Application {
 public:
     MacApplication(MacRemoteNotifications& pushes, MacPreviewPanel& previews);
@@ -25,7 +25,7 @@ public:
     void terminate() override;
     void replyToShouldTerminate(bool shouldTerminate) override;
 
-    /// Serves events until the application ends; does not return then. After the delegate has been set.
+    /// Serves events until the application ends; never returns. Call after `setDelegate`.
     void run();
 
 private:

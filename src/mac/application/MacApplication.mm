@@ -15,7 +15,7 @@
 }
 @end
 
-// Each calls a copy: what is told may set another delegate.
+// Each calls a copy: the callback may set another delegate.
 @implementation SentrelApplicationDelegate
 
 - (void)applicationDidFinishLaunching:(NSNotification*)notification
@@ -33,7 +33,7 @@
 
 - (void)applicationWillTerminate:(NSNotification*)notification
 {
-    // The process exits after this without unwinding main: whatever must be undone is undone here.
+    // The process exits after this without unwinding main: all clean-up happens here.
     if (const auto ending = told.willTerminate) {
         ending();
     }
@@ -89,7 +89,7 @@ MacApplication::MacApplication(MacRemoteNotifications& pushes, MacPreviewPanel& 
 {
     delegate_->pushes = &pushes;
     delegate_->previews = &previews;
-    NSApplication.sharedApplication.delegate = delegate_; // which the application does not retain
+    NSApplication.sharedApplication.delegate = delegate_; // not retained by the application
     NSApp.mainMenu = makeMainMenu();
 }
 
@@ -110,7 +110,7 @@ void MacApplication::setActivationPolicy(std::int64_t policy)
 
 void MacApplication::terminate()
 {
-    // While an answer is promised for later, the application waits for it in a loop of its own.
+    // While an answer is deferred, the application waits for it in a nested event loop.
     performInMainRunLoop([] { [NSApp terminate:nil]; });
 }
 

@@ -7,7 +7,7 @@ namespace sentrel::mac {
 void MacApplicationActivation::activate(bool ignoringOtherApplications)
 {
 #pragma clang diagnostic push
-#pragma clang diagnostic ignored "-Wdeprecated-declarations" // its successor can't ignore the others
+#pragma clang diagnostic ignored "-Wdeprecated-declarations" // the successor can't ignore others
     [NSApp activateIgnoringOtherApps:ignoringOtherApplications];
 #pragma clang diagnostic pop
 }

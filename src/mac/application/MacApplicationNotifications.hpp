@@ -4,7 +4,7 @@
 
 namespace sentrel::mac {
 
-/// The application's default notification center. Registrations die on the main thread, too.
+/// The application's default notification center. Registrations end on the main thread, too.
 class MacApplicationNotifications final : public ports::ApplicationNotifications {
 public:
     [[nodiscard]] ports::RegistrationPtr observe(const std::string& name, std::function<void()> received) override;

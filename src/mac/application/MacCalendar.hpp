@@ -6,7 +6,7 @@
 
 namespace sentrel::mac {
 
-/// The user's calendar, followed through every change of the settings.
+/// The user's calendar; follows every change of the settings.
 class MacCalendar final : public ports::Calendar {
 public:
     MacCalendar();

@@ -57,7 +57,7 @@ NSDateFormatterStyle styleOf(ports::Calendar::Style style)
 
 } // namespace
 
-/// Formatters by their styles: they are costly to make, and follow the user's settings by themselves.
+/// Formatters by style, kept because they are costly to make. They follow the user's settings.
 struct MacCalendar::Formatters {
     NSDateFormatter* formatter(Style dateStyle, Style timeStyle)
     {

@@ -59,7 +59,7 @@ std::optional<Bytes> MacHostInfo::registryData(const std::string& path, const st
 std::optional<std::string> MacHostInfo::localizedName()
 {
 #pragma clang diagnostic push
-#pragma clang diagnostic ignored "-Wdeprecated-declarations" // nothing else tells the computer's own name
+#pragma clang diagnostic ignored "-Wdeprecated-declarations" // the only source of the computer's name
     return optionalText(NSHost.currentHost.localizedName);
 #pragma clang diagnostic pop
 }

@@ -4,7 +4,7 @@
 
 namespace sentrel::mac {
 
-/// The notification center of `NSWorkspace`. Registrations die on the main thread, too.
+/// The notification center of `NSWorkspace`. Registrations end on the main thread, too.
 class MacWorkspaceNotifications final : public ports::WorkspaceNotifications {
 public:
     [[nodiscard]] ports::RegistrationPtr observe(const std::string& name, std::function<void()> received) override;

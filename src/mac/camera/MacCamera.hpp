@@ -4,7 +4,7 @@
 
 namespace sentrel::mac {
 
-/// Cameras through AVFoundation. Devices, inputs, outputs and settings that come in were made here.
+/// Cameras through AVFoundation. Devices, inputs, outputs and settings passed in must come from here.
 class MacCamera final : public ports::Camera {
 public:
     [[nodiscard]] ports::CaptureAuthorization authorizationStatus(const std::string& mediaType) override;

@@ -34,7 +34,7 @@ private:
 
 } // namespace sentrel::mac
 
-/// Hands photos on to the product's delegate, which keeps this object alive: the output itself does not.
+/// Passes photos on to the product's delegate, which keeps this object alive; the output does not.
 @interface SentrelPhotoCaptureDelegate : NSObject <AVCapturePhotoCaptureDelegate>
 - (instancetype)initWithDelegate:(std::weak_ptr<sentrel::ports::PhotoOutputDelegate>)delegate;
 @end
@@ -114,7 +114,7 @@ public:
         SentrelPhotoCaptureDelegate* const receiver =
             [[SentrelPhotoCaptureDelegate alloc] initWithDelegate:std::move(delegate)];
         alive->keepCounterpart({const_cast<void*>(CFBridgingRetain(receiver)), &CFRelease});
-        // Raised when the output has no active connection: its camera has gone or was taken away.
+        // Raises when the output has no active connection: its camera is gone or was removed.
         const bool isAsked = guarded("capturePhotoWithSettings", [&] {
             [output_ capturePhotoWithSettings:static_cast<const MacPhotoSettings&>(settings).native()
                                      delegate:receiver];

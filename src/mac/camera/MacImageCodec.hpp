@@ -4,7 +4,7 @@
 
 namespace sentrel::mac {
 
-/// Image files through Core Image and Image I/O. Images that come in were made here.
+/// Image files through Core Image and Image I/O. Images passed in must come from here.
 class MacImageCodec final : public ports::ImageCodec {
 public:
     [[nodiscard]] std::optional<Rgba> areaAverage(BytesView data) override;

@@ -12,7 +12,7 @@ namespace {
 
 class MacImage final : public ports::Image {
 public:
-    /// Takes the reference over.
+    /// Takes ownership.
     explicit MacImage(CGImageRef image) : image_(image) {}
     ~MacImage() override { CGImageRelease(image_); }
     MacImage(const MacImage&) = delete;
@@ -23,7 +23,7 @@ private:
     CGImageRef image_;
 };
 
-/// The bytes as a data object that doesn't copy them, and so doesn't outlive them.
+/// The bytes as a data object without a copy. They must outlive it.
 NSData* dataObject(BytesView bytes)
 {
     return [NSData dataWithBytesNoCopy:const_cast<std::uint8_t*>(bytes.data()) length:bytes.size() freeWhenDone:NO];
@@ -35,7 +35,7 @@ Bytes copyOf(NSData* data)
     return Bytes{first, first + data.length};
 }
 
-/// An image source of the data, to be released; null for what is no image.
+/// An image source, which the caller releases; null if the data is no image.
 CGImageSourceRef createSource(BytesView data)
 {
     return CGImageSourceCreateWithData((__bridge CFDataRef)dataObject(data), nullptr);

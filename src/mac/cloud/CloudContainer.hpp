@@ -6,7 +6,7 @@
 
 namespace sentrel::mac {
 
-/// An application's container in iCloud, opened when it is first asked for. Main thread.
+/// An application's iCloud container, opened on first use. Main thread.
 class CloudContainer {
 public:
     explicit CloudContainer(std::string identifier) : identifier_(std::move(identifier)) {}

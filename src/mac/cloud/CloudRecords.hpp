@@ -8,22 +8,22 @@
 
 namespace sentrel::mac {
 
-/// The error with its code, its time to wait and the errors of its items. Of a missing object: an internal error.
+/// The error with its code, retry delay and item errors. Nil gives an internal error.
 [[nodiscard]] ports::CloudError cloudErrorOf(NSError* error);
 
-/// An ID in the default zone. Throws `CloudError` with code 12 (invalid arguments) for a name that CloudKit refuses,
-/// which it would do with an exception of Objective-C.
+/// An ID in the default zone. Throws `CloudError` with code 12 (invalid arguments) for a name that CloudKit would
+/// refuse with an Objective-C exception.
 [[nodiscard]] CKRecordID* recordIDObject(const std::string& name);
 [[nodiscard]] NSArray<CKRecordID*>* recordIDObjects(const std::vector<std::string>& names);
 
-/// The record to save: a fetched one by its system fields, else a new one. Throws like `recordIDObject`.
+/// The record to save, restored from its system fields if it was fetched, else new. Throws like `recordIDObject`.
 [[nodiscard]] CKRecord* recordObject(const ports::CloudRecord& record);
 [[nodiscard]] NSArray<CKRecord*>* recordObjects(const std::vector<ports::CloudRecord>& records);
 
-/// The record without the fields of kinds that the port doesn't have.
+/// The record without fields whose types the port doesn't have.
 [[nodiscard]] ports::CloudRecord cloudRecordOf(CKRecord* record);
 
-/// The record, or the error where there is none.
+/// The record, or the error if there is none.
 [[nodiscard]] ports::CloudRecordResult cloudResultOf(CKRecord* record, NSError* error);
 
 [[nodiscard]] CKQuery* queryObject(const ports::CloudQuery& query);

@@ -31,7 +31,7 @@ NSArray<NSString*>* stringObjects(const std::vector<std::string>& texts)
     return objects;
 }
 
-/// The name of what a partial failure is about: a record, a zone or a subscription.
+/// The name of an item of a partial failure: a record, a zone or a subscription.
 std::string itemNameOf(id item)
 {
     if ([item isKindOfClass:CKRecordID.class]) {
@@ -114,7 +114,7 @@ std::optional<CloudValue> textsOf(NSArray* array)
     return texts;
 }
 
-/// Keeps the framework's object, with which its file may go.
+/// Keeps the asset, whose end may delete its file.
 struct AssetHolder {
     CKAsset* asset;
 };
@@ -128,7 +128,7 @@ std::optional<CloudValue> assetOf(CKAsset* asset)
     return ports::CloudAsset{pathOf(url), std::make_shared<const AssetHolder>(AssetHolder{asset})};
 }
 
-/// None when the object is of a kind that the port doesn't have.
+/// None for an object of a type that the port doesn't have.
 std::optional<CloudValue> valueOf(id object)
 {
     if ([object isKindOfClass:NSString.class]) {
@@ -159,7 +159,7 @@ Bytes systemFieldsOf(CKRecord* record)
     return Bytes(first, first + data.length);
 }
 
-/// The record whose system fields these are, without its other fields; nil when they are none.
+/// The record with these system fields and no others; nil if they can't be decoded.
 CKRecord* fetchedRecord(const Bytes& systemFields)
 {
     NSData* const data = [NSData dataWithBytes:systemFields.data() length:systemFields.size()];
@@ -174,7 +174,7 @@ CKRecord* fetchedRecord(const Bytes& systemFields)
     return record;
 }
 
-/// The record without fields: with the server's version of it where it has been fetched before.
+/// The record without fields, with the server's version if it has been fetched before.
 CKRecord* emptyRecord(const CloudRecord& record)
 {
     CKRecordID* const recordID = recordIDObject(record.name);

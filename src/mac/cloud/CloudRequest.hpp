@@ -10,14 +10,14 @@
 
 namespace sentrel::mac {
 
-/// What the framework brings for one request: written by its blocks, which run one after another on a queue of its
-/// own; the last of them signals. Shared by the blocks and the task that waits.
+/// The framework's answer to one request. Its blocks write it, one after another on its own queue, and the last one
+/// signals. Shared by the blocks and the waiting task.
 template <class Answer> struct CloudRequest {
     Semaphore finished;
     Answer answer{};
     std::optional<ports::CloudError> error; ///< of the request as a whole
 
-    /// What was asked for, once finished. Throws the error there is.
+    /// Moves out the answer, once finished. Throws `error` if set.
     Answer take()
     {
         if (error) {

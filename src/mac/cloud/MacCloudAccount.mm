@@ -14,7 +14,7 @@ namespace {
 using StatusRequest = CloudRequest<ports::CloudAccountStatus>;
 using NameRequest = CloudRequest<std::optional<std::string>>;
 
-// The framework has no way to call these two off: when nobody waits any more, the answer goes to nobody.
+// The framework can't cancel these two requests. Without a waiting task, their answer is dropped.
 
 std::shared_ptr<StatusRequest> askForStatus(CKContainer* container)
 {

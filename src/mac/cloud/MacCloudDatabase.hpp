@@ -5,7 +5,7 @@
 
 namespace sentrel::mac {
 
-/// The private database of a container in iCloud. Cursors that come in were made here.
+/// The private database of a container in iCloud. Cursors passed in must come from here.
 class MacCloudDatabase final : public ports::CloudDatabase {
 public:
     explicit MacCloudDatabase(std::string containerIdentifier) : container_(std::move(containerIdentifier)) {}

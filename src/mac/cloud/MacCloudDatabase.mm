@@ -26,19 +26,19 @@ using ModifyRequest = CloudRequest<CloudModification>;
 struct Nothing {};
 using SubscriptionRequest = CloudRequest<Nothing>;
 
-/// Seconds that the network may keep one request waiting for its next packet, and a whole operation with its files.
-/// Callers have shorter limits of their own; these end what goes on when nobody waits any more.
+/// Seconds that a request may wait for its next packet, and a whole operation with its files may take. Callers have
+/// shorter limits; these end operations without a waiting task.
 constexpr NSTimeInterval requestTimeout = 30.0;
 constexpr NSTimeInterval resourceTimeout = 300.0;
 
-/// An operation under way. Cancels it when whoever waits for it goes; a finished one takes no notice.
+/// An operation under way, cancelled when its waiting task ends. No effect once finished.
 class OperationHold {
 public:
     /// Sends the operation to the database.
     OperationHold(CKDatabase* database, CKDatabaseOperation* operation) : operation_(operation)
     {
         CKOperationConfiguration* const configuration = [[CKOperationConfiguration alloc] init];
-        // An alarm can't wait for a moment that suits the system.
+        // An alarm can't wait until the system has time.
         configuration.qualityOfService = NSQualityOfServiceUserInitiated;
         configuration.timeoutIntervalForRequest = requestTimeout;
         configuration.timeoutIntervalForResource = resourceTimeout;
@@ -67,14 +67,14 @@ bool isPartialFailure(NSError* error)
     return [error.domain isEqualToString:CKErrorDomain] && error.code == CKErrorPartialFailure;
 }
 
-/// What the request's error says about one of its items.
+/// An item's error: its own, or the request's.
 const CloudError& errorFor(const std::string& name, const CloudError& whole)
 {
     const auto found = whole.itemErrors.find(name);
     return found == whole.itemErrors.end() ? whole : found->second;
 }
 
-/// Every name gets a result: where none came, what the request's error says.
+/// Gives every name without a result its error.
 template <class Results> void complete(Results& results, const std::vector<std::string>& names, NSError* error)
 {
     const CloudError whole = cloudErrorOf(error);
@@ -187,7 +187,7 @@ OperationHold startSubscription(CKDatabase* database, const ports::CloudSubscrip
     return {database, operation};
 }
 
-/// The record of the one result there is. Throws its error.
+/// The record of the only result. Throws its error.
 CloudRecord onlyRecord(RecordResults results, const std::string& name)
 {
     const auto found = results.find(name);

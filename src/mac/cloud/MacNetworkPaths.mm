@@ -12,7 +12,7 @@ namespace sentrel::mac {
 
 namespace {
 
-/// Whom the monitor tells, until it is closed.
+/// The monitor's callback, until it is closed.
 class Listener {
 public:
     explicit Listener(std::function<void(ports::NetworkPathStatus)> pathChanged) : pathChanged_(std::move(pathChanged))
@@ -28,7 +28,7 @@ public:
         }
     }
 
-    /// Waits for a callback that is running on another thread; none comes later.
+    /// Waits for a callback running on another thread; none follows.
     void close()
     {
         const std::lock_guard guard{mutex_};

@@ -13,7 +13,7 @@ public:
     void registerForRemoteNotifications() override;
     [[nodiscard]] std::optional<ports::CloudNotification> cloudNotification(const Json& userInfo) override;
 
-    /// What the application's delegate hears of remote notifications comes here.
+    /// Called by the application's delegate.
     void didRegister();
     void didFailToRegister(NSError* error);
     void didReceive(NSDictionary* userInfo);

@@ -36,7 +36,7 @@ std::optional<ports::CloudNotification> MacRemoteNotifications::cloudNotificatio
     return made;
 }
 
-// Each calls a copy: what is told may set another receiver.
+// Each calls a copy: the callback may set another receiver.
 
 void MacRemoteNotifications::didRegister()
 {

@@ -46,7 +46,7 @@ Json objectOf(NSDictionary* dictionary, std::size_t levels)
     return object;
 }
 
-/// None for what JSON can't hold, or below that many levels of arrays and objects.
+/// None for a value that JSON can't hold, or below `levels` of arrays and objects.
 std::optional<Json> valueOf(id object, std::size_t levels)
 {
     if ([object isKindOfClass:NSString.class]) {

@@ -6,8 +6,8 @@
 
 namespace sentrel::mac {
 
-/// The unified log, under the product's own subsystem. Each event is one line that everybody who may read the log can
-/// read: its name, then its fields as JSON.
+/// The unified log, under the product's own subsystem. Each event is one public line: its name, then its fields as
+/// JSON.
 class MacJournal final : public ports::Journal {
 public:
     MacJournal();

@@ -8,7 +8,7 @@
 
 namespace sentrel::mac {
 
-/// The text as a string object. Bytes that are no UTF-8 are read as Latin-1, so that none is refused. Any thread.
+/// The text as a string object. A text that is not valid UTF-8 is read as Latin-1. Never nil. Any thread.
 [[nodiscard]] NSString* stringObject(std::string_view text);
 
 /// A string object's text in UTF-8; half of a surrogate pair becomes a replacement character. Any thread.

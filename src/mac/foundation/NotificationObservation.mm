@@ -29,7 +29,7 @@ public:
     ~Observation() override
     {
         [center_ removeObserver:token_];
-        // A notification may be waiting in the main queue already: it finds nobody.
+        // Drops a notification that already waits in the main queue.
         *received_ = nullptr;
     }
 

@@ -5,8 +5,8 @@
 
 namespace sentrel::mac {
 
-/// The texts of the frameworks that the product holds as texts of its own and that differ from the system's, each as
-/// "name: ours, theirs"; empty when all are right. Its numbers are compared when this is compiled.
+/// The product's copies of framework strings that differ from the system's, each as "name: ours, theirs"; empty if all
+/// agree. Copies of numbers are compared at compile time.
 [[nodiscard]] std::vector<std::string> differingSdkTexts();
 
 } // namespace sentrel::mac

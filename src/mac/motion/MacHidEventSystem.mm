@@ -10,7 +10,7 @@
 
 #include <dispatch/dispatch.h>
 
-// IOKit exports these functions and its public headers don't declare them.
+// IOKit exports these functions, but no public header declares them.
 extern "C" {
 typedef struct __IOHIDEvent* IOHIDEventRef;
 typedef void (*IOHIDEventSystemClientEventCallback)(void* target, void* refcon, void* sender, IOHIDEventRef event);
@@ -96,7 +96,7 @@ public:
         IOHIDEventSystemClientRegisterEventCallback(client(), &receive, this, nullptr);
     }
 
-    // The function stays until the client goes: an event may still be on its way.
+    // The function stays until the client ends: an event may still be on its way.
     void unregisterEventCallback() override { IOHIDEventSystemClientUnregisterEventCallback(client()); }
 
     void schedule(SerialQueue& queue) override

@@ -49,7 +49,7 @@ private:
     NSArray* const list_;
 };
 
-/// A source in the main run loop; lives and dies on the main thread, where the loop also calls back.
+/// A source in the main run loop. Made, called and destroyed on the main thread.
 class ChangeRegistration final : public ports::Registration {
 public:
     explicit ChangeRegistration(std::function<void()> changed)

@@ -7,14 +7,14 @@
 
 namespace sentrel::mac {
 
-/// An executor over a dispatch queue. It keeps its jobs in its own list, so that a waiting one can be withdrawn, and
-/// sends one turn to the queue for each; what else the system puts on the queue keeps its place among them.
+/// An executor over a dispatch queue. It keeps its jobs in its own list, so that waiting ones can be withdrawn, and
+/// queues one turn for each, so that jobs and the system's own work on the queue keep their order.
 class DispatchExecutor final : public Executor {
 public:
     /// The main queue, which the main run loop serves in all common modes.
     static std::unique_ptr<DispatchExecutor> makeMain();
 
-    /// One of the system's concurrent queues.
+    /// A concurrent queue of the system.
     static std::unique_ptr<DispatchExecutor> makeGlobal(QualityOfService qualityOfService);
 
     /// A new serial queue.
@@ -25,7 +25,7 @@ public:
     void post(Job& job) override;
     bool withdraw(Job& job) override;
 
-    /// When called from a job of this executor, that job is not waited for.
+    /// Does not wait for a job of this executor that calls it.
     void stop() override;
     [[nodiscard]] bool isCurrent() const override;
     [[nodiscard]] void* nativeQueue() override;
@@ -36,7 +36,7 @@ private:
     DispatchExecutor(Kind kind, std::shared_ptr<Jobs> jobs);
 
     const Kind kind_;
-    const std::shared_ptr<Jobs> jobs_; // turns that are still in the queue share it
+    const std::shared_ptr<Jobs> jobs_; // shared with turns still in the queue
 };
 
 } // namespace sentrel::mac

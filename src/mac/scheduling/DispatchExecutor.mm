@@ -37,7 +37,7 @@ public:
     void post(Job& job)
     {
         const std::shared_ptr<Jobs> self = shared_from_this();
-        // Sent under the lock: a job that runs before this returns may take the executor's owner with it.
+        // Sent under the lock: a job that runs before this returns may destroy the executor's owner.
         const std::lock_guard guard{mutex_};
         waiting_.append(job);
         if (!isStopped_) {
@@ -53,8 +53,8 @@ public:
         if (!waiting_.remove(job)) {
             return false;
         }
-        // One turn too many is on its way now. If it ran the next job, that job would overtake what the system has put
-        // on the queue between the two.
+        // One turn is now surplus. If it ran the next job, that job would overtake work that the system has queued
+        // between the two.
         ++spareTurns_;
         return true;
     }
@@ -156,7 +156,7 @@ std::unique_ptr<DispatchExecutor> DispatchExecutor::makeSerial(const std::string
 DispatchExecutor::DispatchExecutor(Kind kind, std::shared_ptr<Jobs> jobs) : kind_(kind), jobs_(std::move(jobs))
 {
     if (kind_ == Kind::serial) {
-        // The address of the jobs serves as the key, so that no other queue has it.
+        // The key is the address of the jobs, which no other queue uses.
         dispatch_queue_set_specific(jobs_->queue(), jobs_.get(), jobs_.get(), nullptr);
     }
 }
@@ -193,7 +193,7 @@ bool DispatchExecutor::isCurrent() const
     case Kind::main:
         return pthread_main_np() != 0;
     case Kind::serial:
-        // True in what the system itself calls on the queue, too.
+        // True in the system's own calls on the queue, too.
         return dispatch_get_specific(jobs_.get()) == jobs_.get();
     case Kind::global:
         break;

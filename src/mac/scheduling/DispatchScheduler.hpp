@@ -15,7 +15,7 @@ class DispatchScheduler final : public Scheduler {
 public:
     DispatchScheduler();
 
-    /// Stops all executors of its own and ends every task where it waits. Main thread.
+    /// Stops its own executors and ends every waiting task. Main thread.
     ~DispatchScheduler() override;
 
     [[nodiscard]] Instant now() const override { return DispatchTimers::now(); }

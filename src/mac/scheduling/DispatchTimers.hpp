@@ -11,7 +11,7 @@ class DispatchTimers {
 public:
     DispatchTimers();
 
-    /// Forgets all timers; none fires any more when this returns.
+    /// Drops all timers; none fires after this returns.
     ~DispatchTimers();
 
     /// The continuous clock: it runs on while the machine sleeps.

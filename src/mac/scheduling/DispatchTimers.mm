@@ -18,9 +18,9 @@ dispatch_source_t makeSource(dispatch_queue_t queue)
 
 } // namespace
 
-/// The heap of timers, and the sources that wake for the earliest. No public dispatch clock is the continuous one: the
-/// uptime stands still while the machine sleeps, and the wall clock can be set back. Whichever source wakes first looks
-/// at the continuous clock and arms both anew, so that a sleep delays nothing and a changed date neither.
+/// The heap of timers, and the sources that wake for the earliest. No public dispatch clock is continuous: the uptime
+/// stops while the machine sleeps, and the wall clock can be set back. The first source to wake reads the continuous
+/// clock and rearms both, so that neither sleep nor a changed date delays a timer.
 class DispatchTimers::Waker {
 public:
     Waker()
@@ -44,7 +44,7 @@ public:
         dispatch_source_cancel(uptimeSource_);
         dispatch_source_cancel(wallClockSource_);
         dispatch_sync(queue_, ^{
-                      }); // a handler that has begun ends before this
+                      }); // waits for a running handler
         timers_.clear();
     }
 

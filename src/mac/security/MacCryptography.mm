@@ -12,7 +12,7 @@ namespace sentrel::mac {
 
 namespace {
 
-/// A pointer that isn't null, also for no bytes: the library takes null for a mistake.
+/// A pointer that is not null, even for no bytes: the library rejects null.
 const std::uint8_t* pointerTo(BytesView bytes)
 {
     static constexpr std::uint8_t nothing = 0;

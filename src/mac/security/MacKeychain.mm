@@ -61,8 +61,8 @@ struct NativeValue {
     }
 };
 
-/// The data-protection keychain is there for signatures with an application identifier only. It refuses others all
-/// calls; for these the login keychain takes its place, and holds the same items.
+/// The data-protection keychain serves only signatures with an application identifier. Other builds use the login
+/// keychain, with the same items.
 bool hasDataProtectionKeychain()
 {
     static const bool isSigned = isSignedWith(@"com.apple.application-identifier");

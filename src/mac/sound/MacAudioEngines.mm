@@ -30,8 +30,8 @@ private:
     AVAudioPCMBuffer* const buffer_;
 };
 
-/// Formats and buffers that come in were made by an engine of this kind. The engine raises what other interfaces
-/// return, above all when it has lost its device.
+/// Formats and buffers passed in must come from such an engine. AVFAudio raises where other interfaces return an error,
+/// above all when the device is lost.
 class Engine final : public ports::AudioEngine {
 public:
     ~Engine() override { stopNow(); }

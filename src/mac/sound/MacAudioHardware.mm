@@ -33,7 +33,7 @@ template <class Value> std::optional<Value> readValue(AudioObjectId object, cons
     return value;
 }
 
-/// A value of any size, as it is; its memory is aligned for every type.
+/// The raw bytes of a value of any size, aligned for every type.
 std::optional<std::vector<std::byte>> readBytes(AudioObjectId object, const AudioPropertyAddress& address)
 {
     const AudioObjectPropertyAddress where = native(address);

@@ -4,7 +4,7 @@
 
 #import <AppKit/AppKit.h>
 
-// What the tree's words for fonts, colors, images and keys mean on a Mac. Main thread.
+// The tree's fonts, colors, images and keys as AppKit's. Main thread.
 
 namespace sentrel::mac {
 
@@ -12,16 +12,16 @@ namespace sentrel::mac {
 [[nodiscard]] NSColor* colorOf(ui::Text::Color color);
 [[nodiscard]] NSColor* colorOf(const ui::Color& color);
 
-/// The image, or nil when there is none of that name. Screen readers say the description, if any.
+/// The image, or nil when there is none of that name. The description is its accessibility text.
 [[nodiscard]] NSImage* imageOf(const ui::Image& image, const std::string& description);
 
 /// The key equivalent of a key; empty without one.
 [[nodiscard]] NSString* keyEquivalentOf(const std::optional<ui::Key>& key);
 
-/// The key that has been pressed, if it is one of those.
+/// The pressed key, if a tree can name it.
 [[nodiscard]] std::optional<ui::Key> keyOf(NSEvent* event);
 
-/// A text of several lines that nobody edits.
+/// A read-only text of several lines.
 [[nodiscard]] NSTextField* makeLabel();
 
 /// Changes the label's text if it differs.

@@ -107,7 +107,7 @@ NSTextField* makeLabel()
 {
     NSTextField* const label = [NSTextField wrappingLabelWithString:@""];
     label.selectable = NO;
-    // It would rather wrap than make its window wider.
+    // It wraps rather than widens its window.
     [label setContentCompressionResistancePriority:NSLayoutPriorityDragThatCannotResizeWindow
                                     forOrientation:NSLayoutConstraintOrientationHorizontal];
     return label;

@@ -6,13 +6,13 @@
 
 #include <cmath>
 
-// What a person acts on.
+// Controls that the user operates.
 
 namespace sentrel::mac {
 
 namespace {
 
-constexpr double sliderWidth = 100.0; // at least: some languages have long labels
+constexpr double sliderWidth = 100.0; // points, at least: some languages have long labels
 constexpr double valueWidth = 44.0;
 constexpr double fieldWidth = 120.0;
 
@@ -71,7 +71,7 @@ private:
     }
 };
 
-/// A switch behind its label.
+/// A switch after its label.
 class SwitchNode final : public DrawnNode {
 public:
     SwitchNode() : DrawnNode([[NSStackView alloc] init])
@@ -125,7 +125,7 @@ public:
         slider_.action = @selector(slid:);
         [slider_.widthAnchor constraintGreaterThanOrEqualToConstant:sliderWidth].active = YES;
         [slider_ setContentHuggingPriority:givesWay forOrientation:NSLayoutConstraintOrientationHorizontal];
-        // Digits of one width, so that nothing moves while the knob does.
+        // Digits of equal width, so that only the knob moves.
         value_.font = [NSFont monospacedDigitSystemFontOfSize:NSFont.systemFontSize weight:NSFontWeightRegular];
         value_.textColor = NSColor.secondaryLabelColor;
         [value_.widthAnchor constraintGreaterThanOrEqualToConstant:valueWidth].active = YES;
@@ -173,7 +173,7 @@ private:
     NSTextField* const value_ = makeLabel();
 };
 
-/// What plain and secure fields share.
+/// The base of plain and secure fields.
 class FieldNode : public DrawnNode {
 protected:
     explicit FieldNode(NSTextField* field) : DrawnNode(field)

@@ -29,7 +29,7 @@ std::vector<ui::View> answersOf(const ui::View& attachment)
     return answers;
 }
 
-/// What is asked, shared with the alert's end. None of it is there any more once the tree has taken the dialog away.
+/// The question, shared with the alert's completion handler. Unwanted once the tree has removed the dialog.
 struct Question {
     std::vector<ui::View> answers;
     ui::Action dismiss;
@@ -42,7 +42,7 @@ struct Question {
         if (!isWanted) {
             return;
         }
-        // Copies: the first call may take the dialog away.
+        // Copies: the first call may remove the dialog.
         const ui::Action after = dismiss;
         const auto index = static_cast<std::size_t>(response - NSAlertFirstButtonReturn);
         const ui::Action action = response >= NSAlertFirstButtonReturn && index < answers.size()
@@ -59,7 +59,7 @@ public:
     ~DialogOverlay() override
     {
         question_->isWanted = false;
-        // Through the window that was asked: an alert that still waits for its turn has no parent.
+        // Through the stored window: an alert that still waits for its turn has no parent.
         if (hasBegun_ && !question_->hasEnded) {
             [parent_ endSheet:alert_.window returnCode:NSModalResponseAbort];
         }
@@ -125,7 +125,7 @@ private:
         } else if (button.role == ui::Button::Role::cancel && !isOnlyOne) {
             shown.keyEquivalent = keyEquivalentOf(ui::Key::escape);
         } else if (button.role == ui::Button::Role::destructive) {
-            // AppKit gives the first button the return key: what can't be undone must not happen by it.
+            // AppKit gives the first button the return key, which must not start a destructive action.
             shown.keyEquivalent = @"";
         }
     }

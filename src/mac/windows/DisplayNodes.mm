@@ -5,7 +5,7 @@
 
 #include <algorithm>
 
-// What is only looked at.
+// Display-only elements.
 
 namespace sentrel::mac {
 
@@ -13,17 +13,17 @@ namespace {
 
 constexpr double barWidth = 160.0;
 
-/// `NSTextAlignmentCenter`: which number it is depends on the processor.
+/// `NSTextAlignmentCenter`, whose value depends on the processor.
 #ifdef __x86_64__
 constexpr auto centered = static_cast<NSTextAlignment>(2);
 #else
 constexpr auto centered = static_cast<NSTextAlignment>(1);
 #endif
 
-/// Points of a symbol that stands alone in the middle.
+/// Size in points of a symbol alone in the middle.
 constexpr double emblemSize = 36.0;
 
-/// How much of its height a symbol fills.
+/// A symbol's points per point of its shorter side.
 constexpr double symbolShare = 0.8;
 
 class TextNode final : public DrawnNode {
@@ -52,7 +52,7 @@ private:
     void show(const ui::View& view, const Surroundings& surroundings) override
     {
         const ui::Image& image = *ui::elementOf<ui::Image>(view);
-        // What could not be loaded is tried again: the file may be there by now.
+        // Retries an image that failed to load: the file may exist by now.
         if (!(shown_ == image) || imageView().image == nil) {
             shown_ = image;
             imageView().image = imageOf(image, view.traits.accessibilityLabel);
@@ -60,11 +60,11 @@ private:
         }
         // A symbol above centered texts is their emblem.
         scale(view.traits.size, surroundings.isInCenteredColumn);
-        // A picture without a name tells a listener nothing.
+        // Screen readers skip an image without a label.
         imageView().accessibilityElement = !view.traits.accessibilityLabel.empty();
     }
 
-    /// A photo is as wide as the space there is and as tall as that makes it; others have a size of their own.
+    /// A photo takes the available width and keeps its proportions; other images have a natural size.
     void fit()
     {
         const NSLayoutPriority priority = isPicture() ? givesWay : NSLayoutPriorityDefaultHigh;

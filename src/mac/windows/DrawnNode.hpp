@@ -9,36 +9,36 @@
 
 namespace sentrel::mac {
 
-/// What a node is given by the place where it stands.
+/// The properties of a node's place in the tree.
 struct Surroundings {
     bool isEnabled = true;
     bool isInForm = false;
     bool isInSidebar = false;
-    bool isPane = false;  ///< one side of a split view: how wide it is, the person says
+    bool isPane = false;  ///< one side of a split view, as wide as the user likes
     bool isInRow = false; ///< side by side with its siblings
     bool isInCenteredColumn = false;
 };
 
-/// One node of a view tree as AppKit draws it: its AppKit view, the target of its control, and what stands inside. It
-/// lives as long as the node keeps its identity and its kind of element, and with it what the user is doing there: a
-/// field keeps the keyboard, the caret and its text. Main thread.
+/// One node of a view tree as AppKit draws it: its AppKit view, the target of its control, and its children. It lives
+/// as long as the node keeps its identity and its kind of element, which preserves the user's input: a field keeps the
+/// keyboard, the caret and its text. Main thread.
 class DrawnNode {
 public:
     virtual ~DrawnNode() = default;
     DrawnNode(const DrawnNode&) = delete;
     DrawnNode& operator=(const DrawnNode&) = delete;
 
-    /// Draws the view: with the node that was drawn before under its identity, if that can show it, or with a new one.
+    /// Draws the view, with the node drawn before under its identity if that can show it, else with a new one.
     [[nodiscard]] static std::unique_ptr<DrawnNode> draw(std::unique_ptr<DrawnNode> before, const ui::View& view,
                                                          std::string step, const Surroundings& surroundings);
 
     /// The node's step in its identity.
     [[nodiscard]] const std::string& step() const { return step_; }
 
-    /// What stands in the enclosing view: the node's view, or what gives it its padding.
+    /// The subview of the enclosing view: the node's view, or the wrapper that pads it.
     [[nodiscard]] NSView* outer() const { return outer_; }
 
-    /// Whether it takes all the space there is in this direction.
+    /// Whether it takes all available space in this direction.
     [[nodiscard]] bool expands(NSLayoutConstraintOrientation orientation) const;
 
     /// Whether it fills its stack across the axis without making the stack larger.
@@ -46,10 +46,10 @@ public:
 
     [[nodiscard]] virtual bool isSpacer() const { return false; }
 
-    /// Adds the visible label before a control, which lines up with others of its form.
+    /// Adds the visible label before a control, for alignment within its form.
     virtual void collectLabels(NSMutableArray<NSView*>* /*labels*/) const {}
 
-    /// Gives the keyboard to the nodes in here that ask for it; the last wins.
+    /// Gives the keyboard to nodes in the subtree that ask for it; the last wins.
     void applyFocus();
 
 protected:
@@ -58,7 +58,7 @@ protected:
     [[nodiscard]] NSView* view() const { return view_; }
     [[nodiscard]] SentrelNodeTarget* target() const { return target_; }
 
-    /// Whether the view of an element of the same kind suits this one.
+    /// Whether this node can show a view of its kind of element.
     [[nodiscard]] virtual bool suits(const ui::View& /*view*/) const { return true; }
 
     /// Brings the AppKit view up to date; touches only what differs.
@@ -67,10 +67,10 @@ protected:
     /// The part that has the keyboard and that screen readers name.
     [[nodiscard]] virtual NSView* control() const { return view_; }
 
-    /// What screen readers say of the control when the tree doesn't tell; empty: what AppKit finds.
+    /// The accessibility label of the control if the tree has none; empty: AppKit's default.
     [[nodiscard]] virtual std::string spokenText(const ui::View& /*view*/) const { return {}; }
 
-    /// Whether content of this kind takes all the space there is.
+    /// Whether such content takes all available space.
     [[nodiscard]] virtual bool wantsAll(NSLayoutConstraintOrientation /*orientation*/) const { return false; }
 
     virtual void eachChild(const std::function<void(DrawnNode&)>& /*visit*/) {}
@@ -95,12 +95,12 @@ private:
 /// The children of a node, each known by its identity.
 class DrawnChildren {
 public:
-    /// Draws those that are not hidden.
+    /// Draws the children that are not hidden.
     void show(const std::vector<ui::View>& children, const Surroundings& surroundings);
 
     [[nodiscard]] const std::vector<std::unique_ptr<DrawnNode>>& nodes() const { return nodes_; }
 
-    /// Their views, from first to last.
+    /// Their outer views, first to last.
     [[nodiscard]] NSArray<NSView*>* views() const;
 
     [[nodiscard]] bool anyExpands(NSLayoutConstraintOrientation orientation) const;

@@ -7,7 +7,7 @@
 
 #include <utility>
 
-// Forms: sections of settings, each on a card, whose labels and controls stand in line.
+// Forms: sections of settings, each on a card, with aligned labels and controls.
 
 namespace {
 
@@ -17,12 +17,12 @@ constexpr double rowSpacing = 10.0;
 constexpr double cardPadding = 12.0;
 constexpr double cardRadius = 8.0;
 
-/// A form is as tall as its content where nothing else decides.
+/// A form takes its content's height unless another constraint decides.
 constexpr NSLayoutPriority naturalHeight = 240.0F;
 
 } // namespace
 
-/// The quiet ground of a section.
+/// The background of a section.
 @interface SentrelCard : NSView
 @end
 
@@ -35,7 +35,7 @@ constexpr NSLayoutPriority naturalHeight = 240.0F;
 
 - (void)updateLayer
 {
-    // Called anew when the appearance changes, and then these have other components.
+    // Called again when the appearance changes, which changes these colors.
     self.layer.backgroundColor = NSColor.quaternarySystemFillColor.CGColor;
     self.layer.borderColor = NSColor.separatorColor.CGColor;
     self.layer.borderWidth = 0.5;
@@ -63,7 +63,7 @@ namespace {
 
 using Orientation = NSLayoutConstraintOrientation;
 
-/// The rows of a column; what wants the whole width gets it.
+/// The rows of a column; those that expand fill its width.
 class Rows {
 public:
     explicit Rows(double spacing) : column_(makeColumn(spacing)) {}
@@ -142,7 +142,7 @@ private:
         arrangeParts(section);
     }
 
-    /// In a form the rows stand on a card, elsewhere as they are.
+    /// In a form the rows get a card, elsewhere none.
     void makeGround(bool isInForm)
     {
         ground_ = rows_.column();
@@ -219,7 +219,7 @@ private:
         alignLabels();
     }
 
-    /// The labels of all sections are as wide as the widest, so that their controls begin at one line.
+    /// Makes the labels of all sections as wide as the widest, which aligns their controls.
     void alignLabels()
     {
         NSMutableArray<NSView*>* const labels = [NSMutableArray array];

@@ -6,16 +6,16 @@
 #include <functional>
 #include <memory>
 
-/// A view that draws view trees, and gives them the keys that nothing in them has taken. Main thread.
+/// A view that draws view trees, and offers them the keys that their views don't use. Main thread.
 @interface SentrelHostView : NSView <SentrelKeyReceiver> {
 @public
     std::unique_ptr<sentrel::mac::TreeRenderer> renderer;
-    std::function<void()> escaped; ///< what the escape key does when the tree has no use for it
+    std::function<void()> escaped; ///< called for the escape key if the tree doesn't use it
 }
 
-/// Its window has come to the screen: what lies over the window may begin.
+/// Call when the window is on the screen: sheets and dialogs may begin.
 - (void)windowDidAppear;
 
-/// Its window is going: takes away what lies over it, and draws nothing any more.
+/// Call before the window ends: removes sheets, dialogs and all content.
 - (void)endContent;
 @end

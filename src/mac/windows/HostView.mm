@@ -22,7 +22,7 @@ using sentrel::ui::Key;
     NSWindow* const window = self.window;
     window.autorecalculatesKeyViewLoop = YES;
     if (window != nil && window.firstResponder == window) {
-        // So that keys arrive here before the person has clicked anywhere.
+        // Keys must arrive here even before the first click.
         [window makeFirstResponder:self];
     }
     renderer->windowChanged();
@@ -43,7 +43,7 @@ using sentrel::ui::Key;
     return YES;
 }
 
-/// The tab key finds the controls in it, not the view, of which nothing is to be seen.
+/// The tab key reaches the controls in it, but skips the invisible view itself.
 - (BOOL)canBecomeKeyView
 {
     return NO;
@@ -67,10 +67,10 @@ using sentrel::ui::Key;
     [self press:Key::returnKey];
 }
 
-/// Whether the tree, or else whoever shows it, had a use for the key.
+/// Offers the key to the tree, then to `escaped`; YES if it was used.
 - (BOOL)press:(Key)key
 {
-    // Held: what the key does may bring a new tree.
+    // Held: the key's action may bring a new tree.
     const auto content = renderer->content();
     if (content && sentrel::ui::pressKey(*content, key, "") == sentrel::ui::Interaction::done) {
         return YES;

@@ -30,7 +30,7 @@ NSIndexSet* indexSet(const std::vector<std::size_t>& indexes)
 std::vector<std::size_t> placesOf(NSIndexSet* set)
 {
     std::vector<std::size_t> places;
-    // Without a set each index would be 0, again and again.
+    // A nil set would give index 0 for ever.
     if (set == nil) {
         return places;
     }
@@ -40,7 +40,7 @@ std::vector<std::size_t> placesOf(NSIndexSet* set)
     return places;
 }
 
-/// The text of a header or a footer as a view of its own.
+/// The text of a header or a footer as a view.
 ui::View captionOf(const ui::ListRow& row)
 {
     const auto& section = *ui::elementOf<ui::Section>(*row.view);
@@ -64,7 +64,7 @@ void setBackground(NSView* view, NSBackgroundStyle style)
 
 } // namespace sentrel::mac
 
-/// A row on the screen. AppKit hands it from one row that scrolls away to another.
+/// The cell of a visible row. AppKit reuses it when the row scrolls away.
 @interface SentrelRowCell : NSTableCellView {
 @public
     std::unique_ptr<sentrel::mac::DrawnNode> drawn;
@@ -108,7 +108,7 @@ void setBackground(NSView* view, NSBackgroundStyle style)
 
 @end
 
-/// A table that tells when it gets or loses the keyboard.
+/// A table that reports when it gets or loses the keyboard.
 @interface SentrelTableView : NSTableView {
 @public
     __weak SentrelNodeTarget* focusTarget;
@@ -119,7 +119,7 @@ void setBackground(NSView* view, NSBackgroundStyle style)
 
 - (void)keyDown:(NSEvent*)event
 {
-    // These belong to the tree; a table has no use for them.
+    // These keys belong to the tree, not to the table.
     if (sentrel::mac::keyOf(event)) {
         [self.nextResponder keyDown:event];
         return;
@@ -147,15 +147,15 @@ void setBackground(NSView* view, NSBackgroundStyle style)
 
 @end
 
-/// Answers the table's questions out of the newest rows.
+/// The table's data source and delegate.
 @interface SentrelListController : NSObject <NSTableViewDataSource, NSTableViewDelegate> {
 @public
-    std::vector<sentrel::ui::ListRow> rows; ///< into the tree that is shown
+    std::vector<sentrel::ui::ListRow> rows; ///< pointers into the tree that is shown
     sentrel::mac::Surroundings surroundings;
     sentrel::ui::Binding<std::set<std::string>> selection;
     sentrel::ui::List::Selection mode;
     BOOL isUpdating;      ///< the table changes because the tree did
-    BOOL hasNewSelection; ///< the person's, not told yet
+    BOOL hasNewSelection; ///< the user's, not reported yet
     std::set<std::string> newSelection;
 }
 - (void)fill:(SentrelRowCell*)cell at:(NSInteger)row;
@@ -169,7 +169,7 @@ void setBackground(NSView* view, NSBackgroundStyle style)
     return static_cast<NSInteger>(rows.size());
 }
 
-/// Null beyond the rows: a table may ask for one that is just going.
+/// Null out of range: a table may ask for a row under removal.
 - (const sentrel::ui::ListRow*)rowAt:(NSInteger)row
 {
     const auto index = static_cast<std::size_t>(row);
@@ -229,13 +229,13 @@ void setBackground(NSView* view, NSBackgroundStyle style)
     if (isUpdating) {
         return;
     }
-    // Now, while the rows are those that the person has seen.
+    // Read now, while the rows are those that the user saw.
     newSelection = [self selectedIn:notification.object];
     if (hasNewSelection) {
         return;
     }
     hasNewSelection = YES;
-    // Not from within the table's own event: the new tree may take the table away.
+    // Not from within the table's own event: the new tree may remove the table.
     __weak SentrelListController* const weakSelf = self;
     dispatch_async(dispatch_get_main_queue(), ^{
         [weakSelf tellSelection];
@@ -277,7 +277,7 @@ public:
         table_.floatsGroupRows = YES;
         table_.allowsEmptySelection = YES;
         table_.allowsTypeSelect = NO;
-        table_.dataSource = controller_; // which the table does not retain, nor its delegate
+        table_.dataSource = controller_; // the table retains neither this nor its delegate
         table_.delegate = controller_;
         table_->focusTarget = target();
         NSScrollView* const scroll = static_cast<NSScrollView*>(view());
@@ -321,11 +321,10 @@ private:
         static_cast<NSScrollView*>(view()).drawsBackground = !surroundings.isInSidebar;
     }
 
-    /// Rows that stay keep their place on the screen, their selection and what stands in them. False when the table
-    /// fills itself anew.
+    /// Remaining rows keep their place on the screen, their selection and their content. False if the table reloads.
     [[nodiscard]] bool showRows(std::vector<ui::ListRow> rows)
     {
-        // Asked for before the rows change: the table counts them only when it needs to.
+        // Read before the rows change: the table counts them lazily.
         const auto counted = static_cast<std::size_t>(table_.numberOfRows);
         const auto before = std::exchange(controller_->rows, std::move(rows));
         const ui::RowChanges changes = ui::changesBetween(before, controller_->rows);
@@ -347,7 +346,7 @@ private:
         SentrelListController* const controller = controller_;
         NSTableView* const table = table_;
         [table enumerateAvailableRowViewsUsingBlock:^(NSTableRowView*, NSInteger row) {
-            // A row that is just going has no place any more.
+            // A row under removal has no index.
             const id cell = row < 0 ? nil : [table viewAtColumn:0 row:row makeIfNecessary:NO];
             if ([cell isKindOfClass:SentrelRowCell.class]) {
                 [controller fill:cell at:row];

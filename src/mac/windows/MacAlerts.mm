@@ -9,14 +9,14 @@ namespace sentrel::mac {
 
 namespace {
 
-/// Ends the modal loop of the window, if it is the one that runs.
+/// Ends the modal loop of the window, if that is running.
 void stopModal(NSWindow* window)
 {
     if (NSApp.modalWindow != window) {
         return;
     }
     [NSApp stopModalWithCode:NSModalResponseAbort];
-    // The loop looks at that only after an event.
+    // The loop notices only after an event.
     NSEvent* const event = [NSEvent otherEventWithType:NSEventTypeApplicationDefined
                                               location:NSZeroPoint
                                          modifierFlags:NSEventModifierFlags {}

@@ -8,8 +8,8 @@
 
 namespace sentrel::mac {
 
-/// The shared panel of Quick Look. It takes a data source only from whoever has control of it: a source that is set
-/// before waits until the application has.
+/// The shared panel of Quick Look. It takes a data source only from its controller: a source set earlier waits until
+/// the application has control.
 class MacPreviewPanel final : public ports::PreviewPanel {
 public:
     MacPreviewPanel();
@@ -22,7 +22,7 @@ public:
     void reloadData() override;
     void makeKeyAndOrderFront() override;
 
-    /// What the application's delegate is asked about the panel comes here.
+    /// Called by the application's delegate.
     [[nodiscard]] bool accepts();
     void begin(QLPreviewPanel* panel);
     void end(QLPreviewPanel* panel);

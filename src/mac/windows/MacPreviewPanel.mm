@@ -2,7 +2,7 @@
 
 #include "mac/foundation/FoundationText.hpp"
 
-/// Shows the panel what the product offers.
+/// Gives the panel the product's items.
 @interface SentrelPreviewSource : NSObject <QLPreviewPanelDataSource> {
 @public
     sentrel::ports::PreviewDataSource* offered; ///< null: nothing

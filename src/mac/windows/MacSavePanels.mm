@@ -22,7 +22,7 @@ public:
             }
         }
         panel_.title = stringObject(content.title);
-        // The panel itself has no title bar any more; the message says what it is for.
+        // Save panels have no title bar; the message shows the title instead.
         panel_.message = panel_.title;
         panel_.allowedContentTypes = types;
         panel_.nameFieldStringValue = stringObject(content.nameFieldStringValue);

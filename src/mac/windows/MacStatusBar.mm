@@ -7,7 +7,7 @@
 #include <functional>
 #include <utility>
 
-/// Opens and closes the menu when the person clicks the item.
+/// Opens and closes the menu when the user clicks the item.
 @interface SentrelStatusItemTarget : NSObject {
 @public
     SentrelMenuPanel* panel;
@@ -28,11 +28,11 @@
         [panel dismiss];
         return;
     }
-    // The system draws status items in a process of its own, so that a click on ours counts as one elsewhere, too.
+    // The system draws status items in another process: a click on ours also counts as one elsewhere.
     if ([panel wasJustDismissed]) {
         return;
     }
-    // First, so that the menu opens with what has changed.
+    // First, so that the menu opens with current content.
     if (const auto told = opened) {
         told();
     }
@@ -45,7 +45,7 @@ namespace sentrel::mac {
 
 namespace {
 
-/// The asset, or a symbol of the system's: an item without an image can't be seen, nor clicked.
+/// The asset, or a system symbol: an item without an image is invisible and can't be clicked.
 NSImage* imageOf(NSString* asset)
 {
     if (NSImage* const image = [NSImage imageNamed:asset]) {

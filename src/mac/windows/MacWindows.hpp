@@ -12,8 +12,8 @@ public:
     [[nodiscard]] std::unique_ptr<ports::Window> makeWindow(const ports::WindowDescription& description) override;
 };
 
-/// Whether a window of this application shields the screen. Then nothing may take it away, or act behind it, but what
-/// the window itself offers.
+/// Whether a window of this application shields the screen. Then only the window's own controls may remove it or act
+/// behind it.
 [[nodiscard]] bool isScreenShielded();
 
 } // namespace sentrel::mac

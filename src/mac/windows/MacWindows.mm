@@ -9,7 +9,7 @@
 #include <memory>
 #include <utility>
 
-/// A window whose description says whether it may have the keyboard.
+/// A window that takes the keyboard only if its description allows.
 @interface SentrelWindow : NSWindow {
 @public
     BOOL mayBecomeKey;
@@ -28,7 +28,7 @@
 }
 @end
 
-/// The same of a panel.
+/// A panel of that kind.
 @interface SentrelPanel : NSPanel {
 @public
     BOOL mayBecomeKey;
@@ -70,7 +70,7 @@ ports::Rectangle rectangleOf(NSRect rect)
 
 } // namespace sentrel::mac
 
-/// Hands a window's questions to the product.
+/// Passes a window's calls to the product.
 @interface SentrelWindowDelegate : NSObject <NSWindowDelegate> {
 @public
     sentrel::ports::WindowDelegate delegate;
@@ -168,7 +168,7 @@ public:
     void setLevel(std::int64_t level) override
     {
         window_.level = level;
-        // Hiding the application must not bare the screen.
+        // Hiding the application must not uncover the screen.
         window_.canHide = level < CGShieldingWindowLevel();
     }
     void setCollectionBehavior(std::uint64_t behavior) override
@@ -185,7 +185,7 @@ public:
     {
         delegate_ = [[SentrelWindowDelegate alloc] init];
         delegate_->delegate = std::move(delegate);
-        window_.delegate = delegate_; // which the window does not retain
+        window_.delegate = delegate_; // not retained by the window
     }
     void setFrame(const ports::Rectangle& frame, bool display) override
     {

@@ -4,7 +4,7 @@
 
 namespace sentrel::mac {
 
-/// The menu of the application while it has a window in front. Fields get their keys for copying and pasting from it.
+/// The application's menu while it has a window in front. It gives fields the keys for copying and pasting.
 [[nodiscard]] NSMenu* makeMainMenu();
 
 } // namespace sentrel::mac

@@ -33,7 +33,7 @@ namespace sentrel::mac {
 namespace {
 
 struct Command {
-    NSString* title; ///< nil: a line between groups
+    NSString* title; ///< nil: a separator
     SEL action;
     NSString* key;
     NSEventModifierFlags more = NSEventModifierFlags{}; ///< besides the command key
@@ -44,7 +44,7 @@ NSString* localized(NSString* title)
     return [NSBundle.mainBundle localizedStringForKey:title value:title table:nil];
 }
 
-/// Who carries a command out; nil: whoever has the keyboard.
+/// A command's target; nil: the first responder.
 id targetOf(SEL action)
 {
     static SentrelApplicationCommands* const commands = [[SentrelApplicationCommands alloc] init];

@@ -2,8 +2,8 @@
 
 #include "mac/windows/HostView.hpp"
 
-/// A menu in the style of a window: hangs below its item in the menu bar, and closes when the person turns to something
-/// else. Main thread.
+/// A window used as a menu: opens below its item in the menu bar, and closes when the user turns to something else.
+/// Main thread.
 @interface SentrelMenuPanel : NSPanel {
 @public
     SentrelHostView* host;
@@ -12,9 +12,9 @@
 - (void)open;
 - (void)dismiss;
 
-/// Whether it closed a moment ago: the click that has closed it may also be the item's own, and must not open it again.
+/// Whether it closed a moment ago: a click on the item that has closed the menu must not reopen it.
 - (BOOL)wasJustDismissed;
 
-/// As large as its content, at its place; after the content has changed.
+/// Fits size and place to the content; call after a change.
 - (void)fit;
 @end

@@ -13,7 +13,7 @@ constexpr double gapBelowBar = 4.0;
 constexpr double screenMargin = 8.0;
 constexpr NSTimeInterval oneClick = 0.2;
 
-/// The ground of menus, with their rounded corners.
+/// The background of menus, with rounded corners.
 NSVisualEffectView* makeGround()
 {
     NSVisualEffectView* const ground = [[NSVisualEffectView alloc] init];
@@ -77,12 +77,12 @@ NSVisualEffectView* makeGround()
 {
     [self fit];
     [self makeKeyAndOrderFront:nil];
-    // Once the button is done with the click that has opened the menu, at whose end it takes its highlight back.
+    // Deferred: the button clears its highlight at the end of the click that opens the menu.
     [self performSelector:@selector(highlightButton) withObject:nil afterDelay:0.0 inModes:@[ NSDefaultRunLoopMode ]];
     [host windowDidAppear];
     if (_clickMonitor == nil) {
         __weak SentrelMenuPanel* const weakSelf = self;
-        // Clicks on other applications, which take the keyboard from nobody here.
+        // Clicks on other applications, which don't take the keyboard from here.
         _clickMonitor =
             [NSEvent addGlobalMonitorForEventsMatchingMask:NSEventMaskLeftMouseDown | NSEventMaskRightMouseDown
                                                    handler:^(NSEvent*) {
@@ -117,7 +117,7 @@ NSVisualEffectView* makeGround()
 
 - (void)windowDidResignKey:(NSNotification*)notification
 {
-    // A sheet or a dialog of its own takes the keyboard, too.
+    // The menu's own sheets and dialogs take the keyboard, too.
     if (self.attachedSheet == nil) {
         [self dismiss];
     }

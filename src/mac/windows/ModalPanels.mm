@@ -11,7 +11,7 @@ namespace sentrel::mac {
 
 namespace {
 
-/// A panel that is run, shared by the run loop and the task that waits.
+/// A panel's run, shared by the run loop and the waiting task.
 struct Session {
     ModalPanel panel;
     Semaphore closed;
@@ -31,7 +31,7 @@ struct Session {
     }
 };
 
-/// Ends the session when the task that waits for it goes.
+/// Ends the session when the waiting task ends.
 class Hold {
 public:
     explicit Hold(std::shared_ptr<Session> session) : session_(std::move(session)) {}

@@ -14,12 +14,12 @@
 - (void)slid:(id)sender;
 - (void)submitted:(id)sender;
 
-/// The control has got the keyboard, or something else has it now.
+/// The control has gained or lost the keyboard.
 - (void)gainedFocus;
 - (void)lostFocus;
 @end
 
-/// What a field does not use itself goes up its responder chain by these; whoever shows the tree answers them.
+/// Keys that a field doesn't use, sent up its responder chain to the view that shows the tree.
 @protocol SentrelKeyReceiver
 - (void)returnKeyPressed:(id)sender;
 - (void)cancelOperation:(id)sender;
@@ -33,10 +33,10 @@
 
 namespace sentrel::mac {
 
-/// What is in the field, also while it is being edited. AppKit keeps copies of its own, which nobody can wipe.
+/// The field's content, also during an edit. AppKit keeps copies of its own that can't be wiped.
 [[nodiscard]] SecretText secretTextOf(NSTextField* field);
 
-/// Replaces the field's text without ending an edit that is under way. Does nothing when it is there already.
+/// Replaces the field's text without ending an edit that is under way. Does nothing if it is unchanged.
 void setText(NSTextField* field, NSString* text);
 
 } // namespace sentrel::mac

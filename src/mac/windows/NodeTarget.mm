@@ -25,7 +25,7 @@ template <class T> void assign(std::function<void(T)> set, T value)
 
 } // namespace
 
-// An action may bring a tree without this node, and so end the target: each method calls a copy, last of all.
+// An action may bring a tree without this node, which ends the target: each method calls a copy, at its end.
 @implementation SentrelNodeTarget
 
 - (void)pressed:(id)sender
@@ -106,7 +106,7 @@ template <class T> void assign(std::function<void(T)> set, T value)
 
 - (void)tellFocus:(bool)isFocused
 {
-    // Not from within the change of the first responder: the new tree may want to change it itself.
+    // Not while the first responder changes: the new tree may want to change it, too.
     __weak SentrelNodeTarget* const weakSelf = self;
     dispatch_async(dispatch_get_main_queue(), ^{
         SentrelNodeTarget* const target = weakSelf;

@@ -2,20 +2,20 @@
 
 #include "mac/windows/DrawnNode.hpp"
 
-// Where nodes stand in the views that hold them. Main thread.
+// Positions of nodes in their enclosing views. Main thread.
 
 namespace sentrel::mac {
 
-/// Strong enough against sizes that views like to have, and weaker than sizes that a tree asks for.
+/// Stronger than sizes that views prefer, weaker than sizes that a tree asks for.
 inline constexpr NSLayoutPriority stretch = 749.0F;
 
-/// Below every wish.
+/// Weaker than all others.
 inline constexpr NSLayoutPriority givesWay = 1.0F;
 
 /// Keeps the inner view at this distance from each edge of the outer one.
 void pin(NSView* inner, NSView* outer, double inset);
 
-/// What the place of a node among its siblings depends on. Constraints are made anew only when it changes.
+/// The inputs of a node's constraints among its siblings, which are remade only when these change.
 struct Standing {
     const void* view = nullptr;
     bool isSpacer = false;
@@ -28,8 +28,8 @@ struct Standing {
 [[nodiscard]] Standing standingOf(const DrawnNode& node);
 [[nodiscard]] std::vector<Standing> standingsOf(const DrawnChildren& children);
 
-/// A node in the area of a view or of a layout guide: in a direction in which it takes all the space, from edge to
-/// edge, else in the middle.
+/// A node's constraints in a view or a layout guide: from edge to edge in a direction in which it takes all space, else
+/// centered.
 class Placement {
 public:
     Placement() = default;
@@ -37,10 +37,10 @@ public:
     Placement(const Placement&) = delete;
     Placement& operator=(const Placement&) = delete;
 
-    /// Places the node, which stands in the area's view already; `fills`: from edge to edge in any case.
+    /// Places the node, already a subview of the area's view; `fills`: from edge to edge in any case.
     void place(id area, const DrawnNode& node, bool fills = false);
 
-    /// The node has left the area.
+    /// Removes the constraints.
     void forget();
 
 private:
@@ -49,10 +49,10 @@ private:
     NSArray<NSLayoutConstraint*>* constraints_ = @[];
 };
 
-/// Puts the views into the stack in this order. A view that stays is never taken out, so that it keeps the keyboard.
+/// Puts the views into the stack in this order. A view that stays is never removed, so that it keeps the keyboard.
 void arrange(NSStackView* stack, NSArray<NSView*>* views);
 
-/// A stack below each other.
+/// A vertical stack.
 [[nodiscard]] NSStackView* makeColumn(double spacing);
 
 } // namespace sentrel::mac

@@ -6,7 +6,7 @@ namespace sentrel::mac {
 
 namespace {
 
-/// Points that texts may be wide, unless the tree asks for more.
+/// Maximum width in points, unless the tree asks for more.
 constexpr double widest = 520.0;
 
 /// A sheet in a window of its own, which draws the tree inside the sheet.
@@ -48,7 +48,7 @@ public:
     }
 
 private:
-    /// As large as its content, whose long texts wrap.
+    /// Fits the sheet to its content, whose long texts wrap.
     void fit()
     {
         [host_ layoutSubtreeIfNeeded];

@@ -12,12 +12,12 @@ constexpr double narrowestDetail = 280.0;
 
 } // namespace
 
-/// Tells when the person has hidden or shown the sidebar at the divider.
+/// Reports when the user hides or shows the sidebar at the divider.
 @interface SentrelSplitController : NSSplitViewController {
 @public
     sentrel::ui::Binding<bool> isSidebarShown;
-    BOOL isMoving;      ///< because the tree says so
-    double wishedWidth; ///< of the sidebar, when it first appears; 0: as AppKit likes
+    BOOL isMoving;      ///< the tree is moving the sidebar
+    double wishedWidth; ///< of the sidebar, when it first appears; 0: AppKit's choice
 }
 - (void)showSidebar:(BOOL)isShown;
 @end
@@ -29,7 +29,7 @@ constexpr double narrowestDetail = 280.0;
     [super viewDidAppear];
     if (wishedWidth > 0.0 && !self.sidebar.isCollapsed) {
         [self.splitView setPosition:wishedWidth ofDividerAtIndex:0];
-        // From now on it is as wide as the person makes it.
+        // From now on the user chooses the width.
         wishedWidth = 0.0;
     }
 }
@@ -66,7 +66,7 @@ constexpr double narrowestDetail = 280.0;
 - (void)splitViewDidResizeSubviews:(NSNotification*)notification
 {
     [super splitViewDidResizeSubviews:notification];
-    // Not from within the layout: what is told brings a new tree.
+    // Not during layout: the callback brings a new tree.
     __weak SentrelSplitController* const weakSelf = self;
     dispatch_async(dispatch_get_main_queue(), ^{
         [weakSelf tellSidebar];
@@ -88,7 +88,7 @@ namespace sentrel::mac {
 
 namespace {
 
-/// One side, with what stands in it.
+/// One side with its content.
 class Pane {
 public:
     Pane() { controller_.view = [[NSView alloc] init]; }

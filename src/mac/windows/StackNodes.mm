@@ -10,10 +10,10 @@ namespace sentrel::mac {
 
 namespace {
 
-/// Several views share what is left over, as far as nothing else speaks against it.
+/// Several views share the remaining space equally, unless another constraint prevents it.
 constexpr NSLayoutPriority fairShare = 150.0F;
 
-/// Layers are no larger than their largest, unless something needs it.
+/// Layers are no larger than the largest one unless necessary.
 constexpr NSLayoutPriority hugging = 200.0F;
 
 using Orientation = NSLayoutConstraintOrientation;
@@ -73,7 +73,7 @@ private:
         }
     }
 
-    /// Spacers are equal; what wants all the space gets a fair share of it; what stretches across fills the stack.
+    /// Spacers are equal; views that expand get equal shares; views that stretch across fill the stack.
     [[nodiscard]] NSArray<NSLayoutConstraint*>* sizes() const
     {
         NSMutableArray<NSLayoutConstraint*>* const constraints = [NSMutableArray array];
@@ -114,7 +114,7 @@ private:
     void eachChild(const std::function<void(DrawnNode&)>& visit) override { children_.each(visit); }
     void collectLabels(NSMutableArray<NSView*>* labels) const override
     {
-        // In a row other things stand before them.
+        // In a row other views precede them.
         if (!isRow_) {
             children_.collectLabels(labels);
         }
@@ -126,7 +126,7 @@ private:
     NSArray<NSLayoutConstraint*>* sizes_ = @[];
 };
 
-/// Layers, the last in front; each in the middle, or as large as there is space.
+/// Layers, the last in front; each centered, or filling the space.
 class LayersNode final : public DrawnNode {
 public:
     LayersNode() : DrawnNode([[NSView alloc] init])
@@ -173,7 +173,7 @@ private:
         }
     }
 
-    /// Only what stands in the wrong order is taken out, because it loses the keyboard.
+    /// Moves a layer only if its order is wrong, because it loses the keyboard.
     void putAbove(NSView* below, NSView* layer)
     {
         NSArray<NSView*>* const shown = view().subviews;

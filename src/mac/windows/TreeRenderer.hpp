@@ -5,8 +5,8 @@
 
 namespace sentrel::mac {
 
-/// Draws view trees in a container with AppKit, and what is attached to them (toolbars, sheets and dialogs) at the
-/// container's window. A node keeps its AppKit view as long as its identity and its kind stay. Main thread.
+/// Draws view trees in a container with AppKit, and their attachments (toolbars, sheets and dialogs) at its window. A
+/// node keeps its AppKit view as long as its identity and its kind stay. Main thread.
 class TreeRenderer {
 public:
     explicit TreeRenderer(NSView* container);
@@ -17,8 +17,8 @@ public:
     /// Shows the tree from now on.
     void render(ui::View content);
 
-    /// The container has come into a window, or its window to the screen: gives the keyboard to the node that asks for
-    /// it, and begins what lies over the window.
+    /// Call when the container enters a window or the window appears: gives the keyboard to the node that asks for it,
+    /// and begins sheets and dialogs.
     void windowChanged();
 
     /// The tree that is shown; null before the first.

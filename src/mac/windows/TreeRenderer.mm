@@ -17,7 +17,7 @@ TreeRenderer::~TreeRenderer()
 
 void TreeRenderer::render(ui::View content)
 {
-    // The old tree stays until nothing refers to it: lists look at their rows whenever they scroll.
+    // The old tree stays until nothing refers to it: lists read their rows whenever they scroll.
     const auto before = std::exchange(content_, std::make_shared<const ui::View>(std::move(content)));
     const ui::Traits& traits = content_->traits;
     NSView* const container = container_;

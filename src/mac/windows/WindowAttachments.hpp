@@ -12,8 +12,7 @@ namespace sentrel::mac {
 
 class WindowToolbar;
 
-/// A sheet or a dialog over a window, from the tree's wish for it until the tree has it no more. Its end takes it away.
-/// Main thread.
+/// A sheet or a dialog over a window, for as long as the tree has it. Its destructor removes it. Main thread.
 class Overlay {
 public:
     Overlay() = default;
@@ -24,14 +23,14 @@ public:
     /// Whether it can show this attachment.
     [[nodiscard]] virtual bool suits(const ui::View& attachment) const = 0;
 
-    /// Brings it up to date; begins it over the window where that has not happened yet.
+    /// Updates it; begins it over the window, if that is not nil and it has not begun.
     virtual void show(NSWindow* window, const ui::View& attachment) = 0;
 };
 
 [[nodiscard]] std::unique_ptr<Overlay> makeSheet();
 [[nodiscard]] std::unique_ptr<Overlay> makeDialog();
 
-/// What is attached to the views of a tree, at the tree's window. Main thread.
+/// The attachments of a tree's views, at its window. Main thread.
 class WindowAttachments {
 public:
     WindowAttachments();
@@ -39,7 +38,7 @@ public:
     WindowAttachments(const WindowAttachments&) = delete;
     WindowAttachments& operator=(const WindowAttachments&) = delete;
 
-    /// Shows what is attached to the tree's views, and takes away what is there no more. Nothing new begins over a
+    /// Shows the attachments of the tree's views, and removes those that are gone. No sheet or dialog begins over a
     /// window that is not on the screen.
     void show(NSWindow* window, const ui::View& content);
 

@@ -37,7 +37,7 @@ void WindowAttachments::show(NSWindow* window, const ui::View& content)
         }
         overlays_[attachment.identity] = std::move(overlay);
     }
-    // What goes makes room before anything new begins.
+    // Old overlays end before new ones begin.
     before.clear();
     for (const ui::Attachment& attachment : attachments) {
         const auto overlay = overlays_.find(attachment.identity);

@@ -5,7 +5,7 @@
 
 #include <map>
 
-/// Makes the items of a toolbar out of those that are wished for.
+/// Supplies the items of a toolbar.
 @interface SentrelToolbarDelegate : NSObject <NSToolbarDelegate> {
 @public
     NSMutableDictionary<NSString*, NSToolbarItem*>* items; ///< by identity
@@ -16,7 +16,7 @@
 namespace sentrel::mac {
 
 /// A window's toolbar: the children of all toolbars that are attached to the tree. Buttons are items of the toolbar's
-/// own kind, spacers its flexible spaces, everything else stands in it as it is. Main thread.
+/// own kind, spacers its flexible spaces, other views are drawn in it. Main thread.
 class WindowToolbar {
 public:
     WindowToolbar();
@@ -24,7 +24,7 @@ public:
     WindowToolbar(const WindowToolbar&) = delete;
     WindowToolbar& operator=(const WindowToolbar&) = delete;
 
-    /// Shows these in the window, if any; none takes the toolbar off it.
+    /// Shows these in the window, if not nil; without any, removes its toolbar.
     void show(NSWindow* window, const std::vector<ui::Attachment>& toolbars);
 
 private:

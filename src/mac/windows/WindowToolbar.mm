@@ -20,7 +20,7 @@
 
 - (NSArray<NSString*>*)toolbarDefaultItemIdentifiers:(NSToolbar*)toolbar
 {
-    // All are put in by name, so that none comes twice.
+    // All are inserted by identifier; defaults would be duplicates.
     return @[];
 }
 
@@ -40,7 +40,7 @@
 
 namespace sentrel::mac {
 
-/// One item; a button has a target, what else stands in the toolbar is drawn.
+/// One item: a button has a target, any other view is drawn.
 struct WindowToolbar::Item {
     NSToolbarItem* item = nil;
     SentrelNodeTarget* target = nil;
@@ -50,7 +50,7 @@ struct WindowToolbar::Item {
 
 WindowToolbar::WindowToolbar() : toolbar_([[NSToolbar alloc] initWithIdentifier:NSUUID.UUID.UUIDString])
 {
-    // The identifier is its own: AppKit keeps toolbars of one identifier equal, and each follows its own tree.
+    // The identifier is unique: AppKit keeps toolbars with equal ones in step, but each follows its own tree.
     toolbar_.delegate = delegate_;
     toolbar_.displayMode = NSToolbarDisplayModeIconOnly;
     toolbar_.allowsUserCustomization = NO;
@@ -75,7 +75,7 @@ void WindowToolbar::show(NSWindow* window, const std::vector<ui::Attachment>& to
             }
             std::string identity = ui::identityInside(toolbar.identity, ui::stepOf(child, index));
             if (ui::elementOf<ui::Button>(child) == nullptr) {
-                identity += "//view"; // no step: an item that becomes a button is another item
+                identity += "//view"; // a view that becomes a button is another item
             }
             items_[identity] = std::move(before[identity]);
             showItem(identity, child, toolbar.isEnabled && !child.traits.isDisabled);
@@ -135,7 +135,7 @@ void WindowToolbar::showItem(const std::string& identity, const ui::View& view, 
     item.item.enabled = isEnabled;
 }
 
-/// Items that stay are left alone as far as their order allows.
+/// Leaves items in place as far as their order allows.
 void WindowToolbar::arrange()
 {
     NSArray<NSString*>* const order = delegate_->order;

@@ -9,11 +9,11 @@
 
 namespace sentrel::simulation {
 
-/// Records between a Mac, where assets are files, and the server. What is downloaded lies in a folder of the system's
-/// own; nothing that befalls the product's files befalls these. Any thread.
+/// Converts records between a Mac, where assets are files, and the server. Downloads go to a folder of the system's
+/// own, which the faults of the product's files don't affect. Any thread.
 class AssetFolder {
 public:
-    /// Empties the folder, which is made when it is needed.
+    /// Empties the folder; the first download creates it.
     explicit AssetFolder(std::filesystem::path folder);
 
     /// The record with its assets' content. Throws error 16 (asset file not found) when a file can't be read.
@@ -22,7 +22,7 @@ public:
     /// The record with its assets as new files. Throws error 35 (asset not available) when one can't be written.
     [[nodiscard]] ports::CloudRecord downloaded(const ServerRecord& record);
 
-    /// The same of a result; an error stays one.
+    /// Converts a record; passes an error through.
     [[nodiscard]] ports::CloudRecordResult downloaded(const ServerRecordResult& result);
 
 private:

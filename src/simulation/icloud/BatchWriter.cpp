@@ -19,12 +19,12 @@ std::uint64_t optionFor(PushReason reason)
     return SubscriptionOption::firesOnRecordDeletion;
 }
 
-/// What is wrong with saving over what the server knows; none when nothing is.
+/// The error of a save that conflicts with the server's record, or none.
 std::optional<ports::CloudError> conflict(const ServerRecord& record, const std::optional<CloudStore::Header>& known,
                                           ports::CloudSavePolicy policy)
 {
     if (!known) {
-        // Fetched once, and deleted by somebody since.
+        // A record with a tag was fetched once: it has been deleted since.
         return record.tag.empty() ? std::nullopt : std::optional{cloudError(CKError::unknownItem)};
     }
     if (known->type != record.type) {
@@ -74,7 +74,7 @@ ServerRecordResult BatchWriter::save(const ServerRecord& record, ports::CloudSav
 bool BatchWriter::writeWithinQuota(const ServerRecord& record, const std::optional<CloudStore::Header>& known)
 {
     if (terms_.quota == Terms{}.quota) {
-        store_.write(record, known, terms_.now); // nothing to add up
+        store_.write(record, known, terms_.now); // no limit, so no sums
         return true;
     }
     SqliteDatabase& database = store_.database();
@@ -82,7 +82,7 @@ bool BatchWriter::writeWithinQuota(const ServerRecord& record, const std::option
     database.run("SAVEPOINT record");
     store_.write(record, known, terms_.now);
     const std::uint64_t after = store_.storedBytes();
-    // Who is over the quota may still write what takes no more room.
+    // An account over its quota may still write if that needs no more room.
     const bool fits = after <= before || after <= terms_.quota;
     if (!fits) {
         database.run("ROLLBACK TO record");

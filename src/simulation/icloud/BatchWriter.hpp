@@ -13,7 +13,7 @@
 
 namespace sentrel::simulation {
 
-/// Applies one request's saves and deletions to a store, within a transaction of the caller's.
+/// Applies one request's saves and deletions to a store, within the caller's transaction.
 class BatchWriter {
 public:
     struct Terms {
@@ -27,10 +27,10 @@ public:
     {
     }
 
-    /// What became of each record. Throws `SqliteError`.
+    /// Returns each record's result. Throws `SqliteError`.
     [[nodiscard]] ServerModification apply(const ServerBatch& batch);
 
-    /// The dictionaries of the pushes that are due once the transaction is done.
+    /// Moves out the dictionaries of the pushes to send after the commit.
     [[nodiscard]] std::vector<Json> takePushes() { return std::move(pushes_); }
 
 private:

@@ -9,7 +9,7 @@
 
 namespace sentrel::simulation {
 
-/// Those of `CKErrorCode` that the server gives of its own accord.
+/// The values of `CKErrorCode` that occur without an injected fault.
 struct CKError {
     static constexpr int internalError = 1;
     static constexpr int networkUnavailable = 3;
@@ -27,7 +27,7 @@ struct CKError {
     static constexpr int accountTemporarilyUnavailable = 36;
 };
 
-/// The names of the codes from 1, without gaps.
+/// The names of all codes, from code 1 without gaps.
 [[nodiscard]] std::span<const std::string_view> cloudErrorNames();
 
 /// CloudKit's name of an error code, for example "networkFailure"; its digits when it has none.
@@ -36,7 +36,7 @@ struct CKError {
 /// The code of a name or of a positive number in digits; none for anything else.
 [[nodiscard]] std::optional<int> cloudErrorCode(std::string_view nameOrNumber);
 
-/// An error of CloudKit's own domain, its name being its description.
+/// An error of CloudKit's domain with its name as the description.
 [[nodiscard]] ports::CloudError cloudError(int code, std::optional<double> retryAfter = std::nullopt);
 
 } // namespace sentrel::simulation

@@ -69,7 +69,7 @@ std::optional<CloudFault> CloudFaults::strikeLocked(CloudOperation operation, co
         if (fault.times == 0 || fault.record != record || !concerns(fault, operation)) {
             continue;
         }
-        // The generator's own numbers: the library's distributions differ between systems.
+        // Computed from raw bits: the library's distributions differ between systems.
         const double chance = static_cast<double>(generator_() >> 11U) * 0x1p-53;
         if (chance >= fault.probability) {
             continue;

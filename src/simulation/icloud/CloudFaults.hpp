@@ -13,36 +13,36 @@
 
 namespace sentrel::simulation {
 
-/// A way in which requests go wrong.
+/// A fault to inject into requests.
 struct CloudFault {
     ports::CloudError error;
     std::optional<CloudOperation> operation{}; ///< none: any but `accountStatus`, which asks no server
-    std::string record{};                      ///< fails this record of a request alone; empty: the whole request
-    int times = -1;                            ///< how often; negative: until it is cleared
-    double probability = 1.0;                  ///< that it strikes where it could
-    bool losesAnswer = false;                  ///< the server does what was asked, and the error comes all the same
+    std::string record{};                      ///< the only record that fails; empty: the whole request fails
+    int times = -1;                            ///< strikes left; negative: unlimited
+    double probability = 1.0;                  ///< of each possible strike
+    bool losesAnswer = false;                  ///< the server acts before the error; ignored for a single record
 };
 
-/// What goes wrong between one Mac and the server, in the order in which it was added. Any thread.
+/// The faults between one Mac and the server, tried in the order of their addition. Any thread.
 class CloudFaults {
 public:
     explicit CloudFaults(std::uint64_t seed) : generator_(seed) {}
 
     void add(CloudFault fault);
 
-    /// The next answers are lost on their way (network failure), after the server has done what was asked.
+    /// The server carries out the next `times` requests, but their answers are lost (network failure).
     void loseAnswers(int times, std::optional<CloudOperation> operation = std::nullopt);
 
-    /// Heals everything.
+    /// Removes all faults.
     void clear();
 
-    /// What is still to strike.
+    /// The faults with strikes left.
     [[nodiscard]] std::vector<CloudFault> all() const;
 
-    /// The fault that strikes this request as a whole; none when it goes well. Counts as one strike.
+    /// The fault that fails this request as a whole, or none. Counts as one strike.
     [[nodiscard]] std::optional<CloudFault> strike(CloudOperation operation);
 
-    /// The errors of those records of a request that fail by themselves, by name.
+    /// The errors of records that fail singly, by name. One strike each.
     [[nodiscard]] std::map<std::string, ports::CloudError> strike(CloudOperation operation,
                                                                   const std::vector<std::string>& records);
 

@@ -13,7 +13,7 @@ namespace {
 using ports::CloudAccountStatus;
 using ports::CloudError;
 
-// What the system knows by itself it says at once, but never inside the call.
+// Delay of the system's own answers, which never come inside the call.
 constexpr Duration promptly = std::chrono::milliseconds{2};
 
 std::optional<CloudError> objectionOf(CloudAccountStatus status)
@@ -100,7 +100,7 @@ void CloudLink::start(CloudOperation operation, std::shared_ptr<Pending> pending
     later(latency / 2, [this, request] { arrive(request); });
 }
 
-/// What the system answers without asking the server; none when it asks.
+/// The system's refusal of a request, without asking the server; or none.
 std::optional<CloudError> CloudLink::refusal(CloudOperation operation) const
 {
     if (operation == CloudOperation::accountStatus) {
@@ -143,7 +143,7 @@ void CloudLink::answer(const std::shared_ptr<Request>& request)
 {
     std::exception_ptr& error = request->pending->error;
     if (!error && request->needsNetwork && !network_.isUp()) {
-        error = std::make_exception_ptr(cloudError(CKError::networkFailure)); // done, and nobody learns of it
+        error = std::make_exception_ptr(cloudError(CKError::networkFailure)); // carried out; the answer is lost
     }
     journal_.note("cloud.request", {{"operation", nameOf(request->operation)}, {"outcome", outcomeOf(error)}});
     {

@@ -26,19 +26,19 @@ namespace sentrel::simulation {
 
 class SimulatedNetwork;
 
-/// A Mac's way to iCloud: who is signed in, how long requests take, what befalls them. It belongs to the system, not to
-/// the product's process: a request that has been made is carried out though the process that made it has ended. Each
-/// is noted as `cloud.request` {`operation`, `outcome`: "ok" or the error's name} when it is answered. Any thread.
+/// One Mac's link to iCloud: account, latency and faults. It belongs to the system, not to the product's process: a
+/// request is carried out even after the process that made it has ended. Each answer is noted as `cloud.request`
+/// {`operation`, `outcome`: "ok" or the error's name}. Any thread.
 class CloudLink {
 public:
     using Observer = std::function<void(CloudOperation, CloudRequestPhase)>;
 
-    /// The device's name tells it apart from all others of the server.
+    /// The device's name is unique among the server's devices.
     CloudLink(Scheduler& hardware, ports::Journal& journal, PrivateCloud& server, SimulatedNetwork& network,
               std::string device, std::uint64_t seed);
 
-    /// Makes a request and waits for its answer. `serve` does at the server what is asked, on the link's queue; it
-    /// refers to nothing of the product's. Called on the process's main thread. Throws `CloudError`.
+    /// Makes a request and returns its answer. Throws `CloudError`. Main thread of the process. `serve` carries the
+    /// request out at the server, on the link's queue; it must not refer to the product's objects.
     template <class Answer>
     [[nodiscard]] Async<Answer> request(CloudOperation operation, std::function<Answer(const CloudDevice&)> serve)
     {
@@ -58,32 +58,32 @@ public:
     [[nodiscard]] SimulatedNetwork& network() { return network_; }
     [[nodiscard]] CloudFaults& faults() { return faults_; }
 
-    /// Of the calls themselves. A request that raises throws `CloudError` with code 12 (invalid arguments), which the
-    /// port makes of an exception; one that hangs is never answered.
+    /// Faults of the calls themselves. One that raises becomes `CloudError` 12 (invalid arguments), the port's error
+    /// for an exception; one that hangs is never answered.
     [[nodiscard]] FaultSwitches& callFaults() { return callFaults_; }
 
-    /// Who is signed in, and what the system says of the account; "owner" and available at first.
+    /// The signed-in user and the account's status; initially "owner" and available.
     void setUser(std::string user);
     void setAccountStatus(ports::CloudAccountStatus status);
     [[nodiscard]] ports::CloudAccountStatus accountStatus() const;
 
-    /// From a request to its answer; 80 ms at first. Half of it passes before the server acts. For later requests.
+    /// Time from a later request to its answer; initially 80 ms. The server acts after half of it.
     void setLatency(Duration latency);
-    /// The same for one kind of request, such as uploads over a line that is slow one way only; none: as all.
+    /// Latency of one operation, such as uploads over an asymmetric line; none: the general latency.
     void setLatency(CloudOperation operation, std::optional<Duration> latency);
     [[nodiscard]] Duration latency() const;
 
-    /// Is told of each request that reaches the server, before and after the server acts, on the link's queue.
+    /// Called for each request that reaches the server, before and after the server acts, on the link's queue.
     void onRequest(Observer observer);
 
     /// Requests so far, answered or not.
     [[nodiscard]] std::uint64_t requests(CloudOperation operation) const;
     [[nodiscard]] std::uint64_t requests() const;
 
-    /// The most requests of a kind that were under way at a time.
+    /// The highest number of such requests in flight at once.
     [[nodiscard]] std::uint64_t mostAtATime(CloudOperation operation) const;
 
-    /// Does something on the link's queue after a while, unless the link goes before.
+    /// Runs the work on the link's queue after the delay, if the link still exists.
     void later(Duration delay, std::function<void()> work);
 
 private:
@@ -123,7 +123,7 @@ private:
     std::map<CloudOperation, std::optional<Duration>> ownLatencies_;
     Observer observer_;
     std::map<CloudOperation, Count> counts_;
-    SerialQueue queue_; // last: its end waits for what runs on it
+    SerialQueue queue_; // last: its destructor waits for running work
 };
 
 } // namespace sentrel::simulation

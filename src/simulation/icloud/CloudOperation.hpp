@@ -38,7 +38,7 @@ inline constexpr std::array<std::pair<CloudOperation, std::string_view>, 9> clou
     return cloudOperations[static_cast<std::size_t>(operation)].second;
 }
 
-/// The operation of a name; none when there is no such.
+/// The operation with this name, or none.
 [[nodiscard]] constexpr std::optional<CloudOperation> cloudOperation(std::string_view name)
 {
     for (const auto& [operation, itsName] : cloudOperations) {
@@ -49,10 +49,10 @@ inline constexpr std::array<std::pair<CloudOperation, std::string_view>, 9> clou
     return std::nullopt;
 }
 
-/// Where a request stands when a test is told of it.
+/// A request's progress when an observer is called.
 enum class CloudRequestPhase {
-    beforeEffect, ///< it has reached the server, which has done nothing yet
-    afterEffect,  ///< the server has done it, and the answer has not left
+    beforeEffect, ///< the server has received it and not acted yet
+    afterEffect,  ///< the server has acted; the answer has not left
 };
 
 } // namespace sentrel::simulation

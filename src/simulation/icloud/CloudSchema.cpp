@@ -33,7 +33,7 @@ constexpr std::array schema{
     CloudField{"MacDeviceCatalog", "requestedArmState", "INT64", true},
 };
 
-/// What the schema calls a field that requests name.
+/// The schema's name of a field in a request.
 std::string_view declaredName(std::string_view field)
 {
     if (field == "modificationDate") {

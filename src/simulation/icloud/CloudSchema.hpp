@@ -20,9 +20,9 @@ struct CloudField {
 /// The product's record types, in the order of the file.
 [[nodiscard]] std::span<const CloudField> cloudSchema();
 
-/// Throws error 12 (invalid arguments) when a query or subscription needs an index that the schema does not declare: of
-/// the fields that the predicate compares, of the sort key, and of "recordName" when the predicate compares nothing.
-/// Types that the schema does not declare are those of a development container, which indexes what it makes by itself.
+/// Throws error 12 (invalid arguments) when a query or subscription needs an index that the schema does not declare:
+/// for a field that the predicate compares, for the sort key, or for "recordName" if the predicate compares nothing.
+/// Undeclared types are exempt: a development container creates them and their indexes.
 void requireIndexes(const std::string& recordType, const ports::CloudPredicate& predicate,
                     const std::string& sortKey = {});
 

@@ -39,14 +39,14 @@ SqliteValue columnValue(const ServerValue& value)
     return std::get<Bytes>(value);
 }
 
-/// The texts of an encoded list that holds no escapes: quotation marks then stand around texts only.
+/// The texts of an encoded list without escapes, in which quotation marks only delimit texts.
 std::vector<std::string> plainTextsOf(std::string_view encoded)
 {
     std::vector<std::string> texts;
     for (std::size_t open = encoded.find('"'); open != std::string_view::npos;) {
         const std::size_t close = encoded.find('"', open + 1);
         if (close == std::string_view::npos) {
-            break; // nothing that this server has written
+            break; // not written by this server
         }
         texts.emplace_back(encoded.substr(open + 1, close - open - 1));
         open = encoded.find('"', close + 1);
@@ -57,7 +57,7 @@ std::vector<std::string> plainTextsOf(std::string_view encoded)
 std::vector<std::string> textsOf(const Bytes& encoded)
 {
     if (std::ranges::find(encoded, '\\') == encoded.end()) {
-        return plainTextsOf(textOf(encoded)); // a catalog's thousands of identifiers
+        return plainTextsOf(textOf(encoded)); // fast, for a catalog's thousands of identifiers
     }
     std::vector<std::string> texts;
     const auto list = parseJson(encoded);
@@ -91,7 +91,7 @@ ServerValue fieldValue(const SqliteStatement& row, std::int64_t kind, int column
 
 CloudStore::CloudStore(const std::filesystem::path& file, Date now) : database_(file)
 {
-    // The log survives the end of this program, and a simulated server needs no more than that.
+    // The log survives the end of this program; a simulated server needs no more durability.
     database_.run("PRAGMA synchronous = OFF");
     database_.run("PRAGMA journal_mode = WAL");
     if (database_.text("PRAGMA quick_check(1)") != "ok") {
@@ -159,7 +159,7 @@ std::optional<ServerRecord> CloudStore::read(const std::string& name, const port
     while (row.next()) {
         std::string field = row.text(0);
         const std::int64_t kind = row.integer(1);
-        // A value that nobody wants is never read: photos are large.
+        // Unwanted values are never read: photos are large.
         if ((wanted && std::ranges::find(*wanted, field) == wanted->end()) ||
             (kind == assetKind && assets == Assets::none)) {
             continue;

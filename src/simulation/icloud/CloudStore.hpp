@@ -12,11 +12,11 @@
 
 namespace sentrel::simulation {
 
-/// One account's private database in its file. Everything throws `SqliteError`. No lock of its own; what belongs
-/// together is done in one `SqliteTransaction`.
+/// One account's private database in its file. All members throw `SqliteError`. Not synchronised. Callers put changes
+/// that belong together into one `SqliteTransaction`.
 class CloudStore {
 public:
-    /// What is known of a record without its fields.
+    /// A record without its fields.
     struct Header {
         std::int64_t id = 0;
         std::string type;
@@ -24,21 +24,21 @@ public:
         Date modificationDate{};
     };
 
-    /// Opens the file, or makes it. A file of another layout counts as damaged. `now` makes the versions of a new
-    /// database differ from those of one that it replaces.
+    /// Opens or creates the file. Another layout counts as damage. `now` makes the tags of a new database differ from
+    /// those of the database that it replaces.
     CloudStore(const std::filesystem::path& file, Date now);
 
     [[nodiscard]] SqliteDatabase& database() { return database_; }
 
     [[nodiscard]] std::optional<Header> find(const std::string& name);
 
-    /// The record with the wanted fields; none when it isn't there.
+    /// The record with the wanted fields; none if there is no such record.
     [[nodiscard]] std::optional<ServerRecord> read(const std::string& name, const ports::CloudDesiredKeys& wanted);
 
     /// The record with all fields but assets.
     [[nodiscard]] std::optional<ServerRecord> readWithoutAssets(const std::string& name);
 
-    /// Makes the record when `known` is none; writes the record's fields over what is there, under a new version.
+    /// Creates the record if `known` is none, else replaces the given fields and keeps the others. Sets a new tag.
     void write(const ServerRecord& record, const std::optional<Header>& known, Date now);
 
     void remove(const Header& record);
@@ -51,15 +51,15 @@ public:
 
     [[nodiscard]] std::uint64_t count(const std::string& type);
 
-    /// Bytes of all records.
+    /// Size of all records in bytes.
     [[nodiscard]] std::uint64_t storedBytes();
 
-    /// In the order of their identifiers.
+    /// Ordered by identifier.
     [[nodiscard]] std::vector<ports::CloudSubscription> subscriptions();
     void saveSubscription(const ports::CloudSubscription& subscription);
     void removeSubscription(const std::string& identifier);
 
-    /// A number that none had before.
+    /// Returns a number never returned before.
     [[nodiscard]] std::int64_t nextNumber();
 
 private:

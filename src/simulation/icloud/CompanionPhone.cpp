@@ -14,14 +14,14 @@ namespace sentrel::simulation {
 
 namespace {
 
-// The names by which the phone and the Macs understand each other. They are said here once more, since the phone is
-// another program: were they changed in the Mac's alone, the two would no longer meet, and the scenarios would show it.
+// Names shared with the Macs, repeated because the phone is another program: a change on the Mac's side alone fails the
+// scenarios.
 constexpr const char* alertType = "AlertEvent";
 constexpr const char* catalogType = "MacDeviceCatalog";
 constexpr const char* catalogName = "mac-device-catalog";
 constexpr const char* alertCatalogName = "alert-catalog";
 
-constexpr int mostAttempts = 5; // to change a record that others change, too
+constexpr int mostAttempts = 5; // at a record that others change, too
 
 template <class Kind> Kind valueOr(const ServerRecord& record, const char* field, const Kind& otherwise)
 {
@@ -54,7 +54,7 @@ std::optional<CompanionPhone::Alert> alertOf(const ServerRecord& record)
     return alert;
 }
 
-/// The text with its "%@" and "%1$@" replaced; what has no argument is left out.
+/// The text with its "%@" and "%1$@" replaced; those without an argument become empty.
 std::string filled(const std::string& format, const std::vector<std::string>& arguments)
 {
     std::string text;
@@ -74,7 +74,7 @@ std::string filled(const std::string& format, const std::vector<std::string>& ar
     return text;
 }
 
-/// What a push shows; none when it is silent.
+/// The text that a push shows; none if silent.
 std::optional<std::string> shownText(const Json& push)
 {
     const Json* const aps = member(push, "aps");
@@ -92,7 +92,7 @@ std::optional<std::string> shownText(const Json& push)
     return filled(*format, arguments);
 }
 
-/// The record that a push tells of.
+/// The name of a push's record, or empty.
 std::string recordOf(const Json& push)
 {
     const Json* const cloudKit = member(push, "ck");
@@ -164,7 +164,7 @@ std::vector<CompanionPhone::Mac> CompanionPhone::macs()
     }
     std::vector<Mac> macs;
     for (const std::string& deviceID : valueOr<std::vector<std::string>>(*catalog, "deviceIDs", {})) {
-        // An entry of nobody's, or of a Mac that has never published itself.
+        // Skips invalid entries and Macs that have never published a record.
         const auto record = isRecordName(macRecordName(deviceID)) ? read(macRecordName(deviceID)) : std::nullopt;
         const auto* const lastSeen = record ? fieldOf<Date>(*record, "lastSeen") : nullptr;
         if (lastSeen != nullptr) {

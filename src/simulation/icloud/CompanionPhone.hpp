@@ -21,8 +21,8 @@ namespace sentrel::simulation {
 
 class PrivateCloud;
 
-/// The companion phone and its application: a further device of an account, which is always online and asks the server
-/// at once. It speaks to the Macs through records alone. What it reads may throw `CloudError`. Any thread.
+/// The companion phone and its application: another device of an account, always online and without latency. It talks
+/// to the Macs only through records. Requests throw `CloudError`. Any thread.
 class CompanionPhone {
 public:
     struct Alert {
@@ -50,7 +50,7 @@ public:
         Date date{}; ///< when it was shown
     };
 
-    /// What the phone's owner asks of a Mac.
+    /// A command of the phone's owner to a Mac.
     struct Command {
         bool arm = true;
         std::optional<std::int64_t> sequence{}; ///< none: one more than the last that was sent to the Mac
@@ -60,26 +60,26 @@ public:
     CompanionPhone(PrivateCloud& cloud, ports::WallClock& clock, std::string user, std::string device = "phone");
     CompanionPhone(const CompanionPhone&) = delete;
 
-    /// Another account from now on. What was shown stays.
+    /// Switches to another account. Keeps the notifications shown.
     void signIn(std::string user);
 
-    /// Every alert that it can make sense of, newest first, with its photo.
+    /// Every alert that it can decode, newest first, with its photo.
     [[nodiscard]] std::vector<Alert> alerts();
 
-    /// The Macs that the catalog lists, in its order.
+    /// The catalog's Macs with a valid record, in its order.
     [[nodiscard]] std::vector<Mac> macs();
 
-    /// What was shown so far, oldest first.
+    /// The notifications shown so far, oldest first.
     [[nodiscard]] std::vector<Notification> notifications() const;
 
-    /// Who is told of each notification as it is shown, on the thread of whoever caused it.
+    /// Sets the callback for each notification shown; it runs on the thread that wrote the record.
     void onNotification(std::function<void(const Notification&)> shown);
 
-    /// Writes the command for the Mac, and gives its sequence.
+    /// Writes the command for the Mac; returns its sequence.
     std::int64_t send(const std::string& deviceID, const Command& command);
 
-    /// Deletes an alert for all devices, and takes it off the list by which the Macs learn of that; false when it is
-    /// gone already.
+    /// Deletes an alert for all devices, and removes it from the catalog that tells the Macs. False if it was already
+    /// gone.
     bool deleteAlert(const std::string& id);
 
 private:
@@ -95,7 +95,7 @@ private:
     std::string user_;
     std::vector<Notification> notifications_;
     std::function<void(const Notification&)> shown_;
-    ports::RegistrationPtr pushes_; // last: nothing comes any more when the rest goes
+    ports::RegistrationPtr pushes_; // last: no push arrives after the other members end
 };
 
 } // namespace sentrel::simulation

@@ -14,20 +14,20 @@ namespace {
 
 using Argument = ports::CloudPredicate::Argument;
 
-constexpr std::size_t mostMembers = 250; // of a list that IN looks into
+constexpr std::size_t mostMembers = 250; // in a list after IN
 
 [[noreturn]] void refuse()
 {
     throw cloudError(CKError::invalidArguments);
 }
 
-/// The kind of field as the store numbers it: its place in `ServerValue`.
+/// The store's number of a kind of field: its index in `ServerValue`.
 template <class Kind> std::int64_t kindOf()
 {
     return static_cast<std::int64_t>(ServerValue{Kind{}}.index());
 }
 
-/// The column of a date that each record has; empty for a field.
+/// The column of a date that every record has; empty for other fields.
 std::string_view columnOf(const std::string& name)
 {
     if (name == "modificationDate") {

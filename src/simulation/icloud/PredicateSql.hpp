@@ -15,15 +15,14 @@ struct SqlPart {
     std::vector<SqliteValue> values;
 };
 
-/// The predicate as a condition. Known are "TRUEPREDICATE" and "FIELD == %@", "FIELD = %@", "FIELD > %@" and "FIELD IN
-/// %@", joined by "AND"; a field holds only what is of its argument's kind. Any other throws error 12 (invalid
-/// arguments).
+/// The predicate as a condition. Supported are "TRUEPREDICATE" and "FIELD == %@", "FIELD = %@", "FIELD > %@" and "FIELD
+/// IN %@", joined by "AND"; a field matches only an argument of its kind. Others throw error 12 (invalid arguments).
 [[nodiscard]] SqlPart conditionOf(const ports::CloudPredicate& predicate);
 
 /// Fields and operators of the comparisons in a predicate that `conditionOf` understands.
 [[nodiscard]] std::vector<std::pair<std::string, std::string>> comparisonsOf(const ports::CloudPredicate& predicate);
 
-/// What a query sorts by; records without the field come first.
+/// A query's sort expression; records without the field sort lowest.
 [[nodiscard]] SqlPart orderOf(const std::string& sortKey);
 
 } // namespace sentrel::simulation

@@ -18,12 +18,12 @@ namespace sentrel::simulation {
 
 namespace {
 
-constexpr std::size_t mostItems = 400; // of one request
+constexpr std::size_t mostItems = 400; // per request
 constexpr std::size_t mostResults = 200;
 
 constexpr std::string_view hexDigits = "0123456789abcdef";
 
-/// Where a query goes on: the names that it had found beyond the last page.
+/// The position in a query: all names that it found, and the next one's place.
 class Cursor final : public ports::CloudQueryCursor {
 public:
     std::string user;
@@ -52,7 +52,7 @@ ServerPage nextPage(CloudStore& store, Cursor cursor, const ports::CloudDesiredK
 void check(const ServerBatch& batch)
 {
     if (batch.isAtomic) {
-        // Only zones that a device has made can do that. Said aloud, so that nobody relies on it.
+        // Only custom zones support atomic batches. Refused, so that nobody relies on them.
         throw cloudError(CKError::invalidArguments);
     }
     if (batch.save.size() + batch.deleteNames.size() > mostItems) {
@@ -67,7 +67,7 @@ void check(const ServerBatch& batch)
     }
 }
 
-/// Whether any change of a record fires the subscription.
+/// Whether the options are valid and some change fires the subscription.
 bool fires(const ports::CloudSubscription& subscription)
 {
     constexpr std::uint64_t creationUpdateOrDeletion = 7; // CKQuerySubscriptionOptions
@@ -76,7 +76,7 @@ bool fires(const ports::CloudSubscription& subscription)
            (subscription.options & ~(creationUpdateOrDeletion | once)) == 0;
 }
 
-/// CloudKit takes no subscription whose notification would neither be seen or heard nor wake anything.
+/// Whether the notification shows, sounds or wakes; CloudKit refuses subscriptions to any other.
 bool notifies(const ports::CloudSubscription& subscription)
 {
     return subscription.sendsContentAvailable || !subscription.alertLocalizationKey.empty() ||
@@ -128,7 +128,7 @@ bool PrivateCloud::isFull(const std::string& user)
     return found != quotas_.end() && found->second == 0;
 }
 
-/// Does the work with the account's store, under the lock. What goes wrong with the file is no fault of the request's.
+/// Runs the work on the account's store, under the lock. A file's failure throws error 23 (zone busy) or 1 (internal).
 template <class Serve> auto PrivateCloud::serve(const std::string& user, Serve work)
 {
     const std::lock_guard guard{mutex_};
@@ -155,7 +155,7 @@ CloudStore& PrivateCloud::storeOf(const std::string& user)
 
 std::unique_ptr<CloudStore> PrivateCloud::openOrReplace(const std::string& user)
 {
-    // When the folder can't be made, opening the file fails, and says so.
+    // If this fails, opening the file fails and tells why.
     std::error_code ignored;
     std::filesystem::create_directories(folder_, ignored);
     try {
@@ -180,7 +180,7 @@ void PrivateCloud::putAside(const std::string& user)
     }
     std::error_code failure;
     std::filesystem::rename(file, aside, failure);
-    for (const char* const suffix : {"-wal", "-shm"}) { // SQLite's own, which belong to the damaged file
+    for (const char* const suffix : {"-wal", "-shm"}) { // SQLite's companions of the damaged file
         std::filesystem::path companion = file;
         companion += suffix;
         std::error_code ignored;
@@ -192,7 +192,7 @@ void PrivateCloud::putAside(const std::string& user)
 
 std::filesystem::path PrivateCloud::fileOf(const std::string& user) const
 {
-    // Whatever the user is called, the file is one of the folder's.
+    // Encoded, so that no user name leads out of the folder.
     std::string name;
     for (const char character : user) {
         const bool isPlain = (character >= 'a' && character <= 'z') || (character >= '0' && character <= '9');
@@ -209,7 +209,7 @@ std::filesystem::path PrivateCloud::fileOf(const std::string& user) const
 ServerPage PrivateCloud::query(const CloudDevice& who, const ports::CloudQuery& query,
                                const ports::CloudDesiredKeys& wanted, std::size_t limit)
 {
-    static_cast<void>(conditionOf(query.predicate)); // refuses what is not understood
+    static_cast<void>(conditionOf(query.predicate)); // throws if unsupported
     requireIndexes(query.recordType, query.predicate, query.sortKey);
     return serve(who.user, [&](CloudStore& store) {
         Cursor all;
@@ -257,7 +257,7 @@ ServerModification PrivateCloud::modify(const CloudDevice& who, const ServerBatc
     std::vector<Json> pushes;
     ServerModification modification =
         serve(who.user, [&](CloudStore& store) { return write(store, who, batch, pushes); });
-    // Without the lock: whoever receives a push may ask for more.
+    // Without the lock: a receiver may make requests.
     for (const Json& push : pushes) {
         for (const auto& receiver : receivers_.all()) {
             receiver->tell(who.user, who.device, push);
@@ -288,7 +288,7 @@ void PrivateCloud::saveSubscription(const CloudDevice& who, const ports::CloudSu
     if (!isRecordName(subscription.identifier) || !fires(subscription) || !notifies(subscription)) {
         throw cloudError(CKError::invalidArguments);
     }
-    static_cast<void>(conditionOf(subscription.predicate)); // refuses what is not understood
+    static_cast<void>(conditionOf(subscription.predicate)); // throws if unsupported
     requireIndexes(subscription.recordType, subscription.predicate);
     serve(who.user, [&](CloudStore& store) { store.saveSubscription(subscription); });
 }
@@ -316,7 +316,7 @@ ports::RegistrationPtr PrivateCloud::receivePushes(const std::string& device, Pu
 
 std::string PrivateCloud::userRecordName(const std::string& user)
 {
-    // FNV-1a twice: the names only have to differ where the users do, and to be the same at each run.
+    // FNV-1a twice: the names only have to be distinct per user and the same in each run.
     std::string name = "_";
     for (const std::uint64_t basis : {14695981039346656037ULL, 7809847782465536322ULL}) {
         std::uint64_t hash = basis;

@@ -26,61 +26,61 @@ namespace sentrel::simulation {
 class BatchWriter;
 class CloudStore;
 
-/// Who makes a request.
+/// The device that makes a request.
 struct CloudDevice {
     std::string user;   ///< the account that the device is signed in to
     std::string device; ///< tells the devices of all accounts apart
 };
 
-/// The server: a private database for each account, in a file of its own that outlives the server. Several devices may
-/// share it. Every request throws `CloudError` when it fails as a whole; a file that can't be read is put aside, noted
-/// as `icloud.damaged` {`account`, `putAside`}, and its account begins anew. Any thread.
+/// The server: one private database file per account, which outlives the server. Several devices may share an account.
+/// A request throws `CloudError` if it fails as a whole. A damaged file is renamed, noted as `icloud.damaged`
+/// {`account`, `putAside`} and replaced by an empty one. Any thread.
 class PrivateCloud {
 public:
     using PushReceiver = std::function<void(const std::string& user, const Json& push)>;
 
-    /// The folder is made when it isn't there; the clock is the server's.
+    /// Creates the folder when needed; `clock` is the server's.
     PrivateCloud(std::filesystem::path folder, ports::WallClock& clock, ports::Journal& journal);
     ~PrivateCloud();
     PrivateCloud(const PrivateCloud&) = delete;
 
-    /// By how many seconds the server's clock is ahead of the one that it was made with.
+    /// Seconds by which the server is ahead of the clock that it was made with.
     void setClockOffset(double seconds);
     [[nodiscard]] Date now();
 
-    /// The bytes that an account may store: 0 is full, none is without limit, as at first.
+    /// The bytes that an account may store: 0 is full, none (initially) is unlimited.
     void setQuota(const std::string& user, std::optional<std::uint64_t> bytes);
 
-    /// Whether an account has been left no room at all.
+    /// Whether an account's quota is 0.
     [[nodiscard]] bool isFull(const std::string& user);
 
     /// A page of records for which the predicate holds: at most 200, and at most `limit` when that isn't 0.
     [[nodiscard]] ServerPage query(const CloudDevice& who, const ports::CloudQuery& query,
                                    const ports::CloudDesiredKeys& wanted, std::size_t limit);
 
-    /// What follows. Records that are new since the query don't appear; those that are gone, or for which the
-    /// predicate no longer holds, are left out.
+    /// The next page. Records created since the query don't appear; records that are gone or no longer match are left
+    /// out.
     [[nodiscard]] ServerPage continueQuery(const CloudDevice& who, const ports::CloudQueryCursor* cursor,
                                            const ports::CloudDesiredKeys& wanted, std::size_t limit);
 
     [[nodiscard]] std::map<std::string, ServerRecordResult>
     fetch(const CloudDevice& who, const std::vector<std::string>& names, const ports::CloudDesiredKeys& wanted);
 
-    /// Each record has its own fate: the default zone knows no atomic batches, and one is refused with error 12.
+    /// Each record succeeds or fails alone. Atomic batches, impossible in the default zone, throw error 12.
     [[nodiscard]] ServerModification modify(const CloudDevice& who, const ServerBatch& batch);
 
-    /// One of the same identifier is replaced.
+    /// Replaces a subscription with the same identifier.
     void saveSubscription(const CloudDevice& who, const ports::CloudSubscription& subscription);
     [[nodiscard]] std::vector<ports::CloudSubscription> subscriptions(const std::string& user);
 
-    /// How many records of a type an account has.
+    /// Number of an account's records of a type.
     [[nodiscard]] std::uint64_t count(const std::string& user, const std::string& type);
 
-    /// Receives the pushes to every account, but for those that the device's own writes bring about; it knows which
-    /// account it is signed in to. Called on the thread of whoever writes.
+    /// Registers for the pushes to every account, except those caused by the device's own writes; the receiver filters
+    /// by account. Called on the writing thread.
     [[nodiscard]] ports::RegistrationPtr receivePushes(const std::string& device, PushReceiver receiver);
 
-    /// What CloudKit calls an account's user: an underscore and 32 hexadecimal digits.
+    /// CloudKit's name of an account's user: an underscore and 32 hexadecimal digits.
     [[nodiscard]] static std::string userRecordName(const std::string& user);
 
 private:
@@ -99,7 +99,7 @@ private:
     ports::WallClock& clock_;
     ports::Journal& journal_;
     Receivers receivers_;
-    std::mutex mutex_; // guards what follows, the open files included
+    std::mutex mutex_; // guards the members below, and their files
     double clockOffset_ = 0.0;
     std::map<std::string, std::uint64_t> quotas_;
     std::map<std::string, std::unique_ptr<CloudStore>> stores_;

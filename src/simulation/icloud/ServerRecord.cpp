@@ -14,10 +14,10 @@ namespace sentrel::simulation {
 namespace {
 
 constexpr std::size_t longestName = 255;
-constexpr std::uint64_t mostRecordBytes = 1'048'576; // without assets, as CloudKit has it
+constexpr std::uint64_t mostRecordBytes = 1'048'576; // without assets: CloudKit's limit
 constexpr std::uint64_t bytesOfNumber = 8;
 
-// What a record has of its own: no field is called so.
+// The names of system fields, which no other may have.
 constexpr std::array<std::string_view, 8> reservedNames{"recordID",
                                                         "recordType",
                                                         "recordName",
@@ -32,7 +32,7 @@ bool isLetter(char character)
     return (character >= 'a' && character <= 'z') || (character >= 'A' && character <= 'Z');
 }
 
-/// The names of types and fields.
+/// Valid for types and fields.
 bool isIdentifier(const std::string& name)
 {
     const auto isPart = [](char character) {
@@ -102,10 +102,10 @@ bool isUtf8(const std::string& text)
 {
     const auto isAscii = [](char character) { return static_cast<unsigned char>(character) < 0x80; };
     if (std::ranges::all_of(text, isAscii)) {
-        return true; // as the thousands of identifiers in a catalog
+        return true; // fast, for a catalog's thousands of identifiers
     }
     try {
-        // The strict writer refuses what is no UTF-8.
+        // The strict writer throws for invalid UTF-8.
         return !nlohmann::json(text).dump().empty();
     } catch (const nlohmann::json::type_error&) {
         return false;

@@ -15,15 +15,15 @@
 
 namespace sentrel::simulation {
 
-/// What the server keeps in a field; of an asset, its content.
+/// A field's value at the server; for an asset, its content.
 using ServerValue = std::variant<std::string, std::int64_t, double, Date, std::vector<std::string>, Bytes>;
 
-/// A record as the server has it, or what a device asks to be saved.
+/// A record as the server stores it, or as a device sends it.
 struct ServerRecord {
     std::string type;
     std::string name;
     std::map<std::string, ServerValue> fields;
-    std::string tag; ///< its version; empty for one that was never fetched
+    std::string tag; ///< its version; empty if it was never fetched
     Date modificationDate{};
 };
 
@@ -41,13 +41,13 @@ struct ServerPage {
     std::shared_ptr<const ports::CloudQueryCursor> cursor; ///< null at the end
 };
 
-/// What one request saves and deletes.
+/// The saves and deletions of one request.
 struct ServerBatch {
     std::vector<ServerRecord> save;
     std::vector<std::string> deleteNames;
     ports::CloudSavePolicy policy = ports::CloudSavePolicy::ifServerRecordUnchanged;
     bool isAtomic = false;
-    std::map<std::string, ports::CloudError> refused; ///< records that fail whatever the request says, by name
+    std::map<std::string, ports::CloudError> refused; ///< injected errors of single records, by name
 };
 
 struct ServerModification {
@@ -55,11 +55,11 @@ struct ServerModification {
     std::map<std::string, ports::CloudDeleteResult> deleted;
 };
 
-/// What is wrong with a record that a device wants to save: names and texts that the server does not take, numbers that
-/// aren't finite (invalid arguments), more than 1 MB without assets (limit exceeded). None when nothing is.
+/// The reason to refuse a record, or none: invalid names or texts, numbers that aren't finite (invalid arguments), more
+/// than 1 MiB without assets (limit exceeded).
 [[nodiscard]] std::optional<ports::CloudError> objectionTo(const ServerRecord& record);
 
-/// Up to 255 ASCII characters, none of them a control character, and no underscore first.
+/// True for 1 to 255 printable ASCII characters without a leading underscore.
 [[nodiscard]] bool isRecordName(const std::string& name);
 
 [[nodiscard]] bool isUtf8(const std::string& text);

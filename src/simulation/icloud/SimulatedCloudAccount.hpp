@@ -10,8 +10,7 @@ namespace sentrel::simulation {
 
 class CloudLink;
 
-/// The iCloud account that the Mac's user is signed in to. The ports' part belongs to the main thread; what befalls
-/// the account may do so on any thread.
+/// The iCloud account that the Mac's user is signed in to. The port's functions: main thread; the others: any thread.
 class SimulatedCloudAccount final : public ports::CloudAccount {
 public:
     explicit SimulatedCloudAccount(CloudLink& link) : link_(link) {}
@@ -19,10 +18,10 @@ public:
     [[nodiscard]] Async<ports::CloudAccountStatus> accountStatus() override;
     [[nodiscard]] Async<std::optional<std::string>> userRecordName() override;
 
-    /// Who posts that the account has changed, `CKAccountChangedNotification`, to the application.
+    /// Sets the callback that posts `CKAccountChangedNotification` to the application.
     void onChange(std::function<void()> changed);
 
-    /// The account's status changes, or another user signs in. The application is told.
+    /// Sets the status, or signs a user in (available), and notifies the application.
     void setStatus(ports::CloudAccountStatus status);
     void signIn(const std::string& user);
 

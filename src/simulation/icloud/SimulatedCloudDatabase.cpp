@@ -21,7 +21,7 @@ namespace {
 using Results = std::map<std::string, CloudRecordResult>;
 template <class Answer> using Serve = std::function<Answer(const CloudDevice&)>;
 
-/// A page as the Mac gets it. What fails by itself fails once it is known to be in the page.
+/// A page as the Mac gets it. Faults of single records strike only records in the page.
 CloudQueryPage delivered(CloudLink& link, AssetFolder& assets, CloudOperation operation, const ServerPage& page)
 {
     std::vector<std::string> names;
@@ -40,7 +40,7 @@ CloudQueryPage delivered(CloudLink& link, AssetFolder& assets, CloudOperation op
     return made;
 }
 
-/// The saved record as the Mac gets it: its assets are those that it sent.
+/// The saved record as the Mac gets it, with the asset files that it sent.
 CloudRecordResult saved(AssetFolder& assets, const ServerRecordResult& result, const CloudRecord& sent)
 {
     CloudRecordResult made = assets.downloaded(result);

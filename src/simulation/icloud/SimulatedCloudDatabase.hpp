@@ -13,7 +13,7 @@ class CloudLink;
 /// The private database of the account that is signed in, as one Mac sees it. Main thread.
 class SimulatedCloudDatabase final : public ports::CloudDatabase {
 public:
-    /// Assets arrive as files in a folder of the system's own, which is emptied at once.
+    /// Downloaded assets become files in the folder `assets`, which is emptied at once.
     SimulatedCloudDatabase(CloudLink& link, const std::filesystem::path& assets);
 
     [[nodiscard]] Async<ports::CloudQueryPage> query(ports::CloudQuery query, ports::CloudDesiredKeys desiredKeys,
@@ -32,7 +32,7 @@ public:
 
 private:
     CloudLink& link_;
-    std::shared_ptr<AssetFolder> assets_; // also of the requests under way, which may outlive this
+    std::shared_ptr<AssetFolder> assets_; // shared with requests in flight, which may outlive this
 };
 
 } // namespace sentrel::simulation

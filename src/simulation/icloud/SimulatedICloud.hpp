@@ -12,18 +12,18 @@
 
 namespace sentrel::simulation {
 
-/// What of iCloud is on one Mac: the ports and the way to the server. It outlives the product's processes; the server
+/// One Mac's side of iCloud: the ports and the link to the server. It outlives the product's processes; the server
 /// outlives it.
 class SimulatedICloud {
 public:
     struct Surroundings {
-        Scheduler& process;  ///< hears of pushes
+        Scheduler& process;  ///< receives pushes
         Scheduler& hardware; ///< carries the requests
         ports::Journal& journal;
         PrivateCloud& server;
         std::string device;           ///< tells this Mac apart from the server's other devices
-        std::filesystem::path assets; ///< a folder of its own, for downloaded photos; emptied at once
-        std::uint64_t seed = 1;       ///< of what goes wrong at random
+        std::filesystem::path assets; ///< a separate folder for downloaded photos; emptied at once
+        std::uint64_t seed = 1;       ///< of random faults
     };
 
     explicit SimulatedICloud(const Surroundings& around)

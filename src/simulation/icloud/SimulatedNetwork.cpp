@@ -11,7 +11,7 @@ namespace {
 using Status = ports::NetworkPathStatus;
 using Told = Listener<Status>;
 
-/// A registration of the product's, which hears of changes on its queue.
+/// The product's registration; its callback runs on the product's queue.
 class Monitor final : public ports::Registration {
 public:
     Monitor(std::shared_ptr<Told> product, ports::RegistrationPtr observation)
@@ -21,7 +21,7 @@ public:
     ~Monitor() override
     {
         observation_.reset();
-        product_->leave(); // those that wait on the queue find nobody
+        product_->leave(); // changes still on the queue are dropped
     }
 
 private:

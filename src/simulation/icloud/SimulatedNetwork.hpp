@@ -14,17 +14,17 @@ public:
     [[nodiscard]] ports::RegistrationPtr monitor(SerialQueue& queue,
                                                  std::function<void(ports::NetworkPathStatus)> pathChanged) override;
 
-    /// Satisfied at first. The same status again is a change too, as when the interface changes.
+    /// Initially satisfied. Repeating a status is a change, too, as when the interface changes.
     void setStatus(ports::NetworkPathStatus status);
     [[nodiscard]] ports::NetworkPathStatus status() const;
 
     void setUp(bool isUp);
 
-    /// The path is lost and comes back, as often as that, in no time.
+    /// Loses and restores the path this many times, without delay.
     void flap(int times);
     [[nodiscard]] bool isUp() const { return status() == ports::NetworkPathStatus::satisfied; }
 
-    /// For what is part of the Mac: told of each change at once, on the thread of whoever makes it.
+    /// For parts of the simulated Mac: called at each change, on the thread that makes it.
     [[nodiscard]] ports::RegistrationPtr observe(std::function<void(ports::NetworkPathStatus)> changed);
 
     [[nodiscard]] FaultSwitches& faults() { return faults_; }

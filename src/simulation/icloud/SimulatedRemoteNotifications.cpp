@@ -18,7 +18,7 @@ constexpr std::int64_t queryNotification = 1; // CKNotificationType
 constexpr std::int64_t recordZoneNotification = 2;
 constexpr std::int64_t databaseNotification = 4;
 
-/// The kind of CloudKit's dictionary and its part for that kind.
+/// The kind of a CloudKit dictionary and its part for that kind.
 std::optional<std::pair<std::int64_t, const Json*>> kindOf(const Json& cloudKit)
 {
     for (const auto& [key, type] : {std::pair{"qry", queryNotification}, std::pair{"fet", recordZoneNotification},
@@ -40,11 +40,11 @@ std::string subscriptionOf(const Json& push)
 
 } // namespace
 
-/// What jobs and calls on other threads share; they may outlive the service.
+/// Shared with jobs and calls on other threads, which may outlive the service.
 struct SimulatedRemoteNotifications::State : std::enable_shared_from_this<State> {
     explicit State(Scheduler& runsProcess) : process(runsProcess) {}
 
-    /// Calls the present process's receiver on its main thread; a process that has ended meanwhile hears nothing.
+    /// Calls the current process's receiver on its main thread, unless that process has ended meanwhile.
     void tell(std::function<void(const Receiver&)> news)
     {
         const std::lock_guard guard{mutex};
@@ -64,7 +64,7 @@ struct SimulatedRemoteNotifications::State : std::enable_shared_from_this<State>
         });
     }
 
-    /// A push has come as far as this Mac's network.
+    /// Handles a push that reaches this Mac's network.
     void arrive(const std::string& user, const Json& push, CloudLink& link)
     {
         if (user != link.device().user) {

@@ -16,9 +16,9 @@ namespace sentrel::simulation {
 
 class CloudLink;
 
-/// The system's push service on one Mac. A push travels half the link's latency. While the network is down pushes wait,
-/// of each subscription the last only; while no process has registered they are dropped. The port's part belongs to
-/// the main thread, the rest to any.
+/// The system's push service on one Mac. A push takes half the link's latency. While the network is down, each
+/// subscription's last push waits; while no process is registered, pushes are dropped. The port's functions: main
+/// thread; the others: any thread.
 class SimulatedRemoteNotifications final : public ports::RemoteNotifications {
 public:
     SimulatedRemoteNotifications(CloudLink& link, Scheduler& process);
@@ -26,17 +26,17 @@ public:
 
     void setReceiver(Receiver receiver) override;
 
-    /// Is answered once the network is up.
+    /// Answered once the network is up.
     void registerForRemoteNotifications() override;
     [[nodiscard]] std::optional<ports::CloudNotification> cloudNotification(const Json& userInfo) override;
 
-    /// Registering fails from now on, for this reason; none: it works.
+    /// Lets registering fail from now on, for this reason; none: succeed.
     void setFailure(std::optional<std::string> why);
 
-    /// A push of anybody's comes to the process, at once: any dictionary, or what should be one.
+    /// Delivers any push to the process at once; `userInfo` need not be a valid dictionary.
     void inject(const Json& userInfo);
 
-    /// The process has ended: it hears no more, and a new one must register anew. On the main thread.
+    /// Ends deliveries to the process; a new process must register again. Main thread.
     void endProcess();
 
     [[nodiscard]] FaultSwitches& faults() { return faults_; }

@@ -8,7 +8,7 @@ namespace sentrel::simulation {
 
 namespace {
 
-constexpr int patience = 250; // milliseconds that a locked file is waited for
+constexpr int patience = 250; // milliseconds to wait for a locked file
 
 [[noreturn]] void fail(sqlite3* database, int code)
 {
@@ -80,7 +80,7 @@ void SqliteStatement::bind(int place, const SqliteValue& value)
     } else if (const auto* const text = std::get_if<std::string>(&value)) {
         code = sqlite3_bind_text64(statement_, place, text->data(), text->size(), SQLITE_TRANSIENT, SQLITE_UTF8);
     } else if (const auto* const bytes = std::get_if<Bytes>(&value)) {
-        // No bytes at all are still bytes, where a null pointer would mean NULL.
+        // No bytes become an empty blob; a null pointer would mean NULL.
         code = bytes->empty() ? sqlite3_bind_zeroblob(statement_, place, 0)
                               : sqlite3_bind_blob64(statement_, place, bytes->data(), bytes->size(), SQLITE_TRANSIENT);
     }
@@ -116,7 +116,7 @@ std::string SqliteStatement::text(int column) const
 
 Bytes SqliteStatement::bytes(int column) const
 {
-    // The content is asked for before its size, which is that of the form asked for last.
+    // The content is read first: the size is that of the form requested last.
     const auto* const content = static_cast<const std::uint8_t*>(sqlite3_column_blob(statement_, column));
     const int size = sqlite3_column_bytes(statement_, column);
     return content == nullptr ? Bytes{} : Bytes(content, content + size);
@@ -169,7 +169,7 @@ std::optional<std::string> SqliteDatabase::text(const std::string& sql, const st
 SqliteTransaction::~SqliteTransaction()
 {
     if (isOpen_) {
-        database_.attempt("ROLLBACK"); // the failure that brought us here may have rolled back already
+        database_.attempt("ROLLBACK"); // fails harmlessly if an error has rolled back already
     }
 }
 

@@ -17,18 +17,18 @@ struct sqlite3_stmt;
 
 namespace sentrel::simulation {
 
-/// SQLite refused or failed.
+/// A failure of SQLite.
 class SqliteError : public std::runtime_error {
 public:
     SqliteError(int code, const std::string& why) : std::runtime_error(why), code_(code) {}
 
-    /// What a whole file says that is not what was expected.
+    /// Reports an intact file with unexpected content.
     [[nodiscard]] static SqliteError damage(const std::string& why);
 
-    /// The file is no database, or no longer whole.
+    /// Whether the file is corrupt or no database.
     [[nodiscard]] bool isDamage() const;
 
-    /// Somebody else holds the file.
+    /// Whether the file is locked.
     [[nodiscard]] bool isBusy() const;
 
 private:
@@ -37,16 +37,15 @@ private:
 
 using SqliteValue = std::variant<std::monostate, std::int64_t, double, std::string, Bytes>;
 
-/// Frees a statement of SQLite's.
+/// Frees an SQLite statement.
 struct SqliteFinalize {
     void operator()(sqlite3_stmt* statement) const;
 };
 
-/// Statements that have been prepared and wait to be used again, by their text: preparing one takes longer than most
-/// take to run.
+/// Idle prepared statements for reuse, by their text: preparing takes longer than running most of them.
 using SqliteStatements = std::multimap<std::string, std::unique_ptr<sqlite3_stmt, SqliteFinalize>>;
 
-/// A prepared statement, which goes back to the others when it ends. Its database outlives it. No lock of its own.
+/// A prepared statement, put back among the idle ones on destruction. Its database outlives it. Not synchronised.
 class SqliteStatement {
 public:
     SqliteStatement(sqlite3& database, SqliteStatements& idle, const std::string& sql);
@@ -54,13 +53,13 @@ public:
     SqliteStatement(const SqliteStatement&) = delete;
     SqliteStatement& operator=(const SqliteStatement&) = delete;
 
-    /// Begins anew with these values for its question marks. Throws `SqliteError`.
+    /// Restarts with these values for its question marks. Throws `SqliteError`.
     void start(const std::vector<SqliteValue>& values = {});
 
     /// Goes to the next row; false at the end. Throws `SqliteError`.
     [[nodiscard]] bool next();
 
-    /// A column of the present row, counted from 0; another type is converted, null is empty or 0.
+    /// A column of the current row, counted from 0; other types are converted, null gives empty or 0.
     [[nodiscard]] std::int64_t integer(int column) const;
     [[nodiscard]] double real(int column) const;
     [[nodiscard]] std::string text(int column) const;
@@ -75,10 +74,10 @@ private:
     sqlite3_stmt* statement_ = nullptr;
 };
 
-/// An open database file. No lock of its own.
+/// An open database file. Not synchronised.
 class SqliteDatabase {
 public:
-    /// Opens the file, and makes it when it isn't there. Throws `SqliteError`.
+    /// Opens or creates the file. Throws `SqliteError`.
     explicit SqliteDatabase(const std::filesystem::path& file);
 
     [[nodiscard]] SqliteStatement prepare(const std::string& sql) { return {*database_, idle_, sql}; }
@@ -86,7 +85,7 @@ public:
     /// Runs one statement to its end. Throws `SqliteError`.
     void run(const std::string& sql, const std::vector<SqliteValue>& values = {});
 
-    /// Runs one statement, and takes no notice when that fails.
+    /// Runs one statement and ignores its failure.
     void attempt(const char* sql);
 
     /// The first column of the first row; none without a row. Throws `SqliteError`.
@@ -103,7 +102,7 @@ private:
     SqliteStatements idle_;
 };
 
-/// Everything between its making and `commit` happens, or nothing of it. Throws `SqliteError`.
+/// A transaction; rolled back on destruction without `commit`. Throws `SqliteError`.
 class SqliteTransaction {
 public:
     explicit SqliteTransaction(SqliteDatabase& database) : database_(database) { database_.run("BEGIN IMMEDIATE"); }

@@ -44,7 +44,7 @@ Argument decodeArgument(const Json& json)
     return json.at("integers").get<std::vector<std::int64_t>>();
 }
 
-/// Lists and assets don't travel with a push: null.
+/// Null for lists and assets, which pushes omit.
 Json valueForPush(const ServerValue& value)
 {
     Json json;
@@ -60,7 +60,7 @@ Json valueForPush(const ServerValue& value)
     return json;
 }
 
-/// What the notification says: the values of the fields that its text names.
+/// The notification's text key and arguments, from the fields it names.
 Json alertOf(const ports::CloudSubscription& subscription, const ServerRecord& record)
 {
     Json arguments = Json::array();
