@@ -23,7 +23,7 @@ namespace {
 
 using namespace sentrel::simulation;
 
-/// The command line as it was typed; texts stay empty where an option was left out.
+/// The parsed command line; texts are empty for omitted options.
 struct Arguments {
     PlayCommand play;
     std::string playScenario;
@@ -36,14 +36,14 @@ struct Arguments {
     std::string language;
 };
 
-/// The page's token is the only key to the MacBook: one that can be guessed is refused.
+/// The error for a token that can be guessed, empty for a good one: the token is the page's only protection.
 std::string refusalOfToken(const std::string& token)
 {
     constexpr std::size_t shortestToken = 16;
     return token.size() < shortestToken ? "a token has at least 16 characters" : std::string{};
 }
 
-/// CLI11 takes "-1" for the largest number.
+/// The error for an invalid seed, empty for a good one. CLI11 would take "-1" for the largest number.
 std::string refusalOfSeed(const std::string& seed)
 {
     return seed.starts_with('-') ? "a seed is a whole number, 0 or more" : std::string{};
@@ -81,7 +81,7 @@ CLI::App* addServe(CLI::App& app, Arguments& arguments)
     return serve;
 }
 
-/// What to say of a first word that is no command; none when it is one, or an option.
+/// The error for a first word that is not a command; none if it is one, or an option.
 std::optional<std::string> refusalOfCommand(const CLI::App& app, std::string_view word)
 {
     std::vector<std::string> names;
@@ -142,7 +142,7 @@ int main(int argc, char** argv)
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
-        // Help and version are no errors; anything else can't be read, like a scenario that can't.
+        // Help and version are no errors; all other failures count as an unreadable command line.
         return app.exit(error) == 0 ? exitAllHeld : exitUnreadable;
     }
     const ScenarioShelf shelf{SENTREL_SCENARIOS_DIR};

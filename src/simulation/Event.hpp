@@ -26,8 +26,8 @@ struct Event {
     [[nodiscard]] std::string_view text(std::string_view field) const;
 };
 
-/// The event as one JSON object without a line break: `at`, `event`, then the fields in order. Numbers are as short as
-/// reads back the same, what JSON has no number for is null, and bytes that are no UTF-8 are replaced.
+/// The event as one JSON object without a line break: `at`, `event`, then the fields in order. Numbers have the
+/// shortest form that reads back the same; NaN and infinities become null; invalid UTF-8 is replaced.
 [[nodiscard]] std::string jsonLine(const Event& event);
 
 } // namespace sentrel::simulation

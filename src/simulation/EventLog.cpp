@@ -101,7 +101,7 @@ bool EventLog::isWrittenWhole() const
 
 void EventLog::writeLine(const Event& event)
 {
-    // Flushed at once: whoever follows the file sees an event when it happens, and a crash of ours loses none.
+    // Flushed at once: readers of the file see an event when it happens, and a crash of this program loses none.
     file_ << jsonLine(event) << '\n' << std::flush;
     isWrittenWhole_ = isWrittenWhole_ && file_.good();
 }

@@ -24,23 +24,23 @@ public:
     explicit EventLog(Scheduler& scheduler) : scheduler_(scheduler), start_(scheduler.now()) {}
 
     /// Calls back for each event from now on, on the thread that noted it and under no lock, so that the observer may
-    /// note events itself. It stays until the log's end.
+    /// note events itself. An observer can't be removed.
     void observe(Observer observer);
 
-    /// How many events there are.
+    /// Number of events so far.
     [[nodiscard]] std::size_t size() const;
 
-    /// The events from this place on.
+    /// The events from index `from` on.
     [[nodiscard]] std::vector<Event> events(std::size_t from = 0) const;
 
     /// The events of one name.
     [[nodiscard]] std::vector<Event> named(std::string_view name) const;
 
-    /// Writes the events so far and all later ones to the file, one JSON object a line, each as it is noted. False
-    /// when the file can't be made.
+    /// Writes the events so far and all later ones to the file, one JSON object a line, each as it is noted. False if
+    /// the file can't be created.
     [[nodiscard]] bool writeTo(const std::filesystem::path& file);
 
-    /// False when a line could not be written.
+    /// False once a line could not be written.
     [[nodiscard]] bool isWrittenWhole() const;
 
 private:

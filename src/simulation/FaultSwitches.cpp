@@ -67,7 +67,7 @@ bool FaultSwitches::strikes(std::string_view name)
 PortCalls::Fate FaultSwitches::fateOf(std::string_view operation)
 {
     using Fate = PortCalls::Fate;
-    // What the devices ask of each other is no call of the product.
+    // Calls between devices are not calls of the product, so these faults don't apply.
     if (calls_ == nullptr || calls_->isProductCalling()) {
         if (strikes(raises)) {
             return Fate::raises;

@@ -14,37 +14,35 @@
 
 namespace sentrel::simulation {
 
-/// The ways in which one simulated device can be made to refuse or fail, each by name and off at first. Every device
-/// knows two more: `raises` (a call ends with an exception as frameworks raise it) and `hangs` (a call never comes
-/// back). Any thread.
+/// The named faults that one simulated device can be given, all off at first. Every device has two more: `raises` (a
+/// call throws `Raised`) and `hangs` (a call never comes back). Any thread.
 class FaultSwitches {
 public:
     FaultSwitches(std::initializer_list<std::string_view> names);
 
-    /// Makes the device fail that way for this many further uses (negative: until healed; 0: heal now). False when
-    /// the device has no such fault.
+    /// Makes the device fail that way for the next `times` uses (negative: until healed; 0: heal now). False if the
+    /// device has no such fault.
     bool set(std::string_view name, int times = -1);
 
     /// Heals everything. A call that hangs stays where it is.
     void clear();
 
-    /// Whether the device must fail now; counts as one use. The name is one of those that it was made with.
+    /// Whether the device must fail now; counts as one use. Fatal if the name isn't one of the device's faults.
     [[nodiscard]] bool strikes(std::string_view name);
 
-    /// The first thing in each operation of a port. Throws `Raised`, or doesn't come back, when that is the call's
-    /// fate.
+    /// Must open each operation of a port. Throws `Raised` or never returns if a fault or the gate says so.
     void call(std::string_view operation);
 
-    /// The same in an operation that is awaited: one that hangs never answers, and holds nobody's thread.
+    /// The same for an awaited operation: a hanging one never completes, and blocks no thread.
     [[nodiscard]] Async<void> awaitedCall(std::string_view operation);
 
     /// All names, for help and for messages.
     [[nodiscard]] std::vector<std::string> names() const;
 
-    /// Has the device's calls pass the gate under the port's name. Before the first call.
+    /// Routes the device's calls through the gate under the port's name. Call before the first call.
     void connect(PortCalls& calls, std::string port);
 
-    /// Is told after each fault that is set, on the thread that sets it. Before the first use.
+    /// Called after each `set`, on the thread that sets. Install before the first use.
     void onSet(std::function<void()> wasSet) { wasSet_ = std::move(wasSet); }
 
 private:
@@ -53,7 +51,7 @@ private:
     PortCalls* calls_ = nullptr;
     std::string port_;
     std::function<void()> wasSet_;
-    Semaphore never_; // nobody signals it
+    Semaphore never_; // never signalled
     mutable std::mutex mutex_;
     std::map<std::string, int, std::less<>> remaining_;
 };

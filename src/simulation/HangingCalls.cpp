@@ -11,12 +11,12 @@ namespace sentrel::simulation {
 
 namespace {
 
-/// Takes the stack of a hanging call down. No `std::exception`: nobody handles it as a failure of his own.
+/// Unwinds the stack of a hanging call. Not a `std::exception`, so that no handler takes it for an ordinary failure.
 struct CallEnded {};
 
 } // namespace
 
-/// A thread for one job at a time. Either it runs or whoever handed it the job does, never both.
+/// A thread for one job at a time. Either it runs or the thread that handed it the job does, never both.
 class HangingCalls::Worker {
 public:
     Worker() : thread_([this] { work(); }) {}
@@ -27,7 +27,7 @@ public:
     }
     Worker(const Worker&) = delete;
 
-    /// The worker that the calling code runs on; null elsewhere.
+    /// The worker of the calling thread; null on other threads.
     static Worker* current() { return ownWorker; }
 
     /// False when the job hangs. Throws what the job throws.
@@ -51,7 +51,7 @@ public:
         throw CallEnded{};
     }
 
-    /// Lets the hanging call come back with an exception, and its job come to an end.
+    /// Makes the hanging call throw, and waits for its job to end.
     void end()
     {
         handAndWait(State::running);

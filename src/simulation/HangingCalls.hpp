@@ -7,14 +7,14 @@
 
 namespace sentrel::simulation {
 
-/// Lets calls of a process never come back, in virtual time. A call that hangs keeps its whole stack, as on a Mac: the
+/// Makes calls of a process hang forever, in virtual time. A call that hangs keeps its whole stack, as on a Mac: the
 /// jobs run on threads of their own, one at a time, and a hanging one is left there while the clock goes on elsewhere.
-/// The executor that ran it stands still; all others work on. Used by whoever moves the clock, and by its jobs.
+/// Its executor stands still; all others work on. Used by the thread that moves the clock, and by its jobs.
 class HangingCalls final : private JobRunner {
 public:
     HangingCalls(VirtualClock& clock, const VirtualScheduler& process);
 
-    /// Ends what hangs.
+    /// Ends all hanging calls.
     ~HangingCalls();
     HangingCalls(const HangingCalls&) = delete;
 
@@ -24,11 +24,11 @@ public:
     /// True in a job of the process: only such a call can hang.
     [[nodiscard]] bool isProcessCalling() const { return process_.isCurrent(); }
 
-    /// Never comes back while the process lives.
+    /// Doesn't return while the process lives; then throws.
     [[noreturn]] void hang();
 
-    /// The process dies: what hangs comes back with an exception, and its stack is taken down. Meanwhile `isEnding`
-    /// holds, in which no call has an effect any more. Before the process's objects go.
+    /// The process dies: hanging calls throw, and their stacks unwind. Meanwhile `isEnding` is true and calls have no
+    /// effect. Call before the process's objects are destroyed.
     void end();
     [[nodiscard]] bool isEnding() const { return isEnding_; }
 

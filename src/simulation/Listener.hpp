@@ -10,15 +10,15 @@
 
 namespace sentrel::simulation {
 
-/// Somebody who wants to be told, on whatever thread. Once `leave` has returned it is told nothing more, and no call
-/// is running on another thread.
+/// A callback that may be called on any thread. After `leave` returns it isn't called again, and no call is running on
+/// another thread.
 template <class... News> class Listener {
 public:
     explicit Listener(std::function<void(const News&...)> told) : told_(std::move(told)) {}
 
     void tell(const News&... news)
     {
-        // Recursive: what is told may make the listener leave.
+        // The mutex is recursive: the callback may make the listener leave.
         const std::lock_guard guard{mutex_};
         if (isListening_) {
             told_(news...);
@@ -37,7 +37,7 @@ private:
     bool isListening_ = true;
 };
 
-/// Listeners, in the order in which they came. Any thread.
+/// Listeners in the order of their registration. Any thread.
 template <class... News> class Listeners {
 public:
     using Entry = std::shared_ptr<Listener<News...>>;
@@ -50,7 +50,7 @@ public:
         return std::make_unique<Place>(list_, std::move(listener));
     }
 
-    /// Those who listen at this moment.
+    /// The listeners registered now.
     [[nodiscard]] std::vector<Entry> all() const
     {
         const std::lock_guard guard{list_->mutex};

@@ -18,7 +18,7 @@ struct NotificationHub::Observers {
     std::vector<std::shared_ptr<Observer>> all;
 };
 
-/// A registration. A notification that is on its way when it ends finds the observer marked and stays silent.
+/// A registration. Its end marks the observer, so that notifications under way are dropped.
 class NotificationHub::Entry final : public ports::Registration {
 public:
     Entry(std::shared_ptr<Observers> observers, std::shared_ptr<Observer> observer)

@@ -11,7 +11,7 @@
 namespace sentrel::simulation {
 
 /// Named notifications of the simulated system, each delivered on one executor, never inside the call that posts it.
-/// Posting may happen on any thread; observers come and go on the executor's thread.
+/// Post on any thread; register and unregister on the executor's thread.
 class NotificationHub {
 public:
     explicit NotificationHub(Executor& executor);
@@ -19,7 +19,7 @@ public:
     /// Calls back for each notification of this name, as long as the registration lives.
     [[nodiscard]] ports::RegistrationPtr observe(std::string name, std::function<void()> received);
 
-    /// Tells those who observe the name at this moment.
+    /// Notifies the observers that the name has now.
     void post(std::string_view name);
 
 private:

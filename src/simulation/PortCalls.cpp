@@ -21,7 +21,7 @@ void PortCalls::decideBy(Decide decide)
 PortCalls::Fate PortCalls::fateOf(std::string_view port, std::string_view operation)
 {
     if (hanging_ != nullptr && hanging_->isEnding()) {
-        return Fate::raises; // a dying process does nothing any more
+        return Fate::raises; // a dying process has no effect any more
     }
     Decide decide;
     {

@@ -9,32 +9,32 @@
 
 namespace sentrel::simulation {
 
-/// An exception as frameworks raise it: like one of Objective-C, it is no `std::exception`.
+/// An exception raised by a framework. Like those of Objective-C, it is not a `std::exception`.
 struct Raised {
     std::string port;
     std::string operation;
 };
 
-/// The gate through which each call of the product at a simulated device passes. A test counts the calls there, lets
-/// the one or the other raise or hang, or lets a seed decide. Any thread.
+/// The gate that every call of the product to a simulated device passes. Tests count the calls here, or decide which of
+/// them raise or hang. Any thread.
 class PortCalls {
 public:
     enum class Fate { passes, raises, hangs };
     using Decide = std::function<Fate(std::string_view port, std::string_view operation)>;
 
-    /// Without a place to hang in, a call can only pass or raise.
+    /// With null, calls can only pass or raise.
     explicit PortCalls(HangingCalls* hanging = nullptr) : hanging_(hanging) {}
 
-    /// Decides on each call of the product from now on; none lets all pass. Calls may hang if `prepareToHang` was
-    /// called in time.
+    /// Sets the function that decides the fate of each call of the product from now on; an empty one lets all pass.
+    /// Calls may hang if `prepareToHang` was called in time.
     void decideBy(Decide decide);
 
     [[nodiscard]] Fate fateOf(std::string_view port, std::string_view operation);
 
-    /// False for what devices, tests and persons ask of a device.
+    /// False for calls by devices, tests and the simulated person.
     [[nodiscard]] bool isProductCalling() const;
 
-    /// While it lives, the calling thread's calls are those of a device that uses another.
+    /// While it lives, the calling thread's calls count as calls between devices.
     class DeviceScope {
     public:
         DeviceScope() { ++depth; }

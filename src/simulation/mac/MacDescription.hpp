@@ -18,8 +18,8 @@ namespace sentrel::simulation {
 [[nodiscard]] AudioDevice simpleAudioDevice(std::uint32_t id, std::string name, std::string uid, float volume,
                                             bool isMuted);
 
-/// A simulated MacBook as it is before anything happens: plain values. A fresh one is a MacBook Pro on its charger,
-/// lid open, with one built-in speaker.
+/// The initial state of a simulated MacBook, as plain values. By default a MacBook Pro on its charger, lid open, with
+/// one built-in speaker.
 struct MacDescription {
     enum class Power { ac, battery, unknown };
     enum class Lid { open, closed, absent };
@@ -32,8 +32,8 @@ struct MacDescription {
     std::optional<std::string> productName; ///< the firmware's, such as "MacBook Air (M2, 2022)"
     std::optional<std::string> localizedName = "MacBook";
     std::optional<std::string> bundleIdentifier = "pelma.Sentrel";
-    std::string language = "en_US";      ///< its user's, as ICU or BCP 47 writes it
-    std::optional<std::string> timeZone; ///< as the zone database names it; none for UTC
+    std::string language = "en_US";      ///< the user's locale, in ICU or BCP 47 form
+    std::optional<std::string> timeZone; ///< name in the IANA database; none for UTC
     Power power = Power::ac;
     Lid lid = Lid::open;
     Accelerometer accelerometer = Accelerometer::present;
@@ -42,8 +42,8 @@ struct MacDescription {
     std::size_t displays = 1; ///< the built-in one included
     Music music = Music::absent;
     Consent automationConsent = Consent::undetermined;
-    CameraChange camera; ///< what differs from a Mac without cameras whose user allows them
-    /// What differs from a Mac with a network whose user is signed in. By itself a Mac has no account.
+    CameraChange camera; ///< differences from a Mac without cameras whose user allows them
+    /// Differences from a Mac with a network whose user is signed in. By default there is no account.
     CloudChange iCloud{.account = ports::CloudAccountStatus::noAccount};
     LoginAnswer login = LoginAnswer::succeed;
     /// The unlock passcode that is set before the first launch.

@@ -24,7 +24,7 @@ std::optional<Bytes> SimulatedHost::registryData(const std::string& path, const 
         return std::nullopt;
     }
     Bytes data = bytesOf(*facts_.productName);
-    data.push_back(0); // the firmware's texts end so
+    data.push_back(0); // texts of the firmware are null-terminated
     return data;
 }
 

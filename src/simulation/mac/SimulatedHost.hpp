@@ -5,7 +5,7 @@
 
 namespace sentrel::simulation {
 
-/// What the simulated MacBook tells about itself. Its folders lie under a root: "Application Support" and "tmp". Any
+/// The simulated MacBook's description of itself. Its folders lie under a root: "Application Support" and "tmp". Any
 /// thread.
 class SimulatedHost final : public ports::HostInfo {
 public:
@@ -13,7 +13,7 @@ public:
         std::string model = "MacBookPro18,3"; ///< `hw.model`
         std::optional<std::string> localizedName = "MacBook";
         std::optional<std::string> bundleIdentifier = "pelma.Sentrel";
-        std::optional<std::string> productName{}; ///< the firmware's; none on a Mac whose firmware gives none
+        std::optional<std::string> productName{}; ///< from the firmware, which may have none
     };
 
     SimulatedHost(std::filesystem::path root, Facts facts);

@@ -111,7 +111,7 @@ SimulatedMac::SimulatedMac(const MacSurroundings& surroundings, const MacDescrip
     for (const auto& [port, switches] : faults()) {
         switches->connect(calls_, port);
     }
-    // The menu is open as long as nothing else has the keyboard.
+    // The menu closes when a window is given the keyboard.
     displays.onKeyWindow([this] { statusBar.closeMenu(); });
     iCloud.account.onChange([this] { displays.post("CKAccountChangedNotification"); });
     if (description.power == MacDescription::Power::unknown) {
@@ -134,7 +134,7 @@ SimulatedMac::SimulatedMac(const MacSurroundings& surroundings, const MacDescrip
     tasks_.add(MainActor{surroundings.hardware}.spawn(announceDays()));
 }
 
-/// The system says when a day begins, at the latest a second later.
+/// Announces each new day, one second after it has begun.
 Async<void> SimulatedMac::announceDays()
 {
     for (;;) {

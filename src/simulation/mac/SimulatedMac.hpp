@@ -49,38 +49,38 @@
 
 namespace sentrel::simulation {
 
-/// Where a simulated MacBook stands.
+/// Everything around a simulated MacBook.
 struct MacSurroundings {
     Scheduler& process;              ///< runs the product
     Scheduler& hardware;             ///< runs the devices
-    ports::Journal& journal;         ///< hears what happens
+    ports::Journal& journal;         ///< receives all events
     std::filesystem::path disk;      ///< holds "Application Support", "Preferences" and "tmp"
     std::filesystem::path resources; ///< holds the localisation tables
-    PrivateCloud& cloudServer;       ///< which other Macs and the phone may share
-    std::uint64_t seed = 1;          ///< of noise and identifiers
-    Date date{};                     ///< when it all begins
-    HangingCalls* hanging = nullptr; ///< where calls may hang, if anywhere
+    PrivateCloud& cloudServer;       ///< may be shared by other Macs and the phone
+    std::uint64_t seed = 1;          ///< for noise and identifiers
+    Date date{};                     ///< initial wall clock time
+    HangingCalls* hanging = nullptr; ///< lets calls hang; null: they can't
 };
 
 /// The whole simulated MacBook: its devices, its files, and the ports through which one process of the product sees
-/// them. The devices outlive the process. Any thread, but for `startProcess` and `endProcess`.
+/// them. The devices outlive the process. Any thread, except for `startProcess` and `endProcess`.
 class SimulatedMac {
 public:
-    /// Throws what the devices throw about a description that makes no sense.
+    /// Passes on the devices' exceptions for a description that makes no sense.
     SimulatedMac(const MacSurroundings& surroundings, const MacDescription& description);
     ~SimulatedMac();
     SimulatedMac(const SimulatedMac&) = delete;
 
-    /// What a new process of the product gets to see: it reads the user defaults anew.
+    /// The ports of a new process of the product, which reads the user defaults anew.
     [[nodiscard]] ports::Platform& startProcess();
 
-    /// What the system does when the process is gone: it drops the process's assertions.
+    /// The process is gone: the system releases its power assertions.
     void endProcess();
 
-    /// The machine falls asleep or wakes: the devices' part of it.
+    /// Tells the devices that the machine falls asleep or wakes.
     void setAsleep(bool isAsleep);
 
-    /// Every device that can be made to fail, by name.
+    /// The fault switches of all devices, by device name.
     [[nodiscard]] std::vector<std::pair<std::string, FaultSwitches*>> faults();
 
     [[nodiscard]] const std::filesystem::path& disk() const { return disk_; }
@@ -136,7 +136,7 @@ public:
 private:
     Async<void> announceDays();
 
-    // Of ports that devices use as well, so that the product has a gate of its own.
+    // For ports that devices use too: the product's calls have faults of their own.
     FaultSwitches defaultsFaults_{};
     FaultSwitches journalFaults_{};
     FaultSwitches wallClockFaults_{};

@@ -7,7 +7,7 @@ namespace sentrel::simulation {
 
 namespace {
 
-/// What may wait for one page: far beyond the whole state of a usual Mac.
+/// Most bytes waiting for one page: far more than the whole state of a usual Mac.
 constexpr std::size_t mostWaiting = std::size_t{8} << 20;
 
 } // namespace
@@ -37,7 +37,7 @@ void EventHub::Subscriber::setListener(std::function<void()> listener)
 void EventHub::Subscriber::push(std::shared_ptr<const std::string> text)
 {
     const std::lock_guard guard{mutex_};
-    // One event passes whatever its size, or a page of a Mac with very many alerts would never see anything.
+    // A single event of any size passes; else a page could never show a Mac with very many alerts.
     if (isClosed_ || (!waiting_.empty() && bytes_ + text->size() > mostWaiting)) {
         isClosed_ = true;
         waiting_.clear();

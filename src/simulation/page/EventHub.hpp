@@ -11,18 +11,18 @@
 
 namespace sentrel::simulation {
 
-/// Hands server-sent events to every page that listens. A page that doesn't keep up is cut off, and starts anew by
-/// connecting again. Any thread.
+/// Sends server-sent events to all listening pages. A page that doesn't keep up is disconnected, and starts anew when
+/// it reconnects. Any thread.
 class EventHub {
 public:
     /// One page's stream.
     class Subscriber {
     public:
-        /// The next event, as it is sent; empty while nothing waits, null when the stream has ended.
+        /// The text of the next event; empty while none is waiting, null if the stream has ended.
         [[nodiscard]] std::shared_ptr<const std::string> next();
 
-        /// Calls this whenever `next` may give something new, on the thread that has published it. It must not wait,
-        /// nor call this stream. After the call no former listener is running.
+        /// The listener is called whenever `next` may have something new, on the publishing thread. It must not block
+        /// or call this stream. When this returns, no former listener is running.
         void setListener(std::function<void()> listener);
 
         void push(std::shared_ptr<const std::string> text);
@@ -32,28 +32,28 @@ public:
     private:
         mutable std::mutex mutex_;
         std::function<void()> listener_;
-        std::deque<std::shared_ptr<const std::string>> waiting_; // shared: sixteen pages take no more than one
+        std::deque<std::shared_ptr<const std::string>> waiting_; // shared by all pages
         std::size_t bytes_ = 0;
         bool isClosed_ = false;
     };
 
-    /// So many pages may listen at once.
+    /// Most pages that may listen at once.
     static constexpr std::size_t mostSubscribers = 16;
 
-    /// A new stream; null when there are too many, or everything has been closed.
+    /// A new stream; null if there are too many, or after `closeAll`.
     [[nodiscard]] std::shared_ptr<Subscriber> subscribe();
     void unsubscribe(const std::shared_ptr<Subscriber>& subscriber);
 
-    /// Sends an event to all.
+    /// Sends an event to all streams.
     void publish(const std::string& event, const std::string& data);
 
-    /// Sends an event to one.
+    /// Sends an event to one stream.
     void send(Subscriber& subscriber, const std::string& event, const std::string& data);
 
-    /// How many pages listen.
+    /// Number of listening pages.
     [[nodiscard]] std::size_t subscribers() const;
 
-    /// Ends all streams, for good.
+    /// Ends all streams; new ones are refused.
     void closeAll();
 
 private:

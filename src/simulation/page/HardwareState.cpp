@@ -11,7 +11,7 @@
 #include <ranges>
 #include <set>
 
-// The Mac as a thing, the way to iCloud, and the phone beside it.
+// The state of the Mac's hardware, the connection to iCloud, and the phone.
 
 namespace sentrel::simulation {
 
@@ -173,7 +173,7 @@ Json PageState::phone()
 
 std::string PageState::photoUrl(const std::string& alert, const std::shared_ptr<const Bytes>& photo)
 {
-    // An alert's photo never changes, so that its bytes are looked at once.
+    // An alert's photo never changes: keeping the first copy lets `files_` recognise it without hashing.
     return files_.addImage(phonePhotos_.try_emplace(alert, photo).first->second);
 }
 

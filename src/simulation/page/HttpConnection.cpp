@@ -24,8 +24,8 @@ constexpr std::chrono::seconds longestSilence{15}; // between requests
 constexpr std::chrono::seconds longestRequest{5};
 constexpr std::chrono::seconds longestAnswer{15};
 constexpr std::chrono::seconds longestEvent{5};
-constexpr std::chrono::seconds keepAlive{15};             // of a stream without events
-constexpr std::size_t mostSkipped = std::size_t{4} << 20; // of what comes after the last answer
+constexpr std::chrono::seconds keepAlive{15};             // comment interval of a stream without events
+constexpr std::size_t mostSkipped = std::size_t{4} << 20; // bytes read and dropped after the last answer
 constexpr std::chrono::milliseconds farewell{500};
 
 std::string text(boost::beast::string_view view)
@@ -48,7 +48,7 @@ HttpRequest headOf(const http::request<http::string_body>& message)
     return head;
 }
 
-/// The status for bytes that are no request; 0 for a connection that has ended.
+/// The status for an invalid request; 0 if the connection has ended.
 int statusFor(const error_code& error)
 {
     if (error == http::error::header_limit) {
@@ -98,7 +98,7 @@ void HttpConnection::awaitRequest()
 
 void HttpConnection::readHead()
 {
-    stream_.expires_after(longestRequest); // also for the body
+    stream_.expires_after(longestRequest); // covers the body too
     http::async_read_header(
         stream_, buffer_, *parser_,
         [self = shared_from_this()](const error_code& error, std::size_t) { self->headIsRead(error); });
@@ -115,7 +115,7 @@ void HttpConnection::headIsRead(const error_code& error)
         return answer(service_.routes.refusal(414), true);
     }
     request_ = headOf(message);
-    // The connection can't go on after a body that is not read; nor after a HEAD, whose answer must have none.
+    // The connection can't continue after an unread body, nor after a HEAD, whose answer must have no body.
     const bool isLast =
         parser_->chunked() || parser_->content_length().value_or(0) > 0 || message.method() == http::verb::head;
     if (auto early = service_.routes.answerToHead(request_)) {
@@ -188,7 +188,7 @@ void HttpConnection::skipRest()
 
 void HttpConnection::beginStream()
 {
-    // The client has nothing more to say, so that a read that returns means that it has left.
+    // The client sends nothing more: a read that returns means that it has left.
     since_ = Clock::time_point::max();
     stream_.expires_never();
     stream_.async_read_some(net::buffer(unwanted_), then([](HttpConnection& self, std::size_t) { self.close(); }));
@@ -202,7 +202,7 @@ void HttpConnection::beginStream()
     sendEvents();
 }
 
-/// Sends what there is; the listener calls again for what comes later.
+/// Sends the waiting events; the listener calls this again for later ones.
 void HttpConnection::sendEvents()
 {
     if (events_ == nullptr || isSending_) {

@@ -19,33 +19,33 @@
 
 namespace sentrel::simulation {
 
-/// One connection: requests and their answers, one after the other, and at last perhaps a stream of events. It lives
-/// while an operation of its own is under way or it is listed as open.
+/// One connection: requests and answers in turn, possibly ending with a stream of events. It lives while one of its
+/// operations is under way or it is listed as open.
 class HttpConnection : public std::enable_shared_from_this<HttpConnection> {
 public:
-    /// What all connections share. It outlives them.
+    /// State shared by all connections; it must outlive them.
     struct Service {
         HttpRoutes& routes;
         std::size_t largestBody = 0;
         HttpAnswer::Headers onEveryAnswer;
-        std::set<std::shared_ptr<HttpConnection>> connections{}; ///< those that are open
+        std::set<std::shared_ptr<HttpConnection>> connections{}; ///< open connections
     };
 
     HttpConnection(Service& service, boost::asio::ip::tcp::socket socket);
 
-    /// Begins; answers requests until the connection ends.
+    /// Waits for the next request; answers requests until the connection ends.
     void awaitRequest();
 
     /// Ends the connection. Further calls have no effect.
     void close();
 
-    /// When the wait for the latest request began; the latest of all times for a stream, which waits for none.
+    /// When the wait for the latest request began; for a stream the maximal time.
     [[nodiscard]] std::chrono::steady_clock::time_point since() const { return since_; }
 
 private:
     using Parser = boost::beast::http::request_parser<boost::beast::http::string_body>;
 
-    /// A handler that keeps this alive, and closes the connection on an error.
+    /// Wraps a handler: keeps this alive, and closes the connection on an error.
     template <class Function> auto then(Function next)
     {
         return [self = shared_from_this(), next](const boost::beast::error_code& error, std::size_t size) {

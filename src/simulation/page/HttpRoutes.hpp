@@ -13,7 +13,7 @@ namespace sentrel::simulation {
 /// A request; missing headers are empty.
 struct HttpRequest {
     std::string method;
-    std::string path; ///< as it was sent, without the query
+    std::string path; ///< as sent, without the query
     std::string query;
     std::string host;
     std::string origin;
@@ -35,10 +35,10 @@ class HttpRoutes {
 public:
     virtual ~HttpRoutes() = default;
 
-    /// The answer that needs no body; none when the request may send one and is then given to `answer`.
+    /// The answer, if it is decided without the body; none lets the body be read and passed to `answer`.
     virtual std::optional<HttpAnswer> answerToHead(const HttpRequest& head) = 0;
 
-    /// The answer to a whole request. An exception is answered with 503.
+    /// The answer to a whole request. The server answers an exception with 503.
     virtual HttpAnswer answer(const HttpRequest& request) = 0;
 
     /// The answer to a request that the server itself refuses with this status.

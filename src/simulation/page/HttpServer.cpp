@@ -12,8 +12,9 @@ using boost::asio::ip::tcp;
 using boost::beast::error_code;
 
 constexpr std::size_t mostConnections = 256;
-constexpr std::size_t mostAtOnce = mostConnections / 4; // or they would cut off one another unheard
-constexpr int mostArriving = 512;                       // connections that the system holds until they are accepted
+constexpr std::size_t mostAtOnce =
+    mostConnections / 4;          // so that new connections don't close each other before they are heard
+constexpr int mostArriving = 512; // connections that the system queues until they are accepted
 constexpr std::chrono::milliseconds pauseAfterFailure{100};
 
 } // namespace
@@ -33,7 +34,7 @@ int HttpServer::bind(int port)
     const tcp::endpoint place{boost::asio::ip::address_v4::loopback(), static_cast<unsigned short>(port)};
     error_code error;
     acceptor_.open(place.protocol(), error);
-    // A port whose last connections are still being closed is free; one that is listened on isn't.
+    // A port with connections in TIME_WAIT can be bound; one with a listener can't.
     acceptor_.set_option(tcp::acceptor::reuse_address(true), error);
     acceptor_.bind(place, error);
     if (!error) {
@@ -43,7 +44,7 @@ int HttpServer::bind(int port)
     return error ? 0 : acceptor_.local_endpoint().port();
 }
 
-/// Takes all that have arrived, so that a client's place among many does not decide how long it waits.
+/// Accepts up to `mostAtOnce` connections at a time, so that clients that arrive together are served together.
 void HttpServer::accept()
 {
     acceptor_.async_wait(tcp::acceptor::wait_read, [this](error_code error) {
@@ -57,7 +58,7 @@ void HttpServer::accept()
         if (!error || error == boost::asio::error::would_block) {
             return accept();
         }
-        makeRoom(); // no descriptor is left
+        makeRoom(); // out of descriptors
         pause_.expires_after(pauseAfterFailure);
         pause_.async_wait([this](const error_code& ended) { ended ? void() : accept(); });
     });
@@ -78,8 +79,8 @@ void HttpServer::admit(tcp::socket socket)
     connection->awaitRequest();
 }
 
-/// Closes the connection whose request began first, so that slow clients give way to those that come later. Streams
-/// stay: their number has a limit of its own.
+/// Closes the connection whose request began first, so that slow clients give way to later ones. Streams stay: they
+/// have a limit of their own.
 void HttpServer::makeRoom()
 {
     const auto since = [](const auto& each) { return each->since(); };

@@ -11,21 +11,21 @@
 namespace sentrel::simulation {
 
 /// HTTP/1.1 on loopback. One thread serves all connections and never waits for a client: each read and write has a
-/// deadline, heads, bodies and connections have a limit, and when the connections are used up, the one that has taken
-/// the longest with its request makes room. Bodies must have a length and no encoding.
+/// deadline, heads, bodies and connections have a limit, and at the limit of connections, the one whose request has
+/// taken the longest is closed. Bodies must have a length and no encoding.
 class HttpServer {
 public:
     HttpServer(HttpRoutes& routes, std::size_t largestBody, HttpAnswer::Headers onEveryAnswer);
     ~HttpServer();
     HttpServer(const HttpServer&) = delete;
 
-    /// Takes a port; 0 means any that is free. Returns the port, or 0 when another program listens on it.
+    /// Listens on a port; 0 means any free one. Returns the port, or 0 if another program listens on it.
     [[nodiscard]] int bind(int port);
 
     /// Serves until `end`; then closes all connections.
     void serve();
 
-    /// Ends `serve`, for good. Any thread, any state.
+    /// Ends `serve`; it can't be restarted. Any thread, any state.
     void end();
 
 private:

@@ -19,7 +19,7 @@ namespace {
 constexpr double shortestMotionPause = 0.05; // seconds
 constexpr std::size_t mostSamples = 100;
 
-/// A member of an object's text, to be added to those before.
+/// The text of an object's member, to be appended to `before`.
 std::string member(const std::string& before, const std::string& name, std::string_view value)
 {
     std::string text;
@@ -39,12 +39,12 @@ LiveMac::Life::Life(const Scenario& scenario, const std::filesystem::path& disk,
     : session(scenario.mac, disk, resources, seed, date), state(session, files, scenario.title), world(session.clock())
 {
     simulation::SimulatedMac& mac = session.mac();
-    // A person is there to answer.
+    // The page's user answers the panels.
     mac.login.setAnswerDelay(std::nullopt);
     mac.alerts.setReadingTime(std::nullopt);
     mac.savePanels.setAnswerDelay(std::nullopt);
     story.open(scenario);
-    // What a person has changed on a disk that was kept stays.
+    // A kept disk keeps the user's changes.
     if (!std::filesystem::exists(mac.preferences()) && !leaveFromEarlierRun(session, scenario)) {
         throw std::runtime_error{"the passcode can't be put into the keychain"};
     }
@@ -124,7 +124,7 @@ std::shared_ptr<EventHub::Subscriber> LiveMac::listen()
 {
     return call([this](MacSession&) {
         tellStory();
-        // So that what comes after the whole state is news to this page, too.
+        // Brings the other pages up to date first: later changes then are new to this page too.
         if (mayHaveChanged()) {
             tellChanges();
         }
@@ -219,7 +219,7 @@ std::map<std::string, PageState::Text> LiveMac::rooms(bool withPhone)
         try {
             add("phone", life_->state.phone());
         } catch (const ports::CloudError&) {
-            // Its server can't be read now; what it showed stays.
+            // Its server can't be read now; the page keeps the last state.
         }
     }
     return rooms;
@@ -231,7 +231,7 @@ void LiveMac::tellChanges()
     const auto rooms = this->rooms(std::exchange(life_->isLogRead, false));
     std::string changes = goneContents(rooms);
     for (const auto& [room, text] : rooms) {
-        // Time goes by without being told: the page has a clock.
+        // Passing time isn't sent: the page has a clock.
         const PageState::Text now = room == "run" ? kept(untimedRun()) : text;
         PageState::Text& before = told_[room];
         if (before == nullptr || (before != now && *before != *now)) {
@@ -248,7 +248,7 @@ void LiveMac::tellChanges()
     }
 }
 
-/// Forgets the windows that are not there any more, and has the page forget them.
+/// Forgets windows that are gone, and returns the members that remove them from the page.
 std::string LiveMac::goneContents(const std::map<std::string, PageState::Text>& rooms)
 {
     std::string gone;

@@ -20,11 +20,11 @@
 
 namespace sentrel::simulation {
 
-/// A simulated MacBook that lives in real time, and tells every page what changes.
+/// A simulated MacBook that runs in real time, and sends its changes to all pages.
 class LiveMac {
 public:
-    /// The Mac of the scenario; its steps are not played. The disk is an existing folder, in which another Mac that
-    /// takes this one's place, if it may, gets a folder of its own.
+    /// The Mac of the scenario; its steps are not played. `disk` is an existing folder; with `mayBeReplaced`, each
+    /// replacement gets its own folder in it.
     LiveMac(Scenario scenario, std::filesystem::path disk, std::filesystem::path resources, std::uint64_t seed,
             Date date, bool mayBeReplaced = false);
     ~LiveMac();
@@ -33,7 +33,7 @@ public:
     void start();
     void stop();
 
-    /// Does something with the Mac on its own thread; see `WorldThread::call`.
+    /// Runs a function with the Mac on its own thread; see `WorldThread::call`.
     template <class Function> auto call(Function function)
     {
         const std::shared_lock guard{mutex_};
@@ -43,21 +43,21 @@ public:
         });
     }
 
-    /// Does an action of the scenario language; gives why it can't be done, or nothing.
+    /// Performs an action of the scenario language; returns why it can't be done, empty if done.
     [[nodiscard]] std::string perform(const Action& action);
 
-    /// Puts a new Mac of the same scenario in this one's place, and tells every page; gives why not, or nothing. Not
-    /// on the world's thread.
+    /// Replaces the Mac by a new one of the same scenario, and tells all pages; returns why not, empty if done. Don't
+    /// call on the world's thread.
     [[nodiscard]] std::string replace();
 
     [[nodiscard]] EventHub& hub() { return hub_; }
     [[nodiscard]] PageFiles& files() { return files_; }
 
-    /// A stream for a page: everything that there is, and then what changes. Null when there are too many.
+    /// A stream for a page: the whole state, then changes. Null if there are too many.
     [[nodiscard]] std::shared_ptr<EventHub::Subscriber> listen();
 
 private:
-    /// One MacBook from its first launch on, and how much of it has been told.
+    /// One MacBook from its first launch on, and how much of it has been sent.
     struct Life {
         Life(const Scenario& scenario, const std::filesystem::path& disk, const std::filesystem::path& resources,
              std::uint64_t seed, Date date, PageFiles& files);
@@ -72,9 +72,9 @@ private:
         bool isTouched = true;
         bool isLogRead = false;
         double meterThreshold = 0.0;
-        std::optional<MotionDetector> meter; // the product's own measure, on an instrument of ours
-        std::vector<double> departures;      // of the samples since the last motion event
-        WorldThread world;                   // last: its end comes before that of what it uses
+        std::optional<MotionDetector> meter; // the product's detector, for the page's meter
+        std::vector<double> departures;      // of samples since the last motion event, in g
+        WorldThread world;                   // last: must end before the members that it uses
     };
 
     void begin();
@@ -96,8 +96,8 @@ private:
     std::uint64_t replacements_ = 0;
     PageFiles files_;
     EventHub hub_;
-    std::map<std::string, PageState::Text> told_; // room: what the pages were told last
-    std::shared_mutex mutex_;                     // held alone while one life follows another
+    std::map<std::string, PageState::Text> told_; // by room: the text last sent
+    std::shared_mutex mutex_;                     // exclusive while `life_` is replaced
     std::unique_ptr<Life> life_;
 };
 

@@ -57,7 +57,7 @@ Json imageJson(const ui::Image& image, PageFiles& files)
     return {{"source", "symbol"}, {"name", "photo.badge.exclamationmark"}};
 }
 
-/// What a view of one kind adds to its node.
+/// Adds the fields of each kind of view to its node.
 struct ElementWriter {
     Json& node;
     PageFiles& files;
@@ -131,7 +131,7 @@ struct ElementWriter {
     {
         node["kind"] = "secure";
         node["prompt"] = field.prompt;
-        // How many bytes it has is no more than a row of dots tells.
+        // The length reveals no more than a row of dots.
         node["length"] = field.text.value.view().size();
     }
     void operator()(const ui::List& list) const
@@ -200,7 +200,7 @@ void addTraits(Json& node, const ui::Traits& traits, bool isEnabled)
 
 Json write(const ui::View& view, const std::string& identity, bool isEnabled, PageFiles& files);
 
-/// The toolbar's children stand in the node itself; a sheet and a dialog are nodes of their own.
+/// The toolbar's children go into the node itself; a sheet and a dialog are nodes of their own.
 void addAttachments(Json& node, const ui::View& view, const std::string& identity, bool isEnabled, PageFiles& files)
 {
     for (const ui::View& attachment : view.attachments) {

@@ -7,11 +7,11 @@ namespace sentrel::simulation {
 
 class PageFiles;
 
-/// A view tree as the page reads it: hidden views left out, secure texts as their length. Images in memory go to the
-/// page's files.
+/// A view tree as JSON for the page: hidden views are left out, secure texts given as their length. Images in memory
+/// are added to `files`.
 [[nodiscard]] Json nodeJson(const ui::View& root, PageFiles& files);
 
-/// The name by which the page knows a key, and the other way round.
+/// The page's name of a key, and the key of a name.
 [[nodiscard]] std::string_view nameOf(ui::Key key);
 [[nodiscard]] std::optional<ui::Key> keyNamed(std::string_view name);
 

@@ -15,7 +15,7 @@ namespace {
 constexpr std::size_t mostBytes = std::size_t{12} << 20;
 constexpr std::uint32_t sampleRate = 44'100;
 
-/// FNV-1a: names need to differ, not to keep a secret.
+/// FNV-1a: names must differ, but aren't secret.
 std::string nameOf(BytesView content, std::string_view extension)
 {
     std::uint64_t hash = 14695981039346656037ULL;
@@ -39,7 +39,7 @@ void append(Bytes& bytes, std::string_view text)
     bytes.insert(bytes.end(), text.begin(), text.end());
 }
 
-/// 16 bits, one channel.
+/// The samples as a WAV file: 16 bits, one channel.
 Bytes wavOf(const std::vector<float>& samples)
 {
     const auto size = static_cast<std::uint32_t>(samples.size() * 2);

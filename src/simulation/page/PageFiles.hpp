@@ -14,8 +14,8 @@
 
 namespace sentrel::simulation {
 
-/// The photos and sounds that the page fetches. Each gets a name by its content, so that a name never changes what it
-/// means. The latest are kept, up to a total size. Any thread.
+/// The photos and sounds that the page fetches. Names derive from the content, so that a name never changes its
+/// meaning. The latest files are kept, up to a total size. Any thread.
 class PageFiles {
 public:
     struct File {
@@ -23,13 +23,13 @@ public:
         const char* type = "";
     };
 
-    /// What an image is fetched by. An image that is no JPEG is served all the same; browsers don't guess.
+    /// Adds an image; returns its URL. Images that aren't JPEG are served too, under JPEG's type; browsers don't guess.
     [[nodiscard]] std::string addImage(std::shared_ptr<const Bytes> jpeg);
 
-    /// What samples at 44.1 kHz are fetched by, as a WAV file.
+    /// Adds samples at 44.1 kHz as a WAV file; returns its URL.
     [[nodiscard]] std::string addSound(const std::shared_ptr<const std::vector<float>>& samples);
 
-    /// The file of this name; none when it never was or is gone.
+    /// The file of this name; none if it was never added or is no longer kept.
     [[nodiscard]] std::optional<File> find(std::string_view name) const;
 
 private:

@@ -21,7 +21,7 @@ namespace sentrel::simulation {
 
 namespace {
 
-/// A request that makes no sense.
+/// Thrown for an invalid request.
 struct BadRequest {
     std::string why;
 };
@@ -82,7 +82,7 @@ PageAnswer answerOf(ui::Interaction outcome)
     return {400, "It can't be used like that."};
 }
 
-/// Whether the text names a file anywhere: a page has no business with the files of this machine.
+/// Whether the request names a file anywhere: pages must not access the host's files.
 bool namesFile(const Json& value)
 {
     if (value.is_object()) {
@@ -122,7 +122,7 @@ ui::Interaction dismiss(const ui::View& tree, const std::string& node)
     return ui::Interaction::done;
 }
 
-/// What a hand does to a node of a tree.
+/// Performs a user's action on a node of a tree.
 ui::Interaction use(const ui::View& tree, const std::string& node, const std::string& how, const Json& body)
 {
     if (how == "press") {
@@ -219,7 +219,7 @@ PageAnswer useWindow(LiveMac& mac, const Json& body)
                 return;
             }
             if (how == "close") {
-                displays.closeWindow(window); // which the product may turn into hiding
+                displays.closeWindow(window); // the product may hide it instead
                 isDone = true;
             } else if (how == "zoom") {
                 displays.zoomWindow(window);
@@ -279,7 +279,7 @@ bool answerPanel(simulation::SimulatedMac& mac, const std::string& panel, const 
     }
     simulation::SimulatedSavePanels::Answer chosen;
     chosen.isCancelled = answer == "cancel";
-    // A name, never a way to another folder.
+    // Only a name, never a path to another folder.
     chosen.name = std::filesystem::path{answer}.filename().string();
     return mac.savePanels.answerPanel(chosen);
 }

@@ -83,7 +83,7 @@ RequestGuard::Request described(const HttpRequest& request)
     return {request.method, request.host, request.origin, request.cookie, tokenOf(request.query)};
 }
 
-/// The rest of the path behind this beginning; none for another path.
+/// The path without this prefix; none if it has another one.
 std::optional<std::string> rest(const std::string& path, std::string_view beginning)
 {
     return path.starts_with(beginning) ? std::optional{path.substr(beginning.size())} : std::nullopt;
@@ -91,7 +91,7 @@ std::optional<std::string> rest(const std::string& path, std::string_view beginn
 
 } // namespace
 
-/// The answer to each request.
+/// Answers each request.
 class PageServer::Routes final : public HttpRoutes {
 public:
     Routes(LiveMac& mac, Setup setup) : mac_(mac), setup_(std::move(setup)) {}
@@ -176,7 +176,7 @@ private:
     {
         const auto type = std::ranges::find_if(
             fileTypes, [&](const auto& entry) { return entry.first == name.extension().string(); });
-        // A plain name: no way leads out of the folder, and no hidden file is shown.
+        // Only plain names: no path out of the folder, no hidden files.
         if (type == fileTypes.end() || name.has_parent_path() || name.native().starts_with('.')) {
             return refusal(404);
         }

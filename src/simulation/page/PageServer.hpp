@@ -9,20 +9,20 @@ namespace sentrel::simulation {
 
 class LiveMac;
 
-/// Serves the page and the simulated MacBook behind it on loopback, to whoever knows the token. Any thread.
+/// Serves the page and its simulated MacBook on loopback, to clients with the token. Any thread.
 class PageServer {
 public:
     struct Setup {
         std::filesystem::path web; ///< the page's files
         std::string token;
-        int port = 0; ///< 0: any that is free
+        int port = 0; ///< 0: any free one
     };
 
     PageServer(LiveMac& mac, Setup setup);
     ~PageServer();
     PageServer(const PageServer&) = delete;
 
-    /// Takes the port. False when it is taken already.
+    /// Listens on the port. False if it is in use.
     [[nodiscard]] bool bind();
     [[nodiscard]] int port() const;
 

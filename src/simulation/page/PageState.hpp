@@ -20,13 +20,13 @@ namespace sentrel::simulation {
 class MacSession;
 class PageFiles;
 
-/// What the page shows, room by room (see web/PROTOCOL.md), as JSON or its text. On the world's thread.
+/// The state that the page shows, room by room (see web/PROTOCOL.md), as JSON or its text. World's thread only.
 class PageState {
 public:
-    /// JSON, kept by whoever needs it: what a window shows may be long.
+    /// JSON text, shared because window contents may be long.
     using Text = std::shared_ptr<const std::string>;
 
-    /// How the rooms of `contents` begin.
+    /// Prefix of the rooms of `contents`.
     static constexpr std::string_view contentPrefix = "content-";
 
     PageState(MacSession& session, PageFiles& files, std::string title)
@@ -37,25 +37,24 @@ public:
     [[nodiscard]] Json run() const;
     [[nodiscard]] Json menuBar();
     [[nodiscard]] Json screen();
-    /// What the screen's windows and covers show, by the rooms that they name: the same text as long as it is
-    /// unchanged.
+    /// Contents of the screen's windows and covers, by room. An unchanged content keeps the same text object.
     [[nodiscard]] std::map<std::string, Text> contents();
     [[nodiscard]] Json panels();
     [[nodiscard]] Json hardware();
-    /// The distance from rest in g that sets off the alarm; none while motion does not.
+    /// The distance from rest in g that sets off the alarm; none while motion doesn't.
     [[nodiscard]] std::optional<double> motionThreshold() const;
     [[nodiscard]] Json sound();
     [[nodiscard]] Json cloud() const;
     [[nodiscard]] Json phone();
 
-    /// For a new page, which fetches all images anew: those of windows that have long stood unchanged are kept again.
+    /// Call for a new page, which fetches all images anew: also adds those of unchanged windows to the files again.
     void redraw() { drawn_.clear(); }
 
-    /// The text of a value; what is no UTF-8 in it is replaced.
+    /// The JSON text of a value; invalid UTF-8 is replaced.
     [[nodiscard]] static std::string textOf(const Json& value);
 
 private:
-    /// What a window shows. A long list is written once, not at each change elsewhere.
+    /// A window's content, cached: a long list is serialised once, not at each change elsewhere.
     struct Drawn {
         std::uint64_t version = 0;
         Text content;

@@ -10,7 +10,7 @@ namespace sentrel::simulation {
 
 namespace {
 
-/// Far more than hands and a dragged slider ask for.
+/// Requests per second; far more than a person with a dragged slider sends.
 constexpr double mostPerSecond = 200.0;
 
 bool isSame(std::string_view left, std::string_view right)
@@ -46,7 +46,7 @@ RequestGuard::RequestGuard(std::string token, int port)
 
 bool RequestGuard::isOurHost(const std::string& host) const
 {
-    // A name that somebody else's server gave to this address is refused: it would let another page in.
+    // Other names for this address are refused: they would admit another site's page (DNS rebinding).
     return host == "127.0.0.1:" + port_ || host == "localhost:" + port_;
 }
 
@@ -84,7 +84,7 @@ std::optional<RequestGuard::Refusal> RequestGuard::refusal(const Request& reques
     if (!isSame(valueOf(cookieName_, request.cookie), token_)) {
         return Refusal{403, "Open the address that the program has printed: it carries this run's token."};
     }
-    // Last, so that nobody else can use up what is the page's.
+    // Last, so that only valid requests use up the allowance.
     if (!isWithinRate()) {
         return Refusal{429, "Too many requests at once."};
     }

@@ -7,10 +7,10 @@
 
 namespace sentrel::simulation {
 
-/// Decides who may ask for what: the run's token, and no page but our own. Any thread.
+/// Admits only requests with the run's token and from the run's own page. Any thread.
 class RequestGuard {
 public:
-    /// What of a request matters here; missing headers are empty.
+    /// The parts of a request that matter here; missing headers are empty.
     struct Request {
         std::string method;
         std::string host;
@@ -25,10 +25,10 @@ public:
 
     RequestGuard(std::string token, int port);
 
-    /// Why the request is refused; none for one that may pass.
+    /// Why the request is refused; none if it may pass.
     [[nodiscard]] std::optional<Refusal> refusal(const Request& request);
 
-    /// Whether the token in the address is the run's.
+    /// Whether the token from the address is the run's.
     [[nodiscard]] bool isInvitation(const Request& request) const;
 
     /// The header that makes the browser remember the token.
@@ -40,7 +40,7 @@ private:
 
     const std::string token_;
     const std::string port_;
-    const std::string cookieName_; // browsers keep one jar for all ports of a host, and two runs must not share
+    const std::string cookieName_; // browsers share cookies between a host's ports; two runs must not
     std::mutex mutex_;
     double allowance_;
     std::chrono::steady_clock::time_point refilled_;

@@ -30,7 +30,7 @@ fs::path makeTemporaryFolder()
     throw std::runtime_error{"the folder '" + folder.string() + "' can't be the disk: " + error.message()};
 }
 
-/// Locks the folder itself, so that nothing is left in it.
+/// Locks the folder itself, so that no lock file is left in it.
 int lock(const fs::path& folder)
 {
     const int descriptor = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);

@@ -5,11 +5,11 @@
 
 namespace sentrel::simulation {
 
-/// The folder that is a run's disk, and no other run's meanwhile: one that is given, or a temporary one that goes away
-/// with this. The lock ends with the process, however it ends.
+/// A run's disk, locked against other runs: the given folder, or a temporary one that is removed with this object. The
+/// lock ends with the process, however it ends.
 class RunDisk {
 public:
-    /// Throws `std::runtime_error` in plain words when the folder can't be used, or another run uses it.
+    /// Throws `std::runtime_error` in plain words if the folder can't be used, or another run is using it.
     explicit RunDisk(const std::optional<std::filesystem::path>& wanted);
     ~RunDisk();
     RunDisk(const RunDisk&) = delete;

@@ -12,7 +12,7 @@
 #include <utility>
 #include <vector>
 
-// The Mac's screen: what the product and the system show on it.
+// The state of the Mac's screen.
 
 namespace sentrel::simulation {
 
@@ -20,7 +20,7 @@ namespace {
 
 constexpr std::uint64_t resizable = 8; // NSWindowStyleMaskResizable
 
-/// From the system's coordinates, whose origin is at the bottom left of the built-in display, to the page's.
+/// Converts from the system's coordinates, with the origin at the built-in display's bottom left, to the page's.
 Json rectangleJson(const ports::Rectangle& rectangle, double displayHeight)
 {
     return {{"x", rectangle.x},
@@ -36,7 +36,7 @@ std::size_t displayOf(const ports::Rectangle& frame, const std::vector<ports::Sc
     return found == screens.end() ? 0 : static_cast<std::size_t>(found - screens.begin());
 }
 
-/// The room of what a window shows.
+/// The room of a window's content.
 std::string contentRoom(const simulation::WindowState& window)
 {
     return std::string{PageState::contentPrefix} + std::to_string(window.number);

@@ -46,7 +46,7 @@ Date today()
     return Date{std::chrono::duration<double>(since1970).count() - Date::secondsFrom1970To2001};
 }
 
-/// The signals that end the program, taken by whoever waits for them.
+/// The signals that end the program; they are awaited, not handled.
 sigset_t endingSignals()
 {
     sigset_t signals{};
@@ -60,7 +60,7 @@ sigset_t endingSignals()
 
 int run(const ServeCommand& command, std::ostream& out, std::ostream& err)
 {
-    // Before any thread is made, so that all of them leave the signals alone.
+    // Before any thread is created, so that all threads inherit the mask.
     const sigset_t signals = endingSignals();
     pthread_sigmask(SIG_BLOCK, &signals, nullptr);
 
@@ -79,7 +79,7 @@ int run(const ServeCommand& command, std::ostream& out, std::ostream& err)
         scenario.mac.language = *command.language;
     }
     if (!scenario.mac.timeZone) {
-        // A MacBook that lives now shows the time that its visitor's other clocks show.
+        // A live MacBook shows the host's local time.
         scenario.mac.timeZone = simulation::IcuCalendar::machinesTimeZone();
     }
     const RunDisk disk{command.disk};

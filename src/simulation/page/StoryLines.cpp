@@ -11,7 +11,7 @@ namespace {
 
 constexpr std::size_t mostLines = 200;
 
-/// Wider than any sentence, so that none is broken.
+/// Columns; wider than any sentence, so that none is wrapped.
 constexpr std::size_t oneLine = 100'000;
 
 /// A line of the story without its column of times.

@@ -10,18 +10,18 @@
 
 namespace sentrel::simulation {
 
-/// The story as lines of plain text with their times, for the page. On the world's thread.
+/// The story as lines of plain text with their times, for the page. World's thread only.
 class StoryLines {
 public:
     StoryLines();
 
-    /// Who plays, and how the Mac stands.
+    /// Takes the names and levels of the audio devices; adds no lines.
     void open(const Scenario& scenario);
 
     void tell(const simulation::Event& event);
     void perform(double at, const Action& action);
 
-    /// How many lines there have been.
+    /// Number of lines so far, dropped ones included.
     [[nodiscard]] std::size_t count() const { return dropped_ + lines_.size(); }
 
     /// The lines from this number on that are still kept: {"from", "lines"}.

@@ -19,7 +19,7 @@
 
 namespace sentrel::simulation {
 
-/// What can be done without saying more.
+/// Actions without parameters.
 enum class PlainAction {
     arm,
     disarm,
@@ -34,10 +34,10 @@ enum class PlainAction {
     sleep,
     wake,
     quit,
-    refresh, ///< of the list of alerts
+    refresh, ///< refreshes the list of alerts
 };
 
-/// The power sources change to this.
+/// Changes the power sources.
 struct SetPower {
     simulation::MacDescription::Power power;
 };
@@ -52,32 +52,32 @@ struct MoveMachine {
 /// The accelerometer delivers a recording from now on, each sample at its time.
 struct PlayRecording {
     simulation::MotionRecording recording;
-    std::string name; ///< as the scenario names the file
+    std::string name; ///< the file's name in the scenario
 };
 
-/// The accelerometer begins or ends to deliver a machine at rest.
+/// The accelerometer begins or stops delivering a machine at rest.
 struct RestMachine {
     bool isResting = true;
 };
 
-/// Settings change: an object with fields of `AlarmSettings`, each of its type, in the order of the file.
+/// Changes settings: an object with fields of `AlarmSettings`, each of its type, in the order of the file.
 struct ChangeSettings {
     Json fields;
 };
 
-/// Somebody sets a device's volume, mute or both.
+/// A person sets a device's volume, mute or both.
 struct SetVolume {
     std::uint32_t device = 0;
     std::optional<double> value; ///< 0 to 1
     std::optional<bool> muted;
 };
 
-/// Somebody chooses another output; none: the system loses its default output.
+/// A person chooses another output; none: the system loses its default output.
 struct SetDefaultOutput {
     std::optional<std::uint32_t> device;
 };
 
-/// A device is gone.
+/// Unplugs a device.
 struct RemoveAudioDevice {
     std::uint32_t device = 0;
 };
@@ -88,15 +88,14 @@ struct UseMusic {
     Use use = Use::play;
 };
 
-/// A device of the simulated MacBook refuses or fails from now on, or is healed. Names are checked by whoever has the
-/// devices.
+/// A device of the simulated MacBook fails from now on, or is healed. Names are checked later, against the devices.
 struct FailPort {
     struct Fault {
         std::string name;
         int times = -1; ///< negative: until healed
     };
     std::string port;
-    std::vector<Fault> faults; ///< none: the port is healed
+    std::vector<Fault> faults; ///< empty heals the port
 };
 
 /// Several ports at once.
@@ -104,21 +103,21 @@ struct FailPorts {
     std::vector<FailPort> ports;
 };
 
-/// The cameras, what they see and whether they may be used.
+/// Changes the cameras, their view and the permission to use them.
 struct ChangeCamera {
     simulation::CameraChange change;
-    std::string photoName; ///< as the scenario names the file; empty when it names none
+    std::string photoName; ///< the file's name in the scenario; empty if none is given
 };
 
-/// How the keychains answer from now on.
+/// Sets the keychains' answers from now on.
 struct ChangeKeychain {
     using Access = simulation::SimulatedKeychain::Access;
     std::optional<Access> dataProtection;
     std::optional<Access> legacy;
-    std::optional<FailPort> fail; ///< of the port "keychain"
+    std::optional<FailPort> fail; ///< faults of the port "keychain"
 };
 
-/// How the system's login panel is answered from now on.
+/// Sets the answer to the system's login panel from now on.
 struct AnswerLogin {
     simulation::LoginAnswer answer = simulation::LoginAnswer::succeed;
 };
@@ -128,7 +127,7 @@ struct SetPasscode {
     std::string passcode;
 };
 
-/// Somebody types a passcode into the first cover's field and presses return.
+/// A person types a passcode into the first cover's field and presses return.
 struct TypePasscode {
     std::string passcode;
 };
@@ -138,7 +137,7 @@ struct SetDisplays {
     std::size_t count = 1;
 };
 
-/// The iCloud account, the cloud and the network.
+/// Changes the iCloud account, the cloud and the network.
 struct ChangeCloud {
     simulation::CloudChange change;
 };

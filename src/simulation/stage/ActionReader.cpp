@@ -165,7 +165,7 @@ Action readKeychain(const YamlValue& value, const ReadContext& context)
 
 struct ActionRow {
     std::string_view name;
-    std::string_view example; ///< for the message when the value is forgotten
+    std::string_view example; ///< for the message if the value is missing
     Action (*read)(const YamlValue& value, const ReadContext& context);
 };
 

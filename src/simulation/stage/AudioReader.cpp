@@ -14,7 +14,7 @@ namespace {
 using simulation::AudioControl;
 using simulation::AudioDevice;
 
-/// A device on its way. What a control without a value of its own begins with is known when all keys are read.
+/// A device being read. The initial value of controls without their own is known only after all keys.
 struct Draft {
     AudioDevice device;
     double volume = 0.5;
@@ -24,7 +24,7 @@ struct Draft {
 };
 using Controls = decltype(Draft::controls);
 
-// The highest element that a device of the simulated MacBook may have.
+// Highest element of a simulated device.
 constexpr std::uint32_t lastElement = 64;
 
 constexpr std::array<Word<std::uint32_t>, 27> transports{{

@@ -17,7 +17,7 @@ constexpr std::array<Word<CaptureAuthorization>, 4> authorizations{{
     {"restricted", CaptureAuthorization::restricted},
 }};
 
-/// A kind of camera with the name that one without a name of its own gets.
+/// A kind of camera and its default name.
 struct CameraKind {
     std::string_view name;
     std::string_view type;
@@ -30,7 +30,7 @@ constexpr std::array<Word<CameraKind>, 3> kinds{{
     {"external", {"USB Camera", "AVCaptureDeviceTypeExternal"}},
 }};
 
-/// A camera on its way; what its type gives is known when all keys are read.
+/// A camera being read. Its type's defaults are known only after all keys.
 struct CameraDraft {
     CameraKind kind = kinds.front().meaning;
     std::optional<std::string> name;

@@ -5,7 +5,7 @@
 
 namespace sentrel::simulation {
 
-/// What a scenario says of the cameras: a map, or in short the devices alone.
+/// Reads a change of the cameras: a map, or for short the devices alone.
 [[nodiscard]] ChangeCamera readCamera(const YamlValue& value, const ReadContext& context);
 
 } // namespace sentrel::simulation

@@ -141,7 +141,7 @@ constexpr std::array<FieldRow<ChangeCloud>, 7> cloudFields{{
 
 void readSequence(CompanionPhone::Command& command, const YamlValue& value, const ReadContext&)
 {
-    constexpr double most = 9'007'199'254'740'992.0; // whole numbers beyond have no double of their own
+    constexpr double most = 9'007'199'254'740'992.0; // 2^53: doubles hold all integers up to here
     const double sequence = readNumber(value, "'sequence'", -most, most);
     command.sequence = static_cast<std::int64_t>(sequence);
     if (static_cast<double>(*command.sequence) != sequence) {

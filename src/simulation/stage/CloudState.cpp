@@ -53,7 +53,7 @@ void addApp(Json& state, SentrelApp& app)
     state["syncError"] = jsonOf(app.presence().syncError.get());
 }
 
-/// None when the server doesn't let the phone read.
+/// Null if the server doesn't let the phone read.
 Json phoneOf(simulation::CompanionPhone& phone)
 {
     try {
@@ -69,7 +69,7 @@ Json phoneOf(simulation::CompanionPhone& phone)
     }
 }
 
-/// What the account that is signed in holds, past the product.
+/// Number of alerts in the signed-in account, read from the server.
 std::uint64_t alertsInCloud(MacSession& session)
 {
     const simulation::CloudLink& link = session.mac().iCloud.link;

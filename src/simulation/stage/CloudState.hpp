@@ -6,7 +6,7 @@ namespace sentrel::simulation {
 
 class MacSession;
 
-/// Adds what can be expected of iCloud, the list of alerts and the phone.
+/// Adds the state of iCloud, the list of alerts and the phone.
 void addCloud(Json& state, MacSession& session);
 
 } // namespace sentrel::simulation

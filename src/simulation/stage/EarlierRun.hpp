@@ -5,8 +5,8 @@ namespace sentrel::simulation {
 class MacSession;
 struct Scenario;
 
-/// Puts on the Mac what its owner has set in an earlier run, by the scenario: settings and the unlock passcode. Before
-/// the launch. False when the keychain refuses the passcode.
+/// Stores the settings and the unlock passcode that the scenario gives from an earlier run. Call before the launch.
+/// False if the keychain refuses the passcode.
 [[nodiscard]] bool leaveFromEarlierRun(MacSession& session, const Scenario& scenario);
 
 } // namespace sentrel::simulation

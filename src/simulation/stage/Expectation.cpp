@@ -47,7 +47,7 @@ std::string shown(const Json& value)
     }
 }
 
-/// What is missing in a list of which some items, in this order, are expected, and others not.
+/// Collects the differences for a list with contained and absent items.
 void collectItems(const Expectation& expectation, const std::string& path, const Json& expected, const Json& actual,
                   std::vector<Mismatch>& found)
 {
@@ -69,7 +69,7 @@ void collectItems(const Expectation& expectation, const std::string& path, const
     }
 }
 
-/// Goes down to the members that differ, so that a message names just these.
+/// Descends to the members that differ, so that messages name only these.
 void collect(const Expectation& expectation, const std::string& path, const Json& expected, const Json* actual,
              std::vector<Mismatch>& found)
 {

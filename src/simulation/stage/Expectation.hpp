@@ -8,14 +8,14 @@
 
 namespace sentrel::simulation {
 
-/// How far apart two numbers may be and still count as equal.
+/// Largest difference of two numbers that count as equal.
 inline constexpr double numberTolerance = 1e-6;
 
-/// In the place of a list: the items that must be in it, in this order, and those that must not.
+/// Keys of an expected list's replacement: items it must contain, in this order, and items it must not.
 inline constexpr const char* containedItems = "contains";
 inline constexpr const char* absentItems = "lacks";
 
-/// What must hold of one part of the state, as a scenario says it.
+/// The expectation of one part of the state.
 struct Expectation {
     std::string key; ///< for example `lastAlert`
     Json expected;
@@ -23,7 +23,7 @@ struct Expectation {
     double tolerance = numberTolerance;
 };
 
-/// One difference between what was expected and what is.
+/// One difference between the expected and the actual state.
 struct Mismatch {
     std::string path; ///< for example `devices.73.volume`
     std::string expected;
@@ -31,13 +31,12 @@ struct Mismatch {
     int line = 0;
 };
 
-/// A step that can't be done counts like an expectation that doesn't hold: the scenario relied on it.
+/// The mismatch for a step that can't be done. It counts as a failed expectation, since the scenario relied on it.
 [[nodiscard]] Mismatch impossibleStep(const std::string& why, int line);
 
-/// Every difference, in the order of the expectation. Numbers match within its tolerance; of an object only the
-/// members that are expected count, and one that isn't there matches an expected null; lists match whole, unless just
-/// some items are expected. `state`
-/// holds a member for each key that can be expected; one without it is a mismatch.
+/// Every difference, in the order of the expectation. Numbers match within the tolerance. In objects only the expected
+/// members count, and a missing one matches null. Lists match as a whole unless some items are expected. A key missing
+/// in `state` is a mismatch.
 [[nodiscard]] std::vector<Mismatch> mismatches(const Expectation& expectation, const Json& state);
 
 /// "expected PATH to be EXPECTED, but it is ACTUAL"

@@ -12,10 +12,10 @@ namespace sentrel::simulation {
 
 namespace {
 
-/// Nobody knows the brightness of a JPEG file better than this.
+/// A JPEG file's brightness is known no more precisely than this.
 constexpr double brightnessTolerance = 0.01;
 
-/// A key that can be expected and how its value is read.
+/// A key that can be expected, and the reader of its value.
 struct ExpectationRow {
     std::string_view key;
     Json (*read)(const YamlValue& value);
@@ -68,7 +68,7 @@ Json textOrNull(const YamlValue& value)
     return value.isNull() ? Json{} : text(value);
 }
 
-/// Text that may be empty, in quotes.
+/// Text; an empty one must be in quotes.
 Json messageOrNull(const YamlValue& value)
 {
     const bool isEmpty = value.kind == YamlValue::Kind::quoted && value.text.empty();
@@ -143,7 +143,7 @@ constexpr std::array<ExpectationRow, 3> photoRows{
     {{"width", countOrNull}, {"height", countOrNull}, {"brightness", brightness}}};
 constexpr std::array<ExpectationRow, 2> deviceRows{{{"volume", level}, {"muted", flag}}};
 
-/// A section's name; those of months and years go on with which one.
+/// A section's name; those of months and years include which one.
 Json section(const YamlValue& value)
 {
     static constexpr std::array<std::string_view, 6> words{"today",      "yesterday", "this-week",
@@ -206,7 +206,7 @@ Json devices(const YamlValue& value)
     return object;
 }
 
-/// Some of a window's texts, in their order; or a map of those that are there and those that aren't.
+/// Some of a window's texts, in their order; or a map of texts present and texts absent.
 Json someTexts(const YamlValue& value)
 {
     static constexpr std::array<ExpectationRow, 2> rows{{{containedItems, list<text>}, {absentItems, list<text>}}};

@@ -21,7 +21,7 @@ void setArmed(MacSession& session, bool isArmed)
     session.changeSettings([isArmed](AlarmSettings& settings) { settings.isArmed = isArmed; });
 }
 
-/// The identifiers of the chosen rows, which stand in the list newest first.
+/// The identifiers of the chosen rows; the list is sorted newest first.
 std::unordered_set<UUID> chosen(const std::vector<AlertRow>& rows, DeleteAlerts::Which which)
 {
     std::unordered_set<UUID> ids;

@@ -32,13 +32,13 @@ constexpr std::array<Word<LoginAnswer>, 4> loginAnswers{{{"succeed", LoginAnswer
                                                          {"cancel", LoginAnswer::cancel},
                                                          {"unavailable", LoginAnswer::unavailable}}};
 
-/// A description on its way; what refers to other keys is checked when all are read.
+/// A description being read. References between keys are checked after all keys.
 struct Draft {
     Mac mac;
     const YamlValue* defaultOutput = nullptr;
 };
 
-/// A text of which the world has a list, such as "'language' must be one such as de".
+/// A text from an open list, with examples for the message, such as "'language' must be one such as de".
 std::string readListed(const YamlValue& value, const std::string& key, bool (*isListed)(const std::string&),
                        const char* examples)
 {
@@ -50,7 +50,7 @@ std::string readListed(const YamlValue& value, const std::string& key, bool (*is
     return text;
 }
 
-/// An identifier as bundles have it. It names folders and files, so that it must not lead out of the Mac's disk.
+/// A bundle identifier. It becomes part of paths and must not lead out of the Mac's disk.
 std::optional<std::string> readBundleIdentifier(const YamlValue& value)
 {
     constexpr std::string_view permitted = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789.-";

@@ -11,7 +11,7 @@ namespace {
 
 constexpr std::string_view passcodeField = "passcode";
 
-/// Whether something stands in the first cover's field, as a row of dots shows to anybody.
+/// Whether the first cover's field holds text, as its row of dots shows.
 bool holdsText(const simulation::SimulatedDisplays& displays)
 {
     const auto covers = displays.covers();
@@ -23,7 +23,7 @@ bool holdsText(const simulation::SimulatedDisplays& displays)
 /// The alarm repeats its beep after 0.9 s.
 constexpr Duration longestBeepPause = std::chrono::milliseconds{900} - simulation::Speaker::beepLength;
 
-/// Whether anything of it reaches the ear: silence that is played, or played through a mute, doesn't.
+/// Whether the sound can be heard: false for silent samples and for a gain of 0.
 bool isAudible(const simulation::Sounding& sounding)
 {
     return sounding.gain > 0.0F && std::ranges::any_of(*sounding.samples, [](float sample) { return sample != 0.0F; });
@@ -109,7 +109,7 @@ void MacSession::relaunch()
     quit();
 }
 
-/// A process ends in the middle of its last call. It is taken apart a turn later, and does nothing until then.
+/// The process ends inside its last call. It is destroyed a turn later, and does nothing until then.
 void MacSession::processHasEnded()
 {
     process_.setAsleep(true);
@@ -156,7 +156,7 @@ void MacSession::openLid()
 void MacSession::closeLid()
 {
     mac_.lid.close();
-    // A lid that shuts darkens its screen.
+    // Closing the lid turns off its screen.
     sleepScreens();
 }
 

@@ -18,27 +18,26 @@
 
 namespace sentrel::simulation {
 
-/// What the speaker lets be heard.
+/// The alarm's audible output.
 struct AlarmSound {
     std::string_view mode; ///< "tone" or "beep"
     ports::AudioObjectId device = 0;
-    float volume = 0.0F; ///< that of the device
+    float volume = 0.0F; ///< volume of the device
 };
 
-/// Sets the passcode now, slow as it is; false when the keychain refuses.
+/// Sets the passcode synchronously, although this is slow. False if the keychain refuses.
 [[nodiscard]] bool storePasscode(UnlockPasscodeStore& store, std::string_view passcode);
 
-/// A simulated MacBook with the product on it, in virtual time: what people do at it and what befalls it. One thread.
+/// A simulated MacBook with the product on it, in virtual time, and the actions of people on it. One thread.
 ///
-/// When the product says that its tone has started, the session listens to the speaker and notes `alarm.heard` {mode,
+/// When the product reports that its tone has started, the session checks the speaker and notes `alarm.heard` {mode,
 /// device, volume} or `alarm.unheard`.
 class MacSession {
 public:
-    /// Stories begin on a Saturday morning, 14 June 2025, 09:41 UTC: a day is as good as another, and the same day
-    /// makes the same run.
+    /// Stories begin on Saturday, 14 June 2025, 09:41 UTC. An arbitrary date, fixed so that runs are reproducible.
     static constexpr Date storyDate{771586860.0};
 
-    /// The disk is an existing folder; resources hold the localisation tables.
+    /// `disk` is an existing folder; `resources` holds the localisation tables.
     MacSession(const simulation::MacDescription& description, std::filesystem::path disk,
                std::filesystem::path resources, std::uint64_t seed, Date date = storyDate);
     ~MacSession();
@@ -50,10 +49,10 @@ public:
     /// The process's memory is lost; its files stay.
     void crash();
 
-    /// The user quits the product, which asks for the login if it wants to, cleans up and ends.
+    /// The user quits the product, which may ask for the login, cleans up and ends.
     void quit();
 
-    /// The same, and starts it again once it has ended; starts it if it doesn't run.
+    /// Quits the product and starts it once it has ended; starts it at once if it isn't running.
     void relaunch();
 
     void sleep();
@@ -64,22 +63,23 @@ public:
     void closeLid();
     void sleepScreens();
 
-    /// Writes fields of the settings as a window does.
+    /// Changes the settings the way a window does.
     void changeSettings(const std::function<void(AlarmSettings&)>& change);
     void stopAlarm();
 
-    /// Sets the unlock passcode as a window does, and notes `passcode.set` {saved}.
+    /// Sets the unlock passcode the way a window does, and notes `passcode.set` {saved}.
     void setPasscode(std::string_view passcode);
 
-    /// Somebody empties the first cover's passcode field, types, and presses return. Notes `typed.nowhere` when no
-    /// cover takes it.
+    /// A person empties the first cover's passcode field, types, and presses return. Notes `typed.nowhere` if no cover
+    /// takes it.
     void typePasscode(std::string_view passcode);
 
-    /// The owner's phone sends its first Mac a command. Notes `phone.command` {sequence, arm}, `phone.noMac` when the
-    /// phone knows of none, or `phone.refused` {why} by the server.
+    /// The owner's phone sends its first Mac a command. Notes `phone.command` {sequence, arm}, `phone.noMac` if the
+    /// phone knows none, or `phone.refused` {why} if the server refuses.
     void commandByPhone(const simulation::CompanionPhone::Command& command);
 
-    /// Runs a function on the product's main thread, and everything that is then due. Nothing while it doesn't run.
+    /// Runs a function on the product's main thread, and then everything due. No effect while the product isn't
+    /// running.
     void onMain(const std::function<void(SentrelApp&)>& function);
 
     /// The product's main thread.
@@ -91,10 +91,10 @@ public:
     [[nodiscard]] simulation::EventLog& log() { return log_; }
     [[nodiscard]] simulation::PrivateCloud& cloudServer() { return cloudServer_; }
 
-    /// The phone of the user who is signed in at first.
+    /// The phone of the initially signed-in user.
     [[nodiscard]] simulation::CompanionPhone& phone() { return phone_; }
 
-    /// What is heard now; none while nothing is. A series of beeps is heard also in the pauses between them.
+    /// The audible alarm now; none if nothing is heard. A series of beeps counts as heard in its pauses too.
     [[nodiscard]] std::optional<AlarmSound> sound() const;
 
     /// Seconds since the session's start.

@@ -23,7 +23,7 @@ Json jsonOf(const std::optional<std::string>& text)
     return text ? Json(*text) : Json(nullptr);
 }
 
-/// Where the alerts lie is the product's business; it is said here again so that the disk is seen without it.
+/// The product's folder of alerts, repeated here so that the disk is read independently of the product.
 std::filesystem::path alertsFolder(simulation::SimulatedMac& mac)
 {
     return mac.disk() / "Application Support" / mac.host.bundleIdentifier().value_or("Sentrel") / "Alerts";
@@ -47,7 +47,7 @@ std::vector<StoredAlert> alertsOnDisk(simulation::SimulatedMac& mac)
     return alerts;
 }
 
-/// The content of the alert's photo file; none when it has none or the file isn't there.
+/// The content of the alert's photo file; none without a photo or if the file is missing.
 std::optional<Bytes> photoOf(simulation::SimulatedMac& mac, const StoredAlert& stored)
 {
     if (!stored.alert.photoFileName) {
@@ -57,7 +57,7 @@ std::optional<Bytes> photoOf(simulation::SimulatedMac& mac, const StoredAlert& s
     return files.read(alertsFolder(mac) / std::filesystem::path{*stored.alert.photoFileName}.filename());
 }
 
-/// The last alert's photo as it measures; a file that is no image has no size.
+/// Measurements of the last alert's photo; a file that is not an image has no size.
 Json lastPhotoOf(simulation::SimulatedMac& mac, const std::vector<StoredAlert>& alerts)
 {
     const auto photo = alerts.empty() ? std::nullopt : photoOf(mac, alerts.back());
@@ -98,7 +98,7 @@ void addAlerts(Json& state, simulation::SimulatedMac& mac)
         std::count_if(alerts.begin(), alerts.end(), [](const StoredAlert& stored) { return stored.pendingUpload; });
 }
 
-/// Notices and the last trigger, as the product publishes them: they are to be read in a window that is mostly closed.
+/// Notices and the last trigger, from the product: the window that shows them is mostly closed.
 void addCoordinator(Json& state, const AlarmCoordinator& coordinator)
 {
     state["statusMessage"] = coordinator.statusMessage.get();
@@ -109,7 +109,7 @@ void addCoordinator(Json& state, const AlarmCoordinator& coordinator)
     state["motionWarning"] = jsonOf(coordinator.motionWarning.get());
 }
 
-/// A product that doesn't run shows nothing and does nothing.
+/// The state while the product isn't running: nothing shown, nothing active.
 void addNoCoordinator(Json& state)
 {
     for (const char* key : {"statusMessage", "lastTrigger", "lastError", "cameraWarning", "motionWarning"}) {

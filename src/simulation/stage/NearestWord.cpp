@@ -8,7 +8,7 @@ namespace sentrel::simulation {
 
 namespace {
 
-// A change of case costs less than any other, but not nothing, so that of two words the same-cased one wins.
+// A change of case costs 1, any other `oneChange`: the word in the same case wins.
 constexpr std::size_t oneChange = 4;
 constexpr std::size_t longestCompared = 64;
 
@@ -82,7 +82,7 @@ std::string inQuotes(std::string_view text)
     std::string shown{text.substr(0, longestShown)};
     if (shown.size() < text.size()) {
         while (!shown.empty() && (static_cast<unsigned char>(shown.back()) & 0xC0U) == 0x80U) {
-            shown.pop_back(); // never half of a character
+            shown.pop_back(); // never splits a character
         }
         if (!shown.empty() && static_cast<unsigned char>(shown.back()) >= 0xC0U) {
             shown.pop_back();

@@ -11,7 +11,7 @@ namespace sentrel::simulation {
 
 namespace {
 
-/// Of the menu's buttons.
+/// Identities of the menu's buttons.
 constexpr std::string_view settingsButton = "settings";
 constexpr std::string_view alertsButton = "alertList";
 
@@ -60,7 +60,7 @@ std::string Person::perform(const ClickOn& action) const
     return onMain([&]() -> std::string {
         session_.mac().statusBar.closeMenu();
         if (const auto alert = session_.mac().alerts.open()) {
-            // Alerts have one button, whatever the language calls it.
+            // Alerts have one button; its text depends on the language.
             session_.mac().alerts.close();
             return {};
         }
@@ -79,7 +79,7 @@ std::string Person::perform(const TypeText& action) const
             return complaint(session_.mac().displays.useFront(fill), *action.field);
         });
     }
-    // One character after the other, each on what the one before has led to.
+    // One character at a time: each one may change the windows.
     std::string_view rest = action.text;
     std::string why;
     while (!rest.empty() && why.empty()) {
@@ -142,7 +142,7 @@ std::string Person::perform(const DragWindow& action) const
         if (!window || !window->isVisible || isLockedOut()) {
             return "the window isn't there to be dragged";
         }
-        // A window that stays as it is may have reached its bounds.
+        // An unchanged window may have reached its limits, so failure to resize isn't reported.
         if (action.size) {
             displays.resizeWindow(identifier, *action.size);
         }
@@ -182,7 +182,7 @@ std::string Person::pressInMenu(const std::string& wanted) const
     if (!why.empty()) {
         return why;
     }
-    // A turn later: opening the menu may have changed what it shows.
+    // Clicks a turn later: opening the menu may change its content.
     return onMain([&] { return complaint(session_.mac().statusBar.click(wanted), wanted); });
 }
 

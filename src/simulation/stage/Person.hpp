@@ -17,8 +17,8 @@ namespace sentrel::simulation {
 
 class MacSession;
 
-/// The person in front of the MacBook, who uses the menu, the windows and the panels as far as they can be got at:
-/// the lock screen covers everything. Each function gives why it could not be done, or nothing when it was.
+/// The person in front of the MacBook, who uses the menu, the windows and the panels that are reachable: the lock
+/// screen covers everything. Each function returns why it failed; empty on success.
 class Person {
 public:
     explicit Person(MacSession& session) : session_(session) {}

@@ -13,7 +13,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// What a play leaves in its folder. The events come first: they are the mark by which a folder is known as a play's.
+/// The files of a play's folder. The first, the events, identifies a folder as a play's.
 constexpr std::array<const char*, 7> leftBehind{
     "events.jsonl", "alarm.wav", "Application Support", "Preferences", "Keychains", "iCloud", "tmp"};
 

@@ -6,11 +6,11 @@
 
 namespace sentrel::simulation {
 
-/// The folder of one play: the simulated MacBook's disk beside what is kept of the play. A folder of its own when none
-/// is asked for, which goes away with this object.
+/// The folder of one play: the simulated MacBook's disk and the play's output. By default a temporary folder, removed
+/// with this object.
 class PlayFolder {
 public:
-    /// Empties what an earlier play left in the folder, and nothing else: a folder that holds files of these names
+    /// Removes the remains of an earlier play from the folder, and nothing else: a folder with files of these names
     /// from elsewhere is refused. Throws `PlayError`.
     explicit PlayFolder(const std::optional<std::filesystem::path>& wanted);
     ~PlayFolder();

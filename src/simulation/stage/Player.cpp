@@ -19,7 +19,6 @@ std::string place(const Scenario& scenario, int line)
     return scenario.file + ":" + std::to_string(line) + ": ";
 }
 
-/// A scenario on its MacBook.
 class Play {
 public:
     Play(const Scenario& scenario, const PlayOptions& options, Audience& audience)
@@ -36,7 +35,7 @@ public:
             throw PlayError{"the passcode can't be put into the keychain"};
         }
         session_.log().observe([this](const simulation::Event& event) {
-            if (!hasEnded_) { // how the product is taken apart afterwards is no part of the play
+            if (!hasEnded_) { // the product's destruction is not part of the play
                 audience_.happened(event);
             }
         });
@@ -141,7 +140,7 @@ PlayResult play(const Scenario& scenario, const PlayOptions& options, Audience& 
     try {
         return Play{scenario, options, audience}.run();
     } catch (const std::invalid_argument& error) {
-        // A description that makes no MacBook, such as two audio devices with one identifier.
+        // Invalid description, such as two audio devices with one identifier.
         throw PlayError{scenario.file + ": " + error.what()};
     }
 }

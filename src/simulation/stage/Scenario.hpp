@@ -13,17 +13,17 @@
 
 namespace sentrel::simulation {
 
-/// One step: something is done, or something is expected to hold.
+/// One step: an action or expectations.
 struct Step {
-    Duration at{}; ///< since launch, never less than the step before
+    Duration at{}; ///< since launch; never decreases from step to step
     int line = 0;
-    std::string note; ///< what the story tells first; may be empty
+    std::string note; ///< told first by the story; may be empty
     std::variant<Action, std::vector<Expectation>> content;
 };
 
-/// A scenario as it was read: plain values, everything in it known to be well formed.
+/// A scenario that has been read: plain values, all known to be well formed.
 struct Scenario {
-    std::string file; ///< as it was named, for messages
+    std::string file; ///< as given, for messages
     std::string title;
     simulation::MacDescription mac;
     Json settings = Json::object(); ///< fields of `AlarmSettings` that differ from the defaults, as in `ChangeSettings`

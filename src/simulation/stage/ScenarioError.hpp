@@ -5,7 +5,7 @@
 
 namespace sentrel::simulation {
 
-/// A scenario, or a file that it names, can't be used. `what()` is one line: file, line, and what is wrong.
+/// Thrown if a scenario, or a file that it names, can't be used. `what()` is one line: file, line and problem.
 class ScenarioError : public std::runtime_error {
 public:
     /// `line` counts from 1; 0 stands for the file as a whole.
@@ -21,7 +21,7 @@ private:
     int line_;
 };
 
-/// A fault at a line of the file being read; whoever knows the file's name makes a `ScenarioError` of it.
+/// A fault at a line of the file being read. Callers that know the file's name turn it into a `ScenarioError`.
 class SourceFault : public std::runtime_error {
 public:
     SourceFault(int line, const std::string& message) : std::runtime_error(message), line_(line) {}

@@ -14,7 +14,7 @@ namespace {
 
 constexpr std::size_t largestScenario = 1024UL * 1024;
 
-/// A step on its way; which of its parts were there is checked at its end.
+/// A step being read; its parts are checked at the end.
 struct StepDraft {
     StepTime at;
     int contents = 0;

@@ -7,7 +7,7 @@
 
 namespace sentrel::simulation {
 
-/// Reads a scenario file of at most 1 MB with everything that it names. Throws `ScenarioError` for the first fault.
+/// Reads a scenario file of at most 1 MB and all files that it names. Throws `ScenarioError` for the first fault.
 [[nodiscard]] Scenario readScenario(const std::filesystem::path& file);
 
 /// Reads a scenario from its text, any bytes. `file` names it in messages; paths in it are relative to its folder.

@@ -16,7 +16,7 @@ namespace {
 
 constexpr std::string_view suffix = ".yaml";
 
-/// The title, or what is wrong with a scenario that has none to read.
+/// The title, or the error of a scenario that can't be read.
 std::string titleOf(const std::filesystem::path& file)
 {
     try {

@@ -7,16 +7,16 @@
 
 namespace sentrel::simulation {
 
-/// The folder of scenarios that come with the program.
+/// The folder of the scenarios that come with the program.
 class ScenarioShelf {
 public:
     explicit ScenarioShelf(std::filesystem::path folder) : folder_(std::move(folder)) {}
 
-    /// The scenarios' names in alphabetical order, without `.yaml`. Empty when the folder can't be read.
+    /// The scenarios' names in alphabetical order, without `.yaml`. Empty if the folder can't be read.
     [[nodiscard]] std::vector<std::string> names() const;
 
-    /// The file that `wanted` means: a path as it is, or else the scenario of that name. Throws a `ScenarioError` that
-    /// names the nearest scenario when `wanted` is a bare name and neither exists.
+    /// The file at the path `wanted`, or else the scenario of that name. Throws a `ScenarioError` that names the
+    /// nearest scenario if `wanted` is a bare name and neither exists.
     [[nodiscard]] std::filesystem::path find(const std::string& wanted) const;
 
 private:

@@ -11,7 +11,7 @@ namespace sentrel::simulation {
 
 namespace {
 
-/// Bounds of a number among the settings. The product reads any number; one beyond these is a slip.
+/// Upper bound of a numeric setting. The product accepts any number; larger ones are mistakes in a scenario.
 struct Bounds {
     std::string_view field;
     double most;

@@ -10,23 +10,23 @@
 
 namespace sentrel::simulation {
 
-// What a person does with the menu, the windows and the panels. Views are named by their text or their identity.
+// Actions of a person on the menu, the windows and the panels. Views are named by their text or their identity.
 
 /// The application's windows.
 enum class ShellWindow { main, alerts };
 
-/// Opens the menu, if it isn't open, and presses something there; with nothing to press it only opens or closes it.
+/// Opens the menu, if it isn't open, and presses a view there. If `wanted` is empty, only opens or closes the menu.
 struct UseMenu {
     std::string wanted;
-    bool isOpen = true; ///< afterwards, when nothing is pressed
+    bool isOpen = true; ///< the menu's state afterwards, if nothing is pressed
 };
 
-/// Clicks in what is in front: an alert, the lock screen, or the window that was used last.
+/// Clicks in the front: an alert, the lock screen, or the window used last.
 struct ClickOn {
     std::string wanted;
 };
 
-/// Types where the keyboard goes, or replaces what stands in a field.
+/// Types at the keyboard focus, or replaces a field's text.
 struct TypeText {
     std::optional<std::string> field;
     std::string text;
@@ -61,16 +61,16 @@ struct CloseWindow {
 /// Drags a window's edges, its title bar, or both.
 struct DragWindow {
     ShellWindow window = ShellWindow::main;
-    std::optional<ports::Size> size; ///< of the content
-    std::optional<ports::Size> to;   ///< of the lower left corner, from that of the built-in display
+    std::optional<ports::Size> size; ///< size of the content
+    std::optional<ports::Size> to;   ///< lower left corner, from that of the built-in display
 };
 
-/// How the system answers from now on when the application wants to open at login, or no longer.
+/// Sets the system's answer from now on when the application registers or unregisters as a login item.
 struct AnswerLoginItem {
     bool fails = false;
 };
 
-/// How save panels are answered from now on.
+/// Sets the answer to save panels from now on.
 struct AnswerSavePanel {
     std::optional<std::string> folder; ///< on the disk; none: cancelled
 };

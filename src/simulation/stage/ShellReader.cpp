@@ -13,7 +13,7 @@ bool isPlainWord(const YamlValue& value, std::string_view word)
     return value.kind == YamlValue::Kind::plain && value.text == word;
 }
 
-/// Text that may be empty, in quotes.
+/// Text; an empty one must be in quotes.
 std::string readAnyText(const YamlValue& value, std::string_view what)
 {
     const bool isEmpty = value.kind == YamlValue::Kind::quoted && value.text.empty();
@@ -30,7 +30,7 @@ ports::Size readPair(const YamlValue& value, std::string_view what, std::string_
     return {first, second};
 }
 
-/// The one entry of a map.
+/// The only entry of a map.
 const YamlValue& onlyItem(const YamlValue& value, std::string_view what, std::string_view example)
 {
     if (!value.isMap() || value.keys.size() != 1) {

@@ -5,7 +5,7 @@
 
 namespace sentrel::simulation {
 
-// What a scenario says of the menu, the windows and the panels. Each function faults for what it can't be.
+// Readers of actions on the menu, the windows and the panels. Each function throws a `SourceFault` for invalid values.
 
 /// A text or identity; the plain words `open` and `close` for the menu itself.
 [[nodiscard]] UseMenu readUseMenu(const YamlValue& value);
@@ -31,7 +31,7 @@ namespace sentrel::simulation {
 /// `ok` or `fail`.
 [[nodiscard]] AnswerLoginItem readLoginItem(const YamlValue& value);
 
-/// `cancel` or the name of a folder on the disk, which need not be there.
+/// `cancel` or the name of a folder on the disk, which need not exist.
 [[nodiscard]] AnswerSavePanel readSavePanel(const YamlValue& value);
 
 } // namespace sentrel::simulation

@@ -16,9 +16,9 @@ namespace sentrel::simulation {
 namespace {
 
 constexpr std::string_view armedIcon = "MenuBarIconArmed";
-constexpr std::string_view stopButton = "stopAlarm"; // of the menu
+constexpr std::string_view stopButton = "stopAlarm"; // in the menu
 
-/// A window as it stands; one that hasn't been made, or has gone with its process, is not visible.
+/// The window's state; a window that doesn't exist yet or any more is not visible.
 Json windowOf(const simulation::SimulatedDisplays& displays, ShellWindow wanted)
 {
     const auto window = displays.window(identifierOf(wanted));
@@ -42,7 +42,7 @@ void addText(Json& texts, const std::string& text)
     }
 }
 
-/// The questions and notices that are open, in windows and of their own.
+/// The open questions and notices, in windows and in panels of their own.
 Json dialogsOf(simulation::SimulatedMac& mac)
 {
     Json texts = Json::array();
@@ -66,7 +66,7 @@ std::string_view nameOf(MacAppDelegate::QuitState state)
     return state == MacAppDelegate::QuitState::running ? "running" : "asked";
 }
 
-/// Whether the item says that the product is armed, and whether its menu offers to stop an alarm.
+/// Adds whether the item shows the product as armed, and whether its menu offers to stop an alarm.
 void addItem(Json& state, const std::optional<simulation::SimulatedStatusBar::Item>& item)
 {
     state["icon"] = item ? Json(item->image) : Json(nullptr);

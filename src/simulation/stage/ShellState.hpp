@@ -6,7 +6,7 @@ namespace sentrel::simulation {
 
 class MacSession;
 
-/// Adds what can be seen of the application: `isArmed`, `isAlarmActive`, `menu`, `window`, `icon`, `activationPolicy`,
+/// Adds the visible state of the application: `isArmed`, `isAlarmActive`, `menu`, `window`, `icon`, `activationPolicy`,
 /// `quit` and `dialogs`.
 void addShell(Json& state, MacSession& session);
 

@@ -7,7 +7,7 @@
 
 namespace sentrel::simulation {
 
-/// The user defaults as they lie on the simulated MacBook's disk, read past a product that doesn't run.
+/// The user defaults on the simulated MacBook's disk, read while the product isn't running.
 class StoredDefaults {
 public:
     explicit StoredDefaults(simulation::SimulatedMac& mac)

@@ -41,7 +41,7 @@ std::string shortNumber(double number)
     return {text.data(), std::to_chars(text.data(), text.data() + text.size(), number).ptr};
 }
 
-/// The Boolean that YAML 1.1 would have taken the word for.
+/// The Boolean that the word means in YAML 1.1.
 std::optional<bool> oldFlag(std::string text)
 {
     std::ranges::transform(text, text.begin(), [](char letter) {
@@ -56,7 +56,7 @@ std::optional<bool> oldFlag(std::string text)
     return std::nullopt;
 }
 
-/// The number that the whole text is; none for anything else. Infinite where it is too large.
+/// The whole text as a number; none for anything else, infinite if too large.
 std::optional<double> parseNumber(std::string_view text)
 {
     if (!text.empty() && text.front() == '+') {
@@ -84,7 +84,7 @@ struct Unit {
     std::string_view shortName = name;
 };
 
-// The long names aren't units; they are here so that the hint for `3min` is `m`.
+// The long names aren't valid; they give `3min` the hint `m`.
 constexpr std::array<Unit, 14> units{{
     {"ms", 1e6},
     {"s", 1e9},
@@ -195,7 +195,7 @@ std::optional<std::uint32_t> readOptionalDevice(const YamlValue& value)
 
 namespace {
 
-/// The span that the text says, which is the value's own or a part of it.
+/// The span in the text, which is all or part of the value's.
 Duration spanOf(const YamlValue& value, std::string_view text, std::string_view what, std::string_view wanted)
 {
     if (!text.empty() && text.front() == '-') {

@@ -18,14 +18,14 @@
 
 namespace sentrel::simulation {
 
-// Reading YAML values strictly: each function takes the value or throws a `SourceFault` that says what it must be.
+// Reading YAML values strictly: each function returns the value, or throws a `SourceFault` that says what it must be.
 
-/// What a reader knows besides the value.
+/// Context of a value.
 struct ReadContext {
-    std::filesystem::path folder; ///< of the scenario: what paths in it are relative to
+    std::filesystem::path folder; ///< the scenario's; base of relative paths
 };
 
-/// `true` or `false`; the other words that older YAML takes for these are refused.
+/// `true` or `false`; other Booleans of YAML 1.1 are refused.
 [[nodiscard]] bool readFlag(const YamlValue& value, std::string_view what);
 
 /// A finite number.
@@ -41,7 +41,7 @@ struct ReadContext {
 /// Whether the value is null or the word `none`.
 [[nodiscard]] bool isNone(const YamlValue& value);
 
-/// Text, not empty; numbers and Booleans count as the text that they are.
+/// Text, not empty; numbers and Booleans count as text.
 [[nodiscard]] std::string readText(const YamlValue& value, std::string_view what);
 
 /// Text, or none for `none` and null.
@@ -63,7 +63,7 @@ struct StepTime {
 /// A span such as `6s` or `500ms`.
 [[nodiscard]] Duration readSpan(const YamlValue& value, std::string_view what);
 
-/// No scenario is longer: far beyond any use, and far below where the clock's arithmetic would end.
+/// Longest time in a scenario: far beyond any use, and far below the clock's overflow.
 inline constexpr Duration longestScenario = std::chrono::hours{24 * 366};
 
 /// An existing file or folder named by a path that is relative to the scenario.
@@ -72,21 +72,21 @@ inline constexpr Duration longestScenario = std::chrono::hours{24 * 366};
 /// The whole content of such a file.
 [[nodiscard]] Bytes readFileContent(const YamlValue& value, std::string_view what, const ReadContext& context);
 
-/// Faults for a value that isn't of the kind asked for, and for an empty list or map where that makes no sense.
+/// Throws a `SourceFault` if the value isn't of this kind, or is empty where that makes no sense.
 void requireMap(const YamlValue& value, std::string_view what);
 void requireList(const YamlValue& value, std::string_view what);
 
-/// A word and what it stands for.
+/// A word and its meaning.
 template <class Meaning> struct Word {
     std::string_view text;
     Meaning meaning;
 };
 
-/// The place in `words` of the scalar's text.
+/// The index in `words` of the scalar's text.
 [[nodiscard]] std::size_t readChoice(const YamlValue& value, std::string_view what,
                                      std::span<const std::string_view> words);
 
-/// One of the words.
+/// The meaning of one of the words.
 template <class Meaning, std::size_t Count>
 [[nodiscard]] Meaning readWord(const YamlValue& value, std::string_view what,
                                const std::array<Word<Meaning>, Count>& words)
@@ -98,14 +98,14 @@ template <class Meaning, std::size_t Count>
     return words[readChoice(value, what, texts)].meaning;
 }
 
-/// A key of a map and what to do with its value.
+/// A key of a map and the reader of its value.
 template <class Target> struct FieldRow {
     std::string_view key;
     void (*read)(Target& into, const YamlValue& value, const ReadContext& context);
     bool isRequired = false;
 };
 
-/// Where each of a map's keys stands in `keys`. Faults for unknown keys and for one that comes twice.
+/// Finds a map's keys in `keys`. Throws a `SourceFault` for unknown and repeated keys.
 class KeyChecker {
 public:
     KeyChecker(std::span<const std::string_view> keys, std::string_view what)
@@ -119,7 +119,7 @@ public:
 private:
     std::span<const std::string_view> keys_;
     std::string_view what_;
-    std::vector<int> lines_; // where each was seen; 0: not yet
+    std::vector<int> lines_; // line of each key; 0 until seen
 };
 
 /// Reads a map by its table of keys, in the order of the file.
@@ -143,7 +143,7 @@ void readFields(const YamlValue& map, std::string_view what, const std::array<Fi
     }
 }
 
-/// For maps whose keys are free, such as device numbers: faults for a key that comes twice.
+/// For maps with free keys, such as device numbers: throws a `SourceFault` for a repeated key.
 void refuseDuplicates(const YamlValue& map, std::string_view what);
 
 } // namespace sentrel::simulation

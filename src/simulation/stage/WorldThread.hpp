@@ -13,28 +13,26 @@
 
 namespace sentrel::simulation {
 
-/// Lets a virtual world live in real time: one thread moves its clock along with the machine's own and sleeps while
-/// nothing is due. Everything in the world happens on that thread, so that it needs no locks, and behaves in real time
-/// exactly as it does in virtual time. Other threads reach in through `call`.
+/// Runs a virtual world in real time: one thread advances its clock with the machine's and sleeps while nothing is due.
+/// Everything in the world runs on that thread, without locks, exactly as in virtual time. Other threads use `call`.
 class WorldThread {
 public:
     explicit WorldThread(VirtualClock& clock) : clock_(clock) {}
     WorldThread(const WorldThread&) = delete;
 
-    /// Stops.
     ~WorldThread() { stop(); }
 
-    /// Called on the world's thread after each time that something may have happened. Set before `start`.
+    /// Called on the world's thread whenever something may have happened. Set before `start`.
     std::function<void()> happened;
 
-    /// Begins; the world's time goes on from where it stands.
+    /// Starts the thread; the world's time continues from where it stands.
     void start();
 
-    /// Ends the thread, after the calls that it has taken. Not on the world's thread.
+    /// Ends the thread after the calls it has accepted. Don't call on the world's thread.
     void stop();
 
-    /// Runs the function on the world's thread, gives its value, and throws what it throws; `std::runtime_error` when
-    /// the world has stopped. Not on the world's thread.
+    /// Runs the function on the world's thread; returns its value or throws its exception. Throws `std::runtime_error`
+    /// if the world has stopped. Don't call on the world's thread.
     template <class Function> auto call(Function function) -> std::invoke_result_t<Function&>
     {
         std::packaged_task<std::invoke_result_t<Function&>()> task{std::move(function)};

@@ -19,7 +19,7 @@ int lineOf(const YAML::Mark& mark)
     return mark.is_null() || mark.line < 0 ? 1 : mark.line + 1;
 }
 
-/// Builds the values from the parser's events, so that nothing of the library's own lax node type is needed.
+/// Builds the values from the parser's events, avoiding the library's lax node type.
 class Builder final : public YAML::EventHandler {
 public:
     void OnDocumentStart(const YAML::Mark&) override {}
@@ -34,7 +34,7 @@ public:
 
     void OnScalar(const YAML::Mark& mark, const std::string& tag, YAML::anchor_t, const std::string& text) override
     {
-        // The library tells plain scalars by the tag "?" and quoted ones by "!".
+        // The library marks plain scalars with the tag "?" and quoted ones with "!".
         refuseTag(mark, tag);
         YamlValue value = made(tag == "!" ? YamlValue::Kind::quoted : YamlValue::Kind::plain, mark);
         value.text = text;
@@ -105,7 +105,7 @@ private:
             return;
         }
         if (value.isNull() && parent.isMap()) {
-            value.line = parent.keys.back().line; // the library gives the place where it noticed that there is nothing
+            value.line = parent.keys.back().line; // the library reports where it noticed the missing value
         }
         parent.items.push_back(std::move(value));
     }
@@ -114,7 +114,7 @@ private:
     YamlValue root_;
 };
 
-/// Length of the UTF-8 character that begins the text; 0 when there is none.
+/// Length of the UTF-8 character at the beginning of the text; 0 if it is invalid.
 std::size_t characterLength(std::string_view text)
 {
     const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
@@ -136,7 +136,7 @@ std::size_t characterLength(std::string_view text)
     return isOverlong || isNoCharacter ? 0 : length;
 }
 
-/// The library's scanner looks ahead along a line and keeps what it sees: this bounds the memory that it takes.
+/// In bytes. The library's scanner buffers as it looks ahead along a line; this bounds its memory.
 constexpr std::size_t longestLine = 65536;
 
 void checkCharacters(std::string_view text)

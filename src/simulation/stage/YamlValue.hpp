@@ -7,7 +7,7 @@
 
 namespace sentrel::simulation {
 
-/// A value of a YAML document with the line on which it stands.
+/// A value of a YAML document and its line.
 struct YamlValue {
     enum class Kind { null, plain, quoted, list, map };
 
@@ -23,11 +23,11 @@ struct YamlValue {
     [[nodiscard]] bool isNull() const { return kind == Kind::null; }
 };
 
-/// Levels of lists and maps that a document may have.
+/// Most nested levels of lists and maps in a document.
 inline constexpr std::size_t mostYamlLevels = 32;
 
-/// Reads one document. The text may be any bytes; throws `SourceFault` for what isn't UTF-8 or YAML, and for anchors'
-/// aliases, tags, deep nesting, endless lines, and keys that aren't words.
+/// Reads one document. The text may be any bytes; throws `SourceFault` if it isn't UTF-8 or YAML, and for aliases,
+/// tags, deep nesting, overlong lines, and keys that aren't scalars.
 [[nodiscard]] YamlValue parseYaml(const std::string& text);
 
 } // namespace sentrel::simulation

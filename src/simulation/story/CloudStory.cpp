@@ -87,7 +87,7 @@ StorySentence CloudStory::tellNotified(const Event& event)
     return {StoryTone::good, "The owner's phone shows: “" + std::string{event.text("text")} + "”"};
 }
 
-/// Most requests are no news, and what comes of those that fail is told elsewhere; but for who must wait.
+/// Tells throttling only: successes are no news, and the effects of other failures are told elsewhere.
 StorySentence CloudStory::tellRequest(const Event& event)
 {
     static constexpr std::string_view patience[] = {"requestRateLimited", "zoneBusy", "serviceUnavailable"};

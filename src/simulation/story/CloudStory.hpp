@@ -10,14 +10,14 @@
 
 namespace sentrel::simulation {
 
-/// Tells what becomes of alerts and commands between the Mac, iCloud and the phone. What happens over and over, such as
-/// the same failure at each attempt, is told once. One thread.
+/// Tells the events of alerts and commands between the Mac, iCloud and the phone. Repetitions, such as the same failure
+/// at each attempt, are told once. One thread.
 class CloudStory {
 public:
-    /// The event in plain English, empty when it isn't worth a word; none for one that isn't known here.
+    /// The event in plain English, empty if it isn't worth telling; none for an unknown event.
     std::optional<StorySentence> tell(const simulation::Event& event);
 
-    /// The process is gone, and with it what it had under way.
+    /// The process is gone, with everything it had under way.
     void endProcess();
 
 private:
@@ -37,7 +37,7 @@ private:
     StorySentence tellRequest(const simulation::Event& event);
     [[nodiscard]] std::string alertName(const simulation::Event& event) const;
 
-    std::map<std::string, std::string, std::less<>> reasons_; // of alerts by identifier
+    std::map<std::string, std::string, std::less<>> reasons_; // by alert identifier
     std::string lastUploadFailure_;
     bool publishedArmed_ = false; // as the phone sees it; at first it sees no Mac
     bool isThrottled_ = false;

@@ -9,7 +9,7 @@ namespace sentrel::simulation {
 
 // The wording of the story about iCloud, the network and the phone.
 
-/// The account that a Mac begins with, in a sentence with a space before it; empty for a Mac without one.
+/// The initial account, network and quota, in sentences with a space before each; empty if there is nothing to tell.
 [[nodiscard]] std::string accountText(const simulation::CloudChange& cloud);
 
 [[nodiscard]] std::string describe(const ChangeCloud& action);

@@ -7,10 +7,10 @@
 
 namespace sentrel::simulation {
 
-/// The field as a number; none when it isn't there or is no number.
+/// The field as a number; none if it is missing or not a number.
 [[nodiscard]] std::optional<double> numberIn(const simulation::Event& event, std::string_view field);
 
-/// Whether the field is there and true.
+/// Whether the field exists and is true.
 [[nodiscard]] bool flagIn(const simulation::Event& event, std::string_view field);
 
 } // namespace sentrel::simulation

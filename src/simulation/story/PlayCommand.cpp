@@ -13,7 +13,7 @@ namespace sentrel::simulation {
 
 namespace {
 
-/// Hands the play to the story.
+/// Passes the play on to the story.
 class StoryAudience final : public Audience {
 public:
     StoryAudience(Story& story, const Scenario& scenario) : story_(story), scenario_(scenario) {}
@@ -48,7 +48,7 @@ private:
     const Scenario& scenario_;
 };
 
-/// Nobody watches.
+/// Ignores the play.
 class NoAudience final : public Audience {
 public:
     void happened(const simulation::Event& /*event*/) override {}

@@ -19,8 +19,7 @@ struct PlayCommand {
     bool isJson = false;
 };
 
-/// Plays the scenario; tells the story, or one JSON object, on `out`, and what can't be read on `err`. Returns the exit
-/// status.
+/// Plays the scenario; prints the story, or one JSON object, on `out`, and errors on `err`. Returns the exit status.
 int run(const PlayCommand& command, std::ostream& out, std::ostream& err);
 
 } // namespace sentrel::simulation

@@ -43,7 +43,7 @@ std::string describe(const ClickOn& action)
 
 std::string describe(const TypeText& action)
 {
-    // What stands in a field may be a secret; a scenario's reader may see it.
+    // Secret texts are shown too: they stand in the scenario anyway.
     return "Somebody types " + quoted(action.text) + (action.field ? " into " + quoted(*action.field) : "") + ".";
 }
 

@@ -6,7 +6,7 @@
 
 namespace sentrel::simulation {
 
-// What a person does, as the story tells it: one sentence.
+// One sentence of the story for each action of a person.
 
 [[nodiscard]] std::string describe(const UseMenu& action);
 [[nodiscard]] std::string describe(const ClickOn& action);

@@ -188,7 +188,7 @@ void Story::tellArmed(const Event& event)
 
 void Story::tellDisarmed(const Event& event)
 {
-    if (isArmed_) { // it also disarms, to be sure, when it starts
+    if (isArmed_) { // the product also disarms at its start, which is no news
         page_.line(event.at, StoryTone::reaction, "Sentrel is disarmed.");
     }
     isArmed_ = false;
@@ -198,7 +198,7 @@ void Story::tellAlarmStarted(const Event& event)
 {
     const bool isBeep = event.text("mode") == "beep";
     if (event.name == "alarm.started" && !isBeep) {
-        return; // a tone is told as it is heard
+        return; // a tone is told when it is heard
     }
     alarmDevice_ = deviceOf(event);
     alarmVolume_ = numberIn(event, "volume").value_or(0.0);
@@ -206,7 +206,7 @@ void Story::tellAlarmStarted(const Event& event)
     disturbed_.clear();
     std::string text = isBeep ? "The alarm sounds as the system beep" : "The alarm sounds";
     if (alarmDevice_) {
-        // What happened to this device on the way is part of this sentence.
+        // This sentence covers the changes of the device on the way.
         settling_.erase(*alarmDevice_);
         levels_[*alarmDevice_] = {alarmVolume_, false};
         text += " through " + deviceName(alarmDevice_) + " at " + percent(alarmVolume_);
@@ -241,7 +241,7 @@ void Story::tellVolume(const Event& event)
         return;
     }
     levels_[*device] = level;
-    if (!disturbed_.contains(*device)) { // otherwise the enforcement tells it
+    if (!disturbed_.contains(*device)) { // otherwise the enforcement's event tells it
         settling_[*device] = event.at;
     }
 }
@@ -271,7 +271,7 @@ void Story::tellVolumeEnforced(const Event& event)
     const auto device = deviceOf(event);
     const auto since = device ? disturbed_.find(*device) : disturbed_.end();
     if (since == disturbed_.end()) {
-        return; // nobody had touched it: this happens every 0.9 s and is no news
+        return; // unchanged: this happens every 0.9 s and is no news
     }
     page_.line(event.at, StoryTone::alarm,
                oneDecimal(event.at - since->second) + " s later Sentrel has it back at " + percent(alarmVolume_) + ".");
@@ -306,7 +306,7 @@ void Story::tellAssertionReleased(const Event& event)
     }
 }
 
-/// The system sets mute and volume one after the other; the ear cares for where they end.
+/// Mute and volume are set one after the other; only the final state is told.
 void Story::tellSettledVolumes()
 {
     for (const auto& [device, at] : std::exchange(settling_, {})) {

@@ -15,7 +15,7 @@
 
 namespace sentrel::simulation {
 
-/// What stands under a story.
+/// The summary under a story.
 struct StorySummary {
     struct Artefact {
         std::string what; ///< for example "The alarm as it was heard"
@@ -25,35 +25,35 @@ struct StorySummary {
     double endedAt = 0.0;             ///< seconds since launch
     std::string file;                 ///< the scenario
     std::size_t held = 0;             ///< expectations that held
-    std::vector<Mismatch> mismatches; ///< those that didn't
+    std::vector<Mismatch> mismatches; ///< those that failed
     std::vector<Artefact> artefacts;
 };
 
-/// Tells a play of a scenario in plain English while it unfolds, from the simulated MacBook's events and from what the
-/// scenario does. Times are seconds since launch. One thread.
+/// Tells a play of a scenario in plain English while it runs, from the simulated MacBook's events and the scenario's
+/// actions. Times are seconds since launch. One thread.
 class Story {
 public:
     Story(std::ostream& out, StoryStyle style) : page_(out, style) {}
 
-    /// The title and how things stand.
+    /// Prints the title and the initial state.
     void open(const Scenario& scenario);
 
-    /// Tells an event; one that it doesn't know in a plain form.
+    /// Tells an event; an unknown one in a generic form.
     void tell(const simulation::Event& event);
 
-    /// Tells an action that is about to be done, unless its event will.
+    /// Tells an action about to be done, unless its event will be told.
     void perform(double at, const Action& action);
 
-    /// A sentence of the narrator's (the note of a step).
+    /// Tells a sentence of the narrator (the note of a step).
     void remark(double at, std::string_view text);
 
-    /// Something that happens to the Mac, in a sentence.
+    /// Tells something that happens to the Mac, in one sentence.
     void act(double at, std::string_view text);
 
-    /// Expectations that don't hold, where the story stands.
+    /// Tells the expectations that failed at this time.
     void differ(double at, const std::vector<Mismatch>& found);
 
-    /// What was expected and what is left of it all.
+    /// Prints the results of the expectations and the artefacts.
     void finish(const StorySummary& summary);
 
 private:
@@ -93,9 +93,9 @@ private:
     StoryPage page_;
     CloudStory cloud_;
     std::map<std::uint32_t, std::string> names_;
-    std::map<std::uint32_t, Level> levels_;     // what the ear knows
-    std::map<std::uint32_t, double> disturbed_; // device: since when it isn't as the alarm set it
-    std::map<std::uint32_t, double> settling_;  // device: when the system last changed it, not yet told
+    std::map<std::uint32_t, Level> levels_;     // levels by device
+    std::map<std::uint32_t, double> disturbed_; // by device: since when it differs from the alarm's setting
+    std::map<std::uint32_t, double> settling_;  // by device: the system's last change, not yet told
     std::set<std::string> assertions_;
     std::optional<std::uint32_t> alarmDevice_;
     std::optional<double> soundingSince_;

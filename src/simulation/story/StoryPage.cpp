@@ -40,14 +40,14 @@ bool isReaction(StoryTone tone)
     return tone != StoryTone::scene && tone != StoryTone::event && tone != StoryTone::bad;
 }
 
-/// Characters, each taken as one column.
+/// Number of characters, each counted as one column.
 std::size_t columns(std::string_view text)
 {
     return static_cast<std::size_t>(std::count_if(
         text.begin(), text.end(), [](char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) != 0x80U; }));
 }
 
-/// Without control characters, those of one byte and those that UTF-8 writes as 0xC2 and a second byte.
+/// Replaces control characters: those of one byte, and those with two in UTF-8 (0xC2 first).
 std::string harmless(std::string_view text)
 {
     std::string clean;
@@ -161,7 +161,7 @@ void StoryPage::closing(StoryTone tone, std::string_view mark, std::string_view 
 void StoryPage::entry(std::string_view name, std::string_view text)
 {
     constexpr std::size_t nameColumns = 26;
-    // A path is not wrapped, so that it can be taken over whole.
+    // Not wrapped, so that paths can be copied whole.
     out_ << "    " << painted(dim, padded(harmless(name), nameColumns, false)) << ' ' << harmless(text) << '\n'
          << std::flush;
 }

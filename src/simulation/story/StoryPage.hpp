@@ -8,16 +8,16 @@
 
 namespace sentrel::simulation {
 
-/// How a story looks.
+/// The look of a story.
 struct StoryStyle {
     bool isColoured = false;
     std::size_t width = 96; ///< columns
 
-    /// For the standard output: coloured on a terminal unless `NO_COLOR` asks for none, and no wider than it.
+    /// For the standard output: coloured on a terminal unless `NO_COLOR` is set, and no wider than the terminal.
     [[nodiscard]] static StoryStyle forStandardOutput();
 };
 
-/// What kind of line it is, which decides its colour and its place.
+/// The kind of a line, which decides its colour and its place.
 enum class StoryTone {
     scene,    ///< the narrator speaks
     event,    ///< something happens to the Mac
@@ -29,7 +29,7 @@ enum class StoryTone {
 };
 
 /// The layout of a story: a column of times, and lines that are wrapped and coloured. Control characters in texts are
-/// replaced, so that no name can play tricks on the terminal. One thread.
+/// replaced, so that no name can affect the terminal. One thread.
 class StoryPage {
 public:
     StoryPage(std::ostream& out, StoryStyle style) : out_(out), style_(style) {}
@@ -37,7 +37,7 @@ public:
     void heading(std::string_view text);
     void paragraph(std::string_view text);
 
-    /// A line of the story at a time in seconds. What Sentrel does hangs under what it answers to.
+    /// A line of the story at a time in seconds. Reactions of Sentrel are indented under their cause.
     void line(double at, StoryTone tone, std::string_view text);
 
     /// A rule over the whole width, with an empty line before it.
@@ -46,7 +46,7 @@ public:
     /// A line after the story, with a mark before it.
     void closing(StoryTone tone, std::string_view mark, std::string_view text);
 
-    /// A name and what it stands for, in two columns.
+    /// A name and its meaning, in two columns.
     void entry(std::string_view name, std::string_view text);
 
 private:
@@ -55,7 +55,7 @@ private:
 
     std::ostream& out_;
     StoryStyle style_;
-    std::optional<long long> moment_; // tenths of a second of the last line
+    std::optional<long long> moment_; // time of the last line, in tenths of a second
 };
 
 /// Seconds as "m:ss.s", and as "h:mm:ss.s" from an hour on.

@@ -351,7 +351,7 @@ constexpr Row rows[] = {
     {"alarm.unheard", alarmUnheard},
 };
 
-/// Told as actions, or of no interest to a listener.
+/// Told as actions, or of no interest.
 constexpr std::string_view untold[] = {"accelerometer.sample",
                                        "accelerometer.recording",
                                        "audio-device.removed",

@@ -8,13 +8,13 @@
 
 namespace sentrel::simulation {
 
-/// An event that tells itself, whatever came before it.
+/// The sentence for an event that needs no context.
 struct StorySentence {
     StoryTone tone = StoryTone::reaction;
-    std::string text; ///< empty for an event that isn't worth a word
+    std::string text; ///< empty for an event not worth telling
 };
 
-/// The event in plain English; none for one that isn't known here.
+/// The event in plain English; none for an unknown event.
 [[nodiscard]] std::optional<StorySentence> sentenceOf(const simulation::Event& event);
 
 } // namespace sentrel::simulation

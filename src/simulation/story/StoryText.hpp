@@ -10,16 +10,15 @@
 
 namespace sentrel::simulation {
 
-// The wording of the story where it depends on plain values only.
+// The story's wording where it depends on plain values only.
 
 /// 0.8333 as "83 %".
 [[nodiscard]] std::string percent(double level);
 
-/// The Mac before anything happens, in a few sentences.
+/// The Mac's initial state, in a few sentences.
 [[nodiscard]] std::string describe(const simulation::MacDescription& mac);
 
-/// What an action looks like from outside; none for one that the simulated MacBook itself notes as an event, since
-/// that is told instead.
+/// The action as seen from outside; none if the simulated MacBook notes it as an event, which is told instead.
 [[nodiscard]] std::optional<std::string> describe(const Action& action,
                                                   const std::function<std::string(std::uint32_t)>& deviceName);
 

@@ -8,17 +8,17 @@
 
 namespace sentrel::simulation {
 
-/// What becomes different about the cameras; what holds no value stays as it is.
+/// A change of the cameras; members without a value stay as they are.
 struct CameraChange {
     std::optional<ports::CaptureAuthorization> authorization;
     std::optional<std::vector<CameraModel>> devices;
-    std::optional<std::optional<double>> brightness; ///< 0 to 1; none inside: what the time of day gives
-    std::optional<std::optional<Bytes>> photo;       ///< the file that every photo is; none inside: the cafe
-    std::optional<Duration> delay;                   ///< from the request of a photo to its callback
+    std::optional<std::optional<double>> brightness; ///< 0 to 1; inner none: by the time of day
+    std::optional<std::optional<Bytes>> photo;       ///< replaces every photo; inner none: the cafe
+    std::optional<Duration> delay;                   ///< from a photo's request to its callback
     std::optional<bool> fails;                       ///< whether photos end with an error
 };
 
-/// Makes the change. A permission or a refusal also answers the system's prompt that is open.
+/// Makes the change. Granting or denying access also answers an open system prompt.
 void apply(const CameraChange& change, SimulatedCamera& camera);
 
 } // namespace sentrel::simulation

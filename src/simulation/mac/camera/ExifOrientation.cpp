@@ -66,7 +66,7 @@ int orientationOfTiff(BytesView tiff)
     return upright;
 }
 
-/// The marker at or after the offset, which is left behind it; none at the data's end.
+/// The first marker at or after the offset, which moves behind it; none at the data's end.
 std::optional<std::uint8_t> nextMarker(BytesView jpeg, std::size_t& offset)
 {
     while (offset + 1 < jpeg.size()) {

@@ -4,8 +4,7 @@
 
 namespace sentrel::simulation {
 
-/// How a JPEG file says that it must be turned to stand upright: 1 to 8 as Exif numbers them. 1, upright already, also
-/// for whatever says nothing, lies or is cut.
+/// The Exif orientation of a JPEG file, 1 to 8. 1 (upright) if it is missing, invalid or cut off.
 [[nodiscard]] int exifOrientation(BytesView jpeg);
 
 } // namespace sentrel::simulation

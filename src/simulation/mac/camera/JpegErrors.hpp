@@ -18,7 +18,7 @@ public:
 
     [[nodiscard]] jpeg_error_mgr* manager() { return &manager_; }
 
-    /// Calls the function; false when the library gave up inside it. The jump passes over everything in between, so
+    /// Calls the function; false if the library failed inside it. The jump passes over everything in between, so
     /// nothing there may need a destructor: the function only calls the library and sets plain values.
     template <class Function> [[nodiscard]] bool guard(Function function)
     {

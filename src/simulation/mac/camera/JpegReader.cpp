@@ -7,7 +7,7 @@ namespace sentrel::simulation {
 
 namespace {
 
-/// Ink over white paper. Adobe's files, nearly all of them, store the amount of light instead of the amount of ink.
+/// Converts ink on white paper to light. Nearly all CMYK files are Adobe's and store light instead of ink.
 void convertCmykRow(std::uint8_t* pixels, std::size_t width, bool storesLight)
 {
     const unsigned flip = storesLight ? 0 : 255;
@@ -29,7 +29,7 @@ JpegReader::JpegReader(BytesView data) : data_(data)
 
 JpegReader::~JpegReader()
 {
-    jpeg_destroy_decompress(&codec_); // also fine for one that was never created
+    jpeg_destroy_decompress(&codec_); // also valid if it was never created
 }
 
 std::optional<ports::PixelSize> JpegReader::readHeader()
@@ -66,7 +66,7 @@ bool JpegReader::start(unsigned eighths, std::size_t mostCoefficientBytes)
     codec_.scale_denom = 8;
     const bool isCmyk = codec_.jpeg_color_space == JCS_CMYK || codec_.jpeg_color_space == JCS_YCCK;
     codec_.out_color_space = isCmyk ? JCS_CMYK : JCS_EXT_RGBX;
-    // Without a backing store the library fails where this is not enough.
+    // The library has no backing store here: it fails if this is not enough.
     codec_.mem->max_memory_to_use = static_cast<long>(mostCoefficientBytes);
     return errors_.guard([this] { jpeg_start_decompress(&codec_); });
 }

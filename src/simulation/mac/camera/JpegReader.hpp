@@ -10,11 +10,11 @@
 
 namespace sentrel::simulation {
 
-/// Decodes one JPEG row by row, at full or reduced scale, from any bytes whatsoever: what is broken, cut short or
-/// beyond the limits fails. Used once, by one thread; the data outlives it.
+/// Decodes one JPEG row by row, at full or reduced scale. Safe for any bytes: broken, truncated and oversized files
+/// fail. Used once, by one thread; the data must outlive it.
 class JpegReader {
 public:
-    /// Images of more pixels are refused: more than any camera takes.
+    /// Images of more pixels are refused; no camera takes as many.
     static constexpr std::uint64_t mostPixels = 100'000'000;
 
     /// More scans than this only slow a decoder down; photos have about ten.
@@ -25,13 +25,13 @@ public:
     JpegReader(const JpegReader&) = delete;
     JpegReader& operator=(const JpegReader&) = delete;
 
-    /// Reads up to the first scan; none for what is no JPEG or exceeds the limits. First of all calls.
+    /// Reads up to the first scan; none if the data is no JPEG or exceeds the limits. Must be the first call.
     [[nodiscard]] std::optional<ports::PixelSize> readHeader();
 
-    /// The size at so many eighths of the full scale.
+    /// The size at `eighths`/8 of the full scale.
     [[nodiscard]] std::optional<ports::PixelSize> sizeAt(unsigned eighths);
 
-    /// Starts decoding at so many eighths of the full scale, keeping no more than so many bytes of coefficients.
+    /// Starts decoding at `eighths`/8 of the full scale. Fails rather than keep more bytes of coefficients than given.
     [[nodiscard]] bool start(unsigned eighths, std::size_t mostCoefficientBytes);
 
     /// Decodes the next row into width x 4 bytes (red, green, blue, unused).

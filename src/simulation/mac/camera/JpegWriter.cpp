@@ -8,13 +8,13 @@ namespace sentrel::simulation {
 
 namespace {
 
-/// One encoding; what the library allocated goes with it.
+/// One encoding; owns the memory that the library allocates.
 class JpegWriter {
 public:
     JpegWriter() { codec_.err = errors_.manager(); }
     ~JpegWriter()
     {
-        jpeg_destroy_compress(&codec_); // also fine for one that was never created
+        jpeg_destroy_compress(&codec_); // also valid if it was never created
         std::free(file_);
     }
     JpegWriter(const JpegWriter&) = delete;

@@ -53,7 +53,7 @@ private:
     std::int64_t id_;
 };
 
-/// Tells an answer on another thread, as the system does.
+/// Delivers an answer on another thread, as the system does.
 void tell(World& world, std::function<void(bool)> answered, bool granted)
 {
     post(world.scheduler.globalExecutor(QualityOfService::standard),

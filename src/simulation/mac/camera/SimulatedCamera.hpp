@@ -23,18 +23,18 @@ struct CameraModel {
     Duration adjustsWhiteBalanceFor{}; ///< after its session has started
 };
 
-/// What is before the camera.
+/// The view of the camera.
 struct CameraView {
     std::shared_ptr<const Bytes> jpeg;
-    std::optional<double> brightness; ///< 0 to 1; none for a file whose brightness nobody set
+    std::optional<double> brightness; ///< 0 to 1; none for a file without a set brightness
 };
 
 /// The cameras of the simulated MacBook, which stands in a cafe: authorised and without any device at first. The first
-/// device is the system's default. A photo shows the cafe at the time of day, with whoever sits at the Mac, or replays
-/// a file. Any thread.
+/// device is the system's default. A photo shows the cafe at the time of day, with a person at the Mac, or replays a
+/// file. Any thread.
 class SimulatedCamera final : public ports::Camera {
 public:
-    /// What the clocks on the walls show at a date.
+    /// Maps a date to the local time shown by wall clocks.
     using Clocks = std::function<Date(Date)>;
 
     SimulatedCamera(Scheduler& scheduler, ports::WallClock& wallClock, Clocks clocks = [](Date date) { return date; });
@@ -42,31 +42,31 @@ public:
 
     void setAuthorization(ports::CaptureAuthorization status);
 
-    /// How the user answers the system's prompt; none leaves it open until `answerPrompt`.
+    /// Sets the user's answer to the system's prompt; none leaves it open until `answerPrompt`.
     void setAnswer(std::optional<bool> granted);
 
     /// Answers the open prompt. False when none is open.
     bool answerPrompt(bool granted);
     [[nodiscard]] bool isPrompting() const;
 
-    /// How often the user has been prompted.
+    /// Number of prompts so far.
     [[nodiscard]] int promptsShown() const;
 
     void setDevices(std::vector<CameraModel> devices);
 
-    /// How bright a photo of the cafe measures, 0 to 1; none for what the time of day gives.
+    /// Brightness of a photo of the cafe, 0 to 1; none lets the time of day decide.
     void setBrightness(std::optional<double> brightness);
     [[nodiscard]] std::optional<double> brightness() const;
 
-    /// How long a photo takes from the request to the callback; nothing at first.
+    /// Time from a photo's request to its callback; 0 at first.
     void setPhotoDelay(Duration delay);
 
-    /// A file that every photo is, as it is; none for the cafe.
+    /// Every photo is this file, unchanged; none for the cafe.
     void setPhotoFile(std::optional<Bytes> file);
     [[nodiscard]] bool hasPhotoFile() const;
 
-    /// What is before the camera now, for somebody who looks on: the file, or a small picture of the cafe. The same
-    /// object as long as nothing changes.
+    /// The current view, for display: the file, or a small picture of the cafe. The same object until something
+    /// changes.
     [[nodiscard]] CameraView view() const;
 
     /// Faults: "input" (the device can't be opened), "add-input", "add-output" (the session refuses), "photo" (ends
@@ -78,7 +78,7 @@ public:
     void interruptSession();
     [[nodiscard]] bool isSessionRunning() const;
 
-    /// Name of the device that was opened last; empty before.
+    /// Name of the device opened last; empty if none was.
     [[nodiscard]] std::string openedDevice() const;
 
     /// Sessions started and photos asked for so far.
@@ -95,7 +95,7 @@ public:
     [[nodiscard]] std::shared_ptr<ports::PhotoOutput> makePhotoOutput() override;
     [[nodiscard]] std::unique_ptr<ports::PhotoSettings> makePhotoSettings() override;
 
-    /// What the camera shares with its devices, sessions and photos under way.
+    /// State shared by the camera, its devices, sessions and photos under way.
     struct World;
 
 private:

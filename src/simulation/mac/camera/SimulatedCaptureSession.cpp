@@ -11,7 +11,7 @@ namespace {
 
 using World = SimulatedCamera::World;
 
-/// A photo as it was when it was asked for. The cafe is drawn only when somebody wants to see it.
+/// A photo as of its request. The cafe is drawn only when the data is read.
 class SimulatedPhoto final : public ports::CapturedPhoto {
 public:
     explicit SimulatedPhoto(std::shared_ptr<World> world) : world_(std::move(world)), timeOfDay_(world_->timeOfDay())
@@ -29,7 +29,7 @@ public:
         return file_ ? *file_ : world_->scene.photograph(timeOfDay_, brightness_);
     }
 
-    /// How often the delegate is told of it.
+    /// Number of times that the delegate is told of the photo.
     [[nodiscard]] int answers() const { return world_->faults.strikes("photo-twice") ? 2 : 1; }
 
 private:

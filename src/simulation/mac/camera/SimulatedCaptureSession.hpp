@@ -61,7 +61,7 @@ private:
     const void* session_ = nullptr;
 };
 
-/// A session; one at a time has the camera.
+/// A session. Only one at a time can have the camera.
 class SimulatedCaptureSession final : public ports::CaptureSession {
 public:
     explicit SimulatedCaptureSession(std::shared_ptr<SimulatedCamera::World> world) : world_(std::move(world)) {}

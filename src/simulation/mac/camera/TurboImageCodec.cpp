@@ -22,13 +22,13 @@ namespace {
 
 using ports::PixelSize;
 
-// What the library needs beside pixels and coefficients: tables, and some rows of the widest image.
+// Bytes the library needs beside pixels and coefficients: tables, and some rows of the widest image.
 constexpr std::size_t libraryBytes = 8'000'000;
 
-// Of files for which nobody asks for a quality.
+// Quality of files for which none is given.
 constexpr double ownQuality = 0.75;
 
-/// From nothing to all; no number is no share.
+/// Whether the value is in 0...1; false for NaN.
 bool isShare(double value)
 {
     return value >= 0 && value <= 1;
@@ -43,8 +43,8 @@ private:
     RgbxImage pixels_;
 };
 
-/// The smallest scale, in eighths, at which the longer side still has so many pixels. Only those that the library
-/// decodes with vector instructions.
+/// The smallest scale, in eighths, at which the longer side has at least `longerSide` pixels. Only scales that the
+/// library decodes with vector instructions.
 unsigned scaleFor(PixelSize size, std::uint32_t longerSide)
 {
     const std::uint64_t longest = std::max(size.width, size.height);
@@ -80,7 +80,7 @@ PixelSize fitted(PixelSize size, std::uint32_t maxPixelSize)
     return {scaled(size.width), scaled(size.height)};
 }
 
-/// Decodes all of a file whose header has been read, at this scale.
+/// Decodes a whole file at this scale; its header has been read.
 std::optional<RgbxImage> decode(JpegReader& reader, unsigned eighths, PixelSize size, std::size_t mostCoefficientBytes)
 {
     if (!reader.start(eighths, mostCoefficientBytes)) {
@@ -128,7 +128,7 @@ RgbxImage rotated(const RgbxImage& image, libyuv::RotationMode rotation)
     return result;
 }
 
-/// Turned upright from an Exif orientation: mirrored left to right where needed, then rotated clockwise.
+/// Turns the image upright from its Exif orientation: mirrors left to right if needed, then rotates clockwise.
 RgbxImage turnedUpright(RgbxImage image, int orientation)
 {
     if (orientation == 2 || orientation == 4 || orientation == 5 || orientation == 7) {
@@ -153,7 +153,7 @@ using ChannelSums = std::array<std::uint64_t, RgbxImage::pixelBytes>;
 
 void addRow(std::span<const std::uint8_t> row, ChannelSums& sums)
 {
-    // All four bytes alike, in 32 bits, which no row overflows: compilers make vector instructions of that.
+    // All four bytes are summed alike, in 32 bits, which no row overflows: compilers vectorise this loop.
     std::array<std::uint32_t, RgbxImage::pixelBytes> rowSums{};
     for (std::size_t i = 0; i < row.size(); i += rowSums.size()) {
         for (std::size_t channel = 0; channel < rowSums.size(); ++channel) {
@@ -170,7 +170,7 @@ void addRow(std::span<const std::uint8_t> row, ChannelSums& sums)
 std::optional<TurboImageCodec::Rgba> TurboImageCodec::areaAverage(BytesView data)
 {
     faults_.call("areaAverage");
-    // Enough pixels that the ragged blocks at the edges don't tell.
+    // Large enough that partial blocks at the edges don't affect the mean.
     constexpr std::uint32_t sampledSide = 480;
 
     JpegReader reader{data};

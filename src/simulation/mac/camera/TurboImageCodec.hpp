@@ -7,8 +7,8 @@
 
 namespace sentrel::simulation {
 
-/// JPEG files through libjpeg-turbo, decoded no larger than needed and scaled by libyuv. Whatever the data is, an
-/// operation holds no more than `mostMemory` at a time beside it.
+/// JPEG files through libjpeg-turbo, decoded no larger than needed and scaled by libyuv. For any data, an operation
+/// holds at most `mostMemory` bytes beside it.
 class TurboImageCodec final : public ports::ImageCodec {
 public:
     static constexpr std::size_t mostMemory = 64'000'000;
@@ -18,11 +18,11 @@ public:
     [[nodiscard]] std::unique_ptr<ports::Image> createThumbnail(BytesView data, std::uint32_t maxPixelSize,
                                                                 bool transform) override;
 
-    /// Only "public.jpeg" is known.
+    /// Supports the type "public.jpeg" only.
     [[nodiscard]] std::optional<Bytes> encode(const ports::Image& image, const std::string& type,
                                               double quality) override;
 
-    /// Turned upright, since the copy says nothing of the camera's orientation.
+    /// The result is turned upright, since it carries no Exif orientation.
     [[nodiscard]] std::optional<Bytes> jpegRepresentation(BytesView data) override;
 
     [[nodiscard]] FaultSwitches& faults() { return faults_; }

@@ -31,14 +31,13 @@ public:
 
     [[nodiscard]] Async<std::int64_t> runModal(ports::AlertContent content) override;
 
-    /// How long a person reads before closing an alert, 0 at first; none leaves it to `close`. For alerts that are
-    /// run from now on.
+    /// Time until the person closes an alert, 0 at first; none leaves it to `close`. Holds for later alerts.
     void setReadingTime(std::optional<Duration> time);
 
     /// Closes the alert that opened last; false when none is open.
     bool close();
 
-    /// The alert that opened last of those still open.
+    /// The last opened of the open alerts.
     [[nodiscard]] std::optional<Shown> open() const;
 
     /// All alerts so far, closed ones too.

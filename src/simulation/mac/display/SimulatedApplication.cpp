@@ -33,7 +33,7 @@ void SimulatedApplication::setActivationPolicy(std::int64_t policy)
 {
     faults_.call("setActivationPolicy");
     if (policy < regular || policy > prohibited) {
-        return; // AppKit says no
+        return; // AppKit refuses it
     }
     policy_ = policy;
     journal_.note("activation-policy", {{"policy", policy}});
@@ -62,7 +62,7 @@ void SimulatedApplication::terminate()
 void SimulatedApplication::replyToShouldTerminate(bool shouldTerminate)
 {
     faults_.call("replyToShouldTerminate");
-    // AppKit ignores a reply that it doesn't wait for.
+    // AppKit ignores a reply if it isn't waiting for one.
     if (!std::exchange(isAwaitingReply_, false)) {
         return;
     }

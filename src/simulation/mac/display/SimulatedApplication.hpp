@@ -13,8 +13,8 @@ class Journal;
 
 namespace sentrel::simulation {
 
-/// The application object of the product's process. A policy that is set is noted as `activation-policy`. Being asked
-/// to quit notes `quit.asked`, the delegate's no `quit.cancelled`, and the end `quit`. The product's main thread.
+/// The application object of the product's process. Notes `activation-policy` when a policy is set, `quit.asked` when
+/// asked to quit, `quit.cancelled` when the delegate refuses, and `quit` at the end. The product's main thread.
 class SimulatedApplication final : public ports::Application {
 public:
     explicit SimulatedApplication(ports::Journal& journal) : journal_(journal) {}
@@ -24,8 +24,8 @@ public:
     void terminate() override;
     void replyToShouldTerminate(bool shouldTerminate) override;
 
-    /// A new process: what the one before left is forgotten. `ended` is called at the end of `terminate` or of the
-    /// reply, when the delegate has been told; it lets nothing more of the process run.
+    /// Starts a new process and forgets the state of the previous one. `ended` is called at the end of `terminate` or
+    /// of the reply, after the delegate was told; it must stop the process.
     void start(std::function<void()> ended);
 
     /// Tells the delegate that launching has finished.
@@ -37,7 +37,7 @@ public:
     /// Whether the delegate has promised an answer.
     [[nodiscard]] bool isAwaitingReply() const { return isAwaitingReply_; }
 
-    /// 0 regular, 1 accessory; at first what an application without a Dock icon starts with.
+    /// 0 regular, 1 accessory; at first that of an application without a Dock icon.
     [[nodiscard]] std::int64_t activationPolicy() const { return policy_; }
 
     [[nodiscard]] FaultSwitches& faults() { return faults_; }

@@ -10,7 +10,7 @@
 
 namespace sentrel::simulation {
 
-/// Which application is in front: at first another one. Any thread.
+/// Tracks which application is in front; at first another one. Any thread.
 class SimulatedApplicationActivation final : public ports::ApplicationActivation {
 public:
     /// Brings the application to the front; without ignoring the others, the one in front keeps its place.
@@ -32,7 +32,7 @@ public:
         options_ = options;
     }
 
-    /// From now on the system lets the application in front keep its place, as it may when the person uses that one.
+    /// While refused, the application in front keeps its place, as it may when the person is using it.
     void refuseActivation(bool isRefused) { isRefused_ = isRefused; }
 
     /// Another application takes the place in front, and the keyboard with it.
@@ -44,10 +44,10 @@ public:
 
     [[nodiscard]] bool isActive() const { return isActive_; }
 
-    /// Whether this is disabled now: a presentation option holds while the application is active.
+    /// Whether the presentation option is in effect: options hold only while the application is active.
     [[nodiscard]] bool isDisabled(std::uint64_t option) const { return isActive_ && (options_ & option) != 0; }
 
-    /// How often another application has taken the keyboard.
+    /// Number of times that another application has taken the keyboard.
     [[nodiscard]] std::uint64_t losses() const { return losses_; }
 
     [[nodiscard]] FaultSwitches& faults() { return faults_; }

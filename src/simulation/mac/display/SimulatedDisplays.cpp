@@ -14,7 +14,7 @@ namespace {
 
 constexpr const char* screenParametersChanged = "NSApplicationDidChangeScreenParametersNotification";
 
-// What CGShieldingWindowLevel gives on today's systems.
+// CGShieldingWindowLevel() on current systems.
 constexpr std::int64_t shielding = 2147483628;
 
 constexpr ports::Rectangle external{0.0, 0.0, 1920.0, 1080.0};
@@ -241,7 +241,7 @@ SimulatedDisplays::WindowPtr SimulatedDisplays::keyWindow() const
     return hasKeyboard ? window : nullptr;
 }
 
-/// The window, if it can be got at: the covers lie over every other.
+/// The window, or null if it can't be reached: covers lie over every other window.
 SimulatedDisplays::WindowPtr SimulatedDisplays::reachable(std::string_view identifier) const
 {
     const WindowPtr window = windows_.find(identifier);

@@ -45,14 +45,14 @@ public:
     void post(const std::string& name) { notifications_.post(name); }
 
     /// Connects or disconnects displays until there are this many. The first, 1728 x 1117 points, is built in; each
-    /// further one, 1920 x 1080, stands to the right. What was on a display that goes stays where it was.
+    /// further one, 1920 x 1080, stands to the right. Windows on a removed display stay where they are.
     void setCount(std::size_t count);
     [[nodiscard]] std::size_t count() const { return count_; }
 
     /// The visible windows at the shielding level or above, in the order in which they were made.
     [[nodiscard]] std::vector<WindowState> covers() const;
 
-    /// Whether nothing of a display can be seen past an opaque cover.
+    /// Whether an opaque cover hides the whole display.
     [[nodiscard]] bool isCovered(std::size_t display) const;
 
     /// Calls back, in the call that does it, when a window is given the keyboard.
@@ -61,41 +61,40 @@ public:
     /// The visible windows below the shielding level, the one in front first.
     [[nodiscard]] std::vector<WindowState> windows() const;
 
-    /// What `windows` and `covers` copy, as it is now: for looking only, before anything else happens.
+    /// A window's live state, without a copy: for reading before anything changes.
     using SeenWindow = std::shared_ptr<const WindowState>;
     [[nodiscard]] std::vector<SeenWindow> seenWindows() const;
     [[nodiscard]] std::vector<SeenWindow> seenCovers() const;
 
-    /// The window of this identifier, also while it is hidden; none when the product hasn't made it.
+    /// The window of this identifier, even if hidden; none if the product hasn't made it.
     [[nodiscard]] std::optional<WindowState> window(std::string_view identifier) const;
 
-    // What the person does.
+    // Actions of the person.
 
-    /// The keyboard goes to the key window, as long as the application is active; false when what was typed went
-    /// nowhere.
+    /// Types into the key window while the application is active; false if nothing received the text.
     [[nodiscard]] bool type(std::string_view text);
     [[nodiscard]] ui::Interaction pressKey(ui::Key key);
 
     /// Clicks on a node of a cover, by its place in `covers`; that window gets the keyboard.
     [[nodiscard]] ui::Interaction click(std::size_t cover, std::string_view wanted);
 
-    /// What a hand does in a window's content.
+    /// An action of the person in a window's content.
     using Use = std::function<ui::Interaction(WindowContent content)>;
 
-    /// Does it in the window of this identifier, which comes to the front with its application.
+    /// Does it in the window of this identifier, which first comes to the front with its application.
     [[nodiscard]] ui::Interaction use(std::string_view identifier, const Use& use);
 
-    /// Does it in the window that the person has before them: a cover, else the key window, else the one in front.
+    /// Does it in the window that the person faces: a cover, else the key window, else the one in front.
     [[nodiscard]] ui::Interaction useFront(const Use& use);
 
     /// Does it in a cover, by its place in `covers`.
     [[nodiscard]] ui::Interaction useCover(std::size_t cover, const Use& use);
 
-    /// Another number after each change of what the windows show or where they are.
+    /// Changes whenever the windows' content or frames change.
     [[nodiscard]] std::uint64_t version() const;
 
-    // The frame of a window, by its identifier. False when nothing came of it: there is no such window, a cover lies
-    // over it, its style doesn't offer this, or its delegate says no. Sizes are of the content.
+    // These change a window's frame, by its identifier. False if there is no such window, a cover lies over it, its
+    // style doesn't offer this, or its delegate refuses. Sizes are those of the content.
     bool closeWindow(std::string_view identifier);
     bool resizeWindow(std::string_view identifier, ports::Size content);
     bool moveWindow(std::string_view identifier, double x, double y);
@@ -118,7 +117,7 @@ private:
     std::size_t count_;
     WindowList windows_;
     std::function<void()> keyGiven_;
-    std::uint64_t keyGivenAfter_ = 0; ///< so many times another application had taken the keyboard
+    std::uint64_t keyGivenAfter_ = 0; ///< `activation_.losses()` at that moment
     FaultSwitches faults_{"no-screens", "notification"};
     NotificationHub notifications_;
 };

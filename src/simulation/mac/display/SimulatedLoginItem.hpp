@@ -12,8 +12,8 @@ class Journal;
 
 namespace sentrel::simulation {
 
-/// The system's list of login items as far as it concerns the product, kept in a JSON file: {"status": 1}. A file that
-/// holds anything else reads as not registered. A change notes `login-item` {status}.
+/// The product's entry in the system's list of login items, kept in a JSON file: {"status": 1}. A file that holds
+/// anything else reads as not registered. Changes note `login-item` {status}.
 ///
 /// Faults: `register`, `unregister` (the system refuses), `approval` (a new registration waits for the user's
 /// approval).
@@ -25,7 +25,7 @@ public:
     [[nodiscard]] std::optional<std::string> registerItem() override;
     [[nodiscard]] std::optional<std::string> unregisterItem() override;
 
-    /// The user changes it in the system's settings: an `SMAppServiceStatus`.
+    /// The user changes the `SMAppServiceStatus` in the system's settings.
     [[nodiscard]] std::optional<std::string> setStatus(std::int64_t status);
 
     [[nodiscard]] FaultSwitches& faults() { return faults_; }

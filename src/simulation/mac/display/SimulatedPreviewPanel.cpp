@@ -29,7 +29,7 @@ void SimulatedPreviewPanel::makeKeyAndOrderFront()
     if (std::exchange(isVisible_, true)) {
         return;
     }
-    // The panel looks for somebody who controls it, and stays empty without.
+    // Without an object that accepts control, the panel stays empty.
     isControlled_ = control_.accepts && control_.accepts();
     if (isControlled_ && control_.begin) {
         control_.begin();

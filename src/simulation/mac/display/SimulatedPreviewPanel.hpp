@@ -28,12 +28,12 @@ public:
     /// The person closes it; false when it isn't open.
     bool close();
 
-    /// The process is gone, and with it what the panel was given.
+    /// The process is gone: drops its control and data source.
     void end();
 
     [[nodiscard]] bool isVisible() const { return isVisible_; }
 
-    /// The files that it shows; none while it isn't open.
+    /// The files shown; empty while it isn't open.
     [[nodiscard]] std::vector<std::filesystem::path> items() const;
 
     [[nodiscard]] FaultSwitches& faults() { return faults_; }

@@ -66,13 +66,13 @@ std::optional<std::filesystem::path> SimulatedSavePanels::chosen(const Answer& a
     if (answer.isCancelled) {
         return std::nullopt;
     }
-    // A name is no path: what comes before a slash is dropped.
+    // A name is not a path: everything up to the last slash is dropped.
     const auto name = std::filesystem::path{answer.name.value_or(content.nameFieldStringValue)}.filename();
     if (answer.folder) {
         return disk_ / *answer.folder / name;
     }
     const auto downloads = disk_ / "Downloads";
-    std::error_code ignored; // a folder that can't be made can't be written to either
+    std::error_code ignored; // if this fails, so does the later write
     std::filesystem::create_directories(downloads, ignored);
     return downloads / name;
 }

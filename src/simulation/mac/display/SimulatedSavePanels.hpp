@@ -18,15 +18,14 @@ class Scheduler;
 
 namespace sentrel::simulation {
 
-/// Save panels and the person who chooses where. Unless told otherwise they save under the suggested name into the
-/// disk's "Downloads". Any thread; panels are run on the main thread.
+/// Save panels and the person who answers them. By default, files are saved under the suggested name into the disk's
+/// "Downloads". Any thread; panels are run on the main thread.
 class SimulatedSavePanels final : public ports::SavePanels {
 public:
-    /// What a panel is answered: the name and the folder that are chosen, or that it is cancelled. A folder that isn't
-    /// there stays so: saving into it fails.
+    /// The answer to a panel: name and folder, or a cancellation. A missing folder isn't created: saving into it fails.
     struct Answer {
         bool isCancelled = false;
-        std::optional<std::filesystem::path> folder; ///< relative to the disk; none: "Downloads", which every user has
+        std::optional<std::filesystem::path> folder; ///< relative to the disk; none: "Downloads", created if missing
         std::optional<std::string> name;             ///< none: the suggested one
     };
 
@@ -34,16 +33,16 @@ public:
 
     [[nodiscard]] Async<std::optional<std::filesystem::path>> run(ports::SavePanelContent content) override;
 
-    /// How panels are answered from now on.
+    /// Sets the answer to panels from now on.
     void setAnswer(Answer answer);
 
-    /// How long a person looks at a panel before answering, 0 at first; none leaves it to `answerPanel`.
+    /// Time until the person answers a panel, 0 at first; none leaves it to `answerPanel`.
     void setAnswerDelay(std::optional<Duration> delay);
 
-    /// Answers the panel that opened last; false when none is open.
+    /// Answers the last opened panel; false if none is open.
     bool answerPanel(const Answer& answer);
 
-    /// The panel that opened last of those still open.
+    /// The last opened of the open panels.
     [[nodiscard]] std::optional<ports::SavePanelContent> open() const;
 
     /// Every panel so far.

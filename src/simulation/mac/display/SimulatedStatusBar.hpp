@@ -16,7 +16,7 @@ namespace sentrel::simulation {
 /// thread.
 class SimulatedStatusBar final : public ports::StatusBar {
 public:
-    /// What can be seen of the item.
+    /// The item's visible state.
     struct Item {
         std::string image;
         std::string accessibilityLabel;
@@ -26,13 +26,13 @@ public:
 
     [[nodiscard]] std::unique_ptr<ports::StatusItem> makeStatusItem() override;
 
-    /// The item that came last; none while there is none.
+    /// The item made last; none if it is gone.
     [[nodiscard]] std::optional<Item> item() const;
-    /// Another number after each change of the item or its menu.
+    /// Changes whenever the item or its menu changes.
     [[nodiscard]] std::uint64_t version() const;
     [[nodiscard]] bool isMenuOpen() const { return state_ != nullptr && state_->isMenuOpen; }
 
-    // What the person does.
+    // Actions of the person.
 
     /// Opens the menu; false when there is no item. An open one stays open.
     bool openMenu();

@@ -22,9 +22,9 @@ inline constexpr double maximumSize = std::numeric_limits<float>::max();
 /// Length of the UTF-8 character at the beginning of a text that isn't empty.
 [[nodiscard]] std::size_t firstCharacter(std::string_view text);
 
-/// What can be seen of a window, and how it was set up.
+/// The visible state of a window, and its setup.
 struct WindowState {
-    std::uint64_t number = 0; ///< no other window ever has it
+    std::uint64_t number = 0; ///< unique among all windows ever made
     ports::WindowDescription description;
     std::string title;
     std::string identifier;
@@ -42,26 +42,26 @@ struct WindowState {
     std::uint64_t hostAutoresizing = 0;
     bool isHosting = false;
     ui::View content;
-    std::uint64_t contentVersion = 0; ///< another one for each tree
+    std::uint64_t contentVersion = 0; ///< changes with each tree
     bool isVisible = false;
     std::uint64_t order = 0;     ///< greater than that of the windows behind it on its level
     bool isKey = false;          ///< has the keyboard, while the application is active
     std::string focusedIdentity; ///< of the node that the keyboard goes to; empty: none
 };
 
-/// The content of one window and a person's hands at it: all goes through the tree's bindings and actions, and each
-/// thing done meets the tree that followed from the one before. Main thread.
+/// The content of one window and the person's actions on it. They go through the tree's bindings and actions; each one
+/// sees the tree that the one before produced. Main thread.
 class WindowContent {
 public:
     explicit WindowContent(WindowState& state) : state_(state) {}
 
-    /// A new tree: the focus goes where it asks for it, and leaves what has gone.
+    /// Shows a new tree: the focus moves where the tree requests it, and leaves nodes that are gone.
     void show(ui::View content);
 
-    /// Clicks on a node. A field that is clicked gets the keyboard.
+    /// Clicks on a node; a field gets the keyboard.
     [[nodiscard]] ui::Interaction click(std::string_view wanted);
 
-    /// Clicks into a field and replaces what stands there.
+    /// Clicks into a field and replaces its text.
     [[nodiscard]] ui::Interaction fill(std::string_view field, std::string_view text);
 
     /// Moves a slider.
@@ -70,7 +70,7 @@ public:
     /// Selects the rows at these places, counted from 0 over all sections of the first list, and no others.
     [[nodiscard]] ui::Interaction select(const std::vector<std::size_t>& rows);
 
-    /// Types the text, one character after the other, wherever the focus is. False when a character went nowhere.
+    /// Types the text, one character after the other, wherever the focus is. False if a character had no receiver.
     [[nodiscard]] bool type(std::string_view text);
 
     [[nodiscard]] ui::Interaction pressKey(ui::Key key);
@@ -78,7 +78,7 @@ public:
     /// Moves the keyboard to a node.
     void focus(const std::string& identity) { moveFocus(identity); }
 
-    /// What is shown, for hands that need more. A copy: what they do may bring another tree.
+    /// The tree shown, for other actions. A copy: they may replace the tree.
     [[nodiscard]] ui::View tree() const { return state_.content; }
 
 private:

@@ -11,12 +11,12 @@ namespace sentrel::simulation {
 
 namespace {
 
-// Of an NSWindowStyleMask.
+// NSWindowStyleMask
 constexpr std::uint64_t titled = 1;
 constexpr std::uint64_t closable = 2;
 constexpr std::uint64_t resizable = 8;
 
-// The height of the title bar on today's systems, and how much of it stays in reach.
+// Height of the title bar on current systems, and how much of it stays reachable; points.
 constexpr double titleBar = 28.0;
 constexpr double reach = 60.0;
 
@@ -30,7 +30,7 @@ double titleBarHeight(const WindowState& window)
     return has(window, titled) ? titleBar : 0.0;
 }
 
-/// Whether a frame can be one: AppKit refuses others.
+/// Whether the frame is finite and not negative: AppKit refuses others.
 bool isFrame(const ports::Rectangle& frame)
 {
     return std::isfinite(frame.x) && std::isfinite(frame.y) && std::isfinite(frame.width) &&
@@ -66,13 +66,13 @@ ports::Rectangle frameAround(const WindowState& window, const ports::Rectangle& 
     return {content.x, content.y, content.width, content.height + titleBarHeight(window)};
 }
 
-/// The product's handle to a window, which is gone when this dies.
+/// The product's handle to a window; its end removes the window.
 class WindowList::Handle final : public ports::Window {
 public:
     Handle(WindowList& list, WindowPtr state) : list_(list), state_(std::move(state)) {}
     ~Handle() override
     {
-        // Whoever holds the state meanwhile must not reach into what is gone.
+        // Other holders of the state must not reach into destroyed objects.
         state_->delegate = {};
         state_->content = {};
         list_.orderOut(*state_);
@@ -93,7 +93,7 @@ public:
     void setContentMaxSize(const ports::Size& size) override { state_->contentMaxSize = size; }
     void center() override
     {
-        // As the system does it: horizontally in the middle, vertically somewhat above it.
+        // Like the system: centred horizontally, somewhat above the centre vertically.
         state_->frame.x = (builtInScreen.width - state_->frame.width) / 2.0;
         state_->frame.y = (builtInScreen.height - state_->frame.height) * 2.0 / 3.0;
     }
@@ -207,7 +207,7 @@ void WindowList::orderOut(WindowState& window)
 
 bool WindowList::close(const WindowPtr& window)
 {
-    // What lies over a window comes first.
+    // A sheet or dialog blocks the window.
     if (!has(*window, closable) || isCovered(window->content)) {
         return false;
     }

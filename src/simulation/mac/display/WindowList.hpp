@@ -11,8 +11,8 @@
 
 namespace sentrel::simulation {
 
-/// The windows of the product: which there are, in which order they lie upon each other, which has the keyboard, and
-/// what a person does to their frames. It outlives the handles that it gives. The product's main thread.
+/// The windows of the product: their order, the keyboard's owner, and the person's actions on their frames. It must
+/// outlive its handles. The product's main thread.
 class WindowList {
 public:
     using WindowPtr = std::shared_ptr<WindowState>;
@@ -35,26 +35,26 @@ public:
     /// The window that has the keyboard while the application is active, or null.
     [[nodiscard]] WindowPtr key() const;
 
-    /// Gives it the keyboard, if it can have it.
+    /// Gives the window the keyboard if its kind can have it.
     void makeKey(WindowState& window);
 
-    /// Puts it before the others of its level.
+    /// Moves the window in front of the others of its level.
     void orderFront(WindowState& window);
 
-    /// Takes it off the screen; the keyboard goes to the next window that can have it.
+    /// Hides the window; the keyboard goes to the next window that can have it.
     void orderOut(WindowState& window);
 
-    /// Called when a window is given the keyboard; none at first.
+    /// Called when a window is given the keyboard. May be empty.
     std::function<void()> onKey;
 
-    // What a person does with the title bar and the edges; the window's delegate is asked first. False when the
-    // window's style doesn't offer it, or the answer keeps the window as it is.
+    // Actions on the title bar and the edges; the window's delegate is asked first. False if the window's style doesn't
+    // offer the action, or the delegate keeps the window as it is.
 
     bool close(const WindowPtr& window);
-    /// Drags an edge until the content would have this size; whatever comes out that is no size is ignored.
+    /// Drags an edge until the content would have this size. An invalid size from the delegate is ignored.
     bool resize(const WindowPtr& window, ports::Size content);
     bool zoom(const WindowPtr& window, const ports::Rectangle& screen);
-    /// Drags the title bar to where the frame's lower left corner is here, but never off the screens.
+    /// Drags the title bar until the frame's lower left corner is at this point, but never off the screens.
     bool move(const WindowPtr& window, double x, double y, const std::vector<ports::Screen>& screens);
 
 private:

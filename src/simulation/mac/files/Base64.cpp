@@ -58,7 +58,7 @@ std::optional<Bytes> bytesOfBase64(std::string_view text)
             pending &= (1U << pendingBits) - 1;
         }
     }
-    // What remains is checked as a whole: spare bits that are zero, and neither too little padding nor too much.
+    // The rest must be exact: spare bits are zero, and the padding has the right length.
     const bool isExact = pending == 0 && pendingBits != 6 && text.size() % 4 == 0 &&
                          text.size() - unpadded.size() <= 2 &&
                          text.find_first_not_of('=', unpadded.size()) == std::string_view::npos;

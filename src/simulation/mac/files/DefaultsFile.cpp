@@ -15,7 +15,7 @@ namespace {
 constexpr std::uint32_t folderMode = 0700;
 constexpr std::uint32_t fileMode = 0600;
 
-// Far beyond anything that an application keeps in its defaults.
+// Bytes; far beyond anything that an application keeps in its defaults.
 constexpr std::size_t largestFile = std::size_t{16} << 20;
 
 std::string fileName(std::string_view application)
@@ -47,7 +47,7 @@ DefaultsFile::DefaultsFile(ports::FileSystem& files, ports::Journal& journal, st
     }
 }
 
-// False when there is a file, but none that could be read.
+// False if a file exists that can't be read.
 bool DefaultsFile::load()
 {
     const auto content = files_.read(file_);
@@ -68,7 +68,7 @@ void DefaultsFile::begin(std::string_view operation)
     }
 }
 
-// Of entries with one name the last counts, as for every reader of JSON.
+// The last of several entries with one name counts, as for most JSON readers.
 DefaultsFile::Members::reverse_iterator DefaultsFile::find(const std::string& key)
 {
     return std::ranges::find_if(std::views::reverse(members_),
@@ -166,7 +166,7 @@ void DefaultsFile::replace(const std::string& key, const std::string* value)
         const auto found = find(key);
         const bool isThere = found != members_.rend();
         if (!isUnwritten_ && (value == nullptr ? !isThere : isThere && found->value == *value)) {
-            return; // the file says so already
+            return; // the file has this value already
         }
         if (value == nullptr) {
             std::erase_if(members_, [&](const JsonMember& member) { return member.key == key; });
@@ -202,7 +202,7 @@ int DefaultsFile::putDamagedAside()
 {
     std::filesystem::path aside = file_;
     aside += ".damaged";
-    // An earlier one is kept, too.
+    // Earlier damaged files are kept.
     for (int number = 2; files_.exists(aside); ++number) {
         aside = file_;
         aside += ".damaged-" + std::to_string(number);

@@ -16,12 +16,12 @@
 namespace sentrel::simulation {
 
 /// The user defaults of one application, kept in a JSON file: one object; a text is a string, data is a string in
-/// base64, texts are an array of strings. Entries of other types stay as they are. The file is read once, when this is
-/// made, and replaced at each change, atomically and durably. A damaged file reads as empty; before the first change it
-/// is put aside as `NAME.damaged`. Any thread.
+/// base64, texts are an array of strings. Entries of other types stay as they are. The file is read once, by the
+/// constructor, and replaced atomically and durably at each change. A damaged file reads as empty; before the first
+/// change it is renamed to `NAME.damaged`. Any thread.
 class DefaultsFile final : public ports::UserDefaults {
 public:
-    /// Opens `FOLDER/APPLICATION.json`, which need not be there. The application is a bundle identifier or a name;
+    /// Opens `FOLDER/APPLICATION.json`, which need not exist. The application is a bundle identifier or a name;
     /// characters that a file name can't have are replaced. The faults, if any, are those of the port.
     DefaultsFile(ports::FileSystem& files, ports::Journal& journal, std::filesystem::path folder,
                  std::string_view application, FaultSwitches* faults = nullptr);
@@ -58,7 +58,7 @@ private:
     std::mutex mutex_;
     Members members_;
     bool isDamaged_ = false;   // the file holds something that must not be overwritten
-    bool isUnwritten_ = false; // the last change isn't on disk
+    bool isUnwritten_ = false; // the last change isn't on disk yet
 };
 
 } // namespace sentrel::simulation

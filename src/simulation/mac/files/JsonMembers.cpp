@@ -19,7 +19,7 @@ std::string_view trimmed(std::string_view text)
     return text.substr(begin, text.find_last_not_of(whiteSpace) - begin + 1);
 }
 
-// Finds where the outermost level has its commas and colons: those outside strings and inner values.
+// Finds the commas and colons of the outermost level: those outside strings and inner values.
 class Splitter {
 public:
     explicit Splitter(std::string_view inside) : inside_(inside) {}
@@ -70,7 +70,7 @@ private:
     void stepInString(char character)
     {
         if (character == '\\') {
-            ++place_; // what is escaped ends nothing
+            ++place_; // an escaped character ends nothing
         } else if (character == '"') {
             isInString_ = false;
         }

@@ -6,14 +6,14 @@
 
 namespace sentrel::simulation {
 
-/// A member of a JSON object whose value is kept as it is written, to the byte.
+/// A member of a JSON object; the value's text is kept byte for byte.
 struct JsonMember {
     std::string key;
     std::string value; ///< JSON text
 };
 
-/// The members of an object in order. The text must be known to be a JSON object; only its outermost level is looked
-/// at, so that values survive that no number type could hold.
+/// The members of an object in order. The text must be known to be a JSON object; only its outermost level is parsed,
+/// so that numbers beyond any number type survive.
 [[nodiscard]] std::vector<JsonMember> splitJsonObject(std::string_view text);
 
 /// The object with these members, one a line.

@@ -18,7 +18,7 @@ public:
         if (refused == EIO) {
             return refused;
         }
-        // A disk that fills up takes what still fits.
+        // A full disk still takes the first half.
         const int error = file_->write(refused == 0 ? bytes : bytes.first(bytes.size() / 2));
         files_.keep([this](UnsettledWrites& unsettled) { unsettled.wrote(path_); });
         return refused != 0 ? refused : error;
@@ -126,7 +126,7 @@ void SimulatedFileSystem::restorePower()
 {
     const std::lock_guard guard{mutex_};
     if (callsUntilCut_ && *callsUntilCut_ == 0) {
-        // Also when no call came after the last that had power.
+        // Also if no call followed the last one that had power.
         unsettled_.lose(disk_);
     }
     callsUntilCut_.reset();

@@ -11,14 +11,14 @@
 
 namespace sentrel::simulation {
 
-/// A real file system whose calls are counted and can be made to fail. Any thread; whoever cuts the power does so
-/// while no call is under way.
+/// A real file system whose calls are counted and can be made to fail. Any thread; cut the power only while no call is
+/// under way.
 ///
-/// Synchronising settles what was written against the simulated power cut alone. The host's medium is not waited for:
-/// files outlive this program without it, and a simulated disk needs no more.
+/// Synchronising protects writes against the simulated power cut only. It doesn't wait for the host's medium: files
+/// outlive this program without that.
 class SimulatedFileSystem final : public ports::FileSystem {
 public:
-    /// How often it was asked. A file's own calls count too.
+    /// Numbers of calls, including those of open files.
     struct Counts {
         std::uint64_t calls = 0;
         std::uint64_t reads = 0; ///< of these: `list`, `read` and `exists`
@@ -36,12 +36,13 @@ public:
     [[nodiscard]] int synchronizeDirectory(const std::filesystem::path& directory) override;
     int remove(const std::filesystem::path& file) override;
 
-    /// Each by the call that fails: `create-directories`, `create`, `rename` and `remove` with `EACCES`, `write` with
-    /// `ENOSPC` when half of the bytes are written, `synchronize` (a file or a folder) with `EIO`, `list` and `read`.
+    /// Named after the call that fails: `create-directories`, `create`, `rename` and `remove` with `EACCES`, `write`
+    /// with `ENOSPC` when half of the bytes are written, `synchronize` (a file or a folder) with `EIO`, `list` and
+    /// `read`.
     [[nodiscard]] FaultSwitches& faults() { return faults_; }
 
-    /// The power fails after so many further calls: each later one fails with `EIO`, and what was written meanwhile
-    /// and not synchronised is lost as far as a disk may lose it.
+    /// Cuts the power after `calls` further calls: each later one fails with `EIO`, and writes since now that were not
+    /// synchronised are lost as far as a disk may lose them.
     void cutPowerAfter(std::uint64_t calls);
 
     /// The power is back; the disk is as the cut left it.

@@ -6,8 +6,7 @@
 
 namespace sentrel::simulation {
 
-/// The standard output of the product's process, which nobody sees on a MacBook: each line is noted as `printed`
-/// {`text`}. Any thread.
+/// The standard output of the product's process. Each line is noted as `printed` {`text`}. Any thread.
 class SimulatedStandardOutput final : public ports::StandardOutput {
 public:
     explicit SimulatedStandardOutput(ports::Journal& journal) : journal_(journal) {}

@@ -7,7 +7,7 @@ namespace sentrel::simulation {
 
 namespace {
 
-// The medium's own doing: whether it succeeds shows in what is read later.
+// Writes on behalf of the medium; a failure shows in later reads.
 void put(ports::FileSystem& disk, const std::filesystem::path& file, BytesView content)
 {
     constexpr std::uint32_t ownerOnly = 0600;

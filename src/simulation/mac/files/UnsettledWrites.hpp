@@ -9,20 +9,19 @@
 
 namespace sentrel::simulation {
 
-/// What a disk has been told and may still forget: content that no one has synchronised, and names in folders that no
-/// one has synchronised. No lock of its own.
+/// Writes that a power cut may lose: unsynchronised content, and names in unsynchronised folders. Not thread-safe.
 class UnsettledWrites {
 public:
     void wrote(const std::filesystem::path& file) { unwritten_.insert(file); }
     void synchronized(const std::filesystem::path& file) { unwritten_.erase(file); }
     void removed(const std::filesystem::path& file);
 
-    /// `replaced` is what the name stood for before; none when it was free.
+    /// `replaced` is the former content under the name; none if there was no file.
     void renamed(const std::filesystem::path& from, const std::filesystem::path& to, std::optional<Bytes> replaced);
     void synchronizedDirectory(const std::filesystem::path& directory);
 
-    /// The power fails: the disk forgets as much as it may. Of unsynchronised content the first half stays, under its
-    /// new name; where only the name was unsettled, the old file is back. A new or removed name counts as settled.
+    /// The power fails: the disk loses as much as it may. Unsynchronised content keeps its first half, under its new
+    /// name; if only the name was unsynchronised, the old file is back. A new or removed name counts as settled.
     void lose(ports::FileSystem& disk);
 
 private:

@@ -42,8 +42,7 @@ UCalendarDateFields fieldOf(CalendarUnit unit)
     return UCAL_YEAR;
 }
 
-/// Sets the calendar to the first moment of the day that it stands in: the earlier one of two midnights, or the moment
-/// after a gap.
+/// Sets the calendar to the first moment of its current day: the earlier of two midnights, or the moment after a gap.
 void goToStartOfDay(icu::Calendar& calendar, UErrorCode& error)
 {
     for (const auto field : {UCAL_HOUR_OF_DAY, UCAL_MINUTE, UCAL_SECOND, UCAL_MILLISECOND}) {
@@ -112,7 +111,7 @@ struct IcuCalendar::Setting {
         calendar->setRepeatedWallTimeOption(UCAL_WALLTIME_FIRST);
     }
 
-    /// A calendar of the caller's own, at the date.
+    /// A copy for the caller, set to the date.
     [[nodiscard]] std::unique_ptr<icu::Calendar> calendarAt(Date date, UErrorCode& error) const
     {
         std::unique_ptr<icu::Calendar> own{calendar->clone()};
@@ -120,7 +119,7 @@ struct IcuCalendar::Setting {
         return own;
     }
 
-    /// A zone that isn't known is UTC (ICU's unknown zone has its offset).
+    /// An unknown zone is UTC (ICU's unknown zone has that offset).
     [[nodiscard]] icu::TimeZone* zone() const
     {
         return icu::TimeZone::createTimeZone(icu::UnicodeString::fromUTF8(timeZoneName));
@@ -223,7 +222,7 @@ DateInterval IcuCalendar::interval(CalendarUnit unit, Date date)
     goToStartOf(unit, *calendar, error);
     const Date start = dateOf(calendar->getTime(error));
     calendar->add(fieldOf(unit), 1, error);
-    // A day may begin after midnight, and the next one not.
+    // A day may begin after midnight even if the next one doesn't.
     goToStartOfDay(*calendar, error);
     const Date end = dateOf(calendar->getTime(error));
     return U_SUCCESS(error) && start <= date && date < end ? DateInterval{start, end} : DateInterval{date, date};

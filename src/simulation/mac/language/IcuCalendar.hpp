@@ -9,28 +9,28 @@
 
 namespace sentrel::simulation {
 
-/// The calendar that a locale and a time zone imply. Either may change at any time, as a traveller's does. What lies
-/// beyond the calendar's range is an empty interval, or the date itself. Any thread.
+/// The calendar that a locale and a time zone imply. Both may change at any time. Beyond the calendar's range, results
+/// are an empty interval or the date itself. Any thread.
 class IcuCalendar final : public ports::Calendar {
 public:
     /// `locale` as ICU or BCP 47 writes it ("de_AT", "ja-JP-u-ca-japanese"), `timeZone` as the zone database
-    /// ("Europe/Paris"); a zone that isn't there means UTC.
+    /// ("Europe/Paris"); an unknown zone means UTC.
     explicit IcuCalendar(std::string locale = "en_US", std::string timeZone = "UTC");
     ~IcuCalendar() override;
 
-    /// Whether the text names a language of this world, perhaps with a script, a region or a calendar.
+    /// Whether the text names a known language, perhaps with a script, a region or a calendar.
     [[nodiscard]] static bool isLocale(const std::string& text);
     [[nodiscard]] static bool isTimeZone(const std::string& text);
-    /// The zone of the machine on which this runs.
+    /// The host's time zone.
     [[nodiscard]] static std::string machinesTimeZone();
 
     void setLocale(std::string locale);
     void setTimeZone(std::string timeZone);
     [[nodiscard]] std::string timeZone();
-    /// The locale in BCP 47, as browsers take it.
+    /// The locale as a BCP 47 tag.
     [[nodiscard]] std::string languageTag();
 
-    /// The date at which a clock in UTC shows what the clocks of the time zone show at this one.
+    /// Shifts the date by the zone's offset: a UTC clock at the result shows the zone's local time at `date`.
     [[nodiscard]] Date onClocks(Date date);
 
     [[nodiscard]] ports::DateInterval interval(ports::CalendarUnit unit, Date date) override;
@@ -49,7 +49,7 @@ private:
     [[nodiscard]] std::shared_ptr<const Setting> setting();
 
     std::mutex mutex_;
-    std::shared_ptr<const Setting> setting_; // never changed, but replaced
+    std::shared_ptr<const Setting> setting_; // immutable; replaced as a whole
 };
 
 } // namespace sentrel::simulation

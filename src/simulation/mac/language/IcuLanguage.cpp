@@ -19,7 +19,7 @@ namespace sentrel::simulation {
 
 namespace {
 
-// Far beyond any real table.
+// Bytes; far beyond any real table.
 constexpr std::uintmax_t largestTable = std::uintmax_t{16} << 20;
 
 std::string languageOf(const std::string& locale)
@@ -27,7 +27,7 @@ std::string languageOf(const std::string& locale)
     return locale.substr(0, locale.find_first_of("-_"));
 }
 
-// A locale names a folder, not a path.
+// Guards paths: a locale must be a plain folder name.
 bool isLocaleName(const std::string& locale)
 {
     return !locale.empty() && std::ranges::all_of(locale, [](char c) {
@@ -35,7 +35,7 @@ bool isLocaleName(const std::string& locale)
     });
 }
 
-/// The names under which a locale's table may lie, the best first.
+/// The possible names of a locale's table, best first.
 std::vector<std::string> tableNames(const std::string& locale)
 {
     std::vector<std::string> names;
@@ -64,7 +64,7 @@ std::optional<Bytes> readFile(const std::filesystem::path& file)
     return Bytes{std::istreambuf_iterator<char>{stream}, std::istreambuf_iterator<char>{}};
 }
 
-// Case and the ways to compose a character taken away. In Turkic languages i and dotless i are different letters.
+// Removes differences of case and composition. In Turkic languages i and dotless i are different letters.
 icu::UnicodeString folded(std::string_view text, const std::string& language)
 {
     const bool isTurkic = language == "tr" || language == "az";
@@ -95,7 +95,7 @@ public:
     [[nodiscard]] std::int32_t length() const { return length_; }
 
 private:
-    SecretBytes memory_; // no UTF-8 text has more units in UTF-16 than bytes
+    SecretBytes memory_; // UTF-16 never has more units than UTF-8 has bytes
     std::int32_t length_ = 0;
 };
 
@@ -138,7 +138,7 @@ std::size_t IcuLanguage::characterCount(std::string_view text)
         icu::BreakIterator::createCharacterInstance(icu::Locale{locale().c_str()}, error)};
     std::size_t count = 0;
     if (U_SUCCESS(error)) {
-        // Only refers to the units, which are not copied.
+        // Refers to the units without a copy.
         characters->setText(opened, error);
         while (characters->next() != icu::BreakIterator::DONE) {
             ++count;

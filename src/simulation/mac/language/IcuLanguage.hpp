@@ -17,18 +17,17 @@ namespace sentrel::simulation {
 /// characters by the locale's rules. Any thread.
 class IcuLanguage final : public ports::Language {
 public:
-    /// Texts come from `RESOURCES/LOCALE.lproj/Localizable.strings`; without that from the nearest table of the
-    /// language and its script (`de` for `de_AT`, `zh-Hans` for `zh_CN`), else from the English one; without any every
-    /// text is its key. A damaged table is noted as `localization.damaged` {file, line, problem} and used as far as it
-    /// is good.
+    /// Texts come from `RESOURCES/LOCALE.lproj/Localizable.strings`; else from the nearest table of the language and
+    /// its script (`de` for `de_AT`, `zh-Hans` for `zh_CN`), else from the English one; without a table every text is
+    /// its key. Damage is noted as `localization.damaged` {file, line, problem}; the table's good entries are used.
     IcuLanguage(std::filesystem::path resources, ports::Journal& journal, std::string locale = "en");
 
-    /// The user chooses another language, which holds for texts that are asked for from now on.
+    /// The user chooses another language for all texts from now on.
     void setLocale(std::string locale);
 
     [[nodiscard]] std::string localized(std::string_view key) override;
 
-    /// No text contains the empty text, as on a Mac.
+    /// The empty part is contained in no text, as on a Mac.
     [[nodiscard]] bool containsIgnoringCase(std::string_view text, std::string_view part) override;
 
     /// Grapheme clusters. Invalid bytes count as characters.
@@ -40,7 +39,7 @@ private:
     FaultSwitches faults_{};
     struct Table {
         StringsTable strings;
-        std::string file; ///< below the resources
+        std::string file; ///< relative to the resources
     };
 
     [[nodiscard]] std::string locale() const;

@@ -13,7 +13,7 @@ namespace {
 
 using Text = icu::UnicodeString;
 
-// UTF-16 code units in the machine's own order, whatever the file has. Bytes that are no text become U+FFFD.
+// Decodes to UTF-16 code units in the machine's byte order. Invalid bytes become U+FFFD.
 Text decoded(BytesView content)
 {
     const auto startsWith = [&](std::uint8_t first, std::uint8_t second) {
@@ -77,7 +77,7 @@ private:
     [[nodiscard]] bool atEnd() const { return place_ >= text_.length(); }
     [[nodiscard]] char16_t peek(std::int32_t ahead = 0) const { return text_.charAt(place_ + ahead); }
 
-    // Called with places that only grow.
+    // Places must not decrease from call to call.
     std::size_t lineOf(std::int32_t place)
     {
         for (; counted_ < place; ++counted_) {
@@ -96,7 +96,7 @@ private:
         }
     }
 
-    // False at the end of the text, which an unfinished comment reaches, too.
+    // False at the end of the text; an unfinished comment extends to there.
     bool skipToEntry()
     {
         const std::int32_t begin = place_;
@@ -106,7 +106,7 @@ private:
         return !atEnd();
     }
 
-    // White space and comments. False when a comment doesn't end.
+    // Skips white space and comments. False if a comment doesn't end.
     bool skipBlank()
     {
         while (!atEnd()) {
@@ -127,7 +127,7 @@ private:
 
     bool skipComment()
     {
-        // Looked for once only where there is none: a file full of openings would be read over and over.
+        // A failed search isn't repeated: else a file full of comment openings would take quadratic time.
         const std::int32_t end = place_ < unendedFrom_ ? text_.indexOf(u"*/", 2, place_ + 2) : -1;
         if (end < 0) {
             unendedFrom_ = std::min(unendedFrom_, place_);
@@ -204,7 +204,7 @@ private:
         return std::nullopt;
     }
 
-    // Stands on the character after the backslash, and afterwards on the escape's last.
+    // Starts at the character after the backslash, and ends at the escape's last.
     std::optional<char16_t> parseEscape()
     {
         if (atEnd()) {

@@ -11,7 +11,7 @@
 
 namespace sentrel::simulation {
 
-/// A localisation table as it was read: what is good, and where it is damaged.
+/// A parsed localisation table: its good entries, and where it is damaged.
 struct StringsTable {
     struct Damage {
         std::size_t line = 0; ///< counted from 1
@@ -23,8 +23,8 @@ struct StringsTable {
 };
 
 /// Reads a `.strings` file: entries `"key" = "text";` with escapes, comments of both kinds. The text is UTF-8, or
-/// UTF-16 with a byte order mark. A damaged entry costs itself and the rest of the line on which it begins, no more. Of
-/// entries with one key the last counts.
+/// UTF-16 with a byte order mark. A damaged entry loses itself and the rest of the line on which it begins, no more.
+/// The last of several entries with one key counts.
 [[nodiscard]] StringsTable parseStringsFile(BytesView content);
 
 } // namespace sentrel::simulation

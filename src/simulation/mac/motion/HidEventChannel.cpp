@@ -6,7 +6,7 @@ namespace sentrel::simulation {
 
 namespace {
 
-/// A message as the client sees it. Fields are numbered from the type, shifted by 16 bits.
+/// The client's view of a message. Field numbers begin at the type shifted left by 16 bits.
 class MessageEvent final : public ports::HidEvent {
 public:
     explicit MessageEvent(const HidMessage& message) : message_(message) {}
@@ -61,7 +61,7 @@ void HidEventChannel::schedule(SerialQueue& queue)
 
 void HidEventChannel::unschedule()
 {
-    std::shared_ptr<HidEventChannel> self; // let go after the lock
+    std::shared_ptr<HidEventChannel> self; // released after the lock
     const std::lock_guard guard{mutex_};
     waiting_.clear();
     next_ = 0;

@@ -19,8 +19,8 @@ struct HidMessage {
     bool isNull = false; ///< the system passes no event
 };
 
-/// Carries events to one client's callback on its queue. A message costs a post of the channel itself and no
-/// allocation. Any thread; it lives on while a callback runs, whatever becomes of the client.
+/// Carries events to one client's callback on its queue. Sending posts the channel itself and allocates nothing. Any
+/// thread; the channel stays alive while a callback runs, even if the client is gone.
 class HidEventChannel final : public std::enable_shared_from_this<HidEventChannel>, private Job {
 public:
     using Callback = std::function<void(const ports::HidEvent*)>;
@@ -28,13 +28,13 @@ public:
     void setCallback(Callback callback);
     void clearCallback();
 
-    /// Messages go to this queue from now on; it lives until `unschedule`.
+    /// Messages go to this queue from now on; it must live until `unschedule`.
     void schedule(SerialQueue& queue);
 
-    /// Takes back what hasn't arrived. A callback that runs goes on.
+    /// Withdraws messages that haven't arrived. A running callback continues.
     void unschedule();
 
-    /// Sends a message if a queue is scheduled.
+    /// Sends a message; dropped without a scheduled queue.
     void send(const HidMessage& message);
 
     /// Sends a message that arrives even if the channel is unscheduled meanwhile.

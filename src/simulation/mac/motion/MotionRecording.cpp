@@ -16,7 +16,7 @@ constexpr std::string_view header = "t_seconds,x_g,y_g,z_g";
 constexpr std::array<std::string_view, 4> columns{"t_seconds", "x_g", "y_g", "z_g"};
 constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
 
-/// Reads a recording's lines one by one, and knows where it is when something is wrong.
+/// Reads a recording's lines one by one, and knows the current line for error messages.
 class LineReader {
 public:
     LineReader(std::string_view text, std::string_view name) : rest_(text), name_(name) {}

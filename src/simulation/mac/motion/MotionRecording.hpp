@@ -10,7 +10,7 @@
 
 namespace sentrel::simulation {
 
-/// What an accelerometer measures, in g.
+/// An accelerometer's measurement, in g.
 struct Acceleration {
     double x = 0.0;
     double y = 0.0;
@@ -19,14 +19,14 @@ struct Acceleration {
     friend bool operator==(const Acceleration&, const Acceleration&) = default;
 };
 
-/// A recording can't be used; the message names the file and, where there is one, the line.
+/// Thrown for an unusable recording; the message names the file and, if known, the line.
 class MotionRecordingError : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
 };
 
-/// The samples of an accelerometer over some time, from a CSV file: a line `t_seconds,x_g,y_g,z_g`, then a line a
-/// sample, times not going back. Never empty.
+/// A recorded series of accelerometer samples, from a CSV file: a line `t_seconds,x_g,y_g,z_g`, then one line for each
+/// sample, in order of time. Never empty.
 class MotionRecording {
 public:
     struct Sample {
@@ -34,7 +34,7 @@ public:
         Acceleration acceleration;
     };
 
-    /// No recording is read whose file is larger (bytes); an hour at 50 samples a second is some 7 MB.
+    /// Largest file that is read, in bytes; an hour at 50 samples a second is some 7 MB.
     static constexpr std::size_t maximumSize = std::size_t{32} << 20;
 
     /// Reads a file. Throws `MotionRecordingError`.

@@ -9,8 +9,8 @@
 
 namespace sentrel::simulation {
 
-/// When the accelerometer measures what: a recording that plays, else a machine at rest with sensor noise, else
-/// nothing. Times are exact and don't drift. No lock of its own.
+/// The schedule of the accelerometer's samples: those of a playing recording, else of a machine at rest with sensor
+/// noise, else none. Times are exact and don't drift. Not thread-safe.
 class MotionTimeline {
 public:
     /// Standard deviation of the sensor's noise on each axis, in g.
@@ -19,10 +19,10 @@ public:
     /// Time between two samples until a report interval is set.
     static constexpr Duration usualInterval = std::chrono::milliseconds{20};
 
-    /// The seed decides the noise.
+    /// Seeds the noise.
     explicit MotionTimeline(std::uint64_t seed) : generator_(seed) {}
 
-    /// Plays the recording from `start` on, in place of one that still plays.
+    /// Plays the recording from `start` on; replaces one that is still playing.
     void play(MotionRecording recording, Instant start);
 
     /// Begins or ends the samples of a machine at rest; they pause while a recording plays.
@@ -32,7 +32,7 @@ public:
     /// Time between two samples of a machine at rest, counted from now.
     void setInterval(Duration interval, Instant now);
 
-    /// When the next sample is due; none when nothing goes on.
+    /// When the next sample is due; none if there is none.
     [[nodiscard]] std::optional<Instant> next() const;
 
     /// The next sample, which must exist; the timeline moves on.

@@ -15,10 +15,10 @@ constexpr std::int64_t usagePage = 0xFF00;
 constexpr std::int64_t usage = 3;
 constexpr std::uint32_t accelerometerEvent = 13;
 
-/// No sensor of this kind reports more often.
+/// Sensors of this kind report at 1 kHz at most.
 constexpr Duration shortestInterval = std::chrono::milliseconds{1};
 
-/// Far beyond every threshold.
+/// In g; far beyond every threshold.
 constexpr Acceleration violentMovement{4.0, -4.0, 4.0};
 
 bool matchesDevice(const std::map<std::string, std::int64_t>& matching)
@@ -38,7 +38,7 @@ public:
 
     bool setProperty(const std::string& key, std::int64_t value) override
     {
-        constexpr std::int64_t longest = 3'600'000'000; // an hour
+        constexpr std::int64_t longest = 3'600'000'000; // microseconds: an hour
         if (key != "ReportInterval" || value <= 0 || value > longest || device_.faults_.strikes("report-interval")) {
             return false;
         }
@@ -231,8 +231,8 @@ void SimulatedAccelerometer::tick()
     });
 }
 
-/// Applies a change at this moment and waits for the next sample by what is true then. The timer and its job are
-/// called back first: neither may be posted twice.
+/// Applies a change now and restarts the timer for the next sample. Timer and job are withdrawn first: neither may be
+/// posted twice.
 template <class Change> void SimulatedAccelerometer::change(Change apply)
 {
     const std::lock_guard guard{mutex_};

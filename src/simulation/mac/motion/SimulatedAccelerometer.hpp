@@ -16,9 +16,9 @@
 
 namespace sentrel::simulation {
 
-/// The MacBook's accelerometer behind the HID event system. Present at first, and silent until it is given samples.
-/// It works only while a matching client is scheduled and the machine is awake; what would have been measured
-/// meanwhile is lost. Any thread; it outlives its clients.
+/// The MacBook's accelerometer behind the HID event system. Present at first, and silent until it is given samples. It
+/// works only while a matching client is scheduled and the machine is awake; samples due meanwhile are lost. Any
+/// thread; it outlives its clients.
 ///
 /// Faults: `client` (none is created), `services` (no list is given), `report-interval` (refused), `late-event` (a
 /// violent movement arrives after the client has been unscheduled).
@@ -42,16 +42,16 @@ public:
     /// One callback without an event, now.
     void sendNullEvent();
 
-    /// Delivers the recording's samples at their own times from now, in place of a recording that still plays.
+    /// Delivers the recording's samples from now on, at their own times; replaces one that is still playing.
     void play(MotionRecording recording);
 
-    /// Lets the machine lie at rest: samples of gravity and sensor noise, 50 a second or as many as the report interval
-    /// says. They pause while a recording plays.
+    /// The machine lies at rest: samples of gravity and sensor noise at the report interval, by default 50 a second.
+    /// They pause while a recording plays.
     void setResting(bool isResting);
     [[nodiscard]] bool isResting() const;
 
-    /// Calls back for each sample that is delivered, on whatever thread delivers it and under the device's lock: it
-    /// must not come back here. Set before the first.
+    /// Calls back for each delivered sample, on the delivering thread and under the device's lock: the callback must
+    /// not call the device. Set before the first sample.
     void observe(std::function<void(const Acceleration&)> delivered) { delivered_ = std::move(delivered); }
 
     /// While the machine sleeps nothing is delivered.

@@ -9,7 +9,7 @@
 
 namespace sentrel::simulation {
 
-/// The input of the simulated MacBook. It knows one key, play/pause, which acts when it goes down. Any thread.
+/// The input of the simulated MacBook. Only one key has an effect, play/pause, when it goes down. Any thread.
 class SimulatedInput final : public ports::EventPosting {
 public:
     struct Posted {

@@ -17,13 +17,13 @@ constexpr std::int32_t procNotFound = -600;
 constexpr std::int32_t errAEEventNotPermitted = -1743;
 constexpr std::int32_t errAEEventWouldRequireUserConsent = -1744;
 
-// What an AppleScript compiler would make of them.
+// The only scripts that compile here.
 constexpr std::string_view playingTestScript = "tell application \"Music\"\n"
                                                "    player state is playing\n"
                                                "end tell";
 constexpr std::string_view pauseScript = "tell application \"Music\" to pause";
 
-// Only what plays can be paused.
+// Pausing affects only a playing app.
 SimulatedMusic::Playback paused(SimulatedMusic::Playback now)
 {
     return now == SimulatedMusic::Playback::playing ? SimulatedMusic::Playback::paused : now;
@@ -73,7 +73,7 @@ Async<std::int32_t> SimulatedMusic::askOwner()
     if (delay > Duration::zero()) {
         co_await sleepFor(delay);
     }
-    // Asked twice at once, the owner answers once.
+    // The owner answers concurrent questions once.
     if (consent() == Consent::undetermined) {
         const bool isGranted = !faults_.strikes("consent");
         setConsent(isGranted ? Consent::granted : Consent::denied);
@@ -109,7 +109,7 @@ std::optional<bool> SimulatedMusic::execute(const std::string& source)
         return now == Playback::playing;
     }
     change("script", paused);
-    return false; // an order has no result, and no result counts as false
+    return false; // a command has no result, which counts as false
 }
 
 void SimulatedMusic::play()

@@ -11,10 +11,10 @@
 
 namespace sentrel::simulation {
 
-/// The Music app of the simulated MacBook, the one application that others may script there, and the user's consent to
-/// that. Notes `music.paused` and `music.playing` {by: script, key or user} when the music really stops or goes on,
-/// `music.quit`, `consent.asked` and `consent.answered` {granted}. Any thread. A caller that is cancelled while it
-/// waits gets a `CancellationError`. It outlives the tasks that ask it.
+/// The Music app of the simulated MacBook, the only application that can be scripted there, and the user's consent to
+/// that. Notes `music.paused` and `music.playing` {by: script, key or user} when playback really changes, `music.quit`,
+/// `consent.asked` and `consent.answered` {granted}. Any thread. A caller that is cancelled while it waits gets a
+/// `CancellationError`. It must outlive the tasks that call it.
 class SimulatedMusic final : public ports::RunningApplications, public ports::Automation {
 public:
     enum class Playback { absent, paused, playing };
@@ -25,35 +25,35 @@ public:
     [[nodiscard]] bool isInstalled(const std::string& bundleIdentifier) override;
     [[nodiscard]] bool isRunning(const std::string& bundleIdentifier) override;
 
-    /// `noErr`, `errAEEventNotPermitted`, `errAEEventWouldRequireUserConsent` or `procNotFound`. When it has to ask,
-    /// the owner, who is at the Mac, answers yes.
+    /// `noErr`, `errAEEventNotPermitted`, `errAEEventWouldRequireUserConsent` or `procNotFound`. If the owner must be
+    /// asked, the answer is yes by default.
     [[nodiscard]] Async<std::optional<std::int32_t>>
     determinePermission(std::uint32_t descriptorType, std::string bundleIdentifier, std::uint32_t eventClass,
                         std::uint32_t eventId, bool askUserIfNeeded) override;
 
-    /// Understands two scripts that name "Music": the question whether it plays, and the order to pause. Any other is
-    /// a syntax error. Fails without consent and when the app isn't running.
+    /// Understands two scripts for "Music": the playing test and the pause command. Others are syntax errors. Fails
+    /// without consent and if the app isn't running.
     [[nodiscard]] Async<std::optional<bool>> runScript(std::string source) override;
 
-    /// What the user does at the app: opens it and plays, pauses, quits.
+    /// Actions of the user; `play` also opens the app.
     void play();
     void pause();
     void quit();
 
-    /// The play/pause key is pressed. Without the app running nothing happens.
+    /// The play/pause key is pressed. No effect if the app isn't running.
     void togglePlayback();
 
     [[nodiscard]] Playback playback() const;
 
-    /// How things stand at first: nothing is noted.
+    /// These set the initial state; nothing is noted.
     void setPlayback(Playback playback);
     void setConsent(Consent consent);
     [[nodiscard]] Consent consent() const;
 
-    /// How long the owner takes to answer the question for consent; at first no time at all.
+    /// Time until the owner answers the question for consent; 0 at first.
     void setConsentDelay(Duration delay);
 
-    /// How long a script takes under the fault `script-slow`; 2 s at first.
+    /// Duration of a script under the fault `script-slow`; 2 s at first.
     void setScriptDelay(Duration delay);
 
     /// `not-installed`: the app isn't found. `descriptor`: no Apple Event target can be made. `consent`: the owner
@@ -74,7 +74,7 @@ private:
     Consent consent_ = Consent::undetermined;
     Duration consentDelay_{};
     Duration scriptDelay_ = std::chrono::seconds{2};
-    Semaphore never_; // nobody signals it: what waits here has no answer
+    Semaphore never_; // never signalled: waiters get no answer
 };
 
 } // namespace sentrel::simulation

@@ -12,8 +12,8 @@ namespace {
 constexpr auto returnError = static_cast<std::int32_t>(0xE00002BCU);
 constexpr auto returnBadArgument = static_cast<std::int32_t>(0xE00002C2U);
 
-// <IOKit/pwr_mgt/IOPMLib.h>: the one assertion that keeps an idle Mac awake and lets its displays sleep. Others have
-// another effect, and at any other level none: here they are refused, so that neither passes for it.
+// <IOKit/pwr_mgt/IOPMLib.h>: the one assertion that keeps an idle Mac awake and lets its displays sleep. Other types
+// have another effect, and other levels none: both are refused here, so that neither passes for this one.
 constexpr std::string_view preventUserIdleSystemSleep = "PreventUserIdleSystemSleep";
 constexpr std::uint32_t levelOn = 255;
 

@@ -9,8 +9,8 @@
 
 namespace sentrel::simulation {
 
-/// The system's power-management assertions; notes `assertion.taken` and `assertion.released` {`name`}. Only one that
-/// keeps an idle system awake is granted. Any thread.
+/// The system's power-management assertions; notes `assertion.taken` and `assertion.released` {`name`}. Only assertions
+/// that keep an idle system awake are granted. Any thread.
 ///
 /// Faults: `create` (refused), `release` (refused; the assertion stays).
 class SimulatedAssertions final : public ports::PowerAssertions {
@@ -37,7 +37,7 @@ private:
     ports::Journal& journal_;
     FaultSwitches faults_{"create", "release"};
     mutable std::mutex mutex_;
-    std::uint32_t lastId_ = 0x8000; // identifiers are never 0, and none comes back
+    std::uint32_t lastId_ = 0x8000; // identifiers are never 0 and never reused
     std::vector<Held> held_;
 };
 

@@ -13,7 +13,7 @@ namespace sentrel::simulation {
 /// Faults: `service` (no such service is found), `property` (the service has no such property).
 class SimulatedLid final : public ports::DeviceRegistry {
 public:
-    /// A lid that is open.
+    /// The lid is open at first.
     explicit SimulatedLid(ports::Journal& journal) : journal_(journal) {}
 
     [[nodiscard]] std::optional<std::int64_t> number(const std::string& serviceClass,
@@ -22,13 +22,13 @@ public:
     void open() { setNumber(0); }
     void close() { setNumber(1); }
 
-    /// A Mac that has no lid, or one whose state is no number.
+    /// The Mac has no lid, or its state is not a number.
     void setAbsent() { setNumber(std::nullopt); }
 
-    /// Any value of the property, also one that no lid has.
+    /// Sets the property to any value, even an invalid one.
     void setNumber(std::optional<std::int64_t> value);
 
-    /// Whether the property shows a lid that is shut; none without a lid.
+    /// Whether the property shows a closed lid; none without a lid.
     [[nodiscard]] std::optional<bool> isClosed() const;
 
     [[nodiscard]] FaultSwitches& faults() { return faults_; }

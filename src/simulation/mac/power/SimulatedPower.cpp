@@ -11,7 +11,7 @@ constexpr std::string_view nameKey = "Name";
 constexpr std::string_view stateKey = "Power Source State";
 constexpr const char* internalBattery = "InternalBattery-0";
 
-/// What the sources report, for the journal.
+/// A summary of the sources' states, for the journal.
 std::string summary(const std::vector<PowerSource>& sources)
 {
     std::string states;
@@ -29,7 +29,7 @@ std::string summary(const std::vector<PowerSource>& sources)
 
 } // namespace
 
-/// The sources as they were, whatever changes later.
+/// The sources as of its creation.
 class SimulatedPower::Snapshot final : public ports::PowerSourcesSnapshot {
 public:
     Snapshot(std::shared_ptr<const Sources> sources, bool hasList) : sources_(std::move(sources)), hasList_(hasList) {}

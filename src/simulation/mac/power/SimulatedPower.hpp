@@ -19,7 +19,7 @@ struct PowerSource {
     /// The texts by key; none when the system has no description of the source.
     std::optional<Description> description;
 
-    /// A source of this name that reports this state.
+    /// A source with this name and state.
     static PowerSource reporting(std::string name, std::string state);
 
     friend bool operator==(const PowerSource&, const PowerSource&) = default;
@@ -61,7 +61,7 @@ private:
     FaultSwitches faults_{"snapshot", "list", "register", "notification"};
     NotificationHub changes_;
     mutable std::mutex mutex_;
-    std::shared_ptr<const Sources> sources_; // never changed, only replaced: a snapshot shares it
+    std::shared_ptr<const Sources> sources_; // immutable, only replaced: snapshots share it
 };
 
 } // namespace sentrel::simulation

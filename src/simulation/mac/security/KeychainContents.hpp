@@ -11,7 +11,7 @@
 
 namespace sentrel::simulation {
 
-/// The two keychains that a Mac has for a user: the one of data protection, and the login keychain of older days.
+/// The two keychains of a Mac user: the data protection keychain, and the older login keychain.
 enum class KeychainStore { dataProtection, legacy };
 
 /// A generic-password item.
@@ -27,7 +27,7 @@ struct KeychainItem {
 /// The items of both keychains.
 class KeychainContents {
 public:
-    /// Reads what `encode` wrote; none for anything else.
+    /// Reads the output of `encode`; none for anything else.
     static std::optional<KeychainContents> decode(BytesView text);
 
     /// As JSON: one list of items for each keychain, their data as base64.

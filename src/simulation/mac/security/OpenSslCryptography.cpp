@@ -17,10 +17,10 @@ constexpr std::int32_t cryptoUnspecifiedError = -4308; // kCCUnspecifiedError
 constexpr std::uint32_t algorithmPbkdf2 = 2;
 constexpr std::uint32_t pseudoRandomFunctionHmacSha256 = 3;
 
-/// The library counts in ints.
+/// Largest size that the library's int parameters take.
 constexpr std::size_t most = std::numeric_limits<int>::max();
 
-/// A pointer that isn't null, also for no bytes.
+/// A pointer that isn't null, even for no bytes.
 const std::uint8_t* pointerTo(BytesView bytes)
 {
     static constexpr std::uint8_t nothing = 0;

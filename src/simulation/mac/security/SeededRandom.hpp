@@ -8,7 +8,7 @@
 
 namespace sentrel::simulation {
 
-/// Random bytes that are the same for the same seed, whatever the sizes in which they are asked for. Any thread.
+/// Random bytes that depend only on the seed, not on the sizes of the requests. Any thread.
 class SeededRandom final : public ports::Random, public ports::GeneralRandom {
 public:
     explicit SeededRandom(std::uint64_t seed) : generator_(seed) {}
@@ -16,7 +16,7 @@ public:
     [[nodiscard]] bool fill(std::span<std::uint8_t> bytes) override;
     [[nodiscard]] std::uint8_t nextByte() override;
 
-    /// `fill`: the system has no random bytes to give.
+    /// `fill`: the system has no random bytes.
     [[nodiscard]] FaultSwitches& faults() { return faults_; }
 
 private:

@@ -45,7 +45,7 @@ bool isTrue(const KeychainDictionary& dictionary, KeychainKey key)
     return flag != nullptr && *flag;
 }
 
-/// Writes the attributes that an item keeps into it.
+/// Copies the attributes that an item stores into it.
 void apply(const KeychainDictionary& attributes, KeychainItem& item)
 {
     if (const auto* const data = find<BytesView>(attributes, KeychainKey::valueData)) {
@@ -59,7 +59,7 @@ void apply(const KeychainDictionary& attributes, KeychainItem& item)
 
 } // namespace
 
-/// The part of a dictionary that says which items are meant.
+/// The part of a dictionary that selects items.
 struct SimulatedKeychain::Query {
     KeychainStore store = KeychainStore::legacy;
     std::optional<std::string> service;

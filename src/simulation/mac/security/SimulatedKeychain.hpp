@@ -16,8 +16,8 @@ class FileSystem;
 
 namespace sentrel::simulation {
 
-/// The user's two keychains, kept in one file of the Mac's disk, which is replaced durably at each change. A file that
-/// can't be read as keychains is reported as damaged by every call, and is left alone. Any thread.
+/// The user's two keychains, kept in one file of the Mac's disk, which is replaced durably at each change. A damaged
+/// file is reported by every call, and left alone. Any thread.
 class SimulatedKeychain final : public ports::Keychain {
 public:
     /// How a keychain answers.
@@ -27,7 +27,7 @@ public:
         denied, ///< the user or the system refuses this application: `errSecAuthFailed`
     };
 
-    /// The file is read now, if it is there.
+    /// Reads the file, if it exists.
     SimulatedKeychain(ports::FileSystem& files, std::filesystem::path file);
 
     [[nodiscard]] Copied copyMatching(const ports::KeychainDictionary& query) override;
@@ -38,8 +38,8 @@ public:
 
     void setAccess(KeychainStore store, Access access);
 
-    /// Puts an item there as if another program had, in place of one with the same service and account. False when
-    /// the file can't be written or is damaged.
+    /// Stores an item as if by another program; replaces one with the same service and account. False if the file can't
+    /// be written or is damaged.
     [[nodiscard]] bool setItem(KeychainStore store, KeychainItem item);
 
     /// A copy of the item; none when there isn't one.

@@ -16,7 +16,7 @@ constexpr std::int64_t deviceOwnerAuthentication = 2;
 
 } // namespace
 
-/// A request from the moment that it was made.
+/// A request, whether its panel is shown yet or not.
 struct SimulatedLogin::Panel {
     std::string reason;
     std::function<void(bool)> reply;
@@ -26,7 +26,7 @@ struct SimulatedLogin::Panel {
     Semaphore decided;
 };
 
-/// What the requests share; each keeps it, since the application may let go of one after the login's end.
+/// State shared by the requests, which keep it alive: the application may release one after the login's end.
 struct SimulatedLogin::State {
     State(Scheduler& clock, ports::Journal& log) : scheduler(clock), journal(log) {}
 

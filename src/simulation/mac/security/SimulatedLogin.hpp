@@ -17,7 +17,7 @@ class Journal;
 
 namespace sentrel::simulation {
 
-/// What becomes of a request for the Mac login.
+/// The outcome of a request for the Mac login.
 enum class LoginAnswer {
     succeed,
     fail,
@@ -25,32 +25,31 @@ enum class LoginAnswer {
     unavailable, ///< the system can't ask: no panel is shown
 };
 
-/// The word for an answer, as scenarios and the journal have it.
+/// The word for an answer in scenarios and in the journal.
 [[nodiscard]] std::string_view nameOf(LoginAnswer answer);
 
 /// The system's login panel and the person in front of it, who has no biometry to log in with. One panel is shown at a
-/// time; a further request waits for its turn. Each request is noted as `login` with its `reason` and `answer`
-/// (`invalidated` when the application let go of it first). Any thread; requests are made on the main thread.
+/// time; further requests wait for their turn. Each request is noted as `login` with its `reason` and `answer`
+/// (`invalidated` if the application released it first). Any thread; requests are made on the main thread.
 class SimulatedLogin final : public ports::LoginAuthentication {
 public:
     SimulatedLogin(Scheduler& scheduler, ports::Journal& journal);
 
     [[nodiscard]] std::unique_ptr<ports::LoginContext> makeContext() override;
 
-    /// How panels are answered from now on; the one that is shown too.
+    /// Sets the answer to panels from now on, including the one shown.
     void setAnswer(LoginAnswer answer);
 
-    /// How long a panel is shown before it is answered, 0 at first; none leaves it to `answerPanel`. For panels that
-    /// are shown from now on.
+    /// Time until a panel is answered, 0 at first; none leaves it to `answerPanel`. Holds for panels shown from now on.
     void setAnswerDelay(std::optional<Duration> delay);
 
-    /// Why the system can't ask, in its own words; none when it doesn't say.
+    /// The system's description of why it can't ask; none if it has none.
     void setUnavailabilityDescription(std::optional<std::string> description);
 
-    /// Answers the panel that is shown; false when there is none.
+    /// Answers the shown panel; false if there is none.
     bool answerPanel(LoginAnswer answer);
 
-    /// The reason that the panel gives; none while no panel is shown.
+    /// The reason on the panel; none while no panel is shown.
     [[nodiscard]] std::optional<std::string> panelReason() const;
 
     /// The reasons of all panels shown so far.
@@ -67,7 +66,7 @@ private:
     static Async<void> show(std::shared_ptr<State> state, std::shared_ptr<Panel> panel);
 
     std::shared_ptr<State> state_;
-    SerialQueue panels_; // one held job for each panel; its end closes them
+    SerialQueue panels_; // one held job for each panel; the queue's end closes them
 };
 
 } // namespace sentrel::simulation

@@ -20,7 +20,7 @@ std::optional<float> mean(const std::map<AudioControl, float>& controls, std::ui
     return count > 0 ? std::optional{sum / static_cast<float>(count)} : std::nullopt;
 }
 
-/// A volume that a control can have; what is no number gives 0.
+/// Clamps to a control's range 0...1; NaN gives 0.
 float scalar(float volume)
 {
     return std::fmin(std::fmax(volume, 0.0F), 1.0F);

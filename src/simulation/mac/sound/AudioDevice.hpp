@@ -30,7 +30,7 @@ struct AudioDevice {
     std::string name = {};
     std::string uid = {};
     std::uint32_t transport = fourCharCode("bltn");
-    std::vector<std::uint32_t> outputBuffers = {2}; ///< channels of each output buffer; a microphone has none
+    std::vector<std::uint32_t> outputBuffers = {2}; ///< channels of each output buffer; empty for a microphone
     std::map<AudioControl, float> controls = {};    ///< a volume is 0...1; a mute is 0 or 1
 
     /// Adds a virtual main volume and a mute to each of the elements.
@@ -41,10 +41,10 @@ struct AudioDevice {
     /// The mean of the virtual main volumes, or else of the volume scalars; none without either.
     [[nodiscard]] std::optional<float> volume() const;
 
-    /// Muted on any element.
+    /// True if any element is muted.
     [[nodiscard]] bool isMuted() const;
 
-    /// By what a signal is multiplied on its way to the ear: the volume, 1 without one, 0 when muted or without output.
+    /// The factor from a signal to the ear: the volume, 1 without one, 0 if muted or without output.
     [[nodiscard]] float audibleGain() const;
 
     /// Writes every volume control, clamped to 0...1.

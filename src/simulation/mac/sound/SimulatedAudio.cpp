@@ -240,7 +240,7 @@ bool SimulatedAudio::setVolume(Id id, std::optional<float> volume, std::optional
         heardVolume = device->volume().value_or(1.0F);
         heardMuted = device->isMuted();
     }
-    // Rounded, because a float widened to a double shows digits that nobody set.
+    // Rounded: a float widened to a double shows spurious digits.
     const double shown = std::round(static_cast<double>(heardVolume) * 1e6) / 1e6;
     journal_.note("volume.changed", {{"device", std::int64_t{id}}, {"volume", shown}, {"muted", heardMuted}});
     tellObserver();

@@ -24,8 +24,8 @@ public:
 
     static constexpr Id systemObject = 1;
 
-    /// Starts with these devices. Throws `std::invalid_argument` when two share an identifier, when one has that of the
-    /// system object or 0, or when the default output is none of them.
+    /// Starts with these devices. Throws `std::invalid_argument` if an identifier is repeated, 0 or that of the system
+    /// object, or if the default output is none of the devices.
     SimulatedAudio(ports::Journal& journal, std::vector<AudioDevice> devices, std::optional<Id> defaultOutput);
 
     [[nodiscard]] bool hasProperty(Id object, const Address& address) override;
@@ -44,10 +44,10 @@ public:
     /// Unplugs a device. The default output moves to the first device with output that is left.
     bool remove(Id id);
 
-    /// The user chooses the default output, or there is none any more. False when there is no such output device.
+    /// The user chooses the default output; none removes it. False if there is no such output device.
     bool setDefaultOutput(std::optional<Id> id);
 
-    /// The user moves the volume or the mute; what is none stays. False when there is no such device.
+    /// The user changes the volume or the mute; none leaves it as it is. False if there is no such device.
     bool setVolume(Id id, std::optional<float> volume, std::optional<bool> isMuted);
 
     [[nodiscard]] std::vector<AudioDevice> devices() const;
@@ -57,7 +57,7 @@ public:
     /// See `AudioDevice::audibleGain`; 0 for a device that is gone.
     [[nodiscard]] float audibleGain(Id id) const;
 
-    /// Calls back after every change that may be heard, on the thread that made it and under no lock.
+    /// Calls back after every audible change, on the thread that made it and under no lock.
     void observeChanges(std::function<void()> changed);
 
     [[nodiscard]] FaultSwitches& faults() { return faults_; }

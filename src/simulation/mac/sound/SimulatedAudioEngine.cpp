@@ -21,14 +21,14 @@ public:
     explicit Buffer(std::size_t frames) : samples_(std::make_shared<std::vector<float>>(frames)) {}
     [[nodiscard]] std::span<float> samples() override { return *samples_; }
 
-    /// The samples without a copy, for the time when nobody writes them any more.
+    /// The samples, without a copy. They must not be written to afterwards.
     [[nodiscard]] Speaker::Samples share() const { return samples_; }
 
 private:
     std::shared_ptr<std::vector<float>> samples_;
 };
 
-/// The samples of any buffer; those of our own are not copied.
+/// The samples of any buffer; those of this module's buffers are not copied.
 Speaker::Samples samplesOf(ports::AudioBuffer& buffer)
 {
     if (const auto* const own = dynamic_cast<const Buffer*>(&buffer)) {

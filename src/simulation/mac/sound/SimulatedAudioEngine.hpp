@@ -10,7 +10,7 @@
 
 namespace sentrel::simulation {
 
-/// One engine with one player node. It sounds while it is started, has a buffer, and plays.
+/// One engine with one player node. It sounds while it is started, has a buffer and is playing.
 class SimulatedAudioEngine final : public ports::AudioEngine {
 public:
     explicit SimulatedAudioEngine(SimulatedAudioEngines& engines);
@@ -41,7 +41,7 @@ private:
     Speaker& speaker_;
     SimulatedAudio& audio_;
     FaultSwitches& faults_;
-    std::optional<ports::AudioObjectId> device_; // none: it follows the default output
+    std::optional<ports::AudioObjectId> device_; // none follows the default output
     float mixerVolume_ = 1.0F;
     bool isAttached_ = false;
     bool isStarted_ = false;

@@ -12,12 +12,13 @@ namespace sentrel::simulation {
 
 class SimulatedAudioEngine;
 
-/// Audio engines that are really heard: a scheduled buffer loops through the main mixer's volume and the device's.
-/// Formats are at the hardware's 44.1 kHz; of several channels the first is heard. Any thread; it outlives its engines.
+/// Audio engines that play on the simulated speaker: a scheduled buffer loops at the main mixer's volume times the
+/// device's. Formats have the hardware's 44.1 kHz; only the first channel is heard. Any thread; it must outlive its
+/// engines.
 ///
 /// Faults: `device` (the output unit refuses its device), `format`, `buffer` (none is made), `attach`, `start`, `play`
-/// (fail), `engine-stops` (one that plays stops by itself, now or as soon as there is one), `silent` (it plays, as far
-/// as it tells, and nothing is heard).
+/// (fail), `engine-stops` (a playing one stops by itself, now or once there is one), `silent` (it reports that it
+/// plays, but nothing is heard).
 class SimulatedAudioEngines final : public ports::AudioEngines {
 public:
     SimulatedAudioEngines(Speaker& speaker, SimulatedAudio& audio) : speaker_(speaker), audio_(audio)

@@ -17,7 +17,7 @@ std::int64_t lengthOf(const AudibleSound& sound)
     return static_cast<std::int64_t>(sound.samples.size());
 }
 
-/// Adds the sound's samples from `place` on; a loop begins again at its end.
+/// Adds the sound's samples from `place` on; loops wrap around.
 void addSamples(const AudibleSound& sound, std::int64_t place, std::span<float> mixed)
 {
     while (!mixed.empty()) {
@@ -34,12 +34,12 @@ void addSamples(const AudibleSound& sound, std::int64_t place, std::span<float> 
     }
 }
 
-/// Rounds to 16 bits, clipping what is too loud. Tells whether anything is left to hear.
+/// Rounds to 16 bits and clips. True if any result isn't 0.
 bool quantize(std::span<const float> mixed, std::int16_t* out)
 {
     std::int16_t any = 0;
     for (std::size_t i = 0; i < mixed.size(); ++i) {
-        // In this order of operands a sample that is no number becomes a full one: heard, not undefined.
+        // With this order of operands NaN becomes full scale: audible, not undefined.
         const float clipped = std::min(1.0F, std::max(-1.0F, mixed[i])) * fullScale;
         const auto value = static_cast<std::int16_t>(static_cast<std::int32_t>(clipped + (clipped < 0 ? -0.5F : 0.5F)));
         out[i] = value;
@@ -62,7 +62,7 @@ std::int64_t SoundRecorder::frameAt(Instant instant) const
 {
     constexpr std::int64_t second = 1'000'000'000;
     const std::int64_t span = (instant - start_).count();
-    // Seconds and the rest apart, as their product would not fit; both rounded down.
+    // Seconds and remainder are multiplied apart, else the product would overflow; both are rounded down.
     std::int64_t seconds = span / second;
     std::int64_t rest = span % second;
     if (rest < 0) {
@@ -85,7 +85,7 @@ void SoundRecorder::record(std::span<const AudibleSound> sounds, Instant until)
     }
 }
 
-/// The stretch from a frame on in which no sound begins or ends.
+/// The longest piece from a frame on in which no sound begins or ends.
 SoundRecorder::Piece SoundRecorder::pieceFrom(std::int64_t frame, std::int64_t until,
                                               std::span<const AudibleSound> sounds) const
 {

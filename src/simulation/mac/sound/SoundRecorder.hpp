@@ -10,7 +10,7 @@
 
 namespace sentrel::simulation {
 
-/// Something that sounds, as the recorder needs it.
+/// One sound, as the recorder needs it.
 struct AudibleSound {
     std::span<const float> samples; ///< at the recorder's sample rate; not empty
     Instant start;                  ///< when the first sample is heard
@@ -18,8 +18,8 @@ struct AudibleSound {
     float gain = 0.0F; ///< from the samples to the ear
 };
 
-/// Records what the ear hears, from a start instant on, into a WAV file. Time is cut into frames from the start, so
-/// that a change falls exactly between two frames. It holds the first ten minutes and no more. One thread at a time.
+/// Records the audible sound from a start instant on into a WAV file. Frames are counted from the start, so that a
+/// change falls exactly between two frames. Only the first ten minutes are recorded. One thread at a time.
 class SoundRecorder {
 public:
     static constexpr std::int64_t sampleRate = 44'100;
@@ -29,7 +29,7 @@ public:
 
     SoundRecorder(std::filesystem::path file, Instant start);
 
-    /// Records what these sounds give together, from where the recording is up to this instant.
+    /// Records the mix of these sounds, from the recording's current end up to this instant.
     void record(std::span<const AudibleSound> sounds, Instant until);
 
     /// Completes the file. False when it could not be written whole.

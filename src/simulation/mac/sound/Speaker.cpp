@@ -9,7 +9,7 @@ namespace sentrel::simulation {
 
 namespace {
 
-/// A 1 kHz sine that dies away, easy to tell from an alarm tone by ear and by measure.
+/// A decaying 1 kHz sine, easy to tell from an alarm tone by ear and by measurement.
 Speaker::Samples makeBeep()
 {
     constexpr double rate = SoundRecorder::sampleRate;
@@ -132,7 +132,7 @@ bool Speaker::finishRecording()
     return std::exchange(recorder_, nullptr)->finish();
 }
 
-/// Records what was heard until now, and only then applies the change.
+/// Records the sound up to now, then applies the change.
 template <class Change> void Speaker::change(Change apply)
 {
     const std::lock_guard guard{mutex_};

@@ -13,20 +13,19 @@
 
 namespace sentrel::simulation {
 
-/// What sounds at a moment.
+/// A sound at one moment.
 struct Sounding {
     enum class Kind { loop, beep };
 
     Kind kind = Kind::loop;
-    std::optional<ports::AudioObjectId> device; ///< where it is played; none without any output
+    std::optional<ports::AudioObjectId> device; ///< the device that plays it; none without any output
     float gain = 0.0F;                          ///< from the samples to the ear: mixer, device volume, mute
-    std::uint64_t id = 0;                       ///< the same as long as it sounds
+    std::uint64_t id = 0;                       ///< constant as long as it sounds
     std::shared_ptr<const std::vector<float>> samples = nullptr; ///< at 44.1 kHz
 };
 
-/// Plays sounds through the simulated audio devices, and so knows what the ear hears, now and on a recording. It keeps
-/// what sounds and what was changed last; samples are computed only for a recording, up to each change. The clock is
-/// the hardware's. Any thread.
+/// Plays sounds through the simulated audio devices, and knows the audible result, now and on a recording. Samples are
+/// computed only for a recording, up to each change. Times are on the hardware's clock. Any thread.
 class Speaker {
 public:
     using Samples = std::shared_ptr<const std::vector<float>>;
@@ -35,7 +34,7 @@ public:
     /// Length of one system beep.
     static constexpr Duration beepLength = std::chrono::milliseconds{150};
 
-    /// How long a beep is remembered after its end.
+    /// Time for which a beep is remembered after its end.
     static constexpr Duration memory = std::chrono::seconds{1};
 
     Speaker(Scheduler& hardware, SimulatedAudio& audio);
@@ -50,14 +49,14 @@ public:
     void setDevice(SoundId sound, ports::AudioObjectId device);
     void end(SoundId sound);
 
-    /// A short beep on what is the default output now; it waits until those before it have sounded.
+    /// A short beep on the current default output, after those before it.
     void beep();
 
     /// While the machine sleeps nothing is heard.
     void setAsleep(bool isAsleep);
 
-    /// What sounds now, also what a mute or a missing device makes inaudible; oldest first. With a span of at most
-    /// `memory`, beeps count that ended within it.
+    /// The sounds playing now, oldest first, including those made inaudible by a mute or a missing device. `past`, at
+    /// most `memory`, adds the beeps that ended within it.
     [[nodiscard]] std::vector<Sounding> sounding(Duration past = Duration::zero()) const;
 
     /// Records from now on into a WAV file; false when it can't be made.
@@ -96,7 +95,7 @@ private:
     Instant beepsEnd_{};
     bool isAsleep_ = false;
     std::unique_ptr<SoundRecorder> recorder_;
-    std::vector<AudibleSound> audible_; // kept to be filled again
+    std::vector<AudibleSound> audible_; // kept to reuse its memory
 };
 
 } // namespace sentrel::simulation

@@ -7,20 +7,20 @@
 
 namespace sentrel::simulation {
 
-/// Writes a WAV file of 16-bit mono sound as it comes. Silence costs neither time nor, on a file system that knows
-/// holes, space. One thread at a time.
+/// Writes a WAV file of 16-bit mono sound incrementally. Silence costs no time and, on a file system with holes, no
+/// space. One thread at a time.
 class WavWriter {
 public:
-    /// More frames than this the format's 32-bit sizes can't hold.
+    /// Limit of the format's 32-bit sizes.
     static constexpr std::int64_t maximumFrames = (0xFFFFFFFFLL - 36) / 2;
 
-    /// Makes or empties the file; `isGood` tells whether that worked.
+    /// Creates or empties the file; `isGood` reports whether that worked.
     WavWriter(std::filesystem::path file, std::uint32_t sampleRate);
 
-    /// Appends frames. All that is appended stays within `maximumFrames`.
+    /// Appends frames. The total must stay within `maximumFrames`.
     void append(std::span<const std::int16_t> frames);
 
-    /// Appends so many silent frames.
+    /// Appends `frames` silent frames.
     void appendSilence(std::int64_t frames) { frames_ += frames; }
 
     /// Completes the header and closes the file. True when every byte was written.
