@@ -10,7 +10,7 @@
 
 namespace sentrel::simulation {
 
-/// A colour as linear amounts of light; values above 1 are brighter than the picture can show.
+/// A colour as light, 0 to 1 each; values above 1 are brighter than the picture can show.
 struct Rgb {
     float red = 0;
     float green = 0;
