@@ -36,7 +36,7 @@ struct Arguments {
     std::string language;
 };
 
-/// The error for a token that can be guessed, empty for a good one: the token is the page's only protection.
+/// The error for a token that is easy to guess, empty for a good one: only the token protects the page.
 std::string refusalOfToken(const std::string& token)
 {
     constexpr std::size_t shortestToken = 16;

@@ -22,7 +22,7 @@ struct Event {
     /// The value of a field; null when the event has no such field.
     [[nodiscard]] const Value* find(std::string_view field) const;
 
-    /// The text of a field; empty when there is none or it is no text.
+    /// The text of a field; empty if it is missing or not text.
     [[nodiscard]] std::string_view text(std::string_view field) const;
 };
 

@@ -30,7 +30,7 @@ public:
     /// Whether the device must fail now; counts as one use. Fatal if the name isn't one of the device's faults.
     [[nodiscard]] bool strikes(std::string_view name);
 
-    /// Must open each operation of a port. Throws `Raised` or never returns if a fault or the gate says so.
+    /// Call first in each operation of a port. Throws `Raised` or never returns if a fault or the gate says so.
     void call(std::string_view operation);
 
     /// The same for an awaited operation: a hanging one never completes, and blocks no thread.

@@ -12,9 +12,8 @@ using boost::asio::ip::tcp;
 using boost::beast::error_code;
 
 constexpr std::size_t mostConnections = 256;
-constexpr std::size_t mostAtOnce =
-    mostConnections / 4;          // so that new connections don't close each other before they are heard
-constexpr int mostArriving = 512; // connections that the system queues until they are accepted
+constexpr std::size_t mostAtOnce = mostConnections / 4; // so that new connections do not close each other unheard
+constexpr int mostArriving = 512;                       // connections that the system queues until they are accepted
 constexpr std::chrono::milliseconds pauseAfterFailure{100};
 
 } // namespace

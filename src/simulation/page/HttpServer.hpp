@@ -11,7 +11,7 @@
 namespace sentrel::simulation {
 
 /// HTTP/1.1 on loopback. One thread serves all connections and never waits for a client: each read and write has a
-/// deadline, heads, bodies and connections have a limit, and at the limit of connections, the one whose request has
+/// deadline, and heads, bodies and connections have a limit. At the limit of connections, the one whose request has
 /// taken the longest is closed. Bodies must have a length and no encoding.
 class HttpServer {
 public:

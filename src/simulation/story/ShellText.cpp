@@ -43,7 +43,7 @@ std::string describe(const ClickOn& action)
 
 std::string describe(const TypeText& action)
 {
-    // Secret texts are shown too: they stand in the scenario anyway.
+    // The text may be a secret; it is shown because the reader may see the scenario.
     return "Somebody types " + quoted(action.text) + (action.field ? " into " + quoted(*action.field) : "") + ".";
 }
 

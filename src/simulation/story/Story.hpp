@@ -95,7 +95,7 @@ private:
     std::map<std::uint32_t, std::string> names_;
     std::map<std::uint32_t, Level> levels_;     // levels by device
     std::map<std::uint32_t, double> disturbed_; // by device: since when it differs from the alarm's setting
-    std::map<std::uint32_t, double> settling_;  // by device: the system's last change, not yet told
+    std::map<std::uint32_t, double> settling_;  // by device: time of the system's last change, not yet told
     std::set<std::string> assertions_;
     std::optional<std::uint32_t> alarmDevice_;
     std::optional<double> soundingSince_;

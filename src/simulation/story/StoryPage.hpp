@@ -13,7 +13,8 @@ struct StoryStyle {
     bool isColoured = false;
     std::size_t width = 96; ///< columns
 
-    /// For the standard output: coloured on a terminal unless `NO_COLOR` is set, and no wider than the terminal.
+    /// For the standard output: coloured on a terminal unless `NO_COLOR` is set and not empty, and no wider than the
+    /// terminal.
     [[nodiscard]] static StoryStyle forStandardOutput();
 };
 

@@ -34,7 +34,7 @@ public:
 
     // Actions of the person.
 
-    /// Opens the menu; false when there is no item. An open one stays open.
+    /// Opens the menu; an open one stays open. False if there is no item.
     bool openMenu();
 
     /// Closes it, as a click elsewhere does.

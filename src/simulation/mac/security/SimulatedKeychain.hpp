@@ -20,7 +20,7 @@ namespace sentrel::simulation {
 /// file is reported by every call, and left alone. Any thread.
 class SimulatedKeychain final : public ports::Keychain {
 public:
-    /// How a keychain answers.
+    /// A keychain's answer to requests.
     enum class Access {
         open,
         locked, ///< the user's session is locked: `errSecInteractionNotAllowed`

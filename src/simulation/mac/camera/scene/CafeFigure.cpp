@@ -10,12 +10,12 @@ constexpr Rgb knit{0.62F, 0.20F, 0.17F};
 constexpr Rgb hair{0.20F, 0.13F, 0.09F};
 constexpr Rgb screenlight{0.10F, 0.13F, 0.18F};
 
-/// Surfaces of the figure: lit from the left, and from below by the screen.
+/// Shades the figure's surfaces: lit from the left, and from below by the screen.
 class FigureLight {
 public:
     explicit FigureLight(const SceneLight& light) : light_(light) {}
 
-    /// A round body whose middle is at `centre`: bright towards the window, in shade on the other side.
+    /// Paint of a round body with its middle at `centre`: bright towards the window, in shade on the other side.
     [[nodiscard]] auto round(Rgb surface, float centre, float radius) const
     {
         return [light = light_, surface, centre, radius](Point p) {
@@ -80,7 +80,7 @@ void drawFace(SceneCanvas& canvas, const FigureLight& light)
 {
     drawEye(canvas, light, 893);
     drawEye(canvas, light, 1027);
-    // Brows, drawn together: this is not a restful moment.
+    // Brows, drawn together.
     canvas.fill(Stroke{{852, 503}, {925, 513}, 8, 10}, light.flat(hair), 0.95F, 4);
     canvas.fill(Stroke{{1068, 501}, {995, 513}, 8, 10}, light.flat(hair), 0.95F, 4);
     canvas.fill(Stroke{{974, 545}, {984, 618}, 6, 14}, light.flat(skin * 0.66F), 0.42F, 22);

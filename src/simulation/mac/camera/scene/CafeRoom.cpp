@@ -21,7 +21,7 @@ float along(float value, float from, float to)
     return std::clamp((value - from) / (to - from), 0.0F, 1.0F);
 }
 
-/// How much daylight reaches a place of the room: less with the distance from the window.
+/// The share of daylight at a point of the room; falls with the distance from the window.
 float daylightAt(Point p)
 {
     return 1.0F - 0.45F * along(p.x, 500, 1920);
@@ -103,7 +103,7 @@ void drawWindow(SceneCanvas& canvas, const SceneLight& light)
     }
 }
 
-/// Where the sun falls through the window onto the wall.
+/// Draws the sunlight that falls through the window onto the wall.
 void drawSunbeams(SceneCanvas& canvas, const SceneLight& light)
 {
     const Rgb beam = Rgb{0.30F, 0.24F, 0.14F} * light.sun;

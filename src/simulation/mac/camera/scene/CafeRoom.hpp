@@ -5,7 +5,7 @@
 
 namespace sentrel::simulation {
 
-/// Draws the cafe without anybody: window, lamps, shelf, tables, and the clock at this minute of the day.
+/// Draws the empty cafe: window, lamps, shelf, tables, and the clock at this minute of the day.
 void drawRoom(SceneCanvas& canvas, const SceneLight& light, int minuteOfDay);
 
 } // namespace sentrel::simulation

@@ -16,14 +16,14 @@ namespace {
 constexpr int minutesOfDay = 24 * 60;
 constexpr int cameraQuality = 92;
 constexpr int previewQuality = 80;
-constexpr int previewShare = 4; // of width and height
+constexpr int previewShare = 4; // divisor of width and height
 constexpr int stripRows = 72;
 
 int minuteOfDay(Date date)
 {
     const double minutes = std::floor(date.secondsSinceReferenceDate / 60);
     const double inDay = minutes - std::floor(minutes / minutesOfDay) * minutesOfDay;
-    return inDay >= 0 && inDay < minutesOfDay ? static_cast<int>(inDay) : 0; // not for a date that is no number
+    return inDay >= 0 && inDay < minutesOfDay ? static_cast<int>(inDay) : 0; // 0 for a date that is NaN
 }
 
 double meanLuma(const RgbxImage& image)
@@ -97,7 +97,7 @@ RgbxImage drawCafe(int minuteOfDay, int share)
 
 void expose(RgbxImage& image, double brightness)
 {
-    // A straight line through black, or through white: the mean of all pixels then follows the same line.
+    // A linear map that keeps black, or white: it maps the mean of all pixels in the same way.
     const double mean = meanLuma(image);
     const double target = std::clamp(brightness, 0.0, 1.0);
     const bool darkens = target <= mean;

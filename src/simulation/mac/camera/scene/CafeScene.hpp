@@ -10,23 +10,23 @@
 
 namespace sentrel::simulation {
 
-/// A look at the cafe.
+/// A small picture of the cafe, for display.
 struct CafePreview {
     std::shared_ptr<const Bytes> jpeg;
-    double brightness = 0.0; ///< 0 to 1, as a photo would measure
+    double brightness = 0.0; ///< 0 to 1, that of a photo
 };
 
-/// What the camera sees: a cafe at the time of day, its clock on the wall, and somebody at the Mac. Any thread.
+/// The scene before the camera: a cafe at the time of day, its clock on the wall, and a person at the Mac. Any thread.
 class CafeScene {
 public:
     static constexpr int width = 1920;
     static constexpr int height = 1080;
 
-    /// A JPEG of the scene when the clock shows this, to the minute. It measures the given brightness (0 to 1), or what
-    /// the light of the hour gives. Equal calls give equal bytes.
+    /// A JPEG of the scene at this time of the clock, to the minute. It has the given brightness (0 to 1), or that of
+    /// the hour's light. Equal calls give equal bytes.
     [[nodiscard]] Bytes photograph(Date date, std::optional<double> brightness);
 
-    /// A small picture of the same, for somebody who looks on; the same object as long as nothing changes.
+    /// A small picture of the scene, for display; the same object as long as nothing changes.
     [[nodiscard]] CafePreview preview(Date date, std::optional<double> brightness);
 
 private:
@@ -34,7 +34,7 @@ private:
 
     std::mutex mutex_;
     int drawnMinute_ = -1;
-    RgbxImage drawn_; // at `drawnMinute_`: drawing takes far longer than the rest
+    RgbxImage drawn_; // at `drawnMinute_`; kept because drawing takes far longer than the rest
     int previewMinute_ = -1;
     std::optional<double> previewBrightness_;
     CafePreview preview_;

@@ -22,7 +22,7 @@ void SceneCanvas::finish(RgbxImage& picture) const
     for (int y = firstRow_; y < firstRow_ + rows_; ++y) {
         std::uint8_t* out = picture.row(y);
         const float v = static_cast<float>(2 * y - picture.height()) / static_cast<float>(picture.height());
-        // By row, so that the strips' height makes no difference.
+        // Seeded by row, so that the result doesn't depend on the strips' height.
         std::uint32_t noise = (static_cast<std::uint32_t>(y) + 1) * 0x9E3779B9;
         for (int x = 0; x < columns_; ++x, ++pixel, out += RgbxImage::pixelBytes) {
             const float u = static_cast<float>(2 * x - columns_) / static_cast<float>(columns_);

@@ -10,7 +10,7 @@
 
 namespace sentrel::simulation {
 
-/// A colour as light, 0 to 1 each; more than 1 is brighter than the picture shows.
+/// A colour as light, 0 to 1 each; values above 1 are brighter than the picture can show.
 struct Rgb {
     float red = 0;
     float green = 0;
@@ -151,8 +151,8 @@ private:
     std::vector<Point> corners_;
 };
 
-/// A level strip of a picture that is made of smooth shapes, with unlimited brightness until it is finished. A whole
-/// picture of such pixels would be large: each strip draws every shape, as far as it reaches.
+/// A horizontal strip of a picture of smooth shapes, with unlimited brightness until it is finished. A whole picture of
+/// such pixels would be large: each strip draws its part of every shape.
 class SceneCanvas {
 public:
     /// The strip for some rows of a picture of `width` x `height` scene units, whose pixels are squares of
@@ -175,7 +175,7 @@ public:
     {
     }
 
-    /// Paints the shape; the paint says the colour at a point. `softness` is the width of its edge in scene units.
+    /// Paints the shape; `paint` gives the colour at a point. `softness` is the width of its edge in scene units.
     template <class Shape, class Paint>
         requires requires(Paint paint) { Rgb{paint(Point{})}; }
     void fill(const Shape& shape, Paint paint, float opacity = 1, float softness = 1)
@@ -194,7 +194,7 @@ public:
         visit(shape, softness, [&](Rgb& pixel, Point, float cover) { pixel = pixel + light * (cover * cover); });
     }
 
-    /// Puts the finished strip into its rows of the picture: darker towards the corners, with a little grain.
+    /// Writes the finished strip into its rows of the picture, darker towards the corners, with a little grain.
     void finish(RgbxImage& picture) const;
 
     [[nodiscard]] RoundedBox whole() const

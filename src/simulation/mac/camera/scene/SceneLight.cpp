@@ -14,7 +14,7 @@ struct Hour {
 constexpr Rgb nightSky{0.02F, 0.03F, 0.08F};
 constexpr Rgb lamplight{1.00F, 0.78F, 0.52F};
 
-// Sky above, sky at the horizon, daylight indoors, sun, lamps, night.
+// Columns: sky above, sky at the horizon, daylight indoors, sun, lamps, night.
 constexpr std::array<Hour, 9> day{{
     {0.0F, {nightSky, {0.07F, 0.08F, 0.16F}, {0.05F, 0.06F, 0.11F}, 0, 0.52F, 1}},
     {5.0F, {nightSky, {0.10F, 0.10F, 0.20F}, {0.06F, 0.07F, 0.12F}, 0, 0.50F, 1}},

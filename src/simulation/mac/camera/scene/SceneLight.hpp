@@ -8,15 +8,15 @@ namespace sentrel::simulation {
 struct SceneLight {
     Rgb skyTop;
     Rgb skyBottom;
-    Rgb daylight;  ///< what comes in through the window
-    float sun = 0; ///< how hard the sun shines in, 0 to 1
+    Rgb daylight;  ///< light through the window
+    float sun = 0; ///< strength of the sunlight inside, 0 to 1
     float lamps = 0;
     float night = 0;
 
     /// The light at a time of day, 0 to 24 hours.
     static SceneLight at(float hour);
 
-    /// How a surface looks that gets this share of the daylight; the rest is lamplight.
+    /// The colour of a surface that gets this share of the daylight; the rest is lamplight.
     [[nodiscard]] Rgb on(Rgb surface, float share = 1) const;
 };
 
