@@ -199,7 +199,7 @@ Async<void> CloudAlerts::removeBatch(std::vector<UUID> ids, std::unordered_set<U
         const auto found = answer.deleted.find(name);
         if (found == answer.deleted.end()) {
             errors.emplace(name, ports::CloudError{ports::cloudErrorDomain, CloudErrorCode::internalError,
-                                                   "no word of the record"});
+                                                   "the server's answer omits the record"});
         } else if (found->second && !isCloudKitError(*found->second, CloudErrorCode::unknownItem)) {
             errors.emplace(name, *found->second);
         } else {

@@ -17,7 +17,7 @@ namespace sentrel::simulation {
 
 namespace {
 
-const char* nameOf(simulation::SimulatedMusic::Playback playback)
+const char* nameOf(SimulatedMusic::Playback playback)
 {
     constexpr std::array names{"absent", "paused", "playing"};
     return names[static_cast<std::size_t>(playback)];
@@ -39,11 +39,11 @@ double since1970(Date date)
     return date.secondsSinceReferenceDate + Date::secondsFrom1970To2001;
 }
 
-Json audioJson(const simulation::SimulatedAudio& audio)
+Json audioJson(const SimulatedAudio& audio)
 {
     const auto defaultOutput = audio.defaultOutput();
     Json devices = Json::array();
-    for (const simulation::AudioDevice& device : audio.devices()) {
+    for (const AudioDevice& device : audio.devices()) {
         if (device.hasOutput()) {
             devices.push_back({{"id", device.id},
                                {"name", device.name},
@@ -56,9 +56,9 @@ Json audioJson(const simulation::SimulatedAudio& audio)
     return {{"devices", std::move(devices)}};
 }
 
-Json cameraJson(const simulation::SimulatedCamera& camera, PageFiles& files)
+Json cameraJson(const SimulatedCamera& camera, PageFiles& files)
 {
-    const simulation::CameraView view = camera.view();
+    const CameraView view = camera.view();
     return {{"lamp", camera.isSessionRunning()},
             {"brightness", view.brightness ? Json(*view.brightness) : Json(nullptr)},
             {"source", camera.hasPhotoFile() ? "webcam" : "scene"},
@@ -91,7 +91,7 @@ std::optional<double> PageState::motionThreshold() const
 
 Json PageState::hardware()
 {
-    simulation::SimulatedMac& mac = session_.mac();
+    SimulatedMac& mac = session_.mac();
     const auto threshold = motionThreshold();
     const auto isResting = mac.accelerometer.isPresent() ? std::optional{mac.accelerometer.isResting()} : std::nullopt;
     return {{"power", nameOf(mac.power.isOnAC(), "ac", "battery", "unknown")},
@@ -108,11 +108,11 @@ Json PageState::hardware()
 Json PageState::sound()
 {
     Json sounds = Json::array();
-    for (const simulation::Sounding& sounding : session_.mac().speaker.sounding()) {
+    for (const Sounding& sounding : session_.mac().speaker.sounding()) {
         if (sounding.gain > 0.0F && sounding.samples != nullptr && !sounding.samples->empty()) {
             sounds.push_back({{"id", sounding.id},
                               {"url", files_.addSound(sounding.samples)},
-                              {"loops", sounding.kind == simulation::Sounding::Kind::loop},
+                              {"loops", sounding.kind == Sounding::Kind::loop},
                               {"gain", sounding.gain},
                               {"device", sounding.device ? Json(*sounding.device) : Json(nullptr)}});
         }
@@ -122,10 +122,10 @@ Json PageState::sound()
 
 Json PageState::cloud() const
 {
-    simulation::SimulatedICloud& iCloud = session_.mac().iCloud;
+    SimulatedICloud& iCloud = session_.mac().iCloud;
     Json faults = Json::array();
-    for (const simulation::CloudFault& fault : iCloud.link.faults().all()) {
-        faults.push_back({{"name", simulation::cloudErrorName(fault.error.code)}, {"times", fault.times}});
+    for (const CloudFault& fault : iCloud.link.faults().all()) {
+        faults.push_back({{"name", cloudErrorName(fault.error.code)}, {"times", fault.times}});
     }
     const std::string user = iCloud.link.device().user;
     return {{"network", iCloud.network.isUp() ? "up" : "down"},
@@ -139,7 +139,7 @@ Json PageState::cloud() const
 
 Json PageState::phone()
 {
-    simulation::CompanionPhone& phone = session_.phone();
+    CompanionPhone& phone = session_.phone();
     Json alerts = Json::array();
     std::set<std::string> present;
     for (auto& alert : phone.alerts()) {

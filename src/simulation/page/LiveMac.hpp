@@ -80,7 +80,7 @@ private:
     void begin();
     void happened();
     void tellStory();
-    [[nodiscard]] double departureOf(const simulation::Acceleration& sample);
+    [[nodiscard]] double departureOf(const Acceleration& sample);
     void tellMotion(double now);
     void tellChanges();
     [[nodiscard]] bool mayHaveChanged();

@@ -37,7 +37,7 @@ std::size_t displayOf(const ports::Rectangle& frame, const std::vector<ports::Sc
 }
 
 /// The room of a window's content.
-std::string contentRoom(const simulation::WindowState& window)
+std::string contentRoom(const WindowState& window)
 {
     return std::string{PageState::contentPrefix} + std::to_string(window.number);
 }
@@ -57,7 +57,7 @@ Json PageState::menuBar()
 
 Json PageState::screen()
 {
-    simulation::SimulatedMac& mac = session_.mac();
+    SimulatedMac& mac = session_.mac();
     const auto screens = mac.displays.screens();
     const double height = screens.empty() ? 1117.0 : screens.front().frame.height;
     Json displays = Json::array();
@@ -67,7 +67,7 @@ Json PageState::screen()
     Json windows = Json::array();
     const auto seenWindows = mac.displays.seenWindows();
     for (const auto& window : std::views::reverse(seenWindows)) {
-        const simulation::WindowState& seen = *window;
+        const WindowState& seen = *window;
         windows.push_back({{"id", seen.identifier},
                            {"title", seen.title},
                            {"frame", rectangleJson(seen.frame, height)},
@@ -91,7 +91,7 @@ Json PageState::screen()
 
 std::map<std::string, PageState::Text> PageState::contents()
 {
-    simulation::SimulatedMac& mac = session_.mac();
+    SimulatedMac& mac = session_.mac();
     auto seen = mac.displays.seenWindows();
     std::ranges::copy(mac.displays.seenCovers(), std::back_inserter(seen));
     std::map<std::uint64_t, Drawn> drawn;
@@ -118,7 +118,7 @@ std::string PageState::textOf(const Json& value)
 
 Json PageState::panels()
 {
-    simulation::SimulatedMac& mac = session_.mac();
+    SimulatedMac& mac = session_.mac();
     Json panels{{"login", nullptr}, {"alert", nullptr}, {"save", nullptr}, {"preview", nullptr}};
     if (const auto reason = mac.login.panelReason()) {
         panels["login"] = {{"reason", *reason}};

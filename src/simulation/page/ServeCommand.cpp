@@ -72,7 +72,7 @@ int run(const ServeCommand& command, std::ostream& out, std::ostream& err)
         return exitUnreadable;
     }
     if (command.language) {
-        if (!simulation::IcuCalendar::isLocale(*command.language)) {
+        if (!IcuCalendar::isLocale(*command.language)) {
             err << "sentrel-simulator: --language must be one such as de, fr_CA or zh-Hans\n";
             return exitUnreadable;
         }
@@ -80,7 +80,7 @@ int run(const ServeCommand& command, std::ostream& out, std::ostream& err)
     }
     if (!scenario.mac.timeZone) {
         // A live MacBook shows the host's local time.
-        scenario.mac.timeZone = simulation::IcuCalendar::machinesTimeZone();
+        scenario.mac.timeZone = IcuCalendar::machinesTimeZone();
     }
     const RunDisk disk{command.disk};
     LiveMac mac{scenario, disk.path(), command.resources, command.seed, today(), !command.disk};

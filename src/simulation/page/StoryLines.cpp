@@ -41,7 +41,7 @@ void StoryLines::open(const Scenario& scenario)
     out_.str({});
 }
 
-void StoryLines::tell(const simulation::Event& event)
+void StoryLines::tell(const Event& event)
 {
     story_.tell(event);
     take(event.at);

@@ -18,7 +18,7 @@ public:
     /// Takes the names and levels of the audio devices; adds no lines.
     void open(const Scenario& scenario);
 
-    void tell(const simulation::Event& event);
+    void tell(const Event& event);
     void perform(double at, const Action& action);
 
     /// Number of lines so far, dropped ones included.

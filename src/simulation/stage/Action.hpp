@@ -39,7 +39,7 @@ enum class PlainAction {
 
 /// Changes the power sources.
 struct SetPower {
-    simulation::MacDescription::Power power;
+    MacDescription::Power power;
 };
 
 /// The accelerometer delivers one reading, in g.
@@ -51,7 +51,7 @@ struct MoveMachine {
 
 /// The accelerometer delivers a recording from now on, each sample at its time.
 struct PlayRecording {
-    simulation::MotionRecording recording;
+    MotionRecording recording;
     std::string name; ///< the file's name in the scenario
 };
 
@@ -105,13 +105,13 @@ struct FailPorts {
 
 /// Changes the cameras, their view and the permission to use them.
 struct ChangeCamera {
-    simulation::CameraChange change;
+    CameraChange change;
     std::string photoName; ///< the file's name in the scenario; empty if none is given
 };
 
 /// Sets the keychains' answers from now on.
 struct ChangeKeychain {
-    using Access = simulation::SimulatedKeychain::Access;
+    using Access = SimulatedKeychain::Access;
     std::optional<Access> dataProtection;
     std::optional<Access> legacy;
     std::optional<FailPort> fail; ///< faults of the port "keychain"
@@ -119,7 +119,7 @@ struct ChangeKeychain {
 
 /// Sets the answer to the system's login panel from now on.
 struct AnswerLogin {
-    simulation::LoginAnswer answer = simulation::LoginAnswer::succeed;
+    LoginAnswer answer = LoginAnswer::succeed;
 };
 
 /// The owner sets the unlock passcode.
@@ -139,12 +139,12 @@ struct SetDisplays {
 
 /// Changes the iCloud account, the cloud and the network.
 struct ChangeCloud {
-    simulation::CloudChange change;
+    CloudChange change;
 };
 
 /// The owner's phone sends this Mac a command.
 struct UsePhone {
-    simulation::CompanionPhone::Command command;
+    CompanionPhone::Command command;
 };
 
 /// The owner deletes alerts from the list.

@@ -46,8 +46,8 @@ MoveMachine readSample(const YamlValue& value)
 Action readRecording(const YamlValue& value, const ReadContext& context)
 {
     try {
-        return PlayRecording{simulation::MotionRecording::load(readPath(value, "the recording", context)), value.text};
-    } catch (const simulation::MotionRecordingError& error) {
+        return PlayRecording{MotionRecording::load(readPath(value, "the recording", context)), value.text};
+    } catch (const MotionRecordingError& error) {
         throw SourceFault(value.line, error.what());
     }
 }

@@ -11,9 +11,6 @@ namespace sentrel::simulation {
 
 namespace {
 
-using simulation::AudioControl;
-using simulation::AudioDevice;
-
 /// A device being read. The initial value of controls without their own is known only after all keys.
 struct Draft {
     AudioDevice device;

@@ -10,7 +10,7 @@
 namespace sentrel::simulation {
 
 /// The audio devices of `mac`, as `readMac` says. Throws `SourceFault`.
-[[nodiscard]] std::vector<simulation::AudioDevice> readAudioDevices(const YamlValue& value, const ReadContext& context);
+[[nodiscard]] std::vector<AudioDevice> readAudioDevices(const YamlValue& value, const ReadContext& context);
 
 /// The first word for a transport in a scenario; "unknown" for one without a word.
 [[nodiscard]] std::string_view transportName(std::uint32_t transport);

@@ -8,7 +8,6 @@ namespace sentrel::simulation {
 namespace {
 
 using ports::CaptureAuthorization;
-using simulation::CameraModel;
 
 constexpr std::array<Word<CaptureAuthorization>, 4> authorizations{{
     {"authorized", CaptureAuthorization::authorized},

@@ -10,10 +10,6 @@ namespace sentrel::simulation {
 namespace {
 
 using ports::CloudAccountStatus;
-using simulation::CloudFault;
-using simulation::CloudOperation;
-using simulation::CompanionPhone;
-using simulation::LostAnswers;
 
 constexpr std::array<Word<CloudAccountStatus>, 5> statuses{{
     {"none", CloudAccountStatus::noAccount},
@@ -51,15 +47,14 @@ int readCode(const YamlValue& value)
     if (isNumber) {
         return static_cast<int>(readWhole(value, "the code of an error", 1, mostCode));
     }
-    return static_cast<int>(readChoice(value, "error of iCloud", simulation::cloudErrorNames())) + 1;
+    return static_cast<int>(readChoice(value, "error of iCloud", cloudErrorNames())) + 1;
 }
 
 CloudOperation readOperation(const YamlValue& value)
 {
-    std::array<std::string_view, simulation::cloudOperations.size()> names;
-    std::ranges::transform(simulation::cloudOperations, names.begin(),
-                           [](const auto& operation) { return operation.second; });
-    return simulation::cloudOperations[readChoice(value, "kind of request", names)].first;
+    std::array<std::string_view, cloudOperations.size()> names;
+    std::ranges::transform(cloudOperations, names.begin(), [](const auto& operation) { return operation.second; });
+    return cloudOperations[readChoice(value, "kind of request", names)].first;
 }
 
 int readTimes(const YamlValue& value, std::string_view what)
@@ -69,7 +64,7 @@ int readTimes(const YamlValue& value, std::string_view what)
 }
 
 constexpr std::array<FieldRow<CloudFault>, 5> faultFields{{
-    {"code", [](auto& fault, auto& value, auto&) { fault.error = simulation::cloudError(readCode(value)); }, true},
+    {"code", [](auto& fault, auto& value, auto&) { fault.error = cloudError(readCode(value)); }, true},
     {"times", [](auto& fault, auto& value, auto&) { fault.times = readTimes(value, "'times'"); }},
     {"retryAfter",
      [](auto& fault, auto& value, auto&) {
@@ -87,11 +82,11 @@ void readFault(ChangeCloud& action, const YamlValue& value, const ReadContext& c
     if (isNone(value)) {
         return;
     }
-    fault = CloudFault{.error = simulation::cloudError(simulation::CKError::internalError)};
+    fault = CloudFault{.error = cloudError(CKError::internalError)};
     if (value.isMap()) {
         readFields(value, "a failure of iCloud", faultFields, *fault, context);
     } else {
-        fault->error = simulation::cloudError(readCode(value));
+        fault->error = cloudError(readCode(value));
     }
 }
 

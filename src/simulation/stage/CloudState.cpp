@@ -54,7 +54,7 @@ void addApp(Json& state, SentrelApp& app)
 }
 
 /// Null if the server doesn't let the phone read.
-Json phoneOf(simulation::CompanionPhone& phone)
+Json phoneOf(CompanionPhone& phone)
 {
     try {
         Json macs = Json::array();
@@ -72,7 +72,7 @@ Json phoneOf(simulation::CompanionPhone& phone)
 /// Number of alerts in the signed-in account, read from the server.
 std::uint64_t alertsInCloud(MacSession& session)
 {
-    const simulation::CloudLink& link = session.mac().iCloud.link;
+    const CloudLink& link = session.mac().iCloud.link;
     const bool isSignedIn = link.accountStatus() != ports::CloudAccountStatus::noAccount;
     return isSignedIn ? session.cloudServer().count(link.device().user, alertRecordType) : 0;
 }

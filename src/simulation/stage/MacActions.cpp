@@ -14,8 +14,6 @@ namespace sentrel::simulation {
 
 namespace {
 
-using simulation::MacDescription;
-
 void setArmed(MacSession& session, bool isArmed)
 {
     session.changeSettings([isArmed](AlarmSettings& settings) { settings.isArmed = isArmed; });
@@ -139,12 +137,12 @@ public:
 
     void operator()(const ChangeKeychain& action) const
     {
-        simulation::SimulatedKeychain& keychain = session_.mac().keychain;
+        SimulatedKeychain& keychain = session_.mac().keychain;
         if (action.dataProtection) {
-            keychain.setAccess(simulation::KeychainStore::dataProtection, *action.dataProtection);
+            keychain.setAccess(KeychainStore::dataProtection, *action.dataProtection);
         }
         if (action.legacy) {
-            keychain.setAccess(simulation::KeychainStore::legacy, *action.legacy);
+            keychain.setAccess(KeychainStore::legacy, *action.legacy);
         }
         if (action.fail) {
             (*this)(FailPorts{{*action.fail}});
@@ -225,7 +223,7 @@ private:
     [[nodiscard]] std::string unknownDevice(std::uint32_t id) const
     {
         std::vector<std::string> known;
-        for (const simulation::AudioDevice& device : session_.mac().audio.devices()) {
+        for (const AudioDevice& device : session_.mac().audio.devices()) {
             if (device.id == id) {
                 return {};
             }

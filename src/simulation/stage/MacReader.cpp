@@ -11,7 +11,7 @@ namespace sentrel::simulation {
 
 namespace {
 
-using Mac = simulation::MacDescription;
+using Mac = MacDescription;
 
 constexpr std::array<Word<Mac::Power>, 3> powers{
     {{"ac", Mac::Power::ac}, {"battery", Mac::Power::battery}, {"unknown", Mac::Power::unknown}}};
@@ -26,7 +26,6 @@ constexpr std::array<Word<Mac::Consent>, 3> consents{{{"granted", Mac::Consent::
                                                       {"denied", Mac::Consent::denied},
                                                       {"undetermined", Mac::Consent::undetermined}}};
 
-using simulation::LoginAnswer;
 constexpr std::array<Word<LoginAnswer>, 4> loginAnswers{{{"succeed", LoginAnswer::succeed},
                                                          {"fail", LoginAnswer::fail},
                                                          {"cancel", LoginAnswer::cancel},
@@ -72,13 +71,11 @@ constexpr std::array<FieldRow<Draft>, 19> macFields{{
      [](auto& draft, auto& value, auto&) { draft.mac.localizedName = readOptionalText(value, "'localizedName'"); }},
     {"language",
      [](auto& draft, auto& value, auto&) {
-         draft.mac.language =
-             readListed(value, "'language'", simulation::IcuCalendar::isLocale, "de, fr_CA or zh-Hans");
+         draft.mac.language = readListed(value, "'language'", IcuCalendar::isLocale, "de, fr_CA or zh-Hans");
      }},
     {"timeZone",
      [](auto& draft, auto& value, auto&) {
-         draft.mac.timeZone =
-             readListed(value, "'timeZone'", simulation::IcuCalendar::isTimeZone, "UTC or Europe/Paris");
+         draft.mac.timeZone = readListed(value, "'timeZone'", IcuCalendar::isTimeZone, "UTC or Europe/Paris");
      }},
     {"power", [](auto& draft, auto& value, auto&) { draft.mac.power = readPower(value); }},
     {"lid", [](auto& draft, auto& value, auto&) { draft.mac.lid = readWord(value, "lid", lids); }},
@@ -168,7 +165,7 @@ std::size_t readDisplayCount(const YamlValue& value)
     return readWhole(value, "the number of displays", 0, mostDisplays);
 }
 
-simulation::LoginAnswer readLoginAnswer(const YamlValue& value)
+LoginAnswer readLoginAnswer(const YamlValue& value)
 {
     return readWord(value, "login", loginAnswers);
 }

@@ -11,18 +11,18 @@ namespace sentrel::simulation {
 /// 0. `elements` lists its properties and their elements: `[0, 1]` (all of vmvc, volm and mute), `{vmvc: [0], volm: [1,
 /// 2]}`, or with values `{volm: {1: 0.3, 2: 0.5}, mute: {0: true}}`. `transport` is a word such as `built-in` or its
 /// four-character code. Without `defaultOutput` the output is device 73, or else the first one.
-[[nodiscard]] simulation::MacDescription readMac(const YamlValue& value, const ReadContext& context);
+[[nodiscard]] MacDescription readMac(const YamlValue& value, const ReadContext& context);
 
 /// Every key of `mac`.
 [[nodiscard]] std::vector<std::string_view> macNames();
 
 /// Words for the state of the power sources, also used by an action.
-[[nodiscard]] simulation::MacDescription::Power readPower(const YamlValue& value);
+[[nodiscard]] MacDescription::Power readPower(const YamlValue& value);
 
 /// The number of displays; 0 is a Mac with its lid closed and nothing connected.
 [[nodiscard]] std::size_t readDisplayCount(const YamlValue& value);
 
 /// The answer to the login panel.
-[[nodiscard]] simulation::LoginAnswer readLoginAnswer(const YamlValue& value);
+[[nodiscard]] LoginAnswer readLoginAnswer(const YamlValue& value);
 
 } // namespace sentrel::simulation

@@ -12,7 +12,7 @@ namespace {
 constexpr std::string_view passcodeField = "passcode";
 
 /// Whether the first cover's field holds text, as its row of dots shows.
-bool holdsText(const simulation::SimulatedDisplays& displays)
+bool holdsText(const SimulatedDisplays& displays)
 {
     const auto covers = displays.covers();
     const auto node = covers.empty() ? std::nullopt : ui::find(covers.front().content, passcodeField);
@@ -21,10 +21,10 @@ bool holdsText(const simulation::SimulatedDisplays& displays)
 }
 
 /// The alarm repeats its beep after 0.9 s.
-constexpr Duration longestBeepPause = std::chrono::milliseconds{900} - simulation::Speaker::beepLength;
+constexpr Duration longestBeepPause = std::chrono::milliseconds{900} - Speaker::beepLength;
 
 /// Whether the sound can be heard: false for silent samples and for a gain of 0.
-bool isAudible(const simulation::Sounding& sounding)
+bool isAudible(const Sounding& sounding)
 {
     return sounding.gain > 0.0F && std::ranges::any_of(*sounding.samples, [](float sample) { return sample != 0.0F; });
 }
@@ -37,8 +37,8 @@ bool storePasscode(UnlockPasscodeStore& store, std::string_view passcode)
     return record && store.save(record->view());
 }
 
-MacSession::MacSession(const simulation::MacDescription& description, std::filesystem::path disk,
-                       std::filesystem::path resources, std::uint64_t seed, Date date)
+MacSession::MacSession(const MacDescription& description, std::filesystem::path disk, std::filesystem::path resources,
+                       std::uint64_t seed, Date date)
     : serverClock_(hardware_, date),
       cloudServer_(disk / "iCloud", serverClock_, log_),
       phone_(cloudServer_, serverClock_, description.iCloud.user.value_or("owner")),
@@ -56,7 +56,7 @@ MacSession::MacSession(const simulation::MacDescription& description, std::files
           },
           description)
 {
-    log_.observe([this](const simulation::Event& event) {
+    log_.observe([this](const Event& event) {
         if (event.name == "alarm.started" && event.text("mode") == "tone") {
             listenToAlarm();
         }
@@ -190,7 +190,7 @@ void MacSession::setPasscode(std::string_view passcode)
 void MacSession::typePasscode(std::string_view passcode)
 {
     onMain([this, passcode](SentrelApp&) {
-        simulation::SimulatedDisplays& displays = mac_.displays;
+        SimulatedDisplays& displays = mac_.displays;
         if (displays.click(0, passcodeField) != ui::Interaction::done) {
             log_.note("typed.nowhere", {});
             return;
@@ -203,7 +203,7 @@ void MacSession::typePasscode(std::string_view passcode)
     });
 }
 
-void MacSession::commandByPhone(const simulation::CompanionPhone::Command& command)
+void MacSession::commandByPhone(const CompanionPhone::Command& command)
 {
     try {
         const auto macs = phone_.macs();
@@ -242,10 +242,10 @@ void MacSession::listenToAlarm()
 std::optional<AlarmSound> MacSession::sound() const
 {
     std::optional<AlarmSound> heard;
-    for (const simulation::Sounding& sounding : mac_.speaker.sounding(longestBeepPause)) {
+    for (const Sounding& sounding : mac_.speaker.sounding(longestBeepPause)) {
         const auto device = sounding.device ? mac_.audio.device(*sounding.device) : std::nullopt;
         if (device && isAudible(sounding)) {
-            const bool isTone = sounding.kind == simulation::Sounding::Kind::loop;
+            const bool isTone = sounding.kind == Sounding::Kind::loop;
             heard = {isTone ? "tone" : "beep", device->id, device->volume().value_or(1.0F)};
         }
     }

@@ -38,8 +38,8 @@ public:
     static constexpr Date storyDate{771586860.0};
 
     /// `disk` is an existing folder; `resources` holds the localisation tables.
-    MacSession(const simulation::MacDescription& description, std::filesystem::path disk,
-               std::filesystem::path resources, std::uint64_t seed, Date date = storyDate);
+    MacSession(const MacDescription& description, std::filesystem::path disk, std::filesystem::path resources,
+               std::uint64_t seed, Date date = storyDate);
     ~MacSession();
     MacSession(const MacSession&) = delete;
 
@@ -76,7 +76,7 @@ public:
 
     /// The owner's phone sends its first Mac a command. Notes `phone.command` {sequence, arm}, `phone.noMac` if the
     /// phone knows none, or `phone.refused` {why} if the server refuses.
-    void commandByPhone(const simulation::CompanionPhone::Command& command);
+    void commandByPhone(const CompanionPhone::Command& command);
 
     /// Runs a function on the product's main thread, and then everything due. No effect while the product isn't
     /// running.
@@ -87,12 +87,12 @@ public:
 
     [[nodiscard]] SentrelApp* app() { return app_.get(); }
     [[nodiscard]] VirtualClock& clock() { return clock_; }
-    [[nodiscard]] simulation::SimulatedMac& mac() { return mac_; }
-    [[nodiscard]] simulation::EventLog& log() { return log_; }
-    [[nodiscard]] simulation::PrivateCloud& cloudServer() { return cloudServer_; }
+    [[nodiscard]] SimulatedMac& mac() { return mac_; }
+    [[nodiscard]] EventLog& log() { return log_; }
+    [[nodiscard]] PrivateCloud& cloudServer() { return cloudServer_; }
 
     /// The phone of the initially signed-in user.
-    [[nodiscard]] simulation::CompanionPhone& phone() { return phone_; }
+    [[nodiscard]] CompanionPhone& phone() { return phone_; }
 
     /// The audible alarm now; none if nothing is heard. A series of beeps counts as heard in its pauses too.
     [[nodiscard]] std::optional<AlarmSound> sound() const;
@@ -108,12 +108,12 @@ private:
     VirtualClock clock_;
     VirtualScheduler process_{clock_};
     VirtualScheduler hardware_{clock_};
-    simulation::HangingCalls hanging_{clock_, process_};
-    simulation::EventLog log_{hardware_};
-    simulation::SimulatedWallClock serverClock_;
-    simulation::PrivateCloud cloudServer_;
-    simulation::CompanionPhone phone_;
-    simulation::SimulatedMac mac_;
+    HangingCalls hanging_{clock_, process_};
+    EventLog log_{hardware_};
+    SimulatedWallClock serverClock_;
+    PrivateCloud cloudServer_;
+    CompanionPhone phone_;
+    SimulatedMac mac_;
     bool isAsleep_ = false;
     bool isRelaunching_ = false;
     std::unique_ptr<SentrelApp> app_;

@@ -24,12 +24,12 @@ Json jsonOf(const std::optional<std::string>& text)
 }
 
 /// The product's folder of alerts, repeated here so that the disk is read independently of the product.
-std::filesystem::path alertsFolder(simulation::SimulatedMac& mac)
+std::filesystem::path alertsFolder(SimulatedMac& mac)
 {
     return mac.disk() / "Application Support" / mac.host.bundleIdentifier().value_or("Sentrel") / "Alerts";
 }
 
-std::vector<StoredAlert> alertsOnDisk(simulation::SimulatedMac& mac)
+std::vector<StoredAlert> alertsOnDisk(SimulatedMac& mac)
 {
     posix::PosixFileSystem files;
     const auto folder = alertsFolder(mac);
@@ -48,7 +48,7 @@ std::vector<StoredAlert> alertsOnDisk(simulation::SimulatedMac& mac)
 }
 
 /// The content of the alert's photo file; none without a photo or if the file is missing.
-std::optional<Bytes> photoOf(simulation::SimulatedMac& mac, const StoredAlert& stored)
+std::optional<Bytes> photoOf(SimulatedMac& mac, const StoredAlert& stored)
 {
     if (!stored.alert.photoFileName) {
         return std::nullopt;
@@ -58,20 +58,20 @@ std::optional<Bytes> photoOf(simulation::SimulatedMac& mac, const StoredAlert& s
 }
 
 /// Measurements of the last alert's photo; a file that is not an image has no size.
-Json lastPhotoOf(simulation::SimulatedMac& mac, const std::vector<StoredAlert>& alerts)
+Json lastPhotoOf(SimulatedMac& mac, const std::vector<StoredAlert>& alerts)
 {
     const auto photo = alerts.empty() ? std::nullopt : photoOf(mac, alerts.back());
     if (!photo) {
         return nullptr;
     }
-    simulation::TurboImageCodec codec;
+    TurboImageCodec codec;
     const auto size = codec.pixelSize(*photo);
     return {{"width", size ? Json(size->width) : Json(nullptr)},
             {"height", size ? Json(size->height) : Json(nullptr)},
             {"brightness", photoBrightness(codec, *photo)}};
 }
 
-Json lastAlertOf(simulation::SimulatedMac& mac, const std::vector<StoredAlert>& alerts)
+Json lastAlertOf(SimulatedMac& mac, const std::vector<StoredAlert>& alerts)
 {
     if (alerts.empty()) {
         return nullptr;
@@ -83,7 +83,7 @@ Json lastAlertOf(simulation::SimulatedMac& mac, const std::vector<StoredAlert>& 
             {"pendingUpload", last.pendingUpload}};
 }
 
-void addAlerts(Json& state, simulation::SimulatedMac& mac)
+void addAlerts(Json& state, SimulatedMac& mac)
 {
     const auto alerts = alertsOnDisk(mac);
     Json reasons = Json::array();
@@ -119,13 +119,13 @@ void addNoCoordinator(Json& state)
 
 void addAudio(Json& state, MacSession& session)
 {
-    simulation::SimulatedAudio& audio = session.mac().audio;
+    SimulatedAudio& audio = session.mac().audio;
     state["sound"] = nullptr;
     if (const auto sound = session.sound()) {
         state["sound"] = {{"mode", sound->mode}, {"device", sound->device}, {"volume", jsonNumber(sound->volume)}};
     }
     Json devices = Json::object();
-    for (const simulation::AudioDevice& device : audio.devices()) {
+    for (const AudioDevice& device : audio.devices()) {
         const auto volume = device.volume();
         devices[std::to_string(device.id)] = {{"volume", volume ? jsonNumber(*volume) : Json(nullptr)},
                                               {"muted", device.isMuted()}};
@@ -145,14 +145,14 @@ void addCover(Json& state, MacSession& session)
     state["coverWindows"] = covers.size();
 }
 
-std::string_view nameOf(simulation::SimulatedMusic::Playback playback)
+std::string_view nameOf(SimulatedMusic::Playback playback)
 {
     switch (playback) {
-    case simulation::SimulatedMusic::Playback::playing:
+    case SimulatedMusic::Playback::playing:
         return "playing";
-    case simulation::SimulatedMusic::Playback::paused:
+    case SimulatedMusic::Playback::paused:
         return "paused";
-    case simulation::SimulatedMusic::Playback::absent:
+    case SimulatedMusic::Playback::absent:
         break;
     }
     return "absent";

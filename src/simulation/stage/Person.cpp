@@ -43,7 +43,7 @@ std::string Person::perform(const UseMenu& action) const
         return pressInMenu(action.wanted);
     }
     return onMain([&]() -> std::string {
-        simulation::SimulatedStatusBar& bar = session_.mac().statusBar;
+        SimulatedStatusBar& bar = session_.mac().statusBar;
         if (!action.isOpen) {
             bar.closeMenu();
             return {};
@@ -64,7 +64,7 @@ std::string Person::perform(const ClickOn& action) const
             session_.mac().alerts.close();
             return {};
         }
-        const auto click = [&](simulation::WindowContent content) { return content.click(action.wanted); };
+        const auto click = [&](WindowContent content) { return content.click(action.wanted); };
         return complaint(session_.mac().displays.useFront(click), action.wanted);
     });
 }
@@ -73,9 +73,7 @@ std::string Person::perform(const TypeText& action) const
 {
     if (action.field) {
         return onMain([&] {
-            const auto fill = [&](simulation::WindowContent content) {
-                return content.fill(*action.field, action.text);
-            };
+            const auto fill = [&](WindowContent content) { return content.fill(*action.field, action.text); };
             return complaint(session_.mac().displays.useFront(fill), *action.field);
         });
     }
@@ -83,7 +81,7 @@ std::string Person::perform(const TypeText& action) const
     std::string_view rest = action.text;
     std::string why;
     while (!rest.empty() && why.empty()) {
-        const std::size_t length = simulation::firstCharacter(rest);
+        const std::size_t length = firstCharacter(rest);
         why = onMain([&]() -> std::string {
             return session_.mac().displays.type(rest.substr(0, length)) ? std::string{} : "nothing takes what is typed";
         });
@@ -105,9 +103,7 @@ std::string Person::perform(const PressKey& action) const
 std::string Person::perform(const MoveSlider& action) const
 {
     return onMain([&] {
-        const auto slide = [&](simulation::WindowContent content) {
-            return content.slide(action.slider, action.value);
-        };
+        const auto slide = [&](WindowContent content) { return content.slide(action.slider, action.value); };
         return complaint(session_.mac().displays.useFront(slide), action.slider);
     });
 }
@@ -115,7 +111,7 @@ std::string Person::perform(const MoveSlider& action) const
 std::string Person::perform(const SelectRows& action) const
 {
     return onMain([&] {
-        const auto select = [&](simulation::WindowContent content) { return content.select(action.rows); };
+        const auto select = [&](WindowContent content) { return content.select(action.rows); };
         return complaint(session_.mac().displays.useFront(select), "such a row");
     });
 }
@@ -136,7 +132,7 @@ std::string Person::perform(const CloseWindow& action) const
 std::string Person::perform(const DragWindow& action) const
 {
     return onMain([&]() -> std::string {
-        simulation::SimulatedDisplays& displays = session_.mac().displays;
+        SimulatedDisplays& displays = session_.mac().displays;
         const std::string_view identifier = identifierOf(action.window);
         const auto window = displays.window(identifier);
         if (!window || !window->isVisible || isLockedOut()) {
@@ -164,7 +160,7 @@ std::string Person::perform(const AnswerLoginItem& action) const
 
 std::string Person::perform(const AnswerSavePanel& action) const
 {
-    simulation::SimulatedSavePanels::Answer answer;
+    SimulatedSavePanels::Answer answer;
     answer.isCancelled = !action.folder;
     answer.folder = action.folder;
     session_.mac().savePanels.setAnswer(std::move(answer));

@@ -34,7 +34,7 @@ public:
         if (!leaveFromEarlierRun(session_, scenario)) {
             throw PlayError{"the passcode can't be put into the keychain"};
         }
-        session_.log().observe([this](const simulation::Event& event) {
+        session_.log().observe([this](const Event& event) {
             if (!hasEnded_) { // the product's destruction is not part of the play
                 audience_.happened(event);
             }

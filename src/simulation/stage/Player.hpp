@@ -23,7 +23,7 @@ public:
     virtual void begins() {}
 
     /// Something happened on the MacBook.
-    virtual void happened(const simulation::Event& event) = 0;
+    virtual void happened(const Event& event) = 0;
 
     /// A step is about to be carried out, at `at` seconds.
     virtual void willPerform(double at, const Step& step, const Action& action) = 0;

@@ -25,7 +25,7 @@ struct Step {
 struct Scenario {
     std::string file; ///< as given, for messages
     std::string title;
-    simulation::MacDescription mac;
+    MacDescription mac;
     Json settings = Json::object(); ///< fields of `AlarmSettings` that differ from the defaults, as in `ChangeSettings`
     std::vector<Step> steps;
 };

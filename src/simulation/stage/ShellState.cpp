@@ -19,14 +19,14 @@ constexpr std::string_view armedIcon = "MenuBarIconArmed";
 constexpr std::string_view stopButton = "stopAlarm"; // in the menu
 
 /// The window's state; a window that doesn't exist yet or any more is not visible.
-Json windowOf(const simulation::SimulatedDisplays& displays, ShellWindow wanted)
+Json windowOf(const SimulatedDisplays& displays, ShellWindow wanted)
 {
     const auto window = displays.window(identifierOf(wanted));
     Json json{{"visible", false}, {"size", nullptr}, {"texts", Json::array()}};
     if (!window) {
         return json;
     }
-    const ports::Rectangle content = simulation::contentOf(*window, window->frame);
+    const ports::Rectangle content = contentOf(*window, window->frame);
     json["visible"] = window->isVisible;
     json["size"] = {content.width, content.height};
     if (window->isVisible) {
@@ -43,10 +43,10 @@ void addText(Json& texts, const std::string& text)
 }
 
 /// The open questions and notices, in windows and in panels of their own.
-Json dialogsOf(simulation::SimulatedMac& mac)
+Json dialogsOf(SimulatedMac& mac)
 {
     Json texts = Json::array();
-    for (const simulation::WindowState& window : mac.displays.windows()) {
+    for (const WindowState& window : mac.displays.windows()) {
         for (const ui::Node& node : ui::nodesOf(window.content)) {
             if (const auto* const dialog = ui::elementOf<ui::Dialog>(*node.view)) {
                 addText(texts, dialog->title);
@@ -67,7 +67,7 @@ std::string_view nameOf(MacAppDelegate::QuitState state)
 }
 
 /// Adds whether the item shows the product as armed, and whether its menu offers to stop an alarm.
-void addItem(Json& state, const std::optional<simulation::SimulatedStatusBar::Item>& item)
+void addItem(Json& state, const std::optional<SimulatedStatusBar::Item>& item)
 {
     state["icon"] = item ? Json(item->image) : Json(nullptr);
     state["menu"] = item && item->isMenuOpen ? Json(ui::visibleTexts(item->menu)) : Json(nullptr);
@@ -79,7 +79,7 @@ void addItem(Json& state, const std::optional<simulation::SimulatedStatusBar::It
 
 void addShell(Json& state, MacSession& session)
 {
-    simulation::SimulatedMac& mac = session.mac();
+    SimulatedMac& mac = session.mac();
     const bool isRunning = session.app() != nullptr;
     const bool isRegular = mac.application.activationPolicy() == regularActivationPolicy;
     addItem(state, mac.statusBar.item());

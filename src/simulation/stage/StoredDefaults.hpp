@@ -10,7 +10,7 @@ namespace sentrel::simulation {
 /// The user defaults on the simulated MacBook's disk, read while the product isn't running.
 class StoredDefaults {
 public:
-    explicit StoredDefaults(simulation::SimulatedMac& mac)
+    explicit StoredDefaults(SimulatedMac& mac)
         : file_(files_, silence_, mac.preferences(), mac.host.bundleIdentifier().value_or("Sentrel"))
     {
     }
@@ -24,7 +24,7 @@ private:
 
     posix::PosixFileSystem files_;
     Silence silence_;
-    simulation::DefaultsFile file_;
+    DefaultsFile file_;
 };
 
 } // namespace sentrel::simulation

@@ -9,8 +9,6 @@
 
 namespace sentrel::simulation {
 
-using simulation::Event;
-
 const CloudStory::Row CloudStory::rows[] = {
     {"alert.uploaded", &CloudStory::tellUploaded},     {"alert.uploadFailed", &CloudStory::tellUploadFailed},
     {"presence.published", &CloudStory::tellPresence}, {"command.applied", &CloudStory::tellApplied},

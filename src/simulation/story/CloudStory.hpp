@@ -15,27 +15,27 @@ namespace sentrel::simulation {
 class CloudStory {
 public:
     /// The event in plain English, empty if it isn't worth telling; none for an unknown event.
-    std::optional<StorySentence> tell(const simulation::Event& event);
+    std::optional<StorySentence> tell(const Event& event);
 
     /// The process is gone, with everything it had under way.
     void endProcess();
 
 private:
-    using Teller = StorySentence (CloudStory::*)(const simulation::Event&);
+    using Teller = StorySentence (CloudStory::*)(const Event&);
     struct Row {
         std::string_view event;
         Teller tell;
     };
     static const Row rows[];
 
-    StorySentence tellUploaded(const simulation::Event& event);
-    StorySentence tellUploadFailed(const simulation::Event& event);
-    StorySentence tellPresence(const simulation::Event& event);
-    StorySentence tellApplied(const simulation::Event& event);
-    StorySentence tellIgnored(const simulation::Event& event);
-    StorySentence tellNotified(const simulation::Event& event);
-    StorySentence tellRequest(const simulation::Event& event);
-    [[nodiscard]] std::string alertName(const simulation::Event& event) const;
+    StorySentence tellUploaded(const Event& event);
+    StorySentence tellUploadFailed(const Event& event);
+    StorySentence tellPresence(const Event& event);
+    StorySentence tellApplied(const Event& event);
+    StorySentence tellIgnored(const Event& event);
+    StorySentence tellNotified(const Event& event);
+    StorySentence tellRequest(const Event& event);
+    [[nodiscard]] std::string alertName(const Event& event) const;
 
     std::map<std::string, std::string, std::less<>> reasons_; // by alert identifier
     std::string lastUploadFailure_;

@@ -11,8 +11,6 @@ namespace sentrel::simulation {
 namespace {
 
 using ports::CloudAccountStatus;
-using simulation::CloudChange;
-using simulation::CloudFault;
 
 std::string number(double value)
 {

@@ -2,8 +2,6 @@
 
 namespace sentrel::simulation {
 
-using simulation::Event;
-
 std::optional<double> numberIn(const Event& event, std::string_view field)
 {
     const Event::Value* const value = event.find(field);

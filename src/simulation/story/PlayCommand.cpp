@@ -20,7 +20,7 @@ public:
 
     void begins() override { story_.open(scenario_); }
 
-    void happened(const simulation::Event& event) override { story_.tell(event); }
+    void happened(const Event& event) override { story_.tell(event); }
 
     void willPerform(double at, const Step& step, const Action& action) override
     {
@@ -51,7 +51,7 @@ private:
 /// Ignores the play.
 class NoAudience final : public Audience {
 public:
-    void happened(const simulation::Event& /*event*/) override {}
+    void happened(const Event& /*event*/) override {}
     void willPerform(double /*at*/, const Step& /*step*/, const Action& /*action*/) override {}
     void checked(double /*at*/, const Step& /*step*/, const std::vector<Mismatch>& /*mismatches*/) override {}
 };

@@ -14,8 +14,6 @@ namespace sentrel::simulation {
 
 namespace {
 
-using simulation::Event;
-
 std::optional<std::uint32_t> deviceOf(const Event& event)
 {
     const auto id = numberIn(event, "device");

@@ -39,7 +39,7 @@ public:
     void open(const Scenario& scenario);
 
     /// Tells an event; an unknown one in a generic form.
-    void tell(const simulation::Event& event);
+    void tell(const Event& event);
 
     /// Tells an action about to be done, unless its event will be told.
     void perform(double at, const Action& action);
@@ -57,7 +57,7 @@ public:
     void finish(const StorySummary& summary);
 
 private:
-    using Teller = void (Story::*)(const simulation::Event&);
+    using Teller = void (Story::*)(const Event&);
     struct Row {
         std::string_view event;
         Teller tell;
@@ -71,20 +71,20 @@ private:
     static const Row rows[];
 
     void tellSentence(double at, const StorySentence& sentence);
-    void tellUnknown(const simulation::Event& event);
-    void tellLaunched(const simulation::Event& event);
-    void tellCrashed(const simulation::Event& event);
-    void tellQuit(const simulation::Event& event);
-    void tellArmed(const simulation::Event& event);
-    void tellDisarmed(const simulation::Event& event);
-    void tellAlarmStarted(const simulation::Event& event);
-    void tellAlarmStopped(const simulation::Event& event);
-    void tellVolume(const simulation::Event& event);
-    void tellVolumeByUser(const simulation::Event& event, std::uint32_t device, Level level);
-    void tellVolumeEnforced(const simulation::Event& event);
-    void tellDefaultOutput(const simulation::Event& event);
-    void tellAssertionTaken(const simulation::Event& event);
-    void tellAssertionReleased(const simulation::Event& event);
+    void tellUnknown(const Event& event);
+    void tellLaunched(const Event& event);
+    void tellCrashed(const Event& event);
+    void tellQuit(const Event& event);
+    void tellArmed(const Event& event);
+    void tellDisarmed(const Event& event);
+    void tellAlarmStarted(const Event& event);
+    void tellAlarmStopped(const Event& event);
+    void tellVolume(const Event& event);
+    void tellVolumeByUser(const Event& event, std::uint32_t device, Level level);
+    void tellVolumeEnforced(const Event& event);
+    void tellDefaultOutput(const Event& event);
+    void tellAssertionTaken(const Event& event);
+    void tellAssertionReleased(const Event& event);
 
     void tellSettledVolumes();
     void endProcess();

@@ -14,8 +14,6 @@ namespace sentrel::simulation {
 
 namespace {
 
-using simulation::Event;
-
 StorySentence slept(const Event&)
 {
     return {StoryTone::event, "The Mac goes to sleep."};

@@ -15,6 +15,6 @@ struct StorySentence {
 };
 
 /// The event in plain English; none for an unknown event.
-[[nodiscard]] std::optional<StorySentence> sentenceOf(const simulation::Event& event);
+[[nodiscard]] std::optional<StorySentence> sentenceOf(const Event& event);
 
 } // namespace sentrel::simulation

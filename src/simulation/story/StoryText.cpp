@@ -14,7 +14,7 @@ namespace sentrel::simulation {
 
 namespace {
 
-using Mac = simulation::MacDescription;
+using Mac = MacDescription;
 
 /// The story is told in English, whatever the simulated MacBook speaks.
 class EnglishTexts final : public ports::Language {
@@ -44,10 +44,10 @@ std::string listed(const std::vector<std::string>& words)
     return text;
 }
 
-std::string listed(const std::vector<simulation::CameraModel>& cameras)
+std::string listed(const std::vector<CameraModel>& cameras)
 {
     std::vector<std::string> names;
-    for (const simulation::CameraModel& camera : cameras) {
+    for (const CameraModel& camera : cameras) {
         names.push_back(camera.name);
     }
     return listed(names);
@@ -147,7 +147,7 @@ std::string_view authorizationText(ports::CaptureAuthorization status)
 
 std::string photosText(const ChangeCamera& action)
 {
-    const simulation::CameraChange& change = action.change;
+    const CameraChange& change = action.change;
     std::string text;
     if (change.photo) {
         text += *change.photo ? " Every photo is now " + action.photoName + "." : " Photos show the café again.";
@@ -163,7 +163,7 @@ std::string photosText(const ChangeCamera& action)
 
 std::string cameraText(const ChangeCamera& action)
 {
-    const simulation::CameraChange& change = action.change;
+    const CameraChange& change = action.change;
     std::string text;
     if (change.authorization) {
         text += " " + std::string{authorizationText(*change.authorization)};
@@ -192,16 +192,16 @@ std::string_view accessText(ChangeKeychain::Access access)
     return "refuses Sentrel";
 }
 
-std::string_view loginText(simulation::LoginAnswer answer)
+std::string_view loginText(LoginAnswer answer)
 {
     switch (answer) {
-    case simulation::LoginAnswer::succeed:
+    case LoginAnswer::succeed:
         return "From now on the Mac login is given.";
-    case simulation::LoginAnswer::fail:
+    case LoginAnswer::fail:
         return "From now on the Mac login fails.";
-    case simulation::LoginAnswer::cancel:
+    case LoginAnswer::cancel:
         return "From now on the login panel is cancelled.";
-    case simulation::LoginAnswer::unavailable:
+    case LoginAnswer::unavailable:
         break;
     }
     return "From now on macOS can't ask for the Mac login.";
@@ -303,8 +303,8 @@ struct ActionDescriber {
     }
     template <class Other> std::optional<std::string> operator()(const Other& action) const
     {
-        if constexpr (requires { simulation::describe(action); }) {
-            return simulation::describe(action);
+        if constexpr (requires { describe(action); }) {
+            return describe(action);
         } else {
             return std::nullopt;
         }

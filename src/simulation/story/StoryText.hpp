@@ -16,7 +16,7 @@ namespace sentrel::simulation {
 [[nodiscard]] std::string percent(double level);
 
 /// The Mac's initial state, in a few sentences.
-[[nodiscard]] std::string describe(const simulation::MacDescription& mac);
+[[nodiscard]] std::string describe(const MacDescription& mac);
 
 /// The action as seen from outside; none if the simulated MacBook notes it as an event, which is told instead.
 [[nodiscard]] std::optional<std::string> describe(const Action& action,

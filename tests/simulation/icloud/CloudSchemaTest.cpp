@@ -64,7 +64,7 @@ TEST(CloudSchema, ItDeclaresExactlyTheFieldsThatTheMacAndThePhoneWrite)
         MacDescription description;
         description.camera.devices = {CameraModel{}};
         description.iCloud.account = ports::CloudAccountStatus::available;
-        simulation::MacSession session{description, disk.path(), SENTREL_SOURCE_DIR "/resources", 1};
+        MacSession session{description, disk.path(), SENTREL_SOURCE_DIR "/resources", 1};
         session.launch();
         session.clock().advance(1min);
         session.commandByPhone({});

@@ -56,7 +56,7 @@ std::set<std::string> keysOf(const Json& value)
 }
 
 struct Page {
-    explicit Page(const simulation::MacDescription& description = {})
+    explicit Page(const MacDescription& description = {})
         : session(description, disk.path(), SENTREL_SOURCE_DIR "/resources", 1)
     {
     }
@@ -70,7 +70,7 @@ struct Page {
 TEST(PageState, SendsTheKeysThatTheProtocolNames)
 {
     Page page;
-    page.session.mac().iCloud.link.faults().add({simulation::cloudError(simulation::CKError::networkFailure)});
+    page.session.mac().iCloud.link.faults().add({cloudError(CKError::networkFailure)});
     EXPECT_EQ(keysOf(page.state.run()), Row{"run"}.keys);
     Json screen = page.state.screen();
     screen["displays"].clear(); // rectangles, which the protocol describes apart
@@ -81,7 +81,7 @@ TEST(PageState, SendsTheKeysThatTheProtocolNames)
 
 TEST(PageState, SaysOfEachKindOfMacWhatTheProtocolCallsIt)
 {
-    using Mac = simulation::MacDescription;
+    using Mac = MacDescription;
     const Row row{"hardware"};
     struct Case {
         Mac::Power power;

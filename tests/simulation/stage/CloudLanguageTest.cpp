@@ -32,7 +32,7 @@ template <class Kind> Kind action(const std::string& text)
     return std::get<Kind>(std::get<Action>(parse(step("do: " + text)).steps.front().content));
 }
 
-simulation::CloudChange cloud(const std::string& text)
+CloudChange cloud(const std::string& text)
 {
     return action<ChangeCloud>("{icloud: " + text + "}").change;
 }
@@ -62,7 +62,7 @@ TEST(CloudLanguage, FailuresQuotasLatenciesAndLostAnswersAreReadAsTheyAreMeant)
     EXPECT_EQ(whole.error.domain, "CKErrorDomain");
     EXPECT_EQ(whole.error.retryAfter, 2.0);
     EXPECT_EQ(whole.times, 3);
-    EXPECT_EQ(whole.operation, simulation::CloudOperation::save);
+    EXPECT_EQ(whole.operation, CloudOperation::save);
     EXPECT_EQ(whole.probability, 0.25);
     EXPECT_EQ(fault("requestRateLimited").value().error.code, 7);
     EXPECT_LT(fault("{code: zoneBusy}").value().times, 0);
@@ -74,8 +74,7 @@ TEST(CloudLanguage, FailuresQuotasLatenciesAndLostAnswersAreReadAsTheyAreMeant)
     EXPECT_TRUE(boundless && !*boundless);
     EXPECT_EQ(cloud("{latency: 20s, loseAnswers: 1}").latency, 20s);
     EXPECT_EQ(cloud("{latency: 20s, loseAnswers: 2}").lostAnswers.value().times, 2);
-    EXPECT_EQ(cloud("{loseAnswers: {operation: modify}}").lostAnswers.value().operation,
-              simulation::CloudOperation::modify);
+    EXPECT_EQ(cloud("{loseAnswers: {operation: modify}}").lostAnswers.value().operation, CloudOperation::modify);
     EXPECT_EQ(action<ChangeCloud>("{network: up}").change.isNetworkUp, true);
 }
 

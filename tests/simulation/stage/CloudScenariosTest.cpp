@@ -21,7 +21,7 @@ using testing::IsEmpty;
 /// Hears the story.
 class Listener final : public Audience {
 public:
-    void happened(const simulation::Event& event) override { story.tell(event); }
+    void happened(const Event& event) override { story.tell(event); }
     void willPerform(double at, const Step&, const Action& action) override { story.perform(at, action); }
     void checked(double, const Step&, const std::vector<Mismatch>&) override {}
 

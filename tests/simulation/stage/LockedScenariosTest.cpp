@@ -19,7 +19,7 @@ using testing::IsEmpty;
 /// Remembers the events of some names, each with one of its fields.
 class AlarmListener final : public Audience {
 public:
-    void happened(const simulation::Event& event) override
+    void happened(const Event& event) override
     {
         for (const auto& [name, field] : wanted) {
             if (event.name == name) {

@@ -25,8 +25,8 @@ public:
         session_.clock().advance(5s);
     }
 
-    simulation::SimulatedICloud& iCloud() { return session_.mac().iCloud; }
-    simulation::SimulatedFileSystem& files() { return session_.mac().files; }
+    SimulatedICloud& iCloud() { return session_.mac().iCloud; }
+    SimulatedFileSystem& files() { return session_.mac().files; }
 
     /// The charger goes, and time passes until the alert is through or the power is cut.
     void happens()

@@ -12,7 +12,6 @@ namespace sentrel::simulation {
 namespace {
 
 using namespace std::chrono_literals;
-using simulation::PortCalls;
 using Fate = PortCalls::Fate;
 
 struct Call {
@@ -21,16 +20,16 @@ struct Call {
     friend bool operator==(const Call&, const Call&) = default;
 };
 
-simulation::MacDescription macWithMusic()
+MacDescription macWithMusic()
 {
-    simulation::MacDescription mac;
-    mac.music = simulation::MacDescription::Music::playing;
-    mac.automationConsent = simulation::MacDescription::Consent::granted;
+    MacDescription mac;
+    mac.music = MacDescription::Music::playing;
+    mac.automationConsent = MacDescription::Consent::granted;
     return mac;
 }
 
 /// Spares the drawing of a large one.
-const Bytes& smallPhoto(const simulation::SimulatedCamera& camera)
+const Bytes& smallPhoto(const SimulatedCamera& camera)
 {
     static const Bytes photo = *camera.view().jpeg;
     return photo;
@@ -50,7 +49,7 @@ public:
         session_.clock().advance(5s);
     }
 
-    simulation::SimulatedMac& mac() { return session_.mac(); }
+    SimulatedMac& mac() { return session_.mac(); }
     void advance(Duration span) { session_.clock().advance(span); }
 
     void trigger(TriggerReason reason)

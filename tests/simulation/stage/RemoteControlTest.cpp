@@ -8,18 +8,17 @@ namespace sentrel::simulation {
 namespace {
 
 using namespace std::chrono_literals;
-using simulation::CloudOperation;
 
 TEST(RemoteControl, ThePhoneArmsTheMacWhichThenSpendsAQuietHour)
 {
     const TemporaryFolder disk;
     MacSession session{{}, disk.path(), SENTREL_SOURCE_DIR "/resources", 1};
-    simulation::CloudLink& link = session.mac().iCloud.link;
+    CloudLink& link = session.mac().iCloud.link;
     const auto published = [&] { return session.log().named("presence.published").size(); };
     session.mac().iCloud.account.setStatus(ports::CloudAccountStatus::available);
     session.launch();
     session.clock().advance(1min);
-    simulation::CompanionPhone phone{link.server(), session.mac().wallClock, "owner"};
+    CompanionPhone phone{link.server(), session.mac().wallClock, "owner"};
     ASSERT_EQ(phone.macs().size(), 1U);
     phone.send(phone.macs().front().deviceID, {.arm = true});
     session.clock().advance(1s);

@@ -48,15 +48,15 @@ std::string nested(std::size_t levels)
 TEST(ScenarioReader, WhatMacLeavesOutIsAMacBookProOnItsChargerWithOneSpeaker)
 {
     const Scenario scenario = parse(step("at: 0s, do: arm"));
-    const simulation::MacDescription& mac = scenario.mac;
+    const MacDescription& mac = scenario.mac;
     EXPECT_EQ(mac.model, "MacBookPro18,3");
     EXPECT_EQ(mac.localizedName, "MacBook");
     EXPECT_EQ(mac.bundleIdentifier, "pelma.Sentrel");
-    EXPECT_EQ(mac.power, simulation::MacDescription::Power::ac);
-    EXPECT_EQ(mac.lid, simulation::MacDescription::Lid::open);
-    EXPECT_EQ(mac.accelerometer, simulation::MacDescription::Accelerometer::present);
-    EXPECT_EQ(mac.music, simulation::MacDescription::Music::absent);
-    EXPECT_EQ(mac.automationConsent, simulation::MacDescription::Consent::undetermined);
+    EXPECT_EQ(mac.power, MacDescription::Power::ac);
+    EXPECT_EQ(mac.lid, MacDescription::Lid::open);
+    EXPECT_EQ(mac.accelerometer, MacDescription::Accelerometer::present);
+    EXPECT_EQ(mac.music, MacDescription::Music::absent);
+    EXPECT_EQ(mac.automationConsent, MacDescription::Consent::undetermined);
     ASSERT_EQ(mac.audio.size(), 1U);
     EXPECT_EQ(mac.audio.front().id, 73U);
     EXPECT_EQ(mac.audio.front().name, "MacBook Pro Speakers");
@@ -78,7 +78,7 @@ TEST(ScenarioReader, TimesAddUpAndKeepTheirFractions)
 
 TEST(ScenarioReader, AudioElementsAreListedForAllPropertiesForSomeOrWithValues)
 {
-    using Controls = std::map<simulation::AudioControl, float>;
+    using Controls = std::map<AudioControl, float>;
     constexpr auto vmvc = fourCharCode("vmvc");
     constexpr auto volm = fourCharCode("volm");
     constexpr auto mute = fourCharCode("mute");
@@ -118,7 +118,7 @@ TEST(ScenarioReader, CamerasAreWordsListsOrMaps)
     const auto cameras = [](const std::string& text) {
         std::vector<std::string> shown;
         for (const auto& camera : parse("mac: {camera: " + text + "}\n" + step("at: 0s, do: arm"))
-                                      .mac.camera.devices.value_or(std::vector<simulation::CameraModel>{})) {
+                                      .mac.camera.devices.value_or(std::vector<CameraModel>{})) {
             shown.push_back(camera.name + ", " + camera.type + (camera.isContinuityCamera ? ", continuity" : ""));
         }
         return shown;

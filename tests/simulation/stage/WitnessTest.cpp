@@ -17,7 +17,7 @@ using testing::IsEmpty;
 /// Keeps what the session hears of the alarm.
 class Listener final : public Audience {
 public:
-    void happened(const simulation::Event& event) override
+    void happened(const Event& event) override
     {
         if (event.name == "alarm.heard" || event.name == "alarm.unheard") {
             heard.push_back(event.name);

@@ -8,7 +8,6 @@
 namespace sentrel::simulation {
 namespace {
 
-using simulation::Event;
 using Fields = std::vector<std::pair<std::string, Event::Value>>;
 
 Event event(double at, const std::string& name, Fields fields = {})

@@ -43,12 +43,9 @@ SceneLight SceneLight::at(float hour)
     const auto& [fromHour, from] = day[later - 1];
     const auto& [toHour, to] = day[later];
     const float share = std::clamp((hour - fromHour) / (toHour - fromHour), 0.0F, 1.0F);
-    return {simulation::mix(from.skyTop, to.skyTop, share),
-            simulation::mix(from.skyBottom, to.skyBottom, share),
-            simulation::mix(from.daylight, to.daylight, share),
-            mix(from.sun, to.sun, share),
-            mix(from.lamps, to.lamps, share),
-            mix(from.night, to.night, share)};
+    return {mix(from.skyTop, to.skyTop, share),     mix(from.skyBottom, to.skyBottom, share),
+            mix(from.daylight, to.daylight, share), mix(from.sun, to.sun, share),
+            mix(from.lamps, to.lamps, share),       mix(from.night, to.night, share)};
 }
 
 Rgb SceneLight::on(Rgb surface, float share) const
