@@ -275,7 +275,8 @@ private:
         if (!bar.isMenuOpen()) {
             deeds.push_back({10, "menu opened", [&bar] { bar.openMenu(); }});
         }
-        for (const ui::Node& node : ui::nodesOf(bar.item()->menu)) {
+        const auto item = bar.item();
+        for (const ui::Node& node : ui::nodesOf(item->menu)) {
             if (ui::isInteractive(*node.view) && node.isEnabled && !isExcepted(node.identity)) {
                 deeds.push_back({11, "menu: " + node.identity, [&bar, id = node.identity] {
                                      bar.openMenu();
