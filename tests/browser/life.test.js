@@ -63,7 +63,7 @@ test("the page finds its server again, and shows what is then", async (t) => {
 test("the page of an earlier run says what to do", async (t) => {
     const desk = await sitDown(t);
     await desk.simulator.end();
-    await desk.simulator.launch("another-token");
+    await desk.simulator.launch("another-token-for-this-run");
     await desk.page.getByRole("status").getByText("Open the address that the program has printed").waitFor();
     await desk.page.goto(desk.simulator.address);
     await desk.menuItem.waitFor();
