@@ -305,7 +305,8 @@ Async<void> CloudKitService::publishPresence(DevicePresence presence)
                                                         ports::CloudSavePolicy::changedKeys, false);
     const auto saved = answer.saved.find(name);
     if (saved == answer.saved.end()) {
-        throw ports::CloudError{ports::cloudErrorDomain, CloudErrorCode::internalError, "the server's answer omits the record"};
+        throw ports::CloudError{ports::cloudErrorDomain, CloudErrorCode::internalError,
+                                "the server's answer omits the record"};
     }
     if (const auto* const error = std::get_if<ports::CloudError>(&saved->second)) {
         throw ports::CloudError{*error};
