@@ -70,6 +70,8 @@ export class Desk {
 
     /// Pulls the charger of the armed Mac, and waits until the owner's phone shows the alert with its photo.
     async haveAnAlert() {
+        // The Mac asks for notifications about when the phone first knows it; an alert before that brings none.
+        await this.phone.getByText("Maya's MacBook Pro").first().waitFor();
         await this.arm();
         await this.button("Unplugged", this.hardware).click();
         await this.button("Photo: Unplugged", this.phone).waitFor();
