@@ -119,7 +119,7 @@ protected:
         return node ? ui::visibleTexts(*node->view) : std::vector<std::string>{"nothing there"};
     }
     bool shows(std::string_view wanted) { return ui::find(window_.body(), wanted).has_value(); }
-    /// What a renderer knows the photo by.
+    /// The name of the image that a renderer draws.
     std::string nameOfPhoto()
     {
         const auto body = window_.body();
@@ -302,7 +302,7 @@ TEST_F(AlertsWindowTest, SaysWhyAPhotoCouldNotBeSaved)
     const auto downloads = mac_.disk / "Downloads";
     constexpr auto denied = "You don't have permission to save it there.";
     constexpr auto full = "There is not enough space for it there.";
-    // Of the temporary file and then of the chosen one.
+    // The first two faults strike the temporary file, the others the chosen one.
     const std::tuple<const char*, const char*, bool> faults[] = {
         {"create", denied, false}, {"write", full, false}, {"create", denied, true}, {"write", full, true}};
     for (const auto& [fault, message, isThere] : faults) {

@@ -39,7 +39,7 @@ struct Found {
     bool isAsked = false;           ///< a quit's login panel is open, and nobody answers it
 };
 
-/// What a thief would want to lose, as the devices have it.
+/// The protections that a thief would want to lose, read from the devices.
 struct Protection {
     explicit Protection(MacSession& session)
         : isRunning(session.app() != nullptr),
@@ -292,7 +292,7 @@ private:
         }
     }
 
-    /// What comes from outside the views: the system, and a phone whose commands are stale or known.
+    /// Events from outside the views: the system, and a phone whose commands are stale or known.
     void addEvents(std::vector<Deed>& deeds)
     {
         const auto add = [&](const char* name, std::function<void()> act) {

@@ -8,7 +8,7 @@ import { sitDown } from "./support/sitting.js";
 
 const axe = await readFile(createRequire(import.meta.url).resolve("axe-core/axe.min.js"), "utf8");
 
-/// What the rules find against the page as it is now, in the light and in the dark.
+/// Returns the violations of the rules on the page as it is now, in light and in dark.
 async function violations(page) {
     if (!(await page.evaluate(() => "axe" in globalThis))) {
         await page.evaluate(axe);
