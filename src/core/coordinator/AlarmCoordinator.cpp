@@ -1,5 +1,6 @@
 #include "core/coordinator/AlarmCoordinator.hpp"
 
+#include "alerts/LocalAlertStore.hpp"
 #include "cloud/AsyncTimeout.hpp"
 #include "cloud/MacPresenceService.hpp"
 #include "foundation/Quietly.hpp"
@@ -16,8 +17,6 @@
 
 #include <chrono>
 #include <utility>
-
-// Arming, disarming and status. AlertPipeline.cpp handles triggers.
 
 namespace sentrel {
 
@@ -39,7 +38,10 @@ AlarmCoordinator::AlarmCoordinator(MainActor actor, bool isCompatibleComputer, C
       lidMonitor_(actor, ports.deviceRegistry, ports.workspaceNotifications),
       motionMonitor_(actor, ports.hidEvents, ports.wallClock),
       armedPowerAssertion_(ports.powerAssertions),
-      alarmPowerAssertion_(ports.powerAssertions)
+      pipeline_(actor,
+                {with_.settings, lidMonitor_, with_.camera, with_.alertStore, with_.alertList, with_.cloud,
+                 with_.uploader, *this},
+                {ports.powerAssertions, ports.wallClock, ports.random, ports.host, ports.journal})
 {
     statusMessage = localized("Disarmed");
     with_.soundPlayer.onPlaybackDegraded = [weak = anchor_.weak()](const std::string& message) {
@@ -78,9 +80,12 @@ void AlarmCoordinator::arm(const AlarmSettings& settings)
     lastError = std::nullopt;
     statusMessage = localized("Armed");
     quietly([this] { armedPowerAssertion_.acquire("Sentrel is armed and monitoring"); });
-    Task<void> preparation =
-        detached(actor_.scheduler(), QualityOfService::utility, prepareMediaPlayback(settings.alarmSound));
-    tasks_.add(preparation);
+    std::optional<Task<void>> preparation;
+    if (settings.alarmSound) {
+        preparation =
+            detached(actor_.scheduler(), QualityOfService::utility, with_.mediaPlayback.requestAutomationConsent());
+        tasks_.add(*preparation);
+    }
     applyTriggerSettings(settings);
     cancelScreenGuard();
     if (settings.lockScreenOnArm) {
@@ -104,6 +109,31 @@ void AlarmCoordinator::disarm()
     lidMonitor_.onLidClosed = nullptr;
     motionMonitor_.onMotionDetected = nullptr;
     with_.soundPlayer.stop();
+}
+
+void AlarmCoordinator::trigger(TriggerReason reason)
+{
+    assertOnMainActor(actor_);
+    if (!isArmed) {
+        return;
+    }
+    const AlarmSettings& settings = with_.settings.settings();
+    if (settings.alarmSound) {
+        // The sound comes first, because a system call might block the main thread.
+        with_.soundPlayer.play(static_cast<float>(settings.alarmVolume));
+    }
+    ports_.journal.note("trigger", {{"reason", rawValue(reason)}});
+    lastTrigger = reason;
+    isAlarmActive = isAlarmActive || settings.alarmSound;
+    pipeline_.add(reason);
+}
+
+void AlarmCoordinator::stopAlarm()
+{
+    assertOnMainActor(actor_);
+    isAlarmActive = false;
+    with_.soundPlayer.stop();
+    statusMessage = localized(isArmed ? "Armed" : "Disarmed");
 }
 
 void AlarmCoordinator::applyTriggerSettings(const AlarmSettings& settings)
@@ -148,6 +178,27 @@ void AlarmCoordinator::refreshAccelerometer()
     if (!motionMonitor_.refreshAvailability() && isArmed) {
         refreshMotionWarning(with_.settings.settings());
     }
+}
+
+void AlarmCoordinator::showLocalSaveNotice()
+{
+    assertOnMainActor(actor_);
+    showingLocalSaveNotice = true;
+    lastError = localized("Alert saved on this Mac. It will upload when iCloud is available.");
+}
+
+void AlarmCoordinator::clearLocalSaveNoticeIfResolved()
+{
+    assertOnMainActor(actor_);
+    if (showingLocalSaveNotice && with_.alertStore.alertsWaitingForUpload().empty()) {
+        clearNotices();
+    }
+}
+
+void AlarmCoordinator::clearNotices()
+{
+    showingLocalSaveNotice = false;
+    lastError = std::nullopt;
 }
 
 std::string AlarmCoordinator::localized(std::string_view text)
@@ -199,21 +250,6 @@ Async<void> AlarmCoordinator::refreshCameraWarning()
     } else {
         cameraWarning = localized("Camera access is denied. Alert photos can't be captured.");
     }
-}
-
-namespace {
-
-Async<void> nothing()
-{
-    co_return;
-}
-
-} // namespace
-
-Async<void> AlarmCoordinator::prepareMediaPlayback(bool alarmSound)
-{
-    // Created on the main thread, run on a utility thread: the coroutine must own all it uses.
-    return alarmSound ? with_.mediaPlayback.requestAutomationConsent() : nothing();
 }
 
 void AlarmCoordinator::startScreenGuard(std::optional<Task<void>> preparation, double delay)

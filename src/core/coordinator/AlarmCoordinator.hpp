@@ -1,9 +1,8 @@
 #pragma once
 
-#include "core/AlertEvent.hpp"
 #include "core/SettingsStore.hpp"
 #include "core/TriggerReason.hpp"
-#include "foundation/Bytes.hpp"
+#include "core/coordinator/AlertPipeline.hpp"
 #include "runtime/MainActor.hpp"
 #include "runtime/Observable.hpp"
 #include "runtime/Weak.hpp"
@@ -15,7 +14,6 @@
 #include <cstdint>
 #include <functional>
 #include <optional>
-#include <set>
 #include <string>
 #include <string_view>
 
@@ -39,9 +37,9 @@ class Language;
 class WallClock;
 } // namespace ports
 
-/// Arms and disarms the Mac by the user's settings, receives the triggers, sounds the alarm and takes each alert
-/// through photo, local copy and upload. Main actor only; everything referred to outlives it.
-class AlarmCoordinator {
+/// Arms and disarms the Mac by the user's settings, receives the triggers, sounds and silences the alarm and hands each
+/// trigger to the pipeline of alerts. Main actor only; everything referred to outlives it.
+class AlarmCoordinator final : private UploadNotices {
 public:
     /// The services and ports that the coordinator uses. It owns the sensors itself.
     struct Collaborators {
@@ -109,40 +107,23 @@ public:
     /// Silences the alarm; stays armed.
     void stopAlarm();
 
-    void showLocalSaveNotice();
-
-    /// Clears the local-save notice if no alert waits for upload.
-    void clearLocalSaveNoticeIfResolved();
+    void showLocalSaveNotice() override;
+    void clearLocalSaveNoticeIfResolved() override;
 
     /// The number of triggers that are being processed or queued.
-    [[nodiscard]] std::int64_t processingCount() const { return processingCount_; }
+    [[nodiscard]] std::int64_t processingCount() const { return pipeline_.processingCount(); }
 
 private:
     [[nodiscard]] std::string localized(std::string_view text);
     [[nodiscard]] std::function<void()> triggerCallback(bool isWanted, TriggerReason reason);
     static Async<void> deliver(Weak<AlarmCoordinator> weak, TriggerReason reason);
     void stopMonitors();
+    void clearNotices() override;
     void refreshMotionWarning(const AlarmSettings& settings);
     Async<void> refreshCameraWarning();
-    Async<void> prepareMediaPlayback(bool alarmSound);
     void startScreenGuard(std::optional<Task<void>> preparation, double delay);
     void cancelScreenGuard();
     Async<void> guardScreen(std::optional<Task<void>> preparation, double delay);
-
-    void enqueueProcessing(TriggerReason reason);
-    Async<void> processAfter(std::optional<Task<void>> predecessor, TriggerReason reason, std::optional<Date> taken);
-    Async<void> process(TriggerReason reason, std::optional<Date> taken);
-    Async<std::optional<Bytes>> takePhoto(bool isWanted);
-    void finishProcessing();
-    [[nodiscard]] AlertEvent makeAlertInAnyCase(TriggerReason reason, std::optional<Date> taken, bool hasPhoto);
-    [[nodiscard]] AlertEvent makeAlert(TriggerReason reason, std::optional<Date> taken, bool hasPhoto);
-    void keep(const AlertEvent& alert, const std::optional<Bytes>& photo, bool cloudFlag);
-    bool saveLocally(const AlertEvent& alert, const std::optional<Bytes>& photo, bool cloudFlag);
-    Async<void> uploadInAnyCase(AlertEvent alert, std::optional<Bytes> photo, bool cloudFlag);
-    Async<void> upload(AlertEvent alert, std::optional<Bytes> photo, bool cloudFlag);
-    void noteKept(const UUID& id);
-    Async<void> uploadNow(AlertEvent alert, std::optional<Bytes> photo);
-    void clearNotices();
 
     MainActor actor_;
     const bool isCompatibleComputer_;
@@ -151,12 +132,9 @@ private:
     PowerMonitor powerMonitor_;
     LidMonitor lidMonitor_;
     MotionMonitor motionMonitor_;
-    std::optional<Task<void>> processingChain_;
-    std::int64_t processingCount_ = 0;
-    std::set<TriggerReason> pendingReasons_;
     std::optional<Task<void>> screenGuardTask_;
     PowerAssertion armedPowerAssertion_;
-    PowerAssertion alarmPowerAssertion_;
+    AlertPipeline pipeline_;
     TaskBag tasks_;
     WeakAnchor<AlarmCoordinator> anchor_{*this};
 };

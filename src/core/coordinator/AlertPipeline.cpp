@@ -1,68 +1,48 @@
-#include "core/coordinator/AlarmCoordinator.hpp"
+#include "core/coordinator/AlertPipeline.hpp"
 
 #include "alerts/AlertUploader.hpp"
 #include "alerts/LocalAlertStore.hpp"
 #include "alerts/MacAlertsService.hpp"
 #include "cloud/CloudKitService.hpp"
 #include "core/RandomUUID.hpp"
+#include "core/SettingsStore.hpp"
 #include "foundation/Fatal.hpp"
 #include "foundation/Quietly.hpp"
-#include "outputs/AlarmSoundPlayer.hpp"
 #include "outputs/CameraCapture.hpp"
-#include "ports/DeviceRegistry.hpp"
 #include "ports/HostInfo.hpp"
 #include "ports/Journal.hpp"
 #include "ports/WallClock.hpp"
 #include "runtime/AssertOnMainActor.hpp"
+#include "sensors/LidMonitor.hpp"
 
 #include <limits>
 #include <utility>
 
-// From a trigger to its alert: sound at once, photo and local copy one trigger after another; uploads may overlap.
-
 namespace sentrel {
 
-void AlarmCoordinator::trigger(TriggerReason reason)
+AlertPipeline::AlertPipeline(MainActor actor, Collaborators collaborators, Ports ports)
+    : actor_(actor), with_(collaborators), ports_(ports), assertion_(ports.powerAssertions)
+{
+}
+
+void AlertPipeline::add(TriggerReason reason)
 {
     assertOnMainActor(actor_);
-    if (!isArmed) {
+    if (!pendingReasons_.insert(reason).second) {
         return;
     }
-    const AlarmSettings& settings = with_.settings.settings();
-    if (settings.alarmSound) {
-        // The sound comes first, because a system call might block the main thread.
-        with_.soundPlayer.play(static_cast<float>(settings.alarmVolume));
-    }
-    ports_.journal.note("trigger", {{"reason", rawValue(reason)}});
-    lastTrigger = reason;
-    isAlarmActive = isAlarmActive || settings.alarmSound;
-    if (pendingReasons_.insert(reason).second) {
-        enqueueProcessing(reason);
-    }
-}
-
-void AlarmCoordinator::stopAlarm()
-{
-    assertOnMainActor(actor_);
-    isAlarmActive = false;
-    with_.soundPlayer.stop();
-    statusMessage = localized(isArmed ? "Armed" : "Disarmed");
-}
-
-void AlarmCoordinator::enqueueProcessing(TriggerReason reason)
-{
     if (processingCount_ == std::numeric_limits<std::int64_t>::max()) {
         fatalError("the count of triggers being processed overflows");
     }
     ++processingCount_;
-    quietly([this] { alarmPowerAssertion_.acquire("Sentrel is processing an alarm event"); });
-    const auto taken = quietly([this] { return std::optional{ports_.wallClock.now()}; });
-    processingChain_ = actor_.spawn(processAfter(std::exchange(processingChain_, std::nullopt), reason, taken));
+    quietly([this] { assertion_.acquire("Sentrel is processing an alarm event"); });
+    const auto date = quietly([this] { return std::optional{ports_.wallClock.now()}; });
+    processingChain_ = actor_.spawn(processAfter(std::exchange(processingChain_, std::nullopt), reason, date));
     tasks_.add(*processingChain_);
 }
 
-Async<void> AlarmCoordinator::processAfter(std::optional<Task<void>> predecessor, TriggerReason reason,
-                                           std::optional<Date> taken)
+Async<void> AlertPipeline::processAfter(std::optional<Task<void>> predecessor, TriggerReason reason,
+                                        std::optional<Date> date)
 {
     if (predecessor) {
         // Moved out of this frame's parameters, or the chain would keep every task since its beginning.
@@ -74,7 +54,7 @@ Async<void> AlarmCoordinator::processAfter(std::optional<Task<void>> predecessor
         }
     }
     try {
-        co_await process(reason, taken);
+        co_await process(reason, date);
     } catch (const std::exception& error) {
         ports_.journal.note("alert.failed", {{"reason", rawValue(reason)}, {"why", std::string_view{error.what()}}});
     } catch (...) {
@@ -83,32 +63,32 @@ Async<void> AlarmCoordinator::processAfter(std::optional<Task<void>> predecessor
     finishProcessing();
 }
 
-void AlarmCoordinator::finishProcessing()
+void AlertPipeline::finishProcessing()
 {
     if (processingCount_ == 0) {
         fatalError("the count of triggers being processed underflows");
     }
     if (--processingCount_ == 0) {
         processingChain_.reset();
-        quietly([this] { alarmPowerAssertion_.release(); });
+        quietly([this] { assertion_.release(); });
     }
 }
 
-Async<void> AlarmCoordinator::process(TriggerReason reason, std::optional<Date> taken)
+Async<void> AlertPipeline::process(TriggerReason reason, std::optional<Date> date)
 {
     pendingReasons_.erase(reason);
     const AlarmSettings settings = with_.settings.settings();
     std::optional<Bytes> photo = co_await takePhoto(settings.capturePhoto);
-    AlertEvent alert = makeAlertInAnyCase(reason, taken, photo.has_value());
+    AlertEvent alert = makeAlertInAnyCase(reason, date, photo.has_value());
     alert.sendNotification = settings.sendNotification;
-    const bool cloudFlag = with_.cloud.isAvailable;
-    quietly([&] { keep(alert, photo, cloudFlag); });
-    tasks_.add(actor_.spawn(uploadInAnyCase(std::move(alert), std::move(photo), cloudFlag)));
+    const bool wasAvailable = with_.cloud.isAvailable;
+    quietly([&] { keep(alert, photo, wasAvailable); });
+    tasks_.add(actor_.spawn(uploadInAnyCase(std::move(alert), std::move(photo), wasAvailable)));
 }
 
-Async<std::optional<Bytes>> AlarmCoordinator::takePhoto(bool isWanted)
+Async<std::optional<Bytes>> AlertPipeline::takePhoto(bool isWanted)
 {
-    if (!isWanted || quietly([this] { return lidMonitor_.isLidClosed(); })) {
+    if (!isWanted || quietly([this] { return with_.lid.isLidClosed(); })) {
         co_return std::nullopt;
     }
     std::optional<Bytes> photo = co_await with_.camera.capturePhoto();
@@ -116,21 +96,21 @@ Async<std::optional<Bytes>> AlarmCoordinator::takePhoto(bool isWanted)
 }
 
 /// Retries once: a port that throws may answer the second time, and the alert is worth it.
-AlertEvent AlarmCoordinator::makeAlertInAnyCase(TriggerReason reason, std::optional<Date> taken, bool hasPhoto)
+AlertEvent AlertPipeline::makeAlertInAnyCase(TriggerReason reason, std::optional<Date> date, bool hasPhoto)
 {
     try {
-        return makeAlert(reason, taken, hasPhoto);
+        return makeAlert(reason, date, hasPhoto);
     } catch (...) {
-        return makeAlert(reason, taken, hasPhoto);
+        return makeAlert(reason, date, hasPhoto);
     }
 }
 
-AlertEvent AlarmCoordinator::makeAlert(TriggerReason reason, std::optional<Date> taken, bool hasPhoto)
+AlertEvent AlertPipeline::makeAlert(TriggerReason reason, std::optional<Date> date, bool hasPhoto)
 {
     AlertEvent alert;
     alert.id = randomUUID(ports_.random);
     alert.reason = reason;
-    alert.timestamp = taken ? *taken : ports_.wallClock.now();
+    alert.timestamp = date ? *date : ports_.wallClock.now();
     alert.deviceName = ports_.host.localizedName().value_or("Mac");
     if (hasPhoto) {
         alert.photoFileName = alert.id.text() + ".jpg";
@@ -140,27 +120,24 @@ AlertEvent AlarmCoordinator::makeAlert(TriggerReason reason, std::optional<Date>
 
 /// Saves the alert on disk and shows it in the list. If saving fails, saves it without the photo (the disk may be
 /// full), and the list holds alert and photo in memory.
-void AlarmCoordinator::keep(const AlertEvent& alert, const std::optional<Bytes>& photo, bool cloudFlag)
+void AlertPipeline::keep(const AlertEvent& alert, const std::optional<Bytes>& photo, bool isPending)
 {
-    if (saveLocally(alert, photo, cloudFlag)) {
-        if (!with_.alertList.holds(alert.id)) {
-            with_.alertList.merge({alert, cloudFlag});
-            with_.alertList.refreshStorageNotice();
-        }
+    if (saveLocally(alert, photo, isPending)) {
+        with_.list.merge({alert, isPending});
         return;
     }
     if (photo) {
         AlertEvent bare = alert;
         bare.photoFileName.reset();
-        static_cast<void>(saveLocally(bare, std::nullopt, cloudFlag));
+        static_cast<void>(saveLocally(bare, std::nullopt, isPending));
     }
-    with_.alertList.hold(alert, photo);
+    with_.list.hold(alert, photo);
 }
 
-bool AlarmCoordinator::saveLocally(const AlertEvent& alert, const std::optional<Bytes>& photo, bool cloudFlag)
+bool AlertPipeline::saveLocally(const AlertEvent& alert, const std::optional<Bytes>& photo, bool isPending)
 {
     try {
-        with_.alertStore.save(alert, photo, cloudFlag);
+        with_.store.save(alert, photo, isPending);
     } catch (const std::exception& error) {
         ports_.journal.note("alert.saveFailed",
                             {{"id", std::string_view{alert.id.text()}}, {"why", std::string_view{error.what()}}});
@@ -176,46 +153,46 @@ bool AlarmCoordinator::saveLocally(const AlertEvent& alert, const std::optional<
 }
 
 /// An upload that throws leaves its alert waiting for the next catch-up.
-Async<void> AlarmCoordinator::uploadInAnyCase(AlertEvent alert, std::optional<Bytes> photo, bool cloudFlag)
+Async<void> AlertPipeline::uploadInAnyCase(AlertEvent alert, std::optional<Bytes> photo, bool wasAvailable)
 {
     const UUID id = alert.id;
     try {
-        co_await upload(std::move(alert), std::move(photo), cloudFlag);
+        co_await upload(std::move(alert), std::move(photo), wasAvailable);
         co_return;
     } catch (...) {
         ports_.journal.note("upload.raised", {{"id", std::string_view{id.text()}}});
     }
-    quietly([&] { with_.alertStore.setPendingUpload(id); });
+    quietly([&] { with_.store.setPendingUpload(id); });
 }
 
-Async<void> AlarmCoordinator::upload(AlertEvent alert, std::optional<Bytes> photo, bool cloudFlag)
+Async<void> AlertPipeline::upload(AlertEvent alert, std::optional<Bytes> photo, bool wasAvailable)
 {
     const UUID id = alert.id;
     const bool isAvailable = co_await with_.cloud.checkAvailability();
     if (isAvailable) {
         co_await uploadNow(std::move(alert), std::move(photo));
-    } else if (cloudFlag) {
+    } else if (wasAvailable) {
         noteKept(id);
     } else {
         // If iCloud was already known to be unavailable, the alerts window says so instead.
-        clearNotices();
+        with_.notices.clearNotices();
     }
-    co_await with_.alertList.refresh();
+    co_await with_.list.refresh();
 }
 
-Async<void> AlarmCoordinator::uploadNow(AlertEvent alert, std::optional<Bytes> photo)
+Async<void> AlertPipeline::uploadNow(AlertEvent alert, std::optional<Bytes> photo)
 {
     const UUID id = alert.id;
     const auto outcome = co_await with_.uploader.upload(std::move(alert), std::move(photo));
-    with_.alertList.noteAttempt(id, outcome);
+    with_.list.noteAttempt(id, outcome);
     switch (outcome) {
     case AlertUploader::Outcome::uploaded:
         // Clears any other notice too: the alert is safe, and that is the news.
-        clearNotices();
-        with_.alertList.catchUpIfOwed(); // uploads that failed before may work now
+        with_.notices.clearNotices();
+        with_.list.catchUpIfOwed(); // uploads that failed before may work now
         break;
     case AlertUploader::Outcome::deleted:
-        clearLocalSaveNoticeIfResolved();
+        with_.notices.clearLocalSaveNoticeIfResolved();
         break;
     case AlertUploader::Outcome::storageFull:
         break; // the list's storage notice says so
@@ -228,31 +205,10 @@ Async<void> AlarmCoordinator::uploadNow(AlertEvent alert, std::optional<Bytes> p
 }
 
 /// Shows the local-save notice if the alert is stored on this Mac.
-void AlarmCoordinator::noteKept(const UUID& id)
+void AlertPipeline::noteKept(const UUID& id)
 {
-    if (with_.alertStore.storedAlert(id)) {
-        showLocalSaveNotice();
-    }
-}
-
-void AlarmCoordinator::clearNotices()
-{
-    showingLocalSaveNotice = false;
-    lastError = std::nullopt;
-}
-
-void AlarmCoordinator::showLocalSaveNotice()
-{
-    assertOnMainActor(actor_);
-    showingLocalSaveNotice = true;
-    lastError = localized("Alert saved on this Mac. It will upload when iCloud is available.");
-}
-
-void AlarmCoordinator::clearLocalSaveNoticeIfResolved()
-{
-    assertOnMainActor(actor_);
-    if (showingLocalSaveNotice && with_.alertStore.alertsWaitingForUpload().empty()) {
-        clearNotices();
+    if (with_.store.storedAlert(id)) {
+        with_.notices.showLocalSaveNotice();
     }
 }
 
