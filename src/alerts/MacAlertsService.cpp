@@ -2,16 +2,13 @@
 
 #include "alerts/AlertMerge.hpp"
 #include "alerts/AlertSections.hpp"
-#include "alerts/LocalAlertStore.hpp"
 #include "cloud/AsyncTimeout.hpp"
 #include "cloud/CloudErrors.hpp"
 #include "cloud/CloudTimeLimit.hpp"
-#include "ports/FileSystem.hpp"
 #include "ports/Language.hpp"
 #include "ports/WallClock.hpp"
 #include "runtime/AssertOnMainActor.hpp"
 #include "runtime/CurrentTask.hpp"
-#include "runtime/Detached.hpp"
 
 #include <algorithm>
 #include <chrono>
@@ -57,21 +54,12 @@ MacAlertsService::MacAlertsService(MainActor actor, CloudKitService& cloud, Loca
     : alerts(std::make_shared<const std::vector<AlertRow>>()),
       actor_(actor),
       cloud_(cloud),
-      localStore_(localStore),
-      uploader_(uploader),
       uploadsCaughtUp_(std::move(uploadsCaughtUp)),
       ports_(ports),
-      pendingDeletions_(PendingCloudDeletionStore::standardKey, ports.defaults),
-      deletions_(actor, [this] { return deletePending(); }),
-      catchUps_(actor, [this] { return catchUpPass(); })
+      outbox_(actor, cloud, localStore, uploader, *this, {ports.defaults, ports.files})
 {
     observations_.push_back(cloud_.isAvailable.observe([this](bool) { refreshStorageNotice(); }));
     observations_.push_back(cloud_.isReachable.observe([this](bool) { refreshStorageNotice(); }));
-    observations_.push_back(cloud_.lastSyncError.observe([this](const std::optional<std::string>& error) {
-        if (!error) {
-            catchUpWithWhatIsNew();
-        }
-    }));
 }
 
 std::vector<AlertSection> MacAlertsService::sections() const
@@ -88,7 +76,7 @@ bool MacAlertsService::holds(const UUID& id) const
 void MacAlertsService::merge(const StoredAlert& stored)
 {
     assertOnMainActor(actor_);
-    if (uploader_.discarded().contains(stored.alert.id) || holds(stored.alert.id)) {
+    if (outbox_.isDeleted(stored.alert.id) || holds(stored.alert.id)) {
         return;
     }
     std::vector<AlertRow> rows;
@@ -105,7 +93,7 @@ Async<void> MacAlertsService::refresh()
     const Loading loading{anchor_.weak()};
     const std::int64_t generation = ++refreshGeneration_;
     const CloudAnswer answer = co_await askCloud();
-    std::vector<StoredAlert> local = co_await alertsHere();
+    std::vector<StoredAlert> local = co_await outbox_.alertsHereInBackground();
     const bool isCancelled = co_await isTaskCancelled();
     if (isCancelled || generation < appliedGeneration_) {
         co_return;
@@ -125,16 +113,11 @@ void MacAlertsService::startRefresh()
     tasks_.add(*activeRefreshTask_);
 }
 
-bool MacAlertsService::isThrottled()
-{
-    return cloud_.requestBackoff().remainingDelay(ports_.wallClock.now()) > 0.0;
-}
-
 Async<MacAlertsService::CloudAnswer> MacAlertsService::askCloud()
 {
     CloudAnswer answer;
     const bool isAvailable = co_await cloud_.checkAvailability();
-    if (!isAvailable || isThrottled()) {
+    if (!isAvailable || cloud_.isThrottled()) {
         // A missing account is shown by the storage notice, not as an error.
         answer.error = cloud_.isAvailable ? cloud_.lastSyncError.get() : std::nullopt;
         co_return answer;
@@ -165,11 +148,11 @@ Duration MacAlertsService::longestRefresh() const
 void MacAlertsService::apply(const CloudAnswer& answer, std::vector<StoredAlert> local)
 {
     const bool isFresh = answer.isFresh && cloud_.isAvailable;
-    MergedAlerts merged = mergedAlerts(cloudAlerts(isFresh), std::move(local));
+    std::vector<AlertEvent> remote = cloud_.isAvailable ? cloud_.cachedAlerts() : std::vector<AlertEvent>{};
+    MergedAlerts merged = mergedAlerts(outbox_.withoutDeleted(std::move(remote), isFresh), std::move(local));
     if (isFresh) {
         // Only a fresh answer justifies deleting the copies on this Mac.
-        localStore_.remove(merged.redundant);
-        std::erase_if(held_, [&](const auto& entry) { return merged.redundant.contains(entry.first); });
+        outbox_.dropCopies(merged.redundant);
     }
     publish(std::move(merged.rows));
     errorMessage = answer.error;
@@ -177,36 +160,56 @@ void MacAlertsService::apply(const CloudAnswer& answer, std::vector<StoredAlert>
     if (isFresh && !merged.redundant.empty()) {
         uploadsCaughtUp_();
     }
-    if (isFresh && !pendingDeletions_.ids().empty() && !catchUps_.isRunning()) {
-        deletions_.start();
-    }
-    ensureRetry();
+    outbox_.listRefreshed(isFresh);
 }
 
-/// The cloud's alerts to show: none that the user has deleted.
-std::vector<AlertEvent> MacAlertsService::cloudAlerts(bool isFresh)
+void MacAlertsService::hold(const AlertEvent& alert, std::optional<Bytes> photo)
 {
-    if (!cloud_.isAvailable) {
-        return {};
+    outbox_.hold(alert, std::move(photo));
+    merge({alert, true});
+}
+
+void MacAlertsService::deleteAlerts(const std::unordered_set<UUID>& ids)
+{
+    assertOnMainActor(actor_);
+    if (ids.empty()) {
+        return;
     }
-    std::vector<AlertEvent> shown = cloud_.cachedAlerts();
-    std::unordered_set<UUID> returned;
-    std::erase_if(shown, [&](const AlertEvent& alert) {
-        const bool isDeleted = uploader_.discarded().contains(alert.id);
-        if (isDeleted && isFresh) {
-            returned.insert(alert.id);
+    outbox_.deleteAlerts(ids);
+    std::vector<AlertRow> kept = *alerts.get();
+    std::erase_if(kept, [&ids](const AlertRow& row) { return ids.contains(row.alert.id); });
+    publish(std::move(kept));
+    refreshStorageNotice();
+    uploadsCaughtUp_();
+}
+
+void MacAlertsService::attemptEnded(const UUID& id, AlertUploader::Outcome outcome)
+{
+    iCloudStorageIsFull = outcome == AlertUploader::Outcome::storageFull;
+    if (outcome == AlertUploader::Outcome::uploaded) {
+        std::vector<AlertRow> rows = *alerts.get();
+        const auto row = std::ranges::find_if(rows, [&id](const AlertRow& other) { return other.alert.id == id; });
+        if (row != rows.end()) {
+            row->storageLocation = AlertStorageLocation::cloud;
         }
-        return isDeleted || pendingDeletions_.ids().contains(alert.id);
-    });
-    // An upload that was given up may have reached the server after the deletion.
-    pendingDeletions_.add(returned, cloud_.cacheOwner());
-    return shown;
+        publish(std::move(rows));
+    }
+    refreshStorageNotice();
+}
+
+void MacAlertsService::subtractThoseInCloud(std::unordered_set<UUID>& ids) const
+{
+    for (const AlertRow& row : *alerts.get()) {
+        if (row.storageLocation == AlertStorageLocation::cloud) {
+            ids.erase(row.alert.id);
+        }
+    }
 }
 
 void MacAlertsService::userDidChange()
 {
     iCloudStorageIsFull = false;
-    publish(mergedAlerts({}, withHeld(localStore_.alerts())).rows);
+    publish(mergedAlerts({}, outbox_.alertsHere()).rows);
     refreshStorageNotice();
 }
 
@@ -227,13 +230,13 @@ void MacAlertsService::refreshStorageNotice()
 std::optional<std::string> MacAlertsService::storageNotice()
 {
     const bool isListEmpty = alerts.get()->empty();
-    if (iCloudStorageIsFull && (!isListEmpty || !localStore_.identifiers().empty())) {
+    if (iCloudStorageIsFull && (!isListEmpty || !outbox_.idsHere().empty())) {
         return "Your iCloud storage is full.\nNew alerts are saved on this Mac.";
     }
     if (isListEmpty) {
         return std::nullopt;
     }
-    if (!waitingIDs().empty()) {
+    if (!outbox_.waitingIDs().empty()) {
         return "Some alerts are waiting to upload to iCloud.";
     }
     if (!cloud_.isAvailable) {
@@ -245,36 +248,12 @@ std::optional<std::string> MacAlertsService::storageNotice()
     return std::nullopt;
 }
 
-/// The alerts on this Mac that the cloud is not known to hold.
-std::unordered_set<UUID> MacAlertsService::waitingIDs()
-{
-    std::unordered_set<UUID> waiting = localStore_.identifiers();
-    for (const auto& [id, alert] : held_) {
-        waiting.insert(id);
-    }
-    if (waiting.empty()) {
-        return waiting;
-    }
-    for (const AlertRow& row : *alerts.get()) {
-        if (row.storageLocation == AlertStorageLocation::cloud) {
-            waiting.erase(row.alert.id);
-        }
-    }
-    return waiting;
-}
-
 Async<std::optional<Bytes>> MacAlertsService::photo(UUID id)
 {
     assertOnMainActor(actor_);
-    const auto held = held_.find(id);
-    if (held != held_.end() && held->second.photo) {
-        co_return held->second.photo;
-    }
-    auto reading = detached(actor_.scheduler(), QualityOfService::userInitiated,
-                            [&files = ports_.files, file = localStore_.photoFile(id)] { return files.read(file); });
-    std::optional<Bytes> local = co_await reading;
-    if (local && !local->empty()) {
-        co_return local;
+    AlertOutbox::Photo local = co_await outbox_.photoHere(id, QualityOfService::userInitiated);
+    if (local.content && !local.content->empty()) {
+        co_return std::move(local.content);
     }
     const bool isAvailable = co_await cloud_.checkAvailability();
     if (!isAvailable) {

@@ -1,29 +1,24 @@
 #pragma once
 
+#include "alerts/AlertOutbox.hpp"
 #include "alerts/AlertRow.hpp"
-#include "alerts/AlertUploader.hpp"
-#include "alerts/CoalescedPasses.hpp"
-#include "alerts/PendingCloudDeletionStore.hpp"
-#include "alerts/StoredAlert.hpp"
-#include "cloud/CloudKitService.hpp"
 #include "runtime/Weak.hpp"
 
 #include <cstdint>
 #include <functional>
 #include <memory>
-#include <unordered_map>
 
 namespace sentrel {
 
-class LocalAlertStore;
-
 namespace ports {
 class Calendar;
-}
+class Language;
+class WallClock;
+} // namespace ports
 
-/// The list of alerts that the user sees: those in the cloud and those on this Mac, merged. Main actor only. All
-/// objects it refers to must outlive it.
-class MacAlertsService {
+/// The list of alerts that the user sees: those in the cloud and those on this Mac, merged. Its outbox does what iCloud
+/// is still owed. Main actor only. All objects it refers to must outlive it.
+class MacAlertsService final : private OutboxList {
 public:
     struct Ports {
         ports::UserDefaults& defaults;
@@ -53,16 +48,17 @@ public:
     /// Shows an alert that has just been saved on this Mac; no effect when it is shown already or has been deleted.
     void merge(const StoredAlert& stored);
 
-    /// Keeps in memory an alert that could not be saved completely on this Mac. The alert is shown, and the next
-    /// catch-up saves or uploads it.
+    /// Shows an alert that could not be saved completely on this Mac, and keeps it in the outbox.
     void hold(const AlertEvent& alert, std::optional<Bytes> photo);
 
-    /// Call when an attempt to upload the alert has ended. An uploaded alert is removed from this Mac; any other waits
-    /// from now on.
-    void noteAttempt(const UUID& id, AlertUploader::Outcome outcome);
+    /// As the outbox's.
+    void noteAttempt(const UUID& id, AlertUploader::Outcome outcome) { outbox_.noteAttempt(id, outcome); }
+    [[nodiscard]] Async<void> catchUp() { return outbox_.catchUp(); }
+    void catchUpIfOwed() { outbox_.catchUpIfOwed(); }
+    [[nodiscard]] const PendingCloudDeletionStore& pendingDeletions() const { return outbox_.pendingDeletions(); }
 
     /// Call when another user has signed in to iCloud: hides the previous user's cloud alerts.
-    void userDidChange();
+    void userDidChange() override;
 
     /// Recomputes `infoMessage`.
     void refreshStorageNotice();
@@ -70,7 +66,7 @@ public:
     /// Updates the list from the cloud, within 15 s; within 120 s for the first list or after a refresh that timed out.
     /// An older refresh never overwrites the results of a newer one. Never throws, but for a `CancellationError`, and
     /// then has changed nothing.
-    [[nodiscard]] Async<void> refresh();
+    [[nodiscard]] Async<void> refresh() override;
 
     /// Starts a refresh and cancels the one that an earlier call started.
     void startRefresh();
@@ -81,76 +77,37 @@ public:
     /// The alert's photo, from this Mac or from the cloud; none when it is missing or can't be fetched.
     [[nodiscard]] Async<std::optional<Bytes>> photo(UUID id);
 
-    /// Runs a catch-up pass: deletions, then uploads, oldest first, one at a time; then a refresh. Uploads end at the
-    /// first sign that iCloud is unavailable, throttled or full; an alert that the server refuses doesn't delay the
-    /// others. One pass at a time: a call during a pass requests one more.
-    [[nodiscard]] Async<void> catchUp();
-
-    /// Call when iCloud is known to take uploads. Starts a pass if anything is waiting and none is running. Leftovers
-    /// of a pass are retried after 30 s, and then at growing intervals of at most 5 min.
-    void catchUpIfOwed();
-
-    [[nodiscard]] const PendingCloudDeletionStore& pendingDeletions() const { return pendingDeletions_; }
-
 private:
     /// The cloud's answer to a refresh.
     struct CloudAnswer {
         bool isFresh = false; ///< the database itself has answered
         std::optional<std::string> error;
     };
-    struct HeldAlert {
-        AlertEvent alert;
-        std::optional<Bytes> photo;
-    };
     class Loading;
 
-    [[nodiscard]] bool isThrottled();
     Async<CloudAnswer> askCloud();
     [[nodiscard]] Duration longestRefresh() const;
     void apply(const CloudAnswer& answer, std::vector<StoredAlert> local);
-    [[nodiscard]] std::vector<AlertEvent> cloudAlerts(bool isFresh);
     void publish(std::vector<AlertRow> rows);
     [[nodiscard]] std::optional<std::string> storageNotice();
-    [[nodiscard]] std::unordered_set<UUID> waitingIDs();
-    void noteUploaded(const UUID& id);
-    [[nodiscard]] bool isAnythingOwed(bool countsRefused = true);
-    void catchUpWithWhatIsNew();
-    void cancelRetry();
-    void planRetry();
-    void ensureRetry();
-    Async<void> retryAfter(Duration delay);
 
-    Async<void> catchUpPass();
-    Async<void> uploadWaiting();
-    Async<bool> mayUploadNext();
-    Async<AlertUploader::Outcome> uploadStored(StoredAlert stored);
-    Async<std::vector<StoredAlert>> alertsHere();
-    [[nodiscard]] std::vector<StoredAlert> withHeld(std::vector<StoredAlert> stored) const;
-    void saveHeld();
-    Async<void> deletePending();
-    Async<bool> deleteBatch(std::unordered_set<UUID> ids);
-    [[nodiscard]] std::vector<UUID> deletableIDs() const;
+    [[nodiscard]] bool isLoaded() const override { return hasLoadedInitialAlerts; }
+    void subtractThoseInCloud(std::unordered_set<UUID>& ids) const override;
+    void attemptEnded(const UUID& id, AlertUploader::Outcome outcome) override;
+    void deletionsFailed() override { errorMessage = cloud_.lastSyncError.get(); }
+    void passEnded() override { uploadsCaughtUp_(); }
 
     MainActor actor_;
     CloudKitService& cloud_;
-    LocalAlertStore& localStore_;
-    AlertUploader& uploader_;
     const std::function<void()> uploadsCaughtUp_;
     Ports ports_;
-    PendingCloudDeletionStore pendingDeletions_;
     std::int64_t refreshGeneration_ = 0;
     std::int64_t appliedGeneration_ = 0;
     int refreshesUnderWay_ = 0;
     bool lastRefreshTimedOut_ = false;
-    std::unordered_map<UUID, HeldAlert> held_; ///< alerts that could not be saved completely
-    std::unordered_set<UUID> slow_;            ///< alerts whose upload timed out
-    std::unordered_set<UUID> refused_; ///< alerts that the server refused; skipped until the next retry or catch-up
-    Duration retryDelay_{};            ///< minimum wait before the next retry; zero after a success
-    Task<void> retry_;                 ///< waiting retry; none when nothing is owed or a pass runs
     std::vector<Observation> observations_;
     std::optional<Task<void>> activeRefreshTask_;
-    CoalescedPasses deletions_;
-    CoalescedPasses catchUps_;
+    AlertOutbox outbox_;
     TaskBag tasks_;
     WeakAnchor<MacAlertsService> anchor_{*this};
 };

@@ -215,9 +215,10 @@ void CloudKitService::recordSync(const std::optional<ports::CloudError>& throttl
     }
 }
 
-const CloudBackoffPolicy& CloudKitService::requestBackoff() const
+Duration CloudKitService::remainingBackoff() const
 {
-    return requestBackoff_;
+    return durationFromSeconds(
+        std::min(requestBackoff_.remainingDelay(ports_.wallClock.now()), requestBackoff_.maxDelay));
 }
 
 CloudKitServiceError CloudKitService::unavailabilityError() const

@@ -96,11 +96,15 @@ public:
 
     [[nodiscard]] std::string userFacingMessage(const std::exception& error) const;
 
-    /// Callers report the outcome of each request. Throttling lengthens `requestBackoff()`; callers that retry must
-    /// honour it, this service refuses no request.
+    /// Callers report the outcome of each request. Throttling lengthens the backoff; callers that retry must honour it,
+    /// this service refuses no request.
     void recordSyncFailure(const std::exception& error);
     void recordSyncSuccess();
-    [[nodiscard]] const CloudBackoffPolicy& requestBackoff() const;
+    [[nodiscard]] const CloudBackoffPolicy& requestBackoff() const { return requestBackoff_; }
+
+    /// The remaining backoff, cut to the policy's maximum: a longer one is due to a wall clock that was set back.
+    [[nodiscard]] Duration remainingBackoff() const;
+    [[nodiscard]] bool isThrottled() const { return remainingBackoff() > Duration{}; }
 
     /// Uploads the alert with its photo, JPEG data. An alert that exists already counts as uploaded. Throws
     /// `CloudKitServiceError` without any request while iCloud is not available, `CloudError`, or `std::system_error`

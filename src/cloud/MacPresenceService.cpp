@@ -84,7 +84,7 @@ Async<void> MacPresenceService::beat()
 {
     // A cancelled wait throws, which ends the loop.
     for (;;) {
-        const Duration backoff = remainingBackoff(cloud_.requestBackoff(), ports_.wallClock.now());
+        const Duration backoff = cloud_.remainingBackoff();
         co_await sleepFor(std::max(heartbeatInterval, backoff));
         co_await publishState();
     }

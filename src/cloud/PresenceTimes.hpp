@@ -1,9 +1,7 @@
 #pragma once
 
-#include "cloud/CloudBackoffPolicy.hpp"
 #include "runtime/Time.hpp"
 
-#include <algorithm>
 #include <chrono>
 
 namespace sentrel {
@@ -22,11 +20,5 @@ inline constexpr Duration longestWaitForPublication = std::chrono::seconds{1};
 
 /// Commands of the phone older than this, in seconds, are ignored.
 inline constexpr double longestCommandAge = 120.0;
-
-/// The remaining backoff, cut to the policy's maximum: a longer one is due to a wall clock that was set back.
-inline Duration remainingBackoff(const CloudBackoffPolicy& backoff, Date now)
-{
-    return durationFromSeconds(std::min(backoff.remainingDelay(now), backoff.maxDelay));
-}
 
 } // namespace sentrel

@@ -103,7 +103,7 @@ Duration MacPresenceService::pollWait() const
     if (pushTokenRegistered_ && cloud_.macCommandSubscriptionEnsured() && !pollOwed_) {
         return pollIntervalWithPushes;
     }
-    const Duration backoff = remainingBackoff(cloud_.requestBackoff(), ports_.wallClock.now());
+    const Duration backoff = cloud_.remainingBackoff();
     return std::clamp(backoff, shortestPollInterval, longestPollInterval);
 }
 
