@@ -1,7 +1,6 @@
 #include "app/MacAppDelegate.hpp"
 
 #include "alerts/MacAlertsService.hpp"
-#include "app/ActivationPolicy.hpp"
 #include "app/AlertPhotoPreview.hpp"
 #include "app/WindowHooks.hpp"
 #include "cloud/AsyncTimeout.hpp"
@@ -46,7 +45,7 @@ MacAppDelegate::MacAppDelegate(MainActor actor, bool isCompatibleComputer, Servi
 
 void MacAppDelegate::applicationDidFinishLaunching()
 {
-    ports_.application.setActivationPolicy(accessoryActivationPolicy);
+    ports_.application.setActivationPolicy(ports::accessoryActivationPolicy);
     with_.soundPlayer.restoreLeftoverState();
     leaveDisarmed();
     with_.presence.start();

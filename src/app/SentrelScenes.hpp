@@ -7,7 +7,6 @@
 #include "app/MenuBarView.hpp"
 #include "app/ProtectedActions.hpp"
 #include "app/ShellWindows.hpp"
-#include "app/WindowConfigurator.hpp"
 #include "app/WindowHooks.hpp"
 #include "app/WindowScene.hpp"
 #include "ports/Platform.hpp"
@@ -58,8 +57,6 @@ private:
     const bool isComputerCompatible_;
     ProtectedActions protectedActions_;
     ShellWindows windows_;
-    MainWindowConfigurator mainConfigurator_{windows_};
-    AlertsWindowConfigurator alertsConfigurator_{windows_};
     MacContentView mainView_;
     MacAlertsContentView alertsView_;
     MenuBarLabel menuLabel_;

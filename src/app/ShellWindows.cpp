@@ -1,8 +1,8 @@
 #include "app/ShellWindows.hpp"
 
-#include "app/ActivationPolicy.hpp"
 #include "ports/Application.hpp"
 #include "ports/ApplicationActivation.hpp"
+#include "ports/WindowConstants.hpp"
 #include "ports/Windows.hpp"
 
 #include <algorithm>
@@ -24,7 +24,7 @@ void ShellWindows::show(std::string_view identifier)
 {
     if (ports::Window* const window = find(identifier)) {
         // First: an application without a Dock icon can't be brought to the front reliably.
-        application_.setActivationPolicy(regularActivationPolicy);
+        application_.setActivationPolicy(ports::regularActivationPolicy);
         activation_.activate(true);
         shown_.emplace(identifier);
         window->makeKeyAndOrderFront();
@@ -45,7 +45,7 @@ void ShellWindows::refreshActivationPolicy()
     const bool isAnyVisible =
         std::ranges::any_of(windows_, [](const auto& entry) { return entry.second->isVisible(); });
     if (!isAnyVisible) {
-        application_.setActivationPolicy(accessoryActivationPolicy);
+        application_.setActivationPolicy(ports::accessoryActivationPolicy);
     }
 }
 

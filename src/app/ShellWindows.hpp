@@ -13,9 +13,6 @@ class ApplicationActivation;
 class Window;
 } // namespace ports
 
-inline constexpr std::string_view mainWindowIdentifier = "sentrel-main-window";
-inline constexpr std::string_view alertsWindowIdentifier = "sentrel-alerts-window";
-
 /// The application's windows by their identifiers. The application has a Dock icon exactly while one of them is
 /// visible. Main actor.
 class ShellWindows {

@@ -1,7 +1,6 @@
 #include "app/WindowScene.hpp"
 
 #include "app/ShellWindows.hpp"
-#include "app/WindowConfigurator.hpp"
 #include "ports/WindowConstants.hpp"
 
 #include <utility>
@@ -31,11 +30,12 @@ ports::WindowDescription describe(ports::Size content, const std::vector<ports::
 
 } // namespace
 
-WindowScene::WindowScene(MainActor actor, ports::Windows& windows, ShellWindows& shellWindows,
-                         WindowConfigurator& configurator, std::string title, std::function<ui::View()> body)
+WindowScene::WindowScene(MainActor actor, ports::Windows& windows, ShellWindows& shellWindows, const WindowSpec& spec,
+                         std::string title, std::function<ui::View()> body)
     : windows_(windows),
       shellWindows_(shellWindows),
-      configurator_(configurator),
+      spec_(spec),
+      delegate_(shellWindows, spec),
       title_(std::move(title)),
       body_(std::move(body)),
       redraw_(actor, [this] { draw(); })
@@ -47,27 +47,29 @@ void WindowScene::open()
     if (window_ == nullptr) {
         makeWindow();
     }
-    if (!shellWindows_.isShown(configurator_.identifier())) {
+    if (!shellWindows_.isShown(spec_.identifier)) {
         window_->showContent(body_());
     }
-    shellWindows_.show(configurator_.identifier());
+    shellWindows_.show(spec_.identifier);
 }
 
 void WindowScene::makeWindow()
 {
-    window_ = windows_.makeWindow(describe(configurator_.startSize(), windows_.screens()));
+    window_ = windows_.makeWindow(describe({spec_.width, spec_.startHeight}, windows_.screens()));
     window_->setTitle(title_);
     window_->setReleasedWhenClosed(false);
     window_->setCollectionBehavior(collectionBehavior);
     window_->hostContent(window_->contentFrame(), resizesWithWindow);
-    configurator_.configure(*window_);
+    window_->setIdentifier(std::string{spec_.identifier});
+    shellWindows_.add(spec_.identifier, *window_);
+    delegate_.attachTo(*window_);
     window_->center();
 }
 
 void WindowScene::draw()
 {
     // A hidden window isn't drawn; it gets the current content when it opens.
-    if (window_ != nullptr && shellWindows_.isShown(configurator_.identifier())) {
+    if (window_ != nullptr && shellWindows_.isShown(spec_.identifier)) {
         window_->showContent(body_());
     }
 }

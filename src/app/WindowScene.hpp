@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ports/Windows.hpp"
+#include "app/ShellWindowDelegate.hpp"
 #include "runtime/OncePerTurn.hpp"
 #include "ui/View.hpp"
 
@@ -10,14 +10,11 @@
 
 namespace sentrel {
 
-class ShellWindows;
-class WindowConfigurator;
-
 /// A single window: created when first opened, then hidden and shown again. Main actor.
 class WindowScene {
 public:
-    /// The title is in the user's language; `body` returns the current content. The configurator outlives this.
-    WindowScene(MainActor actor, ports::Windows& windows, ShellWindows& shellWindows, WindowConfigurator& configurator,
+    /// The title is in the user's language; `body` returns the current content.
+    WindowScene(MainActor actor, ports::Windows& windows, ShellWindows& shellWindows, const WindowSpec& spec,
                 std::string title, std::function<ui::View()> body);
     WindowScene(const WindowScene&) = delete;
 
@@ -33,7 +30,8 @@ private:
 
     ports::Windows& windows_;
     ShellWindows& shellWindows_;
-    WindowConfigurator& configurator_;
+    const WindowSpec spec_;
+    ShellWindowDelegate delegate_;
     std::string title_;
     std::function<ui::View()> body_;
     std::unique_ptr<ports::Window> window_;

@@ -1,7 +1,6 @@
 #include "app/ShellWindows.hpp"
-#include "app/ActivationPolicy.hpp"
-#include "app/WindowConfigurator.hpp"
 #include "app/WindowScene.hpp"
+#include "ports/WindowConstants.hpp"
 #include "simulation/EventLog.hpp"
 #include "simulation/mac/display/SimulatedApplication.hpp"
 #include "simulation/mac/display/SimulatedApplicationActivation.hpp"
@@ -34,7 +33,7 @@ protected:
         const auto content = simulation::contentOf(state, state.frame);
         return {content.width, content.height};
     }
-    [[nodiscard]] bool isRegular() const { return application.activationPolicy() == regularActivationPolicy; }
+    [[nodiscard]] bool isRegular() const { return application.activationPolicy() == ports::regularActivationPolicy; }
 
     test::VirtualMachine machine;
     simulation::EventLog log{machine.scheduler};
@@ -42,13 +41,11 @@ protected:
     simulation::SimulatedDisplays displays{machine.scheduler, log, activation};
     simulation::SimulatedApplication application{log};
     ShellWindows windows{application, activation};
-    MainWindowConfigurator mainConfigurator{windows};
-    AlertsWindowConfigurator alertsConfigurator{windows};
     int drawn = 0;
     WindowScene main{machine.mainActor, displays,  windows,
-                     mainConfigurator,  "Sentrel", [this] { return ui::text(std::to_string(++drawn)); }};
-    WindowScene alerts{machine.mainActor,  displays,     windows,
-                       alertsConfigurator, "Alert List", [] { return ui::text("none"); }};
+                     mainWindow,        "Sentrel", [this] { return ui::text(std::to_string(++drawn)); }};
+    WindowScene alerts{machine.mainActor, displays,     windows,
+                       alertsWindow,      "Alert List", [] { return ui::text("none"); }};
 };
 
 TEST_F(ShellWindowsTest, KeepTheirWidthAndStayWithinTheirHeights)
@@ -62,44 +59,44 @@ TEST_F(ShellWindowsTest, KeepTheirWidthAndStayWithinTheirHeights)
         double height;
     };
     const Row rows[] = {
-        {mainWindowIdentifier, {300, 300}, 480},         {mainWindowIdentifier, {900, 1500}, 1200},
-        {mainWindowIdentifier, {440, 481}, 481},         {mainWindowIdentifier, {440, 480}, 480},
-        {mainWindowIdentifier, {440, 1200}, 1200},       {mainWindowIdentifier, {-5, -5}, 480},
-        {mainWindowIdentifier, {none, none}, 480},       {mainWindowIdentifier, {huge, huge}, 1200},
-        {mainWindowIdentifier, {0, -infinite}, 480},     {alertsWindowIdentifier, {100, 100}, 360},
-        {alertsWindowIdentifier, {1600, 2000}, 900},     {alertsWindowIdentifier, {720, 500.5}, 500.5},
-        {alertsWindowIdentifier, {none, infinite}, 900},
+        {mainWindow.identifier, {300, 300}, 480},         {mainWindow.identifier, {900, 1500}, 1200},
+        {mainWindow.identifier, {440, 481}, 481},         {mainWindow.identifier, {440, 480}, 480},
+        {mainWindow.identifier, {440, 1200}, 1200},       {mainWindow.identifier, {-5, -5}, 480},
+        {mainWindow.identifier, {none, none}, 480},       {mainWindow.identifier, {huge, huge}, 1200},
+        {mainWindow.identifier, {0, -infinite}, 480},     {alertsWindow.identifier, {100, 100}, 360},
+        {alertsWindow.identifier, {1600, 2000}, 900},     {alertsWindow.identifier, {720, 500.5}, 500.5},
+        {alertsWindow.identifier, {none, infinite}, 900},
     };
     main.open();
     alerts.open();
     for (const Row& row : rows) {
         displays.resizeWindow(row.identifier, row.dragged);
-        const double width = row.identifier == mainWindowIdentifier ? 440.0 : 720.0;
+        const double width = row.identifier == mainWindow.identifier ? 440.0 : 720.0;
         EXPECT_EQ(contentSize(row.identifier), (Size{width, row.height}))
             << row.identifier << " dragged to " << row.dragged.width << " x " << row.dragged.height;
     }
-    const auto alertsState = window(alertsWindowIdentifier);
+    const auto alertsState = window(alertsWindow.identifier);
     EXPECT_EQ(alertsState.contentMinSize, (Size{720, 360})) << "for what asks no delegate";
     EXPECT_EQ(alertsState.contentMaxSize, (Size{720, 900}));
     EXPECT_EQ(alertsState.collectionBehavior, 512U) << "no full screen";
-    const auto before = window(mainWindowIdentifier).frame;
-    EXPECT_FALSE(displays.zoomWindow(mainWindowIdentifier)) << "zooming does nothing";
-    EXPECT_EQ(window(mainWindowIdentifier).frame, before);
+    const auto before = window(mainWindow.identifier).frame;
+    EXPECT_FALSE(displays.zoomWindow(mainWindow.identifier)) << "zooming does nothing";
+    EXPECT_EQ(window(mainWindow.identifier).frame, before);
 }
 
 TEST_F(ShellWindowsTest, HideInsteadOfClosingAndComeBackAsTheyWere)
 {
     main.open();
     const auto made = displays.windows().size();
-    displays.resizeWindow(mainWindowIdentifier, {440, 600});
-    displays.moveWindow(mainWindowIdentifier, 90, 80);
-    const auto frame = window(mainWindowIdentifier).frame;
+    displays.resizeWindow(mainWindow.identifier, {440, 600});
+    displays.moveWindow(mainWindow.identifier, 90, 80);
+    const auto frame = window(mainWindow.identifier).frame;
 
-    EXPECT_TRUE(displays.closeWindow(mainWindowIdentifier));
-    EXPECT_FALSE(window(mainWindowIdentifier).isVisible);
+    EXPECT_TRUE(displays.closeWindow(mainWindow.identifier));
+    EXPECT_FALSE(window(mainWindow.identifier).isVisible);
     main.open();
-    EXPECT_TRUE(window(mainWindowIdentifier).isVisible);
-    EXPECT_EQ(window(mainWindowIdentifier).frame, frame);
+    EXPECT_TRUE(window(mainWindow.identifier).isVisible);
+    EXPECT_EQ(window(mainWindow.identifier).frame, frame);
     EXPECT_EQ(displays.windows().size(), made) << "it is the same window";
 }
 
@@ -109,22 +106,22 @@ TEST_F(ShellWindowsTest, TheApplicationHasADockIconExactlyWhileOneOfThemIsVisibl
     main.open();
     EXPECT_TRUE(isRegular());
     EXPECT_TRUE(activation.isActive());
-    EXPECT_TRUE(window(mainWindowIdentifier).isKey);
+    EXPECT_TRUE(window(mainWindow.identifier).isKey);
     alerts.open();
-    EXPECT_TRUE(window(alertsWindowIdentifier).isKey);
+    EXPECT_TRUE(window(alertsWindow.identifier).isKey);
 
-    displays.closeWindow(alertsWindowIdentifier);
+    displays.closeWindow(alertsWindow.identifier);
     EXPECT_TRUE(isRegular()) << "the control panel is still there";
-    EXPECT_TRUE(window(mainWindowIdentifier).isKey);
-    displays.closeWindow(mainWindowIdentifier);
+    EXPECT_TRUE(window(mainWindow.identifier).isKey);
+    displays.closeWindow(mainWindow.identifier);
     EXPECT_FALSE(isRegular());
-    windows.hide(alertsWindowIdentifier);
+    windows.hide(alertsWindow.identifier);
     EXPECT_FALSE(isRegular());
 }
 
 TEST_F(ShellWindowsTest, ShowWhatChangedOnceATurnAndOnlyWhileVisible)
 {
-    const auto shown = [this] { return ui::visibleTexts(window(mainWindowIdentifier).content); };
+    const auto shown = [this] { return ui::visibleTexts(window(mainWindow.identifier).content); };
     main.contentChanged();
     machine.clock.runReady();
     EXPECT_EQ(drawn, 0) << "there is no window yet";
@@ -135,13 +132,13 @@ TEST_F(ShellWindowsTest, ShowWhatChangedOnceATurnAndOnlyWhileVisible)
     }
     machine.clock.runReady();
     EXPECT_THAT(shown(), ElementsAre("2"));
-    displays.closeWindow(mainWindowIdentifier);
+    displays.closeWindow(mainWindow.identifier);
     main.contentChanged();
     machine.clock.runReady();
     EXPECT_EQ(drawn, 2);
     main.open();
     EXPECT_THAT(shown(), ElementsAre("3"));
-    windows.find(mainWindowIdentifier)->orderOut(); // as the system does it when the application is hidden
+    windows.find(mainWindow.identifier)->orderOut(); // as the system does it when the application is hidden
     main.contentChanged();
     machine.clock.runReady();
     EXPECT_THAT(shown(), ElementsAre("4")) << "the system brings it back without a word";

@@ -34,7 +34,7 @@ std::string complaint(ui::Interaction outcome, std::string_view wanted)
 
 std::string_view identifierOf(ShellWindow window)
 {
-    return window == ShellWindow::main ? mainWindowIdentifier : alertsWindowIdentifier;
+    return window == ShellWindow::main ? mainWindow.identifier : alertsWindow.identifier;
 }
 
 std::string Person::perform(const UseMenu& action) const

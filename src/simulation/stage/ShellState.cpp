@@ -1,6 +1,6 @@
 #include "simulation/stage/ShellState.hpp"
 
-#include "app/ActivationPolicy.hpp"
+#include "ports/WindowConstants.hpp"
 #include "simulation/stage/MacSession.hpp"
 #include "simulation/stage/Person.hpp"
 #include "ui/Description.hpp"
@@ -81,7 +81,7 @@ void addShell(Json& state, MacSession& session)
 {
     SimulatedMac& mac = session.mac();
     const bool isRunning = session.app() != nullptr;
-    const bool isRegular = mac.application.activationPolicy() == regularActivationPolicy;
+    const bool isRegular = mac.application.activationPolicy() == ports::regularActivationPolicy;
     addItem(state, mac.statusBar.item());
     state["window"] = {{"main", windowOf(mac.displays, ShellWindow::main)},
                        {"alerts", windowOf(mac.displays, ShellWindow::alerts)}};
