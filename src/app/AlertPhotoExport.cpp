@@ -165,11 +165,4 @@ void AlertPhotoExport::finish(std::string title, const Written& written)
     changed();
 }
 
-void AlertPhotoExport::changed()
-{
-    if (onChange) {
-        onChange();
-    }
-}
-
 } // namespace sentrel

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/ChangeReporter.hpp"
 #include "core/AlertEvent.hpp"
 #include "foundation/Bytes.hpp"
 #include "runtime/DetachedWork.hpp"
@@ -7,7 +8,6 @@
 #include "runtime/Weak.hpp"
 
 #include <filesystem>
-#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -26,8 +26,8 @@ class SavePanels;
 } // namespace ports
 
 /// Exports an alert's photo as a JPEG file: to the preview panel, or to a place that the user chooses. One at a time.
-/// Main actor.
-class AlertPhotoExport {
+/// Reports changes of `isBusy` and `failure`. Main actor.
+class AlertPhotoExport final : public ChangeReporter {
 public:
     using Photo = std::shared_ptr<const Bytes>;
 
@@ -41,16 +41,12 @@ public:
     };
 
     AlertPhotoExport(MainActor actor, AlertPhotoPreview& preview, Ports ports);
-    AlertPhotoExport(const AlertPhotoExport&) = delete;
 
     /// The reason why the export failed, for the user.
     struct Failure {
         std::string title;
         std::string message;
     };
-
-    /// Called when `isBusy` or `failure` has changed.
-    std::function<void()> onChange;
 
     [[nodiscard]] bool isBusy() const { return isBusy_; }
     [[nodiscard]] const std::optional<Failure>& failure() const { return failure_; }
@@ -75,7 +71,6 @@ private:
                                       std::optional<std::uint32_t> mode, Photo photo);
     void start(Async<void> work);
     void finish(std::string title, const Written& written);
-    void changed();
 
     MainActor actor_;
     AlertPhotoPreview& preview_;

@@ -76,11 +76,4 @@ void LoginItemToggle::write(bool isOn)
     changed();
 }
 
-void LoginItemToggle::changed()
-{
-    if (onChange) {
-        onChange();
-    }
-}
-
 } // namespace sentrel

@@ -1,10 +1,10 @@
 #pragma once
 
+#include "app/ChangeReporter.hpp"
 #include "runtime/Weak.hpp"
 #include "ui/View.hpp"
 
 #include <cstdint>
-#include <functional>
 #include <optional>
 #include <string>
 
@@ -18,13 +18,9 @@ class LoginItem;
 } // namespace ports
 
 /// The toggle for opening the application at login, and a notice when the system refuses. Main actor.
-class LoginItemToggle {
+class LoginItemToggle final : public ChangeReporter {
 public:
     LoginItemToggle(ports::LoginItem& loginItem, ProtectedActions& protectedActions, ports::Language& language);
-    LoginItemToggle(const LoginItemToggle&) = delete;
-
-    /// Called after each change of what is shown.
-    std::function<void()> onChange;
 
     /// Reads the state again: the user may have changed it in the system's settings.
     void refresh();
@@ -38,7 +34,6 @@ private:
     [[nodiscard]] bool isRegistered() const;
     void set(bool isOn);
     void write(bool isOn);
-    void changed();
 
     ports::LoginItem& loginItem_;
     ProtectedActions& protectedActions_;

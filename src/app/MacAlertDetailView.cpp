@@ -177,11 +177,4 @@ void MacAlertDetailView::forgetFailure()
     export_.forgetFailure();
 }
 
-void MacAlertDetailView::changed()
-{
-    if (onChange) {
-        onChange();
-    }
-}
-
 } // namespace sentrel

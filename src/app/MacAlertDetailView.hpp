@@ -2,13 +2,13 @@
 
 #include "alerts/AlertRow.hpp"
 #include "app/AlertPhotoExport.hpp"
+#include "app/ChangeReporter.hpp"
 #include "foundation/UUID.hpp"
 #include "runtime/MainActor.hpp"
 #include "runtime/Weak.hpp"
 #include "ui/View.hpp"
 
 #include <cstdint>
-#include <functional>
 #include <optional>
 
 namespace sentrel {
@@ -16,14 +16,10 @@ namespace sentrel {
 class MacAlertsService;
 
 /// One alert with its photo. Main actor.
-class MacAlertDetailView {
+class MacAlertDetailView final : public ChangeReporter {
 public:
     MacAlertDetailView(MainActor actor, MacAlertsService& alerts, AlertPhotoPreview& preview,
                        AlertPhotoExport::Ports ports);
-    MacAlertDetailView(const MacAlertDetailView&) = delete;
-
-    /// Called after each change of what is shown.
-    std::function<void()> onChange;
 
     /// Shows this alert, or none. Loads the photo if the alert is another one than before.
     void show(const std::optional<AlertRow>& row);
@@ -52,7 +48,6 @@ private:
     void preview();
     void download();
     void forgetFailure();
-    void changed();
 
     MainActor actor_;
     MacAlertsService& alerts_;

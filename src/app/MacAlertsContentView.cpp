@@ -253,16 +253,4 @@ void MacAlertsContentView::closeConfirmation()
     changed();
 }
 
-template <class T> void MacAlertsContentView::follow(Observable<T>& observable)
-{
-    observations_.push_back(observable.observe([this](const T&) { changed(); }));
-}
-
-void MacAlertsContentView::changed()
-{
-    if (onChange) {
-        onChange();
-    }
-}
-
 } // namespace sentrel

@@ -1,13 +1,12 @@
 #pragma once
 
 #include "app/AlertListRows.hpp"
+#include "app/ChangeReporter.hpp"
 #include "app/MacAlertDetailView.hpp"
 #include "ports/Registration.hpp"
-#include "runtime/Observable.hpp"
 #include "runtime/Weak.hpp"
 #include "ui/View.hpp"
 
-#include <functional>
 #include <set>
 #include <string>
 #include <string_view>
@@ -20,7 +19,7 @@ class ApplicationNotifications;
 }
 
 /// The alerts window: the list of alerts, and the detail of the selection. Main actor.
-class MacAlertsContentView {
+class MacAlertsContentView final : public ChangeReporter {
 public:
     struct Collaborators {
         MainActor actor;
@@ -36,10 +35,6 @@ public:
     };
 
     explicit MacAlertsContentView(Collaborators collaborators);
-    MacAlertsContentView(const MacAlertsContentView&) = delete;
-
-    /// Called after each change of what is shown.
-    std::function<void()> onChange;
 
     /// Call when the window is about to be shown: updates the list.
     void appeared();
@@ -65,8 +60,6 @@ private:
     void askToDelete();
     void deleteSelected();
     void closeConfirmation();
-    template <class T> void follow(Observable<T>& observable);
-    void changed();
 
     Collaborators with_;
     AlertListRows rows_;
@@ -74,7 +67,6 @@ private:
     std::set<std::string> selection_;
     bool isConfirmingDeletion_ = false;
     bool isSidebarShown_ = true;
-    std::vector<Observation> observations_;
     std::vector<ports::RegistrationPtr> registrations_;
     WeakAnchor<MacAlertsContentView> anchor_{*this};
 };

@@ -187,16 +187,4 @@ std::string MacContentView::localized(std::string_view text)
     return with_.language.localized(text);
 }
 
-template <class T> void MacContentView::follow(Observable<T>& observable)
-{
-    observations_.push_back(observable.observe([this](const T&) { changed(); }));
-}
-
-void MacContentView::changed()
-{
-    if (onChange) {
-        onChange();
-    }
-}
-
 } // namespace sentrel

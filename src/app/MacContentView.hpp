@@ -1,16 +1,14 @@
 #pragma once
 
+#include "app/ChangeReporter.hpp"
 #include "app/PasswordSetupSection.hpp"
 #include "app/SettingsEditor.hpp"
 #include "app/StopAlarmButton.hpp"
 #include "runtime/MainActor.hpp"
-#include "runtime/Observable.hpp"
 #include "ui/View.hpp"
 
-#include <functional>
 #include <optional>
 #include <string>
-#include <vector>
 
 namespace sentrel {
 
@@ -22,7 +20,7 @@ class SettingsStore;
 class UnlockPasscodeStore;
 
 /// The control panel: the alarm's status and every setting. Main actor.
-class MacContentView {
+class MacContentView final : public ChangeReporter {
 public:
     struct Collaborators {
         MainActor actor;
@@ -36,10 +34,6 @@ public:
     };
 
     MacContentView(Collaborators collaborators, bool isComputerCompatible);
-    MacContentView(const MacContentView&) = delete;
-
-    /// Called after each change of what is shown.
-    std::function<void()> onChange;
 
     /// Call when the window is about to be shown.
     void appeared();
@@ -56,15 +50,12 @@ private:
     [[nodiscard]] ui::View security();
     [[nodiscard]] ui::View iCloud();
     [[nodiscard]] std::string localized(std::string_view text);
-    template <class T> void follow(Observable<T>& observable);
-    void changed();
 
     Collaborators with_;
     const bool isComputerCompatible_;
     SettingsEditor editor_;
     StopAlarmButton stopButton_;
     PasswordSetupSection passwordSection_;
-    std::vector<Observation> observations_;
 };
 
 } // namespace sentrel

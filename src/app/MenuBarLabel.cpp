@@ -6,15 +6,9 @@
 namespace sentrel {
 
 MenuBarLabel::MenuBarLabel(AlarmCoordinator& coordinator, bool isComputerCompatible, ports::Language& language)
-    : coordinator_(coordinator),
-      isComputerCompatible_(isComputerCompatible),
-      language_(language),
-      observation_(coordinator.isArmed.observe([this](bool) {
-          if (onChange) {
-              onChange();
-          }
-      }))
+    : coordinator_(coordinator), isComputerCompatible_(isComputerCompatible), language_(language)
 {
+    follow(coordinator.isArmed);
 }
 
 std::string MenuBarLabel::image() const

@@ -1,8 +1,8 @@
 #pragma once
 
+#include "app/ChangeReporter.hpp"
 #include "runtime/Observable.hpp"
 
-#include <functional>
 #include <string>
 
 namespace sentrel {
@@ -14,13 +14,9 @@ class Language;
 }
 
 /// The menu bar icon, which shows whether the Mac is armed. Main actor.
-class MenuBarLabel {
+class MenuBarLabel final : public ChangeReporter {
 public:
     MenuBarLabel(AlarmCoordinator& coordinator, bool isComputerCompatible, ports::Language& language);
-    MenuBarLabel(const MenuBarLabel&) = delete;
-
-    /// Called after each change of what is shown.
-    std::function<void()> onChange;
 
     /// The name of the image asset.
     [[nodiscard]] std::string image() const;
@@ -34,7 +30,6 @@ private:
     AlarmCoordinator& coordinator_;
     const bool isComputerCompatible_;
     ports::Language& language_;
-    Observation observation_;
 };
 
 } // namespace sentrel

@@ -31,9 +31,8 @@ MenuBarView::MenuBarView(Collaborators collaborators, bool isComputerCompatible,
         with_.coordinator.syncWithSettings(settings);
         changed();
     }));
-    const auto follow = [this](bool) { changed(); };
-    observations_.push_back(with_.coordinator.isArmed.observe(follow));
-    observations_.push_back(with_.coordinator.isAlarmActive.observe(follow));
+    follow(with_.coordinator.isArmed);
+    follow(with_.coordinator.isAlarmActive);
 }
 
 void MenuBarView::appeared()
@@ -141,13 +140,6 @@ void MenuBarView::open(const std::string& name, const std::function<void()>& ope
 void MenuBarView::quit()
 {
     actions_.quit();
-}
-
-void MenuBarView::changed()
-{
-    if (onChange) {
-        onChange();
-    }
 }
 
 } // namespace sentrel

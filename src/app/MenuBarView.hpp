@@ -1,14 +1,13 @@
 #pragma once
 
+#include "app/ChangeReporter.hpp"
 #include "app/LoginItemToggle.hpp"
 #include "app/StopAlarmButton.hpp"
-#include "runtime/Observable.hpp"
 #include "runtime/Weak.hpp"
 #include "ui/View.hpp"
 
 #include <functional>
 #include <string>
-#include <vector>
 
 namespace sentrel {
 
@@ -18,7 +17,7 @@ class SettingsStore;
 class WindowHooks;
 
 /// The menu of the menu bar's item. Also makes the coordinator follow every change of the settings. Main actor.
-class MenuBarView {
+class MenuBarView final : public ChangeReporter {
 public:
     struct Collaborators {
         SettingsStore& settings;
@@ -38,10 +37,6 @@ public:
     };
 
     MenuBarView(Collaborators collaborators, bool isComputerCompatible, Actions actions);
-    MenuBarView(const MenuBarView&) = delete;
-
-    /// Called after each change of what is shown.
-    std::function<void()> onChange;
 
     /// Call when the scene exists: applies the current settings to the coordinator and installs the window hooks.
     void appeared();
@@ -60,14 +55,12 @@ private:
     void showSettings();
     void open(const std::string& name, const std::function<void()>& openWindow);
     void quit();
-    void changed();
 
     Collaborators with_;
     const bool isComputerCompatible_;
     Actions actions_;
     LoginItemToggle openAtLogin_;
     StopAlarmButton stopButton_;
-    std::vector<Observation> observations_;
     WeakAnchor<MenuBarView> anchor_{*this};
 };
 

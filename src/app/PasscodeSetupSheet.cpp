@@ -159,11 +159,4 @@ Async<void> PasscodeSetupSheet::store(SecretText passcode)
     dismiss();
 }
 
-void PasscodeSetupSheet::changed()
-{
-    if (onChange) {
-        onChange();
-    }
-}
-
 } // namespace sentrel

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/ChangeReporter.hpp"
 #include "foundation/SecretText.hpp"
 #include "runtime/DetachedWork.hpp"
 #include "runtime/MainActor.hpp"
@@ -22,7 +23,7 @@ class Language;
 
 /// The sheet that sets or changes the unlock passcode; saving requires the login on an armed Mac. Closing it while it
 /// saves leaves the passcode unchanged. Main actor.
-class PasscodeSetupSheet {
+class PasscodeSetupSheet final : public ChangeReporter {
 public:
     /// The minimum length of a passcode, in characters.
     static constexpr std::int64_t minimumLength = 4;
@@ -37,10 +38,6 @@ public:
 
     /// `onSaved` is called after a successful save, before `dismiss`, which may destroy the sheet.
     PasscodeSetupSheet(Collaborators collaborators, std::function<void()> onSaved, std::function<void()> dismiss);
-    PasscodeSetupSheet(const PasscodeSetupSheet&) = delete;
-
-    /// Called after each change of what is shown.
-    std::function<void()> onChange;
 
     [[nodiscard]] ui::View body();
 
@@ -55,7 +52,6 @@ private:
     void saveNow();
     [[nodiscard]] std::optional<std::string> mistake();
     Async<void> store(SecretText passcode);
-    void changed();
 
     Collaborators with_;
     std::function<void()> onSaved_;

@@ -19,16 +19,12 @@ constexpr SettingsEditor::Range delayRange{0.0, 30.0, std::nullopt}; // seconds
 
 PasswordSetupSection::PasswordSetupSection(MainActor actor, SettingsEditor& editor, UnlockPasscodeStore& passcodes,
                                            ports::Language& language)
-    : actor_(actor),
-      editor_(editor),
-      passcodes_(passcodes),
-      language_(language),
-      derivations_(actor.scheduler()),
-      observation_(passcodes.isPasscodeSet.observe([this](bool isSet) {
-          hasPasscode_ = isSet;
-          changed();
-      }))
+    : actor_(actor), editor_(editor), passcodes_(passcodes), language_(language), derivations_(actor.scheduler())
 {
+    observations_.push_back(passcodes.isPasscodeSet.observe([this](bool isSet) {
+        hasPasscode_ = isSet;
+        changed();
+    }));
 }
 
 void PasswordSetupSection::appeared()
@@ -119,7 +115,7 @@ void PasswordSetupSection::openSheet()
     passcodeSheet_ = std::make_unique<PasscodeSetupSheet>(
         PasscodeSetupSheet::Collaborators{actor_, passcodes_, derivations_, language_, editor_},
         weakAction(weak, &PasswordSetupSection::readPasscode), weakAction(weak, &PasswordSetupSection::closeSheet));
-    passcodeSheet_->onChange = weakAction(weak, &PasswordSetupSection::changed);
+    passcodeSheet_->onChange = [this] { changed(); };
     changed();
 }
 
@@ -155,13 +151,6 @@ void PasswordSetupSection::closeConfirmation()
 void PasswordSetupSection::readPasscode()
 {
     hasPasscode_ = passcodes_.hasPasscode();
-}
-
-void PasswordSetupSection::changed()
-{
-    if (onChange) {
-        onChange();
-    }
 }
 
 } // namespace sentrel

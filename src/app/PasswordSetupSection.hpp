@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/ChangeReporter.hpp"
 #include "app/PasscodeSetupSheet.hpp"
 #include "runtime/DetachedWork.hpp"
 #include "runtime/MainActor.hpp"
@@ -7,10 +8,8 @@
 #include "runtime/Weak.hpp"
 #include "ui/View.hpp"
 
-#include <functional>
 #include <memory>
 #include <string>
-#include <vector>
 
 namespace sentrel {
 
@@ -21,15 +20,11 @@ namespace ports {
 class Language;
 }
 
-/// The unlock passcode and the lock screen in the control panel. Main actor.
-class PasswordSetupSection {
+/// The unlock passcode and the lock screen in the control panel. Doesn't report changes of the settings. Main actor.
+class PasswordSetupSection final : public ChangeReporter {
 public:
     PasswordSetupSection(MainActor actor, SettingsEditor& editor, UnlockPasscodeStore& passcodes,
                          ports::Language& language);
-    PasswordSetupSection(const PasswordSetupSection&) = delete;
-
-    /// Called after each change of what is shown, except of the settings.
-    std::function<void()> onChange;
 
     /// Call when the section is about to be shown: reads whether the keychain has a passcode.
     void appeared();
@@ -48,7 +43,6 @@ private:
     void openSheet();
     void closeSheet();
     void readPasscode();
-    void changed();
 
     MainActor actor_;
     SettingsEditor& editor_;
@@ -58,7 +52,6 @@ private:
     bool showingRemoveConfirmation_ = false;
     DetachedWork derivations_;
     std::unique_ptr<PasscodeSetupSheet> passcodeSheet_; ///< null unless shown
-    Observation observation_;
     WeakAnchor<PasswordSetupSection> anchor_{*this};
 };
 

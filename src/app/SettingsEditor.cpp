@@ -102,8 +102,8 @@ void SettingsEditor::change(const AlarmSettingsField& field, Value value)
             editor->writeWish(field);
         }
     });
-    if (wishes_.contains(field.name) && onChange) {
-        onChange();
+    if (wishes_.contains(field.name)) {
+        changed();
     }
 }
 

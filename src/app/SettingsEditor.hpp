@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/ChangeReporter.hpp"
 #include "core/AlarmSettings.hpp"
 #include "runtime/Weak.hpp"
 #include "ui/View.hpp"
@@ -18,15 +19,11 @@ class ProtectedActions;
 class SettingsStore;
 
 /// Controls that write settings as soon as the user changes them. A change that loosens the protection of an armed Mac
-/// is written only after the login; until then, and when the login fails, the control shows the stored value. Main
-/// actor.
-class SettingsEditor {
+/// is written only after the login; until then, and when the login fails, the control shows the stored value. Reports a
+/// change when it must show that again although the settings have not changed. Main actor.
+class SettingsEditor final : public ChangeReporter {
 public:
     SettingsEditor(SettingsStore& settings, AlarmCoordinator& coordinator, ProtectedActions& protectedActions);
-    SettingsEditor(const SettingsEditor&) = delete;
-
-    /// Called when a control must show the stored value again although that has not changed.
-    std::function<void()> onChange;
 
     [[nodiscard]] const AlarmSettings& settings() const;
 
