@@ -21,9 +21,6 @@ using namespace std::chrono_literals;
 
 namespace {
 
-/// Deletions per deadline: each batch's results are stored before the next one begins.
-constexpr std::size_t batchSize = 200;
-
 /// Bounds of the wait between retries.
 constexpr Duration shortestRetryDelay = 30s;
 constexpr Duration longestRetryDelay = 300s;
@@ -353,18 +350,19 @@ Async<void> AlertOutbox::deletePending()
         ensureRetry();
         co_return;
     }
+    std::vector<UUID> ids = deletableIDs();
     bool mayGoOn = true;
-    const std::vector<UUID> ids = deletableIDs();
-    for (std::size_t begin = 0; mayGoOn && begin < ids.size() && !cloud_.isThrottled(); begin += batchSize) {
-        const auto first = ids.begin() + static_cast<std::ptrdiff_t>(begin);
-        const auto last = ids.begin() + static_cast<std::ptrdiff_t>(std::min(begin + batchSize, ids.size()));
-        std::unordered_set<UUID> batch(first, last);
+    while (mayGoOn && !ids.empty() && !cloud_.isThrottled()) {
+        const auto end =
+            ids.begin() + static_cast<std::ptrdiff_t>(std::min(ids.size(), CloudKitService::mostDeletions));
+        std::unordered_set<UUID> batch(ids.begin(), end);
+        ids.erase(ids.begin(), end);
         mayGoOn = co_await deleteBatch(std::move(batch));
     }
     ensureRetry();
 }
 
-/// False when the network fails, or the user has changed.
+/// Stores the results before the next batch begins. False when the network fails, or the user has changed.
 Async<bool> AlertOutbox::deleteBatch(std::unordered_set<UUID> ids)
 {
     const std::size_t count = ids.size();

@@ -15,14 +15,22 @@ namespace sentrel {
 
 namespace {
 
-/// Records per request; the server accepts 400.
-constexpr std::size_t batchSize = 200;
-
 using ItemErrors = std::map<std::string, ports::CloudError>;
 
-bool isThrottled(const ItemErrors& errors)
+/// The errors of the records that are still in the database.
+ItemErrors errorsOf(const ports::CloudModification& answer, const std::unordered_set<UUID>& ids)
 {
-    return std::ranges::any_of(errors, [](const auto& entry) { return isThrottlingError(entry.second); });
+    ItemErrors errors;
+    for (const UUID& id : ids) {
+        const auto found = answer.deleted.find(id.text());
+        if (found == answer.deleted.end()) {
+            errors.emplace(id.text(), ports::CloudError{ports::cloudErrorDomain, CloudErrorCode::internalError,
+                                                        "the server's answer omits the record"});
+        } else if (found->second && !isCloudKitError(*found->second, CloudErrorCode::unknownItem)) {
+            errors.emplace(id.text(), *found->second);
+        }
+    }
+    return errors;
 }
 
 /// Combines the errors of a request's records.
@@ -160,56 +168,33 @@ Async<std::optional<Bytes>> CloudAlerts::photo(UUID id)
 
 Async<CloudAlerts::Deletion> CloudAlerts::remove(std::unordered_set<UUID> ids)
 {
-    Deletion deletion;
-    ItemErrors errors;
-    const std::vector<UUID> all{ids.begin(), ids.end()};
-    for (std::size_t start = 0; start < all.size() && !isThrottled(errors); start += batchSize) {
-        const auto first = all.begin() + static_cast<std::ptrdiff_t>(start);
-        const auto last = all.begin() + static_cast<std::ptrdiff_t>(std::min(start + batchSize, all.size()));
-        std::vector<UUID> batch{first, last};
-        try {
-            co_await removeBatch(std::move(batch), deletion.gone, errors);
-        } catch (const ports::CloudError&) {
-            deletion.error = std::current_exception();
-            break; // the remaining batches would fail too
-        }
-    }
-    if (deletion.error != nullptr) {
-        co_await cache_.flush();
-    } else {
-        deletion.throttling = co_await settleDebts(std::nullopt);
-    }
-    if (deletion.error == nullptr && !errors.empty()) {
-        deletion.error = std::make_exception_ptr(errorOf(errors));
-    }
-    co_return deletion;
-}
-
-Async<void> CloudAlerts::removeBatch(std::vector<UUID> ids, std::unordered_set<UUID>& gone, ItemErrors& errors)
-{
     const auto changes = cache_.watch();
     std::vector<std::string> names;
     std::ranges::transform(ids, std::back_inserter(names), [](const UUID& id) { return id.text(); });
     std::vector<ports::CloudRecord> nothing;
-    const auto answer = co_await ports_.database.modify(std::move(nothing), std::move(names),
-                                                        ports::CloudSavePolicy::ifServerRecordUnchanged, false);
-    std::unordered_set<UUID> goneNow;
-    for (const UUID& id : ids) {
-        const std::string name = id.text();
-        const auto found = answer.deleted.find(name);
-        if (found == answer.deleted.end()) {
-            errors.emplace(name, ports::CloudError{ports::cloudErrorDomain, CloudErrorCode::internalError,
-                                                   "the server's answer omits the record"});
-        } else if (found->second && !isCloudKitError(*found->second, CloudErrorCode::unknownItem)) {
-            errors.emplace(name, *found->second);
-        } else {
-            goneNow.insert(id);
-        }
+    Deletion deletion;
+    ports::CloudModification answer;
+    try {
+        answer = co_await ports_.database.modify(std::move(nothing), std::move(names),
+                                                 ports::CloudSavePolicy::ifServerRecordUnchanged, false);
+    } catch (const ports::CloudError&) {
+        deletion.error = std::current_exception();
     }
-    if (!changes->isAnotherUser && !goneNow.empty()) {
-        forget(goneNow);
+    if (deletion.error != nullptr) {
+        co_await cache_.flush();
+        co_return deletion;
     }
-    gone.merge(goneNow);
+    const ItemErrors errors = errorsOf(answer, ids);
+    std::ranges::copy_if(ids, std::inserter(deletion.gone, deletion.gone.end()),
+                         [&](const UUID& id) { return !errors.contains(id.text()); });
+    if (!changes->isAnotherUser && !deletion.gone.empty()) {
+        forget(deletion.gone);
+    }
+    if (!errors.empty()) {
+        deletion.error = std::make_exception_ptr(errorOf(errors));
+    }
+    deletion.throttling = co_await settleDebts(std::nullopt);
+    co_return deletion;
 }
 
 void CloudAlerts::forget(const std::unordered_set<UUID>& ids)

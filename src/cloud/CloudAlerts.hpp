@@ -9,7 +9,6 @@
 
 #include <exception>
 #include <filesystem>
-#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -60,7 +59,7 @@ public:
     [[nodiscard]] Async<Throttling> refresh();
     [[nodiscard]] Async<std::optional<Bytes>> photo(UUID id);
 
-    /// Throws only a `CancellationError`.
+    /// In one request. Throws only a `CancellationError`.
     [[nodiscard]] Async<Deletion> remove(std::unordered_set<UUID> ids);
 
     /// `setOwner` names the user once known; `startOver` drops everything for another user.
@@ -69,8 +68,6 @@ public:
 
 private:
     [[nodiscard]] Async<void> save(ports::CloudRecord record);
-    [[nodiscard]] Async<void> removeBatch(std::vector<UUID> ids, std::unordered_set<UUID>& gone,
-                                          std::map<std::string, ports::CloudError>& errors);
     [[nodiscard]] Async<Throttling> settleDebts(std::optional<ports::CloudRecord> catalog);
     void forget(const std::unordered_set<UUID>& ids);
 

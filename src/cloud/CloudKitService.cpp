@@ -96,23 +96,18 @@ Async<bool> CloudKitService::refreshAvailability(bool force)
 
 Async<bool> CloudKitService::checkAvailability(bool force)
 {
-    bool isUsable = false;
+    return trueInTime(refreshAvailability(force));
+}
+
+Async<bool> CloudKitService::trueInTime(Async<bool> question)
+{
+    bool isTrue = false;
     try {
-        isUsable = co_await AsyncTimeout::run(actor_, cloudTimeLimit, refreshAvailability(force));
+        isTrue = co_await AsyncTimeout::run(actor_, cloudTimeLimit, std::move(question));
     } catch (const AsyncTimeout::TimedOut& error) {
         recordSyncFailure(error);
     }
-    co_return isUsable;
-}
-
-std::optional<ports::CloudAccountStatus> CloudKitService::lastAccountStatus() const
-{
-    return lastAccountStatus_;
-}
-
-std::optional<Date> CloudKitService::availabilityCacheExpiry() const
-{
-    return availabilityCacheExpiry_;
+    co_return isTrue;
 }
 
 void CloudKitService::networkPathChanged(bool isSatisfied)
@@ -166,13 +161,7 @@ Async<bool> CloudKitService::verifyCacheOwner()
 
 Async<bool> CloudKitService::checkCacheOwner()
 {
-    bool hasChanged = false;
-    try {
-        hasChanged = co_await AsyncTimeout::run(actor_, cloudTimeLimit, verifyCacheOwner());
-    } catch (const AsyncTimeout::TimedOut& error) {
-        recordSyncFailure(error);
-    }
-    co_return hasChanged;
+    return trueInTime(verifyCacheOwner());
 }
 
 std::string CloudKitService::cacheOwner() const
@@ -357,16 +346,6 @@ Async<void> CloudKitService::ensureSubscriptions()
     if (isAvailable) {
         co_await subscriptions_.ensure();
     }
-}
-
-bool CloudKitService::macCommandSubscriptionEnsured() const
-{
-    return subscriptions_.macCommandSubscriptionEnsured();
-}
-
-std::optional<std::string> CloudKitService::pushSubscriptionError() const
-{
-    return subscriptions_.pushSubscriptionError();
 }
 
 } // namespace sentrel

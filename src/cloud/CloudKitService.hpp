@@ -11,6 +11,7 @@
 #include "runtime/MainActor.hpp"
 #include "runtime/Observable.hpp"
 
+#include <cstddef>
 #include <cstdint>
 #include <exception>
 #include <memory>
@@ -69,8 +70,8 @@ public:
     /// The same within `cloudTimeLimit`; a missed deadline counts as unavailable and is recorded as a failure.
     [[nodiscard]] Async<bool> checkAvailability(bool force = false);
 
-    [[nodiscard]] std::optional<ports::CloudAccountStatus> lastAccountStatus() const;
-    [[nodiscard]] std::optional<Date> availabilityCacheExpiry() const;
+    [[nodiscard]] std::optional<ports::CloudAccountStatus> lastAccountStatus() const { return lastAccountStatus_; }
+    [[nodiscard]] std::optional<Date> availabilityCacheExpiry() const { return availabilityCacheExpiry_; }
 
     /// Call when the network path becomes usable or is lost, which limits a cached availability to 20 s.
     void networkPathChanged(bool isSatisfied);
@@ -126,7 +127,10 @@ public:
     /// Fetches the alert's photo; none when it has no readable photo. Throws the request's error.
     [[nodiscard]] Async<std::optional<Bytes>> alertPhoto(UUID id);
 
-    /// Deletes alerts from the cloud, in batches. Returns those that the cloud no longer holds, including earlier
+    /// Alerts that one call may delete; the server takes 400 records a request.
+    static constexpr std::size_t mostDeletions = 200;
+
+    /// Deletes alerts from the cloud. Returns those that the cloud no longer holds, including earlier
     /// deletions. Reports failures through `recordSyncFailure`, and throws only a `CancellationError`.
     [[nodiscard]] Async<std::unordered_set<UUID>> deleteAlerts(std::unordered_set<UUID> ids);
 
@@ -140,10 +144,15 @@ public:
     /// Saves the two push subscriptions, once per run and user, after any backoff. Does nothing while the account is
     /// not available. Never throws, but for a `CancellationError`.
     [[nodiscard]] Async<void> ensureSubscriptions();
-    [[nodiscard]] bool macCommandSubscriptionEnsured() const;
-    [[nodiscard]] std::optional<std::string> pushSubscriptionError() const;
+    [[nodiscard]] bool macCommandSubscriptionEnsured() const { return subscriptions_.macCommandSubscriptionEnsured(); }
+    [[nodiscard]] std::optional<std::string> pushSubscriptionError() const
+    {
+        return subscriptions_.pushSubscriptionError();
+    }
 
 private:
+    /// The answer within `cloudTimeLimit`; a missed deadline means false and is recorded as a failure.
+    [[nodiscard]] Async<bool> trueInTime(Async<bool> question);
     void trustAvailabilityAtMost(double seconds);
     void recordSync(const std::optional<ports::CloudError>& throttling);
     [[nodiscard]] Async<void> listInCatalog(std::string deviceID);
