@@ -81,7 +81,15 @@ public:
         co_return race->take();
     }
 
+    /// Waits at most `timeout` for the task's end. Returns its value or throws as above; never cancels the task.
+    template <class T> static Async<T> wait(MainActor actor, Duration timeout, Task<T> task)
+    {
+        return run(actor, timeout, endOf(std::move(task)));
+    }
+
 private:
+    template <class T> static Async<T> endOf(Task<T> task) { co_return co_await task; }
+
     /// A cancelled sleep ends the timer silently: a task's error reaches only its awaiter.
     template <class T> static Async<void> expire(std::shared_ptr<Race<T>> race, Task<T> operation, Duration timeout)
     {

@@ -66,16 +66,7 @@ void CloudKitConnectionMonitor::pathChanged(const Weak<CloudKitConnectionMonitor
         }
         sequence = ++pathSequence_;
     }
-    actor_.spawn(deliver(weak, status, sequence));
-}
-
-Async<void> CloudKitConnectionMonitor::deliver(Weak<CloudKitConnectionMonitor> weak, ports::NetworkPathStatus status,
-                                               std::int64_t sequence)
-{
-    if (CloudKitConnectionMonitor* const self = weak.get()) {
-        self->apply(status, sequence);
-    }
-    co_return;
+    actor_.spawn(callIfAlive(weak, &CloudKitConnectionMonitor::apply, status, sequence));
 }
 
 void CloudKitConnectionMonitor::apply(ports::NetworkPathStatus status, std::int64_t sequence)

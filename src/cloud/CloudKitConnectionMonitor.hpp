@@ -50,8 +50,6 @@ public:
 
 private:
     void pathChanged(const Weak<CloudKitConnectionMonitor>& weak, ports::NetworkPathStatus status);
-    static Async<void> deliver(Weak<CloudKitConnectionMonitor> weak, ports::NetworkPathStatus status,
-                               std::int64_t sequence);
     void apply(ports::NetworkPathStatus status, std::int64_t sequence);
     static Async<void> debounce(Weak<CloudKitConnectionMonitor> weak);
     void accountDidChange();

@@ -24,11 +24,6 @@ namespace {
 constexpr const char* deviceIDKey = "sentrel.macDeviceID";
 constexpr const char* unnamedComputer = "Mac";
 
-Async<void> endOf(Task<void> task)
-{
-    co_await task;
-}
-
 } // namespace
 
 MacPresenceService::MacPresenceService(MainActor actor, bool isCompatibleComputer, CloudKitService& cloud,
@@ -138,7 +133,7 @@ Async<void> MacPresenceService::publishAfter(Task<void> predecessor)
 Async<void> MacPresenceService::waitBriefly(Task<void> publication)
 {
     try {
-        co_await AsyncTimeout::run(actor_, longestWaitForPublication, endOf(publication));
+        co_await AsyncTimeout::wait(actor_, longestWaitForPublication, publication);
     } catch (const AsyncTimeout::TimedOut&) {
         publication.cancel();
     }

@@ -1,6 +1,7 @@
 #include "outputs/AlarmSoundPlayer.hpp"
 
 #include "foundation/Quietly.hpp"
+#include "runtime/WeakCall.hpp"
 
 #include <utility>
 
@@ -10,18 +11,17 @@ AlarmSoundPlayer::AlarmSoundPlayer(MainActor mainActor, const AlarmSoundServices
     : worker_(mainActor.scheduler(), services,
               [mainActor, weak = anchor_.weak(), &language = services.language](std::string_view message) {
                   const std::string translated = quietly([&] { return language.localized(message); });
-                  mainActor.spawn(deliver(weak, translated.empty() ? std::string{message} : translated));
+                  mainActor.spawn(callIfAlive(weak, &AlarmSoundPlayer::report,
+                                              translated.empty() ? std::string{message} : translated));
               })
 {
 }
 
-Async<void> AlarmSoundPlayer::deliver(Weak<AlarmSoundPlayer> weak, std::string message)
+void AlarmSoundPlayer::report(std::string message)
 {
-    AlarmSoundPlayer* const player = weak.get();
-    if (player != nullptr && player->onPlaybackDegraded) {
-        player->onPlaybackDegraded(message);
+    if (onPlaybackDegraded) {
+        onPlaybackDegraded(message);
     }
-    co_return;
 }
 
 } // namespace sentrel

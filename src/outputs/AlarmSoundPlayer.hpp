@@ -31,7 +31,7 @@ public:
     void restoreLeftoverState() { worker_.restoreLeftoverState(); }
 
 private:
-    static Async<void> deliver(Weak<AlarmSoundPlayer> weak, std::string message);
+    void report(std::string message);
 
     // Declared before the worker, which holds a weak handle: the worker is destroyed before the handles are cut.
     WeakAnchor<AlarmSoundPlayer> anchor_{*this};

@@ -2,6 +2,7 @@
 
 #include "ports/SystemConstants.hpp"
 #include "runtime/AssertOnMainActor.hpp"
+#include "runtime/WeakCall.hpp"
 
 namespace sentrel {
 
@@ -45,9 +46,7 @@ void MotionMonitor::start(double sensitivity)
     if (!refreshAvailability()) {
         return;
     }
-    auto onSample = [mainActor = mainActor_, weak = anchor_.weak()](double x, double y, double z) {
-        mainActor.spawn(process(weak, AccelerationSample{x, y, z}));
-    };
+    auto onSample = weakCall(mainActor_, anchor_.weak(), &MotionMonitor::process);
     auto handler = std::make_unique<AccelerometerEventHandler>(mainActor_.scheduler(), events_, std::move(onSample));
     if (!handler->start(appleVendorPage, accelerometerUsage, reportInterval)) {
         isAccelerometerAvailable_ = false;
@@ -66,19 +65,11 @@ void MotionMonitor::stop()
     detector_.forgetBaseline();
 }
 
-Async<void> MotionMonitor::process(Weak<MotionMonitor> weak, AccelerationSample sample)
-{
-    if (MotionMonitor* const monitor = weak.get()) {
-        monitor->process(sample);
-    }
-    co_return;
-}
-
-void MotionMonitor::process(const AccelerationSample& sample)
+void MotionMonitor::process(double x, double y, double z)
 {
     assertOnMainActor(mainActor_);
     // No handler: the monitor was stopped while this sample was on its way.
-    if (handler_ == nullptr || !detector_.departs(sample)) {
+    if (handler_ == nullptr || !detector_.departs({x, y, z})) {
         return;
     }
     if (detector_.accept(wallClock_.now()) && onMotionDetected) {

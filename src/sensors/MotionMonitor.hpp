@@ -39,8 +39,7 @@ public:
     [[nodiscard]] static bool probeAvailability(ports::HidEventSystem& events);
 
 private:
-    static Async<void> process(Weak<MotionMonitor> weak, AccelerationSample sample);
-    void process(const AccelerationSample& sample);
+    void process(double x, double y, double z);
 
     MainActor mainActor_;
     ports::HidEventSystem& events_;

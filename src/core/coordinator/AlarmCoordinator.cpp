@@ -14,6 +14,7 @@
 #include "runtime/CurrentTask.hpp"
 #include "runtime/Detached.hpp"
 #include "runtime/Sleep.hpp"
+#include "runtime/WeakCall.hpp"
 
 #include <chrono>
 #include <utility>
@@ -212,15 +213,7 @@ std::function<void()> AlarmCoordinator::triggerCallback(bool isWanted, TriggerRe
     if (!isWanted) {
         return nullptr;
     }
-    return [actor = actor_, weak = anchor_.weak(), reason] { actor.spawn(deliver(weak, reason)); };
-}
-
-Async<void> AlarmCoordinator::deliver(Weak<AlarmCoordinator> weak, TriggerReason reason)
-{
-    if (AlarmCoordinator* const self = weak.get()) {
-        self->trigger(reason);
-    }
-    co_return;
+    return weakCall(actor_, anchor_.weak(), &AlarmCoordinator::trigger, reason);
 }
 
 void AlarmCoordinator::stopMonitors()
@@ -266,20 +259,11 @@ void AlarmCoordinator::cancelScreenGuard()
     }
 }
 
-namespace {
-
-Async<void> finishOf(Task<void> task)
-{
-    co_await task;
-}
-
-} // namespace
-
 Async<void> AlarmCoordinator::guardScreen(std::optional<Task<void>> preparation, double delay)
 {
     try {
         if (preparation) {
-            co_await AsyncTimeout::run(actor_, longestPreparation, finishOf(*preparation));
+            co_await AsyncTimeout::wait(actor_, longestPreparation, *preparation);
         }
     } catch (...) {
         // Late, failed or cancelled: the music must not keep the screen unlocked. Cancellation is checked below.

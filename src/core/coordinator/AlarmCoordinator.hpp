@@ -116,7 +116,6 @@ public:
 private:
     [[nodiscard]] std::string localized(std::string_view text);
     [[nodiscard]] std::function<void()> triggerCallback(bool isWanted, TriggerReason reason);
-    static Async<void> deliver(Weak<AlarmCoordinator> weak, TriggerReason reason);
     void stopMonitors();
     void clearNotices() override;
     void refreshMotionWarning(const AlarmSettings& settings);

@@ -20,6 +20,22 @@
 
 namespace sentrel {
 
+namespace {
+
+/// An Objective-C exception has no text here.
+std::string textOfCurrentException()
+{
+    try {
+        throw;
+    } catch (const std::exception& error) {
+        return error.what();
+    } catch (...) {
+        return "raised";
+    }
+}
+
+} // namespace
+
 AlertPipeline::AlertPipeline(MainActor actor, Collaborators collaborators, Ports ports)
     : actor_(actor), with_(collaborators), ports_(ports), assertion_(ports.powerAssertions)
 {
@@ -55,10 +71,9 @@ Async<void> AlertPipeline::processAfter(std::optional<Task<void>> predecessor, T
     }
     try {
         co_await process(reason, date);
-    } catch (const std::exception& error) {
-        ports_.journal.note("alert.failed", {{"reason", rawValue(reason)}, {"why", std::string_view{error.what()}}});
     } catch (...) {
-        ports_.journal.note("alert.failed", {{"reason", rawValue(reason)}, {"why", "raised"}});
+        const std::string why = textOfCurrentException();
+        ports_.journal.note("alert.failed", {{"reason", rawValue(reason)}, {"why", std::string_view{why}}});
     }
     finishProcessing();
 }
@@ -136,19 +151,17 @@ void AlertPipeline::keep(const AlertEvent& alert, const std::optional<Bytes>& ph
 
 bool AlertPipeline::saveLocally(const AlertEvent& alert, const std::optional<Bytes>& photo, bool isPending)
 {
+    const std::string id = alert.id.text();
     try {
         with_.store.save(alert, photo, isPending);
-    } catch (const std::exception& error) {
-        ports_.journal.note("alert.saveFailed",
-                            {{"id", std::string_view{alert.id.text()}}, {"why", std::string_view{error.what()}}});
-        return false;
     } catch (...) {
-        ports_.journal.note("alert.saveFailed", {{"id", std::string_view{alert.id.text()}}, {"why", "raised"}});
+        const std::string why = textOfCurrentException();
+        ports_.journal.note("alert.saveFailed", {{"id", std::string_view{id}}, {"why", std::string_view{why}}});
         return false;
     }
     ports_.journal.note(
         "alert.saved",
-        {{"id", std::string_view{alert.id.text()}}, {"reason", rawValue(alert.reason)}, {"photo", photo.has_value()}});
+        {{"id", std::string_view{id}}, {"reason", rawValue(alert.reason)}, {"photo", photo.has_value()}});
     return true;
 }
 

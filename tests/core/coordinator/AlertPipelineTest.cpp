@@ -115,6 +115,8 @@ TEST_F(AlertPipelineTest, TheNoticesTellWhereTheAlertIs)
     world.clock.advance(61s);
     mac.icloud.account.setStatus(CloudAccountStatus::noAccount);
     EXPECT_EQ(noticesOfATrigger(), "shown ") << "the account has gone since";
+    mac.await(mac.cloud->refreshAvailability(true));
+    EXPECT_EQ(noticesOfATrigger(), "cleared ") << "known to be on this Mac only";
 
     ASSERT_TRUE(mac.files.faults().set("write"));
     mac.icloud.account.setStatus(CloudAccountStatus::available);
