@@ -1,6 +1,6 @@
 #include "simulation/stage/Person.hpp"
 
-#include "app/ShellWindows.hpp"
+#include "app/ShellWindowDelegate.hpp"
 #include "simulation/stage/MacSession.hpp"
 #include "simulation/stage/NearestWord.hpp"
 
