@@ -4,6 +4,7 @@
 #include "alerts/LocalAlertStore.hpp"
 #include "alerts/MacAlertsService.hpp"
 #include "cloud/CloudKitService.hpp"
+#include "core/Events.hpp"
 #include "core/RandomUUID.hpp"
 #include "foundation/Fatal.hpp"
 #include "foundation/Quietly.hpp"
@@ -33,7 +34,7 @@ void AlarmCoordinator::trigger(TriggerReason reason)
         // The sound comes first, because a system call might block the main thread.
         with_.soundPlayer.play(static_cast<float>(settings.alarmVolume));
     }
-    ports_.journal.note("trigger", {{"reason", rawValue(reason)}});
+    ports_.journal.note(events::Trigger{rawValue(reason)});
     lastTrigger = reason;
     isAlarmActive = isAlarmActive || settings.alarmSound;
     if (pendingReasons_.insert(reason).second) {
@@ -76,9 +77,9 @@ Async<void> AlarmCoordinator::processAfter(std::optional<Task<void>> predecessor
     try {
         co_await process(reason, taken);
     } catch (const std::exception& error) {
-        ports_.journal.note("alert.failed", {{"reason", rawValue(reason)}, {"why", std::string_view{error.what()}}});
+        ports_.journal.note(events::AlertFailed{rawValue(reason), error.what()});
     } catch (...) {
-        ports_.journal.note("alert.failed", {{"reason", rawValue(reason)}, {"why", "raised"}});
+        ports_.journal.note(events::AlertFailed{rawValue(reason), "raised"});
     }
     finishProcessing();
 }
@@ -162,16 +163,13 @@ bool AlarmCoordinator::saveLocally(const AlertEvent& alert, const std::optional<
     try {
         with_.alertStore.save(alert, photo, cloudFlag);
     } catch (const std::exception& error) {
-        ports_.journal.note("alert.saveFailed",
-                            {{"id", std::string_view{alert.id.text()}}, {"why", std::string_view{error.what()}}});
+        ports_.journal.note(events::AlertSaveFailed{alert.id.text(), error.what()});
         return false;
     } catch (...) {
-        ports_.journal.note("alert.saveFailed", {{"id", std::string_view{alert.id.text()}}, {"why", "raised"}});
+        ports_.journal.note(events::AlertSaveFailed{alert.id.text(), "raised"});
         return false;
     }
-    ports_.journal.note(
-        "alert.saved",
-        {{"id", std::string_view{alert.id.text()}}, {"reason", rawValue(alert.reason)}, {"photo", photo.has_value()}});
+    ports_.journal.note(events::AlertSaved{alert.id.text(), rawValue(alert.reason), photo.has_value()});
     return true;
 }
 
@@ -183,7 +181,7 @@ Async<void> AlarmCoordinator::uploadInAnyCase(AlertEvent alert, std::optional<By
         co_await upload(std::move(alert), std::move(photo), cloudFlag);
         co_return;
     } catch (...) {
-        ports_.journal.note("upload.raised", {{"id", std::string_view{id.text()}}});
+        ports_.journal.note(events::UploadRaised{id.text()});
     }
     quietly([&] { with_.alertStore.setPendingUpload(id); });
 }
