@@ -2,6 +2,7 @@
 #include "simulation/stage/ExitStatus.hpp"
 #include "simulation/stage/NearestWord.hpp"
 #include "simulation/stage/ScenarioError.hpp"
+#include "simulation/stage/ScenarioReader.hpp"
 #include "simulation/stage/ScenarioShelf.hpp"
 #include "simulation/story/PlayCommand.hpp"
 
@@ -133,6 +134,8 @@ int main(int argc, char** argv)
     const CLI::App* const listing = app.add_subcommand("list", "Lists the scenarios that come with the program");
     CLI::App* const checking = app.add_subcommand("check", "Reads scenarios without playing them; prints mistakes");
     checking->add_option("scenarios", arguments.checked, "YAML files, or names that `list` shows")->required();
+    const CLI::App* const schema =
+        app.add_subcommand("schema", "Prints the JSON Schema of scenarios, with which editors complete and check them");
     addServe(app, arguments);
 
     if (const auto refusal = argc > 1 ? refusalOfCommand(app, argv[1]) : std::nullopt) {
@@ -152,6 +155,10 @@ int main(int argc, char** argv)
         }
         if (checking->parsed()) {
             return checkScenarios(shelf, arguments.checked, std::cout, std::cerr);
+        }
+        if (schema->parsed()) {
+            std::cout << scenarioSchema().dump(2) << '\n';
+            return exitAllHeld;
         }
         return playing->parsed() ? play(arguments, shelf) : serve(arguments, shelf);
     } catch (const ScenarioError& error) {

@@ -3,6 +3,7 @@
 #include "cloud/AsyncTimeout.hpp"
 #include "cloud/CloudErrors.hpp"
 #include "cloud/CloudTimeLimit.hpp"
+#include "core/Events.hpp"
 #include "ports/CloudError.hpp"
 #include "ports/Journal.hpp"
 
@@ -67,7 +68,7 @@ Async<AlertUploader::Outcome> AlertUploader::attempt(AlertEvent alert, std::opti
         outcome = isConfirmed ? Outcome::uploaded : noteFailure(id, AsyncTimeout::TimedOut{});
     }
     if (outcome == Outcome::uploaded) {
-        journal_.note("alert.uploaded", {{"id", std::string_view{id.text()}}});
+        journal_.note(events::AlertUploaded{id.text()});
     }
     attempts_.erase(id);
     co_return outcome;
@@ -78,10 +79,7 @@ AlertUploader::Outcome AlertUploader::noteFailure(const UUID& id, const std::exc
     cloud_.recordSyncFailure(error);
     const ports::CloudError* const cloudError = cloudKitErrorOf(error);
     const std::int64_t code = cloudError != nullptr ? cloudError->code : 0;
-    const std::string idText = id.text();
-    const std::string message = cloud_.userFacingMessage(error);
-    journal_.note("alert.uploadFailed",
-                  {{"id", std::string_view{idText}}, {"code", code}, {"message", std::string_view{message}}});
+    journal_.note(events::AlertUploadFailed{id.text(), code, cloud_.userFacingMessage(error)});
     if (isCloudKitError(error, CloudErrorCode::quotaExceeded)) {
         return Outcome::storageFull;
     }

@@ -7,6 +7,7 @@
 #include "cloud/CloudKitConnectionMonitor.hpp"
 #include "cloud/CloudSubscriptions.hpp"
 #include "cloud/MacPresenceService.hpp"
+#include "core/Events.hpp"
 #include "core/SettingsStore.hpp"
 #include "core/coordinator/AlarmCoordinator.hpp"
 #include "lock/PasswordGate.hpp"
@@ -138,8 +139,7 @@ void MacAppDelegate::applicationDidReceiveRemoteNotification(const Json& userInf
     if (!notification) {
         return;
     }
-    ports_.journal.note("push.received",
-                        {{"subscription", std::string_view{notification->subscriptionID.value_or("")}}});
+    ports_.journal.note(events::PushReceived{notification->subscriptionID.value_or("")});
     with_.presence.receive(*notification);
     if (notification->subscriptionID == CloudSubscriptions::alertIdentifier) {
         // Another Mac has raised an alert.

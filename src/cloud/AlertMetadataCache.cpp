@@ -1,5 +1,6 @@
 #include "cloud/AlertMetadataCache.hpp"
 
+#include "core/Events.hpp"
 #include "foundation/Json.hpp"
 #include "ports/DurableFile.hpp"
 #include "ports/FileSystem.hpp"
@@ -33,7 +34,7 @@ AlertCacheContents readContents(ports::FileSystem& files, ports::Journal& journa
     }
     auto contents = decodeAlertCache(*bytes);
     if (!contents) {
-        journal.note("alertCache.damaged", {});
+        journal.note(events::AlertCacheDamaged{});
         return empty;
     }
     return contents->owner == empty.owner ? *std::move(contents) : empty;
@@ -209,7 +210,7 @@ Async<void> AlertMetadataCache::persist()
         const Task<int> written = writing_.start(QualityOfService::utility, std::move(work));
         const int error = co_await written;
         if (error != 0) {
-            journal_.note("alertCache.notSaved", {{"error", std::int64_t{error}}});
+            journal_.note(events::AlertCacheNotSaved{error});
         }
     }
 }

@@ -1,5 +1,6 @@
 #include "cloud/CloudKitConnectionMonitor.hpp"
 
+#include "core/Events.hpp"
 #include "foundation/Fatal.hpp"
 #include "ports/ApplicationNotifications.hpp"
 #include "ports/CloudConstants.hpp"
@@ -134,7 +135,7 @@ Async<void> CloudKitConnectionMonitor::fanOut()
             co_await passOnce();
         } catch (const std::exception& error) {
             // A failed pass is not repeated; the next change starts another.
-            ports_.journal.note("fanout.failed", {{"why", std::string_view{error.what()}}});
+            ports_.journal.note(events::FanOutFailed{error.what()});
         }
     } while (fanOutRerunRequested_);
     fanOutRunning_ = false;
@@ -142,7 +143,7 @@ Async<void> CloudKitConnectionMonitor::fanOut()
 
 Async<void> CloudKitConnectionMonitor::passOnce()
 {
-    ports_.journal.note("fanout", {});
+    ports_.journal.note(events::FanOut{});
     // A forced check without an answer gives false; an earlier answer must not start a catch-up.
     bool isAvailable = co_await cloud_.checkAvailability(true);
     if (isAvailable) {

@@ -4,6 +4,7 @@
 #include "cloud/CloudErrors.hpp"
 #include "cloud/CloudTimeLimit.hpp"
 #include "cloud/RecordMerge.hpp"
+#include "core/Events.hpp"
 #include "ports/HostInfo.hpp"
 #include "ports/Journal.hpp"
 #include "ports/Language.hpp"
@@ -151,7 +152,7 @@ Async<bool> CloudKitService::verifyCacheOwner()
         alerts_.setOwner(std::move(owner));
         co_return false;
     }
-    ports_.journal.note("cloud.userChanged", {});
+    ports_.journal.note(events::CloudUserChanged{});
     alerts_.startOver(std::move(owner));
     macDeviceIDsInCatalog_.clear();
     // The new user's database has neither subscription and has not throttled us.

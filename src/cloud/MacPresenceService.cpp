@@ -3,6 +3,7 @@
 #include "cloud/AsyncTimeout.hpp"
 #include "cloud/CloudTimeLimit.hpp"
 #include "cloud/PresenceTimes.hpp"
+#include "core/Events.hpp"
 #include "core/RandomUUID.hpp"
 #include "foundation/UUID.hpp"
 #include "ports/HostInfo.hpp"
@@ -124,7 +125,7 @@ Async<void> MacPresenceService::publishAfter(Task<void> predecessor)
         // Cancelled in favour of the next one.
     } catch (const std::exception& error) {
         // The heartbeat awaits this task and must survive its failure.
-        ports_.journal.note("presence.failed", {{"why", std::string_view{error.what()}}});
+        ports_.journal.note(events::PresenceFailed{error.what()});
     }
 }
 
@@ -172,7 +173,7 @@ Async<bool> MacPresenceService::publishIfAvailable(bool isLeaving)
     presence.isArmed = alarm_.isArmed() && !isLeaving;
     const bool isArmed = presence.isArmed;
     co_await cloud_.publishPresence(std::move(presence));
-    ports_.journal.note("presence.published", {{"isArmed", isArmed}});
+    ports_.journal.note(events::PresencePublished{isArmed});
     co_return true;
 }
 

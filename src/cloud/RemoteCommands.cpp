@@ -3,6 +3,7 @@
 #include "cloud/AsyncTimeout.hpp"
 #include "cloud/CloudTimeLimit.hpp"
 #include "cloud/PresenceTimes.hpp"
+#include "core/Events.hpp"
 #include "foundation/Fatal.hpp"
 #include "ports/Journal.hpp"
 #include "ports/RemoteNotifications.hpp"
@@ -152,7 +153,7 @@ void MacPresenceService::apply(const RemoteCommand& command)
     alarm_.syncWithSettings(settings_.settings());
     ports_.defaults.setInteger(lastSequenceKey, command.sequence);
     const std::string_view why = command.requestedArmState ? "arm" : "disarm";
-    ports_.journal.note("command.applied", {{"sequence", command.sequence}, {"why", why}});
+    ports_.journal.note(events::CommandApplied{command.sequence, why});
     // On a MacBook the alarm triggers the publication of its new state.
     if (!isCompatibleComputer_) {
         startPublication();
@@ -168,7 +169,7 @@ void MacPresenceService::ignore(const RemoteCommand& command, std::string_view w
     handledCommand_ = command;
     // Counts as seen, so that setting the clock back doesn't make it fresh again.
     ports_.defaults.setInteger(lastSequenceKey, command.sequence);
-    ports_.journal.note("command.ignored", {{"sequence", command.sequence}, {"why", why}});
+    ports_.journal.note(events::CommandIgnored{command.sequence, why});
 }
 
 } // namespace sentrel

@@ -1,5 +1,6 @@
 #include "lock/ScreenCoverService.hpp"
 
+#include "core/Events.hpp"
 #include "core/SettingsStore.hpp"
 #include "lock/CoverWindow.hpp"
 #include "lock/ScreenCoverAlarm.hpp"
@@ -104,7 +105,7 @@ bool ScreenCoverService::show()
     resignObserver_ = ports_.notifications.observe(ports::applicationResignedActive, holdKeyboard);
     ports_.activation.setPresentationOptions(coverPresentation);
     takeKeyboard();
-    ports_.journal.note("cover.shown", {{"windows", static_cast<std::int64_t>(windows_.size())}});
+    ports_.journal.note(events::CoverShown{static_cast<std::int64_t>(windows_.size())});
     return true;
 }
 
@@ -122,7 +123,7 @@ void ScreenCoverService::hide()
     }
     windows_.clear();
     isShowing_ = false;
-    ports_.journal.note("cover.hidden", {});
+    ports_.journal.note(events::CoverHidden{});
 }
 
 Async<PasscodeUnlockOutcome> ScreenCoverService::attempt(SecretText passcode)
@@ -231,7 +232,7 @@ PasscodeUnlockOutcome ScreenCoverService::countFailure()
 
 PasscodeUnlockOutcome ScreenCoverService::noted(PasscodeUnlockOutcome outcome)
 {
-    ports_.journal.note("passcode", {{"outcome", nameOf(outcome.outcome)}});
+    ports_.journal.note(events::PasscodeTried{nameOf(outcome.outcome)});
     return outcome;
 }
 

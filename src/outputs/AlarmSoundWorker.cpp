@@ -1,5 +1,6 @@
 #include "outputs/AlarmSoundWorker.hpp"
 
+#include "core/Events.hpp"
 #include "foundation/Quietly.hpp"
 
 #include <algorithm>
@@ -134,13 +135,11 @@ void AlarmSoundWorker::startVolumeTimer()
 
 void AlarmSoundWorker::noteStarted()
 {
-    ports::Journal::Value device;
-    if (alarmOutputDeviceID_) {
-        device = static_cast<std::int64_t>(*alarmOutputDeviceID_);
-    }
-    const std::string_view mode = usingBeepFallback_ ? "beep" : "tone";
-    services_.journal.note("alarm.started",
-                           {{"mode", mode}, {"device", device}, {"volume", static_cast<double>(alarmVolume_)}});
+    services_.journal.note(events::AlarmStarted{
+        .mode = usingBeepFallback_ ? "beep" : "tone",
+        .device = alarmOutputDeviceID_,
+        .volume = static_cast<double>(alarmVolume_),
+    });
 }
 
 void AlarmSoundWorker::tick()
@@ -150,7 +149,7 @@ void AlarmSoundWorker::tick()
     }
     if (alarmOutputDeviceID_) {
         services_.outputVolume.enforce(*alarmOutputDeviceID_, alarmVolume_);
-        services_.journal.note("volume.enforced", {{"device", static_cast<std::int64_t>(*alarmOutputDeviceID_)}});
+        services_.journal.note(events::VolumeEnforced{*alarmOutputDeviceID_});
     }
     if (!usingBeepFallback_) {
         keepToneRunning();
@@ -171,7 +170,7 @@ void AlarmSoundWorker::keepToneRunning()
     }
     if (!wasToneRestarted_ && toneEngine_.start(*alarmOutputDeviceID_, alarmVolume_)) {
         wasToneRestarted_ = true;
-        services_.journal.note("tone.restarted", {});
+        services_.journal.note(events::ToneRestarted{});
         return;
     }
     toneEngine_.stop();
@@ -214,7 +213,7 @@ void AlarmSoundWorker::stopNow()
         services_.outputVolume.restore(*state);
     }
     quietly([this] { services_.defaults.remove(savedStateKey); });
-    services_.journal.note("alarm.stopped", {});
+    services_.journal.note(events::AlarmStopped{});
 }
 
 void AlarmSoundWorker::restoreNow()

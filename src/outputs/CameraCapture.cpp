@@ -1,5 +1,7 @@
 #include "outputs/CameraCapture.hpp"
 
+#include "core/Events.hpp"
+
 #include <memory>
 #include <utility>
 
@@ -40,7 +42,7 @@ void CameraCapture::capture(CaptureWorker::Completion completion)
 Async<std::optional<Bytes>> CameraCapture::capturePhoto()
 {
     if (overdue_ && !overdue_->isGiven()) {
-        journal_.note("photo.none", {{"why", "the camera hangs"}});
+        journal_.note(events::NoPhoto{"the camera hangs"});
         co_return std::nullopt;
     }
     const auto answer = std::make_shared<PhotoAnswer>();
@@ -48,7 +50,7 @@ Async<std::optional<Bytes>> CameraCapture::capturePhoto()
     const bool isInTime = co_await answer->given().waitUntil(scheduler_.now() + longestCapture);
     if (!isInTime) {
         overdue_ = answer;
-        journal_.note("photo.none", {{"why", "the camera hangs"}});
+        journal_.note(events::NoPhoto{"the camera hangs"});
         co_return std::nullopt;
     }
     co_return answer->take();

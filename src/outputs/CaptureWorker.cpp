@@ -1,5 +1,6 @@
 #include "outputs/CaptureWorker.hpp"
 
+#include "core/Events.hpp"
 #include "foundation/Quietly.hpp"
 #include "outputs/PhotoProcessing.hpp"
 #include "runtime/Detached.hpp"
@@ -67,7 +68,7 @@ Async<void> CaptureWorker::runCapture(Completion completion)
         scheduleShutdown();
     }
     if (!shot.photo) {
-        journal_.note("photo.none", {{"why", shot.failure}});
+        journal_.note(events::NoPhoto{shot.failure});
         completion(std::nullopt);
         co_return;
     }
@@ -263,13 +264,13 @@ void CaptureWorker::shutDown()
 
 void CaptureWorker::noteTaken(const Bytes& jpeg, int attempts)
 {
-    using Value = ports::Journal::Value;
-    const auto size = quietly([&] { return codec_.pixelSize(jpeg); });
-    const auto known = [&](std::uint32_t pixels) { return size ? Value{std::int64_t{pixels}} : Value{}; };
-    journal_.note("photo.taken", {{"bytes", static_cast<std::int64_t>(jpeg.size())},
-                                  {"width", known(size ? size->width : 0)},
-                                  {"height", known(size ? size->height : 0)},
-                                  {"attempts", std::int64_t{attempts}}});
+    events::PhotoTaken taken{
+        .bytes = static_cast<std::int64_t>(jpeg.size()), .width = {}, .height = {}, .attempts = attempts};
+    if (const auto size = quietly([&] { return codec_.pixelSize(jpeg); })) {
+        taken.width = size->width;
+        taken.height = size->height;
+    }
+    journal_.note(taken);
 }
 
 } // namespace sentrel

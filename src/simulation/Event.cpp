@@ -54,6 +54,32 @@ std::string_view Event::text(std::string_view field) const
     return text == nullptr ? std::string_view{} : std::string_view{*text};
 }
 
+void Event::read(std::string_view field, bool& value) const
+{
+    const Value* const found = find(field);
+    if (const bool* const flag = found == nullptr ? nullptr : std::get_if<bool>(found)) {
+        value = *flag;
+    }
+}
+
+void Event::read(std::string_view field, std::int64_t& value) const
+{
+    const Value* const found = find(field);
+    if (const auto* const whole = found == nullptr ? nullptr : std::get_if<std::int64_t>(found)) {
+        value = *whole;
+    }
+}
+
+void Event::read(std::string_view field, double& value) const
+{
+    const Value* const found = find(field);
+    if (const auto* const real = found == nullptr ? nullptr : std::get_if<double>(found)) {
+        value = *real;
+    } else if (const auto* const whole = found == nullptr ? nullptr : std::get_if<std::int64_t>(found)) {
+        value = static_cast<double>(*whole);
+    }
+}
+
 std::string jsonLine(const Event& event)
 {
     std::string line = "{\"at\": ";

@@ -1,6 +1,6 @@
 #include "simulation/stage/MacSession.hpp"
 #include "simulation/stage/MacState.hpp"
-#include "simulation/stage/Person.hpp"
+#include "support/Acting.hpp"
 #include "support/TemporaryFolder.hpp"
 
 #include <gmock/gmock.h>
@@ -177,7 +177,7 @@ TEST(MacAppDelegate, OnAnythingButAMacBookTheControlPanelComesUpAndSaysWhy)
     EXPECT_EQ(window["visible"], true);
     EXPECT_THAT(window["texts"].get<std::vector<std::string>>(), Contains("Computer Not Compatible"));
     EXPECT_EQ(desk.state("activationPolicy"), "regular");
-    EXPECT_EQ(Person{desk.session}.perform(UseMenu{"armed"}), "'armed' can't be used now");
+    EXPECT_EQ(act(desk.session, "{menu: armed}"), "'armed' is disabled or covered");
     desk.set(&AlarmSettings::isArmed, true);
     EXPECT_EQ(desk.state("isArmed"), false);
     EXPECT_EQ(desk.state("icon"), "MenuBarIcon");
@@ -204,17 +204,17 @@ TEST(MacAppDelegate, NothingBehindTheLockScreenCanBeUsed)
     simulation::MacDescription description;
     Desk desk{description};
     desk.set(&AlarmSettings::requirePasswordForActions, false);
-    EXPECT_EQ(Person{desk.session}.perform(OpenWindow{ShellWindow::main}), "");
+    EXPECT_EQ(act(desk.session, "{open: main}"), "");
     desk.session.setPasscode("2468");
     desk.set(&AlarmSettings::lockScreenOnArm, true);
     desk.set(&AlarmSettings::isArmed, true);
     desk.session.clock().advance(1s);
     ASSERT_EQ(desk.state("cover"), "shown");
-    EXPECT_EQ(Person{desk.session}.perform(UseMenu{}), "the lock screen covers the menu bar");
-    EXPECT_EQ(Person{desk.session}.perform(CloseWindow{}), "the window can't be closed");
-    EXPECT_EQ(Person{desk.session}.perform(ClickOn{"Take photo"}), "there is no 'Take photo' to be seen");
-    EXPECT_EQ(Person{desk.session}.perform(TypeText{std::nullopt, "2468"}), "");
-    EXPECT_EQ(Person{desk.session}.perform(PressKey{ui::Key::returnKey}), "");
+    EXPECT_EQ(act(desk.session, "{menu: open}"), "the lock screen covers the menu bar");
+    EXPECT_EQ(act(desk.session, "{close: main}"), "the window is not open, or covered");
+    EXPECT_EQ(act(desk.session, "{click: Take photo}"), "'Take photo' is not visible");
+    EXPECT_EQ(act(desk.session, "{type: \"2468\"}"), "");
+    EXPECT_EQ(act(desk.session, "{press: return}"), "");
     desk.session.clock().advance(1s);
     EXPECT_EQ(desk.state("cover"), "hidden");
 }

@@ -1,7 +1,7 @@
 #include "ports/CloudAccount.hpp"
 #include "simulation/stage/MacSession.hpp"
-#include "simulation/stage/Person.hpp"
 #include "simulation/stage/StoredDefaults.hpp"
+#include "support/Acting.hpp"
 #include "support/TemporaryFolder.hpp"
 #include "ui/Node.hpp"
 
@@ -143,9 +143,8 @@ public:
             session_.clock().advance(5s);
         }
         change([](AlarmSettings& settings) { settings.isArmed = false; });
-        for (const ShellWindow window : {ShellWindow::main, ShellWindow::alerts}) {
-            EXPECT_EQ(Person{session_}.perform(OpenWindow{window}), "");
-        }
+        EXPECT_EQ(act(session_, "{open: main}"), "");
+        EXPECT_EQ(act(session_, "{open: alerts}"), "");
         session_.mac().statusBar.closeMenu();
         session_.clock().advance(10s);
         bringAbout();

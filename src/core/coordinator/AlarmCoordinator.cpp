@@ -3,6 +3,7 @@
 #include "alerts/LocalAlertStore.hpp"
 #include "cloud/AsyncTimeout.hpp"
 #include "cloud/MacPresenceService.hpp"
+#include "core/Events.hpp"
 #include "foundation/Quietly.hpp"
 #include "lock/ScreenCoverService.hpp"
 #include "outputs/AlarmSoundPlayer.hpp"
@@ -123,7 +124,7 @@ void AlarmCoordinator::trigger(TriggerReason reason)
         // The sound comes first, because a system call might block the main thread.
         with_.soundPlayer.play(static_cast<float>(settings.alarmVolume));
     }
-    ports_.journal.note("trigger", {{"reason", rawValue(reason)}});
+    ports_.journal.note(events::Trigger{rawValue(reason)});
     lastTrigger = reason;
     isAlarmActive = isAlarmActive || settings.alarmSound;
     pipeline_.add(reason);

@@ -1,5 +1,6 @@
 #include "core/coordinator/AlarmJournal.hpp"
 
+#include "core/Events.hpp"
 #include "core/coordinator/AlarmCoordinator.hpp"
 #include "ports/Journal.hpp"
 
@@ -7,8 +8,8 @@ namespace sentrel {
 
 AlarmJournal::AlarmJournal(AlarmCoordinator& coordinator, ports::Journal& journal) : journal_(journal)
 {
-    observations_.push_back(
-        coordinator.isArmed.observe([this](bool isArmed) { journal_.note(isArmed ? "armed" : "disarmed", {}); }));
+    observations_.push_back(coordinator.isArmed.observe(
+        [this](bool isArmed) { isArmed ? journal_.note(events::Armed{}) : journal_.note(events::Disarmed{}); }));
     noteNotice(coordinator.lastError, "lastError");
     noteNotice(coordinator.cameraWarning, "cameraWarning");
     noteNotice(coordinator.motionWarning, "motionWarning");
@@ -17,9 +18,7 @@ AlarmJournal::AlarmJournal(AlarmCoordinator& coordinator, ports::Journal& journa
 void AlarmJournal::noteNotice(Observable<std::optional<std::string>>& notice, std::string_view field)
 {
     observations_.push_back(notice.observe([this, field](const std::optional<std::string>& text) {
-        const ports::Journal::Value value =
-            text ? ports::Journal::Value{std::string_view{*text}} : ports::Journal::Value{};
-        journal_.note("notice", {{"field", field}, {"text", value}});
+        journal_.note(events::Notice{.field = field, .text = text});
     }));
 }
 

@@ -4,6 +4,7 @@
 #include "alerts/LocalAlertStore.hpp"
 #include "alerts/MacAlertsService.hpp"
 #include "cloud/CloudKitService.hpp"
+#include "core/Events.hpp"
 #include "core/RandomUUID.hpp"
 #include "core/SettingsStore.hpp"
 #include "foundation/Fatal.hpp"
@@ -72,8 +73,7 @@ Async<void> AlertPipeline::processAfter(std::optional<Task<void>> predecessor, T
     try {
         co_await process(reason, date);
     } catch (...) {
-        const std::string why = textOfCurrentException();
-        ports_.journal.note("alert.failed", {{"reason", rawValue(reason)}, {"why", std::string_view{why}}});
+        ports_.journal.note(events::AlertFailed{rawValue(reason), textOfCurrentException()});
     }
     finishProcessing();
 }
@@ -155,13 +155,10 @@ bool AlertPipeline::saveLocally(const AlertEvent& alert, const std::optional<Byt
     try {
         with_.store.save(alert, photo, isPending);
     } catch (...) {
-        const std::string why = textOfCurrentException();
-        ports_.journal.note("alert.saveFailed", {{"id", std::string_view{id}}, {"why", std::string_view{why}}});
+        ports_.journal.note(events::AlertSaveFailed{id, textOfCurrentException()});
         return false;
     }
-    ports_.journal.note(
-        "alert.saved",
-        {{"id", std::string_view{id}}, {"reason", rawValue(alert.reason)}, {"photo", photo.has_value()}});
+    ports_.journal.note(events::AlertSaved{id, rawValue(alert.reason), photo.has_value()});
     return true;
 }
 
@@ -173,7 +170,7 @@ Async<void> AlertPipeline::uploadInAnyCase(AlertEvent alert, std::optional<Bytes
         co_await upload(std::move(alert), std::move(photo), wasAvailable);
         co_return;
     } catch (...) {
-        ports_.journal.note("upload.raised", {{"id", std::string_view{id.text()}}});
+        ports_.journal.note(events::UploadRaised{id.text()});
     }
     quietly([&] { with_.store.setPendingUpload(id); });
 }

@@ -1,6 +1,7 @@
 #include "simulation/icloud/CloudLink.hpp"
 
 #include "ports/Journal.hpp"
+#include "simulation/Events.hpp"
 #include "simulation/icloud/CloudErrorNames.hpp"
 #include "simulation/icloud/SimulatedNetwork.hpp"
 
@@ -145,7 +146,7 @@ void CloudLink::answer(const std::shared_ptr<Request>& request)
     if (!error && request->needsNetwork && !network_.isUp()) {
         error = std::make_exception_ptr(cloudError(CKError::networkFailure)); // carried out; the answer is lost
     }
-    journal_.note("cloud.request", {{"operation", nameOf(request->operation)}, {"outcome", outcomeOf(error)}});
+    journal_.note(events::CloudRequest{nameOf(request->operation), outcomeOf(error)});
     {
         const std::lock_guard guard{mutex_};
         --counts_[request->operation].underWay;

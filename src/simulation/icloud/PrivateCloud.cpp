@@ -2,6 +2,7 @@
 
 #include "ports/Journal.hpp"
 #include "ports/WallClock.hpp"
+#include "simulation/Events.hpp"
 #include "simulation/icloud/BatchWriter.hpp"
 #include "simulation/icloud/CloudErrorNames.hpp"
 #include "simulation/icloud/CloudSchema.hpp"
@@ -187,7 +188,7 @@ void PrivateCloud::putAside(const std::string& user)
         std::filesystem::remove(companion, ignored);
     }
     const std::string name = aside.filename().string();
-    journal_.note("icloud.damaged", {{"account", user}, {"putAside", failure ? std::string_view{} : name}});
+    journal_.note(events::CloudDamaged{user, failure ? std::string_view{} : name});
 }
 
 std::filesystem::path PrivateCloud::fileOf(const std::string& user) const

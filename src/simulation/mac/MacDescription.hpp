@@ -2,6 +2,7 @@
 
 #include "simulation/mac/CloudChange.hpp"
 #include "simulation/mac/camera/CameraChange.hpp"
+#include "simulation/mac/music/SimulatedMusic.hpp"
 #include "simulation/mac/security/SimulatedLogin.hpp"
 #include "simulation/mac/sound/AudioDevice.hpp"
 
@@ -25,8 +26,8 @@ struct MacDescription {
     enum class Lid { open, closed, absent };
     /// A present accelerometer delivers what it is given; a resting one also delivers a machine at rest.
     enum class Accelerometer { absent, present, resting };
-    enum class Music { absent, paused, playing };
-    enum class Consent { undetermined, denied, granted };
+    using Music = SimulatedMusic::Playback;
+    using Consent = SimulatedMusic::Consent;
 
     std::string model = "MacBookPro18,3";   ///< `hw.model`
     std::optional<std::string> productName; ///< the firmware's, such as "MacBook Air (M2, 2022)"

@@ -4,36 +4,6 @@
 
 namespace sentrel::simulation {
 
-namespace {
-
-SimulatedMusic::Playback playbackOf(MacDescription::Music music)
-{
-    switch (music) {
-    case MacDescription::Music::absent:
-        return SimulatedMusic::Playback::absent;
-    case MacDescription::Music::paused:
-        return SimulatedMusic::Playback::paused;
-    case MacDescription::Music::playing:
-        break;
-    }
-    return SimulatedMusic::Playback::playing;
-}
-
-SimulatedMusic::Consent consentOf(MacDescription::Consent consent)
-{
-    switch (consent) {
-    case MacDescription::Consent::undetermined:
-        return SimulatedMusic::Consent::undetermined;
-    case MacDescription::Consent::denied:
-        return SimulatedMusic::Consent::denied;
-    case MacDescription::Consent::granted:
-        break;
-    }
-    return SimulatedMusic::Consent::granted;
-}
-
-} // namespace
-
 class SimulatedMac::GatedJournal final : public ports::Journal {
 public:
     GatedJournal(ports::Journal& journal, FaultSwitches& faults) : journal_(journal), faults_(faults) {}
@@ -42,7 +12,7 @@ private:
     void write(std::string_view event, std::initializer_list<Field> fields) override
     {
         faults_.call("note");
-        journal_.note(event, fields);
+        journal_.passOn(event, fields);
     }
 
     ports::Journal& journal_;
@@ -126,8 +96,8 @@ SimulatedMac::SimulatedMac(const MacSurroundings& surroundings, const MacDescrip
     }
     accelerometer.setPresent(description.accelerometer != MacDescription::Accelerometer::absent);
     accelerometer.setResting(description.accelerometer == MacDescription::Accelerometer::resting);
-    music.setPlayback(playbackOf(description.music));
-    music.setConsent(consentOf(description.automationConsent));
+    music.setPlayback(description.music);
+    music.setConsent(description.automationConsent);
     apply(description.camera, camera);
     login.setAnswer(description.login);
     apply(description.iCloud, iCloud);

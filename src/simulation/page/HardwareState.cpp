@@ -3,10 +3,10 @@
 #include "simulation/icloud/CompanionPhone.hpp"
 #include "simulation/page/PageFiles.hpp"
 #include "simulation/page/PageState.hpp"
-#include "simulation/stage/AudioReader.hpp"
 #include "simulation/stage/MacSession.hpp"
+#include "simulation/stage/MacState.hpp"
+#include "simulation/stage/MacWords.hpp"
 
-#include <array>
 #include <nlohmann/json.hpp>
 #include <ranges>
 #include <set>
@@ -17,26 +17,14 @@ namespace sentrel::simulation {
 
 namespace {
 
-const char* nameOf(SimulatedMusic::Playback playback)
-{
-    constexpr std::array names{"absent", "paused", "playing"};
-    return names[static_cast<std::size_t>(playback)];
-}
-
-const char* nameOf(ports::CloudAccountStatus status)
-{
-    constexpr std::array names{"unknown", "available", "restricted", "none", "temporarily-unavailable"};
-    return names[static_cast<std::size_t>(status)];
-}
-
-const char* nameOf(std::optional<bool> state, const char* whenTrue, const char* whenFalse, const char* whenUnknown)
-{
-    return state ? (*state ? whenTrue : whenFalse) : whenUnknown;
-}
-
 double since1970(Date date)
 {
     return date.secondsSinceReferenceDate + Date::secondsFrom1970To2001;
+}
+
+std::string_view motionWord(const SimulatedAccelerometer& accelerometer)
+{
+    return !accelerometer.isPresent() ? "absent" : accelerometer.isResting() ? "resting" : "silent";
 }
 
 Json audioJson(const SimulatedAudio& audio)
@@ -47,7 +35,7 @@ Json audioJson(const SimulatedAudio& audio)
         if (device.hasOutput()) {
             devices.push_back({{"id", device.id},
                                {"name", device.name},
-                               {"transport", transportName(device.transport)},
+                               {"transport", wordFor(transportWords, device.transport)},
                                {"volume", device.volume().value_or(1.0F)},
                                {"isMuted", device.isMuted()},
                                {"isDefault", defaultOutput == device.id}});
@@ -69,11 +57,11 @@ Json cameraJson(const SimulatedCamera& camera, PageFiles& files)
 
 Json PageState::run() const
 {
-    SentrelApp* const app = session_.app();
+    const MacState state{session_};
     return {{"title", title_},
-            {"process", app != nullptr ? "running" : "ended"},
-            {"isArmed", app != nullptr && app->coordinator().isArmed.get()},
-            {"isAlarmActive", app != nullptr && app->coordinator().isAlarmActive.get()},
+            {"process", session_.app() != nullptr ? "running" : "ended"},
+            {"isArmed", state.isArmed()},
+            {"isAlarmActive", state.isAlarmActive()},
             {"date", since1970(session_.mac().wallClock.now())},
             {"timeZone", session_.mac().calendar.timeZone()},
             {"language", session_.mac().calendar.languageTag()}};
@@ -93,15 +81,15 @@ Json PageState::hardware()
 {
     SimulatedMac& mac = session_.mac();
     const auto threshold = motionThreshold();
-    const auto isResting = mac.accelerometer.isPresent() ? std::optional{mac.accelerometer.isResting()} : std::nullopt;
-    return {{"power", nameOf(mac.power.isOnAC(), "ac", "battery", "unknown")},
-            {"lid", nameOf(mac.lid.isClosed(), "closed", "open", "absent")},
+    const MacState state{session_};
+    return {{"power", wordFor(powerWords, state.power())},
+            {"lid", wordFor(lidWords, state.lid())},
             {"displays", mac.displays.count()},
             {"isAsleep", session_.isAsleep()},
             {"audio", audioJson(mac.audio)},
-            {"music", nameOf(mac.music.playback())},
+            {"music", wordFor(musicWords, mac.music.playback())},
             {"camera", cameraJson(mac.camera, files_)},
-            {"accelerometer", nameOf(isResting, "resting", "silent", "absent")},
+            {"accelerometer", motionWord(mac.accelerometer)},
             {"threshold", threshold ? Json(*threshold) : Json(nullptr)}};
 }
 
@@ -128,8 +116,8 @@ Json PageState::cloud() const
         faults.push_back({{"name", cloudErrorName(fault.error.code)}, {"times", fault.times}});
     }
     const std::string user = iCloud.link.device().user;
-    return {{"network", iCloud.network.isUp() ? "up" : "down"},
-            {"account", nameOf(iCloud.link.accountStatus())},
+    return {{"network", wordFor(networkWords, iCloud.network.isUp())},
+            {"account", wordFor(accountWords, iCloud.link.accountStatus())},
             {"user", user},
             {"quota", session_.cloudServer().isFull(user) ? "full" : "ok"},
             {"latency", toSeconds(iCloud.link.latency())},

@@ -1,7 +1,6 @@
 #include "simulation/page/LiveMac.hpp"
 
-#include "simulation/stage/EarlierRun.hpp"
-#include "simulation/stage/MacActions.hpp"
+#include "simulation/stage/Player.hpp"
 
 #include <cmath>
 #include <filesystem>
@@ -112,11 +111,11 @@ std::string LiveMac::replace()
 std::string LiveMac::perform(const Action& action)
 {
     return call([this, &action](MacSession& session) {
-        if (std::string why = objection(session, action); !why.empty()) {
+        if (std::string why = action.objection(session); !why.empty()) {
             return why;
         }
         life_->story.perform(session.seconds(), action);
-        return simulation::perform(session, action);
+        return action.perform(session);
     });
 }
 

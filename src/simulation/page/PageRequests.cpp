@@ -3,7 +3,6 @@
 #include "foundation/Json.hpp"
 #include "simulation/page/LiveMac.hpp"
 #include "simulation/page/NodeJson.hpp"
-#include "simulation/stage/ActionReader.hpp"
 #include "simulation/stage/ScenarioError.hpp"
 #include "simulation/stage/ValueReader.hpp"
 #include "simulation/stage/YamlValue.hpp"

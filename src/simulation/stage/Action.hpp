@@ -1,162 +1,113 @@
 #pragma once
 
-#include "foundation/Json.hpp"
-#include "simulation/icloud/CompanionPhone.hpp"
-#include "simulation/mac/CloudChange.hpp"
-#include "simulation/mac/MacDescription.hpp"
-#include "simulation/mac/camera/CameraChange.hpp"
-#include "simulation/mac/motion/MotionRecording.hpp"
-#include "simulation/mac/security/SimulatedKeychain.hpp"
-#include "simulation/mac/security/SimulatedLogin.hpp"
-#include "simulation/stage/ShellAction.hpp"
+#include "simulation/stage/ValueType.hpp"
 
 #include <cstdint>
-#include <nlohmann/json.hpp>
+#include <functional>
 #include <optional>
 #include <string>
-#include <variant>
+#include <string_view>
+#include <type_traits>
+#include <utility>
 #include <vector>
 
 namespace sentrel::simulation {
 
-/// Actions without parameters.
-enum class PlainAction {
-    arm,
-    disarm,
-    stopAlarm,
-    unplug,
-    plugIn,
-    closeLid,
-    openLid,
-    screensSleep,
-    crash, ///< the process's memory is lost, its files stay
-    relaunch,
-    sleep,
-    wake,
-    quit,
-    refresh, ///< refreshes the list of alerts
+class MacSession;
+
+/// The name of an audio device by its number.
+using DeviceName = std::function<std::string(std::uint32_t)>;
+
+/// One action of the scenario language with its values.
+class Action {
+public:
+    /// Why this MacBook can't do it (an unknown device or fault), with the nearest valid word; empty if it can.
+    [[nodiscard]] std::string objection(MacSession& session) const;
+
+    /// Performs it now, and everything due. Returns why a person could not do it; empty if done.
+    [[nodiscard]] std::string perform(MacSession& session) const;
+
+    /// The action as seen from outside, in one sentence; none if the simulated MacBook notes it as an event, which is
+    /// told instead.
+    [[nodiscard]] std::optional<std::string> tell(const DeviceName& deviceName) const;
+
+private:
+    friend struct ActionRow;
+
+    std::function<std::string(MacSession&)> object_; ///< null: never objects
+    std::function<std::string(MacSession&)> perform_;
+    std::function<std::string(const DeviceName&)> tell_; ///< null: told as an event
 };
 
-/// Changes the power sources.
-struct SetPower {
-    MacDescription::Power power;
+/// A word of the scenario language that names an action.
+struct ActionRow {
+    std::string_view name;
+    std::string_view example; ///< empty: takes no value
+    std::string_view meaning; ///< for people who write scenarios
+    std::function<Action(const YamlValue& value, const ReadContext& context)> read;
+    Json schema; ///< of the value
+
+    /// An action without a value. `perform`: `void(MacSession&)`. An action without `text` is told as an event.
+    template <class Perform>
+    static ActionRow plain(std::string_view name, std::string_view meaning, Perform perform, std::string text = {})
+    {
+        Action action;
+        action.perform_ = [perform](MacSession& session) {
+            perform(session);
+            return std::string{};
+        };
+        if (!text.empty()) {
+            action.tell_ = [text = std::move(text)](const DeviceName&) { return text; };
+        }
+        return {name, {}, meaning, [action](const YamlValue&, const ReadContext&) { return action; }, {}};
+    }
+
+    /// An action with a value. `perform`: `void` or `std::string(MacSession&, const T&)`, which returns why it could
+    /// not be done. `tell`: `std::string(const T&)`, with an optional `const DeviceName&`; null if told as an event.
+    /// `object`: `std::string(MacSession&, const T&)`, or null.
+    template <class T, class Perform, class Tell = std::nullptr_t, class Object = std::nullptr_t>
+    static ActionRow with(std::string_view name, std::string_view example, std::string_view meaning, ValueType<T> type,
+                          Perform perform, Tell tell = nullptr, Object object = nullptr)
+    {
+        const std::string what = inQuotes(name);
+        auto read = [=, read = std::move(type.read)](const YamlValue& value, const ReadContext& context) {
+            Action action;
+            const T content = read(value, what, context);
+            action.perform_ = [perform, content](MacSession& session) {
+                if constexpr (std::is_void_v<std::invoke_result_t<Perform, MacSession&, const T&>>) {
+                    perform(session, content);
+                    return std::string{};
+                } else {
+                    return std::string{perform(session, content)};
+                }
+            };
+            if constexpr (std::is_invocable_v<Tell, const T&>) {
+                action.tell_ = [tell, content](const DeviceName&) { return std::string{tell(content)}; };
+            } else if constexpr (!std::is_null_pointer_v<Tell>) {
+                action.tell_ = [tell, content](const DeviceName& deviceName) { return tell(content, deviceName); };
+            }
+            if constexpr (!std::is_null_pointer_v<Object>) {
+                action.object_ = [object, content](MacSession& session) { return object(session, content); };
+            }
+            return action;
+        };
+        return {name, example, meaning, std::move(read), std::move(type.schema)};
+    }
 };
 
-/// The accelerometer delivers one reading, in g.
-struct MoveMachine {
-    double x = 0.0;
-    double y = 0.0;
-    double z = 0.0;
-};
+// The actions by subject.
+[[nodiscard]] std::vector<ActionRow> hardwareActions();
+[[nodiscard]] std::vector<ActionRow> systemActions();
+[[nodiscard]] std::vector<ActionRow> cloudActions();
+[[nodiscard]] std::vector<ActionRow> personActions();
 
-/// The accelerometer delivers a recording from now on, each sample at its time.
-struct PlayRecording {
-    MotionRecording recording;
-    std::string name; ///< the file's name in the scenario
-};
+/// Every action.
+[[nodiscard]] const std::vector<ActionRow>& actionRows();
 
-/// The accelerometer begins or stops delivering a machine at rest.
-struct RestMachine {
-    bool isResting = true;
-};
+/// The name of every action.
+[[nodiscard]] std::vector<std::string_view> actionNames();
 
-/// Changes settings: an object with fields of `AlarmSettings`, each of its type, in the order of the file.
-struct ChangeSettings {
-    Json fields;
-};
-
-/// A person sets a device's volume, mute or both.
-struct SetVolume {
-    std::uint32_t device = 0;
-    std::optional<double> value; ///< 0 to 1
-    std::optional<bool> muted;
-};
-
-/// A person chooses another output; none: the system loses its default output.
-struct SetDefaultOutput {
-    std::optional<std::uint32_t> device;
-};
-
-/// Unplugs a device.
-struct RemoveAudioDevice {
-    std::uint32_t device = 0;
-};
-
-/// The owner uses the Music app.
-struct UseMusic {
-    enum class Use { play, pause, quit };
-    Use use = Use::play;
-};
-
-/// A device of the simulated MacBook fails from now on, or is healed. Names are checked later, against the devices.
-struct FailPort {
-    struct Fault {
-        std::string name;
-        int times = -1; ///< negative: until healed
-    };
-    std::string port;
-    std::vector<Fault> faults; ///< empty heals the port
-};
-
-/// Several ports at once.
-struct FailPorts {
-    std::vector<FailPort> ports;
-};
-
-/// Changes the cameras, their view and the permission to use them.
-struct ChangeCamera {
-    CameraChange change;
-    std::string photoName; ///< the file's name in the scenario; empty if none is given
-};
-
-/// Sets the keychains' answers from now on.
-struct ChangeKeychain {
-    using Access = SimulatedKeychain::Access;
-    std::optional<Access> dataProtection;
-    std::optional<Access> legacy;
-    std::optional<FailPort> fail; ///< faults of the port "keychain"
-};
-
-/// Sets the answer to the system's login panel from now on.
-struct AnswerLogin {
-    LoginAnswer answer = LoginAnswer::succeed;
-};
-
-/// The owner sets the unlock passcode.
-struct SetPasscode {
-    std::string passcode;
-};
-
-/// A person types a passcode into the first cover's field and presses return.
-struct TypePasscode {
-    std::string passcode;
-};
-
-/// Displays are connected or disconnected until there are this many.
-struct SetDisplays {
-    std::size_t count = 1;
-};
-
-/// Changes the iCloud account, the cloud and the network.
-struct ChangeCloud {
-    CloudChange change;
-};
-
-/// The owner's phone sends this Mac a command.
-struct UsePhone {
-    CompanionPhone::Command command;
-};
-
-/// The owner deletes alerts from the list.
-struct DeleteAlerts {
-    enum class Which { all, oldest, newest };
-    Which which = Which::all;
-};
-
-using Action = std::variant<PlainAction, SetPower, MoveMachine, PlayRecording, RestMachine, ChangeSettings, SetVolume,
-                            SetDefaultOutput, RemoveAudioDevice, UseMusic, FailPorts, ChangeCamera, ChangeKeychain,
-                            AnswerLogin, SetPasscode, TypePasscode, SetDisplays, UseMenu, ClickOn, TypeText, PressKey,
-                            MoveSlider, SelectRows, OpenWindow, CloseWindow, DragWindow, AnswerLoginItem,
-                            AnswerSavePanel, ChangeCloud, UsePhone, DeleteAlerts>;
+/// The `do` of a step. Throws `SourceFault`; for a fault in a recording its message names that file and line, too.
+[[nodiscard]] Action readAction(const YamlValue& value, const ReadContext& context);
 
 } // namespace sentrel::simulation

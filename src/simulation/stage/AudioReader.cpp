@@ -1,6 +1,5 @@
-#include "simulation/stage/AudioReader.hpp"
-
-#include "foundation/FourCharCode.hpp"
+#include "simulation/stage/MacReader.hpp"
+#include "simulation/stage/MacWords.hpp"
 
 #include <algorithm>
 #include <map>
@@ -12,29 +11,20 @@ namespace sentrel::simulation {
 namespace {
 
 /// A device being read. The initial value of controls without their own is known only after all keys.
-struct Draft {
-    AudioDevice device;
+struct AudioDraft {
+    std::uint32_t id = 0;
+    std::string name;
+    std::string uid;
+    std::uint32_t transport = AudioDevice{}.transport;
     double volume = 0.5;
     bool isMuted = false;
     std::map<AudioControl, std::optional<double>> controls{{{AudioControl::virtualMainVolume, 0}, {}},
                                                            {{AudioControl::mute, 0}, {}}};
 };
-using Controls = decltype(Draft::controls);
+using Controls = decltype(AudioDraft::controls);
 
 // Highest element of a simulated device.
 constexpr std::uint32_t lastElement = 64;
-
-constexpr std::array<Word<std::uint32_t>, 27> transports{{
-    {"built-in", fourCharCode("bltn")},  {"builtIn", fourCharCode("bltn")},      {"bltn", fourCharCode("bltn")},
-    {"usb", fourCharCode("usb ")},       {"usb ", fourCharCode("usb ")},         {"bluetooth", fourCharCode("blue")},
-    {"blue", fourCharCode("blue")},      {"bluetooth-le", fourCharCode("blea")}, {"blea", fourCharCode("blea")},
-    {"hdmi", fourCharCode("hdmi")},      {"displayport", fourCharCode("dprt")},  {"dprt", fourCharCode("dprt")},
-    {"airplay", fourCharCode("airp")},   {"airp", fourCharCode("airp")},         {"thunderbolt", fourCharCode("thun")},
-    {"thun", fourCharCode("thun")},      {"pci", fourCharCode("pci ")},          {"pci ", fourCharCode("pci ")},
-    {"firewire", fourCharCode("1394")},  {"1394", fourCharCode("1394")},         {"avb", fourCharCode("eavb")},
-    {"eavb", fourCharCode("eavb")},      {"virtual", fourCharCode("virt")},      {"virt", fourCharCode("virt")},
-    {"aggregate", fourCharCode("grup")}, {"grup", fourCharCode("grup")},         {"unknown", 0},
-}};
 
 constexpr std::array<std::string_view, 3> selectorNames{"vmvc", "volm", "mute"};
 constexpr std::array<std::uint32_t, 3> selectors{AudioControl::virtualMainVolume, AudioControl::volumeScalar,
@@ -56,7 +46,7 @@ double readControlValue(const YamlValue& value, std::uint32_t selector)
 void addControl(Controls& controls, const AudioControl& control, std::optional<double> value, int line)
 {
     if (!controls.emplace(control, value).second) {
-        throw SourceFault(line, "element " + std::to_string(control.element) + " stands twice");
+        throw SourceFault(line, "element " + std::to_string(control.element) + " is given twice");
     }
 }
 
@@ -92,55 +82,64 @@ Controls readControls(const YamlValue& value)
     return controls;
 }
 
-constexpr std::array<FieldRow<Draft>, 7> deviceFields{{
-    {"id", [](auto& draft, auto& value, auto&) { draft.device.id = readDevice(value); }, true},
-    {"name", [](auto& draft, auto& value, auto&) { draft.device.name = readText(value, "'name'"); }},
-    {"uid", [](auto& draft, auto& value, auto&) { draft.device.uid = readText(value, "'uid'"); }},
-    {"transport",
-     [](auto& draft, auto& value, auto&) { draft.device.transport = readWord(value, "transport", transports); }},
-    {"volume", [](auto& draft, auto& value, auto&) { draft.volume = readNumber(value, "'volume'", 0.0, 1.0); }},
-    {"muted", [](auto& draft, auto& value, auto&) { draft.isMuted = readFlag(value, "'muted'"); }},
-    {"elements", [](auto& draft, auto& value, auto&) { draft.controls = readControls(value); }},
-}};
-
-AudioDevice readAudioDevice(const YamlValue& value, const ReadContext& context)
+ValueType<Controls> controlsType()
 {
-    Draft draft;
-    readFields(value, "an audio device", deviceFields, draft, context);
-    AudioDevice& device = draft.device;
-    const std::string number = std::to_string(device.id);
-    device.name = device.name.empty() ? "Audio device " + number : device.name;
-    device.uid = device.uid.empty() ? "AudioDevice" + number : device.uid;
+    const Json elements{{"type", "array"}, {"items", {{"type", "integer"}, {"minimum", 0}, {"maximum", lastElement}}}};
+    Json schema{{"anyOf", {elements, {{"type", "object"}, {"additionalProperties", false}}}}};
+    for (const std::string_view name : selectorNames) {
+        schema["anyOf"][1]["properties"][std::string{name}] = {{"type", {"array", "object"}}};
+    }
+    return {[](auto& value, auto, auto&) { return readControls(value); }, std::move(schema)};
+}
+
+AudioDevice deviceOf(const AudioDraft& draft)
+{
+    const std::string number = std::to_string(draft.id);
+    AudioDevice device;
+    device.id = draft.id;
+    device.name = draft.name.empty() ? "Audio device " + number : draft.name;
+    device.uid = draft.uid.empty() ? "AudioDevice" + number : draft.uid;
+    device.transport = draft.transport;
     for (const auto& [control, ownValue] : draft.controls) {
         const double isMuted = draft.isMuted ? 1.0 : 0.0;
         const double common = control.selector == AudioControl::mute ? isMuted : draft.volume;
         device.controls[control] = static_cast<float>(ownValue.value_or(common));
     }
-    return std::move(device);
+    return device;
+}
+
+ValueType<AudioDevice> audioDeviceType()
+{
+    Fields<AudioDraft> fields{
+        required(field("id", &AudioDraft::id, type::audioDevice())),
+        field("name", &AudioDraft::name, type::text()),
+        field("uid", &AudioDraft::uid, type::text()),
+        field("transport", &AudioDraft::transport, type::word("transport", transportWords)),
+        field("volume", &AudioDraft::volume, type::number(0.0, 1.0)),
+        field("muted", &AudioDraft::isMuted, type::flag()),
+        field("elements", &AudioDraft::controls, controlsType()),
+    };
+    return type::called("an audio device", type::made(type::map(std::move(fields)), deviceOf));
 }
 
 } // namespace
 
-std::vector<AudioDevice> readAudioDevices(const YamlValue& value, const ReadContext& context)
+ValueType<std::vector<AudioDevice>> audioDevicesType()
 {
-    requireList(value, "'audio'");
-    std::vector<AudioDevice> devices;
-    for (const YamlValue& item : value.items) {
-        AudioDevice device = readAudioDevice(item, context);
-        const bool isTaken =
-            std::ranges::any_of(devices, [&](const AudioDevice& other) { return other.id == device.id; });
-        if (isTaken) {
-            throw SourceFault(item.line, "two audio devices have the id " + std::to_string(device.id));
-        }
-        devices.push_back(std::move(device));
-    }
-    return devices;
-}
-
-std::string_view transportName(std::uint32_t transport)
-{
-    const auto found = std::ranges::find(transports, transport, &Word<std::uint32_t>::meaning);
-    return found == transports.end() ? "unknown" : found->text;
+    const auto device = audioDeviceType();
+    return {[read = device.read](auto& value, auto what, auto& context) {
+                requireList(value, what);
+                std::vector<AudioDevice> devices;
+                for (const YamlValue& item : value.items) {
+                    AudioDevice next = read(item, what, context);
+                    if (std::ranges::find(devices, next.id, &AudioDevice::id) != devices.end()) {
+                        throw SourceFault(item.line, "two audio devices have the id " + std::to_string(next.id));
+                    }
+                    devices.push_back(std::move(next));
+                }
+                return devices;
+            },
+            {{"type", "array"}, {"items", device.schema}}};
 }
 
 } // namespace sentrel::simulation

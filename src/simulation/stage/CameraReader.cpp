@@ -1,5 +1,6 @@
-#include "simulation/stage/CameraReader.hpp"
+#include "simulation/stage/MacReader.hpp"
 
+#include <array>
 #include <optional>
 #include <utility>
 
@@ -9,7 +10,7 @@ namespace {
 
 using ports::CaptureAuthorization;
 
-constexpr std::array<Word<CaptureAuthorization>, 4> authorizations{{
+constexpr std::array<Word<CaptureAuthorization>, 4> authorizationWords{{
     {"authorized", CaptureAuthorization::authorized},
     {"denied", CaptureAuthorization::denied},
     {"notDetermined", CaptureAuthorization::notDetermined},
@@ -23,7 +24,7 @@ struct CameraKind {
     bool isContinuityCamera = false;
 };
 
-constexpr std::array<Word<CameraKind>, 3> kinds{{
+constexpr std::array<Word<CameraKind>, 3> cameraKinds{{
     {"built-in", {"FaceTime HD Camera", "AVCaptureDeviceTypeBuiltInWideAngleCamera"}},
     {"continuity", {"iPhone Camera", "AVCaptureDeviceTypeContinuityCamera", true}},
     {"external", {"USB Camera", "AVCaptureDeviceTypeExternal"}},
@@ -31,91 +32,94 @@ constexpr std::array<Word<CameraKind>, 3> kinds{{
 
 /// A camera being read. Its type's defaults are known only after all keys.
 struct CameraDraft {
-    CameraKind kind = kinds.front().meaning;
-    std::optional<std::string> name;
+    CameraKind kind = cameraKinds.front().meaning;
+    std::string name;
     std::optional<bool> isContinuityCamera;
 
     [[nodiscard]] CameraModel model() const
     {
         CameraModel model;
-        model.name = name.value_or(std::string{kind.name});
+        model.name = name.empty() ? kind.name : name;
         model.type = kind.type;
         model.isContinuityCamera = isContinuityCamera.value_or(kind.isContinuityCamera);
         return model;
     }
 };
 
-constexpr std::array<FieldRow<CameraDraft>, 3> cameraDeviceFields{{
-    {"name", [](auto& draft, auto& value, auto&) { draft.name = readText(value, "'name'"); }},
-    {"type", [](auto& draft, auto& value, auto&) { draft.kind = readWord(value, "type of camera", kinds); }},
-    {"continuity", [](auto& draft, auto& value, auto&) { draft.isContinuityCamera = readFlag(value, "'continuity'"); }},
-}};
-
-CameraModel readDevice(const YamlValue& value, const ReadContext& context)
+/// A word, or a map.
+ValueType<CameraModel> cameraModelType()
 {
-    CameraDraft draft;
-    if (value.isMap()) {
-        readFields(value, "a camera", cameraDeviceFields, draft, context);
-    } else {
-        draft.kind = readWord(value, "camera", kinds);
-    }
-    return draft.model();
+    Fields<CameraDraft> fields{
+        field("name", &CameraDraft::name, type::text()),
+        field("type", &CameraDraft::kind, type::word("type of camera", cameraKinds)),
+        field("continuity", &CameraDraft::isContinuityCamera, type::flag()),
+    };
+    auto kind =
+        type::made(type::word("camera", cameraKinds), [](CameraKind meaning) { return CameraDraft{meaning, {}, {}}; });
+    return type::called("a camera", type::made(type::either(type::map(std::move(fields)), std::move(kind)),
+                                               [](const CameraDraft& draft) { return draft.model(); }));
 }
 
-std::vector<CameraModel> readDevices(const YamlValue& value, const ReadContext& context)
+/// A list, or for short one camera or `none`.
+ValueType<std::vector<CameraModel>> camerasType()
 {
-    std::vector<CameraModel> devices;
-    if (value.isList()) {
-        for (const YamlValue& item : value.items) {
-            devices.push_back(readDevice(item, context));
-        }
-    } else if (!isNone(value)) {
-        devices.push_back(readDevice(value, context));
-    }
-    return devices;
+    const auto camera = cameraModelType();
+    return {[read = camera.read](auto& value, auto what, auto& context) {
+                std::vector<CameraModel> cameras;
+                if (value.isList()) {
+                    for (const YamlValue& item : value.items) {
+                        cameras.push_back(read(item, what, context));
+                    }
+                } else if (!isNone(value)) {
+                    cameras.push_back(read(value, what, context));
+                }
+                return cameras;
+            },
+            {{"anyOf", {{{"enum", {"none", nullptr}}}, camera.schema, {{"type", "array"}, {"items", camera.schema}}}}}};
 }
 
-void readBrightness(ChangeCamera& action, const YamlValue& value, const ReadContext&)
+Field<CameraValue> photoField()
 {
-    action.change.brightness.emplace();
-    if (!isNone(value)) {
-        *action.change.brightness = readNumber(value, "'brightness'", 0.0, 1.0);
-    }
+    return {"photo",
+            [](CameraValue& into, const YamlValue& value, const ReadContext& context) {
+                into.change.photo.emplace();
+                if (const auto name = readOptionalText(value, "the photo")) {
+                    *into.change.photo = readFileContent(value, "the photo", context);
+                    into.photoName = *name;
+                }
+            },
+            type::text().schema};
 }
 
-void readPhoto(ChangeCamera& action, const YamlValue& value, const ReadContext& context)
+template <class Member, class T>
+Field<CameraValue> changeField(std::string_view key, std::optional<Member> CameraChange::* member, ValueType<T> type)
 {
-    action.change.photo.emplace();
-    if (const auto name = readOptionalText(value, "the photo")) {
-        *action.change.photo = readFileContent(value, "the photo", context);
-        action.photoName = *name;
-    }
+    return {key,
+            [key, member, read = std::move(type.read)](CameraValue& into, const YamlValue& value,
+                                                       const ReadContext& context) {
+                into.change.*member = read(value, inQuotes(key), context);
+            },
+            std::move(type.schema)};
 }
-
-constexpr std::array<FieldRow<ChangeCamera>, 6> cameraFields{{
-    {"authorization", [](auto& action, auto& value,
-                         auto&) { action.change.authorization = readWord(value, "authorization", authorizations); }},
-    {"devices", [](auto& action, auto& value, auto& context) { action.change.devices = readDevices(value, context); }},
-    {"brightness", readBrightness},
-    {"photo", readPhoto},
-    {"delay", [](auto& action, auto& value, auto&) { action.change.delay = readSpan(value, "'delay'"); }},
-    {"fail", [](auto& action, auto& value, auto&) { action.change.fails = readFlag(value, "'fail'"); }},
-}};
 
 } // namespace
 
-ChangeCamera readCamera(const YamlValue& value, const ReadContext& context)
+ValueType<CameraValue> cameraType()
 {
-    ChangeCamera action;
-    if (!value.isMap()) {
-        action.change.devices = readDevices(value, context);
-        return action;
-    }
-    readFields(value, "'camera'", cameraFields, action, context);
-    if (value.keys.empty()) {
-        throw SourceFault(value.line, "'camera' needs at least one key, as in {camera: {brightness: 0.05}}");
-    }
-    return action;
+    Fields<CameraValue> fields{
+        changeField("authorization", &CameraChange::authorization, type::word("authorization", authorizationWords)),
+        changeField("devices", &CameraChange::devices, camerasType()),
+        changeField("brightness", &CameraChange::brightness, type::orNone(type::number(0.0, 1.0))),
+        photoField(),
+        changeField("delay", &CameraChange::delay, type::span()),
+        changeField("fail", &CameraChange::fails, type::flag()),
+    };
+    auto devices = type::made(camerasType(), [](std::vector<CameraModel> cameras) {
+        CameraValue value;
+        value.change.devices = std::move(cameras);
+        return value;
+    });
+    return type::either(type::map(std::move(fields), "{camera: {brightness: 0.05}}"), std::move(devices));
 }
 
 } // namespace sentrel::simulation

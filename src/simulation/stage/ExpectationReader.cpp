@@ -1,10 +1,14 @@
 #include "simulation/stage/ExpectationReader.hpp"
 
 #include "core/TriggerReason.hpp"
+#include "ports/WindowConstants.hpp"
+#include "simulation/stage/MacSession.hpp"
+#include "simulation/stage/MacState.hpp"
+#include "simulation/stage/MacWords.hpp"
 #include "simulation/stage/SettingsReader.hpp"
-#include "simulation/stage/ValueReader.hpp"
 
 #include <algorithm>
+#include <iterator>
 #include <limits>
 #include <string>
 
@@ -12,301 +16,477 @@ namespace sentrel::simulation {
 
 namespace {
 
+using JsonType = ValueType<Json>;
+using JsonFields = Fields<Json>;
+
 /// A JPEG file's brightness is known no more precisely than this.
 constexpr double brightnessTolerance = 0.01;
 
-/// A key that can be expected, and the reader of its value.
-struct ExpectationRow {
-    std::string_view key;
-    Json (*read)(const YamlValue& value);
-    double tolerance = numberTolerance;
-};
+constexpr std::string_view expectedHere = "what is expected here";
 
-template <std::size_t Count>
-void readRows(const YamlValue& map, std::string_view what, const std::array<ExpectationRow, Count>& rows,
-              const auto& found)
+template <class T> JsonType json(ValueType<T> type)
 {
-    requireMap(map, what);
-    std::array<std::string_view, Count> keys;
-    for (std::size_t i = 0; i < Count; ++i) {
-        keys[i] = rows[i].key;
+    return type::made(std::move(type), [](T value) { return Json(std::move(value)); });
+}
+
+JsonType flag()
+{
+    return json(type::called(std::string{expectedHere}, type::flag()));
+}
+
+JsonType text()
+{
+    return json(type::called(std::string{expectedHere}, type::text()));
+}
+
+JsonType count()
+{
+    return json(type::called("a count", type::whole(0, std::numeric_limits<std::uint32_t>::max())));
+}
+
+JsonType level(std::string what)
+{
+    return json(type::called(std::move(what), type::number(0.0, 1.0)));
+}
+
+JsonType choice(std::vector<std::string_view> words)
+{
+    return json(type::oneOf("word", std::move(words)));
+}
+
+JsonType orNull(JsonType type)
+{
+    Json schema{{"anyOf", {{{"type", "null"}}, type.schema}}};
+    return {[read = std::move(type.read)](auto& value, auto what, auto& context) {
+                return value.isNull() ? Json{} : read(value, what, context);
+            },
+            std::move(schema)};
+}
+
+JsonType deviceOrNull()
+{
+    return {[](auto& value, auto, auto&) {
+                const auto device = readOptionalDevice(value);
+                return device ? Json(*device) : Json{};
+            },
+            type::orNone(type::audioDevice()).schema};
+}
+
+JsonType reason()
+{
+    std::vector<std::string_view> words;
+    for (const TriggerReason each : allTriggerReasons) {
+        words.push_back(rawValue(each));
     }
-    KeyChecker checker{keys, what};
-    for (std::size_t i = 0; i < map.keys.size(); ++i) {
-        const ExpectationRow& row = rows[checker.placeOf(map.keys[i])];
-        found(map.keys[i], row, row.read(map.items[i]));
-    }
+    return json(type::oneOf("reason", std::move(words)));
 }
 
-template <std::size_t Count>
-Json readObject(const YamlValue& map, std::string_view what, const std::array<ExpectationRow, Count>& rows)
+JsonType list(JsonType item)
 {
-    Json object = Json::object();
-    readRows(map, what, rows,
-             [&](const YamlValue& key, const ExpectationRow&, Json value) { object[key.text] = std::move(value); });
-    return object;
+    return json(type::called(std::string{expectedHere}, type::listOf(std::move(item))));
 }
 
-template <std::size_t Count>
-Json readNullableObject(const YamlValue& map, std::string_view what, const std::array<ExpectationRow, Count>& rows)
+Field<Json> member(std::string_view key, JsonType type)
 {
-    return map.isNull() ? Json{} : readObject(map, what, rows);
+    return {key,
+            [key, read = std::move(type.read)](Json& into, const YamlValue& value, const ReadContext& context) {
+                into[std::string{key}] = read(value, inQuotes(key), context);
+            },
+            std::move(type.schema)};
 }
 
-Json flag(const YamlValue& value)
+/// Some members of an object.
+JsonType object(JsonFields fields)
 {
-    return readFlag(value, "what is expected here");
+    Json schema = schemaOf(fields);
+    return {[fields = std::move(fields)](auto& value, auto what, auto& context) {
+                Json object = Json::object();
+                readFields(value, what, fields, object, context);
+                return object;
+            },
+            std::move(schema)};
 }
 
-Json text(const YamlValue& value)
+JsonType listItem(JsonFields fields)
 {
-    return readText(value, "what is expected here");
-}
-
-Json textOrNull(const YamlValue& value)
-{
-    return value.isNull() ? Json{} : text(value);
+    return type::called("an item of the list", object(std::move(fields)));
 }
 
 /// Text; an empty one must be in quotes.
-Json messageOrNull(const YamlValue& value)
+JsonType messageOrNull()
 {
-    const bool isEmpty = value.kind == YamlValue::Kind::quoted && value.text.empty();
-    return isEmpty ? Json("") : textOrNull(value);
+    return orNull(json(type::called(std::string{expectedHere}, type::anyText())));
 }
-
-Json count(const YamlValue& value)
-{
-    return readWhole(value, "a count", 0, std::numeric_limits<std::uint32_t>::max());
-}
-
-Json countOrNull(const YamlValue& value)
-{
-    return value.isNull() ? Json{} : count(value);
-}
-
-Json level(const YamlValue& value)
-{
-    return readNumber(value, "a volume", 0.0, 1.0);
-}
-
-Json brightness(const YamlValue& value)
-{
-    return readNumber(value, "a brightness", 0.0, 1.0);
-}
-
-Json deviceOrNull(const YamlValue& value)
-{
-    const auto device = readOptionalDevice(value);
-    return device ? Json(*device) : Json();
-}
-
-Json reason(const YamlValue& value)
-{
-    std::array<std::string_view, allTriggerReasons.size()> words;
-    for (std::size_t i = 0; i < words.size(); ++i) {
-        words[i] = rawValue(allTriggerReasons[i]);
-    }
-    return words[readChoice(value, "reason", words)];
-}
-
-Json reasonOrNull(const YamlValue& value)
-{
-    return value.isNull() ? Json{} : reason(value);
-}
-
-template <Json (*readItem)(const YamlValue&)> Json list(const YamlValue& value)
-{
-    requireList(value, "what is expected here");
-    Json items = Json::array();
-    for (const YamlValue& item : value.items) {
-        items.push_back(readItem(item));
-    }
-    return items;
-}
-
-template <const auto& words> Json choice(const YamlValue& value)
-{
-    return words[readChoice(value, "word", words)];
-}
-
-constexpr std::array<std::string_view, 2> soundModes{"tone", "beep"};
-constexpr std::array<std::string_view, 3> coverStates{"hidden", "shown", "locked-out"};
-constexpr std::array<std::string_view, 2> sessionStates{"on", "off"};
-constexpr std::array<std::string_view, 3> musicStates{"playing", "paused", "absent"};
-
-constexpr std::array<ExpectationRow, 4> alertRows{
-    {{"reason", reason}, {"deviceName", text}, {"photo", flag}, {"pendingUpload", flag}}};
-constexpr std::array<ExpectationRow, 3> soundRows{
-    {{"mode", choice<soundModes>}, {"device", deviceOrNull}, {"volume", level}}};
-constexpr std::array<ExpectationRow, 3> photoRows{
-    {{"width", countOrNull}, {"height", countOrNull}, {"brightness", brightness}}};
-constexpr std::array<ExpectationRow, 2> deviceRows{{{"volume", level}, {"muted", flag}}};
 
 /// A section's name; those of months and years include which one.
-Json section(const YamlValue& value)
+JsonType section()
 {
-    static constexpr std::array<std::string_view, 6> words{"today",      "yesterday", "this-week",
-                                                           "this-month", "month-",    "year-"};
-    std::string id = readText(value, "a section");
-    const bool isKnown = std::ranges::find(words, id) != words.end();
-    if (!isKnown && !id.starts_with("month-") && !id.starts_with("year-")) {
-        throw SourceFault(value.line, unknownWord("section", id, words));
-    }
-    return id;
-}
-
-template <const auto& rows> Json item(const YamlValue& value)
-{
-    return readObject(value, "an item of the list", rows);
-}
-
-constexpr std::array<std::string_view, 3> storageWords{"cloud", "localMac", "pendingUpload"};
-constexpr std::array<ExpectationRow, 2> listedAlertRows{{{"reason", reason}, {"storage", choice<storageWords>}}};
-constexpr std::array<ExpectationRow, 2> listedMacRows{{{"deviceName", text}, {"isArmed", flag}}};
-constexpr std::array<ExpectationRow, 3> phoneRows{
-    {{"alerts", count}, {"notifications", count}, {"macs", list<item<listedMacRows>>}}};
-constexpr std::array<ExpectationRow, 3> cloudRows{
-    {{"isAvailable", flag}, {"isReachable", flag}, {"lastSyncError", textOrNull}}};
-
-Json lastAlert(const YamlValue& value)
-{
-    return readNullableObject(value, "'lastAlert'", alertRows);
-}
-
-Json photo(const YamlValue& value)
-{
-    return readNullableObject(value, "'photo'", photoRows);
-}
-
-Json sound(const YamlValue& value)
-{
-    return readNullableObject(value, "'sound'", soundRows);
-}
-
-Json phone(const YamlValue& value)
-{
-    return readNullableObject(value, "'phone'", phoneRows);
-}
-
-Json cloudState(const YamlValue& value)
-{
-    return readNullableObject(value, "'icloud'", cloudRows);
+    return {[](auto& value, auto, auto&) {
+                static constexpr std::array<std::string_view, 6> words{"today",      "yesterday", "this-week",
+                                                                       "this-month", "month-",    "year-"};
+                const std::string id = readText(value, "a section");
+                const bool isKnown = std::ranges::find(words, id) != words.end();
+                if (!isKnown && !id.starts_with("month-") && !id.starts_with("year-")) {
+                    throw SourceFault(value.line, unknownWord("section", id, words));
+                }
+                return Json(id);
+            },
+            {{"type", "string"}, {"pattern", "^(today|yesterday|this-week|this-month|month-.*|year-.*)$"}}};
 }
 
 /// Devices by their numbers; null for one that must not be there.
-Json devices(const YamlValue& value)
+JsonType devices()
 {
-    refuseDuplicates(value, "'devices'");
-    Json object = Json::object();
-    for (std::size_t i = 0; i < value.keys.size(); ++i) {
-        const std::string id = std::to_string(readDevice(value.keys[i]));
-        object[id] = readNullableObject(value.items[i], "an audio device", deviceRows);
-    }
-    return object;
+    const auto device = orNull(type::called("an audio device", object({
+                                                                   member("volume", level("a volume")),
+                                                                   member("muted", flag()),
+                                                               })));
+    return {[read = device.read](auto& value, auto what, auto& context) {
+                refuseDuplicates(value, what);
+                Json object = Json::object();
+                for (std::size_t i = 0; i < value.keys.size(); ++i) {
+                    object[std::to_string(readDevice(value.keys[i]))] = read(value.items[i], what, context);
+                }
+                return object;
+            },
+            {{"type", "object"}, {"additionalProperties", device.schema}}};
 }
 
 /// Some of a window's texts, in their order; or a map of texts present and texts absent.
-Json someTexts(const YamlValue& value)
+JsonType someTexts()
 {
-    static constexpr std::array<ExpectationRow, 2> rows{{{containedItems, list<text>}, {absentItems, list<text>}}};
-    return value.isMap() ? readObject(value, "'texts'", rows) : Json{{containedItems, list<text>(value)}};
+    auto present = type::made(list(text()), [](Json texts) { return Json{{containedItems, std::move(texts)}}; });
+    return type::either(object({member(containedItems, list(text())), member(absentItems, list(text()))}),
+                        std::move(present));
 }
 
-Json listOrNull(const YamlValue& value)
+JsonType shellWindow()
 {
-    return value.isNull() ? Json{} : list<text>(value);
+    return type::called("a window", object({
+                                        member("visible", flag()),
+                                        member("size", list(json(type::called("a number of points", type::number())))),
+                                        member("texts", someTexts()),
+                                    }));
 }
 
-Json number(const YamlValue& value)
+Json jsonOf(const std::optional<std::string>& text)
 {
-    return readNumber(value, "a number of points");
+    return text ? Json(*text) : Json{};
 }
 
-constexpr std::array<std::string_view, 2> icons{"MenuBarIcon", "MenuBarIconArmed"};
-constexpr std::array<std::string_view, 2> policies{"accessory", "regular"};
-constexpr std::array<std::string_view, 3> quitStates{"running", "asked", "quit"};
-constexpr std::array<ExpectationRow, 3> windowRows{{{"visible", flag}, {"size", list<number>}, {"texts", someTexts}}};
-
-Json shellWindow(const YamlValue& value)
+/// The last alert on the disk.
+Json lastAlert(const MacState& state)
 {
-    return readObject(value, "a window", windowRows);
+    if (state.alerts().empty()) {
+        return nullptr;
+    }
+    const StoredAlert& last = state.alerts().back();
+    return {{"reason", rawValue(last.alert.reason)},
+            {"deviceName", last.alert.deviceName},
+            {"photo", state.photoOf(last).has_value()},
+            {"pendingUpload", last.pendingUpload}};
 }
 
-constexpr std::array<ExpectationRow, 2> windowsRows{{{"main", shellWindow}, {"alerts", shellWindow}}};
-
-Json windows(const YamlValue& value)
+Json alertReasons(const MacState& state)
 {
-    return readObject(value, "'window'", windowsRows);
+    Json reasons = Json::array();
+    for (const StoredAlert& stored : state.alerts()) {
+        reasons.push_back(rawValue(stored.alert.reason));
+    }
+    return reasons;
 }
 
-template <const auto& words> Json choiceOrNull(const YamlValue& value)
+std::string_view nameOf(AlertStorageLocation location)
 {
-    return value.isNull() ? Json{} : choice<words>(value);
+    switch (location) {
+    case AlertStorageLocation::cloud:
+        return "cloud";
+    case AlertStorageLocation::localMac:
+        return "localMac";
+    case AlertStorageLocation::pendingUpload:
+        break;
+    }
+    return "pendingUpload";
 }
 
-constexpr std::array<ExpectationRow, 38> expectationRows{{
-    {"isArmed", flag},
-    {"isAlarmActive", flag},
-    {"statusMessage", text},
-    {"lastTrigger", reasonOrNull},
-    {"lastError", textOrNull},
-    {"cameraWarning", textOrNull},
-    {"motionWarning", textOrNull},
-    {"alerts", count},
-    {"lastAlert", lastAlert},
-    {"alertReasons", list<reason>},
-    {"sound", sound},
-    {"devices", devices},
-    {"defaultOutput", deviceOrNull},
-    {"music", choice<musicStates>},
-    {"assertions", list<text>},
-    {"settings", readSettings},
-    {"photo", photo, brightnessTolerance},
-    {"cameraSession", choice<sessionStates>},
-    {"loginsAsked", count},
-    {"cover", choice<coverStates>},
-    {"coverMessage", messageOrNull},
-    {"coverWindows", count},
-    {"icon", choiceOrNull<icons>},
-    {"menu", listOrNull},
-    {"window", windows},
-    {"dialogs", list<text>},
-    {"activationPolicy", choiceOrNull<policies>},
-    {"quit", choice<quitStates>},
-    {"cloudAlerts", count},
-    {"phone", phone},
-    {"pendingUploads", count},
-    {"pendingDeletions", count},
-    {"alertRows", list<item<listedAlertRows>>},
-    {"sections", list<section>},
-    {"infoMessage", textOrNull},
-    {"errorMessage", textOrNull},
-    {"icloud", cloudState},
-    {"syncError", textOrNull},
-}};
+Json alertRows(SentrelApp& app)
+{
+    Json rows = Json::array();
+    for (const AlertRow& row : *app.alertsService().alerts.get()) {
+        rows.push_back({{"reason", rawValue(row.alert.reason)}, {"storage", nameOf(row.storageLocation)}});
+    }
+    return rows;
+}
+
+Json sections(SentrelApp& app)
+{
+    Json names = Json::array();
+    for (const AlertSection& each : app.alertsService().sections()) {
+        names.push_back(each.id);
+    }
+    return names;
+}
+
+Json cloudOf(SentrelApp& app)
+{
+    CloudKitService& cloud = app.cloud();
+    return {{"isAvailable", cloud.isAvailable.get()},
+            {"isReachable", cloud.isReachable.get()},
+            {"lastSyncError", jsonOf(cloud.lastSyncError.get())}};
+}
+
+std::string_view coverOf(MacSession& session)
+{
+    if (session.mac().displays.covers().empty()) {
+        return "hidden";
+    }
+    return session.app() != nullptr && session.app()->cover().lockoutEnd() ? "locked-out" : "shown";
+}
+
+std::string_view quitStateOf(MacSession& session)
+{
+    if (session.app() == nullptr) {
+        return "quit";
+    }
+    return session.app()->delegate().quitState() == MacAppDelegate::QuitState::running ? "running" : "asked";
+}
+
+Json activationPolicyOf(MacSession& session)
+{
+    const bool isRegular = session.mac().application.activationPolicy() == ports::regularActivationPolicy;
+    return session.app() == nullptr ? Json{} : Json(isRegular ? "regular" : "accessory");
+}
+
+/// A key that can be expected: how its value is read, and how the state is observed.
+struct ExpectationRow {
+    std::string_view key;
+    std::string_view meaning;
+    JsonType type;
+    std::function<Json(MacSession& session, const MacState& state)> observe;
+    double tolerance = numberTolerance;
+};
+
+/// State that the devices show.
+template <class Observe>
+ExpectationRow shown(std::string_view key, std::string_view meaning, JsonType type, Observe observe)
+{
+    return {key, meaning, std::move(type), [observe](MacSession& session, const MacState& state) -> Json {
+                if constexpr (std::is_invocable_v<Observe, const MacState&>) {
+                    return observe(state);
+                } else {
+                    return observe(session);
+                }
+            }};
+}
+
+/// State of the product; `otherwise` while it isn't running.
+template <class Observe>
+ExpectationRow told(std::string_view key, std::string_view meaning, JsonType type, Observe observe, Json otherwise = {})
+{
+    return {key, meaning, std::move(type),
+            [observe, otherwise = std::move(otherwise)](MacSession& session, const MacState&) -> Json {
+                return session.app() == nullptr ? otherwise : observe(*session.app());
+            }};
+}
+
+/// A notice of the product, or null.
+template <class Observe> ExpectationRow notice(std::string_view key, std::string_view meaning, Observe observe)
+{
+    return told(key, meaning, orNull(text()), [observe](SentrelApp& app) { return jsonOf(observe(app).get()); });
+}
+
+/// Reads from the devices.
+template <class Read> auto ofMac(Read read)
+{
+    return [read](MacSession& session) -> Json { return read(session.mac()); };
+}
+
+std::vector<ExpectationRow> alarmRows()
+{
+    return {
+        shown("isArmed", "the menu bar shows Sentrel as armed", flag(), [](const MacState& s) { return s.isArmed(); }),
+        shown("isAlarmActive", "the menu offers to stop the alarm", flag(),
+              [](const MacState& s) { return s.isAlarmActive(); }),
+        told("statusMessage", "the status line", text(),
+             [](SentrelApp& app) { return Json(app.coordinator().statusMessage.get()); }),
+        told("lastTrigger", "reason of the last trigger", orNull(reason()),
+             [](SentrelApp& app) {
+                 const auto& last = app.coordinator().lastTrigger.get();
+                 return last ? Json(rawValue(*last)) : Json{};
+             }),
+        notice("lastError", "the error notice", [](SentrelApp& app) -> auto& { return app.coordinator().lastError; }),
+        notice("cameraWarning", "the notice about the camera",
+               [](SentrelApp& app) -> auto& { return app.coordinator().cameraWarning; }),
+        notice("motionWarning", "the notice about the motion sensor",
+               [](SentrelApp& app) -> auto& { return app.coordinator().motionWarning; }),
+        shown("settings", "the settings on the disk", settingsType(), [](const MacState& s) { return s.settings(); }),
+    };
+}
+
+std::vector<ExpectationRow> storedAlertRows()
+{
+    ExpectationRow photo = shown("photo", "measurements of the last alert's photo",
+                                 orNull(object({member("width", orNull(count())), member("height", orNull(count())),
+                                                member("brightness", level("a brightness"))})),
+                                 [](const MacState& state) { return state.lastPhoto(); });
+    photo.tolerance = brightnessTolerance;
+    return {
+        shown("alerts", "number of alerts on the disk", count(), [](const MacState& s) { return s.alerts().size(); }),
+        shown("lastAlert", "the last alert on the disk",
+              orNull(object({member("reason", reason()), member("deviceName", text()), member("photo", flag()),
+                             member("pendingUpload", flag())})),
+              lastAlert),
+        shown("alertReasons", "reasons of the alerts on the disk, oldest first", list(reason()), alertReasons),
+        std::move(photo),
+        shown("pendingUploads", "number of alerts on the disk that await their upload", count(),
+              [](const MacState& s) { return std::ranges::count(s.alerts(), true, &StoredAlert::pendingUpload); }),
+        shown("pendingDeletions", "number of deletions that are owed to iCloud", count(),
+              [](const MacState& s) { return s.pendingDeletions(); }),
+    };
+}
+
+std::vector<ExpectationRow> hardwareRows()
+{
+    return {
+        shown("sound", "the alarm that is heard",
+              orNull(object({member("mode", choice({"tone", "beep"})), member("device", deviceOrNull()),
+                             member("volume", level("a volume"))})),
+              [](const MacState& s) { return s.sound(); }),
+        shown("devices", "audio devices by number", devices(), [](const MacState& s) { return s.audioDevices(); }),
+        shown("defaultOutput", "id of the default output", deviceOrNull(), ofMac([](SimulatedMac& m) {
+                  const auto device = m.audio.defaultOutput();
+                  return device ? Json(*device) : Json{};
+              })),
+        shown("music", "playback of the Music app", choice({"playing", "paused", "absent"}),
+              ofMac([](SimulatedMac& m) { return wordFor(musicWords, m.music.playback()); })),
+        shown("assertions", "names of the power assertions held", list(text()),
+              ofMac([](SimulatedMac& m) { return m.assertions.held(); })),
+        shown("cameraSession", "whether the camera runs", choice({"on", "off"}),
+              ofMac([](SimulatedMac& m) { return m.camera.isSessionRunning() ? "on" : "off"; })),
+        shown("loginsAsked", "how often the login was asked", count(),
+              ofMac([](SimulatedMac& m) { return m.login.reasonsAsked().size(); })),
+    };
+}
+
+std::vector<ExpectationRow> screenRows()
+{
+    return {
+        shown("cover", "the lock screen", choice({"hidden", "shown", "locked-out"}), coverOf),
+        shown("coverMessage", "the message on the lock screen", messageOrNull(),
+              [](const MacState& s) { return jsonOf(s.coverMessage()); }),
+        shown("coverWindows", "number of displays that the lock screen covers", count(),
+              ofMac([](SimulatedMac& m) { return m.displays.covers().size(); })),
+        shown("icon", "the image in the menu bar", orNull(choice({"MenuBarIcon", "MenuBarIconArmed"})),
+              ofMac([](SimulatedMac& m) {
+                  const auto item = m.statusBar.item();
+                  return item ? Json(item->image) : Json{};
+              })),
+        shown("menu", "the texts of the open menu", orNull(list(text())),
+              [](const MacState& s) {
+                  const auto texts = s.menu();
+                  return texts ? Json(*texts) : Json{};
+              }),
+        shown("window", "the windows", object({member("main", shellWindow()), member("alerts", shellWindow())}),
+              [](const MacState& s) {
+                  return Json{{"main", s.window(mainWindow.identifier)}, {"alerts", s.window(alertsWindow.identifier)}};
+              }),
+        shown("dialogs", "texts of the open questions and notices", list(text()),
+              [](const MacState& s) { return s.dialogs(); }),
+        shown("activationPolicy", "whether Sentrel stands in the Dock", orNull(choice({"accessory", "regular"})),
+              activationPolicyOf),
+        shown("quit", "whether Sentrel is quitting", choice({"running", "asked", "quit"}), quitStateOf),
+    };
+}
+
+std::vector<ExpectationRow> listAndCloudRows()
+{
+    return {
+        shown("cloudAlerts", "number of alerts in iCloud", count(), [](const MacState& s) { return s.cloudAlerts(); }),
+        shown(
+            "phone", "what the phone shows",
+            orNull(object({member("alerts", count()), member("notifications", count()),
+                           member("macs", list(listItem({member("deviceName", text()), member("isArmed", flag())})))})),
+            [](const MacState& s) { return s.phone(); }),
+        told("alertRows", "the list of alerts",
+             list(listItem(
+                 {member("reason", reason()), member("storage", choice({"cloud", "localMac", "pendingUpload"}))})),
+             alertRows, Json::array()),
+        told("sections", "the sections of the list", list(section()), sections, Json::array()),
+        notice("infoMessage", "the list's notice",
+               [](SentrelApp& app) -> auto& { return app.alertsService().infoMessage; }),
+        notice("errorMessage", "the list's error",
+               [](SentrelApp& app) -> auto& { return app.alertsService().errorMessage; }),
+        told("icloud", "Sentrel's view of iCloud",
+             orNull(object({member("isAvailable", flag()), member("isReachable", flag()),
+                            member("lastSyncError", orNull(text()))})),
+             cloudOf),
+        notice("syncError", "the error of the last publication",
+               [](SentrelApp& app) -> auto& { return app.presence().syncError; }),
+    };
+}
+
+const std::vector<ExpectationRow>& rows()
+{
+    static const std::vector<ExpectationRow> all = [] {
+        std::vector<ExpectationRow> together;
+        for (auto* const subject : {alarmRows, storedAlertRows, hardwareRows, screenRows, listAndCloudRows}) {
+            std::ranges::move(subject(), std::back_inserter(together));
+        }
+        return together;
+    }();
+    return all;
+}
+
+Fields<std::vector<Expectation>> expectationFields()
+{
+    Fields<std::vector<Expectation>> fields;
+    for (const ExpectationRow& row : rows()) {
+        fields.push_back({row.key,
+                          [&row](std::vector<Expectation>& into, const YamlValue& value, const ReadContext& context) {
+                              Json expected = row.type.read(value, inQuotes(row.key), context);
+                              into.push_back({std::string{row.key}, std::move(expected), 0, row.tolerance});
+                          },
+                          type::about(row.meaning, row.type).schema});
+    }
+    return fields;
+}
 
 } // namespace
+
+ValueType<std::vector<Expectation>> expectationsType()
+{
+    const auto fields = expectationFields();
+    return {[fields](auto& value, auto what, auto& context) {
+                std::vector<Expectation> expectations;
+                readFields(value, what, fields, expectations, context);
+                for (std::size_t i = 0; i < expectations.size(); ++i) {
+                    expectations[i].line = value.keys[i].line;
+                }
+                if (expectations.empty()) {
+                    throw SourceFault(value.line, "'expect' expects nothing: give it at least one key");
+                }
+                return expectations;
+            },
+            schemaOf(fields)};
+}
 
 std::vector<std::string_view> expectationNames()
 {
     std::vector<std::string_view> names;
-    for (const ExpectationRow& row : expectationRows) {
+    for (const ExpectationRow& row : rows()) {
         names.push_back(row.key);
     }
     return names;
 }
 
-std::vector<Expectation> readExpectations(const YamlValue& value)
+Json stateOf(MacSession& session)
 {
-    std::vector<Expectation> expectations;
-    readRows(value, "'expect'", expectationRows, [&](const YamlValue& key, const ExpectationRow& row, Json expected) {
-        expectations.push_back({key.text, std::move(expected), key.line, row.tolerance});
-    });
-    if (expectations.empty()) {
-        throw SourceFault(value.line, "'expect' expects nothing: give it at least one key");
+    const MacState mac{session};
+    Json state = Json::object();
+    for (const ExpectationRow& row : rows()) {
+        state[std::string{row.key}] = row.observe(session, mac);
     }
-    return expectations;
+    return state;
 }
 
 } // namespace sentrel::simulation

@@ -1,9 +1,7 @@
 #include "simulation/stage/MacReader.hpp"
 
 #include "simulation/mac/language/IcuCalendar.hpp"
-#include "simulation/stage/AudioReader.hpp"
-#include "simulation/stage/CameraReader.hpp"
-#include "simulation/stage/CloudReader.hpp"
+#include "simulation/stage/MacWords.hpp"
 
 #include <algorithm>
 
@@ -12,162 +10,143 @@ namespace sentrel::simulation {
 namespace {
 
 using Mac = MacDescription;
-
-constexpr std::array<Word<Mac::Power>, 3> powers{
-    {{"ac", Mac::Power::ac}, {"battery", Mac::Power::battery}, {"unknown", Mac::Power::unknown}}};
-constexpr std::array<Word<Mac::Lid>, 3> lids{
-    {{"open", Mac::Lid::open}, {"closed", Mac::Lid::closed}, {"absent", Mac::Lid::absent}}};
-constexpr std::array<Word<Mac::Accelerometer>, 3> accelerometers{{{"present", Mac::Accelerometer::present},
-                                                                  {"absent", Mac::Accelerometer::absent},
-                                                                  {"resting", Mac::Accelerometer::resting}}};
-constexpr std::array<Word<Mac::Music>, 3> musics{
-    {{"playing", Mac::Music::playing}, {"paused", Mac::Music::paused}, {"absent", Mac::Music::absent}}};
-constexpr std::array<Word<Mac::Consent>, 3> consents{{{"granted", Mac::Consent::granted},
-                                                      {"denied", Mac::Consent::denied},
-                                                      {"undetermined", Mac::Consent::undetermined}}};
-
-constexpr std::array<Word<LoginAnswer>, 4> loginAnswers{{{"succeed", LoginAnswer::succeed},
-                                                         {"fail", LoginAnswer::fail},
-                                                         {"cancel", LoginAnswer::cancel},
-                                                         {"unavailable", LoginAnswer::unavailable}}};
-
-/// A description being read. References between keys are checked after all keys.
-struct Draft {
-    Mac mac;
-    const YamlValue* defaultOutput = nullptr;
-};
+using type::about;
+using type::orNone;
+using type::word;
 
 /// A text from an open list, with examples for the message, such as "'language' must be one such as de".
-std::string readListed(const YamlValue& value, const std::string& key, bool (*isListed)(const std::string&),
-                       const char* examples)
+ValueType<std::string> listed(bool (*isListed)(const std::string&), std::string examples)
 {
-    std::string text = readText(value, key);
-    if (!isListed(text)) {
-        throw SourceFault(value.line,
-                          key + " must be one such as " + examples + ", and " + inQuotes(text) + " is none");
-    }
-    return text;
+    auto type = type::text();
+    type.read = [isListed, examples = std::move(examples)](auto& value, auto what, auto&) {
+        std::string text = readText(value, what);
+        if (!isListed(text)) {
+            throw SourceFault(value.line, std::string{what} + " must be one such as " + examples + ", and " +
+                                              inQuotes(text) + " is none");
+        }
+        return text;
+    };
+    return type;
 }
 
-/// A bundle identifier. It becomes part of paths and must not lead out of the Mac's disk.
-std::optional<std::string> readBundleIdentifier(const YamlValue& value)
+/// Becomes part of paths and must not lead out of the Mac's disk.
+ValueType<std::string> bundleIdentifierType()
 {
-    constexpr std::string_view permitted = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789.-";
-    auto identifier = readOptionalText(value, "'bundleIdentifier'");
-    const bool isPlain = !identifier || (identifier->find_first_not_of(permitted) == std::string::npos &&
-                                         identifier->find_first_not_of('.') != std::string::npos);
-    if (!isPlain) {
-        throw SourceFault(value.line, "'bundleIdentifier' must have letters, digits, '.' and '-' alone, unlike " +
-                                          inQuotes(*identifier));
-    }
-    return identifier;
+    auto type = type::text();
+    type.read = [](auto& value, auto what, auto&) {
+        constexpr std::string_view permitted = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789.-";
+        std::string text = readText(value, what);
+        if (text.find_first_not_of(permitted) != std::string::npos ||
+            text.find_first_not_of('.') == std::string::npos) {
+            throw SourceFault(value.line, "'bundleIdentifier' may contain only letters, digits, '.' and '-', unlike " +
+                                              inQuotes(text));
+        }
+        return text;
+    };
+    return type;
 }
 
-constexpr std::array<FieldRow<Draft>, 19> macFields{{
-    {"model", [](auto& draft, auto& value, auto&) { draft.mac.model = readText(value, "'model'"); }},
-    {"productName",
-     [](auto& draft, auto& value, auto&) { draft.mac.productName = readOptionalText(value, "'productName'"); }},
-    {"localizedName",
-     [](auto& draft, auto& value, auto&) { draft.mac.localizedName = readOptionalText(value, "'localizedName'"); }},
-    {"language",
-     [](auto& draft, auto& value, auto&) {
-         draft.mac.language = readListed(value, "'language'", IcuCalendar::isLocale, "de, fr_CA or zh-Hans");
-     }},
-    {"timeZone",
-     [](auto& draft, auto& value, auto&) {
-         draft.mac.timeZone = readListed(value, "'timeZone'", IcuCalendar::isTimeZone, "UTC or Europe/Paris");
-     }},
-    {"power", [](auto& draft, auto& value, auto&) { draft.mac.power = readPower(value); }},
-    {"lid", [](auto& draft, auto& value, auto&) { draft.mac.lid = readWord(value, "lid", lids); }},
-    {"accelerometer", [](auto& draft, auto& value,
-                         auto&) { draft.mac.accelerometer = readWord(value, "accelerometer", accelerometers); }},
-    {"audio", [](auto& draft, auto& value, auto& context) { draft.mac.audio = readAudioDevices(value, context); }},
-    {"defaultOutput",
-     [](auto& draft, auto& value, auto&) {
-         draft.mac.defaultOutput = readOptionalDevice(value);
-         draft.defaultOutput = &value;
-     }},
-    {"music", [](auto& draft, auto& value, auto&) { draft.mac.music = readWord(value, "music", musics); }},
-    {"automationConsent",
-     [](auto& draft, auto& value, auto&) { draft.mac.automationConsent = readWord(value, "consent", consents); }},
-    {"bundleIdentifier",
-     [](auto& draft, auto& value, auto&) { draft.mac.bundleIdentifier = readBundleIdentifier(value); }},
-    {"displays", [](auto& draft, auto& value, auto&) { draft.mac.displays = readDisplayCount(value); }},
-    {"camera", [](auto& draft, auto& value, auto& context) { draft.mac.camera = readCamera(value, context).change; }},
-    {"icloud",
-     [](auto& draft, auto& value, auto& context) {
-         draft.mac.iCloud = readCloud(value, context).change;
-         if (!draft.mac.iCloud.account && !draft.mac.iCloud.user) {
-             draft.mac.iCloud.account = ports::CloudAccountStatus::available;
-         }
-     }},
-    {"login", [](auto& draft, auto& value, auto&) { draft.mac.login = readLoginAnswer(value); }},
-    {"passcode", [](auto& draft, auto& value, auto&) { draft.mac.passcode = readText(value, "'passcode'"); }},
-    {"files",
-     [](auto& draft, auto& value, auto& context) {
-         const auto folder = readPath(value, "the folder", context);
-         std::error_code error;
-         if (!std::filesystem::is_directory(folder, error)) {
-             throw SourceFault(value.line, "'files' must be a folder, and " + inQuotes(value.text) + " is none");
-         }
-         draft.mac.files = folder;
-     }},
-}};
+ValueType<std::filesystem::path> folderType()
+{
+    return {[](auto& value, auto what, auto& context) {
+                const auto folder = readPath(value, "the folder", context);
+                std::error_code error;
+                if (!std::filesystem::is_directory(folder, error)) {
+                    throw SourceFault(value.line, std::string{what} + " must be a folder, and " + inQuotes(value.text) +
+                                                      " is none");
+                }
+                return folder;
+            },
+            type::text().schema};
+}
+
+/// A Mac that mentions iCloud has an account unless it says otherwise.
+CloudChange withAccount(CloudChange cloud)
+{
+    if (!cloud.account && !cloud.user) {
+        cloud.account = ports::CloudAccountStatus::available;
+    }
+    return cloud;
+}
+
+const Fields<Mac>& macFields()
+{
+    static const Fields<Mac> fields{
+        field("model", &Mac::model, about("hardware model", type::text())),
+        field("productName", &Mac::productName, about("the firmware's product name", orNone(type::text()))),
+        field("localizedName", &Mac::localizedName, about("the computer's name", orNone(type::text()))),
+        field("language", &Mac::language,
+              about("language and region of the user", listed(IcuCalendar::isLocale, "de, fr_CA or zh-Hans"))),
+        field("timeZone", &Mac::timeZone,
+              about("a name of the time zone database", listed(IcuCalendar::isTimeZone, "UTC or Europe/Paris"))),
+        field("power", &Mac::power, word("power", powerWords)),
+        field("lid", &Mac::lid, word("lid", lidWords)),
+        field("accelerometer", &Mac::accelerometer, word("accelerometer", accelerometerWords)),
+        field("audio", &Mac::audio, audioDevicesType()),
+        field("defaultOutput", &Mac::defaultOutput, about("id of an audio device", orNone(type::audioDevice()))),
+        field("music", &Mac::music, word("music", musicWords)),
+        field("automationConsent", &Mac::automationConsent,
+              about("whether Sentrel may control Music", word("consent", consentWords))),
+        field("bundleIdentifier", &Mac::bundleIdentifier,
+              about("none for an unbundled program", orNone(bundleIdentifierType()))),
+        field("displays", &Mac::displays, displaysType()),
+        field("camera", &Mac::camera, type::made(cameraType(), [](CameraValue value) { return value.change; })),
+        field("icloud", &Mac::iCloud, type::made(cloudType(), withAccount)),
+        field("login", &Mac::login, about("answer to the login panel", word("login", loginWords))),
+        field("passcode", &Mac::passcode, about("the unlock passcode that is set", type::text())),
+        field("files", &Mac::files,
+              about("folder with \"Application Support\" and \"Preferences\" to start with", folderType())),
+    };
+    return fields;
+}
 
 bool hasDevice(const Mac& mac, std::uint32_t id)
 {
-    return std::ranges::any_of(mac.audio, [&](const auto& device) { return device.id == id; });
+    return std::ranges::find(mac.audio, id, &AudioDevice::id) != mac.audio.end();
 }
 
-void settleDefaultOutput(Draft& draft)
+/// Checks the default output, or settles one that is not given.
+void settleDefaultOutput(Mac& mac, const YamlValue& value)
 {
-    Mac& mac = draft.mac;
     if (mac.defaultOutput && hasDevice(mac, *mac.defaultOutput)) {
         return;
     }
-    if (draft.defaultOutput == nullptr) {
+    const auto key = std::ranges::find(value.keys, "defaultOutput", &YamlValue::text);
+    if (key == value.keys.end()) {
         mac.defaultOutput = mac.audio.empty() ? std::nullopt : std::optional{mac.audio.front().id};
-        return;
-    }
-    if (mac.defaultOutput) {
-        throw SourceFault(draft.defaultOutput->line,
-                          "'defaultOutput' is " + draft.defaultOutput->text + ", but no audio device has this id");
+    } else if (mac.defaultOutput) {
+        throw SourceFault(key->line, "'defaultOutput' is " + std::to_string(*mac.defaultOutput) +
+                                         ", but no audio device has this id");
     }
 }
 
 } // namespace
 
-Mac readMac(const YamlValue& value, const ReadContext& context)
+ValueType<Mac> macType()
 {
-    Draft draft;
-    readFields(value, "'mac'", macFields, draft, context);
-    settleDefaultOutput(draft);
-    return draft.mac;
+    return {[](auto& value, auto what, auto& context) {
+                Mac mac;
+                readFields(value, what, macFields(), mac, context);
+                settleDefaultOutput(mac, value);
+                return mac;
+            },
+            schemaOf(macFields())};
 }
 
 std::vector<std::string_view> macNames()
 {
     std::vector<std::string_view> names;
-    for (const auto& field : macFields) {
+    for (const auto& field : macFields()) {
         names.push_back(field.key);
     }
     return names;
 }
 
-Mac::Power readPower(const YamlValue& value)
-{
-    return readWord(value, "power", powers);
-}
-
-std::size_t readDisplayCount(const YamlValue& value)
+ValueType<std::size_t> displaysType()
 {
     constexpr std::uint32_t mostDisplays = 16;
-    return readWhole(value, "the number of displays", 0, mostDisplays);
-}
-
-LoginAnswer readLoginAnswer(const YamlValue& value)
-{
-    return readWord(value, "login", loginAnswers);
+    return type::called("the number of displays", type::made(type::whole(0, mostDisplays),
+                                                             [](std::uint32_t count) { return std::size_t{count}; }));
 }
 
 } // namespace sentrel::simulation

@@ -1,28 +1,44 @@
 #pragma once
 
 #include "simulation/mac/MacDescription.hpp"
-#include "simulation/stage/ValueReader.hpp"
+#include "simulation/stage/ValueType.hpp"
+
+#include <string>
+#include <string_view>
+#include <vector>
 
 namespace sentrel::simulation {
 
-/// The `mac` of a scenario; omitted keys have the defaults of `MacDescription`. Throws `SourceFault`.
-///
-/// An audio device needs its `id`. By default it is built in, at half volume, with 'vmvc' and 'mute' on output element
-/// 0. `elements` lists its properties and their elements: `[0, 1]` (all of vmvc, volm and mute), `{vmvc: [0], volm: [1,
-/// 2]}`, or with values `{volm: {1: 0.3, 2: 0.5}, mute: {0: true}}`. `transport` is a word such as `built-in` or its
-/// four-character code. Without `defaultOutput` the output is device 73, or else the first one.
-[[nodiscard]] MacDescription readMac(const YamlValue& value, const ReadContext& context);
+// The parts of a scenario that describe a Mac. Some are also values of actions.
+
+/// The `mac` of a scenario; omitted keys have the defaults of `MacDescription`.
+[[nodiscard]] ValueType<MacDescription> macType();
 
 /// Every key of `mac`.
 [[nodiscard]] std::vector<std::string_view> macNames();
 
-/// Words for the state of the power sources, also used by an action.
-[[nodiscard]] MacDescription::Power readPower(const YamlValue& value);
+/// The audio devices of `mac`.
+///
+/// A device needs its `id`. By default it is built in, at half volume, with 'vmvc' and 'mute' on output element 0.
+/// `elements` lists its properties and their elements: `[0, 1]` (all of vmvc, volm and mute), `{vmvc: [0], volm: [1,
+/// 2]}`, or with values `{volm: {1: 0.3, 2: 0.5}, mute: {0: true}}`. `transport` is a word such as `built-in` or its
+/// four-character code. Without `defaultOutput` the output is device 73, or else the first one.
+[[nodiscard]] ValueType<std::vector<AudioDevice>> audioDevicesType();
 
-/// The number of displays; 0 is a Mac with its lid closed and nothing connected.
-[[nodiscard]] std::size_t readDisplayCount(const YamlValue& value);
+/// A change of the cameras, and the file's name of the photo in the scenario.
+struct CameraValue {
+    CameraChange change;
+    std::string photoName; ///< empty if none is given
+};
 
-/// The answer to the login panel.
-[[nodiscard]] LoginAnswer readLoginAnswer(const YamlValue& value);
+/// A change of the cameras: a map, or for short the devices alone.
+[[nodiscard]] ValueType<CameraValue> cameraType();
+
+/// A change of the iCloud account and the cloud: a map, or for short the account alone. An account is a user's name or
+/// a word for its state. A plain word close to such a word is refused; a quoted one is a name.
+[[nodiscard]] ValueType<CloudChange> cloudType();
+
+/// 0 to 16 displays; 0 is a Mac with its lid closed and nothing connected.
+[[nodiscard]] ValueType<std::size_t> displaysType();
 
 } // namespace sentrel::simulation

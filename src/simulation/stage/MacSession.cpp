@@ -1,5 +1,7 @@
 #include "simulation/stage/MacSession.hpp"
 
+#include "core/Events.hpp"
+#include "simulation/Events.hpp"
 #include "ui/Node.hpp"
 
 #include <algorithm>
@@ -57,16 +59,16 @@ MacSession::MacSession(const MacDescription& description, std::filesystem::path 
           description)
 {
     log_.observe([this](const Event& event) {
-        if (event.name == "alarm.started" && event.text("mode") == "tone") {
+        const auto started = as<events::AlarmStarted>(event);
+        if (started && started->mode == "tone") {
             listenToAlarm();
         }
-        if (event.name == "login" && event.text("answer") != "succeed") {
+        const auto login = as<events::LoginAsked>(event);
+        if (login && login->answer != nameOf(LoginAnswer::succeed)) {
             isRelaunching_ = false;
         }
     });
-    phone_.onNotification([this](const auto& shown) {
-        log_.note("phone.notified", {{"text", std::string_view{shown.text}}, {"id", std::string_view{shown.alertID}}});
-    });
+    phone_.onNotification([this](const auto& shown) { log_.note(events::PhoneNotified{shown.text, shown.alertID}); });
 }
 
 MacSession::~MacSession()
@@ -80,7 +82,7 @@ void MacSession::launch()
     if (app_ != nullptr) {
         return;
     }
-    log_.note("launched", {});
+    log_.note(events::Launched{});
     mac_.application.start([this] { processHasEnded(); });
     app_ = std::make_unique<SentrelApp>(mac_.startProcess());
     onMain([this](SentrelApp&) { mac_.application.finishLaunching(); });
@@ -91,7 +93,7 @@ void MacSession::crash()
     if (app_ == nullptr) {
         return;
     }
-    log_.note("crashed", {});
+    log_.note(events::Crashed{});
     endProcess();
 }
 
@@ -132,7 +134,7 @@ void MacSession::endProcess()
 
 void MacSession::sleep()
 {
-    log_.note("slept", {});
+    log_.note(events::Slept{});
     isAsleep_ = true;
     process_.setAsleep(true);
     mac_.setAsleep(true);
@@ -140,7 +142,7 @@ void MacSession::sleep()
 
 void MacSession::wake()
 {
-    log_.note("woke", {});
+    log_.note(events::Woke{});
     isAsleep_ = false;
     process_.setAsleep(false);
     mac_.setAsleep(false);
@@ -183,7 +185,7 @@ void MacSession::stopAlarm()
 void MacSession::setPasscode(std::string_view passcode)
 {
     onMain([this, passcode](SentrelApp& app) {
-        log_.note("passcode.set", {{"saved", storePasscode(app.passcodes(), passcode)}});
+        log_.note(events::PasscodeSet{storePasscode(app.passcodes(), passcode)});
     });
 }
 
@@ -192,13 +194,13 @@ void MacSession::typePasscode(std::string_view passcode)
     onMain([this, passcode](SentrelApp&) {
         SimulatedDisplays& displays = mac_.displays;
         if (displays.click(0, passcodeField) != ui::Interaction::done) {
-            log_.note("typed.nowhere", {});
+            log_.note(events::TypedNowhere{});
             return;
         }
         while (holdsText(displays) && displays.pressKey(ui::Key::deleteKey) == ui::Interaction::done) {
         }
         if (!displays.type(passcode) || displays.pressKey(ui::Key::returnKey) != ui::Interaction::done) {
-            log_.note("typed.nowhere", {});
+            log_.note(events::TypedNowhere{});
         }
     });
 }
@@ -208,13 +210,13 @@ void MacSession::commandByPhone(const CompanionPhone::Command& command)
     try {
         const auto macs = phone_.macs();
         if (macs.empty()) {
-            log_.note("phone.noMac", {});
+            log_.note(events::PhoneFoundNoMac{});
             return;
         }
         const std::int64_t sequence = phone_.send(macs.front().deviceID, command);
-        log_.note("phone.command", {{"sequence", sequence}, {"arm", command.arm}});
+        log_.note(events::PhoneCommand{sequence, command.arm});
     } catch (const ports::CloudError& error) {
-        log_.note("phone.refused", {{"why", std::string_view{error.description}}});
+        log_.note(events::PhoneRefused{error.description});
     }
 }
 
@@ -229,13 +231,10 @@ void MacSession::onMain(const std::function<void(SentrelApp&)>& function)
 
 void MacSession::listenToAlarm()
 {
-    const auto heard = sound();
-    if (heard) {
-        log_.note("alarm.heard", {{"mode", heard->mode},
-                                  {"device", std::int64_t{heard->device}},
-                                  {"volume", static_cast<double>(heard->volume)}});
+    if (const auto heard = sound()) {
+        log_.note(events::AlarmHeard{heard->mode, heard->device, static_cast<double>(heard->volume)});
     } else {
-        log_.note("alarm.unheard", {});
+        log_.note(events::AlarmUnheard{});
     }
 }
 

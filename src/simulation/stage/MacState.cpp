@@ -1,27 +1,25 @@
 #include "simulation/stage/MacState.hpp"
 
+#include "cloud/AlertRecord.hpp"
 #include "outputs/PhotoProcessing.hpp"
-#include "simulation/stage/CloudState.hpp"
 #include "simulation/stage/MacSession.hpp"
-#include "simulation/stage/ShellState.hpp"
 #include "simulation/stage/StoredDefaults.hpp"
+#include "ui/Description.hpp"
 #include "ui/Node.hpp"
 
-#include <algorithm>
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
-#include <string_view>
-#include <vector>
+#include <tuple>
 
 namespace sentrel::simulation {
 
 namespace {
 
-Json jsonOf(const std::optional<std::string>& text)
-{
-    return text ? Json(*text) : Json(nullptr);
-}
+using Mac = MacDescription;
+
+constexpr std::string_view armedIcon = "MenuBarIconArmed";
+constexpr std::string_view stopButton = "stopAlarm"; // in the menu
 
 /// The product's folder of alerts, repeated here so that the disk is read independently of the product.
 std::filesystem::path alertsFolder(SimulatedMac& mac)
@@ -47,145 +45,167 @@ std::vector<StoredAlert> alertsOnDisk(SimulatedMac& mac)
     return alerts;
 }
 
-/// The content of the alert's photo file; none without a photo or if the file is missing.
-std::optional<Bytes> photoOf(SimulatedMac& mac, const StoredAlert& stored)
+void addText(std::vector<std::string>& texts, const std::string& text)
 {
-    if (!stored.alert.photoFileName) {
+    if (!text.empty()) {
+        texts.push_back(text);
+    }
+}
+
+} // namespace
+
+MacState::MacState(MacSession& session) : session_(session), mac_(session.mac())
+{
+}
+
+const std::vector<StoredAlert>& MacState::alerts() const
+{
+    if (!alerts_) {
+        alerts_ = alertsOnDisk(mac_);
+    }
+    return *alerts_;
+}
+
+Mac::Power MacState::power() const
+{
+    const auto isOnAC = mac_.power.isOnAC();
+    return !isOnAC ? Mac::Power::unknown : *isOnAC ? Mac::Power::ac : Mac::Power::battery;
+}
+
+Mac::Lid MacState::lid() const
+{
+    const auto isClosed = mac_.lid.isClosed();
+    return !isClosed ? Mac::Lid::absent : *isClosed ? Mac::Lid::closed : Mac::Lid::open;
+}
+
+bool MacState::isArmed() const
+{
+    const auto item = mac_.statusBar.item();
+    return item && item->image == armedIcon;
+}
+
+bool MacState::isAlarmActive() const
+{
+    const auto item = mac_.statusBar.item();
+    return item && ui::find(item->menu, stopButton).has_value();
+}
+
+std::optional<std::vector<std::string>> MacState::menu() const
+{
+    const auto item = mac_.statusBar.item();
+    return item && item->isMenuOpen ? std::optional{ui::visibleTexts(item->menu)} : std::nullopt;
+}
+
+std::vector<std::string> MacState::dialogs() const
+{
+    std::vector<std::string> texts;
+    for (const WindowState& window : mac_.displays.windows()) {
+        for (const ui::Node& node : ui::nodesOf(window.content)) {
+            if (const auto* const dialog = ui::elementOf<ui::Dialog>(*node.view)) {
+                addText(texts, dialog->title);
+                addText(texts, dialog->message);
+            }
+        }
+    }
+    if (const auto alert = mac_.alerts.open()) {
+        addText(texts, alert->content.messageText);
+        addText(texts, alert->content.informativeText);
+    }
+    return texts;
+}
+
+Json MacState::window(std::string_view identifier) const
+{
+    const auto window = mac_.displays.window(identifier);
+    if (!window) {
+        return {{"visible", false}, {"size", nullptr}, {"texts", Json::array()}};
+    }
+    const ports::Rectangle content = contentOf(*window, window->frame);
+    return {{"visible", window->isVisible},
+            {"size", {content.width, content.height}},
+            {"texts", window->isVisible ? ui::visibleTexts(window->content) : std::vector<std::string>{}}};
+}
+
+std::optional<std::string> MacState::coverMessage() const
+{
+    const auto covers = mac_.displays.covers();
+    const auto message = covers.empty() ? std::nullopt : ui::find(covers.front().content, "message");
+    return message ? std::optional{ui::visibleText(*message->view)} : std::nullopt;
+}
+
+Json MacState::sound() const
+{
+    const auto sound = session_.sound();
+    return sound ? Json{{"mode", sound->mode}, {"device", sound->device}, {"volume", jsonNumber(sound->volume)}}
+                 : Json{};
+}
+
+Json MacState::audioDevices() const
+{
+    Json devices = Json::object();
+    for (const AudioDevice& device : mac_.audio.devices()) {
+        const auto volume = device.volume();
+        devices[std::to_string(device.id)] = {{"volume", volume ? jsonNumber(*volume) : Json{}},
+                                              {"muted", device.isMuted()}};
+    }
+    return devices;
+}
+
+std::optional<Bytes> MacState::photoOf(const StoredAlert& alert) const
+{
+    if (!alert.alert.photoFileName) {
         return std::nullopt;
     }
     posix::PosixFileSystem files;
-    return files.read(alertsFolder(mac) / std::filesystem::path{*stored.alert.photoFileName}.filename());
+    return files.read(alertsFolder(mac_) / std::filesystem::path{*alert.alert.photoFileName}.filename());
 }
 
-/// Measurements of the last alert's photo; a file that is not an image has no size.
-Json lastPhotoOf(SimulatedMac& mac, const std::vector<StoredAlert>& alerts)
+Json MacState::lastPhoto() const
 {
-    const auto photo = alerts.empty() ? std::nullopt : photoOf(mac, alerts.back());
+    const auto photo = alerts().empty() ? std::nullopt : photoOf(alerts().back());
     if (!photo) {
         return nullptr;
     }
     TurboImageCodec codec;
     const auto size = codec.pixelSize(*photo);
-    return {{"width", size ? Json(size->width) : Json(nullptr)},
-            {"height", size ? Json(size->height) : Json(nullptr)},
+    return {{"width", size ? Json(size->width) : Json{}},
+            {"height", size ? Json(size->height) : Json{}},
             {"brightness", photoBrightness(codec, *photo)}};
 }
 
-Json lastAlertOf(SimulatedMac& mac, const std::vector<StoredAlert>& alerts)
+Json MacState::settings() const
 {
-    if (alerts.empty()) {
+    StoredDefaults stored{mac_};
+    return encodeAlarmSettings(SettingsStore{session_.mainActor(), stored.get()}.settings());
+}
+
+std::size_t MacState::pendingDeletions() const
+{
+    StoredDefaults stored{mac_};
+    return PendingCloudDeletionStore{PendingCloudDeletionStore::standardKey, stored.get()}.ids().size();
+}
+
+std::uint64_t MacState::cloudAlerts() const
+{
+    const CloudLink& link = mac_.iCloud.link;
+    const bool isSignedIn = link.accountStatus() != ports::CloudAccountStatus::noAccount;
+    return isSignedIn ? session_.cloudServer().count(link.device().user, alertRecordType) : 0;
+}
+
+Json MacState::phone() const
+{
+    try {
+        CompanionPhone& phone = session_.phone();
+        Json macs = Json::array();
+        for (const auto& mac : phone.macs()) {
+            macs.push_back({{"deviceName", mac.deviceName}, {"isArmed", mac.isArmed}});
+        }
+        return {{"alerts", phone.alerts().size()},
+                {"notifications", phone.notifications().size()},
+                {"macs", std::move(macs)}};
+    } catch (const ports::CloudError&) {
         return nullptr;
     }
-    const StoredAlert& last = alerts.back();
-    return {{"reason", rawValue(last.alert.reason)},
-            {"deviceName", last.alert.deviceName},
-            {"photo", photoOf(mac, last).has_value()},
-            {"pendingUpload", last.pendingUpload}};
-}
-
-void addAlerts(Json& state, SimulatedMac& mac)
-{
-    const auto alerts = alertsOnDisk(mac);
-    Json reasons = Json::array();
-    for (const StoredAlert& stored : alerts) {
-        reasons.push_back(rawValue(stored.alert.reason));
-    }
-    state["alerts"] = alerts.size();
-    state["lastAlert"] = lastAlertOf(mac, alerts);
-    state["photo"] = lastPhotoOf(mac, alerts);
-    state["alertReasons"] = std::move(reasons);
-    state["pendingUploads"] =
-        std::count_if(alerts.begin(), alerts.end(), [](const StoredAlert& stored) { return stored.pendingUpload; });
-}
-
-/// Notices and the last trigger, from the product: the window that shows them is mostly closed.
-void addCoordinator(Json& state, const AlarmCoordinator& coordinator)
-{
-    state["statusMessage"] = coordinator.statusMessage.get();
-    const auto& lastTrigger = coordinator.lastTrigger.get();
-    state["lastTrigger"] = lastTrigger ? Json(rawValue(*lastTrigger)) : Json(nullptr);
-    state["lastError"] = jsonOf(coordinator.lastError.get());
-    state["cameraWarning"] = jsonOf(coordinator.cameraWarning.get());
-    state["motionWarning"] = jsonOf(coordinator.motionWarning.get());
-}
-
-/// The state while the product isn't running: nothing shown, nothing active.
-void addNoCoordinator(Json& state)
-{
-    for (const char* key : {"statusMessage", "lastTrigger", "lastError", "cameraWarning", "motionWarning"}) {
-        state[key] = nullptr;
-    }
-}
-
-void addAudio(Json& state, MacSession& session)
-{
-    SimulatedAudio& audio = session.mac().audio;
-    state["sound"] = nullptr;
-    if (const auto sound = session.sound()) {
-        state["sound"] = {{"mode", sound->mode}, {"device", sound->device}, {"volume", jsonNumber(sound->volume)}};
-    }
-    Json devices = Json::object();
-    for (const AudioDevice& device : audio.devices()) {
-        const auto volume = device.volume();
-        devices[std::to_string(device.id)] = {{"volume", volume ? jsonNumber(*volume) : Json(nullptr)},
-                                              {"muted", device.isMuted()}};
-    }
-    state["devices"] = std::move(devices);
-    const auto defaultOutput = audio.defaultOutput();
-    state["defaultOutput"] = defaultOutput ? Json(*defaultOutput) : Json("none");
-}
-
-void addCover(Json& state, MacSession& session)
-{
-    const auto covers = session.mac().displays.covers();
-    const auto message = covers.empty() ? std::nullopt : ui::find(covers.front().content, "message");
-    const bool isLockedOut = session.app() != nullptr && session.app()->cover().lockoutEnd();
-    state["cover"] = covers.empty() ? "hidden" : isLockedOut ? "locked-out" : "shown";
-    state["coverMessage"] = message ? Json(ui::visibleText(*message->view)) : Json(nullptr);
-    state["coverWindows"] = covers.size();
-}
-
-std::string_view nameOf(SimulatedMusic::Playback playback)
-{
-    switch (playback) {
-    case SimulatedMusic::Playback::playing:
-        return "playing";
-    case SimulatedMusic::Playback::paused:
-        return "paused";
-    case SimulatedMusic::Playback::absent:
-        break;
-    }
-    return "absent";
-}
-
-Json storedSettings(MacSession& session)
-{
-    StoredDefaults stored{session.mac()};
-    return encodeAlarmSettings(SettingsStore{session.mainActor(), stored.get()}.settings());
-}
-
-} // namespace
-
-Json stateOf(MacSession& session)
-{
-    Json state = Json::object();
-    SentrelApp* const app = session.app();
-    if (app != nullptr) {
-        addCoordinator(state, app->coordinator());
-    } else {
-        addNoCoordinator(state);
-    }
-    addAlerts(state, session.mac());
-    addCloud(state, session);
-    addAudio(state, session);
-    addCover(state, session);
-    addShell(state, session);
-    state["music"] = nameOf(session.mac().music.playback());
-    state["cameraSession"] = session.mac().camera.isSessionRunning() ? "on" : "off";
-    state["loginsAsked"] = session.mac().login.reasonsAsked().size();
-    state["assertions"] = session.mac().assertions.held();
-    state["settings"] = storedSettings(session);
-    return state;
 }
 
 } // namespace sentrel::simulation

@@ -1,16 +1,86 @@
 #pragma once
 
+#include "alerts/StoredAlert.hpp"
+#include "foundation/Bytes.hpp"
 #include "foundation/Json.hpp"
+#include "simulation/mac/MacDescription.hpp"
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
 
 namespace sentrel::simulation {
 
 class MacSession;
+class SimulatedMac;
 
-/// All state that scenarios can expect, by the names that they use. Taken from devices, independently of the product,
-/// where possible: the speaker, the disk (alerts, settings, pending deletions), the displays and the menu bar, the
-/// login panel, the power assertions, the server and the phone. Only state that no device shows at all times comes from
-/// the product: its notices, the last trigger, the list of alerts, its view of iCloud, whether the lock screen refuses
-/// passcodes, and whether quitting is being decided.
+/// The state of the Mac as its devices show it, independently of the product: the speaker, the disk, the displays, the
+/// menu bar, the server and the phone. For expectations and for the page. Each object reads the
+/// disk at most once.
+class MacState {
+public:
+    explicit MacState(MacSession& session);
+
+    [[nodiscard]] MacDescription::Power power() const;
+    [[nodiscard]] MacDescription::Lid lid() const;
+
+    /// Whether the item in the menu bar shows the product as armed.
+    [[nodiscard]] bool isArmed() const;
+
+    /// Whether the menu offers to stop an alarm.
+    [[nodiscard]] bool isAlarmActive() const;
+
+    /// What can be seen in the open menu; none while it is closed.
+    [[nodiscard]] std::optional<std::vector<std::string>> menu() const;
+
+    /// The open questions and notices, in windows and in panels of their own.
+    [[nodiscard]] std::vector<std::string> dialogs() const;
+
+    /// {visible, size, texts} of a window; one that doesn't exist is not visible.
+    [[nodiscard]] Json window(std::string_view identifier) const;
+
+    /// The message of the lock screen; none if there is none.
+    [[nodiscard]] std::optional<std::string> coverMessage() const;
+
+    /// {mode, device, volume} of the audible alarm; null if nothing is heard.
+    [[nodiscard]] Json sound() const;
+
+    /// {volume, muted} of each audio device by its number.
+    [[nodiscard]] Json audioDevices() const;
+
+    /// The alerts on the disk, oldest first.
+    [[nodiscard]] const std::vector<StoredAlert>& alerts() const;
+
+    /// The content of an alert's photo file; none without a photo or if the file is missing.
+    [[nodiscard]] std::optional<Bytes> photoOf(const StoredAlert& alert) const;
+
+    /// {width, height, brightness} of the last alert's photo, or null. A file that is no image has no size.
+    [[nodiscard]] Json lastPhoto() const;
+
+    /// The settings on the disk.
+    [[nodiscard]] Json settings() const;
+
+    /// Number of cloud deletions that are still owed, on the disk.
+    [[nodiscard]] std::size_t pendingDeletions() const;
+
+    /// Number of alerts in the signed-in account, read from the server.
+    [[nodiscard]] std::uint64_t cloudAlerts() const;
+
+    /// {alerts, notifications, macs} as the phone shows them; null if the server doesn't let it read.
+    [[nodiscard]] Json phone() const;
+
+private:
+    MacSession& session_;
+    SimulatedMac& mac_;
+    mutable std::optional<std::vector<StoredAlert>> alerts_; // none: not read yet
+};
+
+/// All state that scenarios can expect, by the names that they use. Taken from `MacState` where possible. Only state
+/// that no device shows at all times comes from the product: its notices, the last trigger, the list of alerts, its
+/// view of iCloud, whether the lock screen refuses passcodes, and whether quitting is being decided.
 [[nodiscard]] Json stateOf(MacSession& session);
 
 } // namespace sentrel::simulation

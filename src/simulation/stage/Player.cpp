@@ -1,10 +1,9 @@
 #include "simulation/stage/Player.hpp"
 
-#include "simulation/stage/EarlierRun.hpp"
-#include "simulation/stage/MacActions.hpp"
 #include "simulation/stage/MacSession.hpp"
 #include "simulation/stage/MacState.hpp"
 #include "simulation/stage/PlayFolder.hpp"
+#include "simulation/stage/SettingsReader.hpp"
 
 #include <nlohmann/json.hpp>
 
@@ -65,7 +64,7 @@ private:
     {
         for (const Step& step : scenario_.steps) {
             if (const auto* const action = std::get_if<Action>(&step.content)) {
-                const std::string why = objection(session_, *action);
+                const std::string why = action->objection(session_);
                 if (!why.empty()) {
                     throw PlayError{place(scenario_, step.line) + why};
                 }
@@ -97,7 +96,7 @@ private:
     {
         if (const auto* const action = std::get_if<Action>(&step.content)) {
             audience_.willPerform(session_.seconds(), step, *action);
-            tellFailure(step, perform(session_, *action));
+            tellFailure(step, action->perform(session_));
         } else {
             check(step, std::get<std::vector<Expectation>>(step.content));
         }
@@ -134,6 +133,20 @@ private:
 };
 
 } // namespace
+
+bool leaveFromEarlierRun(MacSession& session, const Scenario& scenario)
+{
+    if (!scenario.settings.empty()) {
+        SettingsStore store{session.mainActor(), session.mac().startProcess().defaults};
+        store.setSettings(withFields(store.settings(), scenario.settings));
+    }
+    if (!scenario.mac.passcode) {
+        return true;
+    }
+    const ports::Platform& platform = session.mac().startProcess();
+    UnlockPasscodeStore store{platform.keychain, platform.cryptography, platform.random, platform.generalRandom};
+    return storePasscode(store, *scenario.mac.passcode);
+}
 
 PlayResult play(const Scenario& scenario, const PlayOptions& options, Audience& audience)
 {

@@ -14,6 +14,8 @@
 
 namespace sentrel::simulation {
 
+class MacSession;
+
 /// Follows a play as it unfolds. Called on the playing thread, in the order of events.
 class Audience {
 public:
@@ -51,6 +53,10 @@ class PlayError : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
 };
+
+/// Stores the settings and the unlock passcode that the scenario gives from an earlier run. Call before the launch.
+/// False if the keychain refuses the passcode.
+[[nodiscard]] bool leaveFromEarlierRun(MacSession& session, const Scenario& scenario);
 
 /// Plays the scenario from its launch to its last step, in virtual time. Throws `PlayError` before the first step if a
 /// step can't be carried out on this MacBook (the message names file and line) or the folder can't be used.

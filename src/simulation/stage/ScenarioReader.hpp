@@ -13,4 +13,7 @@ namespace sentrel::simulation {
 /// Reads a scenario from its text, any bytes. `file` names it in messages; paths in it are relative to its folder.
 [[nodiscard]] Scenario parseScenario(const std::string& text, const std::filesystem::path& file);
 
+/// The JSON Schema of scenarios, for editors. It allows whatever is read, and a little more.
+[[nodiscard]] Json scenarioSchema();
+
 } // namespace sentrel::simulation

@@ -1,8 +1,5 @@
 #include "simulation/stage/SettingsReader.hpp"
 
-#include "core/AlarmSettings.hpp"
-#include "simulation/stage/ValueReader.hpp"
-
 #include <algorithm>
 #include <array>
 #include <variant>
@@ -12,43 +9,52 @@ namespace sentrel::simulation {
 namespace {
 
 /// Upper bound of a numeric setting. The product accepts any number; larger ones are mistakes in a scenario.
-struct Bounds {
-    std::string_view field;
-    double most;
-};
-
-constexpr std::array<Bounds, 4> bounds{{
+constexpr std::array<Word<double>, 4> bounds{{
     {"motionSensitivity", 1.0},
     {"alarmVolume", 1.0},
     {"lockScreenSleepDelay", 86'400.0}, // seconds: a day
     {"failedUnlockAttemptLimit", 1000.0},
 }};
 
-double mostOf(std::string_view field)
+template <class T> Field<Json> settingField(std::string_view name, ValueType<T> type)
 {
-    return std::ranges::find(bounds, field, &Bounds::field)->most;
+    return {name,
+            [name, read = std::move(type.read)](Json& into, const YamlValue& value, const ReadContext& context) {
+                into[std::string{name}] = read(value, inQuotes(name), context);
+            },
+            std::move(type.schema)};
+}
+
+Fields<Json> settingFields()
+{
+    Fields<Json> fields;
+    for (const AlarmSettingsField& field : alarmSettingsFields) {
+        const auto* const bound = std::ranges::find(bounds, field.name, &Word<double>::text);
+        const bool isFlag = std::holds_alternative<bool AlarmSettings::*>(field.member);
+        fields.push_back(isFlag ? settingField(field.name, type::flag())
+                                : settingField(field.name, type::number(0.0, bound->meaning)));
+    }
+    return fields;
 }
 
 } // namespace
 
-Json readSettings(const YamlValue& value)
+ValueType<Json> settingsType()
 {
-    requireMap(value, "settings");
-    std::array<std::string_view, alarmSettingsFields.size()> names;
-    std::ranges::transform(alarmSettingsFields, names.begin(),
-                           [](const AlarmSettingsField& field) { return field.name; });
-    KeyChecker checker{names, "settings"};
-    Json fields = Json::object();
-    for (std::size_t i = 0; i < value.keys.size(); ++i) {
-        const AlarmSettingsField& field = alarmSettingsFields[checker.placeOf(value.keys[i])];
-        const std::string what = inQuotes(field.name);
-        if (std::holds_alternative<bool AlarmSettings::*>(field.member)) {
-            fields[std::string{field.name}] = readFlag(value.items[i], what);
-        } else {
-            fields[std::string{field.name}] = readNumber(value.items[i], what, 0.0, mostOf(field.name));
-        }
-    }
-    return fields;
+    const Fields<Json> fields = settingFields();
+    return {[fields](auto& value, auto, auto& context) {
+                Json settings = Json::object();
+                readFields(value, "settings", fields, settings, context);
+                return settings;
+            },
+            schemaOf(fields)};
+}
+
+AlarmSettings withFields(AlarmSettings settings, const Json& fields)
+{
+    Json document = encodeAlarmSettings(settings);
+    document.update(fields);
+    return decodeAlarmSettings(document).value_or(settings);
 }
 
 } // namespace sentrel::simulation

@@ -3,6 +3,7 @@
 #include "simulation/stage/TextFile.hpp"
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <cmath>
 #include <limits>

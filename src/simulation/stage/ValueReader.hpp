@@ -6,7 +6,6 @@
 #include "simulation/stage/ScenarioError.hpp"
 #include "simulation/stage/YamlValue.hpp"
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
@@ -76,34 +75,9 @@ inline constexpr Duration longestScenario = std::chrono::hours{24 * 366};
 void requireMap(const YamlValue& value, std::string_view what);
 void requireList(const YamlValue& value, std::string_view what);
 
-/// A word and its meaning.
-template <class Meaning> struct Word {
-    std::string_view text;
-    Meaning meaning;
-};
-
 /// The index in `words` of the scalar's text.
 [[nodiscard]] std::size_t readChoice(const YamlValue& value, std::string_view what,
                                      std::span<const std::string_view> words);
-
-/// The meaning of one of the words.
-template <class Meaning, std::size_t Count>
-[[nodiscard]] Meaning readWord(const YamlValue& value, std::string_view what,
-                               const std::array<Word<Meaning>, Count>& words)
-{
-    std::array<std::string_view, Count> texts;
-    for (std::size_t i = 0; i < Count; ++i) {
-        texts[i] = words[i].text;
-    }
-    return words[readChoice(value, what, texts)].meaning;
-}
-
-/// A key of a map and the reader of its value.
-template <class Target> struct FieldRow {
-    std::string_view key;
-    void (*read)(Target& into, const YamlValue& value, const ReadContext& context);
-    bool isRequired = false;
-};
 
 /// Finds a map's keys in `keys`. Throws a `SourceFault` for unknown and repeated keys.
 class KeyChecker {
@@ -121,27 +95,6 @@ private:
     std::string_view what_;
     std::vector<int> lines_; // line of each key; 0 until seen
 };
-
-/// Reads a map by its table of keys, in the order of the file.
-template <class Target, std::size_t Count>
-void readFields(const YamlValue& map, std::string_view what, const std::array<FieldRow<Target>, Count>& rows,
-                Target& into, const ReadContext& context)
-{
-    requireMap(map, what);
-    std::array<std::string_view, Count> keys;
-    for (std::size_t i = 0; i < Count; ++i) {
-        keys[i] = rows[i].key;
-    }
-    KeyChecker checker{keys, what};
-    for (std::size_t i = 0; i < map.keys.size(); ++i) {
-        rows[checker.placeOf(map.keys[i])].read(into, map.items[i], context);
-    }
-    for (std::size_t i = 0; i < Count; ++i) {
-        if (rows[i].isRequired && !checker.hasSeen(i)) {
-            throw SourceFault(map.line, std::string{what} + " needs " + inQuotes(rows[i].key));
-        }
-    }
-}
 
 /// For maps with free keys, such as device numbers: throws a `SourceFault` for a repeated key.
 void refuseDuplicates(const YamlValue& map, std::string_view what);

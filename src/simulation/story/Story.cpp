@@ -1,34 +1,17 @@
 #include "simulation/story/Story.hpp"
 
-#include "simulation/story/EventFields.hpp"
-#include "simulation/story/StorySentence.hpp"
+#include "simulation/stage/Wording.hpp"
+#include "simulation/story/StoryTable.hpp"
 #include "simulation/story/StoryText.hpp"
 
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <cstdio>
 #include <utility>
 
 namespace sentrel::simulation {
 
 namespace {
-
-std::optional<std::uint32_t> deviceOf(const Event& event)
-{
-    const auto id = numberIn(event, "device");
-    if (!id || *id < 0.0 || *id > 4294967295.0) {
-        return std::nullopt;
-    }
-    return static_cast<std::uint32_t>(*id);
-}
-
-std::string oneDecimal(double number)
-{
-    std::array<char, 48> text{};
-    const int length = std::snprintf(text.data(), text.size(), "%.1f", number);
-    return {text.data(), static_cast<std::size_t>(std::clamp(length, 0, 47))};
-}
 
 std::string plainValue(const Event::Value& value)
 {
@@ -45,24 +28,6 @@ std::string plainValue(const Event::Value& value)
 
 } // namespace
 
-const Story::Row Story::rows[] = {
-    {"launched", &Story::tellLaunched},
-    {"crashed", &Story::tellCrashed},
-    {"quit", &Story::tellQuit},
-    {"armed", &Story::tellArmed},
-    {"disarmed", &Story::tellDisarmed},
-    {"alarm.started", &Story::tellAlarmStarted},
-    {"alarm.heard", &Story::tellAlarmStarted},
-    {"alarm.stopped", &Story::tellAlarmStopped},
-    {"audio.volume", &Story::tellVolume},
-    {"volume.changed", &Story::tellVolume},
-    {"volume.enforced", &Story::tellVolumeEnforced},
-    {"audio.default", &Story::tellDefaultOutput},
-    {"default-output.changed", &Story::tellDefaultOutput},
-    {"assertion.taken", &Story::tellAssertionTaken},
-    {"assertion.released", &Story::tellAssertionReleased},
-};
-
 void Story::open(const Scenario& scenario)
 {
     for (const auto& device : scenario.mac.audio) {
@@ -75,27 +40,44 @@ void Story::open(const Scenario& scenario)
 
 void Story::tell(const Event& event)
 {
-    const bool isSystemVolume = event.name == "audio.volume" && event.text("by") == "system";
-    if (!isSystemVolume && event.name != "volume.enforced" && event.name != "alarm.started" &&
-        event.name != "alarm.heard") {
-        tellSettledVolumes();
+    if (const auto saved = as<events::AlertSaved>(event)) {
+        alerts_[std::string{saved->id}] = reasonTitle(saved->reason);
     }
-    const auto found = std::ranges::find_if(rows, [&](const Row& row) { return row.event == event.name; });
-    const auto ofCloud = cloud_.tell(event);
-    if (found != std::end(rows)) {
-        (this->*found->tell)(event);
-    } else if (ofCloud) {
-        tellSentence(event.at, *ofCloud);
-    } else if (const auto sentence = sentenceOf(event)) {
-        tellSentence(event.at, *sentence);
-    } else {
+    if (tellByMemory(event)) {
+        return;
+    }
+    const auto sentence = sentenceOf(event);
+    if (!sentence) {
         tellUnknown(event);
+    } else if (!sentence->text.empty()) {
+        page_.line(event.at, sentence->tone, sentence->text);
     }
+}
+
+template <class Kind> bool Story::tellAs(const Event& event, void (Story::*tell)(double at, const Kind& event))
+{
+    const auto kind = as<Kind>(event);
+    if (kind) {
+        (this->*tell)(event.at, *kind);
+    }
+    return kind.has_value();
+}
+
+bool Story::tellByMemory(const Event& event)
+{
+    return tellAs(event, &Story::tellLaunched) || tellAs(event, &Story::tellCrashed) ||
+           tellAs(event, &Story::tellQuit) || tellAs(event, &Story::tellArmed) || tellAs(event, &Story::tellDisarmed) ||
+           tellAs(event, &Story::tellAlarmStarted) || tellAs(event, &Story::tellAlarmHeard) ||
+           tellAs(event, &Story::tellAlarmStopped) || tellAs(event, &Story::tellVolume) ||
+           tellAs(event, &Story::tellVolumeEnforced) || tellAs(event, &Story::tellDefaultOutput) ||
+           tellAs(event, &Story::tellAssertionTaken) || tellAs(event, &Story::tellAssertionReleased) ||
+           tellAs(event, &Story::tellUploaded) || tellAs(event, &Story::tellUploadFailed) ||
+           tellAs(event, &Story::tellPresence) || tellAs(event, &Story::tellRequest);
 }
 
 void Story::perform(double at, const Action& action)
 {
-    const auto text = describe(action, [this](std::uint32_t device) { return deviceName(device); });
+    const auto text = action.tell([this](std::uint32_t device) { return deviceName(device); });
     if (text) {
         act(at, *text);
     }
@@ -103,19 +85,16 @@ void Story::perform(double at, const Action& action)
 
 void Story::remark(double at, std::string_view text)
 {
-    tellSettledVolumes();
     page_.line(at, StoryTone::scene, text);
 }
 
 void Story::act(double at, std::string_view text)
 {
-    tellSettledVolumes();
     page_.line(at, StoryTone::event, text);
 }
 
 void Story::differ(double at, const std::vector<Mismatch>& found)
 {
-    tellSettledVolumes();
     for (const Mismatch& mismatch : found) {
         page_.line(at, StoryTone::bad, "✗ " + sentence(mismatch) + ".");
     }
@@ -123,7 +102,6 @@ void Story::differ(double at, const std::vector<Mismatch>& found)
 
 void Story::finish(const StorySummary& summary)
 {
-    tellSettledVolumes();
     page_.rule();
     const std::size_t failed = summary.mismatches.size();
     for (const Mismatch& mismatch : summary.mismatches) {
@@ -144,13 +122,6 @@ void Story::finish(const StorySummary& summary)
     }
 }
 
-void Story::tellSentence(double at, const StorySentence& sentence)
-{
-    if (!sentence.text.empty()) {
-        page_.line(at, sentence.tone, sentence.text);
-    }
-}
-
 void Story::tellUnknown(const Event& event)
 {
     std::string text = event.name;
@@ -160,94 +131,78 @@ void Story::tellUnknown(const Event& event)
     page_.line(event.at, StoryTone::reaction, text);
 }
 
-void Story::tellLaunched(const Event& event)
+void Story::tellLaunched(double at, const events::Launched& /*event*/)
 {
     ++launches_;
-    page_.line(event.at, StoryTone::event, launches_ == 1 ? "Sentrel starts." : "Sentrel starts again.");
+    page_.line(at, StoryTone::event, launches_ == 1 ? "Sentrel starts." : "Sentrel starts again.");
 }
 
-void Story::tellCrashed(const Event& event)
+void Story::tellCrashed(double at, const events::Crashed& /*event*/)
 {
-    page_.line(event.at, StoryTone::event, "Sentrel crashes. Its memory is lost, its files stay.");
+    page_.line(at, StoryTone::event, "Sentrel crashes. Its memory is lost, its files stay.");
     endProcess();
 }
 
-void Story::tellQuit(const Event& event)
+void Story::tellQuit(double at, const events::Quit& /*event*/)
 {
-    page_.line(event.at, StoryTone::event, "Sentrel quits.");
+    page_.line(at, StoryTone::event, "Sentrel quits.");
     endProcess();
 }
 
-void Story::tellArmed(const Event& event)
+void Story::tellArmed(double at, const events::Armed& /*event*/)
 {
     isArmed_ = true;
-    page_.line(event.at, StoryTone::good, "Sentrel is armed and watches.");
+    page_.line(at, StoryTone::good, "Sentrel is armed and watches.");
 }
 
-void Story::tellDisarmed(const Event& event)
+void Story::tellDisarmed(double at, const events::Disarmed& /*event*/)
 {
     if (isArmed_) { // the product also disarms at its start, which is no news
-        page_.line(event.at, StoryTone::reaction, "Sentrel is disarmed.");
+        page_.line(at, StoryTone::reaction, "Sentrel is disarmed.");
     }
     isArmed_ = false;
 }
 
-void Story::tellAlarmStarted(const Event& event)
+void Story::tellAlarmStarted(double at, const events::AlarmStarted& event)
 {
-    const bool isBeep = event.text("mode") == "beep";
-    if (event.name == "alarm.started" && !isBeep) {
-        return; // a tone is told when it is heard
+    if (event.mode == "beep") { // a tone is told when it is heard
+        beginAlarm(at, "The alarm sounds as the system beep", event.device, event.volume);
     }
-    alarmDevice_ = deviceOf(event);
-    alarmVolume_ = numberIn(event, "volume").value_or(0.0);
-    soundingSince_ = event.at;
-    disturbed_.clear();
-    std::string text = isBeep ? "The alarm sounds as the system beep" : "The alarm sounds";
-    if (alarmDevice_) {
-        // This sentence covers the changes of the device on the way.
-        settling_.erase(*alarmDevice_);
-        levels_[*alarmDevice_] = {alarmVolume_, false};
-        text += " through " + deviceName(alarmDevice_) + " at " + percent(alarmVolume_);
-    }
-    tellSettledVolumes();
-    page_.line(event.at, StoryTone::alarm, text + ".");
 }
 
-void Story::tellAlarmStopped(const Event& event)
+void Story::tellAlarmHeard(double at, const events::AlarmHeard& event)
+{
+    beginAlarm(at, "The alarm sounds", event.device, event.volume);
+}
+
+void Story::beginAlarm(double at, const std::string& text, std::optional<std::int64_t> device, double volume)
+{
+    alarmDevice_ = device;
+    alarmVolume_ = volume;
+    soundingSince_ = at;
+    disturbed_.clear();
+    if (device) {
+        levels_[*device] = {volume, false};
+    }
+    page_.line(at, StoryTone::alarm,
+               device ? text + " through " + deviceName(*device) + " at " + percent(volume) + "." : text + ".");
+}
+
+void Story::tellAlarmStopped(double at, const events::AlarmStopped& /*event*/)
 {
     if (!soundingSince_) {
         return;
     }
-    page_.line(event.at, StoryTone::good,
-               "The alarm is silent, after " + oneDecimal(event.at - *soundingSince_) + " s.");
+    page_.line(at, StoryTone::good, "The alarm is silent, after " + decimal(at - *soundingSince_, 1) + " s.");
     soundingSince_.reset();
     disturbed_.clear();
 }
 
-void Story::tellVolume(const Event& event)
+void Story::tellVolume(double at, const events::VolumeChanged& event)
 {
-    const auto device = deviceOf(event);
-    if (!device) {
-        return;
-    }
-    if (!event.text("name").empty()) {
-        names_[*device] = event.text("name");
-    }
-    const Level level{numberIn(event, "volume").value_or(0.0), flagIn(event, "muted")};
-    if (event.text("by") != "system") {
-        tellVolumeByUser(event, *device, level);
-        return;
-    }
-    levels_[*device] = level;
-    if (!disturbed_.contains(*device)) { // otherwise the enforcement's event tells it
-        settling_[*device] = event.at;
-    }
-}
-
-void Story::tellVolumeByUser(const Event& event, std::uint32_t device, Level level)
-{
-    const Level before = std::exchange(levels_[device], level);
-    const bool isAttack = soundingSince_ && device == alarmDevice_;
+    const Level level{event.volume, event.muted};
+    const Level before = std::exchange(levels_[event.device], level);
+    const bool isAttack = soundingSince_ && event.device == alarmDevice_;
     std::string text = isAttack ? "The thief " : "The owner ";
     const bool isMoved = std::abs(level.volume - before.volume) > numberTolerance;
     if (level.muted && !before.muted) {
@@ -257,61 +212,83 @@ void Story::tellVolumeByUser(const Event& event, std::uint32_t device, Level lev
     } else {
         text += "unmutes ";
     }
-    text += deviceName(device);
-    page_.line(event.at, StoryTone::event, text + (isMoved ? " to " + percent(level.volume) + "." : "."));
+    text += deviceName(event.device);
+    page_.line(at, StoryTone::event, text + (isMoved ? " to " + percent(level.volume) + "." : "."));
     if (isAttack) {
-        disturbed_.emplace(device, event.at);
+        disturbed_.emplace(event.device, at);
     }
 }
 
-void Story::tellVolumeEnforced(const Event& event)
+void Story::tellVolumeEnforced(double at, const events::VolumeEnforced& event)
 {
-    const auto device = deviceOf(event);
-    const auto since = device ? disturbed_.find(*device) : disturbed_.end();
+    const auto since = disturbed_.find(event.device);
     if (since == disturbed_.end()) {
         return; // unchanged: this happens every 0.9 s and is no news
     }
-    page_.line(event.at, StoryTone::alarm,
-               oneDecimal(event.at - since->second) + " s later Sentrel has it back at " + percent(alarmVolume_) + ".");
-    levels_[*device] = {alarmVolume_, false};
-    settling_.erase(*device);
+    page_.line(at, StoryTone::alarm,
+               decimal(at - since->second, 1) + " s later Sentrel has it back at " + percent(alarmVolume_) + ".");
+    levels_[event.device] = {alarmVolume_, false};
     disturbed_.erase(since);
 }
 
-void Story::tellDefaultOutput(const Event& event)
+void Story::tellDefaultOutput(double at, const events::DefaultOutputChanged& event)
 {
-    const auto device = deviceOf(event);
-    if (device && !event.text("name").empty()) {
-        names_[*device] = event.text("name");
-    }
-    page_.line(event.at, StoryTone::reaction,
-               device ? "Sound now goes to " + deviceName(device) + "." : "No sound output is left.");
+    page_.line(at, StoryTone::reaction,
+               event.device ? "Sound now goes to " + deviceName(*event.device) + "." : "No sound output is left.");
 }
 
-void Story::tellAssertionTaken(const Event& event)
+void Story::tellAssertionTaken(double at, const events::AssertionTaken& event)
 {
     const bool isFirst = assertions_.empty();
-    assertions_.emplace(event.text("name"));
+    assertions_.emplace(event.name);
     if (isFirst) {
-        page_.line(event.at, StoryTone::reaction, "The Mac is kept awake.");
+        page_.line(at, StoryTone::reaction, "The Mac is kept awake.");
     }
 }
 
-void Story::tellAssertionReleased(const Event& event)
+void Story::tellAssertionReleased(double at, const events::AssertionReleased& event)
 {
-    if (assertions_.erase(std::string{event.text("name")}) > 0 && assertions_.empty()) {
-        page_.line(event.at, StoryTone::reaction, "The Mac may sleep again.");
+    if (assertions_.erase(std::string{event.name}) > 0 && assertions_.empty()) {
+        page_.line(at, StoryTone::reaction, "The Mac may sleep again.");
     }
 }
 
-/// Mute and volume are set one after the other; only the final state is told.
-void Story::tellSettledVolumes()
+void Story::tellUploaded(double at, const events::AlertUploaded& event)
 {
-    for (const auto& [device, at] : std::exchange(settling_, {})) {
-        const Level& level = levels_[device];
+    lastUploadFailure_.clear();
+    const auto alert = alerts_.find(event.id);
+    const std::string name = alert == alerts_.end() ? "one of an earlier run" : alert->second;
+    page_.line(at, StoryTone::good, "The alert is safe in iCloud: " + name + ".");
+}
+
+void Story::tellUploadFailed(double at, const events::AlertUploadFailed& event)
+{
+    const std::string before = std::exchange(lastUploadFailure_, std::string{event.message});
+    if (before.empty() || before != lastUploadFailure_) {
+        const std::string why = event.message.empty() ? "" : ": “" + lastUploadFailure_ + "”";
+        page_.line(at, StoryTone::notice, "The alert can't be uploaded" + why + " It stays on the Mac.");
+    }
+}
+
+void Story::tellPresence(double at, const events::PresencePublished& event)
+{
+    if (std::exchange(publishedArmed_, event.isArmed) != event.isArmed) { // otherwise a heartbeat
         page_.line(at, StoryTone::reaction,
-                   deviceName(device) + (level.muted ? " muted, at " : " at ") + percent(level.volume) + ".");
+                   event.isArmed ? "The phone can see that the Mac is armed."
+                                 : "The phone can see that the Mac is disarmed.");
     }
+}
+
+/// Tells throttling only: successes are no news, and the effects of other failures are told elsewhere.
+void Story::tellRequest(double at, const events::CloudRequest& event)
+{
+    constexpr std::array<std::string_view, 3> patience{"requestRateLimited", "zoneBusy", "serviceUnavailable"};
+    const bool isThrottled = std::ranges::find(patience, event.outcome) != patience.end();
+    const bool isServed = event.outcome == "ok" && event.operation != "accountStatus";
+    if (isThrottled && !isThrottled_) {
+        page_.line(at, StoryTone::reaction, "iCloud asks the Mac for patience.");
+    }
+    isThrottled_ = isThrottled || (isThrottled_ && !isServed);
 }
 
 void Story::endProcess()
@@ -320,16 +297,13 @@ void Story::endProcess()
     soundingSince_.reset();
     disturbed_.clear();
     assertions_.clear();
-    cloud_.endProcess();
+    lastUploadFailure_.clear();
 }
 
-std::string Story::deviceName(std::optional<std::uint32_t> device) const
+std::string Story::deviceName(std::int64_t device) const
 {
-    if (!device) {
-        return "nothing";
-    }
-    const auto found = names_.find(*device);
-    return found == names_.end() ? "audio device " + std::to_string(*device) : found->second;
+    const auto found = names_.find(device);
+    return found == names_.end() ? "audio device " + std::to_string(device) : found->second;
 }
 
 } // namespace sentrel::simulation

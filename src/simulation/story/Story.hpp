@@ -1,8 +1,9 @@
 #pragma once
 
+#include "core/Events.hpp"
 #include "simulation/Event.hpp"
+#include "simulation/Events.hpp"
 #include "simulation/stage/Scenario.hpp"
-#include "simulation/story/CloudStory.hpp"
 #include "simulation/story/StoryPage.hpp"
 
 #include <cstdint>
@@ -30,7 +31,7 @@ struct StorySummary {
 };
 
 /// Tells a play of a scenario in plain English while it runs, from the simulated MacBook's events and the scenario's
-/// actions. Times are seconds since launch. One thread.
+/// actions. Repetitions are told once. Times are seconds since launch. One thread.
 class Story {
 public:
     Story(std::ostream& out, StoryStyle style) : page_(out, style) {}
@@ -57,50 +58,52 @@ public:
     void finish(const StorySummary& summary);
 
 private:
-    using Teller = void (Story::*)(const Event&);
-    struct Row {
-        std::string_view event;
-        Teller tell;
-    };
     struct Level {
         double volume = 0.0;
         bool muted = false;
-
-        friend bool operator==(const Level&, const Level&) = default;
     };
-    static const Row rows[];
 
-    void tellSentence(double at, const StorySentence& sentence);
+    /// Whether the event is of the teller's kind, and told.
+    template <class Kind> bool tellAs(const Event& event, void (Story::*tell)(double at, const Kind& event));
+    [[nodiscard]] bool tellByMemory(const Event& event);
     void tellUnknown(const Event& event);
-    void tellLaunched(const Event& event);
-    void tellCrashed(const Event& event);
-    void tellQuit(const Event& event);
-    void tellArmed(const Event& event);
-    void tellDisarmed(const Event& event);
-    void tellAlarmStarted(const Event& event);
-    void tellAlarmStopped(const Event& event);
-    void tellVolume(const Event& event);
-    void tellVolumeByUser(const Event& event, std::uint32_t device, Level level);
-    void tellVolumeEnforced(const Event& event);
-    void tellDefaultOutput(const Event& event);
-    void tellAssertionTaken(const Event& event);
-    void tellAssertionReleased(const Event& event);
 
-    void tellSettledVolumes();
+    // Events whose sentence depends on earlier ones, each at its time.
+    void tellLaunched(double at, const events::Launched& event);
+    void tellCrashed(double at, const events::Crashed& event);
+    void tellQuit(double at, const events::Quit& event);
+    void tellArmed(double at, const events::Armed& event);
+    void tellDisarmed(double at, const events::Disarmed& event);
+    void tellAlarmStarted(double at, const events::AlarmStarted& event);
+    void tellAlarmHeard(double at, const events::AlarmHeard& event);
+    void tellAlarmStopped(double at, const events::AlarmStopped& event);
+    void tellVolume(double at, const events::VolumeChanged& event);
+    void tellVolumeEnforced(double at, const events::VolumeEnforced& event);
+    void tellDefaultOutput(double at, const events::DefaultOutputChanged& event);
+    void tellAssertionTaken(double at, const events::AssertionTaken& event);
+    void tellAssertionReleased(double at, const events::AssertionReleased& event);
+    void tellUploaded(double at, const events::AlertUploaded& event);
+    void tellUploadFailed(double at, const events::AlertUploadFailed& event);
+    void tellPresence(double at, const events::PresencePublished& event);
+    void tellRequest(double at, const events::CloudRequest& event);
+
+    void beginAlarm(double at, const std::string& text, std::optional<std::int64_t> device, double volume);
     void endProcess();
-    [[nodiscard]] std::string deviceName(std::optional<std::uint32_t> device) const;
+    [[nodiscard]] std::string deviceName(std::int64_t device) const;
 
     StoryPage page_;
-    CloudStory cloud_;
-    std::map<std::uint32_t, std::string> names_;
-    std::map<std::uint32_t, Level> levels_;     // levels by device
-    std::map<std::uint32_t, double> disturbed_; // by device: since when it differs from the alarm's setting
-    std::map<std::uint32_t, double> settling_;  // by device: time of the system's last change, not yet told
+    std::map<std::int64_t, std::string> names_; // of audio devices
+    std::map<std::int64_t, Level> levels_;      // of audio devices
+    std::map<std::int64_t, double> disturbed_;  // by device: since when it differs from the alarm's setting
     std::set<std::string> assertions_;
-    std::optional<std::uint32_t> alarmDevice_;
+    std::map<std::string, std::string, std::less<>> alerts_; // titles by alert identifier
+    std::string lastUploadFailure_;
+    std::optional<std::int64_t> alarmDevice_;
     std::optional<double> soundingSince_;
     double alarmVolume_ = 0.0;
     bool isArmed_ = false;
+    bool publishedArmed_ = false; // as the phone sees it; at first it sees no Mac
+    bool isThrottled_ = false;
     int launches_ = 0;
 };
 

@@ -25,12 +25,12 @@ TEST(EventLog, TellsEachEventAsOneJsonLineWithItsTimeAndItsFieldsInOrder)
     machine.clock.advance(2s);
     EventLog log{machine.scheduler};
     machine.clock.advance(3500ms);
-    log.note("alarm.started", {{"mode", "tone"}, {"device", std::int64_t{73}}, {"volume", 0.1}, {"armed", true}});
+    log.passOn("alarm.started", {{"mode", "tone"}, {"device", std::int64_t{73}}, {"volume", 0.1}, {"armed", true}});
     machine.clock.advance(500ms);
-    log.note("odd \"name\"", {{"none", std::monostate{}}, {"whole", 3.0}, {"large", 1e300}});
+    log.passOn("odd \"name\"", {{"none", std::monostate{}}, {"whole", 3.0}, {"large", 1e300}});
     machine.clock.advance(1ns);
-    log.note("wild", {{"not a number", std::numeric_limits<double>::quiet_NaN()},
-                      {"bytes", std::string_view{"a\xFF\0b\n\xC3\xA9", 7}}});
+    log.passOn("wild", {{"not a number", std::numeric_limits<double>::quiet_NaN()},
+                        {"bytes", std::string_view{"a\xFF\0b\n\xC3\xA9", 7}}});
 
     const auto events = log.events();
     ASSERT_EQ(events.size(), 3U);
@@ -45,8 +45,8 @@ TEST(EventLog, FindsFieldsByName)
 {
     LogMachine machine;
     EventLog log{machine.scheduler};
-    log.note("trigger", {{"reason", "motion"}, {"count", std::int64_t{2}}});
-    log.note("disarmed", {});
+    log.passOn("trigger", {{"reason", "motion"}, {"count", std::int64_t{2}}});
+    log.passOn("disarmed", {});
     const auto triggers = log.named("trigger");
     ASSERT_EQ(triggers.size(), 1U);
     EXPECT_EQ(triggers[0].text("reason"), "motion");
@@ -64,10 +64,10 @@ TEST(EventLog, AnObserverMayNoteEventsItself)
     log.observe([&](const Event& event) {
         heard += event.name + " ";
         if (event.name == "knock") {
-            log.note("answer", {});
+            log.passOn("answer", {});
         }
     });
-    log.note("knock", {});
+    log.passOn("knock", {});
     EXPECT_EQ(heard, "knock answer ");
 }
 
@@ -76,9 +76,9 @@ TEST(EventLog, AFileHoldsTheEventsFromBeforeAndAfterItWasOpened)
     LogMachine machine;
     const auto file = std::filesystem::path{testing::TempDir()} / "sentrel-events.jsonl";
     EventLog log{machine.scheduler};
-    log.note("armed", {});
+    log.passOn("armed", {});
     ASSERT_TRUE(log.writeTo(file));
-    log.note("disarmed", {});
+    log.passOn("disarmed", {});
     std::stringstream content;
     content << std::ifstream{file}.rdbuf();
     EXPECT_EQ(content.str(), "{\"at\": 0, \"event\": \"armed\"}\n{\"at\": 0, \"event\": \"disarmed\"}\n");
@@ -99,7 +99,7 @@ TEST(EventLog, ThreadsMayNoteAndReadTogether)
     log.observe([&](const Event&) { ++heard; });
     const auto work = [&log] {
         for (int i = 0; i < 200; ++i) {
-            log.note("tick", {{"n", std::int64_t{i}}});
+            log.passOn("tick", {{"n", std::int64_t{i}}});
             (void)log.events(log.size() - 1);
         }
     };

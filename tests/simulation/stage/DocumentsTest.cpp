@@ -1,4 +1,4 @@
-#include "simulation/stage/ActionReader.hpp"
+#include "simulation/stage/Action.hpp"
 #include "simulation/stage/ExpectationReader.hpp"
 #include "simulation/stage/MacReader.hpp"
 #include "simulation/stage/MacSession.hpp"

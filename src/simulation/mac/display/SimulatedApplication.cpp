@@ -1,6 +1,7 @@
 #include "simulation/mac/display/SimulatedApplication.hpp"
 
 #include "ports/Journal.hpp"
+#include "simulation/Events.hpp"
 
 #include <utility>
 
@@ -36,7 +37,7 @@ void SimulatedApplication::setActivationPolicy(std::int64_t policy)
         return; // AppKit refuses it
     }
     policy_ = policy;
-    journal_.note("activation-policy", {{"policy", policy}});
+    journal_.note(events::ActivationPolicySet{policy});
 }
 
 void SimulatedApplication::terminate()
@@ -44,12 +45,12 @@ void SimulatedApplication::terminate()
     if (hasEnded_) {
         return;
     }
-    journal_.note("quit.asked", {});
+    journal_.note(events::QuitAsked{});
     const auto ask = delegate_.shouldTerminate;
     const auto reply = ask ? ask() : ports::TerminateReply::now;
     switch (reply) {
     case ports::TerminateReply::cancel:
-        journal_.note("quit.cancelled", {});
+        journal_.note(events::QuitCancelled{});
         return;
     case ports::TerminateReply::later:
         isAwaitingReply_ = true;
@@ -69,7 +70,7 @@ void SimulatedApplication::replyToShouldTerminate(bool shouldTerminate)
     if (shouldTerminate) {
         return finish();
     }
-    journal_.note("quit.cancelled", {});
+    journal_.note(events::QuitCancelled{});
 }
 
 void SimulatedApplication::finish()
@@ -81,7 +82,7 @@ void SimulatedApplication::finish()
     if (const auto tell = delegate_.willTerminate) {
         tell();
     }
-    journal_.note("quit", {});
+    journal_.note(events::Quit{});
     if (const auto ended = ended_) {
         ended();
     }

@@ -1,6 +1,7 @@
 #include "simulation/mac/display/SimulatedDisplays.hpp"
 
 #include "ports/Journal.hpp"
+#include "simulation/Events.hpp"
 #include "simulation/mac/display/SimulatedApplicationActivation.hpp"
 
 #include <algorithm>
@@ -71,7 +72,7 @@ void SimulatedDisplays::setCount(std::size_t count)
         return;
     }
     count_ = count;
-    journal_.note("displays.changed", {{"count", static_cast<std::int64_t>(count)}});
+    journal_.note(events::DisplaysChanged{static_cast<std::int64_t>(count)});
     if (!faults_.strikes("notification")) {
         notifications_.post(screenParametersChanged);
     }

@@ -4,6 +4,7 @@
 #include "ports/DurableFile.hpp"
 #include "ports/FileSystem.hpp"
 #include "ports/Journal.hpp"
+#include "simulation/Events.hpp"
 
 #include <nlohmann/json.hpp>
 
@@ -68,7 +69,7 @@ std::optional<std::string> SimulatedLoginItem::setStatus(std::int64_t status)
     if (error != 0) {
         return std::generic_category().message(error);
     }
-    journal_.note("login-item", {{"status", status}});
+    journal_.note(events::LoginItemChanged{status});
     return std::nullopt;
 }
 

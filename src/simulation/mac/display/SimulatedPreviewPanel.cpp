@@ -1,6 +1,7 @@
 #include "simulation/mac/display/SimulatedPreviewPanel.hpp"
 
 #include "ports/Journal.hpp"
+#include "simulation/Events.hpp"
 
 #include <utility>
 
@@ -35,7 +36,7 @@ void SimulatedPreviewPanel::makeKeyAndOrderFront()
         control_.begin();
     }
     reloadData();
-    journal_.note("preview.shown", {{"items", static_cast<std::int64_t>(items().size())}});
+    journal_.note(events::PreviewShown{static_cast<std::int64_t>(items().size())});
 }
 
 bool SimulatedPreviewPanel::close()
@@ -43,7 +44,7 @@ bool SimulatedPreviewPanel::close()
     if (!std::exchange(isVisible_, false)) {
         return false;
     }
-    journal_.note("preview.closed", {});
+    journal_.note(events::PreviewClosed{});
     if (std::exchange(isControlled_, false) && control_.end) {
         control_.end();
     }

@@ -1,5 +1,7 @@
 #include "simulation/mac/display/SimulatedWorkspace.hpp"
 
+#include "simulation/Events.hpp"
+
 #include <utility>
 
 namespace sentrel::simulation {
@@ -12,7 +14,7 @@ ports::RegistrationPtr SimulatedWorkspace::observe(const std::string& name, std:
 
 void SimulatedWorkspace::post(const std::string& name)
 {
-    journal_.note("workspace.notification", {{"name", name}});
+    journal_.note(events::WorkspaceNotification{name});
     if (!faults_.strikes("notification")) {
         notifications_.post(name);
     }

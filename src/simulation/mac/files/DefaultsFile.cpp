@@ -1,6 +1,7 @@
 #include "simulation/mac/files/DefaultsFile.hpp"
 
 #include "ports/DurableFile.hpp"
+#include "simulation/Events.hpp"
 #include "simulation/mac/files/Base64.hpp"
 
 #include <algorithm>
@@ -43,7 +44,7 @@ DefaultsFile::DefaultsFile(ports::FileSystem& files, ports::Journal& journal, st
       isDamaged_(!load())
 {
     if (isDamaged_) {
-        journal_.note("defaults.damaged", {{"file", file_.filename().native()}});
+        journal_.note(events::DefaultsDamaged{file_.filename().native()});
     }
 }
 
@@ -180,7 +181,7 @@ void DefaultsFile::replace(const std::string& key, const std::string* value)
     }
     if (error != 0) {
         // The change stays in memory and is written with the next one.
-        journal_.note("defaults.writeFailed", {{"file", file_.filename().native()}, {"error", std::int64_t{error}}});
+        journal_.note(events::DefaultsWriteFailed{file_.filename().native(), error});
     }
 }
 

@@ -2,6 +2,7 @@
 
 #include "ports/Journal.hpp"
 #include "ports/StandardOutput.hpp"
+#include "simulation/Events.hpp"
 #include "simulation/FaultSwitches.hpp"
 
 namespace sentrel::simulation {
@@ -14,7 +15,7 @@ public:
     void printLine(std::string_view text) override
     {
         faults_.call("printLine");
-        journal_.note("printed", {{"text", text}});
+        journal_.note(events::Printed{text});
     }
 
     [[nodiscard]] FaultSwitches& faults() { return faults_; }

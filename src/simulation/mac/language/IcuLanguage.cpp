@@ -1,6 +1,7 @@
 #include "simulation/mac/language/IcuLanguage.hpp"
 
 #include "foundation/SecretBytes.hpp"
+#include "simulation/Events.hpp"
 
 #include <algorithm>
 #include <fstream>
@@ -183,8 +184,7 @@ IcuLanguage::Table IcuLanguage::readTable() const
 void IcuLanguage::noteDamages(const Table& table) const
 {
     for (const auto& [line, problem] : table.strings.damages) {
-        journal_.note("localization.damaged",
-                      {{"file", table.file}, {"line", static_cast<std::int64_t>(line)}, {"problem", problem}});
+        journal_.note(events::LocalizationDamaged{table.file, static_cast<std::int64_t>(line), problem});
     }
 }
 

@@ -1,5 +1,7 @@
 #include "simulation/mac/motion/SimulatedAccelerometer.hpp"
 
+#include "simulation/Events.hpp"
+
 #include <algorithm>
 #include <map>
 #include <optional>
@@ -152,7 +154,7 @@ bool SimulatedAccelerometer::isPresent() const
 
 void SimulatedAccelerometer::sample(const Acceleration& acceleration)
 {
-    journal_.note("accelerometer.sample", {{"x", acceleration.x}, {"y", acceleration.y}, {"z", acceleration.z}});
+    journal_.note(events::AccelerometerSample{acceleration.x, acceleration.y, acceleration.z});
     send({accelerometerEvent, acceleration, false});
 }
 
@@ -170,8 +172,8 @@ void SimulatedAccelerometer::sendNullEvent()
 
 void SimulatedAccelerometer::play(MotionRecording recording)
 {
-    journal_.note("accelerometer.recording", {{"samples", static_cast<std::int64_t>(recording.samples().size())},
-                                              {"seconds", toSeconds(recording.length())}});
+    journal_.note(events::AccelerometerRecording{static_cast<std::int64_t>(recording.samples().size()),
+                                                 toSeconds(recording.length())});
     change([&](Instant now) { timeline_.play(std::move(recording), now); });
 }
 

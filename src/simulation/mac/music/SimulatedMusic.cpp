@@ -2,6 +2,7 @@
 
 #include "foundation/FourCharCode.hpp"
 #include "runtime/Sleep.hpp"
+#include "simulation/Events.hpp"
 
 #include <utility>
 
@@ -68,7 +69,7 @@ Async<std::optional<std::int32_t>> SimulatedMusic::determinePermission(std::uint
 
 Async<std::int32_t> SimulatedMusic::askOwner()
 {
-    journal_.note("consent.asked", {{"application", musicIdentifier}});
+    journal_.note(events::ConsentAsked{musicIdentifier});
     const Duration delay = consentDelay();
     if (delay > Duration::zero()) {
         co_await sleepFor(delay);
@@ -77,7 +78,7 @@ Async<std::int32_t> SimulatedMusic::askOwner()
     if (consent() == Consent::undetermined) {
         const bool isGranted = !faults_.strikes("consent");
         setConsent(isGranted ? Consent::granted : Consent::denied);
-        journal_.note("consent.answered", {{"granted", isGranted}});
+        journal_.note(events::ConsentAnswered{isGranted});
     }
     co_return consent() == Consent::granted ? noErr : errAEEventNotPermitted;
 }
@@ -145,11 +146,14 @@ void SimulatedMusic::change(std::string_view by, Playback (*next)(Playback now))
     if (before == after) {
         return;
     }
-    if (after == Playback::absent) {
-        journal_.note("music.quit", {});
-        return;
+    switch (after) {
+    case Playback::absent:
+        return journal_.note(events::MusicQuit{});
+    case Playback::paused:
+        return journal_.note(events::MusicPaused{by});
+    case Playback::playing:
+        return journal_.note(events::MusicPlaying{by});
     }
-    journal_.note(after == Playback::playing ? "music.playing" : "music.paused", {{"by", by}});
 }
 
 SimulatedMusic::Playback SimulatedMusic::playback() const

@@ -1,5 +1,7 @@
 #include "simulation/mac/power/SimulatedAssertions.hpp"
 
+#include "simulation/Events.hpp"
+
 #include <algorithm>
 #include <string_view>
 #include <utility>
@@ -35,7 +37,7 @@ SimulatedAssertions::Created SimulatedAssertions::create(const std::string& type
         id = ++lastId_;
         held_.push_back({id, name});
     }
-    journal_.note("assertion.taken", {{"name", name}});
+    journal_.note(events::AssertionTaken{name});
     return {0, id};
 }
 
@@ -55,7 +57,7 @@ std::int32_t SimulatedAssertions::release(std::uint32_t id)
         name = std::move(found->name);
         held_.erase(found);
     }
-    journal_.note("assertion.released", {{"name", name}});
+    journal_.note(events::AssertionReleased{name});
     return 0;
 }
 
@@ -77,7 +79,7 @@ void SimulatedAssertions::dropAll()
         dropped.swap(held_);
     }
     for (const Held& assertion : dropped) {
-        journal_.note("assertion.released", {{"name", assertion.name}});
+        journal_.note(events::AssertionReleased{assertion.name});
     }
 }
 

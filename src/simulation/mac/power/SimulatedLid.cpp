@@ -1,5 +1,7 @@
 #include "simulation/mac/power/SimulatedLid.hpp"
 
+#include "simulation/Events.hpp"
+
 #include <string_view>
 
 namespace sentrel::simulation {
@@ -38,7 +40,7 @@ void SimulatedLid::setNumber(std::optional<std::int64_t> value)
         }
         clamshellState_ = value;
     }
-    journal_.note("lid.changed", {{"state", describe(value)}});
+    journal_.note(events::LidChanged{describe(value)});
 }
 
 std::optional<bool> SimulatedLid::isClosed() const

@@ -1,5 +1,7 @@
 #include "simulation/mac/power/SimulatedPower.hpp"
 
+#include "simulation/Events.hpp"
+
 #include <utility>
 
 namespace sentrel::simulation {
@@ -104,7 +106,7 @@ void SimulatedPower::setSources(std::vector<PowerSource> sources)
         }
         sources_ = now;
     }
-    journal_.note("power.changed", {{"state", summary(*now)}});
+    journal_.note(events::PowerChanged{summary(*now)});
     if (!faults_.strikes("notification")) {
         changes_.post({});
     }

@@ -3,6 +3,7 @@
 #include "foundation/Fatal.hpp"
 #include "ports/Journal.hpp"
 #include "runtime/Semaphore.hpp"
+#include "simulation/Events.hpp"
 
 #include <utility>
 
@@ -30,10 +31,7 @@ struct SimulatedLogin::Panel {
 struct SimulatedLogin::State {
     State(Scheduler& clock, ports::Journal& log) : scheduler(clock), journal(log) {}
 
-    void note(std::string_view reason, std::string_view outcome)
-    {
-        journal.note("login", {{"reason", reason}, {"answer", outcome}});
-    }
+    void note(std::string_view reason, std::string_view outcome) { journal.note(events::LoginAsked{reason, outcome}); }
 
     Scheduler& scheduler;
     ports::Journal& journal;

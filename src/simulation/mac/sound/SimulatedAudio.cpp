@@ -1,6 +1,7 @@
 #include "simulation/mac/sound/SimulatedAudio.hpp"
 
 #include "foundation/FourCharCode.hpp"
+#include "simulation/Events.hpp"
 
 #include <algorithm>
 #include <cmath>
@@ -175,7 +176,7 @@ bool SimulatedAudio::add(AudioDevice device)
         }
         devices_.push_back(std::move(device));
     }
-    journal_.note("audio-device.added", {{"device", std::int64_t{id}}, {"name", name}});
+    journal_.note(events::AudioDeviceAdded{id, name});
     tellObserver();
     return true;
 }
@@ -196,7 +197,7 @@ bool SimulatedAudio::remove(Id id)
             defaultOutput_ = successor;
         }
     }
-    journal_.note("audio-device.removed", {{"device", std::int64_t{id}}});
+    journal_.note(events::AudioDeviceRemoved{id});
     if (wasDefault) {
         noteDefaultOutput(successor);
     }
@@ -242,7 +243,7 @@ bool SimulatedAudio::setVolume(Id id, std::optional<float> volume, std::optional
     }
     // Rounded: a float widened to a double shows spurious digits.
     const double shown = std::round(static_cast<double>(heardVolume) * 1e6) / 1e6;
-    journal_.note("volume.changed", {{"device", std::int64_t{id}}, {"volume", shown}, {"muted", heardMuted}});
+    journal_.note(events::VolumeChanged{.device = id, .volume = shown, .muted = heardMuted});
     tellObserver();
     return true;
 }
@@ -347,8 +348,7 @@ std::int32_t SimulatedAudio::writeDefaultOutput(Id id)
 
 void SimulatedAudio::noteDefaultOutput(std::optional<Id> id)
 {
-    const auto device = id ? ports::Journal::Value{std::int64_t{*id}} : ports::Journal::Value{};
-    journal_.note("default-output.changed", {{"device", device}});
+    journal_.note(events::DefaultOutputChanged{id});
 }
 
 void SimulatedAudio::tellObserver()

@@ -8,13 +8,13 @@
 
 namespace sentrel::simulation {
 
-/// The sentence for an event that needs no context.
+/// One sentence of the story.
 struct StorySentence {
     StoryTone tone = StoryTone::reaction;
     std::string text; ///< empty for an event not worth telling
 };
 
-/// The event in plain English; none for an unknown event.
+/// The sentence for an event that is told without regard to earlier ones; none for another event.
 [[nodiscard]] std::optional<StorySentence> sentenceOf(const Event& event);
 
 } // namespace sentrel::simulation
