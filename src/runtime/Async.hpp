@@ -27,7 +27,7 @@ public:
         {
             AsyncPromiseBase& promise = finished.promise();
             if (!promise.caller_) {
-                promise.ownTask_.finish();
+                promise.task_->finish();
                 return;
             }
             promise.isFinished_ = true;
@@ -60,7 +60,9 @@ private:
     bool isFinished_ = false;
     bool callerSuspended_ = false;
     std::exception_ptr error_;
-    TaskState ownTask_;
+    /// Made only in the root of a task. In the frame, since a second allocation would cost a task more than the space
+    /// costs all the coroutines that it calls.
+    std::optional<TaskState> ownTask_;
 };
 
 template <class T> class AsyncPromise final : public AsyncPromiseBase {

@@ -62,9 +62,9 @@ public:
     {
         Task task;
         task.handle_ = std::exchange(work.handle_, nullptr);
-        TaskState& state = task.handle_.promise().ownTask_;
-        task.handle_.promise().task_ = &state;
-        state.start(scheduler, executor, front, hold, task.handle_);
+        AsyncPromiseBase& promise = task.handle_.promise();
+        promise.task_ = &promise.ownTask_.emplace();
+        promise.task_->start(scheduler, executor, front, hold, task.handle_);
         return task;
     }
 
@@ -97,7 +97,7 @@ public:
     ValueWait operator co_await() const { return ValueWait{*this}; }
 
 private:
-    [[nodiscard]] TaskState& state() const { return handle_.promise().ownTask_; }
+    [[nodiscard]] TaskState& state() const { return handle_.promise().task(); }
     typename Async<T>::Handle handle_;
 };
 

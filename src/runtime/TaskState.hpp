@@ -58,8 +58,8 @@ private:
 };
 
 /// The part of a task that doesn't depend on its value: executor, cancellation, waiters and lifetime of the frame. It
-/// is a member of the coroutine's promise, so that a task is one allocation, and the job that resumes the task, so that
-/// a hop allocates nothing. Operations may be called on any thread.
+/// lives in the promise of the task's root coroutine, so that a task is one allocation, and is the job that resumes the
+/// task, so that a hop allocates nothing. Operations may be called on any thread.
 class TaskState final : public Job {
 public:
     /// Makes a task of the coroutine and posts its first turn to `front`; later turns go to `executor`. The caller
