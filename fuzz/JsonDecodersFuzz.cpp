@@ -1,7 +1,8 @@
+#include "JsonMutator.hpp"
+#include "Require.hpp"
 #include "alerts/StoredAlert.hpp"
 #include "cloud/AlertCacheFile.hpp"
 #include "core/AlarmSettings.hpp"
-#include "foundation/Fatal.hpp"
 #include "foundation/Json.hpp"
 #include "outputs/SavedOutputState.hpp"
 
@@ -13,38 +14,38 @@
 namespace sentrel {
 namespace {
 
-/// What was decoded must come back the same from its own encoding.
-void check(bool holds, const char* what)
-{
-    if (!holds) {
-        fatalError(what);
-    }
-}
+using fuzz::require;
 
+/// What was decoded must come back the same from its own encoding.
 void decodeAll(BytesView bytes)
 {
     // Each reads its own bytes, and fails on its own.
     const auto state = decodeSavedOutputState(bytes);
     const auto cache = decodeAlertCache(bytes);
-    check(!cache || decodeAlertCache(bytesOf(encodeAlertCache(*cache))) == cache, "a cache changed on the way");
+    require(!cache || decodeAlertCache(bytesOf(encodeAlertCache(*cache))) == cache, "a cache changed on the way");
     const auto document = parseJson(bytes);
     if (!document) {
-        check(!state, "an audio state of what is no JSON");
-        check(!cache, "a cache of what is no JSON");
+        require(!state, "an audio state of what is no JSON");
+        require(!cache, "a cache of what is no JSON");
         return;
     }
     if (const auto settings = decodeAlarmSettings(*document)) {
         const auto again = parseJson(bytesOf(encodeJson(encodeAlarmSettings(*settings))));
-        check(again && decodeAlarmSettings(*again) == settings, "settings changed on the way");
+        require(again && decodeAlarmSettings(*again) == settings, "settings changed on the way");
     }
     if (const auto stored = decodeStoredAlert(*document)) {
         const auto again = parseJson(bytesOf(encodeJson(encodeStoredAlert(*stored))));
-        check(again && decodeStoredAlert(*again) == stored, "an alert changed on the way");
+        require(again && decodeStoredAlert(*again) == stored, "an alert changed on the way");
     }
 }
 
 } // namespace
 } // namespace sentrel
+
+extern "C" std::size_t LLVMFuzzerCustomMutator(std::uint8_t* data, std::size_t size, std::size_t maxSize, unsigned seed)
+{
+    return sentrel::fuzz::mutateJson(data, size, maxSize, seed);
+}
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {

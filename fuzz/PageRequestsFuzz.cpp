@@ -1,3 +1,4 @@
+#include "JsonMutator.hpp"
 #include "foundation/Fatal.hpp"
 #include "simulation/page/LiveMac.hpp"
 #include "simulation/page/PageRequests.hpp"
@@ -98,6 +99,11 @@ std::string nextLine(std::string_view& rest)
 
 } // namespace
 } // namespace sentrel::simulation
+
+extern "C" std::size_t LLVMFuzzerCustomMutator(std::uint8_t* data, std::size_t size, std::size_t maxSize, unsigned seed)
+{
+    return sentrel::fuzz::mutateJson(data, size, maxSize, seed);
+}
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {

@@ -4,7 +4,10 @@
 
 #include <nlohmann/json.hpp>
 
+#include <exception>
+#include <stdexcept>
 #include <utility>
+#include <vector>
 
 namespace sentrel::simulation {
 
@@ -30,18 +33,31 @@ Json encodeArgument(const Argument& argument)
     return json;
 }
 
+/// Throws for a number that isn't whole, whose conversion would be undefined.
+std::int64_t integerOf(const Json& json)
+{
+    if (!json.is_number_integer()) {
+        throw std::invalid_argument{"not a whole number"};
+    }
+    return json.get<std::int64_t>();
+}
+
 Argument decodeArgument(const Json& json)
 {
     if (const Json* const text = member(json, "text")) {
         return text->get<std::string>();
     }
     if (const Json* const integer = member(json, "integer")) {
-        return integer->get<std::int64_t>();
+        return integerOf(*integer);
     }
     if (const Json* const date = member(json, "date")) {
         return Date{date->get<double>()};
     }
-    return json.at("integers").get<std::vector<std::int64_t>>();
+    std::vector<std::int64_t> integers;
+    for (const Json& integer : json.at("integers")) {
+        integers.push_back(integerOf(integer));
+    }
+    return integers;
 }
 
 /// Null for lists and assets, which pushes omit.
@@ -135,14 +151,14 @@ std::optional<ports::CloudSubscription> decodeSubscription(BytesView text)
         for (const Json& argument : json->at("arguments")) {
             subscription.predicate.arguments.push_back(decodeArgument(argument));
         }
-        json->at("options").get_to(subscription.options);
+        subscription.options = static_cast<std::uint64_t>(integerOf(json->at("options")));
         json->at("alertLocalizationKey").get_to(subscription.alertLocalizationKey);
         json->at("alertLocalizationArguments").get_to(subscription.alertLocalizationArguments);
         json->at("soundName").get_to(subscription.soundName);
         json->at("desiredKeys").get_to(subscription.desiredKeys);
         json->at("sendsContentAvailable").get_to(subscription.sendsContentAvailable);
         return subscription;
-    } catch (const Json::exception&) {
+    } catch (const std::exception&) {
         return std::nullopt;
     }
 }

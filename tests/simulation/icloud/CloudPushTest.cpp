@@ -143,6 +143,14 @@ TEST_F(CloudPushTest, ThePushIsCloudKitsDictionary)
     EXPECT_EQ(encodeSubscription(later.subscriptions("owner").front()), encodeSubscription(subscription));
 }
 
+TEST(SubscriptionCoding, ANumberThatIsNotWholeIsNoOption)
+{
+    std::string text = encodeSubscription({});
+    EXPECT_TRUE(decodeSubscription(bytesOf(text)));
+    text.replace(text.find("\"options\":0") + 10, 1, "1e308");
+    EXPECT_FALSE(decodeSubscription(bytesOf(text)));
+}
+
 TEST_F(CloudPushTest, WhileTheNetworkIsDownTheLastPushOfEachSubscriptionWaits)
 {
     subscribe("one", {"n == %@", {std::int64_t{1}}}, 3);

@@ -103,6 +103,7 @@ TEST_F(DefaultsTest, ForeignEntriesSurviveAChangeToTheByte)
         "\t\"\\u0064\": \"\\\\\" , \"e\": [] , \"mine\": \"b2xk\", \"mine\": \"TWFj\" } \n");
     const auto defaults = launch();
     EXPECT_EQ(defaults->text("d"), "\\");
+    EXPECT_EQ(defaults->integer("b"), std::nullopt) << "beyond any number";
     EXPECT_EQ(defaults->data("mine"), bytesOf("Mac")) << "the last counts";
     defaults->remove("mine");
     EXPECT_EQ(read(file), "{\n  \"a,:\\\"}\": 123456789012345678901234567890,\n  \"b\": 1e999,\n"

@@ -83,7 +83,7 @@ std::optional<Json> DefaultsFile::value(const std::string& key)
     if (found == members_.rend()) {
         return std::nullopt;
     }
-    return Json::parse(found->value);
+    return parseJson(bytesOf(found->value)); // as the whole file was read: a number too large is null
 }
 
 std::optional<std::string> DefaultsFile::text(const std::string& key)
