@@ -3,6 +3,7 @@
 #include "simulation/stage/NearestWord.hpp"
 #include "simulation/stage/ScenarioError.hpp"
 #include "simulation/stage/ScenarioShelf.hpp"
+#include "simulation/storm/StormCommand.hpp"
 #include "simulation/story/PlayCommand.hpp"
 
 #include <CLI/CLI.hpp>
@@ -13,6 +14,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <unistd.h>
 #include <vector>
 
 #ifndef SENTREL_RESOURCES_DIR
@@ -34,6 +36,8 @@ struct Arguments {
     std::string disk;
     std::string token;
     std::string language;
+    StormCommand storm;
+    std::string stormKeep;
 };
 
 /// The error for a token that is easy to guess, empty for a good one: only the token protects the page.
@@ -81,6 +85,26 @@ CLI::App* addServe(CLI::App& app, Arguments& arguments)
     return serve;
 }
 
+CLI::App* addStorm(CLI::App& app, Arguments& arguments)
+{
+    constexpr double leastHours = 0.1;
+    constexpr double mostHours = 100'000'000.0;
+    constexpr unsigned mostJobs = 256;
+    CLI::App* const storm = app.add_subcommand(
+        "storm", "Lets many MacBooks live through thefts and faults at every port, and checks what must always hold");
+    storm->add_option("--hours", arguments.storm.hours, "Hours of the MacBooks together")
+        ->check(CLI::Range(leastHours, mostHours))
+        ->capture_default_str();
+    storm->add_option("--seed", arguments.storm.seed, "Seed of the weather")
+        ->check(refusalOfSeed)
+        ->capture_default_str();
+    storm->add_option("--jobs", arguments.storm.jobs, "Processes at a time; one for each core if left out")
+        ->check(CLI::Range(1U, mostJobs));
+    storm->add_option("--keep", arguments.stormKeep, "Save minimal scenarios of violations in this folder (out/storm)");
+    storm->add_flag("--json", arguments.storm.isJson, "Print the summary as one JSON object");
+    return storm;
+}
+
 /// The error for a first word that is not a command; none if it is one, or an option.
 std::optional<std::string> refusalOfCommand(const CLI::App& app, std::string_view word)
 {
@@ -120,6 +144,16 @@ int play(Arguments& arguments, const ScenarioShelf& shelf)
     return run(arguments.play, std::cout, std::cerr);
 }
 
+int storm(Arguments& arguments)
+{
+    arguments.storm.resources = SENTREL_RESOURCES_DIR;
+    arguments.storm.showsProgress = ::isatty(STDERR_FILENO) == 1;
+    if (!arguments.stormKeep.empty()) {
+        arguments.storm.keep = arguments.stormKeep;
+    }
+    return run(arguments.storm, std::cout, std::cerr);
+}
+
 } // namespace
 
 int main(int argc, char** argv)
@@ -134,6 +168,7 @@ int main(int argc, char** argv)
     CLI::App* const checking = app.add_subcommand("check", "Reads scenarios without playing them; prints mistakes");
     checking->add_option("scenarios", arguments.checked, "YAML files, or names that `list` shows")->required();
     addServe(app, arguments);
+    const CLI::App* const storming = addStorm(app, arguments);
 
     if (const auto refusal = argc > 1 ? refusalOfCommand(app, argv[1]) : std::nullopt) {
         std::cerr << "sentrel-simulator: " << *refusal << '\n';
@@ -152,6 +187,9 @@ int main(int argc, char** argv)
         }
         if (checking->parsed()) {
             return checkScenarios(shelf, arguments.checked, std::cout, std::cerr);
+        }
+        if (storming->parsed()) {
+            return storm(arguments);
         }
         return playing->parsed() ? play(arguments, shelf) : serve(arguments, shelf);
     } catch (const ScenarioError& error) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "foundation/Json.hpp"
+#include "simulation/PlannedFaults.hpp"
 #include "simulation/icloud/CompanionPhone.hpp"
 #include "simulation/mac/CloudChange.hpp"
 #include "simulation/mac/MacDescription.hpp"
@@ -103,6 +104,16 @@ struct FailPorts {
     std::vector<FailPort> ports;
 };
 
+/// Calls of the product meet faults from now on; none heals the calls that were not struck yet.
+struct PlanFault {
+    std::optional<CallFault> fault;
+};
+
+/// The Mac's wall clock is set ahead, or back.
+struct MoveClock {
+    double seconds = 0.0;
+};
+
 /// Changes the cameras, their view and the permission to use them.
 struct ChangeCamera {
     CameraChange change;
@@ -157,6 +168,6 @@ using Action = std::variant<PlainAction, SetPower, MoveMachine, PlayRecording, R
                             SetDefaultOutput, RemoveAudioDevice, UseMusic, FailPorts, ChangeCamera, ChangeKeychain,
                             AnswerLogin, SetPasscode, TypePasscode, SetDisplays, UseMenu, ClickOn, TypeText, PressKey,
                             MoveSlider, SelectRows, OpenWindow, CloseWindow, DragWindow, AnswerLoginItem,
-                            AnswerSavePanel, ChangeCloud, UsePhone, DeleteAlerts>;
+                            AnswerSavePanel, PlanFault, MoveClock, ChangeCloud, UsePhone, DeleteAlerts>;
 
 } // namespace sentrel::simulation

@@ -143,6 +143,46 @@ Action readFail(const YamlValue& value, const ReadContext&)
     return action;
 }
 
+constexpr std::array<FieldRow<CallFault>, 4> plannedFaultFields{{
+    {"port", [](auto& fault, auto& value, auto&) { fault.port = readText(value, "'port'"); }, true},
+    {"operation", [](auto& fault, auto& value, auto&) { fault.operation = readText(value, "'operation'"); }},
+    {"call",
+     [](auto& fault, auto& value, auto&) {
+         constexpr std::uint32_t mostCalls = 1'000'000;
+         fault.call = readWhole(value, "the number of the call", 1, mostCalls);
+     }},
+    {"fate",
+     [](auto& fault, auto& value, auto&) {
+         using Fate = CallFault::Fate;
+         static constexpr std::array<Word<Fate>, 4> fates{{{"raises", Fate::raises},
+                                                           {"hangs", Fate::hangs},
+                                                           {"dies", Fate::dies},
+                                                           {"loses-power", Fate::losesPower}}};
+         fault.fate = readWord(value, "fate of a call", fates);
+     },
+     true},
+}};
+
+Action readPlannedFault(const YamlValue& value, const ReadContext& context)
+{
+    PlanFault action;
+    if (!isNone(value)) {
+        readFields(value, "'fault'", plannedFaultFields, action.fault.emplace(), context);
+    }
+    return action;
+}
+
+Action readClock(const YamlValue& value, const ReadContext& context)
+{
+    static constexpr std::array<FieldRow<MoveClock>, 2> fields{{
+        {"ahead", [](auto& action, auto& item, auto&) { action.seconds += toSeconds(readSpan(item, "'ahead'")); }},
+        {"back", [](auto& action, auto& item, auto&) { action.seconds -= toSeconds(readSpan(item, "'back'")); }},
+    }};
+    MoveClock action;
+    readFields(value, "'clock'", fields, action, context);
+    return action;
+}
+
 Action readKeychain(const YamlValue& value, const ReadContext& context)
 {
     using Access = ChangeKeychain::Access;
@@ -169,7 +209,7 @@ struct ActionRow {
     Action (*read)(const YamlValue& value, const ReadContext& context);
 };
 
-constexpr std::array<ActionRow, 29> actionsWithValue{{
+constexpr std::array<ActionRow, 31> actionsWithValue{{
     {"power", "{power: battery}", [](auto& value, auto&) { return Action{SetPower{readPower(value)}}; }},
     {"accelerometer", "{accelerometer: {sample: [0, 0, 1]}}", readAccelerometer},
     {"set", "{set: {alarmVolume: 0.5}}",
@@ -180,6 +220,8 @@ constexpr std::array<ActionRow, 29> actionsWithValue{{
     {"audio-device", "{audio-device: {remove: 73}}", readAudioDeviceChange},
     {"music", "{music: play}", readMusic},
     {"fail", "{fail: {PORT: FAULT}}", readFail},
+    {"fault", "{fault: {port: files, call: 3, fate: dies}}", readPlannedFault},
+    {"clock", "{clock: {ahead: 1h}}", readClock},
     {"camera", "{camera: {brightness: 0.05}}",
      [](auto& value, auto& context) { return Action{readCamera(value, context)}; }},
     {"keychain", "{keychain: {dataProtection: locked}}", readKeychain},

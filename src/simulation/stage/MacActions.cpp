@@ -5,9 +5,9 @@
 #include "simulation/stage/Person.hpp"
 
 #include <algorithm>
+#include <cstdint>
+#include <limits>
 #include <nlohmann/json.hpp>
-
-#include <algorithm>
 #include <unordered_set>
 
 namespace sentrel::simulation {
@@ -133,6 +133,22 @@ public:
         }
     }
 
+    void operator()(const PlanFault& action) const
+    {
+        if (!action.fault) {
+            session_.plannedFaults().clear();
+            session_.mac().files.restorePower();
+            return;
+        }
+        if (action.fault->fate == CallFault::Fate::losesPower) {
+            // The disk remembers from now on what a power cut may lose.
+            session_.mac().files.cutPowerAfter(std::numeric_limits<std::uint64_t>::max());
+        }
+        session_.plannedFaults().add(*action.fault);
+    }
+
+    void operator()(const MoveClock& action) const { session_.mac().wallClock.move(action.seconds); }
+
     void operator()(const ChangeCamera& action) const { apply(action.change, session_.mac().camera); }
 
     void operator()(const ChangeKeychain& action) const
@@ -212,6 +228,16 @@ public:
             }
         }
         return {};
+    }
+
+    std::string operator()(const PlanFault& action) const
+    {
+        std::vector<std::string> ports;
+        for (const auto& [name, faults] : session_.mac().faults()) {
+            ports.push_back(name);
+        }
+        const bool isKnown = !action.fault || std::ranges::find(ports, action.fault->port) != ports.end();
+        return isKnown ? std::string{} : unknownName("port", action.fault->port, ports);
     }
 
     std::string operator()(const ChangeKeychain& action) const

@@ -18,7 +18,7 @@ namespace sentrel::simulation {
 
 namespace {
 
-Json jsonOf(const std::optional<std::string>& text)
+Json textOrNull(const std::optional<std::string>& text)
 {
     return text ? Json(*text) : Json(nullptr);
 }
@@ -104,9 +104,9 @@ void addCoordinator(Json& state, const AlarmCoordinator& coordinator)
     state["statusMessage"] = coordinator.statusMessage.get();
     const auto& lastTrigger = coordinator.lastTrigger.get();
     state["lastTrigger"] = lastTrigger ? Json(rawValue(*lastTrigger)) : Json(nullptr);
-    state["lastError"] = jsonOf(coordinator.lastError.get());
-    state["cameraWarning"] = jsonOf(coordinator.cameraWarning.get());
-    state["motionWarning"] = jsonOf(coordinator.motionWarning.get());
+    state["lastError"] = textOrNull(coordinator.lastError.get());
+    state["cameraWarning"] = textOrNull(coordinator.cameraWarning.get());
+    state["motionWarning"] = textOrNull(coordinator.motionWarning.get());
 }
 
 /// The state while the product isn't running: nothing shown, nothing active.

@@ -44,13 +44,19 @@ public:
         }
     }
 
+    ~Play() { audience_.leaves(session_); }
+    Play(const Play&) = delete;
+
     PlayResult run()
     {
         audience_.begins();
+        audience_.enters(session_);
         session_.launch();
         for (const Step& step : scenario_.steps) {
-            session_.clock().runUntil(Instant{step.at});
+            liveUntil(Instant{step.at});
             carryOut(step);
+            audience_.settled(session_);
+            session_.restFromHanging();
         }
         hasEnded_ = true;
         result_.seconds = session_.seconds();
@@ -61,6 +67,20 @@ public:
     }
 
 private:
+    void liveUntil(Instant time)
+    {
+        VirtualClock& clock = session_.clock();
+        while (audience_.wantsEachInstant()) {
+            const auto next = clock.nextDeadline();
+            if (!next || *next > time) {
+                break;
+            }
+            clock.runUntil(*next);
+            audience_.settled(session_);
+        }
+        clock.runUntil(time);
+    }
+
     void refuseImpossibleSteps()
     {
         for (const Step& step : scenario_.steps) {

@@ -14,6 +14,8 @@
 
 namespace sentrel::simulation {
 
+class MacSession;
+
 /// Follows a play as it unfolds. Called on the playing thread, in the order of events.
 class Audience {
 public:
@@ -21,6 +23,18 @@ public:
 
     /// The play begins; everything is set up. Not called if the setup fails.
     virtual void begins() {}
+
+    /// The MacBook is there, before the launch.
+    virtual void enters(MacSession& /*session*/) {}
+
+    /// It is about to go, also after a play that could not go on. Must not throw.
+    virtual void leaves(MacSession& /*session*/) {}
+
+    /// True to be called for each instant between the steps, too.
+    [[nodiscard]] virtual bool wantsEachInstant() const { return false; }
+
+    /// Everything due at this instant has run; called after each step.
+    virtual void settled(MacSession& /*session*/) {}
 
     /// Something happened on the MacBook.
     virtual void happened(const Event& event) = 0;

@@ -68,10 +68,11 @@ void readSteps(Scenario& scenario, const YamlValue& value, const ReadContext& co
     }
 }
 
-constexpr std::array<FieldRow<Scenario>, 4> scenarioFields{{
+constexpr std::array<FieldRow<Scenario>, 5> scenarioFields{{
     {"title", [](auto& scenario, auto& value, auto&) { scenario.title = readText(value, "'title'"); }},
     {"mac", [](auto& scenario, auto& value, auto& context) { scenario.mac = readMac(value, context); }},
     {"settings", [](auto& scenario, auto& value, auto&) { scenario.settings = readSettings(value); }},
+    {"watched", [](auto& scenario, auto& value, auto&) { scenario.isWatched = readFlag(value, "'watched'"); }},
     {"steps", readSteps, true},
 }};
 
