@@ -4,6 +4,7 @@
 #include "cloud/AsyncTimeout.hpp"
 #include "cloud/CloudTimeLimit.hpp"
 #include "cloud/PresenceTimes.hpp"
+#include "foundation/Quietly.hpp"
 #include "ports/FileSystem.hpp"
 #include "ports/WallClock.hpp"
 #include "runtime/AssertOnMainActor.hpp"
@@ -14,6 +15,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cstddef>
+#include <exception>
 #include <iterator>
 #include <utility>
 
@@ -113,7 +115,7 @@ void MacAlertsService::saveHeld()
     std::erase_if(held_, [this](const auto& entry) {
         try {
             localStore_.save(entry.second.alert, entry.second.photo, true);
-        } catch (const std::exception&) {
+        } catch (...) {
             return false;
         }
         return true;
@@ -123,6 +125,21 @@ void MacAlertsService::saveHeld()
 Async<void> MacAlertsService::catchUpPass()
 {
     cancelRetry(); // this pass replaces it
+    std::exception_ptr failure;
+    try {
+        co_await catchUpNow();
+    } catch (...) {
+        failure = std::current_exception();
+    }
+    // Also after a failure, or what is left over would wait for an event that may never come.
+    insistently([this] { planRetry(); });
+    if (failure) {
+        std::rethrow_exception(failure);
+    }
+}
+
+Async<void> MacAlertsService::catchUpNow()
+{
     saveHeld();
     if (cloud_.isOwnerCheckOwed()) {
         const bool hasChanged = co_await cloud_.checkCacheOwner();
@@ -134,7 +151,6 @@ Async<void> MacAlertsService::catchUpPass()
     co_await uploadWaiting();
     co_await refresh();
     uploadsCaughtUp_();
-    planRetry();
 }
 
 void MacAlertsService::catchUpIfOwed()

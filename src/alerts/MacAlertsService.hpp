@@ -121,6 +121,7 @@ private:
     Async<void> retryAfter(Duration delay);
 
     Async<void> catchUpPass();
+    Async<void> catchUpNow();
     Async<void> uploadWaiting();
     Async<bool> mayUploadNext();
     Async<AlertUploader::Outcome> uploadStored(StoredAlert stored);

@@ -130,8 +130,8 @@ AlertEvent AlarmCoordinator::makeAlert(TriggerReason reason, std::optional<Date>
     AlertEvent alert;
     alert.id = randomUUID(ports_.random);
     alert.reason = reason;
-    alert.timestamp = taken ? *taken : ports_.wallClock.now();
-    alert.deviceName = ports_.host.localizedName().value_or("Mac");
+    alert.timestamp = taken ? *taken : insistently([this] { return ports_.wallClock.now(); });
+    alert.deviceName = insistently([this] { return ports_.host.localizedName(); }).value_or("Mac");
     if (hasPhoto) {
         alert.photoFileName = alert.id.text() + ".jpg";
     }

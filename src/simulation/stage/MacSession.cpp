@@ -116,8 +116,7 @@ void MacSession::restFromHanging()
     }
     const auto mayHang = [](const auto& port) { return port.second->isSet("hangs"); };
     const auto endsInCall = [](const CallFault& fault) { return fault.fate != CallFault::Fate::raises; };
-    if (!std::ranges::any_of(mac_.faults(), mayHang) &&
-        !std::ranges::any_of(plannedFaults_.waiting(), endsInCall)) {
+    if (!std::ranges::any_of(mac_.faults(), mayHang) && !std::ranges::any_of(plannedFaults_.waiting(), endsInCall)) {
         hanging_.rest();
     }
 }
@@ -250,7 +249,14 @@ void MacSession::onMain(const std::function<void(SentrelApp&)>& function)
     if (app_ == nullptr) {
         return;
     }
-    post(process_.mainExecutor(), [this, function] { function(*app_); });
+    post(process_.mainExecutor(), [this, function] {
+        try {
+            function(*app_);
+        } catch (const Raised& raised) {
+            // AppKit takes what comes out of the handling of an event, and goes on.
+            log_.note("event.raised", {{"port", std::string_view{raised.port}}});
+        }
+    });
     clock_.runReady();
 }
 

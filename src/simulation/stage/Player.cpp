@@ -51,10 +51,13 @@ public:
     {
         audience_.begins();
         audience_.enters(session_);
-        session_.launch();
+        survive([&] { session_.launch(); });
         for (const Step& step : scenario_.steps) {
-            liveUntil(Instant{step.at});
-            carryOut(step);
+            while (session_.clock().now() < Instant{step.at}) {
+                survive([&] { liveUntil(Instant{step.at}); });
+            }
+            survive([&] { session_.clock().runReady(); });
+            survive([&] { carryOut(step); });
             audience_.settled(session_);
             session_.restFromHanging();
         }
@@ -67,6 +70,17 @@ public:
     }
 
 private:
+    /// An exception that the product lets out of its code ends the process, as on a Mac; the machine lives on.
+    template <class Part> void survive(Part part)
+    {
+        try {
+            part();
+        } catch (const Raised& raised) {
+            audience_.died(session_.seconds(), raised);
+            session_.crash();
+        }
+    }
+
     void liveUntil(Instant time)
     {
         VirtualClock& clock = session_.clock();

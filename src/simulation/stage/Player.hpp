@@ -1,6 +1,7 @@
 #pragma once
 
 #include "simulation/Event.hpp"
+#include "simulation/PortCalls.hpp"
 #include "simulation/stage/Expectation.hpp"
 #include "simulation/stage/Scenario.hpp"
 
@@ -35,6 +36,9 @@ public:
 
     /// Everything due at this instant has run; called after each step.
     virtual void settled(MacSession& /*session*/) {}
+
+    /// A call that raised has ended the process: nothing in the product took the exception.
+    virtual void died(double /*at*/, const Raised& /*raised*/) {}
 
     /// Something happened on the MacBook.
     virtual void happened(const Event& event) = 0;

@@ -87,14 +87,15 @@ void Chronicle::happened(const Event& event)
 
 void Chronicle::addCause(std::string reason, bool isCertain)
 {
-    const bool isWatched = isUp_ && isArmed_ && !hasHung && at - armedSince > 1.0 && at - settingsDeedAt > longestNotice;
+    const bool isWatched =
+        isUp_ && isArmed_ && !hasHung && at - armedSince > 1.0 && at - settingsDeedAt > longestNotice;
     const bool isLoud = settings_ && settings_->alarmSound;
     causes.push_back({.at = at, .reason = std::move(reason), .isCertain = isCertain && isWatched, .isLoud = isLoud});
 }
 
 void Chronicle::willDo(double now, const Deed& deed, const Sight& before)
 {
-    at = now;
+    at = deedAt = now;
     mayBeTroubled_ = true;
     const auto mark = [now](bool happens, double& when) {
         if (happens) {
@@ -225,8 +226,10 @@ void Chronicle::noteStates(const Sight& before, const Sight& now)
     since(isUp && now.holdsAlarmAssertion, processingSince);
     since(isUp && (now.showsArmed != now.menuSaysArmed || (now.settings && now.settings->isArmed != now.showsArmed)),
           signsOddSince);
+    since(now.owedDeletions > 0, owedSince);
     since(isUp && now.covers > 0 && now.covers != now.displays, coversOddSince);
-    if (isCalm && !now.showsArmed && !timersAtRest && at - calmSince > 900.0 && at - disarmedSince > 900.0) {
+    if (isCalm && !now.showsArmed && !timersAtRest && at - calmSince > 900.0 && at - disarmedSince > 900.0 &&
+        at - deedAt > 300.0) {
         timersAtRest = now.timers;
     }
 }
@@ -294,7 +297,9 @@ void Chronicle::noteSound(const Sight& before, const Sight& now)
     if (now.isSounding) {
         if (!ringing) {
             constexpr double longestWay = 10.0; // seconds from a cause to its sound
-            const bool hadCause = at - lastCauseAt() < longestWay || hadTrouble({"power-sources", "lid", "workspace", "accelerometer"}, at - longestWay) || at - wokeAt < longestWay;
+            const bool hadCause = at - lastCauseAt() < longestWay ||
+                                  hadTrouble({"power-sources", "lid", "workspace", "accelerometer"}, at - longestWay) ||
+                                  at - wokeAt < longestWay;
             ringing = Ringing{at, at, outputToRestore.value_or(before.output), hadCause};
             outputToRestore.reset();
         }
@@ -317,7 +322,8 @@ void Chronicle::endRinging()
 bool Chronicle::mayBeDisarmed() const
 {
     const bool isOpen = settings_ && !settings_->requirePasswordForActions && at - screenDeedAt <= atOnce;
-    const bool isQuitting = at - quitAt <= 10.0 && (isOpen || at - loginAt <= 10.0 || !settings_->requirePasswordForActions);
+    const bool isQuitting =
+        at - quitAt <= 10.0 && (isOpen || at - loginAt <= 10.0 || !settings_->requirePasswordForActions);
     return at - disarmDeedAt <= atOnce || at - loginAt <= atOnce || isOpen || isQuitting || hasCommand(false);
 }
 
@@ -350,6 +356,11 @@ void Chronicle::conclude(const Sight& before, const Sight& now)
         if (!isPersons) {
             std::erase_if(commands, isUsed);
         }
+    }
+    constexpr double restored = 3.0; // seconds after which the output was compared
+    const double since = std::max({silentSince, launchedAt, wokeAt});
+    if (outputToRestore && now.isRunning && !now.isAsleep && !ringing && at - since > restored) {
+        outputToRestore.reset();
     }
     constexpr double remembered = 400.0; // seconds
     while (!causes.empty() && causes.front().at < at - remembered) {

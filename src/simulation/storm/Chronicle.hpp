@@ -86,32 +86,34 @@ public:
     double displaysAt = never;
     double cloudChangedAt = never;
     double userChangedAt = never;
+    double deedAt = never; ///< anybody did anything
 
     // Since when something has held without a break.
-    double armedSince = never;      ///< `never` while disarmed
+    double armedSince = never; ///< `never` while disarmed
     double disarmedSince = 0.0;
-    double steadySince = never;     ///< launched, awake
-    double calmSince = never;       ///< no fault, iCloud at hand, awake and running
+    double steadySince = never; ///< launched, awake
+    double calmSince = never;   ///< no fault, iCloud at hand, awake and running
     double assertionOddSince = never;
     double processingSince = never;
     double signsOddSince = never;
     double coversOddSince = never;
+    double owedSince = never; ///< deletions are owed
 
     bool hasHung = false; ///< a call of this process hangs
 
     std::deque<Cause> causes; ///< oldest first
     std::unordered_map<UUID, KnownAlert> alerts;
     std::optional<Ringing> ringing;
-    double silentSince = never;                 ///< since the last alarm was silenced
-    double rangSince = never;                   ///< when that alarm began
-    std::optional<OutputState> outputToRestore; ///< the output before that alarm, until it was seen again
+    double silentSince = never;                  ///< since the last alarm was silenced
+    double rangSince = never;                    ///< when that alarm began
+    std::optional<OutputState> outputToRestore;  ///< the output before that alarm, until it was seen again
     std::optional<AlarmSettings> settingsBefore; ///< the last that were readable
     std::optional<AlarmSettings> settingsBeforeThat;
     struct SentCommand {
         double at = 0.0;
         CompanionPhone::Command command;
     };
-    std::vector<SentCommand> commands; ///< that the Mac may still obey
+    std::vector<SentCommand> commands;       ///< that the Mac may still obey
     std::optional<std::size_t> timersAtRest; ///< in the first calm of a disarmed Mac
 
     /// When the port last had a fault; now if it has one.

@@ -170,7 +170,10 @@ Violation stoppedIsSilent(const Instants& is)
 {
     const double stopped = std::max({is.past.stopDeedAt, is.past.disarmDeedAt, is.past.passcodeAt});
     const bool isOver = is.past.ringing && stopped > is.past.ringing->since && is.past.lastCauseAt() < stopped - 8.0;
-    const bool isHeld = is.past.hasHung || is.past.wasBroken({"audio", "audio-engine", "keychain", "cryptography", "accelerometer", "lid", "power-sources", "workspace", "wall-clock", "random"}, stopped - 10.0) ||
+    const bool isHeld = is.past.hasHung ||
+                        is.past.wasBroken({"audio", "audio-engine", "keychain", "cryptography", "accelerometer", "lid",
+                                           "power-sources", "workspace", "wall-clock", "random"},
+                                          stopped - 10.0) ||
                         is.past.hadTrouble({"keychain", "cryptography", "displays", "audio-engine"}, stopped - 10.0);
     const bool hasRun = is.past.steadySince < stopped;
     if (isOver && hasRun && !isHeld && is.now.isSounding && is.now.at - stopped > settling) {
@@ -203,7 +206,8 @@ Violation onlyThePasscodeUncovers(const Instants& is)
 {
     const bool isSameProcess = is.past.launchedAt < is.before.at && is.now.isRunning && is.before.isRunning;
     const bool hasScreens = is.now.displays > 0 && !is.past.hadTrouble({"displays"}, is.now.at - settling);
-    if (is.before.covers > 0 && is.now.covers == 0 && isSameProcess && hasScreens && is.now.at - is.past.passcodeAt > settling) {
+    if (is.before.covers > 0 && is.now.covers == 0 && isSameProcess && hasScreens &&
+        is.now.at - is.past.passcodeAt > settling) {
         return "the lock screen is gone without the passcode";
     }
     return std::nullopt;
@@ -229,8 +233,9 @@ Violation outputIsRestored(const Instants& is)
         return std::nullopt;
     }
     const double since = std::max({past.silentSince, past.launchedAt, past.wokeAt});
-    const bool isTouched = past.outputDeedAt >= past.rangSince - settling || past.hasHung ||
-                           past.hadTrouble({"audio", "audio-engine", "user-defaults", "files"}, past.rangSince - settling);
+    const bool isTouched =
+        past.outputDeedAt >= past.rangSince - settling || past.hasHung ||
+        past.hadTrouble({"audio", "audio-engine", "user-defaults", "files"}, past.rangSince - settling);
     const bool isDue = is.now.at - since > settling && is.before.at - since <= settling;
     if (isDue && !isTouched && !(is.now.output == *past.outputToRestore)) {
         return "after the alarm the output is " + textOf(is.now.output) + " instead of " +
@@ -256,7 +261,8 @@ Violation assertionFollowsArming(const Instants& is)
 Violation assertionFollowsProcessing(const Instants& is)
 {
     const double since = std::max(is.past.processingSince, is.past.lastCauseAt());
-    const bool isBroken = is.past.hasHung || is.past.hadTrouble({"power-assertions"}, is.past.processingSince - settling);
+    const bool isBroken =
+        is.past.hasHung || is.past.hadTrouble({"power-assertions"}, is.past.processingSince - settling);
     if (is.past.processingSince != never && is.now.at - since > longestWay && !isBroken) {
         return "the assertion of an alert is held for nothing";
     }
@@ -287,8 +293,9 @@ Violation signsAgree(const Instants& is)
 {
     const double since = is.past.signsOddSince;
     const double changed = std::max(is.past.armedSince, is.past.disarmedSince);
-    const bool isBroken = is.past.hasHung || is.past.hadTrouble({"user-defaults", "files", "status-bar", "language", "displays"},
-                                             std::max(changed, is.past.launchedAt) - settling);
+    const bool isBroken =
+        is.past.hasHung || is.past.hadTrouble({"user-defaults", "files", "status-bar", "language", "displays"},
+                                              std::max(changed, is.past.launchedAt) - settling);
     if (since != never && is.now.at - since > settling && !isBroken) {
         const bool isStored = is.now.settings && is.now.settings->isArmed;
         return std::string{"the icon says "} + (is.now.showsArmed ? "armed" : "disarmed") + ", the menu " +
@@ -301,14 +308,14 @@ Violation signsAgree(const Instants& is)
 /// Once the faults have ceased, everything that waits reaches the cloud.
 Violation nothingWaitsInCalm(const Instants& is)
 {
-    if (is.past.calmSince == never || is.now.at - is.past.calmSince < calm || is.now.at - is.past.lastCauseAt() < calm ||
-        is.now.at - is.past.clockJumpedAt < calm) {
+    if (is.past.calmSince == never || is.now.at - is.past.calmSince < calm ||
+        is.now.at - is.past.lastCauseAt() < calm || is.now.at - is.past.clockJumpedAt < calm) {
         return std::nullopt;
     }
     if (!is.now.onDisk.empty()) {
         return std::to_string(is.now.onDisk.size()) + " alerts still wait for their upload";
     }
-    if (is.now.owedDeletions > 0 && is.past.userChangedAt == never) {
+    if (is.now.owedDeletions > 0 && is.now.at - is.past.owedSince > calm && is.past.userChangedAt == never) {
         return std::to_string(is.now.owedDeletions) + " deletions are still owed";
     }
     for (const auto& [id, row] : is.now.listed) {
@@ -324,7 +331,8 @@ Violation timersEnd(const Instants& is)
 {
     constexpr std::size_t some = 4;
     const bool isAtRest = is.past.calmSince != never && is.now.at - is.past.calmSince > calm && !is.now.showsArmed &&
-                          is.now.at - is.past.disarmedSince > calm && is.now.at - is.past.lastCauseAt() > calm;
+                          is.now.at - is.past.disarmedSince > calm && is.now.at - is.past.lastCauseAt() > calm &&
+                          is.now.at - is.past.deedAt > 300.0;
     if (isAtRest && is.past.timersAtRest && is.now.timers > *is.past.timersAtRest + some) {
         return std::to_string(is.now.timers) + " timers are armed at rest, after " +
                std::to_string(*is.past.timersAtRest);

@@ -151,8 +151,7 @@ void Lookout::lookAtDisk()
     }
     writes_ = writes;
     mustReadDisk_ = false;
-    const auto folder =
-        mac.disk() / "Application Support" / mac.host.bundleIdentifier().value_or("Sentrel") / "Alerts";
+    const auto folder = mac.disk() / "Application Support" / mac.host.bundleIdentifier().value_or("Sentrel") / "Alerts";
     SeenAlerts alerts = alertsIn(folder);
     StoredDefaults stored{mac};
     const auto document = stored.get().data("alarmSettings");
@@ -181,9 +180,8 @@ void Lookout::lookAtCloud()
     mustAskCloud_ = false;
     set(sight_.isStorageFull, session_.cloudServer().isFull(sight_.user));
     std::set<UUID> ids;
-    ServerPage page =
-        session_.cloudServer().query({sight_.user, "lookout"}, {alertRecordType, {}, "timestamp", false},
-                                     std::vector<std::string>{}, 0);
+    ServerPage page = session_.cloudServer().query({sight_.user, "lookout"}, {alertRecordType, {}, "timestamp", false},
+                                                   std::vector<std::string>{}, 0);
     for (;;) {
         for (const auto& [name, result] : page.results) {
             if (const auto id = UUID::parse(name)) {

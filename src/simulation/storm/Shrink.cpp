@@ -41,7 +41,7 @@ private:
     }
 
     /// Leaves out runs of parts, long ones first.
-    template <class Part> void leaveOut(std::vector<Part> Plan::*parts)
+    template <class Part> void leaveOut(std::vector<Part> Plan::* parts)
     {
         for (std::size_t length = std::max<std::size_t>((plan_.*parts).size() / 2, 1);; length /= 2) {
             for (std::size_t from = 0; from < (plan_.*parts).size() && triesLeft_ > 0;) {

@@ -41,12 +41,12 @@ struct Sight {
     double at = 0.0; ///< seconds since the start
     bool isRunning = false;
     bool isAsleep = false;
-    bool showsArmed = false;      ///< the icon in the menu bar
-    bool menuSaysArmed = false;   ///< the menu's header
-    bool offersStop = false;      ///< the menu has a button that stops the alarm
-    std::size_t covers = 0;       ///< windows of the lock screen
+    bool showsArmed = false;    ///< the icon in the menu bar
+    bool menuSaysArmed = false; ///< the menu's header
+    bool offersStop = false;    ///< the menu has a button that stops the alarm
+    std::size_t covers = 0;     ///< windows of the lock screen
     std::size_t displays = 0;
-    bool isSounding = false;      ///< a tone or beeps are played, even if nobody hears them
+    bool isSounding = false; ///< a tone or beeps are played, even if nobody hears them
     bool isAudible = false;
     bool isOnAC = true;
     bool isLidClosed = false;

@@ -25,7 +25,7 @@ public:
     InterruptScope()
     {
         wasInterrupted = 0;
-        struct sigaction action {};
+        struct sigaction action{};
         action.sa_handler = [](int) { wasInterrupted = 1; };
         ::sigaction(SIGINT, &action, &earlier_[0]);
         ::sigaction(SIGTERM, &action, &earlier_[1]);

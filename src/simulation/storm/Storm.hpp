@@ -14,9 +14,9 @@
 namespace sentrel::simulation {
 
 struct StormOptions {
-    double hours = 0.0;     ///< of the simulated MacBooks together
+    double hours = 0.0; ///< of the simulated MacBooks together
     std::uint64_t seed = 1;
-    unsigned jobs = 1;      ///< processes at a time
+    unsigned jobs = 1; ///< processes at a time
     std::filesystem::path resources;
 };
 

@@ -100,7 +100,7 @@ std::vector<SavedViolation> saveAll(const Storm& storm, const StormReport& repor
     std::vector<SavedViolation> saved;
     std::set<std::string> seen;
     for (const StormViolation& found : report.violations) {
-        if (saved.size() < mostPlays && seen.insert(found.violation.invariant).second) {
+        if (command.keep != "none" && saved.size() < mostPlays && seen.insert(found.violation.invariant).second) {
             saved.push_back(save(storm, found, command));
         }
     }
@@ -136,8 +136,8 @@ int unleash(const StormCommand& command, std::ostream& out, std::ostream& err)
         constexpr double secondsOfHour = 3600.0;
         std::array<char, 160> speed{};
         std::snprintf(speed.data(), speed.size(),
-                      "%.1f s, %.1f s of processor time: %.1f hours a core-second, %.0f times real time\n", took.count(),
-                      processor, report.experience.hours / processor,
+                      "%.1f s, %.1f s of processor time: %.1f hours a core-second, %.0f times real time\n",
+                      took.count(), processor, report.experience.hours / processor,
                       report.experience.hours * secondsOfHour / processor);
         out << speed.data();
     }

@@ -13,7 +13,7 @@ namespace sentrel::simulation {
 struct StormCommand {
     double hours = 1000.0;
     std::uint64_t seed = 1;
-    unsigned jobs = 0; ///< 0: as many as there are cores
+    unsigned jobs = 0;                        ///< 0: as many as there are cores
     std::filesystem::path keep = "out/storm"; ///< receives the scenarios of violations
     std::filesystem::path resources;
     bool isJson = false;

@@ -115,8 +115,8 @@ void print(const StormReport& report, const Unreached& unreached, const std::vec
     printList("pairs never seen", unreached.pairs, out);
     printList("faults never reached", unreached.faults, out);
     for (const StormViolation& found : report.violations) {
-        out << "VIOLATION in world " << found.world << " at " << number(found.violation.at) << " s: "
-            << found.violation.invariant << ": " << found.violation.what << '\n';
+        out << "VIOLATION in world " << found.world << " at " << number(found.violation.at)
+            << " s: " << found.violation.invariant << ": " << found.violation.what << '\n';
     }
     for (const SavedViolation& each : saved) {
         out << "minimal play of world " << each.found.world << ", " << each.steps << " steps: " << each.file << '\n';

@@ -1,11 +1,12 @@
 #include "simulation/storm/Weather.hpp"
 
+#include "simulation/storm/Dice.hpp"
+#include "simulation/storm/Saboteur.hpp"
+
 #include <algorithm>
 #include <array>
-#include <cmath>
-#include <cstddef>
-#include <random>
 #include <string_view>
+#include <utility>
 
 namespace sentrel::simulation {
 
@@ -18,51 +19,11 @@ constexpr std::int64_t hour = 60 * minute;
 /// Calm that lets everything that waits come to its end.
 constexpr std::int64_t calmLength = 25 * minute;
 
-/// Draws from the generator in a way that no library's distributions change.
-class Dice {
-public:
-    explicit Dice(std::uint64_t seed) : generator_(seed) {}
-
-    /// From 0 to below `count`.
-    std::size_t below(std::size_t count) { return static_cast<std::size_t>(generator_() % count); }
-    std::int64_t between(std::int64_t least, std::int64_t most)
-    {
-        return least + static_cast<std::int64_t>(below(static_cast<std::size_t>(most - least + 1)));
-    }
-    bool chance(std::size_t percent) { return below(100) < percent; }
-
-    /// From `least` to `most`, small values as often as large ones.
-    std::int64_t spread(std::int64_t least, std::int64_t most)
-    {
-        constexpr double steps = 1 << 20;
-        const double part = static_cast<double>(below(1 << 20)) / steps;
-        const double low = std::log2(static_cast<double>(least));
-        return static_cast<std::int64_t>(std::exp2(low + part * (std::log2(static_cast<double>(most)) - low)));
-    }
-
-    template <class Range> const auto& oneOf(const Range& range) { return range[below(std::size(range))]; }
-
-private:
-    std::mt19937_64 generator_;
-};
-
-/// Ports that are called on the alarm's way, where faults matter most.
-constexpr std::array<std::string_view, 16> alarmPorts{
-    "files", "user-defaults", "audio", "audio-engine", "camera", "icloud", "power-assertions", "wall-clock", "random",
-    "host",  "journal",       "music", "beep",         "lid",    "displays", "language"};
-
-constexpr std::array<std::string_view, 12> cloudErrors{
-    "networkUnavailable", "networkFailure", "serviceUnavailable", "requestRateLimited", "quotaExceeded", "zoneBusy",
-    "notAuthenticated", "serverRejectedRequest", "internalError", "limitExceeded", "unknownItem", "partialFailure"};
-
-constexpr std::array<std::string_view, 9> cloudOperations{"accountStatus", "userRecord", "query",
-                                                          "continueQuery", "fetch",      "modify",
-                                                          "fetchOne",      "save",       "saveSubscription"};
-
 /// Makes up one life.
 class Forecaster {
 public:
-    Forecaster(std::uint64_t seed, const std::vector<FaultyPort>& ports) : dice_(seed * 0x9E3779B97F4A7C15ULL + 1), ports_(ports)
+    Forecaster(std::uint64_t seed, const std::vector<FaultyPort>& ports)
+        : dice_(seed * 0x9E3779B97F4A7C15ULL + 1), saboteur_(dice_, ports)
     {
         plan_.title = "Storm " + std::to_string(seed);
     }
@@ -76,6 +37,10 @@ public:
         const std::int64_t longestRest = std::max<std::int64_t>(end / 6, 2 * minute);
         while (now_ < end) {
             happen();
+            if (isDisturbed_ && dice_.chance(92)) {
+                wait(second, 5 * minute);
+                heal();
+            }
             now_ += dice_.spread(second, longestRest);
             if (dice_.chance(8)) {
                 calm();
@@ -256,7 +221,8 @@ private:
     {
         switch (dice_.below(9)) {
         case 0:
-            return act("{volume: {device: 73, value: 0.0" + std::string{dice_.chance(50) ? ", muted: true" : ""} + "}}");
+            return act("{volume: {device: 73, value: 0.0" + std::string{dice_.chance(50) ? ", muted: true" : ""} +
+                       "}}");
         case 1:
             return act("{menu: stopAlarm}");
         case 2:
@@ -298,8 +264,9 @@ private:
     void ownerIsBusy()
     {
         static constexpr std::array<std::string_view, 9> uses{
-            "{open: main}",  "{open: alerts}", "{close: main}", "{close: alerts}", "{menu: open}",
-            "{menu: close}", "refresh",        "{music: play}", "{volume: {device: 73, value: 0.3}}"};
+            "{open: main}",    "{open: alerts}", "{close: main}",
+            "{close: alerts}", "{menu: open}",   "{menu: close}",
+            "refresh",         "{music: play}",  "{volume: {device: 73, value: 0.3}}"};
         act("{login: succeed}");
         for (std::int64_t i = dice_.between(1, 5); i > 0; --i) {
             act(std::string{dice_.oneOf(uses)});
@@ -387,10 +354,10 @@ private:
     void changeSettings()
     {
         static constexpr std::array<std::string_view, 12> changes{
-            "{alarmVolume: 0.3}",          "{alarmVolume: 1.0}",           "{alarmSound: true}",
-            "{alarmSound: false}",         "{triggerOnUnplugged: true}",   "{triggerOnMotion: false}",
-            "{triggerOnMotion: true}",     "{triggerOnLidClosed: true}",   "{lockScreenOnArm: true}",
-            "{lockScreenSleepDelay: 5.0}", "{sendNotification: false}",    "{failedUnlockAttemptLimit: 1.0}"};
+            "{alarmVolume: 0.3}",          "{alarmVolume: 1.0}",         "{alarmSound: true}",
+            "{alarmSound: false}",         "{triggerOnUnplugged: true}", "{triggerOnMotion: false}",
+            "{triggerOnMotion: true}",     "{triggerOnLidClosed: true}", "{lockScreenOnArm: true}",
+            "{lockScreenSleepDelay: 5.0}", "{sendNotification: false}",  "{failedUnlockAttemptLimit: 1.0}"};
         for (std::int64_t i = dice_.between(1, 3); i > 0; --i) {
             act("{set: " + std::string{dice_.oneOf(changes)} + "}");
             wait(10, minute);
@@ -431,82 +398,27 @@ private:
     /// Faults for what comes next.
     void disturb()
     {
+        isDisturbed_ = true;
         for (std::int64_t i = dice_.between(1, 2); i > 0; --i) {
-            switch (dice_.below(4)) {
-            case 0:
-                disturbCloud();
-                break;
-            case 1:
-                breakDevice();
-                break;
-            default:
-                strikeCall();
-                break;
-            }
+            act(saboteur_.nextFault());
         }
         wait(1, 2 * second);
-    }
-
-    void strikeCall()
-    {
-        static constexpr std::array<std::string_view, 7> fates{"raises", "raises", "raises", "hangs",
-                                                               "dies",   "dies",   "loses-power"};
-        const std::string port = dice_.chance(70) ? std::string{dice_.oneOf(alarmPorts)} : dice_.oneOf(ports_).name;
-        std::string fate{dice_.oneOf(fates)};
-        if (fate == "loses-power" && port != "files") {
-            fate = "dies";
-        }
-        act("{fault: {port: " + port + ", call: " + std::to_string(dice_.spread(1, 40)) + ", fate: " + fate + "}}");
-        mustRelaunch_ = mustRelaunch_ || fate != "raises";
-    }
-
-    void breakDevice()
-    {
-        const FaultyPort& port = dice_.oneOf(ports_);
-        const std::string fault = dice_.oneOf(port.faults);
-        if (fault == "hangs") {
-            mustRelaunch_ = true;
-            broken_.push_back(port.name);
-            return act("{fail: {" + port.name + ": {hangs: 1}}}");
-        }
-        const std::string times = std::to_string(dice_.spread(1, 30));
-        act("{fail: {" + port.name + ": {" + fault + ": " + times + "}}}");
-        broken_.push_back(port.name);
-    }
-
-    void disturbCloud()
-    {
-        const std::string operation =
-            dice_.chance(50) ? ", operation: " + std::string{dice_.oneOf(cloudOperations)} : std::string{};
-        const std::string times = std::to_string(dice_.between(1, 4));
-        if (dice_.chance(30)) {
-            return act("{icloud: {loseAnswers: {times: " + times + operation + "}}}");
-        }
-        const std::string patience =
-            dice_.chance(20) ? ", retryAfter: " + std::to_string(dice_.between(1, 200)) : std::string{};
-        act("{icloud: {fail: {code: " + std::string{dice_.oneOf(cloudErrors)} + ", times: " + times + operation +
-            patience + "}}}");
     }
 
     /// The faults cease.
     void heal()
     {
-        act("{fault: none}");
-        std::ranges::sort(broken_);
-        broken_.erase(std::unique(broken_.begin(), broken_.end()), broken_.end());
-        for (const std::string& port : broken_) {
-            act("{fail: {" + port + ": none}}");
+        isDisturbed_ = false;
+        for (std::string& cure : saboteur_.cures()) {
+            act(std::move(cure));
         }
-        broken_.clear();
-        act("{icloud: {fail: none}}");
         act("{network: up}");
-        if (mustRelaunch_) {
+        if (std::exchange(saboteur_.mustRelaunch, false)) {
             act("crash");
             now_ += second;
             act("relaunch");
             now_ += 5 * second;
             isArmed_ = false;
-            mustRelaunch_ = false;
         }
     }
 
@@ -514,7 +426,7 @@ private:
     void calm()
     {
         act("wake");
-        mustRelaunch_ = mustRelaunch_ || dice_.chance(40);
+        saboteur_.mustRelaunch = saboteur_.mustRelaunch || dice_.chance(40);
         heal();
         act("{icloud: {quota: ok}}");
         act("{icloud: {latency: 80ms}}");
@@ -533,13 +445,12 @@ private:
     }
 
     Dice dice_;
-    const std::vector<FaultyPort>& ports_;
+    Saboteur saboteur_;
     Plan plan_;
     std::int64_t now_ = 0;
     bool isArmed_ = false;
     bool hasHeadphones_ = false;
-    bool mustRelaunch_ = false;
-    std::vector<std::string> broken_;
+    bool isDisturbed_ = false;
 };
 
 } // namespace

@@ -30,8 +30,8 @@ struct FaultyPort {
 /// The scenario of the plan, which is watched.
 [[nodiscard]] std::string documentOf(const Plan& plan);
 
-/// The life of a MacBook for about that many hours, with its owner, thieves, phones and clouds, and faults at the ports.
-/// It ends with a calm in which all faults cease. The same arguments give the same plan everywhere.
+/// The life of a MacBook for about that many hours, with its owner, thieves, phones and clouds, and faults at the
+/// ports. It ends with a calm in which all faults cease. The same arguments give the same plan everywhere.
 [[nodiscard]] Plan weather(std::uint64_t seed, double hours, const std::vector<FaultyPort>& ports);
 
 } // namespace sentrel::simulation

@@ -60,6 +60,13 @@ void Witness::enters(MacSession& session)
     before_ = lookout_->look();
 }
 
+void Witness::died(double at, const Raised& raised)
+{
+    if (violations_.empty()) {
+        violations_.push_back({at, "no call ends the process", raised.port + " " + raised.operation + " raised"});
+    }
+}
+
 void Witness::happened(const Event& event)
 {
     if (lookout_ == nullptr) {

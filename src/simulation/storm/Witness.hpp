@@ -28,7 +28,7 @@ struct Experience {
     double armedHours = 0.0;
     std::uint64_t triggers = 0;
     std::uint64_t alerts = 0;
-    std::uint64_t crashes = 0; ///< survived
+    std::uint64_t crashes = 0;                   ///< survived
     std::map<std::string, std::uint64_t> faults; ///< injected, as "PORT OPERATION FATE" or "PORT FAULT"
     std::map<std::string, std::uint64_t> calls;  ///< of the product, as "PORT OPERATION"
     std::set<std::string> pairs;                 ///< states that were seen at the same time
@@ -41,6 +41,7 @@ public:
     [[nodiscard]] bool wantsEachInstant() const override { return true; }
     void settled(MacSession& session) override;
     void leaves(MacSession& session) override;
+    void died(double at, const Raised& raised) override;
     void happened(const Event& event) override;
     void willPerform(double at, const Step& step, const Action& action) override;
     void checked(double /*at*/, const Step& /*step*/, const std::vector<Mismatch>& /*mismatches*/) override {}

@@ -128,11 +128,10 @@ Json jsonOf(const WorldReport& report)
     for (const Violation& violation : report.violations) {
         violations.push_back({{"at", violation.at}, {"invariant", violation.invariant}, {"what", violation.what}});
     }
-    return {{"hours", experience.hours},       {"armedHours", experience.armedHours},
-            {"triggers", experience.triggers}, {"alerts", experience.alerts},
-            {"crashes", experience.crashes},   {"faults", experience.faults},
-            {"calls", experience.calls},       {"pairs", experience.pairs},
-            {"violations", std::move(violations)}};
+    return {
+        {"hours", experience.hours},   {"armedHours", experience.armedHours}, {"triggers", experience.triggers},
+        {"alerts", experience.alerts}, {"crashes", experience.crashes},       {"faults", experience.faults},
+        {"calls", experience.calls},   {"pairs", experience.pairs},           {"violations", std::move(violations)}};
 }
 
 WorldReport reportOf(const Json& json)

@@ -73,6 +73,11 @@ public:
     }
     [[nodiscard]] bool wantsEachInstant() const override { return isWatched_; }
     void leaves(MacSession& session) override { witness_.leaves(session); }
+    void died(double at, const Raised& raised) override
+    {
+        audience_.died(at, raised);
+        witness_.died(at, raised);
+    }
     void settled(MacSession& session) override
     {
         if (isWatched_) {
@@ -110,9 +115,10 @@ PlayResult playWatched(const Scenario& scenario, const PlayOptions& options, Aud
     WatchedAudience watched{audience, scenario};
     PlayResult result = play(scenario, options, watched);
     for (const Violation& violation : watched.violations()) {
-        result.mismatches.push_back({.path = "the invariant \"" + violation.invariant + "\"",
-                                     .expected = "kept",
-                                     .actual = "violated at " + std::to_string(violation.at) + " s: " + violation.what});
+        result.mismatches.push_back(
+            {.path = "the invariant \"" + violation.invariant + "\"",
+             .expected = "kept",
+             .actual = "violated at " + std::to_string(violation.at) + " s: " + violation.what});
     }
     return result;
 }

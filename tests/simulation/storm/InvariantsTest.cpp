@@ -87,8 +87,7 @@ constexpr PlantedFault plantedFaults[] = {
          day.now.isSounding = true;
          day.past.ringing = Ringing{10'000.0, 10'000.0, day.now.output, false};
      }},
-    {"only the owner silences",
-     [](Day& day) { day.past.ringing = Ringing{9'900.0, 9'995.0, day.now.output, true}; }},
+    {"only the owner silences", [](Day& day) { day.past.ringing = Ringing{9'900.0, 9'995.0, day.now.output, true}; }},
     {"stopped is silent",
      [](Day& day) {
          day.now.isSounding = true;
