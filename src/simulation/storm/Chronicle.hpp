@@ -4,6 +4,7 @@
 #include "simulation/storm/Deed.hpp"
 #include "simulation/storm/Sight.hpp"
 
+#include <algorithm>
 #include <deque>
 #include <initializer_list>
 #include <limits>
@@ -126,6 +127,12 @@ public:
 
     /// Whether a call of this process at one of the ports hangs.
     [[nodiscard]] std::size_t hungPorts(std::initializer_list<std::string_view> ports) const;
+
+    /// Whether nothing has failed, and nobody has done anything, for so many seconds.
+    [[nodiscard]] bool isCalmFor(double seconds) const
+    {
+        return calmSince != never && at - std::max(calmSince, deedAt) > seconds;
+    }
 
     /// Whether a fault is set, or has just struck.
     [[nodiscard]] bool isTroubled() const { return mayBeTroubled_; }

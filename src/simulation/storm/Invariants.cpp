@@ -7,7 +7,7 @@ namespace sentrel::simulation {
 
 namespace {
 
-using Violation = std::optional<std::string>;
+using Finding = std::optional<std::string>; ///< how an invariant is violated
 
 /// Seconds in which a change shows everywhere.
 constexpr double settling = 2.0;
@@ -41,7 +41,7 @@ std::string textOf(const OutputState& output)
 }
 
 /// An alert that was seen once is on the disk, in memory or in the cloud until it is deleted.
-Violation alertsSurvive(const Instants& is)
+Finding alertsSurvive(const Instants& is)
 {
     for (const auto& [id, alert] : is.past.alerts) {
         const bool isDeleted = alert.deletedAt <= is.now.at;
@@ -55,7 +55,7 @@ Violation alertsSurvive(const Instants& is)
 }
 
 /// A trigger that the product can't have missed leaves an alert.
-Violation triggersLeaveAlerts(const Instants& is)
+Finding triggersLeaveAlerts(const Instants& is)
 {
     for (const Cause& cause : is.past.causes) {
         if (cause.isCertain && !cause.hasAlert && !is.past.hasHung && is.now.at - cause.at > longestWay) {
@@ -66,7 +66,7 @@ Violation triggersLeaveAlerts(const Instants& is)
 }
 
 /// A trigger makes one alert, and nothing else makes one.
-Violation alertsHaveCauses(const Instants& is)
+Finding alertsHaveCauses(const Instants& is)
 {
     for (const auto& [id, alert] : is.past.alerts) {
         const bool isNew = alert.firstSeen == is.now.at;
@@ -80,7 +80,7 @@ Violation alertsHaveCauses(const Instants& is)
 }
 
 /// A deleted alert never comes back.
-Violation deletedStaysGone(const Instants& is)
+Finding deletedStaysGone(const Instants& is)
 {
     for (const auto& [id, alert] : is.past.alerts) {
         const bool isDeleted = alert.deletedAt < is.now.at;
@@ -99,7 +99,7 @@ Violation deletedStaysGone(const Instants& is)
 }
 
 /// Nothing from one user's database is shown to another, or stored for one.
-Violation othersStayOthers(const Instants& is)
+Finding othersStayOthers(const Instants& is)
 {
     const bool isKnown = is.now.at - is.past.calmSince > 60.0 && is.now.at - is.past.userChangedAt > 60.0;
     for (const auto& [id, row] : is.now.listed) {
@@ -127,7 +127,7 @@ Violation othersStayOthers(const Instants& is)
 }
 
 /// A certain trigger is heard soon.
-Violation triggersAreHeard(const Instants& is)
+Finding triggersAreHeard(const Instants& is)
 {
     const bool isBroken = is.past.wasBroken({"audio", "audio-engine", "beep", "music"}, is.now.at - 30.0) ||
                           is.past.hungPorts({"audio", "audio-engine", "beep"}) > 1;
@@ -142,7 +142,7 @@ Violation triggersAreHeard(const Instants& is)
 }
 
 /// An alarm that sounds has a trigger.
-Violation soundHasCause(const Instants& is)
+Finding soundHasCause(const Instants& is)
 {
     if (is.past.ringing && is.past.ringing->since == is.now.at && !is.past.ringing->hadCause) {
         return "the alarm sounds for no reason";
@@ -151,7 +151,7 @@ Violation soundHasCause(const Instants& is)
 }
 
 /// An alarm sounds until somebody who may do it stops it.
-Violation onlyTheOwnerSilences(const Instants& is)
+Finding onlyTheOwnerSilences(const Instants& is)
 {
     if (!is.past.ringing || is.now.isSounding || is.now.isAsleep) {
         return std::nullopt;
@@ -166,7 +166,7 @@ Violation onlyTheOwnerSilences(const Instants& is)
 }
 
 /// Once it is stopped, an alarm is silent.
-Violation stoppedIsSilent(const Instants& is)
+Finding stoppedIsSilent(const Instants& is)
 {
     const double stopped = std::max({is.past.stopDeedAt, is.past.disarmDeedAt, is.past.passcodeAt});
     const bool isOver = is.past.ringing && stopped > is.past.ringing->since && is.past.lastCauseAt() < stopped - 8.0;
@@ -183,7 +183,7 @@ Violation stoppedIsSilent(const Instants& is)
 }
 
 /// Nobody without login, passcode or phone disarms the Mac, and no command does it twice or late.
-Violation onlyTheOwnerDisarms(const Instants& is)
+Finding onlyTheOwnerDisarms(const Instants& is)
 {
     const bool isSameProcess = is.past.launchedAt < is.before.at && is.now.isRunning && is.before.isRunning;
     if (is.before.showsArmed && !is.now.showsArmed && isSameProcess && !is.past.mayBeDisarmed()) {
@@ -193,7 +193,7 @@ Violation onlyTheOwnerDisarms(const Instants& is)
 }
 
 /// The Mac arms itself for nobody.
-Violation onlyTheOwnerArms(const Instants& is)
+Finding onlyTheOwnerArms(const Instants& is)
 {
     if (!is.before.showsArmed && is.now.showsArmed && !is.past.mayBeArmed()) {
         return "the Mac is armed by nobody";
@@ -202,7 +202,7 @@ Violation onlyTheOwnerArms(const Instants& is)
 }
 
 /// The lock screen opens for the passcode alone.
-Violation onlyThePasscodeUncovers(const Instants& is)
+Finding onlyThePasscodeUncovers(const Instants& is)
 {
     const bool isSameProcess = is.past.launchedAt < is.before.at && is.now.isRunning && is.before.isRunning;
     const bool hasScreens = is.now.displays > 0 && !is.past.hadTrouble({"displays"}, is.now.at - settling);
@@ -214,7 +214,7 @@ Violation onlyThePasscodeUncovers(const Instants& is)
 }
 
 /// The lock screen covers every display.
-Violation everyDisplayIsCovered(const Instants& is)
+Finding everyDisplayIsCovered(const Instants& is)
 {
     const double since = is.past.coversOddSince;
     const bool isBroken = is.past.hasHung || is.past.hadTrouble({"displays"}, since - settling) ||
@@ -226,7 +226,7 @@ Violation everyDisplayIsCovered(const Instants& is)
 }
 
 /// After the alarm the output of sound is as it was before, also across a crash.
-Violation outputIsRestored(const Instants& is)
+Finding outputIsRestored(const Instants& is)
 {
     const Chronicle& past = is.past;
     if (!past.outputToRestore || !is.now.isRunning || is.now.isAsleep || past.ringing) {
@@ -245,7 +245,7 @@ Violation outputIsRestored(const Instants& is)
 }
 
 /// The Mac is kept awake exactly while it is armed.
-Violation assertionFollowsArming(const Instants& is)
+Finding assertionFollowsArming(const Instants& is)
 {
     const double since = is.past.assertionOddSince;
     const double changed = std::max(is.past.armedSince, is.past.disarmedSince);
@@ -258,7 +258,7 @@ Violation assertionFollowsArming(const Instants& is)
 }
 
 /// The Mac is kept awake for an alert no longer than the alert takes.
-Violation assertionFollowsProcessing(const Instants& is)
+Finding assertionFollowsProcessing(const Instants& is)
 {
     const double since = std::max(is.past.processingSince, is.past.lastCauseAt());
     const bool isBroken =
@@ -270,7 +270,7 @@ Violation assertionFollowsProcessing(const Instants& is)
 }
 
 /// The settings can be read at any time, and survive every end of the process, but for the armed state.
-Violation settingsLoad(const Instants& is)
+Finding settingsLoad(const Instants& is)
 {
     if (is.before.settings && !is.now.settings) {
         return "the stored settings can't be read any more";
@@ -289,7 +289,7 @@ Violation settingsLoad(const Instants& is)
 }
 
 /// Icon, menu and stored settings tell the same.
-Violation signsAgree(const Instants& is)
+Finding signsAgree(const Instants& is)
 {
     const double since = is.past.signsOddSince;
     const double changed = std::max(is.past.armedSince, is.past.disarmedSince);
@@ -305,8 +305,21 @@ Violation signsAgree(const Instants& is)
     return std::nullopt;
 }
 
+/// The owner's phone knows within a minute and a half whether the Mac is armed.
+Finding phoneAgrees(const Instants& is)
+{
+    constexpr double longest = 95.0; // three heartbeats
+    const double changed = std::max({is.past.armedSince, is.past.disarmedSince, is.past.launchedAt});
+    const bool isAsked = is.now.phoneAskedAt == is.now.at && is.now.phoneSaysArmed && is.now.user == "maya";
+    if (isAsked && is.past.isCalmFor(longest) && is.now.at - changed > longest &&
+        *is.now.phoneSaysArmed != is.now.showsArmed) {
+        return std::string{"the phone says "} + (*is.now.phoneSaysArmed ? "armed" : "disarmed");
+    }
+    return std::nullopt;
+}
+
 /// Once the faults have ceased, everything that waits reaches the cloud.
-Violation nothingWaitsInCalm(const Instants& is)
+Finding nothingWaitsInCalm(const Instants& is)
 {
     if (is.past.calmSince == never || is.now.at - is.past.calmSince < calm ||
         is.now.at - is.past.lastCauseAt() < calm || is.now.at - is.past.clockJumpedAt < calm) {
@@ -327,7 +340,7 @@ Violation nothingWaitsInCalm(const Instants& is)
 }
 
 /// No timer outlives what it was for.
-Violation timersEnd(const Instants& is)
+Finding timersEnd(const Instants& is)
 {
     constexpr std::size_t some = 4;
     const bool isAtRest = is.past.calmSince != never && is.now.at - is.past.calmSince > calm && !is.now.showsArmed &&
@@ -340,7 +353,7 @@ Violation timersEnd(const Instants& is)
     return std::nullopt;
 }
 
-constexpr std::array<Invariant, 20> all{{
+constexpr std::array<Invariant, 21> everyInvariant{{
     {"alerts survive", alertsSurvive},
     {"triggers leave alerts", triggersLeaveAlerts},
     {"alerts have causes", alertsHaveCauses},
@@ -359,6 +372,7 @@ constexpr std::array<Invariant, 20> all{{
     {"an assertion while processing", assertionFollowsProcessing},
     {"settings load", settingsLoad},
     {"signs agree", signsAgree},
+    {"the phone agrees", phoneAgrees},
     {"nothing waits in calm", nothingWaitsInCalm},
     {"timers end", timersEnd},
 }};
@@ -367,7 +381,7 @@ constexpr std::array<Invariant, 20> all{{
 
 std::span<const Invariant> invariants()
 {
-    return all;
+    return everyInvariant;
 }
 
 } // namespace sentrel::simulation

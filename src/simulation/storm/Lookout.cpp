@@ -15,12 +15,12 @@ namespace sentrel::simulation {
 
 namespace {
 
-constexpr std::string_view armedIcon = "MenuBarIconArmed";
+constexpr std::string_view iconOfArmed = "MenuBarIconArmed";
 constexpr std::string_view armedReason = "Sentrel is armed and monitoring";
 constexpr std::string_view alarmReason = "Sentrel is processing an alarm event";
 
 /// The alarm repeats its beep after 0.9 s.
-constexpr Duration longestBeepPause = std::chrono::milliseconds{900} - Speaker::beepLength;
+constexpr Duration pauseOfBeeps = std::chrono::milliseconds{900} - Speaker::beepLength;
 
 SeenAlerts alertsIn(const std::filesystem::path& folder)
 {
@@ -115,7 +115,7 @@ void Lookout::lookAtScreen()
     if (const auto version = mac.statusBar.version() + 1; version != menuVersion_) {
         menuVersion_ = version;
         const auto item = mac.statusBar.item();
-        set(sight_.showsArmed, item && item->image == armedIcon);
+        set(sight_.showsArmed, item && item->image == iconOfArmed);
         set(sight_.menuSaysArmed, item && isVisible(item->menu, "armedState"));
         set(sight_.offersStop, item && isVisible(item->menu, "stopAlarm"));
     }
@@ -129,7 +129,7 @@ void Lookout::lookAtScreen()
 void Lookout::lookAtSound()
 {
     SimulatedMac& mac = session_.mac();
-    const auto sounding = mac.speaker.sounding(longestBeepPause);
+    const auto sounding = mac.speaker.sounding(pauseOfBeeps);
     set(sight_.isSounding, !sounding.empty());
     set(sight_.isAudible, std::ranges::any_of(sounding, [](const Sounding& sound) { return sound.gain > 0.0F; }));
     if (std::exchange(mustReadOutput_, false)) {
@@ -195,6 +195,20 @@ void Lookout::lookAtCloud()
                                                     std::vector<std::string>{}, 0);
     }
     set(sight_.inCloud[sight_.user], ids);
+}
+
+void Lookout::askPhone()
+{
+    sight_.phoneAskedAt = session_.seconds();
+    sight_.phoneSaysArmed.reset();
+    try {
+        const auto macs = session_.phone().macs();
+        if (!macs.empty()) {
+            sight_.phoneSaysArmed = macs.front().isArmed;
+        }
+    } catch (const ports::CloudError&) {
+        // The phone knows nothing.
+    }
 }
 
 void Lookout::lookAtList()

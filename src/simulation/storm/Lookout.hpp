@@ -25,6 +25,9 @@ public:
     /// The server is asked at the next look, whatever the Mac's requests were.
     void expectChangesInCloud() { mustAskCloud_ = true; }
 
+    /// Asks the owner's phone whether this Mac is armed.
+    void askPhone();
+
     /// Everything is read again at the next look.
     void expectAnything();
 

@@ -19,8 +19,8 @@ constexpr std::array<std::string_view, 12> cloudErrors{
     "quotaExceeded",      "zoneBusy",       "notAuthenticated",   "serverRejectedRequest",
     "internalError",      "limitExceeded",  "unknownItem",        "partialFailure"};
 
-constexpr std::array<std::string_view, 9> cloudOperations{
-    "accountStatus", "userRecord", "query", "continueQuery", "fetch", "modify", "fetchOne", "save", "saveSubscription"};
+constexpr std::array<std::string_view, 9> requests{"accountStatus", "userRecord", "query", "continueQuery",   "fetch",
+                                                   "modify",        "fetchOne",   "save",  "saveSubscription"};
 
 } // namespace
 
@@ -74,7 +74,7 @@ std::string Saboteur::breakDevice()
 std::string Saboteur::disturbCloud()
 {
     const std::string operation =
-        dice_.chance(50) ? ", operation: " + std::string{dice_.oneOf(cloudOperations)} : std::string{};
+        dice_.chance(50) ? ", operation: " + std::string{dice_.oneOf(requests)} : std::string{};
     const std::string times = std::to_string(dice_.between(1, 4));
     if (dice_.chance(30)) {
         return "{icloud: {loseAnswers: {times: " + times + operation + "}}}";

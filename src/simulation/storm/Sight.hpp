@@ -62,6 +62,8 @@ struct Sight {
     bool hasAccount = false;
     bool isOnline = false;
     bool isStorageFull = false;
+    std::optional<bool> phoneSaysArmed{}; ///< the owner's phone of this Mac, when it was asked last
+    double phoneAskedAt = -1.0;
     std::size_t timers = 0; ///< armed on the clock
 };
 

@@ -13,6 +13,9 @@ namespace {
 /// A look at what is still to come: a deadline of an invariant lies at most this far ahead, in seconds.
 constexpr double longestDeadline = 8.0;
 
+/// The owner's phone is asked this often, in seconds.
+constexpr double phonePeriod = 900.0;
+
 /// An idle world is looked at this often, in seconds.
 constexpr double idlePeriod = 60.0;
 
@@ -74,8 +77,8 @@ void Witness::happened(const Event& event)
     }
     lookout_->happened(event);
     chronicle_->happened(event);
-    experience_.triggers += event.name == "trigger" ? 1 : 0;
-    experience_.crashes += event.name == "crashed" ? 1 : 0;
+    experience_.triggers += event.name == "trigger" ? 1U : 0U;
+    experience_.crashes += event.name == "crashed" ? 1U : 0U;
 }
 
 void Witness::willPerform(double at, const Step& /*step*/, const Action& action)
@@ -89,6 +92,10 @@ void Witness::settled(MacSession& session)
     const double hours = (session.seconds() - before_.at) / 3600.0;
     experience_.hours += hours;
     experience_.armedHours += before_.showsArmed && before_.isRunning ? hours : 0.0;
+    if (chronicle_->isCalmFor(100.0) && session.seconds() - before_.phoneAskedAt > phonePeriod) {
+        lookout_->askPhone();
+        isAwaiting_ = true;
+    }
     const Sight& now = lookout_->look();
     const bool isDue = isAwaiting_ || now.at - checkedAt_ >= idlePeriod;
     if (!lookout_->hasChanged() && !isDue) {

@@ -136,6 +136,11 @@ constexpr PlantedFault plantedFaults[] = {
          day.now.settings->isArmed = false;
          day.past.signsOddSince = 9'990.0;
      }},
+    {"the phone agrees",
+     [](Day& day) {
+         day.now.phoneAskedAt = day.now.at;
+         day.now.phoneSaysArmed = false;
+     }},
     {"nothing waits in calm", [](Day& day) { day.now.onDisk[someAlert] = {"unplugged", true}; }},
     {"timers end",
      [](Day& day) {
