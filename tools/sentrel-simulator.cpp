@@ -4,6 +4,7 @@
 #include "simulation/stage/ScenarioError.hpp"
 #include "simulation/stage/ScenarioReader.hpp"
 #include "simulation/stage/ScenarioShelf.hpp"
+#include "simulation/storm/StormCommand.hpp"
 #include "simulation/story/PlayCommand.hpp"
 
 #include <CLI/CLI.hpp>
@@ -14,6 +15,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <unistd.h>
 #include <vector>
 
 #ifndef SENTREL_RESOURCES_DIR
@@ -35,6 +37,8 @@ struct Arguments {
     std::string disk;
     std::string token;
     std::string language;
+    StormCommand storm;
+    std::string stormKeep;
 };
 
 /// The error for a token that is easy to guess, empty for a good one: only the token protects the page.
@@ -82,6 +86,26 @@ CLI::App* addServe(CLI::App& app, Arguments& arguments)
     return serve;
 }
 
+CLI::App* addStorm(CLI::App& app, Arguments& arguments)
+{
+    constexpr double leastHours = 0.1;
+    constexpr double mostHours = 100'000'000.0;
+    constexpr unsigned mostJobs = 256;
+    CLI::App* const storm = app.add_subcommand(
+        "storm", "Lets many MacBooks live through thefts and faults at every port, and checks what must always hold");
+    storm->add_option("--hours", arguments.storm.hours, "Hours of the MacBooks together")
+        ->check(CLI::Range(leastHours, mostHours))
+        ->capture_default_str();
+    storm->add_option("--seed", arguments.storm.seed, "Seed of the weather")
+        ->check(refusalOfSeed)
+        ->capture_default_str();
+    storm->add_option("--jobs", arguments.storm.jobs, "Processes at a time; one for each core if left out")
+        ->check(CLI::Range(1U, mostJobs));
+    storm->add_option("--keep", arguments.stormKeep, "Save minimal scenarios of violations in this folder (out/storm)");
+    storm->add_flag("--json", arguments.storm.isJson, "Print the summary as one JSON object");
+    return storm;
+}
+
 /// The error for a first word that is not a command; none if it is one, or an option.
 std::optional<std::string> refusalOfCommand(const CLI::App& app, std::string_view word)
 {
@@ -121,6 +145,16 @@ int play(Arguments& arguments, const ScenarioShelf& shelf)
     return run(arguments.play, std::cout, std::cerr);
 }
 
+int storm(Arguments& arguments)
+{
+    arguments.storm.resources = SENTREL_RESOURCES_DIR;
+    arguments.storm.showsProgress = ::isatty(STDERR_FILENO) == 1;
+    if (!arguments.stormKeep.empty()) {
+        arguments.storm.keep = arguments.stormKeep;
+    }
+    return run(arguments.storm, std::cout, std::cerr);
+}
+
 } // namespace
 
 int main(int argc, char** argv)
@@ -137,6 +171,7 @@ int main(int argc, char** argv)
     const CLI::App* const schema =
         app.add_subcommand("schema", "Prints the JSON Schema of scenarios, with which editors complete and check them");
     addServe(app, arguments);
+    const CLI::App* const storming = addStorm(app, arguments);
 
     if (const auto refusal = argc > 1 ? refusalOfCommand(app, argv[1]) : std::nullopt) {
         std::cerr << "sentrel-simulator: " << *refusal << '\n';
@@ -159,6 +194,9 @@ int main(int argc, char** argv)
         if (schema->parsed()) {
             std::cout << scenarioSchema().dump(2) << '\n';
             return exitAllHeld;
+        }
+        if (storming->parsed()) {
+            return storm(arguments);
         }
         return playing->parsed() ? play(arguments, shelf) : serve(arguments, shelf);
     } catch (const ScenarioError& error) {

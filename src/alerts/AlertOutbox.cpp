@@ -3,6 +3,7 @@
 #include "alerts/LocalAlertStore.hpp"
 #include "cloud/AsyncTimeout.hpp"
 #include "cloud/CloudTimeLimit.hpp"
+#include "foundation/Quietly.hpp"
 #include "ports/FileSystem.hpp"
 #include "runtime/AssertOnMainActor.hpp"
 #include "runtime/CurrentTask.hpp"
@@ -12,6 +13,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cstddef>
+#include <exception>
 #include <iterator>
 #include <utility>
 
@@ -259,6 +261,21 @@ Async<void> AlertOutbox::retryAfter(Duration delay)
 Async<void> AlertOutbox::pass()
 {
     cancelRetry(); // this pass replaces it
+    std::exception_ptr failure;
+    try {
+        co_await passWithoutRetry();
+    } catch (...) {
+        failure = std::current_exception();
+    }
+    // Also after a failure, or work that is left over would wait for an event that may never come.
+    insistently([this] { planRetry(); });
+    if (failure) {
+        std::rethrow_exception(failure);
+    }
+}
+
+Async<void> AlertOutbox::passWithoutRetry()
+{
     saveHeld();
     if (cloud_.isOwnerCheckOwed()) {
         const bool hasChanged = co_await cloud_.checkCacheOwner();
@@ -270,7 +287,6 @@ Async<void> AlertOutbox::pass()
     co_await uploadWaiting();
     co_await list_.refresh();
     list_.passEnded();
-    planRetry();
 }
 
 /// Saves held alerts if the disk has room.
@@ -279,7 +295,7 @@ void AlertOutbox::saveHeld()
     std::erase_if(held_, [this](const auto& entry) {
         try {
             localStore_.save(entry.second.alert, entry.second.photo, true);
-        } catch (const std::exception&) {
+        } catch (...) {
             return false;
         }
         return true;

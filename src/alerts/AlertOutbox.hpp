@@ -127,6 +127,7 @@ private:
     Async<void> retryAfter(Duration delay);
 
     Async<void> pass();
+    Async<void> passWithoutRetry();
     void saveHeld();
     [[nodiscard]] std::vector<StoredAlert> withHeld(std::vector<StoredAlert> stored) const;
     Async<void> uploadWaiting();

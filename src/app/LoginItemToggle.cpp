@@ -2,6 +2,7 @@
 
 #include "app/ProtectedActions.hpp"
 #include "app/ViewParts.hpp"
+#include "foundation/Quietly.hpp"
 #include "ports/Language.hpp"
 #include "ports/LoginItem.hpp"
 #include "ports/SystemConstants.hpp"
@@ -18,7 +19,8 @@ LoginItemToggle::LoginItemToggle(ports::LoginItem& loginItem, ProtectedActions& 
 
 void LoginItemToggle::refresh()
 {
-    const std::int64_t status = loginItem_.status();
+    const auto read = quietly([this] { return std::optional{loginItem_.status()}; });
+    const std::int64_t status = read.value_or(status_);
     if (status == status_) {
         return;
     }

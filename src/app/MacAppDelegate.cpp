@@ -10,6 +10,7 @@
 #include "core/Events.hpp"
 #include "core/SettingsStore.hpp"
 #include "core/coordinator/AlarmCoordinator.hpp"
+#include "foundation/Quietly.hpp"
 #include "lock/PasswordGate.hpp"
 #include "lock/ScreenCoverService.hpp"
 #include "outputs/AlarmSoundPlayer.hpp"
@@ -46,15 +47,18 @@ MacAppDelegate::MacAppDelegate(MainActor actor, bool isCompatibleComputer, Servi
 
 void MacAppDelegate::applicationDidFinishLaunching()
 {
-    ports_.application.setActivationPolicy(ports::accessoryActivationPolicy);
-    with_.soundPlayer.restoreLeftoverState();
+    // Each by itself: a call that raises must not keep the rest from its work.
+    quietly([this] { ports_.application.setActivationPolicy(ports::accessoryActivationPolicy); });
+    quietly([this] { with_.soundPlayer.restoreLeftoverState(); });
     leaveDisarmed();
-    with_.presence.start();
-    with_.connectionMonitor.start();
-    registerForRemoteNotifications();
-    controlPreviewPanel();
-    wakeRegistration_ = ports_.workspaceNotifications.observe(
-        ports::workspaceDidWake, weakCall(actor_, anchor_.weak(), &MacAppDelegate::systemDidWake));
+    quietly([this] { with_.presence.start(); });
+    quietly([this] { with_.connectionMonitor.start(); });
+    insistently([this] { registerForRemoteNotifications(); });
+    quietly([this] { controlPreviewPanel(); });
+    insistently([this] {
+        wakeRegistration_ = ports_.workspaceNotifications.observe(
+            ports::workspaceDidWake, weakCall(actor_, anchor_.weak(), &MacAppDelegate::systemDidWake));
+    });
     if (!isCompatibleComputer_) {
         tasks_.add(actor_.spawn(bringUpControlPanel()));
     }
@@ -108,8 +112,8 @@ void MacAppDelegate::callQuitOff()
 void MacAppDelegate::leaveDisarmed()
 {
     // The armed state never survives the process, after the previous run or this one.
-    with_.settings.set(&AlarmSettings::isArmed, false);
-    with_.coordinator.disarm();
+    quietly([this] { with_.settings.set(&AlarmSettings::isArmed, false); });
+    quietly([this] { with_.coordinator.disarm(); });
 }
 
 void MacAppDelegate::registerForRemoteNotifications()

@@ -1,5 +1,7 @@
 #include "app/MenuBarScene.hpp"
 
+#include "foundation/Quietly.hpp"
+
 #include <utility>
 
 namespace sentrel {
@@ -12,12 +14,16 @@ MenuBarScene::MenuBarScene(MainActor actor, ports::StatusBar& statusBar)
 void MenuBarScene::appear(Content content)
 {
     content_ = std::move(content);
-    item_ = statusBar_.makeStatusItem();
+    // Without its item nobody could use the product.
+    insistently([this] { item_ = statusBar_.makeStatusItem(); });
+    if (item_ == nullptr) {
+        return;
+    }
     item_->setOpened([this] {
         content_.opened();
         draw(); // at once: the menu must not open with old content
     });
-    draw();
+    insistently([this] { draw(); });
 }
 
 void MenuBarScene::dismiss()

@@ -2,6 +2,7 @@
 
 #include "core/SettingsStore.hpp"
 #include "core/coordinator/AlarmCoordinator.hpp"
+#include "foundation/Quietly.hpp"
 #include "ports/Application.hpp"
 #include "ports/Language.hpp"
 
@@ -37,7 +38,7 @@ void SentrelScenes::appear()
                                                  with_.windowHooks, platform_.loginItem, platform_.language},
                       isComputerCompatible_, menuActions());
     menuView_->onChange = [this] { menuScene_.contentChanged(); };
-    menuView_->appeared();
+    quietly([this] { menuView_->appeared(); });
     menuScene_.appear({
         .image = [this] { return menuLabel_.image(); },
         .imageLabel = [this] { return menuLabel_.accessibilityLabel(); },

@@ -2,6 +2,7 @@
 
 #include "core/Events.hpp"
 #include "foundation/Fatal.hpp"
+#include "foundation/Quietly.hpp"
 #include "ports/ApplicationNotifications.hpp"
 #include "ports/CloudConstants.hpp"
 #include "ports/Journal.hpp"
@@ -48,10 +49,14 @@ void CloudKitConnectionMonitor::start()
         return;
     }
     hasStarted_ = true;
-    monitor_ = ports_.networkPaths.monitor(
-        queue_, [this, weak = anchor_.weak()](ports::NetworkPathStatus status) { pathChanged(weak, status); });
-    accountObserver_ = ports_.applicationNotifications.observe(
-        ports::cloudAccountChanged, weakCall(actor_, anchor_.weak(), &CloudKitConnectionMonitor::accountDidChange));
+    insistently([this] {
+        monitor_ = ports_.networkPaths.monitor(
+            queue_, [this, weak = anchor_.weak()](ports::NetworkPathStatus status) { pathChanged(weak, status); });
+    });
+    insistently([this] {
+        accountObserver_ = ports_.applicationNotifications.observe(
+            ports::cloudAccountChanged, weakCall(actor_, anchor_.weak(), &CloudKitConnectionMonitor::accountDidChange));
+    });
     accountDidChange();
 }
 

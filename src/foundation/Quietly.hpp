@@ -15,4 +15,15 @@ template <class Call> std::invoke_result_t<Call&> quietly(Call call) noexcept
     }
 }
 
+/// The same, but asks a second time when the first call throws: a port that raises once may answer then. For calls that
+/// much depends on.
+template <class Call> std::invoke_result_t<Call&> insistently(Call call) noexcept
+{
+    try {
+        return call();
+    } catch (...) {
+        return quietly(call);
+    }
+}
+
 } // namespace sentrel

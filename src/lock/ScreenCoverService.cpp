@@ -2,6 +2,7 @@
 
 #include "core/Events.hpp"
 #include "core/SettingsStore.hpp"
+#include "foundation/Quietly.hpp"
 #include "lock/CoverWindow.hpp"
 #include "lock/ScreenCoverAlarm.hpp"
 #include "lock/UnlockPasscodeStore.hpp"
@@ -90,21 +91,22 @@ bool ScreenCoverService::show()
     }
     isShowing_ = true;
     failedAttempts_ = 0;
-    buildWindows();
+    insistently([this] { buildWindows(); });
     const auto rebuild = [weak = anchor_.weak()] {
         if (auto* const service = weak.get()) {
-            service->buildWindows();
+            insistently([service] { service->buildWindows(); });
         }
     };
-    screenChangeObserver_ = ports_.notifications.observe(ports::screenParametersChanged, rebuild);
+    // Each by itself: a call that raises must not leave the screen open to the rest.
+    insistently([&] { screenChangeObserver_ = ports_.notifications.observe(ports::screenParametersChanged, rebuild); });
     const auto holdKeyboard = [weak = anchor_.weak()] {
         if (auto* const service = weak.get()) {
             service->takeKeyboard();
         }
     };
-    resignObserver_ = ports_.notifications.observe(ports::applicationResignedActive, holdKeyboard);
-    ports_.activation.setPresentationOptions(coverPresentation);
-    takeKeyboard();
+    quietly([&] { resignObserver_ = ports_.notifications.observe(ports::applicationResignedActive, holdKeyboard); });
+    quietly([this] { ports_.activation.setPresentationOptions(coverPresentation); });
+    quietly([this] { takeKeyboard(); });
     ports_.journal.note(events::CoverShown{static_cast<std::int64_t>(windows_.size())});
     return true;
 }
@@ -117,9 +119,9 @@ void ScreenCoverService::hide()
     }
     screenChangeObserver_.reset();
     resignObserver_.reset();
-    ports_.activation.setPresentationOptions(ports::defaultPresentation);
+    quietly([this] { ports_.activation.setPresentationOptions(ports::defaultPresentation); });
     for (const auto& window : windows_) {
-        window->orderOut();
+        quietly([&window] { window->orderOut(); });
     }
     windows_.clear();
     isShowing_ = false;
@@ -154,15 +156,17 @@ std::optional<Date> ScreenCoverService::lockoutEnd() const
 void ScreenCoverService::buildWindows()
 {
     assertOnMainActor(mainActor_);
-    for (const auto& window : windows_) {
-        window->orderOut();
-    }
-    windows_.clear();
     if (!shieldingLevel_) {
         shieldingLevel_ = ports_.windows.shieldingLevel();
     }
+    // The old windows cover the screens until the new ones do: a call that fails or hangs must not uncover them.
+    std::vector<std::unique_ptr<CoverWindow>> covers;
     for (const ports::Screen& screen : ports_.windows.screens()) {
-        windows_.push_back(std::make_unique<CoverWindow>(ports_.windows, screen, *shieldingLevel_, makeView()));
+        covers.push_back(std::make_unique<CoverWindow>(ports_.windows, screen, *shieldingLevel_, makeView()));
+    }
+    windows_.swap(covers);
+    for (const auto& window : covers) {
+        quietly([&window] { window->orderOut(); });
     }
     if (!windows_.empty()) {
         windows_.front()->makeKey();

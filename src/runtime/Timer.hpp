@@ -44,6 +44,8 @@ public:
 
     [[nodiscard]] std::optional<Instant> earliest() const;
 
+    [[nodiscard]] std::size_t size() const { return timers_.size(); }
+
     /// Order number of the earliest timer. The heap isn't empty.
     [[nodiscard]] std::uint64_t earliestOrder() const { return timers_.front()->order_; }
 

@@ -47,6 +47,9 @@ public:
     /// When the next timer is due; none when none is armed.
     [[nodiscard]] std::optional<Instant> nextDeadline() const { return timers_.earliest(); }
 
+    /// How many timers are armed.
+    [[nodiscard]] std::size_t armedTimers() const { return timers_.size(); }
+
     /// Lets the runner run all later jobs; null lets the clock run them itself. The runner outlives its use.
     void setJobRunner(JobRunner* runner) { runner_ = runner; }
 

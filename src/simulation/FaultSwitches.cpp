@@ -40,6 +40,31 @@ bool FaultSwitches::set(std::string_view name, int times)
     return true;
 }
 
+bool FaultSwitches::isSet(std::string_view name) const
+{
+    const std::lock_guard guard{mutex_};
+    const auto found = remaining_.find(name);
+    return found != remaining_.end() && found->second != 0;
+}
+
+std::vector<std::string> FaultSwitches::active() const
+{
+    const std::lock_guard guard{mutex_};
+    std::vector<std::string> names;
+    for (const auto& [name, remaining] : remaining_) {
+        if (remaining != 0) {
+            names.push_back(name);
+        }
+    }
+    return names;
+}
+
+std::map<std::string, std::uint64_t, std::less<>> FaultSwitches::struck() const
+{
+    const std::lock_guard guard{mutex_};
+    return struck_;
+}
+
 void FaultSwitches::clear()
 {
     const std::lock_guard guard{mutex_};
@@ -61,6 +86,7 @@ bool FaultSwitches::strikes(std::string_view name)
     if (found->second > 0) {
         --found->second;
     }
+    ++struck_[found->first];
     return true;
 }
 

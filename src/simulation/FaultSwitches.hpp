@@ -4,6 +4,7 @@
 #include "runtime/Semaphore.hpp"
 #include "simulation/PortCalls.hpp"
 
+#include <cstdint>
 #include <functional>
 #include <initializer_list>
 #include <map>
@@ -23,6 +24,15 @@ public:
     /// Makes the device fail that way for the next `times` uses (negative: until healed; 0: heal now). False if the
     /// device has no such fault.
     bool set(std::string_view name, int times = -1);
+
+    /// Whether the device may fail that way at its next use.
+    [[nodiscard]] bool isSet(std::string_view name) const;
+
+    /// The names of the faults that are set.
+    [[nodiscard]] std::vector<std::string> active() const;
+
+    /// How often each fault has struck.
+    [[nodiscard]] std::map<std::string, std::uint64_t, std::less<>> struck() const;
 
     /// Heals everything. A call that hangs stays where it is.
     void clear();
@@ -54,6 +64,7 @@ private:
     Semaphore never_; // never signalled
     mutable std::mutex mutex_;
     std::map<std::string, int, std::less<>> remaining_;
+    std::map<std::string, std::uint64_t, std::less<>> struck_;
 };
 
 } // namespace sentrel::simulation

@@ -120,7 +120,14 @@ HangingCalls::~HangingCalls()
 
 void HangingCalls::prepare()
 {
+    isPrepared_ = true;
     clock_.setJobRunner(this);
+}
+
+void HangingCalls::rest()
+{
+    isPrepared_ = false;
+    clock_.setJobRunner(nullptr);
 }
 
 void HangingCalls::hang()

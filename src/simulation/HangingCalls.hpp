@@ -21,6 +21,10 @@ public:
     /// Jobs that start from now on may hang.
     void prepare();
 
+    /// The clock runs later jobs itself again, which is faster; they can't hang. Calls that hang stay where they are.
+    void rest();
+    [[nodiscard]] bool isPrepared() const { return isPrepared_; }
+
     /// True in a job of the process: only such a call can hang.
     [[nodiscard]] bool isProcessCalling() const { return process_.isCurrent(); }
 
@@ -40,6 +44,7 @@ private:
     const VirtualScheduler& process_;
     std::vector<std::unique_ptr<Worker>> idle_;
     std::vector<std::unique_ptr<Worker>> hung_;
+    bool isPrepared_ = false;
     bool isEnding_ = false;
 };
 

@@ -125,8 +125,8 @@ AlertEvent AlertPipeline::makeAlert(TriggerReason reason, std::optional<Date> da
     AlertEvent alert;
     alert.id = randomUUID(ports_.random);
     alert.reason = reason;
-    alert.timestamp = date ? *date : ports_.wallClock.now();
-    alert.deviceName = ports_.host.localizedName().value_or("Mac");
+    alert.timestamp = date ? *date : insistently([this] { return ports_.wallClock.now(); });
+    alert.deviceName = insistently([this] { return ports_.host.localizedName(); }).value_or("Mac");
     if (hasPhoto) {
         alert.photoFileName = alert.id.text() + ".jpg";
     }

@@ -14,6 +14,9 @@ public:
 
     [[nodiscard]] Date now() override;
 
+    /// Sets the clock ahead, or back with negative seconds, as a user or a time server does.
+    void move(double seconds) { start_ = start_.addingSeconds(seconds); }
+
 private:
     Scheduler& scheduler_;
     Instant zero_;

@@ -2,6 +2,7 @@
 
 #include "simulation/stage/ValueType.hpp"
 
+#include <any>
 #include <cstdint>
 #include <functional>
 #include <optional>
@@ -31,9 +32,17 @@ public:
     /// told instead.
     [[nodiscard]] std::optional<std::string> tell(const DeviceName& deviceName) const;
 
+    /// Its word in the scenario language.
+    [[nodiscard]] std::string_view name() const { return name_; }
+
+    /// Its value, or null if the action has none of this type.
+    template <class T> [[nodiscard]] const T* value() const { return std::any_cast<T>(&value_); }
+
 private:
     friend struct ActionRow;
 
+    std::string_view name_;
+    std::any value_;
     std::function<std::string(MacSession&)> object_; ///< null: never objects
     std::function<std::string(MacSession&)> perform_;
     std::function<std::string(const DeviceName&)> tell_; ///< null: told as an event
@@ -52,6 +61,7 @@ struct ActionRow {
     static ActionRow plain(std::string_view name, std::string_view meaning, Perform perform, std::string text = {})
     {
         Action action;
+        action.name_ = name;
         action.perform_ = [perform](MacSession& session) {
             perform(session);
             return std::string{};
@@ -73,6 +83,8 @@ struct ActionRow {
         auto read = [=, read = std::move(type.read)](const YamlValue& value, const ReadContext& context) {
             Action action;
             const T content = read(value, what, context);
+            action.name_ = name;
+            action.value_ = content;
             action.perform_ = [perform, content](MacSession& session) {
                 if constexpr (std::is_void_v<std::invoke_result_t<Perform, MacSession&, const T&>>) {
                     perform(session, content);

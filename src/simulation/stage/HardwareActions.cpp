@@ -1,4 +1,5 @@
 #include "simulation/mac/motion/MotionRecording.hpp"
+#include "simulation/mac/motion/MotionChange.hpp"
 #include "simulation/stage/Action.hpp"
 #include "simulation/stage/MacReader.hpp"
 #include "simulation/stage/MacSession.hpp"
@@ -38,13 +39,6 @@ void setPower(MacSession& session, Power power)
     }
 }
 
-/// The accelerometer delivers one sample or a recording, or begins or ends to deliver a machine at rest.
-struct Recording {
-    MotionRecording content;
-    std::string name; ///< the file's name in the scenario
-};
-using Motion = std::variant<Acceleration, Recording, bool>;
-
 Acceleration readSample(const YamlValue& value)
 {
     requireList(value, "a sample");
@@ -57,7 +51,7 @@ Acceleration readSample(const YamlValue& value)
     return {x, y, z};
 }
 
-Recording readRecording(const YamlValue& value, const ReadContext& context)
+PlayedRecording readRecording(const YamlValue& value, const ReadContext& context)
 {
     try {
         return {MotionRecording::load(readPath(value, "the recording", context)), value.text};
@@ -66,11 +60,11 @@ Recording readRecording(const YamlValue& value, const ReadContext& context)
     }
 }
 
-ValueType<Motion> motionType()
+ValueType<MotionChange> motionType()
 {
     static constexpr std::array<Word<bool>, 2> rests{{{"resting", true}, {"still", false}}};
     const auto word = type::word("accelerometer", rests);
-    Fields<Motion> fields{
+    Fields<MotionChange> fields{
         {"sample", [](auto& motion, auto& value, auto&) { motion = readSample(value); },
          Json{{"type", "array"}, {"items", {{"type", "number"}}}, {"minItems", 3}, {"maxItems", 3}}},
         {"file", [](auto& motion, auto& value, auto& context) { motion = readRecording(value, context); },
@@ -79,39 +73,39 @@ ValueType<Motion> motionType()
          type::flag().schema},
     };
     Json schema{{"anyOf", {word.schema, schemaOf(fields)}}};
-    return {[word = word.read, fields = std::move(fields)](auto& value, auto what, auto& context) -> Motion {
+    return {[word = word.read, fields = std::move(fields)](auto& value, auto what, auto& context) -> MotionChange {
                 if (!value.isMap()) {
                     return word(value, what, context);
                 }
                 if (value.keys.size() != 1) {
                     throw SourceFault(value.line, "'accelerometer' takes one of sample, file and resting");
                 }
-                Motion motion;
+                MotionChange motion;
                 readFields(value, what, fields, motion, context);
                 return motion;
             },
             std::move(schema)};
 }
 
-void move(MacSession& session, const Motion& motion)
+void move(MacSession& session, const MotionChange& motion)
 {
     SimulatedAccelerometer& accelerometer = session.mac().accelerometer;
     if (const auto* sample = std::get_if<Acceleration>(&motion)) {
         accelerometer.sample(*sample);
-    } else if (const auto* recording = std::get_if<Recording>(&motion)) {
+    } else if (const auto* recording = std::get_if<PlayedRecording>(&motion)) {
         accelerometer.play(recording->content);
     } else {
         accelerometer.setResting(std::get<bool>(motion));
     }
 }
 
-std::string tellMotion(const Motion& motion)
+std::string tellMotion(const MotionChange& motion)
 {
     if (const auto* sample = std::get_if<Acceleration>(&motion)) {
         return "The Mac is moved: " + decimal(sample->x, 2) + ", " + decimal(sample->y, 2) + ", " +
                decimal(sample->z, 2) + " g.";
     }
-    if (const auto* recording = std::get_if<Recording>(&motion)) {
+    if (const auto* recording = std::get_if<PlayedRecording>(&motion)) {
         return "The Mac moves as recorded in " + recording->name + ".";
     }
     return std::get<bool>(motion) ? "The Mac lies still; its accelerometer delivers samples."

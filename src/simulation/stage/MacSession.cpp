@@ -97,6 +97,32 @@ void MacSession::crash()
     endProcess();
 }
 
+/// The process ends inside a call, as in `processHasEnded`.
+void MacSession::dieInCall(CallFault::Fate fate)
+{
+    log_.note("crashed", {});
+    if (fate == CallFault::Fate::losesPower) {
+        mac_.files.cutPowerAfter(0);
+    }
+    process_.setAsleep(true);
+    post(hardware_.mainExecutor(), [this] {
+        endProcess();
+        mac_.files.restorePower();
+    });
+}
+
+void MacSession::restFromHanging()
+{
+    if (!hanging_.isPrepared()) {
+        return;
+    }
+    const auto mayHang = [](const auto& port) { return port.second->isSet("hangs"); };
+    const auto endsInCall = [](const CallFault& fault) { return fault.fate != CallFault::Fate::raises; };
+    if (!std::ranges::any_of(mac_.faults(), mayHang) && !std::ranges::any_of(plannedFaults_.waiting(), endsInCall)) {
+        hanging_.rest();
+    }
+}
+
 void MacSession::quit()
 {
     onMain([this](SentrelApp&) { mac_.application.terminate(); });
@@ -225,7 +251,14 @@ void MacSession::onMain(const std::function<void(SentrelApp&)>& function)
     if (app_ == nullptr) {
         return;
     }
-    post(process_.mainExecutor(), [this, function] { function(*app_); });
+    post(process_.mainExecutor(), [this, function] {
+        try {
+            function(*app_);
+        } catch (const Raised& raised) {
+            // AppKit takes what comes out of the handling of an event, and goes on.
+            log_.note("event.raised", {{"port", std::string_view{raised.port}}});
+        }
+    });
     clock_.runReady();
 }
 

@@ -4,6 +4,7 @@
 #include "runtime/VirtualScheduler.hpp"
 #include "simulation/EventLog.hpp"
 #include "simulation/HangingCalls.hpp"
+#include "simulation/PlannedFaults.hpp"
 #include "simulation/icloud/CompanionPhone.hpp"
 #include "simulation/icloud/PrivateCloud.hpp"
 #include "simulation/mac/SimulatedMac.hpp"
@@ -89,6 +90,11 @@ public:
     [[nodiscard]] VirtualClock& clock() { return clock_; }
     [[nodiscard]] SimulatedMac& mac() { return mac_; }
     [[nodiscard]] EventLog& log() { return log_; }
+    [[nodiscard]] PlannedFaults& plannedFaults() { return plannedFaults_; }
+
+    /// Lets the world run at full speed again if no call can hang any more.
+    void restFromHanging();
+
     [[nodiscard]] PrivateCloud& cloudServer() { return cloudServer_; }
 
     /// The phone of the initially signed-in user.
@@ -102,6 +108,7 @@ public:
 
 private:
     void listenToAlarm();
+    void dieInCall(CallFault::Fate fate);
     void processHasEnded();
     void endProcess();
 
@@ -114,6 +121,7 @@ private:
     PrivateCloud cloudServer_;
     CompanionPhone phone_;
     SimulatedMac mac_;
+    PlannedFaults plannedFaults_{mac_.calls(), [this](CallFault::Fate fate) { dieInCall(fate); }};
     bool isAsleep_ = false;
     bool isRelaunching_ = false;
     std::unique_ptr<SentrelApp> app_;

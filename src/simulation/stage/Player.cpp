@@ -43,13 +43,22 @@ public:
         }
     }
 
+    ~Play() { audience_.leaves(session_); }
+    Play(const Play&) = delete;
+
     PlayResult run()
     {
         audience_.begins();
-        session_.launch();
+        audience_.enters(session_);
+        survive([&] { session_.launch(); });
         for (const Step& step : scenario_.steps) {
-            session_.clock().runUntil(Instant{step.at});
-            carryOut(step);
+            while (session_.clock().now() < Instant{step.at}) {
+                survive([&] { liveUntil(Instant{step.at}); });
+            }
+            survive([&] { session_.clock().runReady(); });
+            survive([&] { carryOut(step); });
+            audience_.settled(session_);
+            session_.restFromHanging();
         }
         hasEnded_ = true;
         result_.seconds = session_.seconds();
@@ -60,6 +69,31 @@ public:
     }
 
 private:
+    /// An exception that the product lets out of its code ends the process, as on a Mac; the machine lives on.
+    template <class Part> void survive(Part part)
+    {
+        try {
+            part();
+        } catch (const Raised& raised) {
+            audience_.died(session_.seconds(), raised);
+            session_.crash();
+        }
+    }
+
+    void liveUntil(Instant time)
+    {
+        VirtualClock& clock = session_.clock();
+        while (audience_.wantsEachInstant()) {
+            const auto next = clock.nextDeadline();
+            if (!next || *next > time) {
+                break;
+            }
+            clock.runUntil(*next);
+            audience_.settled(session_);
+        }
+        clock.runUntil(time);
+    }
+
     void refuseImpossibleSteps()
     {
         for (const Step& step : scenario_.steps) {

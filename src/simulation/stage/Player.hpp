@@ -1,6 +1,7 @@
 #pragma once
 
 #include "simulation/Event.hpp"
+#include "simulation/PortCalls.hpp"
 #include "simulation/stage/Expectation.hpp"
 #include "simulation/stage/Scenario.hpp"
 
@@ -23,6 +24,21 @@ public:
 
     /// The play begins; everything is set up. Not called if the setup fails.
     virtual void begins() {}
+
+    /// The MacBook is there, before the launch.
+    virtual void enters(MacSession& /*session*/) {}
+
+    /// It is about to go, also after a play that could not go on. Must not throw.
+    virtual void leaves(MacSession& /*session*/) {}
+
+    /// True to be called for each instant between the steps, too.
+    [[nodiscard]] virtual bool wantsEachInstant() const { return false; }
+
+    /// Everything due at this instant has run; called after each step.
+    virtual void settled(MacSession& /*session*/) {}
+
+    /// A call that raised has ended the process: nothing in the product took the exception.
+    virtual void died(double /*at*/, const Raised& /*raised*/) {}
 
     /// Something happened on the MacBook.
     virtual void happened(const Event& event) = 0;

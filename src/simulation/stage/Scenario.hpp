@@ -27,6 +27,7 @@ struct Scenario {
     std::string title;
     MacDescription mac;
     Json settings = Json::object(); ///< fields of `AlarmSettings` that differ from the defaults, as in `ChangeSettings`
+    bool isWatched = false;         ///< the invariants are checked all along
     std::vector<Step> steps;
 };
 

@@ -110,6 +110,7 @@ const Fields<Scenario>& scenarioFields()
         field("title", &Scenario::title, type::text()),
         field("mac", &Scenario::mac, macType()),
         field("settings", &Scenario::settings, settingsType()),
+        field("watched", &Scenario::isWatched, type::flag()),
         required(field("steps", &Scenario::steps, stepsType())),
     };
     return fields;

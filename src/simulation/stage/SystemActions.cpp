@@ -6,7 +6,9 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <filesystem>
+#include <limits>
 
 // Actions on the product's process and settings, and answers of macOS.
 
@@ -98,17 +100,22 @@ void failPorts(MacSession& session, const FailingPorts& ports)
     }
 }
 
+std::string unknownPort(MacSession& session, std::string_view port)
+{
+    std::vector<std::string_view> known;
+    const auto all = session.mac().faults();
+    for (const auto& [name, each] : all) {
+        known.push_back(name);
+    }
+    return std::ranges::find(known, port) == known.end() ? unknownWord("port", port, known) : std::string{};
+}
+
 std::string unknownFault(MacSession& session, const FailingPorts& ports)
 {
     for (const FailingPort& failing : ports) {
         const FaultSwitches* const switches = switchesOf(session, failing.port);
         if (switches == nullptr) {
-            std::vector<std::string_view> known;
-            const auto all = session.mac().faults();
-            for (const auto& [name, each] : all) {
-                known.push_back(name);
-            }
-            return unknownWord("port", failing.port, known);
+            return unknownPort(session, failing.port);
         }
         const auto known = switches->names();
         for (const FailingPort::Fault& fault : failing.faults) {
@@ -138,6 +145,65 @@ std::string tellFailures(const FailingPorts& ports)
         text += ".";
     }
     return text;
+}
+
+/// A fault of one call, or none: the calls that were not struck yet are healed.
+ValueType<std::optional<CallFault>> plannedFaultType()
+{
+    using Fate = CallFault::Fate;
+    static constexpr std::array<Word<Fate>, 4> fates{{{"raises", Fate::raises},
+                                                      {"hangs", Fate::hangs},
+                                                      {"dies", Fate::dies},
+                                                      {"loses-power", Fate::losesPower}}};
+    constexpr std::uint32_t mostCalls = 1'000'000;
+    return type::orNone(type::map(Fields<CallFault>{
+        required(field("port", &CallFault::port, type::text())),
+        field("operation", &CallFault::operation, type::text()),
+        field("call", &CallFault::call, type::called("the number of the call", type::whole(1, mostCalls))),
+        required(field("fate", &CallFault::fate, type::word("fate of a call", fates))),
+    }));
+}
+
+void planFault(MacSession& session, const std::optional<CallFault>& fault)
+{
+    if (!fault) {
+        session.plannedFaults().clear();
+        session.mac().files.restorePower();
+        return;
+    }
+    if (fault->fate == CallFault::Fate::losesPower) {
+        // The disk remembers from now on which writes a power cut may lose.
+        session.mac().files.cutPowerAfter(std::numeric_limits<std::uint64_t>::max());
+    }
+    session.plannedFaults().add(*fault);
+}
+
+std::string tellPlannedFault(const std::optional<CallFault>& fault)
+{
+    if (!fault) {
+        return "No further call fails.";
+    }
+    return "Call " + std::to_string(fault->call) + " of " + fault->port +
+           (fault->operation.empty() ? "" : " (" + fault->operation + ")") + " from now on " +
+           std::string{nameOf(fault->fate)} + ".";
+}
+
+/// How far the wall clock is set ahead, or back if negative, in seconds.
+ValueType<double> clockType()
+{
+    struct Move {
+        Duration ahead{};
+        Duration back{};
+    };
+    return type::made(type::map(Fields<Move>{field("ahead", &Move::ahead, type::span()),
+                                             field("back", &Move::back, type::span())},
+                                "{clock: {ahead: 1h}}"),
+                      [](const Move& move) { return toSeconds(move.ahead) - toSeconds(move.back); });
+}
+
+std::string tellClock(double seconds)
+{
+    return "The Mac's clock is set " + plainNumber(std::abs(seconds)) + " s " + (seconds < 0.0 ? "back." : "ahead.");
 }
 
 /// The keychains' answers from now on.
@@ -299,6 +365,14 @@ std::vector<ActionRow> systemActions()
             }),
         ActionRow::with("fail", "{fail: {PORT: FAULT}}", "faults of devices", failingPortsType(), failPorts,
                         tellFailures, unknownFault),
+        ActionRow::with("fault", "{fault: {port: files, call: 3, fate: dies}}", "a fault of one call of the product",
+                        plannedFaultType(), planFault, tellPlannedFault,
+                        [](MacSession& session, const std::optional<CallFault>& fault) {
+                            return fault ? unknownPort(session, fault->port) : std::string{};
+                        }),
+        ActionRow::with(
+            "clock", "{clock: {ahead: 1h}}", "the Mac's clock is set", clockType(),
+            [](MacSession& session, double seconds) { session.mac().wallClock.move(seconds); }, tellClock),
     };
 }
 

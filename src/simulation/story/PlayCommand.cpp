@@ -3,6 +3,7 @@
 #include "simulation/stage/Player.hpp"
 #include "simulation/stage/ScenarioError.hpp"
 #include "simulation/stage/ScenarioReader.hpp"
+#include "simulation/storm/Witness.hpp"
 #include "simulation/story/Story.hpp"
 
 #include <nlohmann/json.hpp>
@@ -55,6 +56,72 @@ public:
     void willPerform(double /*at*/, const Step& /*step*/, const Action& /*action*/) override {}
     void checked(double /*at*/, const Step& /*step*/, const std::vector<Mismatch>& /*mismatches*/) override {}
 };
+
+/// Lets a witness follow the play, too, if the scenario wants one.
+class WatchedAudience final : public Audience {
+public:
+    WatchedAudience(Audience& audience, const Scenario& scenario) : audience_(audience), isWatched_(scenario.isWatched)
+    {
+    }
+
+    void begins() override { audience_.begins(); }
+    void enters(MacSession& session) override
+    {
+        if (isWatched_) {
+            witness_.enters(session);
+        }
+    }
+    [[nodiscard]] bool wantsEachInstant() const override { return isWatched_; }
+    void leaves(MacSession& session) override { witness_.leaves(session); }
+    void died(double at, const Raised& raised) override
+    {
+        audience_.died(at, raised);
+        witness_.died(at, raised);
+    }
+    void settled(MacSession& session) override
+    {
+        if (isWatched_) {
+            witness_.settled(session);
+        }
+    }
+    void happened(const Event& event) override
+    {
+        audience_.happened(event);
+        witness_.happened(event);
+    }
+    void willPerform(double at, const Step& step, const Action& action) override
+    {
+        audience_.willPerform(at, step, action);
+        if (isWatched_) {
+            witness_.willPerform(at, step, action);
+        }
+    }
+    void checked(double at, const Step& step, const std::vector<Mismatch>& mismatches) override
+    {
+        audience_.checked(at, step, mismatches);
+    }
+
+    [[nodiscard]] const std::vector<Violation>& violations() const { return witness_.violations(); }
+
+private:
+    Audience& audience_;
+    const bool isWatched_;
+    Witness witness_;
+};
+
+/// An invariant that did not hold counts as a failed expectation.
+PlayResult playWatched(const Scenario& scenario, const PlayOptions& options, Audience& audience)
+{
+    WatchedAudience watched{audience, scenario};
+    PlayResult result = play(scenario, options, watched);
+    for (const Violation& violation : watched.violations()) {
+        result.mismatches.push_back(
+            {.path = "the invariant \"" + violation.invariant + "\"",
+             .expected = "kept",
+             .actual = "violated at " + std::to_string(violation.at) + " s: " + violation.what});
+    }
+    return result;
+}
 
 struct Artefact {
     const char* key;
@@ -123,7 +190,7 @@ PlayResult playAsStory(const Scenario& scenario, const PlayOptions& options, con
 {
     Story story{out, StoryStyle::forStandardOutput()};
     StoryAudience audience{story, scenario};
-    PlayResult result = play(scenario, options, audience);
+    PlayResult result = playWatched(scenario, options, audience);
     story.finish(summaryOf(result, scenario, command));
     return result;
 }
@@ -132,7 +199,7 @@ PlayResult playAsJson(const Scenario& scenario, const PlayOptions& options, cons
                       std::ostream& out)
 {
     NoAudience audience;
-    PlayResult result = play(scenario, options, audience);
+    PlayResult result = playWatched(scenario, options, audience);
     out << encodeJson(jsonOf(result, scenario, command)) << '\n';
     return result;
 }

@@ -1,0 +1,374 @@
+#include "simulation/storm/Chronicle.hpp"
+
+#include "simulation/stage/MacSession.hpp"
+
+#include <algorithm>
+#include <utility>
+
+namespace sentrel::simulation {
+
+namespace {
+
+/// A login, a click or a typed passcode takes effect within this time, in seconds.
+constexpr double atOnce = 3.0;
+
+/// The Mac obeys no command that is older, in seconds; a little more for its way.
+constexpr double longestCommandAge = 125.0;
+
+/// Seconds for which a change of the machine may go unnoticed: the sensors are polled every 5 s.
+constexpr double longestNotice = 6.0;
+
+} // namespace
+
+double Chronicle::lastTrouble(std::string_view port) const
+{
+    const auto found = troubles_.find(port);
+    return found == troubles_.end() ? never : found->second;
+}
+
+bool Chronicle::hadTrouble(std::initializer_list<std::string_view> ports, double since) const
+{
+    return std::ranges::any_of(ports, [&](std::string_view port) { return lastTrouble(port) >= since; });
+}
+
+bool Chronicle::wasBroken(std::initializer_list<std::string_view> ports, double since) const
+{
+    return std::ranges::any_of(ports, [&](std::string_view port) {
+        const auto found = broken_.find(port);
+        return found != broken_.end() && found->second >= since;
+    });
+}
+
+std::size_t Chronicle::hungPorts(std::initializer_list<std::string_view> ports) const
+{
+    return static_cast<std::size_t>(
+        std::ranges::count_if(ports, [&](std::string_view port) { return hung_.contains(port); }));
+}
+
+void Chronicle::happened(const Event& event)
+{
+    const std::string_view name = event.name;
+    at = event.at;
+    if (name == "launched") {
+        launchedAt = at;
+        hasHung = false;
+        hung_.clear();
+    } else if (name == "woke") {
+        wokeAt = at;
+    } else if (name == "slept") {
+        sleptAt = at;
+    } else if (name == "login" && event.text("answer") == "succeed") {
+        loginAt = at;
+    } else if (name == "displays.changed") {
+        displaysAt = at;
+    } else if (name == "power.changed") {
+        const bool isOnAC = session_.mac().power.isOnAC().value_or(wasOnAC_);
+        if (std::exchange(wasOnAC_, isOnAC) && !isOnAC) {
+            const bool isSeen = settings_ && settings_->triggerOnUnplugged && lastTrouble("power-sources") < at - 10.0;
+            addCause("unplugged", isSeen);
+        } else if (isOnAC) {
+            for (Cause& cause : causes) {
+                cause.isCertain = cause.isCertain && (cause.reason != "unplugged" || cause.at < at - longestNotice);
+            }
+        }
+    } else if (name == "lid.changed") {
+        const bool isClosed = session_.mac().lid.isClosed().value_or(false);
+        if (!std::exchange(wasLidClosed_, isClosed) && isClosed) {
+            const bool isSeen =
+                settings_ && settings_->triggerOnLidClosed && !hadTrouble({"lid", "workspace"}, at - 10.0);
+            addCause("lidClosed", isSeen);
+        } else if (!isClosed) {
+            for (Cause& cause : causes) {
+                cause.isCertain = cause.isCertain && (cause.reason != "lidClosed" || cause.at < at - longestNotice);
+            }
+        }
+    }
+}
+
+void Chronicle::addCause(std::string reason, bool isCertain)
+{
+    const bool isWatched =
+        isUp_ && isArmed_ && !hasHung && at - armedSince > 1.0 && at - settingsDeedAt > longestNotice;
+    const bool isLoud = settings_ && settings_->alarmSound;
+    causes.push_back({.at = at, .reason = std::move(reason), .isCertain = isCertain && isWatched, .isLoud = isLoud});
+}
+
+void Chronicle::willDo(double now, const Deed& deed, const Sight& before)
+{
+    at = deedAt = now;
+    mayBeTroubled_ = true;
+    const auto mark = [now](bool happens, double& when) {
+        if (happens) {
+            when = now;
+        }
+    };
+    mark(deed.setsArmed == true, armDeedAt);
+    mark(deed.setsArmed == false, disarmDeedAt);
+    mark(deed.stopsAlarm, stopDeedAt);
+    mark(deed.usesScreen, screenDeedAt);
+    mark(deed.quits, quitAt);
+    mark(deed.jumpsClock, clockJumpedAt);
+    mark(deed.changesSettings || deed.setsArmed.has_value(), settingsDeedAt);
+    mark(deed.touchesOutput, outputDeedAt);
+    mark(deed.cloudChange.has_value(), cloudChangedAt);
+    mark(deed.cloudChange && (deed.cloudChange->user || deed.cloudChange->account), userChangedAt);
+    mark(deed.passcode && *deed.passcode == passcode_, passcodeAt);
+    if (deed.newPasscode) {
+        passcode_ = *deed.newPasscode;
+    }
+    if (deed.passcode && *deed.passcode != passcode_) {
+        addCause("lockBypassAttempt", false);
+    }
+    if (deed.violentMotion) {
+        addCause("motion", false);
+    }
+    if (deed.phoneCommand) {
+        commands.push_back({now, *deed.phoneCommand});
+    }
+    if (deed.deletesAlerts) {
+        listBeforeDeletion_ = before.listed;
+    }
+}
+
+void Chronicle::saw(const Sight& before, const Sight& now)
+{
+    at = now.at;
+    noteTroubles();
+    noteStates(before, now);
+    noteAlerts(now);
+    noteSound(before, now);
+}
+
+/// A fault that was set at the last look may have struck since.
+void Chronicle::noteTroubles()
+{
+    if (!mayBeTroubled_) {
+        return;
+    }
+    Ports struck;
+    Ports broken;
+    std::map<std::string, std::uint64_t, std::less<>> hangs;
+    for (const auto& [port, switches] : session_.mac().faults()) {
+        if (!switches->active().empty()) {
+            broken.insert(port);
+        }
+        const auto counts = switches->struck();
+        const auto hung = counts.find("hangs");
+        hangs[port] += hung == counts.end() ? 0 : hung->second;
+    }
+    for (const CallFault& fault : session_.plannedFaults().waiting()) {
+        struck.insert(fault.port);
+    }
+    for (const auto& [place, count] : session_.plannedFaults().struck()) {
+        hangs[place.first.first] += place.second == CallFault::Fate::hangs ? count : 0;
+    }
+    for (const auto& [port, count] : hangs) {
+        if (std::exchange(hangs_[port], count) != count && isUp_) {
+            hung_.insert(port);
+            hasHung = true;
+        }
+    }
+    isCloudTroubled_ = !session_.mac().iCloud.link.faults().all().empty();
+    mark(struck, troubles_);
+    mark(broken, troubles_);
+    mark(wasStruck_, troubles_);
+    mark(wasBroken_, troubles_);
+    mark(broken, broken_);
+    mark(wasBroken_, broken_);
+    mayBeTroubled_ =
+        isCloudTroubled_ || !struck.empty() || !broken.empty() || !wasStruck_.empty() || !wasBroken_.empty();
+    wasStruck_ = std::move(struck);
+    wasBroken_ = std::move(broken);
+}
+
+void Chronicle::mark(const Ports& ports, Times& times) const
+{
+    for (const std::string& port : ports) {
+        times[port] = at;
+    }
+}
+
+void Chronicle::noteStates(const Sight& before, const Sight& now)
+{
+    const bool isUp = now.isRunning && !now.isAsleep;
+    if (isUp != isUp_) {
+        steadySince = isUp ? at : never;
+    }
+    if (!now.isRunning && before.isRunning) {
+        endedAt = at;
+        hasHung = false;
+        hung_.clear();
+    }
+    if (isUp_ && !isUp) {
+        // A trigger whose alert has not reached the disk yet is lost with the process, or waits for the machine.
+        for (Cause& cause : causes) {
+            cause.isCertain = false;
+        }
+    }
+    isUp_ = isUp;
+    if (now.showsArmed != isArmed_) {
+        armedSince = now.showsArmed ? at : never;
+        disarmedSince = now.showsArmed ? never : at;
+        for (Cause& cause : causes) {
+            cause.isCertain = cause.isCertain && cause.at < at - longestNotice;
+        }
+    }
+    isArmed_ = now.showsArmed;
+    if (now.settings && (!settings_ || !(*now.settings == *settings_))) {
+        settingsBeforeThat = settings_ ? settings_ : now.settings;
+        settings_ = now.settings;
+    }
+    settingsBefore = settings_;
+    const bool isCalm = isUp && !hasHung && !mayBeTroubled_ && now.isOnline && now.hasAccount && !now.isStorageFull;
+    calmSince = !isCalm ? never : calmSince == never ? at : calmSince;
+    const auto since = [this](bool holds, double& when) { when = !holds ? never : when == never ? at : when; };
+    since(isUp && now.holdsArmedAssertion != now.showsArmed, assertionOddSince);
+    since(isUp && now.holdsAlarmAssertion, processingSince);
+    since(isUp && (now.showsArmed != now.menuSaysArmed || (now.settings && now.settings->isArmed != now.showsArmed)),
+          signsOddSince);
+    since(now.owedDeletions > 0, owedSince);
+    since(isUp && now.covers > 0 && now.covers != now.displays, coversOddSince);
+    if (isCalm && !now.showsArmed && !timersAtRest && at - calmSince > 900.0 && at - disarmedSince > 900.0 &&
+        at - deedAt > 300.0) {
+        timersAtRest = now.timers;
+    }
+}
+
+void Chronicle::noteAlerts(const Sight& now)
+{
+    if (listBeforeDeletion_) {
+        for (const auto& [id, row] : *listBeforeDeletion_) {
+            const auto known = alerts.find(id);
+            if (!now.listed.contains(id) && known != alerts.end()) {
+                known->second.deletedAt = std::min(known->second.deletedAt, at);
+            }
+        }
+        listBeforeDeletion_.reset();
+    }
+    for (const auto& [id, alert] : now.onDisk) {
+        noteAlert(id, alert.reason);
+    }
+    for (const auto& [id, row] : now.listed) {
+        noteAlert(id, row.reason);
+    }
+    const auto cloud = now.inCloud.find(now.user);
+    if (cloud == now.inCloud.end()) {
+        return;
+    }
+    for (const UUID& id : cloud->second) {
+        noteAlert(id, {});
+        KnownAlert& alert = alerts[id];
+        if (alert.owner.empty()) {
+            alert.owner = now.user;
+        }
+    }
+}
+
+void Chronicle::noteAlert(const UUID& id, const std::string& reason)
+{
+    const auto [place, isNew] = alerts.try_emplace(id);
+    if (!isNew) {
+        return;
+    }
+    KnownAlert& alert = place->second;
+    alert.reason = reason;
+    alert.firstSeen = at;
+    alert.hasCause = reason.empty();
+    for (Cause& cause : causes) {
+        if (cause.reason != reason) {
+            continue;
+        }
+        cause.hasAlert = true;
+        if (!alert.hasCause && !cause.isSpent) {
+            cause.isSpent = true;
+            alert.hasCause = true;
+        }
+    }
+}
+
+void Chronicle::noteSound(const Sight& before, const Sight& now)
+{
+    if (!now.isRunning) {
+        if (ringing) {
+            endRinging();
+        }
+        return;
+    }
+    if (now.isSounding) {
+        if (!ringing) {
+            constexpr double longestWay = 10.0; // seconds from a cause to its sound
+            const bool hadCause = at - lastCauseAt() < longestWay ||
+                                  hadTrouble({"power-sources", "lid", "workspace", "accelerometer"}, at - longestWay) ||
+                                  at - wokeAt < longestWay;
+            ringing = Ringing{at, at, outputToRestore.value_or(before.output), hadCause};
+            outputToRestore.reset();
+        }
+        ringing->lastHeard = at;
+    } else if (ringing && now.isAsleep) {
+        ringing->lastHeard = at;
+    } else if (ringing && maySilence()) {
+        endRinging();
+    }
+}
+
+void Chronicle::endRinging()
+{
+    outputToRestore = ringing->before;
+    rangSince = ringing->since;
+    silentSince = at;
+    ringing.reset();
+}
+
+bool Chronicle::mayBeDisarmed() const
+{
+    const bool isOpen = settings_ && !settings_->requirePasswordForActions && at - screenDeedAt <= atOnce;
+    const bool isQuitting =
+        at - quitAt <= 10.0 && (isOpen || at - loginAt <= 10.0 || !settings_->requirePasswordForActions);
+    return at - disarmDeedAt <= atOnce || at - loginAt <= atOnce || isOpen || isQuitting || hasCommand(false);
+}
+
+bool Chronicle::mayBeArmed() const
+{
+    return at - armDeedAt <= atOnce || at - screenDeedAt <= atOnce || hasCommand(true);
+}
+
+bool Chronicle::maySilence() const
+{
+    return mayBeDisarmed() || at - stopDeedAt <= atOnce || at - passcodeAt <= atOnce;
+}
+
+bool Chronicle::hasCommand(bool arms) const
+{
+    return std::ranges::any_of(commands, [&](const SentCommand& sent) {
+        const double age = at - sent.at + sent.command.issuedAgo;
+        // A clock that was set may have made the command younger or older.
+        return sent.command.arm == arms && (age <= longestCommandAge || clockJumpedAt > sent.at);
+    });
+}
+
+/// A command is applied once: the state that it explains has used it up.
+void Chronicle::conclude(const Sight& before, const Sight& now)
+{
+    if (before.showsArmed != now.showsArmed && now.isRunning) {
+        const bool isPersons = now.showsArmed ? at - std::max(armDeedAt, screenDeedAt) <= atOnce
+                                              : at - std::max(disarmDeedAt, loginAt) <= atOnce;
+        const auto isUsed = [&](const SentCommand& sent) { return sent.command.arm == now.showsArmed; };
+        if (!isPersons) {
+            std::erase_if(commands, isUsed);
+        }
+    }
+    constexpr double restored = 3.0; // seconds after which the output was compared
+    const double since = std::max({silentSince, launchedAt, wokeAt});
+    if (outputToRestore && now.isRunning && !now.isAsleep && !ringing && at - since > restored) {
+        outputToRestore.reset();
+    }
+    constexpr double remembered = 400.0; // seconds
+    while (!causes.empty() && causes.front().at < at - remembered) {
+        causes.pop_front();
+    }
+    if (!commands.empty() && clockJumpedAt == never) {
+        std::erase_if(commands, [&](const SentCommand& sent) { return at - sent.at > longestCommandAge; });
+    }
+}
+
+} // namespace sentrel::simulation

@@ -1,0 +1,175 @@
+#pragma once
+
+#include "simulation/Event.hpp"
+#include "simulation/storm/Deed.hpp"
+#include "simulation/storm/Sight.hpp"
+
+#include <algorithm>
+#include <deque>
+#include <initializer_list>
+#include <limits>
+#include <map>
+#include <optional>
+#include <set>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+namespace sentrel::simulation {
+
+class MacSession;
+
+inline constexpr double never = -std::numeric_limits<double>::infinity();
+
+/// A reason for an alarm, as the devices show it.
+struct Cause {
+    double at = 0.0;
+    std::string reason;
+    bool isCertain = false; ///< the product can't have missed it so far
+    bool isLoud = false;    ///< it must be heard, too
+    bool hasAlert = false;  ///< an alert of its reason came after it
+    bool isSpent = false;   ///< an alert was counted for it
+};
+
+/// What is known of one alert since it was first seen.
+struct KnownAlert {
+    std::string reason;
+    double firstSeen = 0.0;
+    double deletedAt = std::numeric_limits<double>::infinity();
+    std::string owner; ///< the user in whose database it was first seen; empty before that
+    bool hasCause = true;
+};
+
+/// An alarm that sounds.
+struct Ringing {
+    double since = 0.0;
+    double lastHeard = 0.0;
+    OutputState before; ///< the output as it was before the alarm
+    bool hadCause = true;
+};
+
+/// Everything of a play's past that the invariants ask for. Fed with what devices report and people do, never with what
+/// the product says of itself.
+class Chronicle {
+public:
+    explicit Chronicle(MacSession& session) : session_(session) {}
+
+    void happened(const Event& event);
+    void willDo(double at, const Deed& deed, const Sight& before);
+    void saw(const Sight& before, const Sight& now);
+
+    /// Call when the invariants have been checked: what has been used up is forgotten.
+    void conclude(const Sight& before, const Sight& now);
+
+    /// Whether somebody who may do it disarms, arms or silences the alarm just now.
+    [[nodiscard]] bool mayBeDisarmed() const;
+    [[nodiscard]] bool mayBeArmed() const;
+    [[nodiscard]] bool maySilence() const;
+
+    double at = 0.0;
+
+    // The last times at which something happened; `never` if it did not.
+    double launchedAt = never;
+    double endedAt = never;
+    double wokeAt = never;
+    double sleptAt = never;
+    double loginAt = never;      ///< the Mac login was given
+    double passcodeAt = never;   ///< the right passcode was typed
+    double armDeedAt = never;    ///< the owner armed
+    double disarmDeedAt = never; ///< the owner disarmed
+    double stopDeedAt = never;   ///< the owner stopped the alarm
+    double screenDeedAt = never; ///< somebody used the menu or a window
+    double quitAt = never;
+    double clockJumpedAt = never;
+    double settingsDeedAt = never;
+    double outputDeedAt = never; ///< somebody changed an output's volume, or the devices
+    double displaysAt = never;
+    double cloudChangedAt = never;
+    double userChangedAt = never;
+    double deedAt = never; ///< anybody did anything
+
+    // Since when something has held without a break.
+    double armedSince = never; ///< `never` while disarmed
+    double disarmedSince = 0.0;
+    double steadySince = never; ///< launched, awake
+    double calmSince = never;   ///< no fault, iCloud at hand, awake and running
+    double assertionOddSince = never;
+    double processingSince = never;
+    double signsOddSince = never;
+    double coversOddSince = never;
+    double owedSince = never; ///< deletions are owed
+
+    bool hasHung = false; ///< a call of this process hangs
+
+    std::deque<Cause> causes; ///< oldest first
+    std::unordered_map<UUID, KnownAlert> alerts;
+    std::optional<Ringing> ringing;
+    double silentSince = never;                  ///< since the last alarm was silenced
+    double rangSince = never;                    ///< when that alarm began
+    std::optional<OutputState> outputToRestore;  ///< the output before that alarm, until it was seen again
+    std::optional<AlarmSettings> settingsBefore; ///< the last that were readable
+    std::optional<AlarmSettings> settingsBeforeThat;
+    struct SentCommand {
+        double at = 0.0;
+        CompanionPhone::Command command;
+    };
+    std::vector<SentCommand> commands;       ///< that the Mac may still obey
+    std::optional<std::size_t> timersAtRest; ///< in the first calm of a disarmed Mac
+
+    /// When the port last had a fault; now if it has one.
+    [[nodiscard]] double lastTrouble(std::string_view port) const;
+
+    /// Whether one of the ports had a fault since that time.
+    [[nodiscard]] bool hadTrouble(std::initializer_list<std::string_view> ports, double since) const;
+    /// Whether one of them was switched to fail, call after call, since that time.
+    [[nodiscard]] bool wasBroken(std::initializer_list<std::string_view> ports, double since) const;
+
+    /// Whether a call of this process at one of the ports hangs.
+    [[nodiscard]] std::size_t hungPorts(std::initializer_list<std::string_view> ports) const;
+
+    /// Whether nothing has failed, and nobody has done anything, for so many seconds.
+    [[nodiscard]] bool isCalmFor(double seconds) const
+    {
+        return calmSince != never && at - std::max(calmSince, deedAt) > seconds;
+    }
+
+    /// Whether a fault is set, or has just struck.
+    [[nodiscard]] bool isTroubled() const { return mayBeTroubled_; }
+
+    /// The time of the last cause for an alarm, certain or not.
+    [[nodiscard]] double lastCauseAt() const { return causes.empty() ? never : causes.back().at; }
+
+private:
+    void noteTroubles();
+    void noteCauses(const Sight& before, const Sight& now);
+    void noteAlerts(const Sight& now);
+    void noteSound(const Sight& before, const Sight& now);
+    void noteStates(const Sight& before, const Sight& now);
+    void addCause(std::string reason, bool isCertain);
+
+    MacSession& session_;
+    std::map<std::string, double, std::less<>> troubles_;
+    std::map<std::string, double, std::less<>> broken_;
+    std::set<std::string, std::less<>> hung_;
+    bool isCloudTroubled_ = false;
+    std::string passcode_ = "2468";
+    std::optional<std::map<UUID, SeenRow>> listBeforeDeletion_;
+    bool mayBeTroubled_ = true;
+    bool wasOnAC_ = true;
+    bool wasLidClosed_ = false;
+    bool isArmed_ = false;
+    bool isUp_ = false;
+    std::optional<AlarmSettings> settings_;
+    using Ports = std::set<std::string, std::less<>>;
+    using Times = std::map<std::string, double, std::less<>>;
+    void mark(const Ports& ports, Times& times) const;
+    void noteAlert(const UUID& id, const std::string& reason);
+    void endRinging();
+    [[nodiscard]] bool hasCommand(bool arms) const;
+    std::map<std::string, std::uint64_t, std::less<>> hangs_;
+    Ports wasStruck_;
+    Ports wasBroken_;
+};
+
+} // namespace sentrel::simulation

@@ -1,0 +1,387 @@
+#include "simulation/storm/Invariants.hpp"
+
+#include <algorithm>
+#include <array>
+
+namespace sentrel::simulation {
+
+namespace {
+
+using Finding = std::optional<std::string>; ///< how an invariant is violated
+
+/// Seconds in which a change shows everywhere.
+constexpr double settling = 2.0;
+
+/// Seconds without any fault after which nothing waits any more: some of the longest retries.
+constexpr double calm = 1200.0;
+
+/// Seconds in which an alarm begins to sound: the worker's beep and the watch's take up to two.
+constexpr double longestStart = 3.0;
+
+/// Seconds for which an alarm may pause: a tone that is started again, or beeps instead.
+constexpr double longestPause = 4.0;
+
+/// Seconds from a trigger to its alert: each of the reasons may wait 30 s for a camera that hangs.
+constexpr double longestWay = 160.0;
+
+bool isAnywhere(const UUID& id, const Sight& now)
+{
+    const auto holds = [&](const auto& account) { return account.second.contains(id); };
+    return now.onDisk.contains(id) || now.listed.contains(id) || std::ranges::any_of(now.inCloud, holds);
+}
+
+std::string textOf(const OutputState& output)
+{
+    std::string text = "default " + (output.defaultOutput ? std::to_string(*output.defaultOutput) : "none");
+    for (const auto& [id, state] : output.devices) {
+        text += ", " + std::to_string(id) + " at " + (state.first ? std::to_string(*state.first) : "no volume") +
+                (state.second ? " muted" : "");
+    }
+    return text;
+}
+
+/// An alert that was seen once is on the disk, in memory or in the cloud until it is deleted.
+Finding alertsSurvive(const Instants& is)
+{
+    for (const auto& [id, alert] : is.past.alerts) {
+        const bool isDeleted = alert.deletedAt <= is.now.at;
+        // What the disk refused is held by the process, and ends with it.
+        const bool wasHeld = is.past.hadTrouble({"files", "host"}, alert.firstSeen - settling);
+        if (!isDeleted && !isAnywhere(id, is.now) && !(wasHeld && is.past.endedAt > alert.firstSeen)) {
+            return "the alert " + id.text() + " (" + alert.reason + ") is lost";
+        }
+    }
+    return std::nullopt;
+}
+
+/// A trigger that the product can't have missed leaves an alert.
+Finding triggersLeaveAlerts(const Instants& is)
+{
+    for (const Cause& cause : is.past.causes) {
+        if (cause.isCertain && !cause.hasAlert && !is.past.hasHung && is.now.at - cause.at > longestWay) {
+            return "no alert came of " + cause.reason + " at " + std::to_string(cause.at) + " s";
+        }
+    }
+    return std::nullopt;
+}
+
+/// A trigger makes one alert, and nothing else makes one.
+Finding alertsHaveCauses(const Instants& is)
+{
+    for (const auto& [id, alert] : is.past.alerts) {
+        const bool isNew = alert.firstSeen == is.now.at;
+        const bool mayHaveMisread =
+            is.past.hadTrouble({"power-sources", "lid", "workspace", "accelerometer"}, is.now.at - longestWay);
+        if (isNew && !alert.hasCause && !mayHaveMisread) {
+            return "the alert " + id.text() + " (" + alert.reason + ") has no trigger of its own";
+        }
+    }
+    return std::nullopt;
+}
+
+/// A deleted alert never comes back.
+Finding deletedStaysGone(const Instants& is)
+{
+    for (const auto& [id, alert] : is.past.alerts) {
+        const bool isDeleted = alert.deletedAt < is.now.at;
+        const bool wasNoted = !is.past.hadTrouble({"user-defaults", "files"}, alert.deletedAt - settling);
+        if (isDeleted && wasNoted && is.now.listed.contains(id)) {
+            return "the deleted alert " + id.text() + " is listed again";
+        }
+        const auto cloud = is.now.inCloud.find(alert.owner);
+        const bool isOwners = alert.owner == is.now.user && cloud != is.now.inCloud.end();
+        if (isDeleted && wasNoted && isOwners && is.now.at - is.past.calmSince > calm && cloud->second.contains(id) &&
+            is.past.calmSince > alert.deletedAt) {
+            return "the deleted alert " + id.text() + " is still in the cloud";
+        }
+    }
+    return std::nullopt;
+}
+
+/// Nothing from one user's database is shown to another, or stored for one.
+Finding othersStayOthers(const Instants& is)
+{
+    const bool isKnown = is.now.at - is.past.calmSince > 60.0 && is.now.at - is.past.userChangedAt > 60.0;
+    for (const auto& [id, row] : is.now.listed) {
+        const auto alert = is.past.alerts.find(id);
+        const bool isOthers =
+            alert != is.past.alerts.end() && !alert->second.owner.empty() && alert->second.owner != is.now.user;
+        if (isKnown && isOthers && row.storage == AlertStorageLocation::cloud) {
+            return "the alert " + id.text() + " of " + alert->second.owner + " is shown to " + is.now.user;
+        }
+    }
+    const auto mine = is.now.inCloud.find(is.now.user);
+    if (mine == is.now.inCloud.end()) {
+        return std::nullopt;
+    }
+    for (const UUID& id : mine->second) {
+        const auto alert = is.past.alerts.find(id);
+        const auto earlier = is.before.inCloud.find(is.now.user);
+        const bool isNew = earlier == is.before.inCloud.end() || !earlier->second.contains(id);
+        const bool isOthers = alert != is.past.alerts.end() && alert->second.owner != is.now.user;
+        if (isNew && isOthers && !is.before.onDisk.contains(id) && !is.before.listed.contains(id)) {
+            return "the alert " + id.text() + " of " + alert->second.owner + " is stored for " + is.now.user;
+        }
+    }
+    return std::nullopt;
+}
+
+/// A certain trigger is heard soon.
+Finding triggersAreHeard(const Instants& is)
+{
+    const bool isBroken = is.past.wasBroken({"audio", "audio-engine", "beep", "music"}, is.now.at - 30.0) ||
+                          is.past.hungPorts({"audio", "audio-engine", "beep"}) > 1;
+    for (const Cause& cause : is.past.causes) {
+        const bool isDue = is.now.at - cause.at > longestStart && is.before.at - cause.at <= longestStart;
+        if (cause.isCertain && cause.isLoud && isDue && !is.past.ringing && is.past.silentSince < cause.at &&
+            !isBroken) {
+            return "nothing is heard of " + cause.reason + " at " + std::to_string(cause.at) + " s";
+        }
+    }
+    return std::nullopt;
+}
+
+/// An alarm that sounds has a trigger.
+Finding soundHasCause(const Instants& is)
+{
+    if (is.past.ringing && is.past.ringing->since == is.now.at && !is.past.ringing->hadCause) {
+        return "the alarm sounds for no reason";
+    }
+    return std::nullopt;
+}
+
+/// An alarm sounds until somebody who may do it stops it.
+Finding onlyTheOwnerSilences(const Instants& is)
+{
+    if (!is.past.ringing || is.now.isSounding || is.now.isAsleep) {
+        return std::nullopt;
+    }
+    const double since = std::max(is.past.ringing->lastHeard, is.past.wokeAt);
+    const bool isBroken = is.past.wasBroken({"audio", "audio-engine", "beep"}, since - settling) ||
+                          is.past.hungPorts({"audio", "audio-engine", "beep"}) > 1;
+    if (is.now.at - since > longestPause && !isBroken) {
+        return "the alarm fell silent at " + std::to_string(since) + " s, and nobody who may do it has stopped it";
+    }
+    return std::nullopt;
+}
+
+/// Once it is stopped, an alarm is silent.
+Finding stoppedIsSilent(const Instants& is)
+{
+    const double stopped = std::max({is.past.stopDeedAt, is.past.disarmDeedAt, is.past.passcodeAt});
+    const bool isOver = is.past.ringing && stopped > is.past.ringing->since && is.past.lastCauseAt() < stopped - 8.0;
+    const bool isHeld = is.past.hasHung ||
+                        is.past.wasBroken({"audio", "audio-engine", "keychain", "cryptography", "accelerometer", "lid",
+                                           "power-sources", "workspace", "wall-clock", "random"},
+                                          stopped - 10.0) ||
+                        is.past.hadTrouble({"keychain", "cryptography", "displays", "audio-engine"}, stopped - 10.0);
+    const bool hasRun = is.past.steadySince < stopped;
+    if (isOver && hasRun && !isHeld && is.now.isSounding && is.now.at - stopped > settling) {
+        return "the alarm still sounds " + std::to_string(is.now.at - stopped) + " s after it was stopped";
+    }
+    return std::nullopt;
+}
+
+/// Nobody without login, passcode or phone disarms the Mac, and no command does it twice or late.
+Finding onlyTheOwnerDisarms(const Instants& is)
+{
+    const bool isSameProcess = is.past.launchedAt < is.before.at && is.now.isRunning && is.before.isRunning;
+    if (is.before.showsArmed && !is.now.showsArmed && isSameProcess && !is.past.mayBeDisarmed()) {
+        return "the Mac is disarmed by nobody who may do it";
+    }
+    return std::nullopt;
+}
+
+/// The Mac arms itself for nobody.
+Finding onlyTheOwnerArms(const Instants& is)
+{
+    if (!is.before.showsArmed && is.now.showsArmed && !is.past.mayBeArmed()) {
+        return "the Mac is armed by nobody";
+    }
+    return std::nullopt;
+}
+
+/// The lock screen opens for the passcode alone.
+Finding onlyThePasscodeUncovers(const Instants& is)
+{
+    const bool isSameProcess = is.past.launchedAt < is.before.at && is.now.isRunning && is.before.isRunning;
+    const bool hasScreens = is.now.displays > 0 && !is.past.hadTrouble({"displays"}, is.now.at - settling);
+    if (is.before.covers > 0 && is.now.covers == 0 && isSameProcess && hasScreens &&
+        is.now.at - is.past.passcodeAt > settling) {
+        return "the lock screen is gone without the passcode";
+    }
+    return std::nullopt;
+}
+
+/// The lock screen covers every display.
+Finding everyDisplayIsCovered(const Instants& is)
+{
+    const double since = is.past.coversOddSince;
+    const bool isBroken = is.past.hasHung || is.past.hadTrouble({"displays"}, since - settling) ||
+                          is.past.hadTrouble({"displays"}, is.past.displaysAt - settling);
+    if (since != never && is.now.at - since > settling && !isBroken) {
+        return std::to_string(is.now.covers) + " of " + std::to_string(is.now.displays) + " displays are covered";
+    }
+    return std::nullopt;
+}
+
+/// After the alarm the output of sound is as it was before, also across a crash.
+Finding outputIsRestored(const Instants& is)
+{
+    const Chronicle& past = is.past;
+    if (!past.outputToRestore || !is.now.isRunning || is.now.isAsleep || past.ringing) {
+        return std::nullopt;
+    }
+    const double since = std::max({past.silentSince, past.launchedAt, past.wokeAt});
+    const bool isTouched =
+        past.outputDeedAt >= past.rangSince - settling || past.hasHung ||
+        past.hadTrouble({"audio", "audio-engine", "user-defaults", "files"}, past.rangSince - settling);
+    const bool isDue = is.now.at - since > settling && is.before.at - since <= settling;
+    if (isDue && !isTouched && !(is.now.output == *past.outputToRestore)) {
+        return "after the alarm the output is " + textOf(is.now.output) + " instead of " +
+               textOf(*past.outputToRestore);
+    }
+    return std::nullopt;
+}
+
+/// The Mac is kept awake exactly while it is armed.
+Finding assertionFollowsArming(const Instants& is)
+{
+    const double since = is.past.assertionOddSince;
+    const double changed = std::max(is.past.armedSince, is.past.disarmedSince);
+    const bool isBroken = is.past.hasHung || is.past.hadTrouble({"power-assertions"}, changed - settling);
+    if (since != never && is.now.at - since > settling && !isBroken) {
+        return std::string{"the Mac is "} + (is.now.showsArmed ? "armed" : "not armed") + ", and its assertion is " +
+               (is.now.holdsArmedAssertion ? "held" : "not held");
+    }
+    return std::nullopt;
+}
+
+/// The Mac is kept awake for an alert no longer than the alert takes.
+Finding assertionFollowsProcessing(const Instants& is)
+{
+    const double since = std::max(is.past.processingSince, is.past.lastCauseAt());
+    const bool isBroken =
+        is.past.hasHung || is.past.hadTrouble({"power-assertions"}, is.past.processingSince - settling);
+    if (is.past.processingSince != never && is.now.at - since > longestWay && !isBroken) {
+        return "the assertion of an alert is held for nothing";
+    }
+    return std::nullopt;
+}
+
+/// The settings can be read at any time, and survive every end of the process, but for the armed state.
+Finding settingsLoad(const Instants& is)
+{
+    if (is.before.settings && !is.now.settings) {
+        return "the stored settings can't be read any more";
+    }
+    const auto disarmed = [](AlarmSettings settings) {
+        settings.isArmed = false;
+        return settings;
+    };
+    const bool isLaunched = is.now.isRunning && !is.before.isRunning;
+    if (isLaunched && is.before.settings && is.now.settings &&
+        !(disarmed(*is.before.settings) == disarmed(*is.now.settings)) &&
+        !is.past.hadTrouble({"user-defaults", "files"}, is.past.endedAt - settling)) {
+        return "the launch has changed the settings";
+    }
+    return std::nullopt;
+}
+
+/// Icon, menu and stored settings tell the same.
+Finding signsAgree(const Instants& is)
+{
+    const double since = is.past.signsOddSince;
+    const double changed = std::max(is.past.armedSince, is.past.disarmedSince);
+    const bool isBroken =
+        is.past.hasHung || is.past.hadTrouble({"user-defaults", "files", "status-bar", "language", "displays"},
+                                              std::max(changed, is.past.launchedAt) - settling);
+    if (since != never && is.now.at - since > settling && !isBroken) {
+        const bool isStored = is.now.settings && is.now.settings->isArmed;
+        return std::string{"the icon says "} + (is.now.showsArmed ? "armed" : "disarmed") + ", the menu " +
+               (is.now.menuSaysArmed ? "armed" : "disarmed") + ", the stored settings " +
+               (isStored ? "armed" : "disarmed");
+    }
+    return std::nullopt;
+}
+
+/// The owner's phone knows within a minute and a half whether the Mac is armed.
+Finding phoneAgrees(const Instants& is)
+{
+    constexpr double longest = 95.0; // three heartbeats
+    const double changed = std::max({is.past.armedSince, is.past.disarmedSince, is.past.launchedAt});
+    const bool isAsked = is.now.phoneAskedAt == is.now.at && is.now.phoneSaysArmed && is.now.user == "maya";
+    if (isAsked && is.past.isCalmFor(longest) && is.now.at - changed > longest &&
+        *is.now.phoneSaysArmed != is.now.showsArmed) {
+        return std::string{"the phone says "} + (*is.now.phoneSaysArmed ? "armed" : "disarmed");
+    }
+    return std::nullopt;
+}
+
+/// Once the faults have ceased, everything that waits reaches the cloud.
+Finding nothingWaitsInCalm(const Instants& is)
+{
+    if (is.past.calmSince == never || is.now.at - is.past.calmSince < calm ||
+        is.now.at - is.past.lastCauseAt() < calm || is.now.at - is.past.clockJumpedAt < calm) {
+        return std::nullopt;
+    }
+    if (!is.now.onDisk.empty()) {
+        return std::to_string(is.now.onDisk.size()) + " alerts still wait for their upload";
+    }
+    if (is.now.owedDeletions > 0 && is.now.at - is.past.owedSince > calm && is.past.userChangedAt == never) {
+        return std::to_string(is.now.owedDeletions) + " deletions are still owed";
+    }
+    for (const auto& [id, row] : is.now.listed) {
+        if (row.storage != AlertStorageLocation::cloud) {
+            return "the list shows the alert " + id.text() + " as waiting";
+        }
+    }
+    return std::nullopt;
+}
+
+/// No timer outlives what it was for.
+Finding timersEnd(const Instants& is)
+{
+    constexpr std::size_t some = 4;
+    const bool isAtRest = is.past.calmSince != never && is.now.at - is.past.calmSince > calm && !is.now.showsArmed &&
+                          is.now.at - is.past.disarmedSince > calm && is.now.at - is.past.lastCauseAt() > calm &&
+                          is.now.at - is.past.deedAt > 300.0;
+    if (isAtRest && is.past.timersAtRest && is.now.timers > *is.past.timersAtRest + some) {
+        return std::to_string(is.now.timers) + " timers are armed at rest, after " +
+               std::to_string(*is.past.timersAtRest);
+    }
+    return std::nullopt;
+}
+
+constexpr std::array<Invariant, 21> everyInvariant{{
+    {"alerts survive", alertsSurvive},
+    {"triggers leave alerts", triggersLeaveAlerts},
+    {"alerts have causes", alertsHaveCauses},
+    {"deleted stays gone", deletedStaysGone},
+    {"others stay others", othersStayOthers},
+    {"triggers are heard", triggersAreHeard},
+    {"sound has a cause", soundHasCause},
+    {"only the owner silences", onlyTheOwnerSilences},
+    {"stopped is silent", stoppedIsSilent},
+    {"only the owner disarms", onlyTheOwnerDisarms},
+    {"only the owner arms", onlyTheOwnerArms},
+    {"only the passcode uncovers", onlyThePasscodeUncovers},
+    {"every display is covered", everyDisplayIsCovered},
+    {"the output is restored", outputIsRestored},
+    {"an assertion while armed", assertionFollowsArming},
+    {"an assertion while processing", assertionFollowsProcessing},
+    {"settings load", settingsLoad},
+    {"signs agree", signsAgree},
+    {"the phone agrees", phoneAgrees},
+    {"nothing waits in calm", nothingWaitsInCalm},
+    {"timers end", timersEnd},
+}};
+
+} // namespace
+
+std::span<const Invariant> invariants()
+{
+    return everyInvariant;
+}
+
+} // namespace sentrel::simulation

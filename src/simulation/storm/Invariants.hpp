@@ -1,0 +1,30 @@
+#pragma once
+
+#include "simulation/storm/Chronicle.hpp"
+#include "simulation/storm/Sight.hpp"
+
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+
+namespace sentrel::simulation {
+
+/// What an invariant is checked on: the past, and what the devices showed at the last look and show now.
+struct Instants {
+    const Chronicle& past;
+    const Sight& before;
+    const Sight& now;
+};
+
+/// Something that always holds on a simulated MacBook, whatever fails around the product.
+struct Invariant {
+    std::string_view name;
+    /// How it is violated now; none if it holds.
+    std::optional<std::string> (*violation)(const Instants& instants);
+};
+
+/// All of them.
+[[nodiscard]] std::span<const Invariant> invariants();
+
+} // namespace sentrel::simulation

@@ -1,0 +1,233 @@
+#include "simulation/storm/Lookout.hpp"
+
+#include "alerts/StoredAlert.hpp"
+#include "cloud/AlertRecord.hpp"
+#include "core/SettingsStore.hpp"
+#include "simulation/stage/MacSession.hpp"
+#include "simulation/stage/StoredDefaults.hpp"
+#include "ui/Node.hpp"
+
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+
+namespace sentrel::simulation {
+
+namespace {
+
+constexpr std::string_view iconOfArmed = "MenuBarIconArmed";
+constexpr std::string_view armedReason = "Sentrel is armed and monitoring";
+constexpr std::string_view alarmReason = "Sentrel is processing an alarm event";
+
+/// The alarm repeats its beep after 0.9 s.
+constexpr Duration pauseOfBeeps = std::chrono::milliseconds{900} - Speaker::beepLength;
+
+SeenAlerts alertsIn(const std::filesystem::path& folder)
+{
+    posix::PosixFileSystem files;
+    SeenAlerts alerts;
+    for (const std::filesystem::path name : files.list(folder).value_or(std::vector<std::string>{})) {
+        const auto content = name.extension() == ".json" ? files.read(folder / name) : std::nullopt;
+        const auto document = content ? parseJson(*content) : std::nullopt;
+        if (const auto stored = document ? decodeStoredAlert(*document) : std::nullopt) {
+            alerts[stored->alert.id] = {std::string{rawValue(stored->alert.reason)}, stored->pendingUpload};
+        }
+    }
+    return alerts;
+}
+
+bool isVisible(const ui::View& menu, std::string_view wanted)
+{
+    const auto node = ui::find(menu, wanted);
+    return node.has_value();
+}
+
+} // namespace
+
+Lookout::Lookout(MacSession& session) : session_(session)
+{
+    session_.mac().iCloud.link.onRequest([this](CloudOperation operation, CloudRequestPhase phase) {
+        const bool writes = operation == CloudOperation::modify || operation == CloudOperation::save;
+        mustAskCloud_ = mustAskCloud_ || (writes && phase == CloudRequestPhase::afterEffect);
+    });
+}
+
+Lookout::~Lookout()
+{
+    session_.mac().iCloud.link.onRequest({});
+}
+
+template <class Value> void Lookout::set(Value& place, const Value& value)
+{
+    if (place != value) {
+        place = value;
+        hasChanged_ = true;
+    }
+}
+
+void Lookout::happened(const Event& event)
+{
+    const std::string_view name = event.name;
+    if (name.starts_with("assertion.")) {
+        mustReadAssertions_ = true;
+    } else if (name == "volume.changed" || name == "default-output.changed" || name.starts_with("audio-device.")) {
+        mustReadOutput_ = true;
+    } else if (name == "power.changed" || name == "lid.changed") {
+        mustReadPower_ = true;
+    }
+}
+
+void Lookout::expectAnything()
+{
+    mustReadOutput_ = mustReadAssertions_ = mustReadPower_ = mustAskCloud_ = mustReadDisk_ = true;
+    menuVersion_ = screenVersion_ = 0;
+    list_ = nullptr;
+}
+
+const Sight& Lookout::look()
+{
+    hasChanged_ = false;
+    SimulatedMac& mac = session_.mac();
+    sight_.at = session_.seconds();
+    set(sight_.isRunning, session_.app() != nullptr);
+    set(sight_.isAsleep, session_.isAsleep());
+    lookAtScreen();
+    lookAtSound();
+    if (std::exchange(mustReadPower_, false)) {
+        set(sight_.isOnAC, mac.power.isOnAC().value_or(true));
+        set(sight_.isLidClosed, mac.lid.isClosed().value_or(false));
+    }
+    if (std::exchange(mustReadAssertions_, false)) {
+        const auto held = mac.assertions.held();
+        set(sight_.holdsArmedAssertion, std::ranges::find(held, armedReason) != held.end());
+        set(sight_.holdsAlarmAssertion, std::ranges::find(held, alarmReason) != held.end());
+    }
+    lookAtDisk();
+    lookAtList();
+    lookAtCloud();
+    sight_.timers = session_.clock().armedTimers();
+    return sight_;
+}
+
+void Lookout::lookAtScreen()
+{
+    SimulatedMac& mac = session_.mac();
+    if (const auto version = mac.statusBar.version() + 1; version != menuVersion_) {
+        menuVersion_ = version;
+        const auto item = mac.statusBar.item();
+        set(sight_.showsArmed, item && item->image == iconOfArmed);
+        set(sight_.menuSaysArmed, item && isVisible(item->menu, "armedState"));
+        set(sight_.offersStop, item && isVisible(item->menu, "stopAlarm"));
+    }
+    if (const auto version = mac.displays.version() + 1; version != screenVersion_) {
+        screenVersion_ = version;
+        set(sight_.covers, mac.displays.covers().size());
+        set(sight_.displays, mac.displays.count());
+    }
+}
+
+void Lookout::lookAtSound()
+{
+    SimulatedMac& mac = session_.mac();
+    const auto sounding = mac.speaker.sounding(pauseOfBeeps);
+    set(sight_.isSounding, !sounding.empty());
+    set(sight_.isAudible, std::ranges::any_of(sounding, [](const Sounding& sound) { return sound.gain > 0.0F; }));
+    if (std::exchange(mustReadOutput_, false)) {
+        OutputState output{mac.audio.defaultOutput(), {}};
+        for (const AudioDevice& device : mac.audio.devices()) {
+            output.devices[device.id] = {device.volume(), device.isMuted()};
+        }
+        set(sight_.output, output);
+    }
+}
+
+void Lookout::lookAtDisk()
+{
+    SimulatedMac& mac = session_.mac();
+    const auto counts = mac.files.counts();
+    const auto writes = counts.calls - counts.reads;
+    if (writes == writes_ && !mustReadDisk_) {
+        return;
+    }
+    writes_ = writes;
+    mustReadDisk_ = false;
+    const auto folder = mac.disk() / "Application Support" / mac.host.bundleIdentifier().value_or("Sentrel") / "Alerts";
+    SeenAlerts alerts = alertsIn(folder);
+    StoredDefaults stored{mac};
+    const auto document = stored.get().data("alarmSettings");
+    const auto json = document ? parseJson(*document) : std::nullopt;
+    sight_.settings = json ? decodeAlarmSettings(*json) : std::nullopt;
+    sight_.owedDeletions = PendingCloudDeletionStore{PendingCloudDeletionStore::standardKey, stored.get()}.ids().size();
+    sight_.onDisk = std::move(alerts);
+    hasChanged_ = true;
+}
+
+void Lookout::lookAtCloud()
+{
+    SimulatedMac& mac = session_.mac();
+    CloudLink& link = mac.iCloud.link;
+    set(sight_.isOnline, mac.iCloud.network.isUp());
+    set(sight_.user, link.device().user);
+    set(sight_.hasAccount, link.accountStatus() == ports::CloudAccountStatus::available);
+    // The Mac's state is published every 30 s, which changes no alert.
+    constexpr double alertsAreOnTheirWay = 600.0; // seconds
+    if (!sight_.onDisk.empty() || sight_.owedDeletions > 0 || hasChanged_) {
+        asksCloudUntil_ = sight_.at + alertsAreOnTheirWay;
+    }
+    if (!mustAskCloud_ || sight_.at > asksCloudUntil_) {
+        return;
+    }
+    mustAskCloud_ = false;
+    set(sight_.isStorageFull, session_.cloudServer().isFull(sight_.user));
+    std::set<UUID> ids;
+    ServerPage page = session_.cloudServer().query({sight_.user, "lookout"}, {alertRecordType, {}, "timestamp", false},
+                                                   std::vector<std::string>{}, 0);
+    for (;;) {
+        for (const auto& [name, result] : page.results) {
+            if (const auto id = UUID::parse(name)) {
+                ids.insert(*id);
+            }
+        }
+        if (page.cursor == nullptr) {
+            break;
+        }
+        page = session_.cloudServer().continueQuery({sight_.user, "lookout"}, page.cursor.get(),
+                                                    std::vector<std::string>{}, 0);
+    }
+    set(sight_.inCloud[sight_.user], ids);
+}
+
+void Lookout::askPhone()
+{
+    sight_.phoneAskedAt = session_.seconds();
+    sight_.phoneSaysArmed.reset();
+    try {
+        const auto macs = session_.phone().macs();
+        if (!macs.empty()) {
+            sight_.phoneSaysArmed = macs.front().isArmed;
+        }
+    } catch (const ports::CloudError&) {
+        // The phone knows nothing.
+    }
+}
+
+void Lookout::lookAtList()
+{
+    if (session_.app() == nullptr) {
+        list_ = nullptr;
+        set(sight_.listed, {});
+        return;
+    }
+    const AlertList& list = session_.app()->alertsService().alerts.get();
+    if (list == list_) {
+        return;
+    }
+    list_ = list;
+    std::map<UUID, SeenRow> rows;
+    for (const AlertRow& row : *list) {
+        rows[row.alert.id] = {row.storageLocation, std::string{rawValue(row.alert.reason)}};
+    }
+    set(sight_.listed, rows);
+}
+
+} // namespace sentrel::simulation

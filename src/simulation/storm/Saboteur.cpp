@@ -1,0 +1,88 @@
+#include "simulation/storm/Saboteur.hpp"
+
+#include <algorithm>
+#include <array>
+#include <string_view>
+#include <utility>
+
+namespace sentrel::simulation {
+
+namespace {
+
+/// Ports that are called on the alarm's way, where faults matter most.
+constexpr std::array<std::string_view, 16> alarmPorts{
+    "files",  "user-defaults", "audio",   "audio-engine", "camera", "icloud", "power-assertions", "wall-clock",
+    "random", "host",          "journal", "music",        "beep",   "lid",    "displays",         "language"};
+
+constexpr std::array<std::string_view, 12> cloudErrors{
+    "networkUnavailable", "networkFailure", "serviceUnavailable", "requestRateLimited",
+    "quotaExceeded",      "zoneBusy",       "notAuthenticated",   "serverRejectedRequest",
+    "internalError",      "limitExceeded",  "unknownItem",        "partialFailure"};
+
+constexpr std::array<std::string_view, 9> requests{"accountStatus", "userRecord", "query", "continueQuery",   "fetch",
+                                                   "modify",        "fetchOne",   "save",  "saveSubscription"};
+
+} // namespace
+
+std::string Saboteur::nextFault()
+{
+    switch (dice_.below(4)) {
+    case 0:
+        return disturbCloud();
+    case 1:
+        return breakDevice();
+    default:
+        return strikeCall();
+    }
+}
+
+std::vector<std::string> Saboteur::cures()
+{
+    std::ranges::sort(broken_);
+    broken_.erase(std::unique(broken_.begin(), broken_.end()), broken_.end());
+    std::vector<std::string> cures{"{fault: none}", "{icloud: {fail: none}}"};
+    for (const std::string& port : std::exchange(broken_, {})) {
+        cures.push_back("{fail: {" + port + ": none}}");
+    }
+    return cures;
+}
+
+std::string Saboteur::strikeCall()
+{
+    static constexpr std::array<std::string_view, 7> fates{"raises", "raises", "raises",     "hangs",
+                                                           "dies",   "dies",   "loses-power"};
+    const std::string port = dice_.chance(70) ? std::string{dice_.oneOf(alarmPorts)} : dice_.oneOf(ports_).name;
+    std::string fate{dice_.oneOf(fates)};
+    if (fate == "loses-power" && port != "files") {
+        fate = "dies";
+    }
+    mustRelaunch = mustRelaunch || fate != "raises";
+    return "{fault: {port: " + port + ", call: " + std::to_string(dice_.spread(1, 40)) + ", fate: " + fate + "}}";
+}
+
+std::string Saboteur::breakDevice()
+{
+    const FaultyPort& port = dice_.oneOf(ports_);
+    const std::string fault = dice_.oneOf(port.faults);
+    const bool hangs = fault == "hangs";
+    mustRelaunch = mustRelaunch || hangs;
+    broken_.push_back(port.name);
+    const std::string times = hangs ? "1" : std::to_string(dice_.spread(1, 30));
+    return "{fail: {" + port.name + ": {" + fault + ": " + times + "}}}";
+}
+
+std::string Saboteur::disturbCloud()
+{
+    const std::string operation =
+        dice_.chance(50) ? ", operation: " + std::string{dice_.oneOf(requests)} : std::string{};
+    const std::string times = std::to_string(dice_.between(1, 4));
+    if (dice_.chance(30)) {
+        return "{icloud: {loseAnswers: {times: " + times + operation + "}}}";
+    }
+    const std::string patience =
+        dice_.chance(20) ? ", retryAfter: " + std::to_string(dice_.between(1, 200)) : std::string{};
+    return "{icloud: {fail: {code: " + std::string{dice_.oneOf(cloudErrors)} + ", times: " + times + operation +
+           patience + "}}}";
+}
+
+} // namespace sentrel::simulation

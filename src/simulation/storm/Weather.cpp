@@ -1,0 +1,484 @@
+#include "simulation/storm/Weather.hpp"
+
+#include "simulation/storm/Dice.hpp"
+#include "simulation/storm/Saboteur.hpp"
+
+#include <algorithm>
+#include <array>
+#include <string_view>
+#include <utility>
+
+namespace sentrel::simulation {
+
+namespace {
+
+constexpr std::int64_t second = 1000; // milliseconds
+constexpr std::int64_t minute = 60 * second;
+constexpr std::int64_t hour = 60 * minute;
+
+/// Calm that lets everything that waits come to its end.
+constexpr std::int64_t calmLength = 25 * minute;
+
+/// Makes up one life.
+class Forecaster {
+public:
+    Forecaster(std::uint64_t seed, const std::vector<FaultyPort>& ports)
+        : dice_(seed * 0x9E3779B97F4A7C15ULL + 1), saboteur_(dice_, ports)
+    {
+        plan_.title = "Storm " + std::to_string(seed);
+    }
+
+    Plan make(double hours)
+    {
+        describeMac();
+        const auto end = static_cast<std::int64_t>(hours * static_cast<double>(hour));
+        now_ = 2 * second;
+        // A world of any length has about this many events, with long rests between them.
+        const std::int64_t longestRest = std::max<std::int64_t>(end / 6, 2 * minute);
+        while (now_ < end) {
+            happen();
+            if (isDisturbed_ && dice_.chance(92)) {
+                wait(second, 5 * minute);
+                heal();
+            }
+            now_ += dice_.spread(second, longestRest);
+            if (dice_.chance(8)) {
+                calm();
+            }
+        }
+        calm();
+        return std::move(plan_);
+    }
+
+private:
+    void describeMac()
+    {
+        put(plan_.mac, "localizedName", "Maya's MacBook");
+        put(plan_.mac, "icloud", dice_.chance(90) ? "maya" : "none");
+        put(plan_.mac, "camera", dice_.chance(70) ? "{devices: built-in, brightness: 0.5}" : "{devices: none}");
+        put(plan_.mac, "login", "cancel");
+        put(plan_.mac, "passcode", "\"2468\"");
+        put(plan_.mac, "displays", std::to_string(dice_.between(1, 3)));
+        if (dice_.chance(60)) {
+            put(plan_.mac, "music", "playing");
+            put(plan_.mac, "automationConsent", dice_.chance(80) ? "granted" : "denied");
+        }
+        if (dice_.chance(60)) {
+            hasHeadphones_ = true;
+            put(plan_.mac, "audio",
+                "[{id: 73, name: MacBook Pro Speakers, uid: BuiltInSpeakerDevice, transport: built-in, volume: 0.4}, "
+                "{id: 91, name: Headphones, uid: usb-91, transport: usb, volume: 0.7}]");
+            put(plan_.mac, "defaultOutput", dice_.chance(50) ? "91" : "73");
+        }
+        put(plan_.settings, "motionSensitivity", "0.55");
+        if (dice_.chance(50)) {
+            put(plan_.settings, "lockScreenOnArm", "true");
+            put(plan_.settings, "triggerOnFailedUnlock", dice_.chance(60) ? "true" : "false");
+        }
+        if (dice_.chance(20)) {
+            put(plan_.settings, "requirePasswordForActions", "false");
+        }
+        if (dice_.chance(75)) {
+            put(plan_.settings, "capturePhoto", "false"); // a photo costs more than all else
+        }
+    }
+
+    static void put(std::vector<std::pair<std::string, std::string>>& keys, std::string key, std::string value)
+    {
+        keys.emplace_back(std::move(key), std::move(value));
+    }
+
+    void act(std::string action) { plan_.steps.push_back({now_, std::move(action)}); }
+
+    void wait(std::int64_t least, std::int64_t most) { now_ += dice_.spread(least, most); }
+
+    /// Something happens; the clock moves to its end.
+    void happen()
+    {
+        if (!isArmed_ && dice_.chance(75)) {
+            arm();
+            wait(second, 2 * minute);
+        }
+        if (dice_.chance(45)) {
+            disturb();
+        }
+        switch (dice_.below(16)) {
+        case 0:
+            return ownerIsBusy();
+        case 1:
+            return machineSleeps();
+        case 2:
+            return processEnds();
+        case 3:
+            return changeAccount();
+        case 4:
+            return changeNetwork();
+        case 5:
+            return tidyUp();
+        case 6:
+            return changeSettings();
+        case 7:
+            return usePhone();
+        case 8:
+            return changeDisplays();
+        case 9:
+            return moveClock();
+        default:
+            return theft();
+        }
+    }
+
+    void arm()
+    {
+        isArmed_ = true;
+        if (dice_.chance(70)) {
+            return act("arm");
+        }
+        if (dice_.chance(50)) {
+            return act("{phone: arm}");
+        }
+        act("{menu: armed}");
+    }
+
+    void disarm()
+    {
+        isArmed_ = false;
+        if (dice_.chance(60)) {
+            return act("disarm");
+        }
+        if (dice_.chance(40)) {
+            return act("{phone: disarm}");
+        }
+        asOwner("{menu: armed}");
+    }
+
+    /// The owner does it, who gives the login when asked.
+    void asOwner(std::string action)
+    {
+        act("{login: succeed}");
+        act(std::move(action));
+        now_ += second;
+        act("{login: cancel}");
+    }
+
+    void theft()
+    {
+        if (dice_.chance(20)) {
+            act("{accelerometer: {sample: [0, 0, 1]}}");
+        }
+        const std::int64_t attacks = dice_.between(1, 4);
+        for (std::int64_t i = 0; i < attacks; ++i) {
+            attack();
+            wait(1, 20 * second);
+            if (dice_.chance(40)) {
+                resist();
+                wait(1, 10 * second);
+            }
+        }
+        if (dice_.chance(15)) {
+            processEnds();
+        }
+        wait(100, 5 * minute);
+        endAlarm();
+        now_ += dice_.between(0, 5) * second;
+        act("plug-in");
+        act("open-lid");
+        if (dice_.chance(70)) {
+            heal();
+        }
+    }
+
+    void attack()
+    {
+        switch (dice_.below(6)) {
+        case 0:
+            act("close-lid");
+            if (dice_.chance(50)) {
+                wait(10, 5 * second);
+                act("open-lid");
+            }
+            return;
+        case 1:
+            act("{accelerometer: {sample: [0, 0, 1]}}");
+            now_ += 20;
+            return act("{accelerometer: {sample: [0.6, 0.2, 1.5]}}");
+        case 2:
+            return act("{type-passcode: \"" + std::to_string(dice_.between(1000, 1003)) + "\"}");
+        default:
+            act("unplug");
+            if (dice_.chance(25)) {
+                wait(10, 20 * second);
+                act("plug-in");
+                wait(10, 20 * second);
+                act("unplug");
+            }
+            return;
+        }
+    }
+
+    /// The thief tries to silence it.
+    void resist()
+    {
+        switch (dice_.below(9)) {
+        case 0:
+            return act("{volume: {device: 73, value: 0.0" + std::string{dice_.chance(50) ? ", muted: true" : ""} +
+                       "}}");
+        case 1:
+            return act("{menu: stopAlarm}");
+        case 2:
+            return act("{menu: armed}");
+        case 3:
+            act("{login: fail}");
+            act("{menu: stopAlarm}");
+            now_ += second;
+            return act("{login: cancel}");
+        case 4:
+            return act(hasHeadphones_ ? "{default-output: 91}" : "{default-output: none}");
+        case 5:
+            return act("quit");
+        case 6:
+            return act("{displays: " + std::to_string(dice_.between(1, 3)) + "}");
+        case 7:
+            return act("{network: down}");
+        default:
+            return act("{music: play}");
+        }
+    }
+
+    void endAlarm()
+    {
+        switch (dice_.below(5)) {
+        case 0:
+            return act("stop-alarm");
+        case 1:
+            return asOwner("{menu: stopAlarm}");
+        case 2:
+            act("{type-passcode: \"2468\"}");
+            now_ += 2 * second;
+            return act("stop-alarm");
+        default:
+            return disarm();
+        }
+    }
+
+    void ownerIsBusy()
+    {
+        static constexpr std::array<std::string_view, 9> uses{
+            "{open: main}",    "{open: alerts}", "{close: main}",
+            "{close: alerts}", "{menu: open}",   "{menu: close}",
+            "refresh",         "{music: play}",  "{volume: {device: 73, value: 0.3}}"};
+        act("{login: succeed}");
+        for (std::int64_t i = dice_.between(1, 5); i > 0; --i) {
+            act(std::string{dice_.oneOf(uses)});
+            wait(50, 20 * second);
+        }
+        act("{login: cancel}");
+    }
+
+    void machineSleeps()
+    {
+        act("sleep");
+        wait(second, 8 * hour);
+        if (dice_.chance(30)) {
+            act("unplug");
+            wait(second, minute);
+        }
+        act("wake");
+        if (dice_.chance(50)) {
+            wait(second, minute);
+            act("plug-in");
+        }
+    }
+
+    void processEnds()
+    {
+        if (dice_.chance(30)) {
+            asOwner("quit");
+            now_ += 5 * second;
+        }
+        act("crash");
+        wait(100, minute);
+        act("relaunch");
+        isArmed_ = false;
+        now_ += 3 * second;
+    }
+
+    void changeAccount()
+    {
+        static constexpr std::array<std::string_view, 6> accounts{
+            "none", "noor", "noor", "restricted", "temporarily-unavailable", "{quota: full}"};
+        act("{icloud: " + std::string{dice_.oneOf(accounts)} + "}");
+        if (dice_.chance(60)) {
+            wait(100, 10 * minute);
+            theft();
+        }
+        wait(second, hour);
+        act("{icloud: {quota: ok}}");
+        comeHome();
+    }
+
+    void comeHome() { act("{icloud: {user: maya, account: available}}"); }
+
+    void changeNetwork()
+    {
+        if (dice_.chance(50)) {
+            act("{network: down}");
+        } else {
+            act("{icloud: {latency: " + std::to_string(dice_.spread(80, 25 * second)) + "ms}}");
+        }
+        if (dice_.chance(70)) {
+            wait(100, 10 * minute);
+            theft();
+        }
+        wait(second, 30 * minute);
+        act("{network: up}");
+        act("{icloud: {latency: 80ms}}");
+    }
+
+    void tidyUp()
+    {
+        static constexpr std::array<std::string_view, 3> which{"oldest", "newest", "all"};
+        if (dice_.chance(40)) {
+            theft();
+        }
+        if (dice_.chance(40)) {
+            act("{icloud: {loseAnswers: {times: 1, operation: modify}}}");
+        }
+        act("{delete-alerts: " + std::string{dice_.oneOf(which)} + "}");
+        wait(10, minute);
+        if (dice_.chance(30)) {
+            processEnds();
+        }
+    }
+
+    void changeSettings()
+    {
+        static constexpr std::array<std::string_view, 12> changes{
+            "{alarmVolume: 0.3}",          "{alarmVolume: 1.0}",         "{alarmSound: true}",
+            "{alarmSound: false}",         "{triggerOnUnplugged: true}", "{triggerOnMotion: false}",
+            "{triggerOnMotion: true}",     "{triggerOnLidClosed: true}", "{lockScreenOnArm: true}",
+            "{lockScreenSleepDelay: 5.0}", "{sendNotification: false}",  "{failedUnlockAttemptLimit: 1.0}"};
+        for (std::int64_t i = dice_.between(1, 3); i > 0; --i) {
+            act("{set: " + std::string{dice_.oneOf(changes)} + "}");
+            wait(10, minute);
+        }
+    }
+
+    void usePhone()
+    {
+        const std::string arm = dice_.chance(50) ? "true" : "false";
+        if (dice_.chance(30)) {
+            act("{phone: {arm: " + arm + ", issuedAgo: " + std::to_string(dice_.between(1, 240)) + "s}}");
+        } else {
+            act("{phone: {arm: " + arm + "}}");
+        }
+        if (dice_.chance(30)) {
+            wait(10, minute);
+            act(dice_.chance(50) ? "arm" : "disarm");
+        }
+        wait(second, 10 * minute);
+        isArmed_ = false; // or not: who knows
+    }
+
+    void changeDisplays()
+    {
+        for (std::int64_t i = dice_.between(1, 4); i > 0; --i) {
+            act("{displays: " + std::to_string(dice_.between(1, 4)) + "}");
+            wait(1, minute);
+        }
+    }
+
+    void moveClock()
+    {
+        const bool isAhead = dice_.chance(50);
+        const std::string by = std::to_string(dice_.spread(second, 48 * hour)) + "ms";
+        act(std::string{isAhead ? "{clock: {ahead: " : "{clock: {back: "} + by + "}}");
+    }
+
+    /// Faults for what comes next.
+    void disturb()
+    {
+        isDisturbed_ = true;
+        for (std::int64_t i = dice_.between(1, 2); i > 0; --i) {
+            act(saboteur_.nextFault());
+        }
+        wait(1, 2 * second);
+    }
+
+    /// The faults cease.
+    void heal()
+    {
+        isDisturbed_ = false;
+        for (std::string& cure : saboteur_.cures()) {
+            act(std::move(cure));
+        }
+        act("{network: up}");
+        if (std::exchange(saboteur_.mustRelaunch, false)) {
+            act("crash");
+            now_ += second;
+            act("relaunch");
+            now_ += 5 * second;
+            isArmed_ = false;
+        }
+    }
+
+    /// Nothing fails for a while.
+    void calm()
+    {
+        act("wake");
+        saboteur_.mustRelaunch = saboteur_.mustRelaunch || dice_.chance(40);
+        heal();
+        act("{icloud: {quota: ok}}");
+        act("{icloud: {latency: 80ms}}");
+        comeHome();
+        act("plug-in");
+        act("open-lid");
+        if (dice_.chance(50)) {
+            act("stop-alarm");
+        } else {
+            act("disarm");
+            isArmed_ = false;
+        }
+        now_ += calmLength;
+        act("refresh");
+        now_ += minute;
+    }
+
+    Dice dice_;
+    Saboteur saboteur_;
+    Plan plan_;
+    std::int64_t now_ = 0;
+    bool isArmed_ = false;
+    bool hasHeadphones_ = false;
+    bool isDisturbed_ = false;
+};
+
+} // namespace
+
+std::string documentOf(const Plan& plan)
+{
+    std::string text = "title: " + plan.title + "\nwatched: true\n";
+    const auto addMap = [&text](std::string_view name, const auto& keys) {
+        if (keys.empty()) {
+            return;
+        }
+        text += std::string{name} + ":\n";
+        for (const auto& [key, value] : keys) {
+            text += "  " + key + ": " + value + "\n";
+        }
+    };
+    addMap("mac", plan.mac);
+    addMap("settings", plan.settings);
+    text += "steps:\n";
+    for (const PlannedStep& step : plan.steps) {
+        text += "  - {at: " + std::to_string(step.at) + "ms, do: " + step.action + "}\n";
+    }
+    return text;
+}
+
+Plan weather(std::uint64_t seed, double hours, const std::vector<FaultyPort>& ports)
+{
+    return Forecaster{seed, ports}.make(hours);
+}
+
+} // namespace sentrel::simulation

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace sentrel::simulation {
+
+/// One step of a play that was made up.
+struct PlannedStep {
+    std::int64_t at = 0; ///< milliseconds since launch
+    std::string action;  ///< as it stands after `do:`
+};
+
+/// A play that was made up: the parts that can be left out.
+struct Plan {
+    std::string title;
+    std::vector<std::pair<std::string, std::string>> mac;      ///< keys and values
+    std::vector<std::pair<std::string, std::string>> settings; ///< likewise
+    std::vector<PlannedStep> steps;                            ///< by time
+};
+
+/// A port with the faults that its device can be given.
+struct FaultyPort {
+    std::string name;
+    std::vector<std::string> faults;
+};
+
+/// The scenario of the plan, which is watched.
+[[nodiscard]] std::string documentOf(const Plan& plan);
+
+/// The life of a MacBook for about that many hours, with its owner, thieves, phones and clouds, and faults at the
+/// ports. It ends with a calm in which all faults cease. The same arguments give the same plan everywhere.
+[[nodiscard]] Plan weather(std::uint64_t seed, double hours, const std::vector<FaultyPort>& ports);
+
+} // namespace sentrel::simulation
