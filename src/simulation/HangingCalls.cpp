@@ -126,7 +126,7 @@ void HangingCalls::prepare()
 void HangingCalls::hang()
 {
     if (Worker::current() == nullptr) {
-        throw std::logic_error{"a call hangs that nothing was prepared for"};
+        throw std::logic_error{"a call hangs without preparation"};
     }
     Worker::current()->hang();
 }
