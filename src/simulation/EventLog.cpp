@@ -1,24 +1,21 @@
 #include "simulation/EventLog.hpp"
 
+#include <type_traits>
+
 namespace sentrel::simulation {
 
 namespace {
 
 Event::Value ownedValue(const ports::Journal::Value& value)
 {
-    if (const auto* text = std::get_if<std::string_view>(&value)) {
-        return std::string{*text};
-    }
-    if (const auto* number = std::get_if<double>(&value)) {
-        return *number;
-    }
-    if (const auto* integer = std::get_if<std::int64_t>(&value)) {
-        return *integer;
-    }
-    if (const auto* flag = std::get_if<bool>(&value)) {
-        return *flag;
-    }
-    return std::monostate{};
+    const auto owned = [](const auto& each) -> Event::Value {
+        if constexpr (std::is_same_v<std::decay_t<decltype(each)>, std::string_view>) {
+            return std::string{each};
+        } else {
+            return each;
+        }
+    };
+    return std::visit(owned, value);
 }
 
 } // namespace

@@ -116,7 +116,7 @@ void FaultSwitches::call(std::string_view operation)
         break;
     }
     if (calls_ == nullptr) {
-        throw std::logic_error{"a simulated device that belongs to no Mac can't hang"};
+        throw std::logic_error{"a simulated device without a Mac can't hang"};
     }
     calls_->hang();
 }

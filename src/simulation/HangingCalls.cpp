@@ -133,7 +133,7 @@ void HangingCalls::rest()
 void HangingCalls::hang()
 {
     if (Worker::current() == nullptr) {
-        throw std::logic_error{"a call hangs that nothing was prepared for"};
+        throw std::logic_error{"a call hangs without preparation"};
     }
     Worker::current()->hang();
 }

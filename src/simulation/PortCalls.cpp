@@ -41,7 +41,7 @@ void PortCalls::prepareToHang()
 void PortCalls::hang()
 {
     if (hanging_ == nullptr) {
-        throw std::logic_error{"this simulated Mac has no place where a call could hang"};
+        throw std::logic_error{"this simulated Mac does not support hanging calls"};
     }
     hanging_->hang();
 }

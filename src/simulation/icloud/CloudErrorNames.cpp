@@ -1,8 +1,6 @@
 #include "simulation/icloud/CloudErrorNames.hpp"
 
 #include <array>
-#include <charconv>
-#include <memory>
 #include <span>
 
 namespace sentrel::simulation {
@@ -63,23 +61,6 @@ std::string cloudErrorName(int code)
         return std::to_string(code);
     }
     return std::string{names[static_cast<std::size_t>(code) - 1]};
-}
-
-std::optional<int> cloudErrorCode(std::string_view nameOrNumber)
-{
-    for (std::size_t place = 0; place < names.size(); ++place) {
-        if (names[place] == nameOrNumber) {
-            return static_cast<int>(place) + 1;
-        }
-    }
-    int code = 0;
-    const std::span digits{nameOrNumber};
-    const char* const end = std::to_address(digits.end());
-    const auto [stop, error] = std::from_chars(std::to_address(digits.begin()), end, code);
-    if (error != std::errc{} || stop != end || code <= 0) {
-        return std::nullopt;
-    }
-    return code;
 }
 
 ports::CloudError cloudError(int code, std::optional<double> retryAfter)

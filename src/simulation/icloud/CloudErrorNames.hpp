@@ -33,9 +33,6 @@ struct CKError {
 /// CloudKit's name of an error code, for example "networkFailure"; its digits when it has none.
 [[nodiscard]] std::string cloudErrorName(int code);
 
-/// The code of a name or of a positive number in digits; none for anything else.
-[[nodiscard]] std::optional<int> cloudErrorCode(std::string_view nameOrNumber);
-
 /// An error of CloudKit's domain with its name as the description.
 [[nodiscard]] ports::CloudError cloudError(int code, std::optional<double> retryAfter = std::nullopt);
 

@@ -95,13 +95,13 @@ CloudStore::CloudStore(const std::filesystem::path& file, Date now) : database_(
     database_.run("PRAGMA synchronous = OFF");
     database_.run("PRAGMA journal_mode = WAL");
     if (database_.text("PRAGMA quick_check(1)") != "ok") {
-        throw SqliteError::damage("the database is not whole");
+        throw SqliteError::damage("the database is damaged");
     }
     const std::int64_t found = database_.integer("PRAGMA user_version").value_or(0);
     if (found == 0 && database_.integer("SELECT count(*) FROM sqlite_master") == 0) {
         makeTables(now);
     } else if (found != layout) {
-        throw SqliteError::damage("the database has another layout");
+        throw SqliteError::damage("the database has an unknown layout");
     }
     epoch_ = database_.text("SELECT epoch FROM server").value_or("");
 }

@@ -45,7 +45,7 @@ LiveMac::Life::Life(const Scenario& scenario, const std::filesystem::path& disk,
     story.open(scenario);
     // A kept disk keeps the user's changes.
     if (!std::filesystem::exists(mac.preferences()) && !leaveFromEarlierRun(session, scenario)) {
-        throw std::runtime_error{"the passcode can't be put into the keychain"};
+        throw std::runtime_error{"the keychain refuses the passcode"};
     }
 }
 

@@ -43,7 +43,7 @@ std::string textMember(const Json& body, const char* key)
 {
     const Json& value = member(body, key);
     if (!value.is_string()) {
-        throw BadRequest{std::string{"'"} + key + "' is no text"};
+        throw BadRequest{std::string{"'"} + key + "' must be a text"};
     }
     return value.get<std::string>();
 }
@@ -52,7 +52,7 @@ double numberMember(const Json& body, const char* key)
 {
     const Json& value = member(body, key);
     if (!value.is_number() || !std::isfinite(value.get<double>())) {
-        throw BadRequest{std::string{"'"} + key + "' is no number"};
+        throw BadRequest{std::string{"'"} + key + "' must be a number"};
     }
     return value.get<double>();
 }
@@ -61,7 +61,7 @@ bool flagMember(const Json& body, const char* key)
 {
     const Json& value = member(body, key);
     if (!value.is_boolean()) {
-        throw BadRequest{std::string{"'"} + key + "' is neither true nor false"};
+        throw BadRequest{std::string{"'"} + key + "' must be true or false"};
     }
     return value.get<bool>();
 }
@@ -72,13 +72,13 @@ PageAnswer answerOf(ui::Interaction outcome)
     case ui::Interaction::done:
         return {};
     case ui::Interaction::notFound:
-        return refused("It is not there any more.");
+        return refused("The view is no longer visible.");
     case ui::Interaction::unreachable:
-        return refused("It can't be used now.");
+        return refused("The view is disabled or covered.");
     case ui::Interaction::unsuitable:
         break;
     }
-    return {400, "It can't be used like that."};
+    return {400, "The view does not support this action."};
 }
 
 /// Whether the request names a file anywhere: pages must not access the host's files.
@@ -140,7 +140,7 @@ ui::Interaction use(const ui::View& tree, const std::string& node, const std::st
         const Json& rows = member(body, "value");
         const auto isText = [](const Json& row) { return row.is_string(); };
         if (!rows.is_array() || !std::ranges::all_of(rows, isText)) {
-            throw BadRequest{"'value' is no list of rows"};
+            throw BadRequest{"'value' must be a list of rows"};
         }
         return ui::selectRows(tree, node, rows.get<std::set<std::string>>());
     }
@@ -150,14 +150,14 @@ ui::Interaction use(const ui::View& tree, const std::string& node, const std::st
     if (how == "key") {
         const auto key = keyNamed(textMember(body, "value"));
         if (!key) {
-            throw BadRequest{"there is no such key"};
+            throw BadRequest{"unknown key"};
         }
         return ui::pressKey(tree, *key, node);
     }
     if (how == "dismiss") {
         return dismiss(tree, node);
     }
-    throw BadRequest{"nothing is done like that"};
+    throw BadRequest{"unknown word in 'do'"};
 }
 
 std::optional<std::size_t> coverOf(const std::string& place)
@@ -176,7 +176,7 @@ PageAnswer useTree(LiveMac& mac, const Json& body)
     const std::string how = textMember(body, "do");
     return mac.call([&](MacSession& session) -> PageAnswer {
         simulation::SimulatedMac& parts = session.mac();
-        PageAnswer answer = refused("It is not there any more.");
+        PageAnswer answer = refused("The view is no longer visible.");
         session.onMain([&](SentrelApp&) {
             if (place == "menu") {
                 const auto item = parts.statusBar.item();
@@ -237,7 +237,7 @@ PageAnswer useWindow(LiveMac& mac, const Json& body)
                 isDone = true;
             }
         });
-        return isDone ? PageAnswer{} : refused("The window can't do that now.");
+        return isDone ? PageAnswer{} : refused("The window is closed, covered, or does not support this.");
     });
 }
 
@@ -257,7 +257,7 @@ PageAnswer useMenu(LiveMac& mac, const Json& body)
                 isDone = true;
             }
         });
-        return isDone ? PageAnswer{} : refused("The menu can't be reached now.");
+        return isDone ? PageAnswer{} : refused("The menu bar is covered or empty.");
     });
 }
 
@@ -289,12 +289,12 @@ PageAnswer usePanel(LiveMac& mac, const Json& body)
     const std::string answer = textMember(body, "answer");
     constexpr std::array panels{"login", "alert", "save", "preview"};
     if (std::ranges::find(panels, panel) == panels.end()) {
-        throw BadRequest{"there is no such panel"};
+        throw BadRequest{"unknown panel"};
     }
     return mac.call([&](MacSession& session) -> PageAnswer {
         const bool isDone = answerPanel(session.mac(), panel, answer);
         session.clock().runReady();
-        return isDone ? PageAnswer{} : refused("No such panel is open.");
+        return isDone ? PageAnswer{} : refused("The panel is not open.");
     });
 }
 
@@ -302,7 +302,7 @@ PageAnswer launch(LiveMac& mac)
 {
     return mac.call([](MacSession& session) -> PageAnswer {
         if (session.app() != nullptr) {
-            return refused("Sentrel is running already.");
+            return refused("Sentrel is already running.");
         }
         session.launch();
         return {};
@@ -315,14 +315,14 @@ PageAnswer answerPage(LiveMac& mac, const std::string& name, const std::string& 
 {
     const auto document = parseJson(bytesOf(body));
     if (!document) {
-        return {400, "The request is no JSON."};
+        return {400, "The request is not JSON."};
     }
     try {
         if (name == "action") {
             return doAction(mac, *document, body);
         }
         if (!document->is_object()) {
-            throw BadRequest{"an object is expected"};
+            throw BadRequest{"the body must be an object"};
         }
         if (name == "ui") {
             return useTree(mac, *document);
@@ -344,9 +344,9 @@ PageAnswer answerPage(LiveMac& mac, const std::string& name, const std::string& 
             return why.empty() ? PageAnswer{} : refused(std::move(why));
         }
     } catch (const BadRequest& bad) {
-        return {400, "The request makes no sense: " + bad.why + "."};
+        return {400, "The request can't be understood: " + bad.why + "."};
     }
-    return {404, "There is no such request."};
+    return {404, "The request is unknown."};
 }
 
 PageAnswer showWebcam(LiveMac& mac, const std::string& jpeg)
@@ -358,7 +358,7 @@ PageAnswer showWebcam(LiveMac& mac, const std::string& jpeg)
             return {};
         }
         if (!session.mac().imageCodec.pixelSize(content)) {
-            return {400, "The picture is no JPEG."};
+            return {400, "The picture is not a JPEG file."};
         }
         session.mac().camera.setPhotoFile(content);
         return {};

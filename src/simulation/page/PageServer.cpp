@@ -164,7 +164,7 @@ private:
     {
         const auto file = mac_.files().find(name);
         if (!file) {
-            return refused(404, "The file is not kept any more.");
+            return refused(404, "The file is no longer kept.");
         }
         return {200,
                 {{"Content-Type", file->type}, {"Cache-Control", "private, max-age=31536000, immutable"}},

@@ -20,14 +20,14 @@ fs::path makeTemporaryFolder()
 {
     std::string name = (fs::temp_directory_path() / "sentrel-XXXXXX").string();
     if (mkdtemp(name.data()) == nullptr) {
-        throw std::runtime_error{"no folder can be made for the MacBook's disk"};
+        throw std::runtime_error{"can't make a folder for the MacBook's disk"};
     }
     return name;
 }
 
 [[noreturn]] void refuse(const fs::path& folder, const std::error_code& error)
 {
-    throw std::runtime_error{"the folder '" + folder.string() + "' can't be the disk: " + error.message()};
+    throw std::runtime_error{"can't use '" + folder.string() + "' as the disk: " + error.message()};
 }
 
 /// Locks the folder itself, so that no lock file is left in it.

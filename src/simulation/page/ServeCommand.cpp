@@ -29,7 +29,7 @@ std::string randomToken()
 {
     std::array<unsigned char, 16> bytes{};
     if (RAND_bytes(bytes.data(), static_cast<int>(bytes.size())) != 1) {
-        throw std::runtime_error{"the system gives no random numbers"};
+        throw std::runtime_error{"the system does not provide random numbers"};
     }
     std::string token;
     for (const unsigned char byte : bytes) {

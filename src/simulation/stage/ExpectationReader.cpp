@@ -463,7 +463,7 @@ ValueType<std::vector<Expectation>> expectationsType()
                     expectations[i].line = value.keys[i].line;
                 }
                 if (expectations.empty()) {
-                    throw SourceFault(value.line, "'expect' expects nothing: give it at least one key");
+                    throw SourceFault(value.line, "'expect' is empty: it needs at least one key");
                 }
                 return expectations;
             },

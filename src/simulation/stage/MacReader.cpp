@@ -21,8 +21,8 @@ ValueType<std::string> listed(bool (*isListed)(const std::string&), std::string 
     type.read = [isListed, examples = std::move(examples)](auto& value, auto what, auto&) {
         std::string text = readText(value, what);
         if (!isListed(text)) {
-            throw SourceFault(value.line, std::string{what} + " must be one such as " + examples + ", and " +
-                                              inQuotes(text) + " is none");
+            throw SourceFault(value.line, std::string{what} + " must be a known one, such as " + examples + ", not " +
+                                              inQuotes(text));
         }
         return text;
     };
@@ -52,8 +52,8 @@ ValueType<std::filesystem::path> folderType()
                 const auto folder = readPath(value, "the folder", context);
                 std::error_code error;
                 if (!std::filesystem::is_directory(folder, error)) {
-                    throw SourceFault(value.line, std::string{what} + " must be a folder, and " + inQuotes(value.text) +
-                                                      " is none");
+                    throw SourceFault(value.line,
+                                      std::string{what} + " must be a folder, and " + inQuotes(value.text) + " is not");
                 }
                 return folder;
             },

@@ -33,7 +33,7 @@ public:
     /// Whether the menu offers to stop an alarm.
     [[nodiscard]] bool isAlarmActive() const;
 
-    /// What can be seen in the open menu; none while it is closed.
+    /// The visible texts of the open menu; none while it is closed.
     [[nodiscard]] std::optional<std::vector<std::string>> menu() const;
 
     /// The open questions and notices, in windows and in panels of their own.

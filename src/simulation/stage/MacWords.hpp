@@ -45,10 +45,10 @@ inline constexpr std::array<Word<SimulatedMusic::Consent>, 3> consentWords{{
 }};
 
 inline constexpr std::array<Word<LoginAnswer>, 4> loginWords{{
-    {"succeed", LoginAnswer::succeed},
-    {"fail", LoginAnswer::fail},
-    {"cancel", LoginAnswer::cancel},
-    {"unavailable", LoginAnswer::unavailable},
+    {nameOf(LoginAnswer::succeed), LoginAnswer::succeed},
+    {nameOf(LoginAnswer::fail), LoginAnswer::fail},
+    {nameOf(LoginAnswer::cancel), LoginAnswer::cancel},
+    {nameOf(LoginAnswer::unavailable), LoginAnswer::unavailable},
 }};
 
 inline constexpr std::array<Word<ports::CloudAccountStatus>, 5> accountWords{{

@@ -35,8 +35,8 @@ void clearFolder(const fs::path& folder)
             continue;
         }
         if (!isOurs) {
-            throw PlayError{"'" + folder.string() + "' holds a '" + name +
-                            "' that no play has left there; choose another folder"};
+            throw PlayError{"'" + folder.string() + "' contains '" + name +
+                            "', which no earlier play has written; choose another folder"};
         }
         fs::remove_all(entry);
     }

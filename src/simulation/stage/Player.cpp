@@ -31,7 +31,7 @@ public:
             folder_.copyFiles(*scenario.mac.files);
         }
         if (!leaveFromEarlierRun(session_, scenario)) {
-            throw PlayError{"the passcode can't be put into the keychain"};
+            throw PlayError{"the keychain refuses the passcode"};
         }
         session_.log().observe([this](const Event& event) {
             if (!hasEnded_) { // the product's destruction is not part of the play
@@ -119,10 +119,10 @@ private:
     void finishKeeping()
     {
         if (!session_.mac().speaker.finishRecording()) {
-            throw PlayError{"'" + folder_.sound().string() + "' could not be written whole"};
+            throw PlayError{"'" + folder_.sound().string() + "' could not be written completely"};
         }
         if (!session_.log().isWrittenWhole()) {
-            throw PlayError{"'" + folder_.events().string() + "' could not be written whole"};
+            throw PlayError{"'" + folder_.events().string() + "' could not be written completely"};
         }
     }
 

@@ -77,17 +77,17 @@ Step readStep(const YamlValue& value, Duration previous, const ReadContext& cont
     }
     draft.step.at = draft.at.isRelative ? previous + draft.at.span : draft.at.span;
     if (draft.step.at < previous) {
-        throw SourceFault(value.line, "the time goes back: the step before is at a later time");
+        throw SourceFault(value.line, "the time is before that of the previous step");
     }
     if (draft.step.at > longestScenario) {
-        throw SourceFault(value.line, "too late: a scenario ends after 366 days");
+        throw SourceFault(value.line, "the time is too late: a scenario ends after 366 days");
     }
     return std::move(draft.step);
 }
 
 ValueType<std::vector<Step>> stepsType()
 {
-    Json steps{{"type", "array"}, {"items", schemaOf(stepFields())}, {"minItems", 1}};
+    Json schema{{"type", "array"}, {"items", schemaOf(stepFields())}, {"minItems", 1}};
     return {[](auto& value, auto what, auto& context) {
                 requireList(value, what);
                 Duration previous{};
@@ -101,7 +101,7 @@ ValueType<std::vector<Step>> stepsType()
                 }
                 return steps;
             },
-            std::move(steps)};
+            std::move(schema)};
 }
 
 const Fields<Scenario>& scenarioFields()

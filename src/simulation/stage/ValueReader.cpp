@@ -305,7 +305,7 @@ std::size_t KeyChecker::placeOf(const YamlValue& key)
     }
     const auto place = static_cast<std::size_t>(found - keys_.begin());
     if (lines_[place] != 0) {
-        throw SourceFault(key.line, inQuotes(key.text) + " stands here for the second time; the first is in line " +
+        throw SourceFault(key.line, inQuotes(key.text) + " is repeated; it was first given in line " +
                                         std::to_string(lines_[place]));
     }
     lines_[place] = key.line;
@@ -318,7 +318,7 @@ void refuseDuplicates(const YamlValue& map, std::string_view what)
     std::set<std::string_view> seen;
     for (const YamlValue& key : map.keys) {
         if (!seen.insert(key.text).second) {
-            throw SourceFault(key.line, inQuotes(key.text) + " stands twice in " + std::string{what});
+            throw SourceFault(key.line, inQuotes(key.text) + " is repeated in " + std::string{what});
         }
     }
 }

@@ -17,7 +17,7 @@
 
 namespace sentrel::simulation {
 
-/// How values of one type are read, and which there are.
+/// A type of values in scenarios: its reader and its schema.
 template <class T> struct ValueType {
     /// Reads a value that messages call `what`. Throws `SourceFault`.
     std::function<T(const YamlValue& value, std::string_view what, const ReadContext& context)> read;
@@ -120,7 +120,7 @@ namespace type {
 /// The number of an audio device.
 [[nodiscard]] ValueType<std::uint32_t> audioDevice();
 
-/// One of these words; messages call it a `noun`.
+/// A word from a list; messages call it a `noun`.
 [[nodiscard]] ValueType<std::string> oneOf(std::string noun, std::vector<std::string_view> words);
 
 /// The meaning of a word. The table must outlive the type.
@@ -202,7 +202,7 @@ template <class T> [[nodiscard]] ValueType<T> called(std::string what, ValueType
             std::move(type.schema)};
 }
 
-/// What the function makes of each value.
+/// Each value converted by the function.
 template <class T, class Make> [[nodiscard]] auto made(ValueType<T> type, Make make)
 {
     using Made = std::invoke_result_t<Make, T>;

@@ -78,7 +78,8 @@ private:
     {
         refuseTag(mark, tag);
         if (open_.size() >= mostYamlLevels) {
-            throw SourceFault(lineOf(mark), "nested more than " + std::to_string(mostYamlLevels) + " levels deep");
+            throw SourceFault(lineOf(mark),
+                              "the values are nested more than " + std::to_string(mostYamlLevels) + " levels deep");
         }
         open_.push_back(made(kind, mark));
     }
@@ -146,7 +147,7 @@ void checkCharacters(std::string_view text)
     for (std::size_t i = 0; i < text.size();) {
         const std::size_t length = characterLength(text.substr(i));
         if (length == 0) {
-            throw SourceFault(line, "not UTF-8: save the file as UTF-8 text");
+            throw SourceFault(line, "the text is not UTF-8: save the file as UTF-8 text");
         }
         const auto first = static_cast<unsigned char>(text[i]);
         if (first == '\n') {
@@ -154,10 +155,10 @@ void checkCharacters(std::string_view text)
             lineStart = i;
         }
         if (i - lineStart > longestLine) {
-            throw SourceFault(line, "a line of more than " + std::to_string(longestLine) + " bytes");
+            throw SourceFault(line, "a line is longer than " + std::to_string(longestLine) + " bytes");
         }
         if ((first < 0x20U && first != '\n' && first != '\r' && first != '\t') || first == 0x7FU) {
-            throw SourceFault(line, "a control character, which YAML doesn't allow");
+            throw SourceFault(line, "control characters are not allowed in YAML");
         }
         i += length;
     }
@@ -173,16 +174,16 @@ YamlValue parseYaml(const std::string& text)
     try {
         YAML::Parser parser{stream};
         if (!parser.HandleNextDocument(builder)) {
-            throw SourceFault(1, "empty: a scenario needs at least 'steps'");
+            throw SourceFault(1, "the file is empty: a scenario needs at least 'steps'");
         }
         YamlValue root = builder.takeRoot();
         Builder further;
         if (parser.HandleNextDocument(further)) {
-            throw SourceFault(further.takeRoot().line, "a second document: a file holds one scenario");
+            throw SourceFault(further.takeRoot().line, "the file has a second document: it may hold one scenario");
         }
         return root;
     } catch (const YAML::Exception& error) {
-        throw SourceFault(lineOf(error.mark), "not YAML: " + error.msg);
+        throw SourceFault(lineOf(error.mark), "the text is not YAML: " + error.msg);
     }
 }
 

@@ -54,11 +54,11 @@ void Story::tell(const Event& event)
     }
 }
 
-template <class Kind> bool Story::tellAs(const Event& event, void (Story::*tell)(double at, const Kind& event))
+template <class Kind> bool Story::tellAs(const Event& event, void (Story::*teller)(double at, const Kind& event))
 {
     const auto kind = as<Kind>(event);
     if (kind) {
-        (this->*tell)(event.at, *kind);
+        (this->*teller)(event.at, *kind);
     }
     return kind.has_value();
 }

@@ -64,7 +64,7 @@ private:
     };
 
     /// Whether the event is of the teller's kind, and told.
-    template <class Kind> bool tellAs(const Event& event, void (Story::*tell)(double at, const Kind& event));
+    template <class Kind> bool tellAs(const Event& event, void (Story::*teller)(double at, const Kind& event));
     [[nodiscard]] bool tellByMemory(const Event& event);
     void tellUnknown(const Event& event);
 

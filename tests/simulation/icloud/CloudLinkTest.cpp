@@ -86,16 +86,9 @@ TEST_F(CloudLinkTest, EachOperationFailsAsItIsTold)
 
 TEST_F(CloudLinkTest, ErrorsHaveCloudKitsNamesAndNumbersAndMaySayWhenToTryAgain)
 {
-    for (int code = 1; code <= 37; ++code) {
-        EXPECT_EQ(cloudErrorCode(cloudErrorName(code)), code);
-        EXPECT_EQ(cloudErrorCode(std::to_string(code)), code);
-    }
     EXPECT_EQ(cloudErrorName(7), "requestRateLimited");
     EXPECT_EQ(cloudErrorName(38), "38");
-    EXPECT_EQ(cloudErrorCode("participantAlreadyInvited"), 37);
-    for (const char* const wrong : {"", "0", "-1", "7x", "QuotaExceeded", "99999999999"}) {
-        EXPECT_EQ(cloudErrorCode(wrong), std::nullopt) << wrong;
-    }
+    EXPECT_EQ(cloudErrorName(37), "participantAlreadyInvited");
 
     link.faults().add({.error = cloudError(7, 2.5), .times = 1});
     EXPECT_EQ(std::get<ports::CloudAccountStatus>(outcome(mac.account.accountStatus())), CloudAccountStatus::available)

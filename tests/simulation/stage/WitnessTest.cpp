@@ -87,5 +87,15 @@ TEST(Witness, SettingsAreThoseOnTheDisk)
                 IsEmpty());
 }
 
+TEST(Witness, ALostDefaultOutputIsNone)
+{
+    EXPECT_THAT(played(R"(
+- {at: 1s, expect: {defaultOutput: 73}}
+- {at: 2s, do: {default-output: none}}
+- {at: 2s, expect: {defaultOutput: none}}
+)"),
+                IsEmpty());
+}
+
 } // namespace
 } // namespace sentrel::simulation

@@ -98,12 +98,6 @@ bool SimulatedCamera::answerPrompt(bool granted)
     return true;
 }
 
-bool SimulatedCamera::isPrompting() const
-{
-    const std::lock_guard guard{world_->mutex};
-    return !world_->prompts.empty();
-}
-
 int SimulatedCamera::promptsShown() const
 {
     const std::lock_guard guard{world_->mutex};

@@ -47,7 +47,6 @@ public:
 
     /// Answers the open prompt. False when none is open.
     bool answerPrompt(bool granted);
-    [[nodiscard]] bool isPrompting() const;
 
     /// Number of prompts so far.
     [[nodiscard]] int promptsShown() const;

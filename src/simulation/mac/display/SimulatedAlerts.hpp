@@ -1,22 +1,15 @@
 #pragma once
 
 #include "ports/Alerts.hpp"
-#include "runtime/Semaphore.hpp"
-#include "runtime/Time.hpp"
 #include "simulation/FaultSwitches.hpp"
+#include "simulation/mac/display/OpenPanels.hpp"
+#include "simulation/mac/display/SimulatedApplicationActivation.hpp"
 
-#include <memory>
-#include <mutex>
 #include <optional>
+#include <variant>
 #include <vector>
 
-namespace sentrel {
-class Scheduler;
-}
-
 namespace sentrel::simulation {
-
-class SimulatedApplicationActivation;
 
 /// Modal alert panels and the person who reads and closes them. Any thread; alerts are run on the main thread.
 class SimulatedAlerts final : public ports::Alerts {
@@ -27,38 +20,38 @@ public:
         bool isInFront = false; ///< the application was active; otherwise it opened behind other windows
     };
 
-    SimulatedAlerts(Scheduler& scheduler, const SimulatedApplicationActivation& activation);
+    SimulatedAlerts(Scheduler& scheduler, const SimulatedApplicationActivation& activation)
+        : activation_(activation), panels_(scheduler)
+    {
+    }
 
-    [[nodiscard]] Async<std::int64_t> runModal(ports::AlertContent content) override;
+    [[nodiscard]] Async<std::int64_t> runModal(ports::AlertContent content) override
+    {
+        constexpr std::int64_t firstButton = 1000; // NSAlertFirstButtonReturn
+        co_await faults_.awaitedCall("runModal");
+        Shown alert{std::move(content), activation_.isActive()};
+        co_await panels_.ask(std::move(alert));
+        co_return firstButton;
+    }
 
     /// Time until the person closes an alert, 0 at first; none leaves it to `close`. Holds for later alerts.
-    void setReadingTime(std::optional<Duration> time);
+    void setReadingTime(std::optional<Duration> time) { panels_.setDelay(time); }
 
     /// Closes the alert that opened last; false when none is open.
-    bool close();
+    bool close() { return panels_.answer({}); }
 
     /// The last opened of the open alerts.
-    [[nodiscard]] std::optional<Shown> open() const;
+    [[nodiscard]] std::optional<Shown> open() const { return panels_.open(); }
 
     /// All alerts so far, closed ones too.
-    [[nodiscard]] std::vector<Shown> shown() const;
+    [[nodiscard]] std::vector<Shown> shown() const { return panels_.shown(); }
 
     [[nodiscard]] FaultSwitches& faults() { return faults_; }
 
 private:
     FaultSwitches faults_{};
-    struct Panel {
-        Shown alert;
-        Semaphore closed;
-    };
-    class Opened;
-
-    Scheduler& scheduler_;
     const SimulatedApplicationActivation& activation_;
-    mutable std::mutex mutex_;
-    std::optional<Duration> readingTime_{Duration::zero()};
-    std::vector<std::shared_ptr<Panel>> open_;
-    std::vector<Shown> shown_;
+    OpenPanels<Shown, std::monostate> panels_;
 };
 
 } // namespace sentrel::simulation

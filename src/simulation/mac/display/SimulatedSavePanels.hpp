@@ -1,20 +1,14 @@
 #pragma once
 
 #include "ports/SavePanels.hpp"
-#include "runtime/Semaphore.hpp"
-#include "runtime/Time.hpp"
 #include "simulation/FaultSwitches.hpp"
+#include "simulation/mac/display/OpenPanels.hpp"
 
 #include <filesystem>
-#include <memory>
 #include <mutex>
 #include <optional>
 #include <string>
 #include <vector>
-
-namespace sentrel {
-class Scheduler;
-}
 
 namespace sentrel::simulation {
 
@@ -29,7 +23,9 @@ public:
         std::optional<std::string> name;             ///< none: the suggested one
     };
 
-    SimulatedSavePanels(Scheduler& scheduler, std::filesystem::path disk);
+    SimulatedSavePanels(Scheduler& scheduler, std::filesystem::path disk) : disk_(std::move(disk)), panels_(scheduler)
+    {
+    }
 
     [[nodiscard]] Async<std::optional<std::filesystem::path>> run(ports::SavePanelContent content) override;
 
@@ -37,38 +33,28 @@ public:
     void setAnswer(Answer answer);
 
     /// Time until the person answers a panel, 0 at first; none leaves it to `answerPanel`.
-    void setAnswerDelay(std::optional<Duration> delay);
+    void setAnswerDelay(std::optional<Duration> delay) { panels_.setDelay(delay); }
 
     /// Answers the last opened panel; false if none is open.
-    bool answerPanel(const Answer& answer);
+    bool answerPanel(const Answer& answer) { return panels_.answer(answer); }
 
     /// The last opened of the open panels.
-    [[nodiscard]] std::optional<ports::SavePanelContent> open() const;
+    [[nodiscard]] std::optional<ports::SavePanelContent> open() const { return panels_.open(); }
 
     /// Every panel so far.
-    [[nodiscard]] std::vector<ports::SavePanelContent> shown() const;
+    [[nodiscard]] std::vector<ports::SavePanelContent> shown() const { return panels_.shown(); }
 
     [[nodiscard]] FaultSwitches& faults() { return faults_; }
 
 private:
     FaultSwitches faults_{};
-    struct Panel {
-        ports::SavePanelContent content;
-        std::optional<Answer> answer;
-        Semaphore answered;
-    };
-    class Opened;
-
     [[nodiscard]] std::optional<std::filesystem::path> chosen(const Answer& answer,
                                                               const ports::SavePanelContent& content) const;
 
-    Scheduler& scheduler_;
     const std::filesystem::path disk_;
     mutable std::mutex mutex_;
     Answer answer_;
-    std::optional<Duration> delay_{Duration::zero()};
-    std::vector<std::shared_ptr<Panel>> open_;
-    std::vector<ports::SavePanelContent> shown_;
+    OpenPanels<ports::SavePanelContent, Answer> panels_;
 };
 
 } // namespace sentrel::simulation

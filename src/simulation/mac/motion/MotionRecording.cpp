@@ -53,7 +53,7 @@ private:
                 std::array<char, 2> digits{};
                 std::to_chars(digits.data(), digits.data() + digits.size(), byte, 16);
                 fail("the byte 0x" + std::string{digits[0]} + (digits[1] != '\0' ? std::string{digits[1]} : "") +
-                     " is no plain text");
+                     " is not plain text");
             }
         }
     }
@@ -86,10 +86,10 @@ double readNumber(const LineReader& reader, std::string_view column, std::string
         reader.fail(std::string{column} + ": " + quoted(field) + " is out of range");
     }
     if (error != std::errc{} || end != field.data() + field.size()) {
-        reader.fail(std::string{column} + ": " + quoted(field) + " is no number");
+        reader.fail(std::string{column} + ": " + quoted(field) + " is not a number");
     }
     if (!std::isfinite(value)) {
-        reader.fail(std::string{column} + ": " + quoted(field) + " is no finite number");
+        reader.fail(std::string{column} + ": " + quoted(field) + " is not a finite number");
     }
     return value;
 }
@@ -101,10 +101,10 @@ std::array<double, columns.size()> readRow(const LineReader& reader, std::string
         const bool isLast = i + 1 == columns.size();
         const std::size_t comma = line.find(',');
         if (!isLast && comma == std::string_view::npos) {
-            reader.fail("a row of " + std::to_string(i + 1) + " of 4 columns");
+            reader.fail("the row has " + std::to_string(i + 1) + " of 4 columns");
         }
         if (isLast && comma != std::string_view::npos) {
-            reader.fail("a row of more than 4 columns");
+            reader.fail("the row has more than 4 columns");
         }
         row[i] = readNumber(reader, columns[i], trimmedCell(line.substr(0, comma)));
         line.remove_prefix(isLast ? line.size() : comma + 1);
@@ -148,7 +148,7 @@ MotionRecording MotionRecording::parse(std::string_view text, std::string_view n
     LineReader reader{text, name};
     const auto first = reader.next();
     if (!first) {
-        throw MotionRecordingError{std::string{name} + ": empty"};
+        throw MotionRecordingError{std::string{name} + ": the file is empty"};
     }
     if (trimmedCell(*first) != header) {
         reader.fail("the header is " + quoted(*first) + " instead of " + quoted(header));
@@ -161,7 +161,7 @@ MotionRecording MotionRecording::parse(std::string_view text, std::string_view n
             reader.fail("the time is negative");
         }
         if (seconds < last) {
-            reader.fail("the time goes back");
+            reader.fail("the time is before that of the previous row");
         }
         last = seconds;
         samples.push_back({durationFromSeconds(seconds), {x, y, z}});

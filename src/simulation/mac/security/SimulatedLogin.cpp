@@ -104,21 +104,6 @@ private:
     std::shared_ptr<Panel> panel_;
 };
 
-std::string_view nameOf(LoginAnswer answer)
-{
-    switch (answer) {
-    case LoginAnswer::succeed:
-        return "succeed";
-    case LoginAnswer::fail:
-        return "fail";
-    case LoginAnswer::cancel:
-        return "cancel";
-    case LoginAnswer::unavailable:
-        break;
-    }
-    return "unavailable";
-}
-
 SimulatedLogin::SimulatedLogin(Scheduler& scheduler, ports::Journal& journal)
     : state_(std::make_shared<State>(scheduler, journal)),
       panels_(scheduler, "login panels", QualityOfService::userInteractive)

@@ -26,7 +26,20 @@ enum class LoginAnswer {
 };
 
 /// The word for an answer in scenarios and in the journal.
-[[nodiscard]] std::string_view nameOf(LoginAnswer answer);
+[[nodiscard]] constexpr std::string_view nameOf(LoginAnswer answer)
+{
+    switch (answer) {
+    case LoginAnswer::succeed:
+        return "succeed";
+    case LoginAnswer::fail:
+        return "fail";
+    case LoginAnswer::cancel:
+        return "cancel";
+    case LoginAnswer::unavailable:
+        break;
+    }
+    return "unavailable";
+}
 
 /// The system's login panel and the person in front of it, who has no biometry to log in with. One panel is shown at a
 /// time; further requests wait for their turn. Each request is noted as `login` with its `reason` and `answer`

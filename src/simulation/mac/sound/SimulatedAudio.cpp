@@ -56,12 +56,13 @@ SimulatedAudio::SimulatedAudio(ports::Journal& journal, std::vector<AudioDevice>
 {
     for (AudioDevice& device : devices) {
         if (device.id <= systemObject || find(device.id) != nullptr) {
-            throw std::invalid_argument{"no audio device can have the identifier " + std::to_string(device.id)};
+            throw std::invalid_argument{"the audio device identifier is reserved or taken: " +
+                                        std::to_string(device.id)};
         }
         devices_.push_back(std::move(device));
     }
     if (defaultOutput && find(*defaultOutput) == nullptr) {
-        throw std::invalid_argument{"the default output " + std::to_string(*defaultOutput) + " is no audio device"};
+        throw std::invalid_argument{"the default output " + std::to_string(*defaultOutput) + " is not an audio device"};
     }
 }
 

@@ -32,7 +32,7 @@ public:
     /// Records the mix of these sounds, from the recording's current end up to this instant.
     void record(std::span<const AudibleSound> sounds, Instant until);
 
-    /// Completes the file. False when it could not be written whole.
+    /// Completes the file. False when it could not be written completely.
     bool finish() { return writer_.finish(); }
 
     [[nodiscard]] bool isGood() const { return writer_.isGood(); }

@@ -65,7 +65,7 @@ public:
     /// Brings the recording up to now, so that an open file grows while nothing changes.
     void renderUpToNow();
 
-    /// Ends the recording now. False when there was none or it could not be written whole.
+    /// Ends the recording now. False when there was none or it could not be written completely.
     bool finishRecording();
 
 private:
