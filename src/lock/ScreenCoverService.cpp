@@ -1,6 +1,7 @@
 #include "lock/ScreenCoverService.hpp"
 
 #include "core/SettingsStore.hpp"
+#include "foundation/Quietly.hpp"
 #include "lock/CoverWindow.hpp"
 #include "lock/ScreenCoverAlarm.hpp"
 #include "lock/UnlockPasscodeStore.hpp"
@@ -74,7 +75,7 @@ ScreenCoverService::ScreenCoverService(MainActor mainActor, ScreenCoverAlarm& al
 ScreenCoverService::~ScreenCoverService()
 {
     if (isShowing_) {
-        ports_.activation.setPresentationOptions(ports::defaultPresentation);
+        restrict(ports::defaultPresentation);
     }
 }
 
@@ -102,7 +103,7 @@ bool ScreenCoverService::show()
         }
     };
     resignObserver_ = ports_.notifications.observe(ports::applicationResignedActive, holdKeyboard);
-    ports_.activation.setPresentationOptions(coverPresentation);
+    restrict(coverPresentation);
     takeKeyboard();
     ports_.journal.note("cover.shown", {{"windows", static_cast<std::int64_t>(windows_.size())}});
     return true;
@@ -116,7 +117,7 @@ void ScreenCoverService::hide()
     }
     screenChangeObserver_.reset();
     resignObserver_.reset();
-    ports_.activation.setPresentationOptions(ports::defaultPresentation);
+    restrict(ports::defaultPresentation);
     for (const auto& window : windows_) {
         window->orderOut();
     }
@@ -172,10 +173,16 @@ void ScreenCoverService::buildWindows()
 /// active.
 void ScreenCoverService::takeKeyboard()
 {
-    ports_.activation.activate(true);
+    quietly([this] { ports_.activation.activate(true); });
     if (!windows_.empty()) {
         windows_.front()->makeKeyAndOrderFront();
     }
+}
+
+/// Where the system refuses the options, the cover itself still holds the keyboard.
+void ScreenCoverService::restrict(std::uint64_t options) noexcept
+{
+    quietly([&] { return ports_.activation.setPresentationOptions(options); });
 }
 
 std::unique_ptr<ScreenCoverView> ScreenCoverService::makeView()
