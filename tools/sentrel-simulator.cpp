@@ -1,12 +1,17 @@
+#include "selftest/SelfTest.hpp"
 #include "simulation/page/ServeCommand.hpp"
 #include "simulation/stage/ExitStatus.hpp"
+#include "simulation/stage/MacSession.hpp"
 #include "simulation/stage/NearestWord.hpp"
+#include "simulation/stage/PlayFolder.hpp"
 #include "simulation/stage/ScenarioError.hpp"
+#include "simulation/stage/ScenarioReader.hpp"
 #include "simulation/stage/ScenarioShelf.hpp"
 #include "simulation/story/PlayCommand.hpp"
 
 #include <CLI/CLI.hpp>
 
+#include <chrono>
 #include <cstdint>
 #include <exception>
 #include <iostream>
@@ -29,6 +34,7 @@ struct Arguments {
     std::string playScenario;
     std::string playOut;
     std::vector<std::string> checked;
+    std::string tested = "cafe-theft";
     ServeCommand serve;
     std::string serveScenario = "cafe-theft";
     std::string disk;
@@ -110,6 +116,24 @@ int serve(Arguments& arguments, const ScenarioShelf& shelf)
     return run(arguments.serve, std::cout, std::cerr);
 }
 
+/// Prints the self-test's page of the scenario's MacBook.
+int selfTest(const std::string& name, const ScenarioShelf& shelf)
+{
+    constexpr std::chrono::minutes longest{10}; // of virtual time, more than all limits together
+    const PlayFolder folder{std::nullopt};
+    MacSession session{readScenario(shelf.find(name)).mac, folder.path(), SENTREL_RESOURCES_DIR, 1};
+    sentrel::selftest::SelfTest test{session.mac().startProcess(), {}};
+    std::vector<sentrel::selftest::Finding> findings;
+    session.mainActor().spawn(test.run([&](const auto& finding) { findings.push_back(finding); }));
+    session.clock().advance(longest);
+    std::cout << sentrel::selftest::heading();
+    for (const auto& finding : findings) {
+        std::cout << textOf(finding);
+    }
+    std::cout << sentrel::selftest::summary(findings);
+    return hasFailed(findings) ? exitSomeFailed : exitAllHeld;
+}
+
 int play(Arguments& arguments, const ScenarioShelf& shelf)
 {
     arguments.play.resources = SENTREL_RESOURCES_DIR;
@@ -133,6 +157,9 @@ int main(int argc, char** argv)
     const CLI::App* const listing = app.add_subcommand("list", "Lists the scenarios that come with the program");
     CLI::App* const checking = app.add_subcommand("check", "Reads scenarios without playing them; prints mistakes");
     checking->add_option("scenarios", arguments.checked, "YAML files, or names that `list` shows")->required();
+    CLI::App* const testing =
+        app.add_subcommand("selftest", "Prints what sentrel-selftest finds on a scenario's MacBook");
+    testing->add_option("scenario", arguments.tested, "Whose MacBook it is")->capture_default_str();
     addServe(app, arguments);
 
     if (const auto refusal = argc > 1 ? refusalOfCommand(app, argv[1]) : std::nullopt) {
@@ -152,6 +179,9 @@ int main(int argc, char** argv)
         }
         if (checking->parsed()) {
             return checkScenarios(shelf, arguments.checked, std::cout, std::cerr);
+        }
+        if (testing->parsed()) {
+            return selfTest(arguments.tested, shelf);
         }
         return playing->parsed() ? play(arguments, shelf) : serve(arguments, shelf);
     } catch (const ScenarioError& error) {
