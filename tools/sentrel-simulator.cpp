@@ -1,6 +1,9 @@
+#include "selftest/SelfTest.hpp"
 #include "simulation/page/ServeCommand.hpp"
 #include "simulation/stage/ExitStatus.hpp"
+#include "simulation/stage/MacSession.hpp"
 #include "simulation/stage/NearestWord.hpp"
+#include "simulation/stage/PlayFolder.hpp"
 #include "simulation/stage/ScenarioError.hpp"
 #include "simulation/stage/ScenarioReader.hpp"
 #include "simulation/stage/ScenarioShelf.hpp"
@@ -9,6 +12,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include <chrono>
 #include <cstdint>
 #include <exception>
 #include <iostream>
@@ -32,6 +36,7 @@ struct Arguments {
     std::string playScenario;
     std::string playOut;
     std::vector<std::string> checked;
+    std::string tested = "cafe-theft";
     ServeCommand serve;
     std::string serveScenario = "cafe-theft";
     std::string disk;
@@ -135,6 +140,24 @@ int serve(Arguments& arguments, const ScenarioShelf& shelf)
     return run(arguments.serve, std::cout, std::cerr);
 }
 
+/// Prints the self-test's page of the scenario's MacBook.
+int selfTest(const std::string& name, const ScenarioShelf& shelf)
+{
+    constexpr std::chrono::minutes longest{10}; // of virtual time, more than all limits together
+    const PlayFolder folder{std::nullopt};
+    MacSession session{readScenario(shelf.find(name)).mac, folder.path(), SENTREL_RESOURCES_DIR, 1};
+    sentrel::selftest::SelfTest test{session.mac().startProcess(), {}};
+    std::vector<sentrel::selftest::Finding> findings;
+    session.mainActor().spawn(test.run([&](const auto& finding) { findings.push_back(finding); }));
+    session.clock().advance(longest);
+    std::cout << sentrel::selftest::heading();
+    for (const auto& finding : findings) {
+        std::cout << textOf(finding);
+    }
+    std::cout << sentrel::selftest::summary(findings);
+    return hasFailed(findings) ? exitSomeFailed : exitAllHeld;
+}
+
 int play(Arguments& arguments, const ScenarioShelf& shelf)
 {
     arguments.play.resources = SENTREL_RESOURCES_DIR;
@@ -170,6 +193,9 @@ int main(int argc, char** argv)
     checking->add_option("scenarios", arguments.checked, "YAML files, or names that `list` shows")->required();
     const CLI::App* const schema =
         app.add_subcommand("schema", "Prints the JSON Schema of scenarios, with which editors complete and check them");
+    CLI::App* const testing =
+        app.add_subcommand("selftest", "Prints what sentrel-selftest finds on a scenario's MacBook");
+    testing->add_option("scenario", arguments.tested, "Whose MacBook it is")->capture_default_str();
     addServe(app, arguments);
     const CLI::App* const storming = addStorm(app, arguments);
 
@@ -197,6 +223,9 @@ int main(int argc, char** argv)
         }
         if (storming->parsed()) {
             return storm(arguments);
+        }
+        if (testing->parsed()) {
+            return selfTest(arguments.tested, shelf);
         }
         return playing->parsed() ? play(arguments, shelf) : serve(arguments, shelf);
     } catch (const ScenarioError& error) {

@@ -76,7 +76,7 @@ ScreenCoverService::ScreenCoverService(MainActor mainActor, ScreenCoverAlarm& al
 ScreenCoverService::~ScreenCoverService()
 {
     if (isShowing_) {
-        ports_.activation.setPresentationOptions(ports::defaultPresentation);
+        restrict(ports::defaultPresentation);
     }
 }
 
@@ -105,7 +105,7 @@ bool ScreenCoverService::show()
         }
     };
     quietly([&] { resignObserver_ = ports_.notifications.observe(ports::applicationResignedActive, holdKeyboard); });
-    quietly([this] { ports_.activation.setPresentationOptions(coverPresentation); });
+    restrict(coverPresentation);
     quietly([this] { takeKeyboard(); });
     ports_.journal.note(events::CoverShown{static_cast<std::int64_t>(windows_.size())});
     return true;
@@ -119,7 +119,7 @@ void ScreenCoverService::hide()
     }
     screenChangeObserver_.reset();
     resignObserver_.reset();
-    quietly([this] { ports_.activation.setPresentationOptions(ports::defaultPresentation); });
+    restrict(ports::defaultPresentation);
     for (const auto& window : windows_) {
         quietly([&window] { window->orderOut(); });
     }
@@ -177,10 +177,16 @@ void ScreenCoverService::buildWindows()
 /// active.
 void ScreenCoverService::takeKeyboard()
 {
-    ports_.activation.activate(true);
+    quietly([this] { ports_.activation.activate(true); });
     if (!windows_.empty()) {
         windows_.front()->makeKeyAndOrderFront();
     }
+}
+
+/// Where the system refuses the options, the cover itself still holds the keyboard.
+void ScreenCoverService::restrict(std::uint64_t options) noexcept
+{
+    quietly([&] { return ports_.activation.setPresentationOptions(options); });
 }
 
 std::unique_ptr<ScreenCoverView> ScreenCoverService::makeView()

@@ -73,6 +73,7 @@ private:
 
     void buildWindows();
     void takeKeyboard();
+    void restrict(std::uint64_t options) noexcept;
     [[nodiscard]] std::unique_ptr<ScreenCoverView> makeView();
     Async<void> submit(SecretText passcode, ScreenCoverView::Answered answered);
     PasscodeUnlockOutcome unlock();

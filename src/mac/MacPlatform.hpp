@@ -1,40 +1,19 @@
 #pragma once
 
 #include "mac/application/MacApplication.hpp"
-#include "mac/application/MacApplicationActivation.hpp"
-#include "mac/application/MacApplicationNotifications.hpp"
-#include "mac/application/MacCalendar.hpp"
-#include "mac/application/MacHostInfo.hpp"
-#include "mac/application/MacLanguage.hpp"
-#include "mac/application/MacLoginItem.hpp"
-#include "mac/application/MacWallClock.hpp"
-#include "mac/application/MacWorkspaceNotifications.hpp"
-#include "mac/camera/MacCamera.hpp"
-#include "mac/camera/MacImageCodec.hpp"
-#include "mac/cloud/MacCloudAccount.hpp"
-#include "mac/cloud/MacCloudDatabase.hpp"
-#include "mac/cloud/MacNetworkPaths.hpp"
+#include "mac/application/System.hpp"
+#include "mac/camera/Camera.hpp"
+#include "mac/cloud/Cloud.hpp"
 #include "mac/cloud/MacRemoteNotifications.hpp"
-#include "mac/files/MacJournal.hpp"
-#include "mac/files/MacUserDefaults.hpp"
-#include "mac/motion/MacHidEventSystem.hpp"
-#include "mac/music/MacAutomation.hpp"
-#include "mac/power/MacDeviceRegistry.hpp"
-#include "mac/power/MacPowerAssertions.hpp"
-#include "mac/power/MacPowerSources.hpp"
+#include "mac/files/Files.hpp"
+#include "mac/motion/Motion.hpp"
+#include "mac/music/Music.hpp"
+#include "mac/power/Power.hpp"
 #include "mac/scheduling/DispatchScheduler.hpp"
-#include "mac/security/MacCryptography.hpp"
-#include "mac/security/MacKeychain.hpp"
-#include "mac/security/MacLoginAuthentication.hpp"
-#include "mac/security/MacRandom.hpp"
-#include "mac/sound/MacAudioEngines.hpp"
-#include "mac/sound/MacAudioHardware.hpp"
-#include "mac/sound/MacSystemBeep.hpp"
-#include "mac/windows/MacAlerts.hpp"
+#include "mac/security/Security.hpp"
+#include "mac/sound/Sound.hpp"
 #include "mac/windows/MacPreviewPanel.hpp"
-#include "mac/windows/MacSavePanels.hpp"
-#include "mac/windows/MacStatusBar.hpp"
-#include "mac/windows/MacWindows.hpp"
+#include "mac/windows/Windows.hpp"
 #include "ports/Platform.hpp"
 #include "posix/PosixFileSystem.hpp"
 #include "posix/PosixStandardOutput.hpp"
@@ -46,7 +25,7 @@ class MacPlatform {
 public:
     /// Takes the identifier of the product's iCloud container.
     explicit MacPlatform(const std::string& cloudContainer)
-        : cloudAccount_(cloudContainer), cloudDatabase_(cloudContainer)
+        : cloudAccount_(makeCloudAccount(cloudContainer)), cloudDatabase_(makeCloudDatabase(cloudContainer))
     {
     }
     MacPlatform(const MacPlatform&) = delete;
@@ -59,85 +38,86 @@ public:
 
 private:
     DispatchScheduler scheduler_;
-    MacWallClock wallClock_;
-    MacRandom random_;
-    MacHostInfo host_;
+    const std::unique_ptr<ports::WallClock> wallClock_ = makeWallClock();
+    const std::unique_ptr<ports::Random> random_ = makeRandom();
+    const std::unique_ptr<ports::GeneralRandom> generalRandom_ = makeGeneralRandom();
+    const std::unique_ptr<ports::HostInfo> host_ = makeHostInfo();
     posix::PosixFileSystem files_;
-    MacUserDefaults defaults_;
-    MacLanguage language_;
-    MacCalendar calendar_;
-    MacJournal journal_;
+    const std::unique_ptr<ports::UserDefaults> defaults_ = makeUserDefaults();
+    const std::unique_ptr<ports::Language> language_ = makeLanguage();
+    const std::unique_ptr<ports::Calendar> calendar_ = makeCalendar();
+    const std::unique_ptr<ports::Journal> journal_ = makeJournal();
     posix::PosixStandardOutput standardOutput_;
-    MacPowerSources powerSources_;
-    MacPowerAssertions powerAssertions_;
-    MacDeviceRegistry deviceRegistry_;
-    MacWorkspaceNotifications workspaceNotifications_;
-    MacHidEventSystem hidEvents_;
-    MacAudioHardware audioHardware_;
-    MacAudioEngines audioEngines_;
-    MacSystemBeep systemBeep_;
-    MacRunningApplications runningApplications_;
-    MacAutomation automation_;
-    MacEventPosting eventPosting_;
-    MacCamera camera_;
-    MacImageCodec imageCodec_;
-    MacKeychain keychain_;
-    MacCryptography cryptography_;
-    MacLoginAuthentication loginAuthentication_;
-    MacAlerts alerts_;
-    MacApplicationActivation applicationActivation_;
-    MacApplicationNotifications applicationNotifications_;
-    MacWindows windows_;
-    MacCloudAccount cloudAccount_;
-    MacCloudDatabase cloudDatabase_;
-    MacNetworkPaths networkPaths_;
+    const std::unique_ptr<ports::PowerSources> powerSources_ = makePowerSources();
+    const std::unique_ptr<ports::PowerAssertions> powerAssertions_ = makePowerAssertions();
+    const std::unique_ptr<ports::DeviceRegistry> deviceRegistry_ = makeDeviceRegistry();
+    const std::unique_ptr<ports::WorkspaceNotifications> workspaceNotifications_ = makeWorkspaceNotifications();
+    const std::unique_ptr<ports::HidEventSystem> hidEvents_ = makeHidEventSystem();
+    const std::unique_ptr<ports::AudioHardware> audioHardware_ = makeAudioHardware();
+    const std::unique_ptr<ports::AudioEngines> audioEngines_ = makeAudioEngines();
+    const std::unique_ptr<ports::SystemBeep> systemBeep_ = makeSystemBeep();
+    const std::unique_ptr<ports::RunningApplications> runningApplications_ = makeRunningApplications();
+    const std::unique_ptr<ports::Automation> automation_ = makeAutomation();
+    const std::unique_ptr<ports::EventPosting> eventPosting_ = makeEventPosting();
+    const std::unique_ptr<ports::Camera> camera_ = makeCamera();
+    const std::unique_ptr<ports::ImageCodec> imageCodec_ = makeImageCodec();
+    const std::unique_ptr<ports::Keychain> keychain_ = makeKeychain();
+    const std::unique_ptr<ports::Cryptography> cryptography_ = makeCryptography();
+    const std::unique_ptr<ports::LoginAuthentication> loginAuthentication_ = makeLoginAuthentication();
+    const std::unique_ptr<ports::Alerts> alerts_ = makeAlerts();
+    const std::unique_ptr<ports::ApplicationActivation> applicationActivation_ = makeApplicationActivation();
+    const std::unique_ptr<ports::ApplicationNotifications> applicationNotifications_ = makeApplicationNotifications();
+    const std::unique_ptr<ports::Windows> windows_ = makeWindows();
+    const std::unique_ptr<ports::CloudAccount> cloudAccount_;
+    const std::unique_ptr<ports::CloudDatabase> cloudDatabase_;
+    const std::unique_ptr<ports::NetworkPaths> networkPaths_ = makeNetworkPaths();
     MacRemoteNotifications remoteNotifications_;
     MacPreviewPanel previewPanel_;
     MacApplication application_{remoteNotifications_, previewPanel_};
-    MacStatusBar statusBar_;
-    MacSavePanels savePanels_;
-    MacLoginItem loginItem_;
+    const std::unique_ptr<ports::StatusBar> statusBar_ = makeStatusBar();
+    const std::unique_ptr<ports::SavePanels> savePanels_ = makeSavePanels();
+    const std::unique_ptr<ports::LoginItem> loginItem_ = makeLoginItem();
     ports::Platform ports_{
         .scheduler = scheduler_,
-        .wallClock = wallClock_,
-        .random = random_,
-        .host = host_,
+        .wallClock = *wallClock_,
+        .random = *random_,
+        .host = *host_,
         .files = files_,
-        .defaults = defaults_,
-        .language = language_,
-        .calendar = calendar_,
-        .journal = journal_,
+        .defaults = *defaults_,
+        .language = *language_,
+        .calendar = *calendar_,
+        .journal = *journal_,
         .standardOutput = standardOutput_,
-        .powerSources = powerSources_,
-        .powerAssertions = powerAssertions_,
-        .deviceRegistry = deviceRegistry_,
-        .workspaceNotifications = workspaceNotifications_,
-        .hidEvents = hidEvents_,
-        .audioHardware = audioHardware_,
-        .audioEngines = audioEngines_,
-        .systemBeep = systemBeep_,
-        .runningApplications = runningApplications_,
-        .automation = automation_,
-        .eventPosting = eventPosting_,
-        .camera = camera_,
-        .imageCodec = imageCodec_,
-        .keychain = keychain_,
-        .cryptography = cryptography_,
-        .generalRandom = random_,
-        .loginAuthentication = loginAuthentication_,
-        .alerts = alerts_,
-        .applicationActivation = applicationActivation_,
-        .applicationNotifications = applicationNotifications_,
-        .windows = windows_,
-        .cloudAccount = cloudAccount_,
-        .cloudDatabase = cloudDatabase_,
-        .networkPaths = networkPaths_,
+        .powerSources = *powerSources_,
+        .powerAssertions = *powerAssertions_,
+        .deviceRegistry = *deviceRegistry_,
+        .workspaceNotifications = *workspaceNotifications_,
+        .hidEvents = *hidEvents_,
+        .audioHardware = *audioHardware_,
+        .audioEngines = *audioEngines_,
+        .systemBeep = *systemBeep_,
+        .runningApplications = *runningApplications_,
+        .automation = *automation_,
+        .eventPosting = *eventPosting_,
+        .camera = *camera_,
+        .imageCodec = *imageCodec_,
+        .keychain = *keychain_,
+        .cryptography = *cryptography_,
+        .generalRandom = *generalRandom_,
+        .loginAuthentication = *loginAuthentication_,
+        .alerts = *alerts_,
+        .applicationActivation = *applicationActivation_,
+        .applicationNotifications = *applicationNotifications_,
+        .windows = *windows_,
+        .cloudAccount = *cloudAccount_,
+        .cloudDatabase = *cloudDatabase_,
+        .networkPaths = *networkPaths_,
         .remoteNotifications = remoteNotifications_,
         .application = application_,
-        .statusBar = statusBar_,
-        .savePanels = savePanels_,
+        .statusBar = *statusBar_,
+        .savePanels = *savePanels_,
         .previewPanel = previewPanel_,
-        .loginItem = loginItem_,
+        .loginItem = *loginItem_,
     };
 };
 

@@ -17,6 +17,7 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr Duration longestWait = 500ms;
+constexpr Duration scriptLimit = 2s; // the script blocks the main thread meanwhile
 constexpr std::int32_t noError = 0;
 
 constexpr std::uint32_t keyDown = 0x0A; // NX_KEYDOWN, in bits 8 to 15 of the flags and of the data
@@ -100,7 +101,7 @@ Async<void> MediaPlayback::runPlayingTest(Weak<MediaPlayback> weak, MediaPlayer 
         co_return;
     }
     ports::Automation& automation = playback->automation_;
-    co_await automation.runScript(playingTestScript(player));
+    co_await automation.runScript(playingTestScript(player), scriptLimit);
 }
 
 void MediaPlayback::pause(MediaPlayer player, std::function<void()> completion)
@@ -157,7 +158,7 @@ Async<bool> MediaPlayback::runPauseScript(MediaPlayer player, bool isPermitted)
     if (!isPermitted) {
         co_return false;
     }
-    const auto result = co_await automation_.runScript(pauseScript(player));
+    const auto result = co_await automation_.runScript(pauseScript(player), scriptLimit);
     co_return result.has_value();
 }
 
@@ -178,7 +179,7 @@ Async<bool> MediaPlayback::isPlaying(MediaPlayer player)
     if (!permitted) {
         co_return false;
     }
-    const auto result = co_await automation_.runScript(playingTestScript(player));
+    const auto result = co_await automation_.runScript(playingTestScript(player), scriptLimit);
     co_return result.value_or(false);
 }
 

@@ -13,8 +13,9 @@ public:
     virtual void activate(bool ignoringOtherApplications) = 0;
 
     /// `setPresentationOptions:` with `NSApplicationPresentationOptions`: restrictions while the application is active.
-    /// The options that disable something or hide the menu bar require that the Dock is hidden.
-    virtual void setPresentationOptions(std::uint64_t options) = 0;
+    /// The options that disable something or hide the menu bar require that the Dock is hidden. False when the system
+    /// refuses the combination, which then has no effect.
+    virtual bool setPresentationOptions(std::uint64_t options) = 0;
 };
 
 } // namespace sentrel::ports

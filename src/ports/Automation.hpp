@@ -1,6 +1,7 @@
 #pragma once
 
 #include "runtime/Async.hpp"
+#include "runtime/Time.hpp"
 
 #include <cstdint>
 #include <optional>
@@ -20,22 +21,22 @@ public:
     [[nodiscard]] virtual bool isRunning(const std::string& bundleIdentifier) = 0;
 };
 
-/// Apple Events consent and AppleScript. The calls may wait for the user or the other application; on a Mac they block
-/// the calling thread meanwhile.
+/// Apple Events consent and AppleScript. The calls may wait for the user or the other application.
 class Automation {
 public:
     virtual ~Automation() = default;
 
     /// `AECreateDesc` with the descriptor type and the bundle identifier as its data, then
-    /// `AEDeterminePermissionToAutomateTarget`. Gives the `OSStatus`, or none when the descriptor can't be made. Any
-    /// thread.
+    /// `AEDeterminePermissionToAutomateTarget`. Gives the `OSStatus`, or none when the descriptor can't be made. On a
+    /// Mac it blocks the calling thread. Any thread.
     [[nodiscard]] virtual Async<std::optional<std::int32_t>>
     determinePermission(std::uint32_t descriptorType, std::string bundleIdentifier, std::uint32_t eventClass,
                         std::uint32_t eventId, bool askUserIfNeeded) = 0;
 
-    /// Compiles and runs a script (`NSAppleScript`); gives its result's Boolean value, or none when it can't be created
-    /// or fails. Main thread.
-    [[nodiscard]] virtual Async<std::optional<bool>> runScript(std::string source) = 0;
+    /// Compiles and runs a script (`NSAppleScript`), whose Apple Events wait for their answers up to the limit, in whole
+    /// seconds. Gives its result's Boolean value, or none when it can't be created or fails. On a Mac it blocks the
+    /// calling thread. Main thread.
+    [[nodiscard]] virtual Async<std::optional<bool>> runScript(std::string source, Duration limit) = 0;
 };
 
 /// Arguments of `otherEventWithType:...` for a system-defined event at (0, 0), with time and window number 0.

@@ -12,6 +12,8 @@ inline constexpr const char* powerSourceStateKey = "Power Source State"; // kIOP
 inline constexpr const char* acPowerValue = "AC Power";                  // kIOPSACPowerValue
 inline constexpr const char* preventIdleSleepAssertion = "PreventUserIdleSystemSleep";
 inline constexpr std::uint32_t assertionLevelOn = 255; // kIOPMAssertionLevelOn
+inline constexpr const char* rootDomainClass = "IOPMrootDomain";
+inline constexpr const char* clamshellStateKey = "AppleClamshellState"; // of the root domain: 1 while the lid is closed
 
 // HID. No public header has the vendor's page, its accelerometer, the event types and their fields.
 inline constexpr const char* primaryUsagePageKey = "PrimaryUsagePage"; // kIOHIDPrimaryUsagePageKey

@@ -1,6 +1,7 @@
 #include "sensors/LidMonitor.hpp"
 
 #include "foundation/Fatal.hpp"
+#include "ports/SystemConstants.hpp"
 #include "ports/WindowConstants.hpp"
 #include "runtime/AssertOnMainActor.hpp"
 #include "runtime/WeakCall.hpp"
@@ -15,8 +16,6 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr Duration lidPollingInterval = 2s;
-constexpr const char* rootDomainClass = "IOPMrootDomain";
-constexpr const char* clamshellStateKey = "AppleClamshellState";
 
 } // namespace
 
@@ -27,7 +26,7 @@ LidMonitor::LidMonitor(MainActor mainActor, ports::DeviceRegistry& registry, por
 
 bool LidMonitor::isLidClosed() const
 {
-    const auto state = registry_.number(rootDomainClass, clamshellStateKey);
+    const auto state = registry_.number(ports::rootDomainClass, ports::clamshellStateKey);
     if (!state) {
         return false;
     }

@@ -145,6 +145,16 @@ TEST_F(ScreenCoverTest, ThePasscodeCanBeTypedAlsoWhenTheSystemLeavesAnotherAppli
     EXPECT_FALSE(mac_.cover->isShowing());
 }
 
+TEST_F(ScreenCoverTest, ComesAndGoesAlsoWhenTheSystemRaisesAtActivationAndOptions)
+{
+    mac_.activation.faults().set("raises");
+    showWithPasscode();
+    EXPECT_TRUE(mac_.displays.isCovered(0));
+    enter("2468");
+    EXPECT_FALSE(mac_.cover->isShowing());
+    EXPECT_FALSE(mac_.displays.isCovered(0));
+}
+
 TEST_F(ScreenCoverTest, WithoutAPasscodeNothingIsCovered)
 {
     EXPECT_FALSE(mac_.cover->show());

@@ -104,6 +104,20 @@ TEST(MediaPlayback, PressesThePlayKeyOnceWhenTheScriptFailsAndMusicStillPlays)
     EXPECT_EQ(mac.input.posted().size(), 2U) << "the key would start what is paused";
 }
 
+TEST(MediaPlayback, AScriptThatHangsCountsAsNotPausedAfterTwoSeconds)
+{
+    MusicalMac mac{Playback::playing, Consent::granted};
+    mac.music.faults().set("script-hangs", 1);
+    bool isOver = false;
+    mac.media->pause({"com.apple.Music", "Music"}, [&] { isOver = true; });
+    mac.clock.advance(1999ms);
+    EXPECT_EQ(mac.music.playback(), Playback::playing);
+    EXPECT_FALSE(isOver);
+    mac.clock.advance(1ms);
+    EXPECT_EQ(mac.music.playback(), Playback::paused) << "by the key";
+    EXPECT_TRUE(isOver);
+}
+
 TEST(MediaPlayback, AsksForConsentAheadAndThenPauses)
 {
     MusicalMac mac{Playback::playing, Consent::undetermined};

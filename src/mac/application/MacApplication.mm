@@ -3,7 +3,7 @@
 #include "mac/cloud/MacRemoteNotifications.hpp"
 #include "mac/windows/MacPreviewPanel.hpp"
 #include "mac/windows/MainMenu.hpp"
-#include "mac/windows/ModalPanels.hpp"
+#include "mac/windows/Windows.hpp"
 
 #include <utility>
 

@@ -1,4 +1,4 @@
-#include "mac/application/MacCalendar.hpp"
+#include "mac/application/System.hpp"
 
 #include "mac/foundation/FoundationText.hpp"
 
@@ -55,14 +55,61 @@ NSDateFormatterStyle styleOf(ports::Calendar::Style style)
     return NSDateFormatterNoStyle;
 }
 
-} // namespace
+/// The user's calendar; follows every change of the settings.
+class MacCalendar final : public ports::Calendar {
+public:
+    [[nodiscard]] DateInterval interval(CalendarUnit unit, Date date) override
+    {
+        NSDate* start = nil;
+        NSTimeInterval length = 0;
+        NSCalendar* const calendar = NSCalendar.autoupdatingCurrentCalendar;
+        if (![calendar rangeOfUnit:unitOf(unit) startDate:&start interval:&length forDate:dateObject(date)]) {
+            return {date, date};
+        }
+        return {dateOf(start), dateOf(start).addingSeconds(length)};
+    }
 
-/// Formatters by style, kept because they are costly to make. They follow the user's settings.
-struct MacCalendar::Formatters {
+    [[nodiscard]] Date adding(CalendarUnit unit, int count, Date date) override
+    {
+        NSDate* const sum = [NSCalendar.autoupdatingCurrentCalendar dateByAddingUnit:unitOf(unit)
+                                                                               value:count
+                                                                              toDate:dateObject(date)
+                                                                             options:0];
+        return sum != nil ? dateOf(sum) : date;
+    }
+
+    [[nodiscard]] int component(CalendarUnit unit, Date date) override
+    {
+        return static_cast<int>([NSCalendar.autoupdatingCurrentCalendar component:unitOf(unit)
+                                                                         fromDate:dateObject(date)]);
+    }
+
+    [[nodiscard]] std::string monthName(Date date) override
+    {
+        NSDateFormatter* const formatter = [[NSDateFormatter alloc] init];
+        formatter.dateFormat = @"LLLL";
+        return textOf([formatter stringFromDate:dateObject(date)]);
+    }
+
+    [[nodiscard]] std::string formatted(Date date, Style dateStyle, Style timeStyle) override
+    {
+        return textOf([formatter(dateStyle, timeStyle) stringFromDate:dateObject(date)]);
+    }
+
+    [[nodiscard]] std::string formatted(Date date, const std::string& pattern, const std::string& locale) override
+    {
+        NSDateFormatter* const formatter = [[NSDateFormatter alloc] init];
+        formatter.locale = [NSLocale localeWithLocaleIdentifier:stringObject(locale)];
+        formatter.dateFormat = stringObject(pattern);
+        return textOf([formatter stringFromDate:dateObject(date)]);
+    }
+
+private:
+    /// Kept because formatters are costly to make. They follow the user's settings.
     NSDateFormatter* formatter(Style dateStyle, Style timeStyle)
     {
-        const std::lock_guard guard{mutex};
-        NSDateFormatter* __strong& formatter = made[{dateStyle, timeStyle}];
+        const std::lock_guard guard{mutex_};
+        NSDateFormatter* __strong& formatter = made_[{dateStyle, timeStyle}];
         if (formatter == nil) {
             formatter = [[NSDateFormatter alloc] init];
             formatter.locale = NSLocale.autoupdatingCurrentLocale;
@@ -73,59 +120,15 @@ struct MacCalendar::Formatters {
         return formatter;
     }
 
-    std::mutex mutex;
-    std::map<std::pair<Style, Style>, NSDateFormatter*> made;
+    std::mutex mutex_;
+    std::map<std::pair<Style, Style>, NSDateFormatter*> made_;
 };
 
-MacCalendar::MacCalendar() : formatters_(std::make_unique<Formatters>())
-{
-}
+} // namespace
 
-MacCalendar::~MacCalendar() = default;
-
-DateInterval MacCalendar::interval(CalendarUnit unit, Date date)
+std::unique_ptr<ports::Calendar> makeCalendar()
 {
-    NSDate* start = nil;
-    NSTimeInterval length = 0;
-    NSCalendar* const calendar = NSCalendar.autoupdatingCurrentCalendar;
-    if (![calendar rangeOfUnit:unitOf(unit) startDate:&start interval:&length forDate:dateObject(date)]) {
-        return {date, date};
-    }
-    return {dateOf(start), dateOf(start).addingSeconds(length)};
-}
-
-Date MacCalendar::adding(CalendarUnit unit, int count, Date date)
-{
-    NSDate* const sum = [NSCalendar.autoupdatingCurrentCalendar dateByAddingUnit:unitOf(unit)
-                                                                           value:count
-                                                                          toDate:dateObject(date)
-                                                                         options:0];
-    return sum != nil ? dateOf(sum) : date;
-}
-
-int MacCalendar::component(CalendarUnit unit, Date date)
-{
-    return static_cast<int>([NSCalendar.autoupdatingCurrentCalendar component:unitOf(unit) fromDate:dateObject(date)]);
-}
-
-std::string MacCalendar::monthName(Date date)
-{
-    NSDateFormatter* const formatter = [[NSDateFormatter alloc] init];
-    formatter.dateFormat = @"LLLL";
-    return textOf([formatter stringFromDate:dateObject(date)]);
-}
-
-std::string MacCalendar::formatted(Date date, Style dateStyle, Style timeStyle)
-{
-    return textOf([formatters_->formatter(dateStyle, timeStyle) stringFromDate:dateObject(date)]);
-}
-
-std::string MacCalendar::formatted(Date date, const std::string& pattern, const std::string& locale)
-{
-    NSDateFormatter* const formatter = [[NSDateFormatter alloc] init];
-    formatter.locale = [NSLocale localeWithLocaleIdentifier:stringObject(locale)];
-    formatter.dateFormat = stringObject(pattern);
-    return textOf([formatter stringFromDate:dateObject(date)]);
+    return std::make_unique<MacCalendar>();
 }
 
 } // namespace sentrel::mac

@@ -1,7 +1,8 @@
-#include "mac/application/MacHostInfo.hpp"
+#include "mac/application/System.hpp"
 
 #include "mac/foundation/FoundationText.hpp"
 
+#import <CoreFoundation/CoreFoundation.h>
 #import <Foundation/Foundation.h>
 #import <IOKit/IOKitLib.h>
 
@@ -22,67 +23,91 @@ std::optional<std::string> optionalText(NSString* text)
     return textOf(text);
 }
 
-} // namespace
+/// Facts from the kernel, from the I/O registry and from Foundation.
+class MacHostInfo final : public ports::HostInfo {
+public:
+    [[nodiscard]] std::optional<std::string> systemControlText(const std::string& name) override
+    {
+        std::size_t size = 0;
+        if (sysctlbyname(name.c_str(), nullptr, &size, nullptr, 0) != 0) {
+            return std::nullopt;
+        }
+        std::string text(size, '\0');
+        if (sysctlbyname(name.c_str(), text.data(), &size, nullptr, 0) != 0) {
+            return std::nullopt;
+        }
+        text.resize(size);
+        return text.c_str(); // without the terminator, which the size counts
+    }
 
-std::optional<std::string> MacHostInfo::systemControlText(const std::string& name)
-{
-    std::size_t size = 0;
-    if (sysctlbyname(name.c_str(), nullptr, &size, nullptr, 0) != 0) {
-        return std::nullopt;
+    [[nodiscard]] std::optional<Bytes> registryData(const std::string& path, const std::string& property) override
+    {
+        const io_registry_entry_t entry =
+            IORegistryEntryCopyFromPath(kIOMainPortDefault, (__bridge CFStringRef)stringObject(path));
+        if (entry == IO_OBJECT_NULL) {
+            return std::nullopt;
+        }
+        const id value = CFBridgingRelease(IORegistryEntryCreateCFProperty(
+            entry, (__bridge CFStringRef)stringObject(property), kCFAllocatorDefault, 0));
+        IOObjectRelease(entry);
+        if (![value isKindOfClass:[NSData class]]) {
+            return std::nullopt;
+        }
+        NSData* const data = value;
+        const auto* const begin = static_cast<const std::uint8_t*>(data.bytes);
+        return Bytes(begin, begin + data.length);
     }
-    std::string text(size, '\0');
-    if (sysctlbyname(name.c_str(), text.data(), &size, nullptr, 0) != 0) {
-        return std::nullopt;
-    }
-    text.resize(size);
-    return text.c_str(); // without the terminator, which the size counts
-}
 
-std::optional<Bytes> MacHostInfo::registryData(const std::string& path, const std::string& property)
-{
-    const io_registry_entry_t entry =
-        IORegistryEntryCopyFromPath(kIOMainPortDefault, (__bridge CFStringRef)stringObject(path));
-    if (entry == IO_OBJECT_NULL) {
-        return std::nullopt;
-    }
-    const id value = CFBridgingRelease(
-        IORegistryEntryCreateCFProperty(entry, (__bridge CFStringRef)stringObject(property), kCFAllocatorDefault, 0));
-    IOObjectRelease(entry);
-    if (![value isKindOfClass:[NSData class]]) {
-        return std::nullopt;
-    }
-    NSData* const data = value;
-    const auto* const begin = static_cast<const std::uint8_t*>(data.bytes);
-    return Bytes(begin, begin + data.length);
-}
-
-std::optional<std::string> MacHostInfo::localizedName()
-{
+    [[nodiscard]] std::optional<std::string> localizedName() override
+    {
 #pragma clang diagnostic push
 #pragma clang diagnostic ignored "-Wdeprecated-declarations" // the only source of the computer's name
-    return optionalText(NSHost.currentHost.localizedName);
+        return optionalText(NSHost.currentHost.localizedName);
 #pragma clang diagnostic pop
-}
-
-std::optional<std::string> MacHostInfo::bundleIdentifier()
-{
-    return optionalText(NSBundle.mainBundle.bundleIdentifier);
-}
-
-std::optional<std::filesystem::path> MacHostInfo::applicationSupportDirectory()
-{
-    NSArray<NSURL*>* const urls = [NSFileManager.defaultManager URLsForDirectory:NSApplicationSupportDirectory
-                                                                       inDomains:NSUserDomainMask];
-    NSURL* const first = urls.firstObject;
-    if (first == nil) {
-        return std::nullopt;
     }
-    return pathOf(first);
+
+    [[nodiscard]] std::optional<std::string> bundleIdentifier() override
+    {
+        return optionalText(NSBundle.mainBundle.bundleIdentifier);
+    }
+
+    [[nodiscard]] std::optional<std::filesystem::path> applicationSupportDirectory() override
+    {
+        NSArray<NSURL*>* const urls = [NSFileManager.defaultManager URLsForDirectory:NSApplicationSupportDirectory
+                                                                           inDomains:NSUserDomainMask];
+        NSURL* const first = urls.firstObject;
+        if (first == nil) {
+            return std::nullopt;
+        }
+        return pathOf(first);
+    }
+
+    [[nodiscard]] std::filesystem::path temporaryDirectory() override
+    {
+        return pathOf(NSFileManager.defaultManager.temporaryDirectory);
+    }
+};
+
+} // namespace
+
+std::unique_ptr<ports::HostInfo> makeHostInfo()
+{
+    return std::make_unique<MacHostInfo>();
 }
 
-std::filesystem::path MacHostInfo::temporaryDirectory()
+namespace {
+
+/// The system's date and time.
+class MacWallClock final : public ports::WallClock {
+public:
+    [[nodiscard]] Date now() override { return {CFAbsoluteTimeGetCurrent()}; }
+};
+
+} // namespace
+
+std::unique_ptr<ports::WallClock> makeWallClock()
 {
-    return pathOf(NSFileManager.defaultManager.temporaryDirectory);
+    return std::make_unique<MacWallClock>();
 }
 
 } // namespace sentrel::mac

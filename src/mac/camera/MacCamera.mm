@@ -1,4 +1,4 @@
-#include "mac/camera/MacCamera.hpp"
+#include "mac/camera/Camera.hpp"
 
 #include "mac/foundation/FoundationText.hpp"
 #include "mac/foundation/Guarded.hpp"
@@ -183,72 +183,82 @@ private:
     AVCaptureSession* const session_ = [[AVCaptureSession alloc] init];
 };
 
+/// Cameras through AVFoundation. Devices, inputs, outputs and settings passed in must come from here.
+class MacCamera final : public ports::Camera {
+public:
+    [[nodiscard]] ports::CaptureAuthorization authorizationStatus(const std::string& mediaType) override
+    {
+        return static_cast<ports::CaptureAuthorization>(
+            [AVCaptureDevice authorizationStatusForMediaType:stringObject(mediaType)]);
+    }
+
+    void requestAccess(const std::string& mediaType, std::function<void(bool granted)> answered) override
+    {
+        const bool isAsked = guarded("requestAccessForMediaType", [&] {
+            [AVCaptureDevice requestAccessForMediaType:stringObject(mediaType)
+                                     completionHandler:^(BOOL granted) {
+                                         answered(granted);
+                                     }];
+        });
+        if (!isAsked) {
+            answered(false);
+        }
+    }
+
+    [[nodiscard]] std::vector<std::shared_ptr<ports::CaptureDevice>>
+    discoverDevices(const std::vector<std::string>& deviceTypes, const std::string& mediaType) override
+    {
+        NSMutableArray<AVCaptureDeviceType>* const types = [NSMutableArray array];
+        for (const std::string& type : deviceTypes) {
+            [types addObject:stringObject(type)];
+        }
+        AVCaptureDeviceDiscoverySession* const discovery =
+            [AVCaptureDeviceDiscoverySession discoverySessionWithDeviceTypes:types
+                                                                   mediaType:stringObject(mediaType)
+                                                                    position:AVCaptureDevicePositionUnspecified];
+        std::vector<std::shared_ptr<ports::CaptureDevice>> devices;
+        for (AVCaptureDevice* device in discovery.devices) {
+            devices.push_back(std::make_shared<MacCaptureDevice>(device));
+        }
+        return devices;
+    }
+
+    [[nodiscard]] std::shared_ptr<ports::CaptureDevice> defaultDevice(const std::string& mediaType) override
+    {
+        AVCaptureDevice* const device = [AVCaptureDevice defaultDeviceWithMediaType:stringObject(mediaType)];
+        return device == nil ? nullptr : std::make_shared<MacCaptureDevice>(device);
+    }
+
+    [[nodiscard]] std::shared_ptr<ports::CaptureInput> makeInput(const ports::CaptureDevice& device) override
+    {
+        AVCaptureDevice* const native = static_cast<const MacCaptureDevice&>(device).native();
+        AVCaptureDeviceInput* input = nil;
+        guarded("deviceInputWithDevice",
+                [&] { input = [AVCaptureDeviceInput deviceInputWithDevice:native error:nil]; });
+        return input == nil ? nullptr : std::make_shared<MacCaptureInput>(input);
+    }
+
+    [[nodiscard]] std::unique_ptr<ports::CaptureSession> makeSession() override
+    {
+        return std::make_unique<MacCaptureSession>();
+    }
+
+    [[nodiscard]] std::shared_ptr<ports::PhotoOutput> makePhotoOutput() override
+    {
+        return std::make_shared<MacPhotoOutput>();
+    }
+
+    [[nodiscard]] std::unique_ptr<ports::PhotoSettings> makePhotoSettings() override
+    {
+        return std::make_unique<MacPhotoSettings>();
+    }
+};
+
 } // namespace
 
-ports::CaptureAuthorization MacCamera::authorizationStatus(const std::string& mediaType)
+std::unique_ptr<ports::Camera> makeCamera()
 {
-    return static_cast<ports::CaptureAuthorization>(
-        [AVCaptureDevice authorizationStatusForMediaType:stringObject(mediaType)]);
-}
-
-void MacCamera::requestAccess(const std::string& mediaType, std::function<void(bool granted)> answered)
-{
-    const bool isAsked = guarded("requestAccessForMediaType", [&] {
-        [AVCaptureDevice requestAccessForMediaType:stringObject(mediaType)
-                                 completionHandler:^(BOOL granted) {
-                                     answered(granted);
-                                 }];
-    });
-    if (!isAsked) {
-        answered(false);
-    }
-}
-
-std::vector<std::shared_ptr<ports::CaptureDevice>>
-MacCamera::discoverDevices(const std::vector<std::string>& deviceTypes, const std::string& mediaType)
-{
-    NSMutableArray<AVCaptureDeviceType>* const types = [NSMutableArray array];
-    for (const std::string& type : deviceTypes) {
-        [types addObject:stringObject(type)];
-    }
-    AVCaptureDeviceDiscoverySession* const discovery =
-        [AVCaptureDeviceDiscoverySession discoverySessionWithDeviceTypes:types
-                                                               mediaType:stringObject(mediaType)
-                                                                position:AVCaptureDevicePositionUnspecified];
-    std::vector<std::shared_ptr<ports::CaptureDevice>> devices;
-    for (AVCaptureDevice* device in discovery.devices) {
-        devices.push_back(std::make_shared<MacCaptureDevice>(device));
-    }
-    return devices;
-}
-
-std::shared_ptr<ports::CaptureDevice> MacCamera::defaultDevice(const std::string& mediaType)
-{
-    AVCaptureDevice* const device = [AVCaptureDevice defaultDeviceWithMediaType:stringObject(mediaType)];
-    return device == nil ? nullptr : std::make_shared<MacCaptureDevice>(device);
-}
-
-std::shared_ptr<ports::CaptureInput> MacCamera::makeInput(const ports::CaptureDevice& device)
-{
-    AVCaptureDevice* const native = static_cast<const MacCaptureDevice&>(device).native();
-    AVCaptureDeviceInput* input = nil;
-    guarded("deviceInputWithDevice", [&] { input = [AVCaptureDeviceInput deviceInputWithDevice:native error:nil]; });
-    return input == nil ? nullptr : std::make_shared<MacCaptureInput>(input);
-}
-
-std::unique_ptr<ports::CaptureSession> MacCamera::makeSession()
-{
-    return std::make_unique<MacCaptureSession>();
-}
-
-std::shared_ptr<ports::PhotoOutput> MacCamera::makePhotoOutput()
-{
-    return std::make_shared<MacPhotoOutput>();
-}
-
-std::unique_ptr<ports::PhotoSettings> MacCamera::makePhotoSettings()
-{
-    return std::make_unique<MacPhotoSettings>();
+    return std::make_unique<MacCamera>();
 }
 
 } // namespace sentrel::mac

@@ -1,5 +1,6 @@
-#include "mac/cloud/MacCloudAccount.hpp"
+#include "mac/cloud/Cloud.hpp"
 
+#include "mac/cloud/CloudContainer.hpp"
 #include "mac/cloud/CloudRecords.hpp"
 #include "mac/cloud/CloudRequest.hpp"
 #include "mac/foundation/FoundationText.hpp"
@@ -47,20 +48,33 @@ std::shared_ptr<NameRequest> askForUser(CKContainer* container)
     return request;
 }
 
+/// The account behind a container in iCloud.
+class MacCloudAccount final : public ports::CloudAccount {
+public:
+    explicit MacCloudAccount(std::string containerIdentifier) : container_(std::move(containerIdentifier)) {}
+    [[nodiscard]] Async<ports::CloudAccountStatus> accountStatus() override
+    {
+        const auto request = askForStatus(container_.open());
+        co_await request->finished.wait();
+        co_return request->take();
+    }
+
+    [[nodiscard]] Async<std::optional<std::string>> userRecordName() override
+    {
+        const auto request = askForUser(container_.open());
+        co_await request->finished.wait();
+        co_return request->take();
+    }
+
+private:
+    CloudContainer container_;
+};
+
 } // namespace
 
-Async<ports::CloudAccountStatus> MacCloudAccount::accountStatus()
+std::unique_ptr<ports::CloudAccount> makeCloudAccount(std::string containerIdentifier)
 {
-    const auto request = askForStatus(container_.open());
-    co_await request->finished.wait();
-    co_return request->take();
-}
-
-Async<std::optional<std::string>> MacCloudAccount::userRecordName()
-{
-    const auto request = askForUser(container_.open());
-    co_await request->finished.wait();
-    co_return request->take();
+    return std::make_unique<MacCloudAccount>(std::move(containerIdentifier));
 }
 
 } // namespace sentrel::mac

@@ -1,5 +1,6 @@
-#include "mac/cloud/MacCloudDatabase.hpp"
+#include "mac/cloud/Cloud.hpp"
 
+#include "mac/cloud/CloudContainer.hpp"
 #include "mac/cloud/CloudRecords.hpp"
 #include "mac/cloud/CloudRequest.hpp"
 #include "mac/foundation/FoundationText.hpp"
@@ -212,69 +213,87 @@ CKQueryOperation* queryOperation(const ports::CloudQueryCursor& cursor)
     return [[CKQueryOperation alloc] initWithCursor:static_cast<const MacQueryCursor&>(cursor).native()];
 }
 
+/// The private database of a container in iCloud. Cursors passed in must come from here.
+class MacCloudDatabase final : public ports::CloudDatabase {
+public:
+    explicit MacCloudDatabase(std::string containerIdentifier) : container_(std::move(containerIdentifier)) {}
+    [[nodiscard]] Async<ports::CloudQueryPage> query(ports::CloudQuery query, ports::CloudDesiredKeys desiredKeys,
+                                                     std::size_t resultsLimit) override
+    {
+        const auto request = std::make_shared<PageRequest>();
+        const auto operation = startQuery(database(), queryOperation(query), request, desiredKeys, resultsLimit);
+        co_await request->finished.wait();
+        co_return request->take();
+    }
+
+    [[nodiscard]] Async<ports::CloudQueryPage> continueQuery(std::shared_ptr<const ports::CloudQueryCursor> cursor,
+                                                             ports::CloudDesiredKeys desiredKeys,
+                                                             std::size_t resultsLimit) override
+    {
+        const auto request = std::make_shared<PageRequest>();
+        const auto operation = startQuery(database(), queryOperation(*cursor), request, desiredKeys, resultsLimit);
+        co_await request->finished.wait();
+        co_return request->take();
+    }
+
+    [[nodiscard]] Async<std::map<std::string, ports::CloudRecordResult>>
+    records(std::vector<std::string> names, ports::CloudDesiredKeys desiredKeys) override
+    {
+        const auto request = std::make_shared<FetchRequest>();
+        const auto operation = startFetch(database(), names, desiredKeys, request);
+        co_await request->finished.wait();
+        co_return request->take();
+    }
+
+    [[nodiscard]] Async<ports::CloudModification> modify(std::vector<ports::CloudRecord> save,
+                                                         std::vector<std::string> deleteNames,
+                                                         ports::CloudSavePolicy policy, bool isAtomic) override
+    {
+        const auto request = std::make_shared<ModifyRequest>();
+        const Changes changes{std::move(save), std::move(deleteNames), policy, isAtomic};
+        const auto operation = startModify(database(), changes, request);
+        co_await request->finished.wait();
+        co_return request->take();
+    }
+
+    [[nodiscard]] Async<ports::CloudRecord> record(std::string name) override
+    {
+        const auto request = std::make_shared<FetchRequest>();
+        const auto operation = startFetch(database(), {name}, std::nullopt, request);
+        co_await request->finished.wait();
+        co_return onlyRecord(request->take(), name);
+    }
+
+    [[nodiscard]] Async<ports::CloudRecord> save(ports::CloudRecord record) override
+    {
+        const auto request = std::make_shared<ModifyRequest>();
+        const std::string name = record.name;
+        Changes changes;
+        changes.save.push_back(std::move(record));
+        const auto operation = startModify(database(), changes, request);
+        co_await request->finished.wait();
+        co_return onlyRecord(request->take().saved, name);
+    }
+
+    [[nodiscard]] Async<void> saveSubscription(ports::CloudSubscription subscription) override
+    {
+        const auto request = std::make_shared<SubscriptionRequest>();
+        const auto operation = startSubscription(database(), subscription, request);
+        co_await request->finished.wait();
+        request->take();
+    }
+
+private:
+    [[nodiscard]] CKDatabase* database() { return container_.open().privateCloudDatabase; }
+
+    CloudContainer container_;
+};
+
 } // namespace
 
-Async<CloudQueryPage> MacCloudDatabase::query(ports::CloudQuery query, CloudDesiredKeys desiredKeys,
-                                              std::size_t resultsLimit)
+std::unique_ptr<ports::CloudDatabase> makeCloudDatabase(std::string containerIdentifier)
 {
-    const auto request = std::make_shared<PageRequest>();
-    const auto operation = startQuery(database(), queryOperation(query), request, desiredKeys, resultsLimit);
-    co_await request->finished.wait();
-    co_return request->take();
-}
-
-Async<CloudQueryPage> MacCloudDatabase::continueQuery(std::shared_ptr<const ports::CloudQueryCursor> cursor,
-                                                      CloudDesiredKeys desiredKeys, std::size_t resultsLimit)
-{
-    const auto request = std::make_shared<PageRequest>();
-    const auto operation = startQuery(database(), queryOperation(*cursor), request, desiredKeys, resultsLimit);
-    co_await request->finished.wait();
-    co_return request->take();
-}
-
-Async<RecordResults> MacCloudDatabase::records(std::vector<std::string> names, CloudDesiredKeys desiredKeys)
-{
-    const auto request = std::make_shared<FetchRequest>();
-    const auto operation = startFetch(database(), names, desiredKeys, request);
-    co_await request->finished.wait();
-    co_return request->take();
-}
-
-Async<CloudModification> MacCloudDatabase::modify(std::vector<CloudRecord> save, std::vector<std::string> deleteNames,
-                                                  ports::CloudSavePolicy policy, bool isAtomic)
-{
-    const auto request = std::make_shared<ModifyRequest>();
-    const Changes changes{std::move(save), std::move(deleteNames), policy, isAtomic};
-    const auto operation = startModify(database(), changes, request);
-    co_await request->finished.wait();
-    co_return request->take();
-}
-
-Async<CloudRecord> MacCloudDatabase::record(std::string name)
-{
-    const auto request = std::make_shared<FetchRequest>();
-    const auto operation = startFetch(database(), {name}, std::nullopt, request);
-    co_await request->finished.wait();
-    co_return onlyRecord(request->take(), name);
-}
-
-Async<CloudRecord> MacCloudDatabase::save(CloudRecord record)
-{
-    const auto request = std::make_shared<ModifyRequest>();
-    const std::string name = record.name;
-    Changes changes;
-    changes.save.push_back(std::move(record));
-    const auto operation = startModify(database(), changes, request);
-    co_await request->finished.wait();
-    co_return onlyRecord(request->take().saved, name);
-}
-
-Async<void> MacCloudDatabase::saveSubscription(ports::CloudSubscription subscription)
-{
-    const auto request = std::make_shared<SubscriptionRequest>();
-    const auto operation = startSubscription(database(), subscription, request);
-    co_await request->finished.wait();
-    request->take();
+    return std::make_unique<MacCloudDatabase>(std::move(containerIdentifier));
 }
 
 } // namespace sentrel::mac

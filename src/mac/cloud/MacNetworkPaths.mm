@@ -1,4 +1,4 @@
-#include "mac/cloud/MacNetworkPaths.hpp"
+#include "mac/cloud/Cloud.hpp"
 
 #include "runtime/SerialQueue.hpp"
 
@@ -64,12 +64,21 @@ private:
     const nw_path_monitor_t monitor_ = nw_path_monitor_create();
 };
 
+/// Path monitors of the Network framework.
+class MacNetworkPaths final : public ports::NetworkPaths {
+public:
+    [[nodiscard]] ports::RegistrationPtr monitor(SerialQueue& queue,
+                                                 std::function<void(ports::NetworkPathStatus)> pathChanged) override
+    {
+        return std::make_unique<PathMonitor>(queue, std::move(pathChanged));
+    }
+};
+
 } // namespace
 
-ports::RegistrationPtr MacNetworkPaths::monitor(SerialQueue& queue,
-                                                std::function<void(ports::NetworkPathStatus)> pathChanged)
+std::unique_ptr<ports::NetworkPaths> makeNetworkPaths()
 {
-    return std::make_unique<PathMonitor>(queue, std::move(pathChanged));
+    return std::make_unique<MacNetworkPaths>();
 }
 
 } // namespace sentrel::mac

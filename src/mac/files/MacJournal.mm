@@ -1,4 +1,4 @@
-#include "mac/files/MacJournal.hpp"
+#include "mac/files/Files.hpp"
 
 #include <nlohmann/json.hpp>
 
@@ -17,28 +17,29 @@ struct ToJson {
     OrderedJson operator()(auto value) const { return value; }
 };
 
-} // namespace
+/// The unified log, under the product's own subsystem. Each event is one public line: its name, then its fields as
+/// JSON.
+class MacJournal final : public ports::Journal {
+    void write(std::string_view event, std::initializer_list<Field> fields) override
+    {
+        OrderedJson object = OrderedJson::object();
+        for (const auto& [name, value] : fields) {
+            object[std::string{name}] = std::visit(ToJson{}, value);
+        }
+        std::string line{event};
+        line += ' ';
+        line += object.dump(-1, ' ', false, OrderedJson::error_handler_t::replace);
+        os_log(log_, "%{public}s", line.c_str());
+    }
 
-struct MacJournal::Log {
-    os_log_t native = os_log_create("pelma.Sentrel", "journal");
+    const os_log_t log_ = os_log_create("pelma.Sentrel", "journal");
 };
 
-MacJournal::MacJournal() : log_(std::make_unique<Log>())
-{
-}
+} // namespace
 
-MacJournal::~MacJournal() = default;
-
-void MacJournal::write(std::string_view event, std::initializer_list<Field> fields)
+std::unique_ptr<ports::Journal> makeJournal()
 {
-    OrderedJson object = OrderedJson::object();
-    for (const auto& [name, value] : fields) {
-        object[std::string{name}] = std::visit(ToJson{}, value);
-    }
-    std::string line{event};
-    line += ' ';
-    line += object.dump(-1, ' ', false, OrderedJson::error_handler_t::replace);
-    os_log(log_->native, "%{public}s", line.c_str());
+    return std::make_unique<MacJournal>();
 }
 
 } // namespace sentrel::mac

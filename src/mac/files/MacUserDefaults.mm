@@ -1,82 +1,95 @@
-#include "mac/files/MacUserDefaults.hpp"
+#include "mac/files/Files.hpp"
 
 #include "mac/foundation/FoundationText.hpp"
 
 namespace sentrel::mac {
 
-std::optional<Bytes> MacUserDefaults::data(const std::string& key)
-{
-    const id value = [NSUserDefaults.standardUserDefaults objectForKey:stringObject(key)];
-    if (![value isKindOfClass:[NSData class]]) {
-        return std::nullopt;
+namespace {
+
+/// The application's standard user defaults.
+class MacUserDefaults final : public ports::UserDefaults {
+public:
+    [[nodiscard]] std::optional<Bytes> data(const std::string& key) override
+    {
+        const id value = [NSUserDefaults.standardUserDefaults objectForKey:stringObject(key)];
+        if (![value isKindOfClass:[NSData class]]) {
+            return std::nullopt;
+        }
+        NSData* const data = value;
+        const auto* const first = static_cast<const std::uint8_t*>(data.bytes);
+        return Bytes(first, first + data.length);
     }
-    NSData* const data = value;
-    const auto* const first = static_cast<const std::uint8_t*>(data.bytes);
-    return Bytes(first, first + data.length);
-}
 
-void MacUserDefaults::setData(const std::string& key, BytesView value)
-{
-    NSData* const data = [NSData dataWithBytes:value.data() length:value.size()];
-    [NSUserDefaults.standardUserDefaults setObject:data forKey:stringObject(key)];
-}
-
-std::optional<std::string> MacUserDefaults::text(const std::string& key)
-{
-    // Not stringForKey:, which makes texts of numbers.
-    const id value = [NSUserDefaults.standardUserDefaults objectForKey:stringObject(key)];
-    if (![value isKindOfClass:[NSString class]]) {
-        return std::nullopt;
+    void setData(const std::string& key, BytesView value) override
+    {
+        NSData* const data = [NSData dataWithBytes:value.data() length:value.size()];
+        [NSUserDefaults.standardUserDefaults setObject:data forKey:stringObject(key)];
     }
-    return textOf(static_cast<NSString*>(value));
-}
 
-void MacUserDefaults::setText(const std::string& key, const std::string& value)
-{
-    [NSUserDefaults.standardUserDefaults setObject:stringObject(value) forKey:stringObject(key)];
-}
-
-std::optional<std::vector<std::string>> MacUserDefaults::texts(const std::string& key)
-{
-    NSArray<NSString*>* const array = [NSUserDefaults.standardUserDefaults stringArrayForKey:stringObject(key)];
-    if (array == nil) {
-        return std::nullopt;
+    [[nodiscard]] std::optional<std::string> text(const std::string& key) override
+    {
+        // Not stringForKey:, which makes texts of numbers.
+        const id value = [NSUserDefaults.standardUserDefaults objectForKey:stringObject(key)];
+        if (![value isKindOfClass:[NSString class]]) {
+            return std::nullopt;
+        }
+        return textOf(static_cast<NSString*>(value));
     }
-    std::vector<std::string> texts;
-    texts.reserve(array.count);
-    for (NSString* const element in array) {
-        texts.push_back(textOf(element));
+
+    void setText(const std::string& key, const std::string& value) override
+    {
+        [NSUserDefaults.standardUserDefaults setObject:stringObject(value) forKey:stringObject(key)];
     }
-    return texts;
-}
 
-void MacUserDefaults::setTexts(const std::string& key, const std::vector<std::string>& value)
-{
-    NSMutableArray<NSString*>* const array = [NSMutableArray arrayWithCapacity:value.size()];
-    for (const std::string& text : value) {
-        [array addObject:stringObject(text)];
+    [[nodiscard]] std::optional<std::vector<std::string>> texts(const std::string& key) override
+    {
+        NSArray<NSString*>* const array = [NSUserDefaults.standardUserDefaults stringArrayForKey:stringObject(key)];
+        if (array == nil) {
+            return std::nullopt;
+        }
+        std::vector<std::string> texts;
+        texts.reserve(array.count);
+        for (NSString* const element in array) {
+            texts.push_back(textOf(element));
+        }
+        return texts;
     }
-    [NSUserDefaults.standardUserDefaults setObject:array forKey:stringObject(key)];
-}
 
-std::optional<std::int64_t> MacUserDefaults::integer(const std::string& key)
-{
-    // Not integerForKey:, which makes numbers of texts and zero of everything else.
-    const id value = [NSUserDefaults.standardUserDefaults objectForKey:stringObject(key)];
-    if (![value isKindOfClass:[NSNumber class]]) {
-        return std::nullopt;
+    void setTexts(const std::string& key, const std::vector<std::string>& value) override
+    {
+        NSMutableArray<NSString*>* const array = [NSMutableArray arrayWithCapacity:value.size()];
+        for (const std::string& text : value) {
+            [array addObject:stringObject(text)];
+        }
+        [NSUserDefaults.standardUserDefaults setObject:array forKey:stringObject(key)];
     }
-    return static_cast<NSNumber*>(value).longLongValue;
-}
 
-void MacUserDefaults::setInteger(const std::string& key, std::int64_t value)
-{
-    [NSUserDefaults.standardUserDefaults setInteger:value forKey:stringObject(key)];
-}
+    [[nodiscard]] std::optional<std::int64_t> integer(const std::string& key) override
+    {
+        // Not integerForKey:, which makes numbers of texts and zero of everything else.
+        const id value = [NSUserDefaults.standardUserDefaults objectForKey:stringObject(key)];
+        if (![value isKindOfClass:[NSNumber class]]) {
+            return std::nullopt;
+        }
+        return static_cast<NSNumber*>(value).longLongValue;
+    }
 
-void MacUserDefaults::remove(const std::string& key)
+    void setInteger(const std::string& key, std::int64_t value) override
+    {
+        [NSUserDefaults.standardUserDefaults setInteger:value forKey:stringObject(key)];
+    }
+
+    void remove(const std::string& key) override
+    {
+        [NSUserDefaults.standardUserDefaults removeObjectForKey:stringObject(key)];
+    }
+};
+
+} // namespace
+
+std::unique_ptr<ports::UserDefaults> makeUserDefaults()
 {
-    [NSUserDefaults.standardUserDefaults removeObjectForKey:stringObject(key)];
+    return std::make_unique<MacUserDefaults>();
 }
 
 } // namespace sentrel::mac

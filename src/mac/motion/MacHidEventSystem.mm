@@ -1,4 +1,4 @@
-#include "mac/motion/MacHidEventSystem.hpp"
+#include "mac/motion/Motion.hpp"
 
 #include "mac/foundation/FoundationText.hpp"
 
@@ -127,12 +127,21 @@ private:
     std::function<void(const ports::HidEvent*)> received_;
 };
 
+/// The HID event system through IOKit.
+class MacHidEventSystem final : public ports::HidEventSystem {
+public:
+    [[nodiscard]] std::unique_ptr<ports::HidClient> createClient() override
+    {
+        const id client = CFBridgingRelease(IOHIDEventSystemClientCreate(kCFAllocatorDefault));
+        return client == nil ? nullptr : std::make_unique<Client>(client);
+    }
+};
+
 } // namespace
 
-std::unique_ptr<ports::HidClient> MacHidEventSystem::createClient()
+std::unique_ptr<ports::HidEventSystem> makeHidEventSystem()
 {
-    const id client = CFBridgingRelease(IOHIDEventSystemClientCreate(kCFAllocatorDefault));
-    return client == nil ? nullptr : std::make_unique<Client>(client);
+    return std::make_unique<MacHidEventSystem>();
 }
 
 } // namespace sentrel::mac

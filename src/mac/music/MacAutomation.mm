@@ -1,10 +1,12 @@
-#include "mac/music/MacAutomation.hpp"
+#include "mac/music/Music.hpp"
 
 #include "mac/foundation/FoundationText.hpp"
 #include "mac/foundation/Guarded.hpp"
 
 #import <AppKit/AppKit.h>
 #import <ApplicationServices/ApplicationServices.h>
+
+#include <memory>
 
 namespace sentrel::mac {
 
@@ -24,6 +26,13 @@ std::optional<OSStatus> permissionFor(DescType descriptorType, const std::string
     return status;
 }
 
+/// The script with a limit for each answer that it awaits; by default AppleScript waits two minutes.
+std::string limited(const std::string& source, Duration limit)
+{
+    const auto seconds = std::chrono::ceil<std::chrono::seconds>(limit).count();
+    return "with timeout of " + std::to_string(seconds) + " seconds\n" + source + "\nend timeout";
+}
+
 std::optional<bool> resultOf(const std::string& source)
 {
     NSAppleEventDescriptor* result = nil;
@@ -37,50 +46,84 @@ std::optional<bool> resultOf(const std::string& source)
     return result.booleanValue != 0;
 }
 
+/// Applications as the workspace knows them.
+class MacRunningApplications final : public ports::RunningApplications {
+public:
+    [[nodiscard]] bool isInstalled(const std::string& bundleIdentifier) override
+    {
+        NSWorkspace* const workspace = NSWorkspace.sharedWorkspace;
+        return [workspace URLForApplicationWithBundleIdentifier:stringObject(bundleIdentifier)] != nil;
+    }
+
+    [[nodiscard]] bool isRunning(const std::string& bundleIdentifier) override
+    {
+        NSString* const identifier = stringObject(bundleIdentifier);
+        return [NSRunningApplication runningApplicationsWithBundleIdentifier:identifier].count > 0;
+    }
+};
+
 } // namespace
 
-bool MacRunningApplications::isInstalled(const std::string& bundleIdentifier)
+std::unique_ptr<ports::RunningApplications> makeRunningApplications()
 {
-    NSWorkspace* const workspace = NSWorkspace.sharedWorkspace;
-    return [workspace URLForApplicationWithBundleIdentifier:stringObject(bundleIdentifier)] != nil;
+    return std::make_unique<MacRunningApplications>();
 }
 
-bool MacRunningApplications::isRunning(const std::string& bundleIdentifier)
-{
-    NSString* const identifier = stringObject(bundleIdentifier);
-    return [NSRunningApplication runningApplicationsWithBundleIdentifier:identifier].count > 0;
-}
+namespace {
 
-Async<std::optional<std::int32_t>> MacAutomation::determinePermission(std::uint32_t descriptorType,
-                                                                      std::string bundleIdentifier,
-                                                                      std::uint32_t eventClass, std::uint32_t eventId,
-                                                                      bool askUserIfNeeded)
-{
-    co_return permissionFor(descriptorType, bundleIdentifier, eventClass, eventId, askUserIfNeeded);
-}
-
-Async<std::optional<bool>> MacAutomation::runScript(std::string source)
-{
-    co_return resultOf(source);
-}
-
-bool MacEventPosting::postSystemDefined(const ports::SystemDefinedEvent& event, std::uint32_t tap)
-{
-    NSEvent* const made = [NSEvent otherEventWithType:static_cast<NSEventType>(event.type)
-                                             location:NSMakePoint(0.0, 0.0)
-                                        modifierFlags:event.modifierFlags
-                                            timestamp:0.0
-                                         windowNumber:0
-                                              context:nil
-                                              subtype:event.subtype
-                                                data1:static_cast<NSInteger>(event.data1)
-                                                data2:static_cast<NSInteger>(event.data2)];
-    const CGEventRef native = made.CGEvent;
-    if (native == nullptr) {
-        return false;
+/// Apple Events and AppleScript.
+class MacAutomation final : public ports::Automation {
+public:
+    [[nodiscard]] Async<std::optional<std::int32_t>>
+    determinePermission(std::uint32_t descriptorType, std::string bundleIdentifier, std::uint32_t eventClass,
+                        std::uint32_t eventId, bool askUserIfNeeded) override
+    {
+        co_return permissionFor(descriptorType, bundleIdentifier, eventClass, eventId, askUserIfNeeded);
     }
-    CGEventPost(static_cast<CGEventTapLocation>(tap), native);
-    return true;
+
+    [[nodiscard]] Async<std::optional<bool>> runScript(std::string source, Duration limit) override
+    {
+        co_return resultOf(limited(source, limit));
+    }
+};
+
+} // namespace
+
+std::unique_ptr<ports::Automation> makeAutomation()
+{
+    return std::make_unique<MacAutomation>();
+}
+
+namespace {
+
+/// Events of AppKit, posted through CoreGraphics.
+class MacEventPosting final : public ports::EventPosting {
+public:
+    bool postSystemDefined(const ports::SystemDefinedEvent& event, std::uint32_t tap) override
+    {
+        NSEvent* const made = [NSEvent otherEventWithType:static_cast<NSEventType>(event.type)
+                                                 location:NSMakePoint(0.0, 0.0)
+                                            modifierFlags:event.modifierFlags
+                                                timestamp:0.0
+                                             windowNumber:0
+                                                  context:nil
+                                                  subtype:event.subtype
+                                                    data1:static_cast<NSInteger>(event.data1)
+                                                    data2:static_cast<NSInteger>(event.data2)];
+        const CGEventRef native = made.CGEvent;
+        if (native == nullptr) {
+            return false;
+        }
+        CGEventPost(static_cast<CGEventTapLocation>(tap), native);
+        return true;
+    }
+};
+
+} // namespace
+
+std::unique_ptr<ports::EventPosting> makeEventPosting()
+{
+    return std::make_unique<MacEventPosting>();
 }
 
 } // namespace sentrel::mac

@@ -1,12 +1,15 @@
-#include "mac/security/MacCryptography.hpp"
+#include "mac/security/Security.hpp"
 
 #include "foundation/SecretBytes.hpp"
 
-#include <CommonCrypto/CommonDigest.h>
-#include <CommonCrypto/CommonKeyDerivation.h>
+#import <Security/Security.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <limits>
+
+#include <CommonCrypto/CommonDigest.h>
+#include <CommonCrypto/CommonKeyDerivation.h>
 
 namespace sentrel::mac {
 
@@ -47,19 +50,57 @@ private:
     CC_SHA256_CTX context_;
 };
 
+/// Key derivation and digests by CommonCrypto.
+class MacCryptography final : public ports::Cryptography {
+public:
+    [[nodiscard]] std::int32_t deriveKey(std::uint32_t algorithm, BytesView password, BytesView salt,
+                                         std::uint32_t pseudoRandomFunction, std::uint32_t rounds,
+                                         std::span<std::uint8_t> key) override
+    {
+        return CCKeyDerivationPBKDF(algorithm, reinterpret_cast<const char*>(pointerTo(password)), password.size(),
+                                    pointerTo(salt), salt.size(), pseudoRandomFunction, rounds, key.data(), key.size());
+    }
+
+    [[nodiscard]] std::unique_ptr<ports::Sha256Context> makeSha256Context() override
+    {
+        return std::make_unique<MacSha256Context>();
+    }
+};
+
 } // namespace
 
-std::int32_t MacCryptography::deriveKey(std::uint32_t algorithm, BytesView password, BytesView salt,
-                                        std::uint32_t pseudoRandomFunction, std::uint32_t rounds,
-                                        std::span<std::uint8_t> key)
+std::unique_ptr<ports::Cryptography> makeCryptography()
 {
-    return CCKeyDerivationPBKDF(algorithm, reinterpret_cast<const char*>(pointerTo(password)), password.size(),
-                                pointerTo(salt), salt.size(), pseudoRandomFunction, rounds, key.data(), key.size());
+    return std::make_unique<MacCryptography>();
 }
 
-std::unique_ptr<ports::Sha256Context> MacCryptography::makeSha256Context()
+namespace {
+
+/// The default random source of the Security framework.
+class MacRandom final : public ports::Random {
+public:
+    [[nodiscard]] bool fill(std::span<std::uint8_t> bytes) override
+    {
+        return SecRandomCopyBytes(kSecRandomDefault, bytes.size(), bytes.data()) == errSecSuccess;
+    }
+};
+
+/// The system's general generator.
+class MacGeneralRandom final : public ports::GeneralRandom {
+public:
+    [[nodiscard]] std::uint8_t nextByte() override { return static_cast<std::uint8_t>(arc4random_uniform(256)); }
+};
+
+} // namespace
+
+std::unique_ptr<ports::Random> makeRandom()
 {
-    return std::make_unique<MacSha256Context>();
+    return std::make_unique<MacRandom>();
+}
+
+std::unique_ptr<ports::GeneralRandom> makeGeneralRandom()
+{
+    return std::make_unique<MacGeneralRandom>();
 }
 
 } // namespace sentrel::mac

@@ -1,4 +1,4 @@
-#include "mac/security/MacKeychain.hpp"
+#include "mac/security/Security.hpp"
 
 #include "mac/foundation/FoundationText.hpp"
 #include "mac/security/Signature.hpp"
@@ -81,42 +81,52 @@ NSDictionary* nativeDictionary(const KeychainDictionary& dictionary)
     return native;
 }
 
+/// The user's keychains through the Security framework's item functions.
+class MacKeychain final : public ports::Keychain {
+public:
+    [[nodiscard]] Copied copyMatching(const ports::KeychainDictionary& query) override
+    {
+        @autoreleasepool {
+            CFTypeRef result = nullptr;
+            const OSStatus status = SecItemCopyMatching((__bridge CFDictionaryRef)nativeDictionary(query), &result);
+            const id object = CFBridgingRelease(result);
+            if (status != errSecSuccess || ![object isKindOfClass:[NSData class]]) {
+                return {status, std::nullopt};
+            }
+            NSData* const data = object;
+            return {status, SecretBytes{BytesView{static_cast<const std::uint8_t*>(data.bytes), data.length}}};
+        }
+    }
+
+    [[nodiscard]] std::int32_t add(const ports::KeychainDictionary& attributes) override
+    {
+        @autoreleasepool {
+            return SecItemAdd((__bridge CFDictionaryRef)nativeDictionary(attributes), nullptr);
+        }
+    }
+
+    [[nodiscard]] std::int32_t update(const ports::KeychainDictionary& query,
+                                      const ports::KeychainDictionary& attributesToUpdate) override
+    {
+        @autoreleasepool {
+            return SecItemUpdate((__bridge CFDictionaryRef)nativeDictionary(query),
+                                 (__bridge CFDictionaryRef)nativeDictionary(attributesToUpdate));
+        }
+    }
+
+    std::int32_t remove(const ports::KeychainDictionary& query) override
+    {
+        @autoreleasepool {
+            return SecItemDelete((__bridge CFDictionaryRef)nativeDictionary(query));
+        }
+    }
+};
+
 } // namespace
 
-ports::Keychain::Copied MacKeychain::copyMatching(const KeychainDictionary& query)
+std::unique_ptr<ports::Keychain> makeKeychain()
 {
-    @autoreleasepool {
-        CFTypeRef result = nullptr;
-        const OSStatus status = SecItemCopyMatching((__bridge CFDictionaryRef)nativeDictionary(query), &result);
-        const id object = CFBridgingRelease(result);
-        if (status != errSecSuccess || ![object isKindOfClass:[NSData class]]) {
-            return {status, std::nullopt};
-        }
-        NSData* const data = object;
-        return {status, SecretBytes{BytesView{static_cast<const std::uint8_t*>(data.bytes), data.length}}};
-    }
-}
-
-std::int32_t MacKeychain::add(const KeychainDictionary& attributes)
-{
-    @autoreleasepool {
-        return SecItemAdd((__bridge CFDictionaryRef)nativeDictionary(attributes), nullptr);
-    }
-}
-
-std::int32_t MacKeychain::update(const KeychainDictionary& query, const KeychainDictionary& attributesToUpdate)
-{
-    @autoreleasepool {
-        return SecItemUpdate((__bridge CFDictionaryRef)nativeDictionary(query),
-                             (__bridge CFDictionaryRef)nativeDictionary(attributesToUpdate));
-    }
-}
-
-std::int32_t MacKeychain::remove(const KeychainDictionary& query)
-{
-    @autoreleasepool {
-        return SecItemDelete((__bridge CFDictionaryRef)nativeDictionary(query));
-    }
+    return std::make_unique<MacKeychain>();
 }
 
 } // namespace sentrel::mac

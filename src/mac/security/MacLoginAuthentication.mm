@@ -1,4 +1,4 @@
-#include "mac/security/MacLoginAuthentication.hpp"
+#include "mac/security/Security.hpp"
 
 #include "mac/foundation/FoundationText.hpp"
 
@@ -43,11 +43,20 @@ private:
     LAContext* const context_ = [[LAContext alloc] init];
 };
 
+/// Requests to the LocalAuthentication framework.
+class MacLoginAuthentication final : public ports::LoginAuthentication {
+public:
+    [[nodiscard]] std::unique_ptr<ports::LoginContext> makeContext() override
+    {
+        return std::make_unique<MacLoginContext>();
+    }
+};
+
 } // namespace
 
-std::unique_ptr<ports::LoginContext> MacLoginAuthentication::makeContext()
+std::unique_ptr<ports::LoginAuthentication> makeLoginAuthentication()
 {
-    return std::make_unique<MacLoginContext>();
+    return std::make_unique<MacLoginAuthentication>();
 }
 
 } // namespace sentrel::mac

@@ -1,8 +1,9 @@
-#include "mac/sound/MacAudioEngines.hpp"
+#include "mac/sound/Sound.hpp"
 
 #include "mac/foundation/Guarded.hpp"
 
 #import <AVFAudio/AVFAudio.h>
+#import <AppKit/AppKit.h>
 #import <AudioToolbox/AudioToolbox.h>
 
 #include <utility>
@@ -125,11 +126,32 @@ private:
     AVAudioPlayerNode* const player_ = [[AVAudioPlayerNode alloc] init];
 };
 
+/// Audio engines of AVFAudio.
+class MacAudioEngines final : public ports::AudioEngines {
+public:
+    [[nodiscard]] std::unique_ptr<ports::AudioEngine> makeEngine() override { return std::make_unique<Engine>(); }
+};
+
 } // namespace
 
-std::unique_ptr<ports::AudioEngine> MacAudioEngines::makeEngine()
+std::unique_ptr<ports::AudioEngines> makeAudioEngines()
 {
-    return std::make_unique<Engine>();
+    return std::make_unique<MacAudioEngines>();
+}
+
+namespace {
+
+/// The system's beep through AppKit.
+class MacSystemBeep final : public ports::SystemBeep {
+public:
+    void beep() override { NSBeep(); }
+};
+
+} // namespace
+
+std::unique_ptr<ports::SystemBeep> makeSystemBeep()
+{
+    return std::make_unique<MacSystemBeep>();
 }
 
 } // namespace sentrel::mac

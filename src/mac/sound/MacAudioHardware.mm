@@ -1,4 +1,4 @@
-#include "mac/sound/MacAudioHardware.hpp"
+#include "mac/sound/Sound.hpp"
 
 #include "mac/foundation/FoundationText.hpp"
 
@@ -56,69 +56,82 @@ OSStatus writeValue(AudioObjectId object, const AudioPropertyAddress& address, c
     return AudioObjectSetPropertyData(object, &where, 0, nullptr, sizeof value, &value);
 }
 
+/// The audio objects of CoreAudio.
+class MacAudioHardware final : public ports::AudioHardware {
+public:
+    [[nodiscard]] bool hasProperty(ports::AudioObjectId object, const ports::AudioPropertyAddress& address) override
+    {
+        const AudioObjectPropertyAddress where = native(address);
+        return AudioObjectHasProperty(object, &where) != 0;
+    }
+
+    [[nodiscard]] std::optional<std::uint32_t> readUInt32(ports::AudioObjectId object,
+                                                          const ports::AudioPropertyAddress& address) override
+    {
+        return readValue<std::uint32_t>(object, address);
+    }
+
+    [[nodiscard]] std::optional<float> readFloat32(ports::AudioObjectId object,
+                                                   const ports::AudioPropertyAddress& address) override
+    {
+        return readValue<float>(object, address);
+    }
+
+    [[nodiscard]] std::optional<std::string> readText(ports::AudioObjectId object,
+                                                      const ports::AudioPropertyAddress& address) override
+    {
+        const auto value = readValue<CFStringRef>(object, address);
+        NSString* const text = CFBridgingRelease(value.value_or(nullptr));
+        if (text == nil) {
+            return std::nullopt;
+        }
+        return textOf(text);
+    }
+
+    [[nodiscard]] std::optional<std::vector<ports::AudioObjectId>>
+    readObjectList(ports::AudioObjectId object, const ports::AudioPropertyAddress& address) override
+    {
+        const auto bytes = readBytes(object, address);
+        if (!bytes) {
+            return std::nullopt;
+        }
+        const auto* const first = reinterpret_cast<const AudioObjectId*>(bytes->data());
+        return std::vector<AudioObjectId>(first, first + bytes->size() / sizeof(AudioObjectId));
+    }
+
+    [[nodiscard]] std::optional<std::vector<std::uint32_t>>
+    readBufferChannels(ports::AudioObjectId object, const ports::AudioPropertyAddress& address) override
+    {
+        const auto bytes = readBytes(object, address);
+        if (!bytes || bytes->size() < offsetof(AudioBufferList, mBuffers)) {
+            return std::nullopt;
+        }
+        const auto& list = *reinterpret_cast<const AudioBufferList*>(bytes->data());
+        std::vector<std::uint32_t> channels;
+        for (const AudioBuffer& buffer : std::span(&list.mBuffers[0], list.mNumberBuffers)) {
+            channels.push_back(buffer.mNumberChannels);
+        }
+        return channels;
+    }
+
+    std::int32_t writeUInt32(ports::AudioObjectId object, const ports::AudioPropertyAddress& address,
+                             std::uint32_t value) override
+    {
+        return writeValue(object, address, value);
+    }
+
+    std::int32_t writeFloat32(ports::AudioObjectId object, const ports::AudioPropertyAddress& address,
+                              float value) override
+    {
+        return writeValue(object, address, value);
+    }
+};
+
 } // namespace
 
-bool MacAudioHardware::hasProperty(AudioObjectId object, const AudioPropertyAddress& address)
+std::unique_ptr<ports::AudioHardware> makeAudioHardware()
 {
-    const AudioObjectPropertyAddress where = native(address);
-    return AudioObjectHasProperty(object, &where) != 0;
-}
-
-std::optional<std::uint32_t> MacAudioHardware::readUInt32(AudioObjectId object, const AudioPropertyAddress& address)
-{
-    return readValue<std::uint32_t>(object, address);
-}
-
-std::optional<float> MacAudioHardware::readFloat32(AudioObjectId object, const AudioPropertyAddress& address)
-{
-    return readValue<float>(object, address);
-}
-
-std::optional<std::string> MacAudioHardware::readText(AudioObjectId object, const AudioPropertyAddress& address)
-{
-    const auto value = readValue<CFStringRef>(object, address);
-    NSString* const text = CFBridgingRelease(value.value_or(nullptr));
-    if (text == nil) {
-        return std::nullopt;
-    }
-    return textOf(text);
-}
-
-std::optional<std::vector<AudioObjectId>> MacAudioHardware::readObjectList(AudioObjectId object,
-                                                                           const AudioPropertyAddress& address)
-{
-    const auto bytes = readBytes(object, address);
-    if (!bytes) {
-        return std::nullopt;
-    }
-    const auto* const first = reinterpret_cast<const AudioObjectId*>(bytes->data());
-    return std::vector<AudioObjectId>(first, first + bytes->size() / sizeof(AudioObjectId));
-}
-
-std::optional<std::vector<std::uint32_t>> MacAudioHardware::readBufferChannels(AudioObjectId object,
-                                                                               const AudioPropertyAddress& address)
-{
-    const auto bytes = readBytes(object, address);
-    if (!bytes || bytes->size() < offsetof(AudioBufferList, mBuffers)) {
-        return std::nullopt;
-    }
-    const auto& list = *reinterpret_cast<const AudioBufferList*>(bytes->data());
-    std::vector<std::uint32_t> channels;
-    for (const AudioBuffer& buffer : std::span(&list.mBuffers[0], list.mNumberBuffers)) {
-        channels.push_back(buffer.mNumberChannels);
-    }
-    return channels;
-}
-
-std::int32_t MacAudioHardware::writeUInt32(AudioObjectId object, const AudioPropertyAddress& address,
-                                           std::uint32_t value)
-{
-    return writeValue(object, address, value);
-}
-
-std::int32_t MacAudioHardware::writeFloat32(AudioObjectId object, const AudioPropertyAddress& address, float value)
-{
-    return writeValue(object, address, value);
+    return std::make_unique<MacAudioHardware>();
 }
 
 } // namespace sentrel::mac

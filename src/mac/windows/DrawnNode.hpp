@@ -52,6 +52,11 @@ public:
     /// Gives the keyboard to nodes in the subtree that ask for it; the last wins.
     void applyFocus();
 
+    /// Visits this node of the given identity and all inside it: with its outermost view, and with the control that has
+    /// the keyboard and that screen readers name.
+    using Visit = std::function<void(const std::string& identity, NSView* outer, NSView* control)>;
+    void visit(const std::string& identity, const Visit& visitor);
+
 protected:
     explicit DrawnNode(NSView* view);
 

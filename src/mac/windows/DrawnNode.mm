@@ -161,6 +161,12 @@ void DrawnNode::applyFocus()
     eachChild([](DrawnNode& child) { child.applyFocus(); });
 }
 
+void DrawnNode::visit(const std::string& identity, const Visit& visitor)
+{
+    visitor(identity, outer_, control());
+    eachChild([&](DrawnNode& child) { child.visit(ui::identityInside(identity, child.step()), visitor); });
+}
+
 void DrawnChildren::show(const std::vector<ui::View>& children, const Surroundings& surroundings)
 {
     auto before = std::exchange(nodes_, {});

@@ -1,8 +1,8 @@
-#include "mac/windows/MacStatusBar.hpp"
+#include "mac/windows/Windows.hpp"
 
 #include "mac/foundation/FoundationText.hpp"
-#include "mac/windows/MacWindows.hpp"
 #include "mac/windows/MenuPanel.hpp"
+#include "mac/windows/Windows.hpp"
 
 #include <functional>
 #include <utility>
@@ -99,11 +99,20 @@ private:
     SentrelStatusItemTarget* const target_ = [[SentrelStatusItemTarget alloc] init];
 };
 
+/// The system's menu bar.
+class MacStatusBar final : public ports::StatusBar {
+public:
+    [[nodiscard]] std::unique_ptr<ports::StatusItem> makeStatusItem() override
+    {
+        return std::make_unique<MacStatusItem>();
+    }
+};
+
 } // namespace
 
-std::unique_ptr<ports::StatusItem> MacStatusBar::makeStatusItem()
+std::unique_ptr<ports::StatusBar> makeStatusBar()
 {
-    return std::make_unique<MacStatusItem>();
+    return std::make_unique<MacStatusBar>();
 }
 
 } // namespace sentrel::mac

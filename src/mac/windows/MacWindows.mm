@@ -1,4 +1,4 @@
-#include "mac/windows/MacWindows.hpp"
+#include "mac/windows/Windows.hpp"
 
 #include "mac/foundation/FoundationText.hpp"
 #include "mac/windows/Appearance.hpp"
@@ -236,20 +236,31 @@ private:
     SentrelWindowDelegate* delegate_ = nil;
 };
 
+/// Screens and windows of AppKit.
+class MacWindows final : public ports::Windows {
+public:
+    [[nodiscard]] std::vector<ports::Screen> screens() override
+    {
+        std::vector<ports::Screen> screens;
+        for (NSScreen* const screen in NSScreen.screens) {
+            screens.push_back({numberOf(screen), rectangleOf(screen.frame)});
+        }
+        return screens;
+    }
+
+    [[nodiscard]] std::int64_t shieldingLevel() override { return CGShieldingWindowLevel(); }
+
+    [[nodiscard]] std::unique_ptr<ports::Window> makeWindow(const ports::WindowDescription& description) override
+    {
+        return std::make_unique<MacWindow>(description);
+    }
+};
+
 } // namespace
 
-std::vector<ports::Screen> MacWindows::screens()
+std::unique_ptr<ports::Windows> makeWindows()
 {
-    std::vector<ports::Screen> screens;
-    for (NSScreen* const screen in NSScreen.screens) {
-        screens.push_back({numberOf(screen), rectangleOf(screen.frame)});
-    }
-    return screens;
-}
-
-std::int64_t MacWindows::shieldingLevel()
-{
-    return CGShieldingWindowLevel();
+    return std::make_unique<MacWindows>();
 }
 
 bool isScreenShielded()
@@ -260,11 +271,6 @@ bool isScreenShielded()
         }
     }
     return false;
-}
-
-std::unique_ptr<ports::Window> MacWindows::makeWindow(const ports::WindowDescription& description)
-{
-    return std::make_unique<MacWindow>(description);
 }
 
 } // namespace sentrel::mac

@@ -1,6 +1,6 @@
 #include "mac/windows/MainMenu.hpp"
 
-#include "mac/windows/MacWindows.hpp"
+#include "mac/windows/Windows.hpp"
 
 #include <initializer_list>
 

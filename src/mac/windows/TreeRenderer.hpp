@@ -24,6 +24,9 @@ public:
     /// The tree that is shown; null before the first.
     [[nodiscard]] std::shared_ptr<const ui::View> content() const { return content_; }
 
+    /// Visits the drawn nodes by their identities. No effect before the first tree.
+    void visit(const DrawnNode::Visit& visitor);
+
 private:
     __weak NSView* container_;
     std::shared_ptr<const ui::View> content_;

@@ -34,6 +34,13 @@ void TreeRenderer::render(ui::View content)
     windowChanged();
 }
 
+void TreeRenderer::visit(const DrawnNode::Visit& visitor)
+{
+    if (root_) {
+        root_->visit("", visitor);
+    }
+}
+
 void TreeRenderer::windowChanged()
 {
     if (!root_) {

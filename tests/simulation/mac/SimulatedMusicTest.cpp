@@ -59,7 +59,7 @@ struct MusicTest : testing::Test {
     /// What the script answers at once.
     std::string script(std::string source)
     {
-        const auto answer = start(app.runScript(std::move(source)));
+        const auto answer = start(app.runScript(std::move(source), 5s));
         if (!*answer) {
             return "no answer";
         }

@@ -19,7 +19,7 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 
 /// Hears the story.
-class Listener final : public Audience {
+class PlayListener final : public Audience {
 public:
     void happened(const Event& event) override { story.tell(event); }
     void willPerform(double at, const Step&, const Action& action) override { story.perform(at, action); }
@@ -46,7 +46,7 @@ protected:
 
     TemporaryFolder folder;
     std::optional<std::filesystem::path> out;
-    Listener listener;
+    PlayListener listener;
 };
 
 TEST_F(CloudScenarios, WhatICloudAnswersDuringTheQuitDoesNoHarm)

@@ -6,7 +6,6 @@
 
 #include <atomic>
 #include <cstdint>
-#include <stdexcept>
 
 namespace sentrel::simulation {
 
@@ -22,14 +21,15 @@ public:
         }
     }
 
-    /// Throws where AppKit raises an exception.
-    void setPresentationOptions(std::uint64_t options) override
+    /// Refuses all options without a hidden Dock, as AppKit does.
+    bool setPresentationOptions(std::uint64_t options) override
     {
         faults_.call("setPresentationOptions");
         if (options != ports::defaultPresentation && (options & ports::hidesDock) == 0) {
-            throw std::invalid_argument{"these presentation options need the Dock hidden"};
+            return false;
         }
         options_ = options;
+        return true;
     }
 
     /// While refused, the application in front keeps its place, as it may when the person is using it.

@@ -4,6 +4,7 @@
 #include "runtime/Sleep.hpp"
 #include "simulation/Events.hpp"
 
+#include <algorithm>
 #include <utility>
 
 namespace sentrel::simulation {
@@ -83,14 +84,20 @@ Async<std::int32_t> SimulatedMusic::askOwner()
     co_return consent() == Consent::granted ? noErr : errAEEventNotPermitted;
 }
 
-Async<std::optional<bool>> SimulatedMusic::runScript(std::string source)
+Async<std::optional<bool>> SimulatedMusic::runScript(std::string source, Duration limit)
 {
     co_await faults_.awaitedCall("runScript");
+    Duration delay{};
     if (faults_.strikes("script-hangs")) {
-        co_await never_.wait();
+        delay = Duration::max();
+    } else if (faults_.strikes("script-slow")) {
+        delay = scriptDelay();
     }
-    if (faults_.strikes("script-slow")) {
-        co_await sleepFor(scriptDelay());
+    if (delay > Duration::zero()) {
+        co_await sleepFor(std::min(delay, limit));
+    }
+    if (delay > limit) {
+        co_return std::nullopt;
     }
     if (faults_.strikes("script")) {
         co_return std::nullopt;

@@ -2,7 +2,6 @@
 
 #include "ports/Automation.hpp"
 #include "ports/Journal.hpp"
-#include "runtime/Semaphore.hpp"
 #include "runtime/Time.hpp"
 #include "simulation/FaultSwitches.hpp"
 
@@ -32,8 +31,8 @@ public:
                         std::uint32_t eventId, bool askUserIfNeeded) override;
 
     /// Understands two scripts for "Music": the playing test and the pause command. Others are syntax errors. Fails
-    /// without consent and if the app isn't running.
-    [[nodiscard]] Async<std::optional<bool>> runScript(std::string source) override;
+    /// without consent and if the app isn't running, and after the limit.
+    [[nodiscard]] Async<std::optional<bool>> runScript(std::string source, Duration limit) override;
 
     /// Actions of the user; `play` also opens the app.
     void play();
@@ -57,7 +56,8 @@ public:
     void setScriptDelay(Duration delay);
 
     /// `not-installed`: the app isn't found. `descriptor`: no Apple Event target can be made. `consent`: the owner
-    /// answers no. `script` fails without an effect, `script-slow` answers late, `script-hangs` never answers.
+    /// answers no. `script` fails without an effect, `script-slow` answers late, `script-hangs` gives no answer within
+    /// any limit.
     [[nodiscard]] FaultSwitches& faults() { return faults_; }
 
 private:
@@ -74,7 +74,6 @@ private:
     Consent consent_ = Consent::undetermined;
     Duration consentDelay_{};
     Duration scriptDelay_ = std::chrono::seconds{2};
-    Semaphore never_; // never signalled: waiters get no answer
 };
 
 } // namespace sentrel::simulation

@@ -1,0 +1,178 @@
+#include "mac/power/Power.hpp"
+
+#include "mac/foundation/FoundationText.hpp"
+
+#import <Foundation/Foundation.h>
+#import <IOKit/IOKitLib.h>
+#import <IOKit/ps/IOPowerSources.h>
+#import <IOKit/pwr_mgt/IOPMLib.h>
+
+#include <utility>
+
+namespace sentrel::mac {
+
+namespace {
+
+/// The value if it is an object of this class, otherwise nil.
+template <class Class> Class* as(id value)
+{
+    return [value isKindOfClass:[Class class]] ? static_cast<Class*>(value) : nil;
+}
+
+class Snapshot final : public ports::PowerSourcesSnapshot {
+public:
+    explicit Snapshot(id info)
+        : info_(info), list_(as<NSArray>(CFBridgingRelease(IOPSCopyPowerSourcesList((__bridge CFTypeRef)info))))
+    {
+    }
+
+    [[nodiscard]] std::optional<std::size_t> count() const override
+    {
+        if (list_ == nil) {
+            return std::nullopt;
+        }
+        return list_.count;
+    }
+
+    [[nodiscard]] std::optional<std::string> text(std::size_t source, std::string_view key) const override
+    {
+        const CFDictionaryRef description =
+            IOPSGetPowerSourceDescription((__bridge CFTypeRef)info_, (__bridge CFTypeRef)list_[source]);
+        NSDictionary* const entries = as<NSDictionary>((__bridge id)description);
+        NSString* const value = as<NSString>(entries[stringObject(key)]);
+        if (value == nil) {
+            return std::nullopt;
+        }
+        return textOf(value);
+    }
+
+private:
+    const id info_;
+    NSArray* const list_;
+};
+
+/// A source in the main run loop. Made, called and destroyed on the main thread.
+class ChangeRegistration final : public ports::Registration {
+public:
+    explicit ChangeRegistration(std::function<void()> changed)
+        : changed_(std::move(changed)), source_(IOPSNotificationCreateRunLoopSource(&notify, this))
+    {
+        if (source_ != nullptr) {
+            CFRunLoopAddSource(CFRunLoopGetMain(), source_, kCFRunLoopDefaultMode);
+        }
+    }
+
+    ~ChangeRegistration() override
+    {
+        if (source_ != nullptr) {
+            CFRunLoopRemoveSource(CFRunLoopGetMain(), source_, kCFRunLoopDefaultMode);
+            CFRelease(source_);
+        }
+    }
+
+    [[nodiscard]] bool isMade() const { return source_ != nullptr; }
+
+private:
+    static void notify(void* context)
+    {
+        // A copy, because the callback may end the registration.
+        const auto changed = static_cast<ChangeRegistration*>(context)->changed_;
+        changed();
+    }
+
+    const std::function<void()> changed_;
+    const CFRunLoopSourceRef source_;
+};
+
+/// The power sources through IOKit.
+class MacPowerSources final : public ports::PowerSources {
+public:
+    [[nodiscard]] std::unique_ptr<ports::PowerSourcesSnapshot> copySnapshot() override
+    {
+        const id info = CFBridgingRelease(IOPSCopyPowerSourcesInfo());
+        return info == nil ? nullptr : std::make_unique<Snapshot>(info);
+    }
+
+    [[nodiscard]] ports::RegistrationPtr observeChanges(std::function<void()> changed) override
+    {
+        auto registration = std::make_unique<ChangeRegistration>(std::move(changed));
+        return registration->isMade() ? std::move(registration) : nullptr;
+    }
+};
+
+} // namespace
+
+std::unique_ptr<ports::PowerSources> makePowerSources()
+{
+    return std::make_unique<MacPowerSources>();
+}
+
+namespace {
+
+/// Power-management assertions through IOKit.
+class MacPowerAssertions final : public ports::PowerAssertions {
+public:
+    [[nodiscard]] Created create(const std::string& type, std::uint32_t level, const std::string& name) override
+    {
+        IOPMAssertionID id = 0;
+        const IOReturn status = IOPMAssertionCreateWithName((__bridge CFStringRef)stringObject(type), level,
+                                                            (__bridge CFStringRef)stringObject(name), &id);
+        return {status, id};
+    }
+
+    std::int32_t release(std::uint32_t id) override { return IOPMAssertionRelease(id); }
+};
+
+} // namespace
+
+std::unique_ptr<ports::PowerAssertions> makePowerAssertions()
+{
+    return std::make_unique<MacPowerAssertions>();
+}
+
+namespace {
+
+/// The first service of the class, which the caller releases; null when there is none.
+io_service_t firstService(const std::string& serviceClass)
+{
+    io_iterator_t iterator = IO_OBJECT_NULL;
+    // The call consumes the matching dictionary.
+    const kern_return_t status =
+        IOServiceGetMatchingServices(kIOMainPortDefault, IOServiceMatching(serviceClass.c_str()), &iterator);
+    if (status != KERN_SUCCESS) {
+        return IO_OBJECT_NULL;
+    }
+    const io_service_t service = IOIteratorNext(iterator);
+    IOObjectRelease(iterator);
+    return service;
+}
+
+/// The I/O registry.
+class MacDeviceRegistry final : public ports::DeviceRegistry {
+public:
+    [[nodiscard]] std::optional<std::int64_t> number(const std::string& serviceClass,
+                                                     const std::string& property) override
+    {
+        const io_service_t service = firstService(serviceClass);
+        if (service == IO_OBJECT_NULL) {
+            return std::nullopt;
+        }
+        const id value = CFBridgingRelease(IORegistryEntryCreateCFProperty(
+            service, (__bridge CFStringRef)stringObject(property), kCFAllocatorDefault, 0));
+        IOObjectRelease(service);
+        // A Boolean is a number object, too.
+        if (![value isKindOfClass:[NSNumber class]]) {
+            return std::nullopt;
+        }
+        return static_cast<NSNumber*>(value).longLongValue;
+    }
+};
+
+} // namespace
+
+std::unique_ptr<ports::DeviceRegistry> makeDeviceRegistry()
+{
+    return std::make_unique<MacDeviceRegistry>();
+}
+
+} // namespace sentrel::mac
