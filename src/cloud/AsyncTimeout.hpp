@@ -82,10 +82,12 @@ public:
     }
 
 private:
-    /// A cancelled sleep ends the timer silently: a task's error reaches only its awaiter.
     template <class T> static Async<void> expire(std::shared_ptr<Race<T>> race, Task<T> operation, Duration timeout)
     {
-        co_await sleepFor(timeout);
+        const bool hasElapsed = co_await elapse(timeout);
+        if (!hasElapsed) {
+            co_return;
+        }
         race->finish(std::make_exception_ptr(TimedOut{}));
         operation.cancel();
     }

@@ -8,20 +8,21 @@
 
 namespace sentrel {
 
-/// A main-actor task that calls the object's method, unless the object has died before its turn.
-template <class T> Async<void> callIfAlive(Weak<T> weak, void (T::*method)())
+/// Calls the object's method on the main thread's next turn, unless the object has died before. Any thread.
+template <class T> void callIfAlive(MainActor mainActor, Weak<T> weak, void (T::*method)())
 {
-    if (T* const object = weak.get()) {
-        (object->*method)();
-    }
-    co_return;
+    mainActor.post([weak = std::move(weak), method] {
+        if (T* const object = weak.get()) {
+            (object->*method)();
+        }
+    });
 }
 
-/// A callback for timers and notifications that doesn't keep its owner alive: each call starts a main-actor task that
-/// calls the method if the owner still lives. Callable on any thread.
+/// A callback for timers and notifications that doesn't keep its owner alive: each call is a `callIfAlive`. Callable on
+/// any thread.
 template <class T> std::function<void()> weakCall(MainActor mainActor, Weak<T> weak, void (T::*method)())
 {
-    return [mainActor, weak = std::move(weak), method] { mainActor.spawn(callIfAlive(weak, method)); };
+    return [mainActor, weak = std::move(weak), method] { callIfAlive(mainActor, weak, method); };
 }
 
 } // namespace sentrel

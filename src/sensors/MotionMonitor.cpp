@@ -46,7 +46,11 @@ void MotionMonitor::start(double sensitivity)
         return;
     }
     auto onSample = [mainActor = mainActor_, weak = anchor_.weak()](double x, double y, double z) {
-        mainActor.spawn(process(weak, AccelerationSample{x, y, z}));
+        mainActor.post([weak, sample = AccelerationSample{x, y, z}] {
+            if (MotionMonitor* const monitor = weak.get()) {
+                monitor->process(sample);
+            }
+        });
     };
     auto handler = std::make_unique<AccelerometerEventHandler>(mainActor_.scheduler(), events_, std::move(onSample));
     if (!handler->start(appleVendorPage, accelerometerUsage, reportInterval)) {
@@ -64,14 +68,6 @@ void MotionMonitor::stop()
         handler_.reset();
     }
     detector_.forgetBaseline();
-}
-
-Async<void> MotionMonitor::process(Weak<MotionMonitor> weak, AccelerationSample sample)
-{
-    if (MotionMonitor* const monitor = weak.get()) {
-        monitor->process(sample);
-    }
-    co_return;
 }
 
 void MotionMonitor::process(const AccelerationSample& sample)

@@ -39,7 +39,6 @@ public:
     [[nodiscard]] static bool probeAvailability(ports::HidEventSystem& events);
 
 private:
-    static Async<void> process(Weak<MotionMonitor> weak, AccelerationSample sample);
     void process(const AccelerationSample& sample);
 
     MainActor mainActor_;
