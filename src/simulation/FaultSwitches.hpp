@@ -4,10 +4,9 @@
 #include "runtime/Semaphore.hpp"
 #include "simulation/PortCalls.hpp"
 
+#include <atomic>
 #include <functional>
 #include <initializer_list>
-#include <map>
-#include <mutex>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -46,14 +45,19 @@ public:
     void onSet(std::function<void()> wasSet) { wasSet_ = std::move(wasSet); }
 
 private:
+    struct Fault {
+        std::string name;
+        std::atomic<int> remaining = 0; // uses; negative: until healed
+    };
+
+    [[nodiscard]] Fault* find(std::string_view name);
     [[nodiscard]] PortCalls::Fate fateOf(std::string_view operation);
 
     PortCalls* calls_ = nullptr;
     std::string port_;
     std::function<void()> wasSet_;
-    Semaphore never_; // never signalled
-    mutable std::mutex mutex_;
-    std::map<std::string, int, std::less<>> remaining_;
+    Semaphore never_;           // never signalled
+    std::vector<Fault> faults_; // by name; read at every call of every port, so without a lock
 };
 
 } // namespace sentrel::simulation
