@@ -298,12 +298,13 @@ void MacAlertsService::noteUploaded(const UUID& id)
     slow_.erase(id);
     refused_.erase(id);
     retryDelay_ = {}; // uploads work again
-    std::vector<AlertRow> rows = *alerts.get();
-    const auto row = std::ranges::find_if(rows, [&id](const AlertRow& other) { return other.alert.id == id; });
-    if (row != rows.end()) {
-        row->storageLocation = AlertStorageLocation::cloud;
+    const auto shown = std::ranges::find_if(*alerts.get(), [&id](const AlertRow& row) { return row.alert.id == id; });
+    const auto place = static_cast<std::size_t>(shown - alerts.get()->begin());
+    if (shown != alerts.get()->end() && shown->storageLocation != AlertStorageLocation::cloud) {
+        std::vector<AlertRow> rows = takeRows();
+        rows[place].storageLocation = AlertStorageLocation::cloud;
+        publish(std::move(rows));
     }
-    publish(std::move(rows));
     refreshStorageNotice();
     if (uploader_.discarded().contains(id)) {
         deletions_.start(); // the alert was deleted during its upload

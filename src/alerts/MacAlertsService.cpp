@@ -54,7 +54,7 @@ private:
 
 MacAlertsService::MacAlertsService(MainActor actor, CloudKitService& cloud, LocalAlertStore& localStore,
                                    AlertUploader& uploader, std::function<void()> uploadsCaughtUp, Ports ports)
-    : alerts(std::make_shared<const std::vector<AlertRow>>()),
+    : alerts(std::make_shared<std::vector<AlertRow>>()),
       actor_(actor),
       cloud_(cloud),
       localStore_(localStore),
@@ -91,9 +91,7 @@ void MacAlertsService::merge(const StoredAlert& stored)
     if (uploader_.discarded().contains(stored.alert.id) || holds(stored.alert.id)) {
         return;
     }
-    std::vector<AlertRow> rows;
-    rows.reserve(alerts.get()->size() + 1);
-    rows = *alerts.get();
+    std::vector<AlertRow> rows = takeRows();
     insertInOrder(rows, {stored.alert, locationOf(stored)});
     publish(std::move(rows));
     refreshStorageNotice();
@@ -213,8 +211,19 @@ void MacAlertsService::userDidChange()
 void MacAlertsService::publish(std::vector<AlertRow> rows)
 {
     if (*alerts.get() != rows) {
-        alerts = std::make_shared<const std::vector<AlertRow>>(std::move(rows));
+        alerts = std::make_shared<std::vector<AlertRow>>(std::move(rows));
     }
+}
+
+/// The rows, for a change that is then published: moved out of a list that no view holds, else copied. Every alert
+/// would otherwise copy thousands of others.
+std::vector<AlertRow> MacAlertsService::takeRows()
+{
+    const AlertList& list = alerts.get();
+    if (list.use_count() > 1) {
+        return *list;
+    }
+    return std::move(*std::const_pointer_cast<std::vector<AlertRow>>(list));
 }
 
 void MacAlertsService::refreshStorageNotice()

@@ -110,6 +110,7 @@ private:
     void apply(const CloudAnswer& answer, std::vector<StoredAlert> local);
     [[nodiscard]] std::vector<AlertEvent> cloudAlerts(bool isFresh);
     void publish(std::vector<AlertRow> rows);
+    [[nodiscard]] std::vector<AlertRow> takeRows();
     [[nodiscard]] std::optional<std::string> storageNotice();
     [[nodiscard]] std::unordered_set<UUID> waitingIDs();
     void noteUploaded(const UUID& id);

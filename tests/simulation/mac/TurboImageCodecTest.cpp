@@ -29,9 +29,9 @@ Bytes readFile(const std::filesystem::path& file)
     return {std::istreambuf_iterator<char>{in}, {}};
 }
 
-using Row = std::map<std::string, std::string>;
+using TagRow = std::map<std::string, std::string>;
 
-std::vector<Row> readTable(const std::filesystem::path& file)
+std::vector<TagRow> readTable(const std::filesystem::path& file)
 {
     const auto cells = [](const std::string& line) {
         std::vector<std::string> parts;
@@ -45,10 +45,10 @@ std::vector<Row> readTable(const std::filesystem::path& file)
     std::string line;
     std::getline(in, line);
     const auto names = cells(line);
-    std::vector<Row> rows;
+    std::vector<TagRow> rows;
     while (std::getline(in, line)) {
         const auto values = cells(line);
-        Row row;
+        TagRow row;
         for (std::size_t i = 0; i < std::min(names.size(), values.size()); ++i) {
             row[names[i]] = values[i];
         }
