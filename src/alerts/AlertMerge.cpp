@@ -8,12 +8,39 @@ namespace sentrel {
 namespace {
 
 /// A total order, since decoders admit only finite dates.
+template <class Dated> bool isNewerAlert(const Dated& left, const Dated& right)
+{
+    if (left.timestamp != right.timestamp) {
+        return left.timestamp > right.timestamp;
+    }
+    return left.id < right.id;
+}
+
 bool isNewerRow(const AlertRow& left, const AlertRow& right)
 {
-    if (left.alert.timestamp != right.alert.timestamp) {
-        return left.alert.timestamp > right.alert.timestamp;
+    return isNewerAlert(left.alert, right.alert);
+}
+
+/// Sorts what decides, and then moves each row once: a row is four times as large, and sorting moves each many times.
+std::vector<AlertRow> newestFirst(std::vector<AlertRow> rows)
+{
+    struct Place {
+        Date timestamp;
+        UUID id;
+        std::size_t row = 0;
+    };
+    std::vector<Place> places;
+    places.reserve(rows.size());
+    for (const AlertRow& row : rows) {
+        places.push_back({row.alert.timestamp, row.alert.id, places.size()});
     }
-    return left.alert.id < right.alert.id;
+    std::ranges::sort(places, isNewerAlert<Place>);
+    std::vector<AlertRow> sorted;
+    sorted.reserve(rows.size());
+    for (const Place& place : places) {
+        sorted.push_back(std::move(rows[place.row]));
+    }
+    return sorted;
 }
 
 std::unordered_set<UUID> heldByBoth(const std::vector<AlertEvent>& cloud, const std::vector<StoredAlert>& local)
@@ -52,7 +79,7 @@ MergedAlerts mergedAlerts(std::vector<AlertEvent> cloud, std::vector<StoredAlert
             rows.push_back({std::move(stored.alert), location});
         }
     }
-    std::ranges::sort(rows, isNewerRow);
+    rows = newestFirst(std::move(rows));
     return merged;
 }
 

@@ -51,7 +51,7 @@ private:
 
 MacAlertsService::MacAlertsService(MainActor actor, CloudKitService& cloud, LocalAlertStore& localStore,
                                    AlertUploader& uploader, std::function<void()> uploadsCaughtUp, Ports ports)
-    : alerts(std::make_shared<const std::vector<AlertRow>>()),
+    : alerts(std::make_shared<std::vector<AlertRow>>()),
       actor_(actor),
       cloud_(cloud),
       uploadsCaughtUp_(std::move(uploadsCaughtUp)),
@@ -79,9 +79,7 @@ void MacAlertsService::merge(const StoredAlert& stored)
     if (outbox_.isDeleted(stored.alert.id) || holds(stored.alert.id)) {
         return;
     }
-    std::vector<AlertRow> rows;
-    rows.reserve(alerts.get()->size() + 1);
-    rows = *alerts.get();
+    std::vector<AlertRow> rows = takeRows();
     insertInOrder(rows, {stored.alert, locationOf(stored)});
     publish(std::move(rows));
     refreshStorageNotice();
@@ -187,14 +185,22 @@ void MacAlertsService::attemptEnded(const UUID& id, AlertUploader::Outcome outco
 {
     iCloudStorageIsFull = outcome == AlertUploader::Outcome::storageFull;
     if (outcome == AlertUploader::Outcome::uploaded) {
-        std::vector<AlertRow> rows = *alerts.get();
-        const auto row = std::ranges::find_if(rows, [&id](const AlertRow& other) { return other.alert.id == id; });
-        if (row != rows.end()) {
-            row->storageLocation = AlertStorageLocation::cloud;
-        }
-        publish(std::move(rows));
+        showInCloud(id);
     }
     refreshStorageNotice();
+}
+
+void MacAlertsService::showInCloud(const UUID& id)
+{
+    const auto& shown = *alerts.get();
+    const auto row = std::ranges::find_if(shown, [&id](const AlertRow& other) { return other.alert.id == id; });
+    if (row == shown.end() || row->storageLocation == AlertStorageLocation::cloud) {
+        return;
+    }
+    const auto place = static_cast<std::size_t>(row - shown.begin());
+    std::vector<AlertRow> rows = takeRows();
+    rows[place].storageLocation = AlertStorageLocation::cloud;
+    publish(std::move(rows));
 }
 
 void MacAlertsService::subtractThoseInCloud(std::unordered_set<UUID>& ids) const
@@ -216,8 +222,19 @@ void MacAlertsService::userDidChange()
 void MacAlertsService::publish(std::vector<AlertRow> rows)
 {
     if (*alerts.get() != rows) {
-        alerts = std::make_shared<const std::vector<AlertRow>>(std::move(rows));
+        alerts = std::make_shared<std::vector<AlertRow>>(std::move(rows));
     }
+}
+
+/// The rows, for a change that is then published: moved out of a list that no view holds, else copied. Every alert
+/// would otherwise copy thousands of others.
+std::vector<AlertRow> MacAlertsService::takeRows()
+{
+    const AlertList& list = alerts.get();
+    if (list.use_count() > 1) {
+        return *list;
+    }
+    return std::move(*std::const_pointer_cast<std::vector<AlertRow>>(list));
 }
 
 void MacAlertsService::refreshStorageNotice()

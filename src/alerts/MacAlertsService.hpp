@@ -89,6 +89,8 @@ private:
     [[nodiscard]] Duration longestRefresh() const;
     void apply(const CloudAnswer& answer, std::vector<StoredAlert> local);
     void publish(std::vector<AlertRow> rows);
+    void showInCloud(const UUID& id);
+    [[nodiscard]] std::vector<AlertRow> takeRows();
     [[nodiscard]] std::optional<std::string> storageNotice();
 
     [[nodiscard]] bool isLoaded() const override { return hasLoadedInitialAlerts; }

@@ -59,7 +59,17 @@ std::optional<AlertMap> alertsMember(const Json& document)
 
 } // namespace
 
-std::string encodeAlertCache(const AlertCacheContents& contents)
+void AlertCacheEncoder::put(const AlertEvent& alert)
+{
+    std::string& text = texts_[alert.id];
+    try {
+        text = encodeJson(encodeAlertEvent(alert));
+    } catch (const JsonEncodingError&) {
+        text.clear();
+    }
+}
+
+std::string AlertCacheEncoder::document(const AlertCacheContents& contents) const
 {
     Json document = Json::object();
     document["version"] = formatVersion;
@@ -72,15 +82,31 @@ std::string encodeAlertCache(const AlertCacheContents& contents)
     std::string text = encodeJson(document);
     text.back() = ',';
     text += "\"alerts\":[";
-    // Encoded one by one: thousands of alerts are too many to hold as one document.
-    for (const auto& [id, alert] : contents.alerts) {
-        text += encodeJson(encodeAlertEvent(alert));
+    std::size_t length = text.size() + 2;
+    for (const auto& [id, alert] : texts_) {
+        length += alert.size() + 1;
+    }
+    text.reserve(length);
+    for (const auto& [id, alert] : texts_) {
+        if (alert.empty()) {
+            throw JsonEncodingError{"an alert's date isn't finite"};
+        }
+        text += alert;
         text += ',';
     }
     if (text.back() == ',') {
         text.pop_back();
     }
     return text += "]}";
+}
+
+std::string encodeAlertCache(const AlertCacheContents& contents)
+{
+    AlertCacheEncoder encoder;
+    for (const auto& [id, alert] : contents.alerts) {
+        encoder.put(alert);
+    }
+    return encoder.document(contents);
 }
 
 std::optional<AlertCacheContents> decodeAlertCache(BytesView file)

@@ -33,8 +33,24 @@ struct AlertCacheContents {
     friend bool operator==(const AlertCacheContents&, const AlertCacheContents&) = default;
 };
 
-/// The cache file: {"version": 1, "owner", "isComplete", "catalogAdditions", "catalogRemovals", "alerts"}. Throws
-/// `JsonEncodingError` for a date that isn't finite.
+/// Encodes the cache file again and again. It remembers each alert's text, so that a save encodes only what has
+/// changed.
+class AlertCacheEncoder {
+public:
+    /// Adds or replaces an alert.
+    void put(const AlertEvent& alert);
+    void erase(const UUID& id) { texts_.erase(id); }
+    void eraseAll() { texts_.clear(); }
+
+    /// The file: {"version": 1, "owner", "isComplete", "catalogAdditions", "catalogRemovals", "alerts"}, with the
+    /// encoder's alerts and all else of `contents`. Throws `JsonEncodingError` for a date that isn't finite.
+    [[nodiscard]] std::string document(const AlertCacheContents& contents) const;
+
+private:
+    std::unordered_map<UUID, std::string> texts_; // empty for a date that isn't finite
+};
+
+/// The cache file of these contents. Throws `JsonEncodingError` for a date that isn't finite.
 [[nodiscard]] std::string encodeAlertCache(const AlertCacheContents& contents);
 
 /// Strict: none when anything is missing, malformed or of another version. The database can be queried again.

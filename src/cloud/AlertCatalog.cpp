@@ -27,8 +27,12 @@ bool isTruncated(const ports::CloudRecord& record)
 /// Applies the debts to the list; false when it needs no change.
 bool merge(ports::CloudRecord& record, const CatalogDebts& debts)
 {
-    const auto* const listed = ports::fieldOf<Texts>(record, AlertCatalog::alertIDsField);
-    Texts texts = listed != nullptr ? *listed : Texts{};
+    // Changed in place: the list may hold thousands of texts.
+    ports::CloudValue& field = record.fields[AlertCatalog::alertIDsField];
+    if (!std::holds_alternative<Texts>(field)) {
+        field = Texts{};
+    }
+    auto& texts = std::get<Texts>(field);
     std::unordered_set<UUID> missing{debts.additions.begin(), debts.additions.end()};
     const std::size_t dropped = std::erase_if(texts, [&](const std::string& text) {
         const auto id = UUID::parse(text);
@@ -49,7 +53,6 @@ bool merge(ports::CloudRecord& record, const CatalogDebts& debts)
         texts.erase(texts.begin(), texts.end() - static_cast<std::ptrdiff_t>(AlertCatalog::mostIdentifiers));
         record.fields[AlertCatalog::isTruncatedField] = std::int64_t{1};
     }
-    record.fields[AlertCatalog::alertIDsField] = std::move(texts);
     return true;
 }
 

@@ -40,18 +40,6 @@ AlertCacheContents readContents(ports::FileSystem& files, ports::Journal& journa
     return contents->owner == empty.owner ? *std::move(contents) : empty;
 }
 
-/// Returns 0 or an `errno` value.
-int write(ports::FileSystem& files, const std::filesystem::path& directory, const AlertCacheContents& contents)
-{
-    try {
-        const std::string text = encodeAlertCache(contents);
-        files.createDirectories(directory, directoryMode);
-        return ports::writeDurably(files, directory / AlertMetadataCache::fileName, bytesOf(text), fileMode);
-    } catch (const JsonEncodingError&) {
-        return EINVAL;
-    }
-}
-
 } // namespace
 
 AlertMetadataCache::AlertMetadataCache(MainActor actor, ports::FileSystem& files, ports::Journal& journal,
@@ -63,6 +51,9 @@ AlertMetadataCache::AlertMetadataCache(MainActor actor, ports::FileSystem& files
       alertCache_(readContents(files, journal, cacheDirectory_ / fileName, std::move(owner))),
       writing_(actor.scheduler())
 {
+    for (const auto& [id, alert] : alertCache_.alerts) {
+        unsaved_.insert(id); // the encoder knows none yet
+    }
 }
 
 void AlertMetadataCache::setComplete()
@@ -100,6 +91,7 @@ void AlertMetadataCache::setPhoto(const UUID& id, bool hasPhoto)
         return;
     }
     known->second.photoFileName = hasPhoto ? std::optional{id.text() + ".jpg"} : std::nullopt;
+    unsaved_.insert(id);
     persistSoon();
 }
 
@@ -158,6 +150,8 @@ void AlertMetadataCache::setOwner(std::string owner)
 void AlertMetadataCache::startOver(std::string owner)
 {
     alertCache_ = {};
+    unsaved_.clear();
+    startsOver_ = true;
     alertCache_.owner = std::move(owner);
     for (const std::weak_ptr<Changes>& watch : watches_) {
         if (const auto changes = watch.lock()) {
@@ -181,6 +175,7 @@ Async<void> AlertMetadataCache::flush()
 
 void AlertMetadataCache::markChanged(const UUID& id)
 {
+    unsaved_.insert(id);
     for (const std::weak_ptr<Changes>& watch : watches_) {
         if (const auto changes = watch.lock()) {
             changes->ids.insert(id);
@@ -197,15 +192,56 @@ void AlertMetadataCache::persistSoon()
     }
 }
 
+AlertMetadataCache::Save AlertMetadataCache::takeSave()
+{
+    Save save;
+    save.rest.owner = alertCache_.owner;
+    save.rest.isComplete = alertCache_.isComplete;
+    save.rest.debts = alertCache_.debts;
+    save.startsOver = std::exchange(startsOver_, false);
+    for (const UUID& id : unsaved_) {
+        const auto known = alertCache_.alerts.find(id);
+        if (known != alertCache_.alerts.end()) {
+            save.changed.push_back(known->second);
+        } else {
+            save.erased.push_back(id);
+        }
+    }
+    unsaved_.clear();
+    return save;
+}
+
+/// Returns 0 or an `errno` value.
+int AlertMetadataCache::write(ports::FileSystem& files, const std::filesystem::path& directory,
+                              AlertCacheEncoder& encoder, const Save& save)
+{
+    if (save.startsOver) {
+        encoder.eraseAll();
+    }
+    for (const UUID& id : save.erased) {
+        encoder.erase(id);
+    }
+    for (const AlertEvent& alert : save.changed) {
+        encoder.put(alert);
+    }
+    try {
+        const std::string text = encoder.document(save.rest);
+        files.createDirectories(directory, directoryMode);
+        return ports::writeDurably(files, directory / fileName, bytesOf(text), fileMode);
+    } catch (const JsonEncodingError&) {
+        return EINVAL;
+    }
+}
+
 Async<void> AlertMetadataCache::persist()
 {
     const auto hurry = hurry_;
     while (isDirty_) {
         co_await hurry->waitUntil(actor_.scheduler().now() + persistDelay);
         isDirty_ = false;
-        const auto snapshot = std::make_shared<const AlertCacheContents>(alertCache_);
-        auto work = [&files = files_, directory = cacheDirectory_, snapshot] {
-            return write(files, directory, *snapshot);
+        const auto save = std::make_shared<const Save>(takeSave());
+        auto work = [&files = files_, directory = cacheDirectory_, encoder = encoder_, save] {
+            return write(files, directory, *encoder, *save);
         };
         const Task<int> written = writing_.start(QualityOfService::utility, std::move(work));
         const int error = co_await written;

@@ -71,6 +71,17 @@ public:
     [[nodiscard]] Async<void> flush();
 
 private:
+    /// A save: the alerts that have changed since the one before, and all else.
+    struct Save {
+        AlertCacheContents rest; ///< without alerts
+        bool startsOver = false; ///< the earlier alerts were another user's
+        std::vector<AlertEvent> changed;
+        std::vector<UUID> erased;
+    };
+
+    static int write(ports::FileSystem& files, const std::filesystem::path& directory, AlertCacheEncoder& encoder,
+                     const Save& save);
+    [[nodiscard]] Save takeSave();
     void markChanged(const UUID& id);
     void persistSoon();
     Async<void> persist();
@@ -82,6 +93,9 @@ private:
     AlertCacheContents alertCache_;
     std::vector<std::weak_ptr<Changes>> watches_;
     bool isDirty_ = false;
+    bool startsOver_ = false;
+    std::unordered_set<UUID> unsaved_; // alerts that were inserted, changed or erased since the last save
+    std::shared_ptr<AlertCacheEncoder> encoder_ = std::make_shared<AlertCacheEncoder>(); // used by one save at a time
     // Shared with the waiting coroutine, which may outlive this object when the process is torn down.
     const std::shared_ptr<Semaphore> hurry_ = std::make_shared<Semaphore>();
     DetachedWork writing_;

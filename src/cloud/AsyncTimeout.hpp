@@ -90,10 +90,12 @@ public:
 private:
     template <class T> static Async<T> endOf(Task<T> task) { co_return co_await task; }
 
-    /// A cancelled sleep ends the timer silently: a task's error reaches only its awaiter.
     template <class T> static Async<void> expire(std::shared_ptr<Race<T>> race, Task<T> operation, Duration timeout)
     {
-        co_await sleepFor(timeout);
+        const bool hasElapsed = co_await elapse(timeout);
+        if (!hasElapsed) {
+            co_return;
+        }
         race->finish(std::make_exception_ptr(TimedOut{}));
         operation.cancel();
     }

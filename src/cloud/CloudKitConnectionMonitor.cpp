@@ -72,12 +72,12 @@ void CloudKitConnectionMonitor::pathChanged(const Weak<CloudKitConnectionMonitor
         }
         sequence = ++pathSequence_;
     }
-    actor_.spawn(callIfAlive(weak, &CloudKitConnectionMonitor::apply, status, sequence));
+    callIfAlive(actor_, weak, &CloudKitConnectionMonitor::apply, status, sequence);
 }
 
 void CloudKitConnectionMonitor::apply(ports::NetworkPathStatus status, std::int64_t sequence)
 {
-    // Each update arrives in its own task, so they may arrive out of order.
+    // Updates come from a queue of their own, so they may arrive out of order.
     if (sequence <= lastAppliedPathSequence_) {
         return;
     }

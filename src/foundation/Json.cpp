@@ -29,18 +29,6 @@ bool isPlain(char character)
     return character >= ' ' && character != '"' && character != '\\' && static_cast<unsigned char>(character) < 0x80;
 }
 
-void appendText(std::string& text, const std::string& value)
-{
-    if (std::ranges::all_of(value, isPlain)) {
-        // Fast path for nearly every text: the library's writer would make a serializer each time.
-        text += '"';
-        text += value;
-        text += '"';
-        return;
-    }
-    text += Json(value).dump(-1, ' ', false, Json::error_handler_t::replace);
-}
-
 void appendArray(std::string& text, const Json& value)
 {
     text += '[';
@@ -57,12 +45,12 @@ void appendObject(std::string& text, const Json& value)
 {
     text += '{';
     bool isFirst = true;
-    for (const auto& [key, element] : value.items()) {
+    for (const auto& [key, element] : value.get_ref<const Json::object_t&>()) {
         if (!isFirst) {
             text += ',';
         }
         isFirst = false;
-        appendText(text, key);
+        appendJsonText(text, key);
         text += ':';
         append(text, element);
     }
@@ -77,7 +65,7 @@ void append(std::string& text, const Json& value)
     case Json::value_t::array:
         return appendArray(text, value);
     case Json::value_t::string:
-        return appendText(text, value.get_ref<const std::string&>());
+        return appendJsonText(text, value.get_ref<const std::string&>());
     case Json::value_t::number_float: {
         const auto number = value.get<double>();
         if (!std::isfinite(number)) {
@@ -128,6 +116,18 @@ std::optional<Json> parseJson(BytesView bytes)
         return parseScanned(text);
     }
     return parseScanned(withNulls(text, scan.oversizedNumbers));
+}
+
+void appendJsonText(std::string& document, const std::string& text)
+{
+    if (std::ranges::all_of(text, isPlain)) {
+        // Fast path for nearly every text: the library's writer would make a serializer each time.
+        document += '"';
+        document += text;
+        document += '"';
+        return;
+    }
+    document += Json(text).dump(-1, ' ', false, Json::error_handler_t::replace);
 }
 
 std::string encodeJson(const Json& value)

@@ -33,6 +33,9 @@ inline constexpr std::size_t mostJsonLevels = 512;
 /// is mended with replacement characters. Throws `JsonEncodingError`.
 [[nodiscard]] std::string encodeJson(const Json& value);
 
+/// Appends a text as `encodeJson` writes it. For lists too long to be held as values.
+void appendJsonText(std::string& document, const std::string& text);
+
 /// A member of an object; null when the value isn't an object or has no such member.
 [[nodiscard]] const Json* member(const Json& object, std::string_view key);
 

@@ -11,16 +11,24 @@ constexpr bool isHyphenPlace(std::size_t place)
     return place == 8 || place == 13 || place == 18 || place == 23;
 }
 
-std::optional<std::uint8_t> hexDigit(char c)
+constexpr std::string_view upperDigits = "0123456789ABCDEF";
+constexpr std::uint8_t noDigit = 0xFF;
+
+/// The value of each character as a digit of either case. A table: lists of thousands of identifiers are read often.
+constexpr std::array<std::uint8_t, 256> digitValues = [] {
+    std::array<std::uint8_t, 256> values{};
+    values.fill(noDigit);
+    for (std::uint8_t value = 0; value < 16; ++value) {
+        const auto upper = static_cast<std::uint8_t>(upperDigits[value]);
+        values[upper] = value;
+        values[upper | 0x20U] = value;
+    }
+    return values;
+}();
+
+std::uint8_t digitValue(char character)
 {
-    if (c >= '0' && c <= '9') {
-        return static_cast<std::uint8_t>(c - '0');
-    }
-    const char lower = static_cast<char>(c | 0x20);
-    if (lower >= 'a' && lower <= 'f') {
-        return static_cast<std::uint8_t>(lower - 'a' + 10);
-    }
-    return std::nullopt;
+    return digitValues[static_cast<std::uint8_t>(character)];
 }
 
 } // namespace
@@ -38,36 +46,30 @@ std::optional<UUID> UUID::parse(std::string_view text)
         return std::nullopt;
     }
     Octets octets{};
-    std::size_t digits = 0;
-    for (std::size_t place = 0; place < textLength; ++place) {
+    std::size_t place = 0;
+    bool isWellFormed = true;
+    for (std::uint8_t& octet : octets) {
         if (isHyphenPlace(place)) {
-            if (text[place] != '-') {
-                return std::nullopt;
-            }
-            continue;
+            isWellFormed = isWellFormed && text[place] == '-';
+            ++place;
         }
-        const auto digit = hexDigit(text[place]);
-        if (!digit) {
-            return std::nullopt;
-        }
-        std::uint8_t& octet = octets[digits / 2];
-        octet = static_cast<std::uint8_t>(octet << 4 | *digit);
-        ++digits;
+        const std::uint8_t high = digitValue(text[place]);
+        const std::uint8_t low = digitValue(text[place + 1]);
+        isWellFormed = isWellFormed && (high | low) != noDigit;
+        octet = static_cast<std::uint8_t>(high << 4 | low);
+        place += 2;
     }
-    return UUID{octets};
+    return isWellFormed ? std::optional{UUID{octets}} : std::nullopt;
 }
 
 std::string UUID::text() const
 {
-    constexpr std::string_view digits = "0123456789ABCDEF";
-    std::string text;
-    text.reserve(textLength);
+    std::string text(textLength, '-');
+    std::size_t place = 0;
     for (const std::uint8_t octet : octets_) {
-        if (isHyphenPlace(text.size())) {
-            text += '-';
-        }
-        text += digits[octet >> 4];
-        text += digits[octet & 0x0F];
+        place += isHyphenPlace(place) ? 1 : 0;
+        text[place++] = upperDigits[octet >> 4];
+        text[place++] = upperDigits[octet & 0x0F];
     }
     return text;
 }

@@ -11,8 +11,8 @@ AlarmSoundPlayer::AlarmSoundPlayer(MainActor mainActor, const AlarmSoundServices
     : worker_(mainActor.scheduler(), services,
               [mainActor, weak = anchor_.weak(), &language = services.language](std::string_view message) {
                   const std::string translated = quietly([&] { return language.localized(message); });
-                  mainActor.spawn(callIfAlive(weak, &AlarmSoundPlayer::report,
-                                              translated.empty() ? std::string{message} : translated));
+                  callIfAlive(mainActor, weak, &AlarmSoundPlayer::report,
+                              translated.empty() ? std::string{message} : translated);
               })
 {
 }

@@ -6,6 +6,7 @@ namespace sentrel {
 
 class JobList;
 class VirtualClock;
+class VirtualExecutor;
 
 /// One unit of work. It carries its own links, so that queueing it allocates nothing; it waits in at most one list.
 class Job {
@@ -26,6 +27,7 @@ protected:
 private:
     friend class JobList;
     friend class VirtualClock;
+    friend class VirtualExecutor;
     std::uint64_t order_ = 0; // order of posting; set by a virtual clock
     Job* previous_ = nullptr;
     Job* next_ = nullptr;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "foundation/Quietly.hpp"
 #include "runtime/Task.hpp"
 
 #include <utility>
@@ -16,6 +17,14 @@ public:
     {
         Executor& executor = scheduler_->mainExecutor();
         return Task<T>::start(*scheduler_, executor, executor, nullptr, std::move(work));
+    }
+
+    /// Calls a function on the main thread's next turn, never inline, as a task without a handle would: its exceptions
+    /// are dropped, and it can't wait. One allocation, and a fraction of a task's cost.
+    template <class Function> void post(Function function) const
+    {
+        sentrel::post(scheduler_->mainExecutor(),
+                      [function = std::move(function)]() mutable { quietly([&function] { function(); }); });
     }
 
     [[nodiscard]] bool isCurrent() const { return scheduler_->mainExecutor().isCurrent(); }

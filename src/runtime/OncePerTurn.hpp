@@ -16,7 +16,7 @@ public:
     void request()
     {
         if (!std::exchange(isDue_, true)) {
-            actor_.spawn(callIfAlive(anchor_.weak(), &OncePerTurn::run));
+            callIfAlive(actor_, anchor_.weak(), &OncePerTurn::run);
         }
     }
 

@@ -17,16 +17,25 @@ public:
     VirtualExecutor(VirtualClock& clock, const VirtualScheduler& scheduler, Kind kind)
         : clock_(clock), scheduler_(scheduler), kind_(kind)
     {
-        clock_.add(*this);
     }
-    ~VirtualExecutor() override
-    {
-        clock_.remove(*this);
-        dropJobs();
-    }
+    ~VirtualExecutor() override { dropJobs(); }
 
-    void post(Job& job) override { clock_.append(jobs_, job); }
-    bool withdraw(Job& job) override { return jobs_.remove(job); }
+    void post(Job& job) override
+    {
+        job.order_ = clock_.posted_++;
+        if (jobs_.empty()) {
+            clock_.busy_.push_back(this);
+        }
+        jobs_.append(job);
+    }
+    bool withdraw(Job& job) override
+    {
+        const bool isWithdrawn = jobs_.remove(job);
+        if (isWithdrawn) {
+            noteTaken();
+        }
+        return isWithdrawn;
+    }
     void stop() override { isStopped_ = true; }
     [[nodiscard]] bool isCurrent() const override
     {
@@ -35,8 +44,8 @@ public:
 
     void dropJobs()
     {
-        while (Job* const job = jobs_.popFirst()) {
-            job->drop();
+        while (!jobs_.empty()) {
+            take().drop();
         }
     }
 
@@ -45,7 +54,12 @@ public:
     {
         return isBlocked_ || isStopped_ || scheduler_.isAsleep() ? nullptr : jobs_.first();
     }
-    [[nodiscard]] Job& take() { return *jobs_.popFirst(); }
+    [[nodiscard]] Job& take()
+    {
+        Job& job = *jobs_.popFirst();
+        noteTaken();
+        return job;
+    }
 
     [[nodiscard]] bool isOf(const VirtualScheduler& scheduler) const { return &scheduler_ == &scheduler; }
 
@@ -53,6 +67,13 @@ public:
     void setBlocked(bool blocked) { isBlocked_ = blocked && kind_ != Kind::concurrent; }
 
 private:
+    void noteTaken()
+    {
+        if (jobs_.empty()) {
+            std::erase(clock_.busy_, this);
+        }
+    }
+
     VirtualClock& clock_;
     const VirtualScheduler& scheduler_;
     const Kind kind_;
@@ -77,17 +98,11 @@ private:
     VirtualExecutor* outer_;
 };
 
-void VirtualClock::append(JobList& jobs, Job& job)
-{
-    job.order_ = posted_++;
-    jobs.append(job);
-}
-
 bool VirtualClock::runNextJob()
 {
     VirtualExecutor* next = nullptr;
     std::uint64_t oldest = std::numeric_limits<std::uint64_t>::max();
-    for (VirtualExecutor* executor : executors_) {
+    for (VirtualExecutor* executor : busy_) {
         const Job* const job = executor->runnable();
         if (job != nullptr && job->order_ < oldest) {
             oldest = job->order_;

@@ -61,9 +61,6 @@ private:
     friend class VirtualScheduler;
     class CurrentScope;
 
-    void add(VirtualExecutor& executor) { executors_.push_back(&executor); }
-    void remove(VirtualExecutor& executor) { std::erase(executors_, &executor); }
-    void append(JobList& jobs, Job& job);
     bool runNextJob();
     bool fireNextTimer(std::optional<Instant> limit);
     void blockUntil(Latch& latch);
@@ -74,7 +71,7 @@ private:
     std::uint64_t turns_ = 0;
     std::uint64_t turnsAtThisInstant_ = 0;
     TimerHeap timers_;
-    std::vector<VirtualExecutor*> executors_;
+    std::vector<VirtualExecutor*> busy_; // those in which jobs wait
     VirtualExecutor* current_ = nullptr;
     JobRunner* runner_ = nullptr;
 };

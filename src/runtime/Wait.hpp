@@ -45,12 +45,18 @@ protected:
         return true;
     }
 
-    /// First call in `await_resume`: leaves all lists. Throws `CancellationError` when cancellation won.
-    void settle()
+    /// First call in `await_resume`: leaves all lists. False when cancellation won.
+    [[nodiscard]] bool settleQuietly()
     {
         leave();
         // Still pending means that the task had been cancelled before the wait was armed.
-        if (outcome_.load(std::memory_order_acquire) != Outcome::completed) {
+        return outcome_.load(std::memory_order_acquire) == Outcome::completed;
+    }
+
+    /// The same; throws `CancellationError` when cancellation won.
+    void settle()
+    {
+        if (!settleQuietly()) {
             throw CancellationError{};
         }
     }

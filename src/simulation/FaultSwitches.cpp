@@ -2,6 +2,7 @@
 
 #include "foundation/Fatal.hpp"
 
+#include <algorithm>
 #include <stdexcept>
 #include <utility>
 
@@ -14,23 +15,30 @@ constexpr std::string_view hangs = "hangs";
 
 } // namespace
 
-FaultSwitches::FaultSwitches(std::initializer_list<std::string_view> names) : remaining_{{"raises", 0}, {"hangs", 0}}
+FaultSwitches::FaultSwitches(std::initializer_list<std::string_view> names) : faults_(names.size() + 2)
 {
-    for (const std::string_view name : names) {
-        remaining_.emplace(name, 0);
+    std::vector<std::string_view> sorted{names};
+    sorted.push_back(raises);
+    sorted.push_back(hangs);
+    std::ranges::sort(sorted);
+    for (std::size_t i = 0; i < sorted.size(); ++i) {
+        faults_[i].name = sorted[i];
     }
+}
+
+FaultSwitches::Fault* FaultSwitches::find(std::string_view name)
+{
+    const auto found = std::ranges::find(faults_, name, &Fault::name);
+    return found != faults_.end() ? &*found : nullptr;
 }
 
 bool FaultSwitches::set(std::string_view name, int times)
 {
-    {
-        const std::lock_guard guard{mutex_};
-        const auto found = remaining_.find(name);
-        if (found == remaining_.end()) {
-            return false;
-        }
-        found->second = times;
+    Fault* const fault = find(name);
+    if (fault == nullptr) {
+        return false;
     }
+    fault->remaining = times;
     if (name == hangs && calls_ != nullptr) {
         calls_->prepareToHang();
     }
@@ -42,18 +50,15 @@ bool FaultSwitches::set(std::string_view name, int times)
 
 bool FaultSwitches::isSet(std::string_view name) const
 {
-    const std::lock_guard guard{mutex_};
-    const auto found = remaining_.find(name);
-    return found != remaining_.end() && found->second != 0;
+    return std::ranges::any_of(faults_, [name](const Fault& fault) { return fault.name == name && fault.remaining != 0; });
 }
 
 std::vector<std::string> FaultSwitches::active() const
 {
-    const std::lock_guard guard{mutex_};
     std::vector<std::string> names;
-    for (const auto& [name, remaining] : remaining_) {
-        if (remaining != 0) {
-            names.push_back(name);
+    for (const Fault& fault : faults_) {
+        if (fault.remaining != 0) {
+            names.push_back(fault.name);
         }
     }
     return names;
@@ -61,32 +66,35 @@ std::vector<std::string> FaultSwitches::active() const
 
 std::map<std::string, std::uint64_t, std::less<>> FaultSwitches::struck() const
 {
-    const std::lock_guard guard{mutex_};
-    return struck_;
+    std::map<std::string, std::uint64_t, std::less<>> counts;
+    for (const Fault& fault : faults_) {
+        if (fault.struck != 0) {
+            counts.emplace(fault.name, fault.struck);
+        }
+    }
+    return counts;
 }
 
 void FaultSwitches::clear()
 {
-    const std::lock_guard guard{mutex_};
-    for (auto& [name, remaining] : remaining_) {
-        remaining = 0;
+    for (Fault& fault : faults_) {
+        fault.remaining = 0;
     }
 }
 
 bool FaultSwitches::strikes(std::string_view name)
 {
-    const std::lock_guard guard{mutex_};
-    const auto found = remaining_.find(name);
-    if (found == remaining_.end()) {
+    Fault* const fault = find(name);
+    if (fault == nullptr) {
         fatalError("a simulated device asks for a fault that it does not have");
     }
-    if (found->second == 0) {
+    int remaining = fault->remaining.load();
+    while (remaining > 0 && !fault->remaining.compare_exchange_weak(remaining, remaining - 1)) {
+    }
+    if (remaining == 0) {
         return false;
     }
-    if (found->second > 0) {
-        --found->second;
-    }
-    ++struck_[found->first];
+    ++fault->struck;
     return true;
 }
 
@@ -134,10 +142,9 @@ Async<void> FaultSwitches::awaitedCall(std::string_view operation)
 
 std::vector<std::string> FaultSwitches::names() const
 {
-    const std::lock_guard guard{mutex_};
     std::vector<std::string> names;
-    for (const auto& [name, remaining] : remaining_) {
-        names.push_back(name);
+    for (const Fault& fault : faults_) {
+        names.push_back(fault.name);
     }
     return names;
 }

@@ -4,11 +4,11 @@
 #include "runtime/Semaphore.hpp"
 #include "simulation/PortCalls.hpp"
 
+#include <atomic>
 #include <cstdint>
 #include <functional>
 #include <initializer_list>
 #include <map>
-#include <mutex>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -56,15 +56,20 @@ public:
     void onSet(std::function<void()> wasSet) { wasSet_ = std::move(wasSet); }
 
 private:
+    struct Fault {
+        std::string name;
+        std::atomic<int> remaining = 0; // uses; negative: until healed
+        std::atomic<std::uint64_t> struck = 0;
+    };
+
+    [[nodiscard]] Fault* find(std::string_view name);
     [[nodiscard]] PortCalls::Fate fateOf(std::string_view operation);
 
     PortCalls* calls_ = nullptr;
     std::string port_;
     std::function<void()> wasSet_;
-    Semaphore never_; // never signalled
-    mutable std::mutex mutex_;
-    std::map<std::string, int, std::less<>> remaining_;
-    std::map<std::string, std::uint64_t, std::less<>> struck_;
+    Semaphore never_;           // never signalled
+    std::vector<Fault> faults_; // by name; read at every call of every port, so without a lock
 };
 
 } // namespace sentrel::simulation

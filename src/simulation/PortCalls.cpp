@@ -16,12 +16,16 @@ void PortCalls::decideBy(Decide decide)
 {
     const std::lock_guard guard{mutex_};
     decide_ = std::move(decide);
+    hasDecision_ = static_cast<bool>(decide_);
 }
 
 PortCalls::Fate PortCalls::fateOf(std::string_view port, std::string_view operation)
 {
     if (hanging_ != nullptr && hanging_->isEnding()) {
         return Fate::raises; // a dying process has no effect any more
+    }
+    if (!hasDecision_) {
+        return Fate::passes;
     }
     Decide decide;
     {

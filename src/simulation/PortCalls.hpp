@@ -2,6 +2,7 @@
 
 #include "simulation/HangingCalls.hpp"
 
+#include <atomic>
 #include <functional>
 #include <mutex>
 #include <string>
@@ -53,6 +54,7 @@ private:
     HangingCalls* const hanging_;
     std::mutex mutex_;
     Decide decide_;
+    std::atomic<bool> hasDecision_ = false; // spares nearly every call the lock
 };
 
 } // namespace sentrel::simulation

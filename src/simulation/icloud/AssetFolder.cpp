@@ -34,15 +34,16 @@ ServerRecord AssetFolder::uploaded(const ports::CloudRecord& record)
     return made;
 }
 
-ports::CloudRecord AssetFolder::downloaded(const ServerRecord& record)
+ports::CloudRecord AssetFolder::downloaded(ServerRecord record)
 {
-    ports::CloudRecord made{record.type, record.name, {}, bytesOf(record.tag), record.modificationDate};
-    for (const auto& [name, value] : record.fields) {
-        const auto keep = [&, &field = name](const auto& content) {
+    ports::CloudRecord made{
+        std::move(record.type), std::move(record.name), {}, bytesOf(record.tag), record.modificationDate};
+    for (auto& [name, value] : record.fields) {
+        const auto keep = [&, &field = name](auto& content) {
             if constexpr (std::is_same_v<std::decay_t<decltype(content)>, Bytes>) {
                 made.fields.emplace(field, write(content));
             } else {
-                made.fields.emplace(field, content);
+                made.fields.emplace(field, std::move(content));
             }
         };
         std::visit(keep, value);
@@ -50,12 +51,12 @@ ports::CloudRecord AssetFolder::downloaded(const ServerRecord& record)
     return made;
 }
 
-ports::CloudRecordResult AssetFolder::downloaded(const ServerRecordResult& result)
+ports::CloudRecordResult AssetFolder::downloaded(ServerRecordResult result)
 {
     if (const auto* const error = std::get_if<ports::CloudError>(&result)) {
         return *error;
     }
-    return downloaded(std::get<ServerRecord>(result));
+    return downloaded(std::get<ServerRecord>(std::move(result)));
 }
 
 ports::CloudAsset AssetFolder::write(const Bytes& content)

@@ -20,10 +20,10 @@ public:
     [[nodiscard]] ServerRecord uploaded(const ports::CloudRecord& record);
 
     /// The record with its assets as new files. Throws error 35 (asset not available) when one can't be written.
-    [[nodiscard]] ports::CloudRecord downloaded(const ServerRecord& record);
+    [[nodiscard]] ports::CloudRecord downloaded(ServerRecord record);
 
     /// Converts a record; passes an error through.
-    [[nodiscard]] ports::CloudRecordResult downloaded(const ServerRecordResult& result);
+    [[nodiscard]] ports::CloudRecordResult downloaded(ServerRecordResult result);
 
 private:
     [[nodiscard]] ports::CloudAsset write(const Bytes& content);

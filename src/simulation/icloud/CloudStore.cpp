@@ -19,13 +19,26 @@ constexpr std::int64_t assetKind = 5;
 static_assert(std::is_same_v<std::variant_alternative_t<listKind, ServerValue>, std::vector<std::string>>);
 static_assert(std::is_same_v<std::variant_alternative_t<assetKind, ServerValue>, Bytes>);
 
+/// A JSON array, written text by text: a catalog holds thousands.
+std::string encodeTexts(const std::vector<std::string>& texts)
+{
+    std::string encoded = "[";
+    for (const std::string& text : texts) {
+        if (encoded.size() > 1) {
+            encoded += ',';
+        }
+        appendJsonText(encoded, text);
+    }
+    return encoded += ']';
+}
+
 SqliteValue columnValue(const ServerValue& value)
 {
     if (const auto* const date = std::get_if<Date>(&value)) {
         return date->secondsSinceReferenceDate;
     }
     if (const auto* const texts = std::get_if<std::vector<std::string>>(&value)) {
-        return encodeJson(Json(*texts));
+        return encodeTexts(*texts);
     }
     if (const auto* const text = std::get_if<std::string>(&value)) {
         return *text;
@@ -56,7 +69,7 @@ std::vector<std::string> plainTextsOf(std::string_view encoded)
 
 std::vector<std::string> textsOf(const Bytes& encoded)
 {
-    if (std::ranges::find(encoded, '\\') == encoded.end()) {
+    if (textOf(encoded).find('\\') == std::string_view::npos) {
         return plainTextsOf(textOf(encoded)); // fast, for a catalog's thousands of identifiers
     }
     std::vector<std::string> texts;
@@ -241,7 +254,15 @@ std::uint64_t CloudStore::storedBytes()
     return static_cast<std::uint64_t>(database_.integer("SELECT coalesce(sum(bytes), 0) FROM sizes").value_or(0));
 }
 
-std::vector<ports::CloudSubscription> CloudStore::subscriptions()
+const std::vector<ports::CloudSubscription>& CloudStore::subscriptions()
+{
+    if (!subscriptions_) {
+        subscriptions_ = readSubscriptions();
+    }
+    return *subscriptions_;
+}
+
+std::vector<ports::CloudSubscription> CloudStore::readSubscriptions()
 {
     SqliteStatement row = database_.prepare("SELECT definition FROM subscriptions ORDER BY id");
     row.start();
@@ -256,18 +277,22 @@ std::vector<ports::CloudSubscription> CloudStore::subscriptions()
 
 void CloudStore::saveSubscription(const ports::CloudSubscription& subscription)
 {
+    subscriptions_.reset();
     database_.run("REPLACE INTO subscriptions VALUES(?, ?)",
                   {subscription.identifier, encodeSubscription(subscription)});
 }
 
 void CloudStore::removeSubscription(const std::string& identifier)
 {
+    subscriptions_.reset();
     database_.run("DELETE FROM subscriptions WHERE id = ?", {identifier});
 }
 
 std::int64_t CloudStore::nextNumber()
 {
-    return database_.integer("UPDATE server SET number = number + 1 RETURNING number").value_or(0);
+    // Two statements: for RETURNING, SQLite makes a table of its own each time, which takes far longer.
+    database_.run("UPDATE server SET number = number + 1");
+    return database_.integer("SELECT number FROM server").value_or(0);
 }
 
 } // namespace sentrel::simulation

@@ -54,8 +54,8 @@ public:
     /// Size of all records in bytes.
     [[nodiscard]] std::uint64_t storedBytes();
 
-    /// Ordered by identifier.
-    [[nodiscard]] std::vector<ports::CloudSubscription> subscriptions();
+    /// Ordered by identifier; valid until one is saved or removed.
+    [[nodiscard]] const std::vector<ports::CloudSubscription>& subscriptions();
     void saveSubscription(const ports::CloudSubscription& subscription);
     void removeSubscription(const std::string& identifier);
 
@@ -68,10 +68,12 @@ private:
     void makeTables(Date now);
     [[nodiscard]] std::optional<ServerRecord> read(const std::string& name, const ports::CloudDesiredKeys& wanted,
                                                    Assets assets);
+    [[nodiscard]] std::vector<ports::CloudSubscription> readSubscriptions();
     void writeFields(std::int64_t id, const ServerRecord& record);
 
     SqliteDatabase database_;
     std::string epoch_;
+    std::optional<std::vector<ports::CloudSubscription>> subscriptions_; // as stored; none until they are asked for
 };
 
 } // namespace sentrel::simulation

@@ -22,7 +22,7 @@ using Results = std::map<std::string, CloudRecordResult>;
 template <class Answer> using Serve = std::function<Answer(const CloudDevice&)>;
 
 /// A page as the Mac gets it. Faults of single records strike only records in the page.
-CloudQueryPage delivered(CloudLink& link, AssetFolder& assets, CloudOperation operation, const ServerPage& page)
+CloudQueryPage delivered(CloudLink& link, AssetFolder& assets, CloudOperation operation, ServerPage page)
 {
     std::vector<std::string> names;
     names.reserve(page.results.size());
@@ -32,18 +32,18 @@ CloudQueryPage delivered(CloudLink& link, AssetFolder& assets, CloudOperation op
     const auto failed = link.faults().strike(operation, names);
     CloudQueryPage made;
     made.cursor = page.cursor;
-    for (const auto& [name, result] : page.results) {
+    for (auto& [name, result] : page.results) {
         const auto failure = failed.find(name);
-        made.results.emplace_back(name, failure == failed.end() ? assets.downloaded(result)
+        made.results.emplace_back(name, failure == failed.end() ? assets.downloaded(std::move(result))
                                                                 : CloudRecordResult{failure->second});
     }
     return made;
 }
 
 /// The saved record as the Mac gets it, with the asset files that it sent.
-CloudRecordResult saved(AssetFolder& assets, const ServerRecordResult& result, const CloudRecord& sent)
+CloudRecordResult saved(AssetFolder& assets, ServerRecordResult result, const CloudRecord& sent)
 {
-    CloudRecordResult made = assets.downloaded(result);
+    CloudRecordResult made = assets.downloaded(std::move(result));
     if (auto* const record = std::get_if<CloudRecord>(&made)) {
         for (const auto& [name, value] : sent.fields) {
             if (std::holds_alternative<CloudAsset>(value)) {
@@ -66,8 +66,8 @@ Async<CloudQueryPage> SimulatedCloudDatabase::query(ports::CloudQuery query, Clo
 {
     Serve<CloudQueryPage> serve = [&link = link_, assets = assets_, query = std::move(query),
                                    wanted = std::move(desiredKeys), resultsLimit](const CloudDevice& who) {
-        const ServerPage page = link.server().query(who, query, wanted, resultsLimit);
-        return delivered(link, *assets, CloudOperation::query, page);
+        ServerPage page = link.server().query(who, query, wanted, resultsLimit);
+        return delivered(link, *assets, CloudOperation::query, std::move(page));
     };
     return link_.request<CloudQueryPage>(CloudOperation::query, std::move(serve));
 }
@@ -77,8 +77,8 @@ Async<CloudQueryPage> SimulatedCloudDatabase::continueQuery(std::shared_ptr<cons
 {
     Serve<CloudQueryPage> serve = [&link = link_, assets = assets_, cursor = std::move(cursor),
                                    wanted = std::move(desiredKeys), resultsLimit](const CloudDevice& who) {
-        const ServerPage page = link.server().continueQuery(who, cursor.get(), wanted, resultsLimit);
-        return delivered(link, *assets, CloudOperation::continueQuery, page);
+        ServerPage page = link.server().continueQuery(who, cursor.get(), wanted, resultsLimit);
+        return delivered(link, *assets, CloudOperation::continueQuery, std::move(page));
     };
     return link_.request<CloudQueryPage>(CloudOperation::continueQuery, std::move(serve));
 }
@@ -89,10 +89,10 @@ Async<Results> SimulatedCloudDatabase::records(std::vector<std::string> names, C
                             wanted = std::move(desiredKeys)](const CloudDevice& who) {
         const auto failed = link.faults().strike(CloudOperation::fetch, names);
         Results made;
-        for (const auto& [name, result] : link.server().fetch(who, names, wanted)) {
+        for (auto& [name, result] : link.server().fetch(who, names, wanted)) {
             const auto failure = failed.find(name);
-            made.emplace(name,
-                         failure == failed.end() ? assets->downloaded(result) : CloudRecordResult{failure->second});
+            made.emplace(name, failure == failed.end() ? assets->downloaded(std::move(result))
+                                                       : CloudRecordResult{failure->second});
         }
         return made;
     };
@@ -116,7 +116,7 @@ Async<CloudModification> SimulatedCloudDatabase::modify(std::vector<CloudRecord>
         CloudModification made;
         made.deleted = std::move(done.deleted);
         for (const CloudRecord& record : save) {
-            made.saved.emplace(record.name, saved(*assets, done.saved.at(record.name), record));
+            made.saved.emplace(record.name, saved(*assets, std::move(done.saved.at(record.name)), record));
         }
         return made;
     };
@@ -126,11 +126,11 @@ Async<CloudModification> SimulatedCloudDatabase::modify(std::vector<CloudRecord>
 Async<CloudRecord> SimulatedCloudDatabase::record(std::string name)
 {
     Serve<CloudRecord> serve = [&link = link_, assets = assets_, name = std::move(name)](const CloudDevice& who) {
-        const auto results = link.server().fetch(who, {name}, std::nullopt);
+        auto results = link.server().fetch(who, {name}, std::nullopt);
         if (const auto* const error = std::get_if<CloudError>(&results.at(name))) {
             throw CloudError{*error};
         }
-        return assets->downloaded(std::get<ServerRecord>(results.at(name)));
+        return assets->downloaded(std::get<ServerRecord>(std::move(results.at(name))));
     };
     return link_.request<CloudRecord>(CloudOperation::fetchOne, std::move(serve));
 }
@@ -140,8 +140,8 @@ Async<CloudRecord> SimulatedCloudDatabase::save(CloudRecord record)
     Serve<CloudRecord> serve = [&link = link_, assets = assets_, record = std::move(record)](const CloudDevice& who) {
         ServerBatch batch;
         batch.save.push_back(assets->uploaded(record));
-        const ServerModification done = link.server().modify(who, batch);
-        CloudRecordResult result = saved(*assets, done.saved.at(record.name), record);
+        ServerModification done = link.server().modify(who, batch);
+        CloudRecordResult result = saved(*assets, std::move(done.saved.at(record.name)), record);
         if (const auto* const error = std::get_if<CloudError>(&result)) {
             throw CloudError{*error};
         }

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <numeric>
 #include <span>
 #include <utility>
 #include <vector>
@@ -80,36 +81,52 @@ PixelSize fitted(PixelSize size, std::uint32_t maxPixelSize)
     return {scaled(size.width), scaled(size.height)};
 }
 
-/// Decodes a whole file at this scale; its header has been read.
-std::optional<RgbxImage> decode(JpegReader& reader, unsigned eighths, PixelSize size, std::size_t mostCoefficientBytes)
+bool readRows(JpegReader& reader, RgbxImage& image, int rows)
+{
+    for (int y = 0; y < rows; ++y) {
+        if (!reader.readRow(image.row(y))) {
+            return false;
+        }
+    }
+    return true;
+}
+
+/// Reads an image of this size and scales it into the smaller one, band by band: the whole never lies in memory. Each
+/// band is as high as a whole number of the result's rows, and no row of the result needs two bands.
+bool readScaled(JpegReader& reader, PixelSize size, RgbxImage& smaller)
+{
+    constexpr int enoughRows = 64;
+    const int height = static_cast<int>(size.height);
+    const int units = std::gcd(height, smaller.height()); // bands of the least height
+    const int most = std::max(enoughRows / (height / units), 1) * (height / units);
+    RgbxImage band{static_cast<int>(size.width), std::min(most, height)};
+    int done = 0; // rows of the result
+    for (int y = 0; y < height; y += band.height()) {
+        const int rows = std::min(band.height(), height - y);
+        const int made = rows / (height / units) * (smaller.height() / units);
+        if (!readRows(reader, band, rows) ||
+            libyuv::ARGBScale(band.data(), band.stride(), band.width(), rows, smaller.row(done), smaller.stride(),
+                              smaller.width(), made, libyuv::kFilterBox) != 0) {
+            return false;
+        }
+        done += made;
+    }
+    return true;
+}
+
+/// Decodes a whole file, whose header has been read, at a scale that gives `size`, and scales it down to `target`.
+std::optional<RgbxImage> decode(JpegReader& reader, unsigned eighths, PixelSize size, PixelSize target,
+                                std::size_t mostCoefficientBytes)
 {
     if (!reader.start(eighths, mostCoefficientBytes)) {
         return std::nullopt;
     }
-    RgbxImage image = makeImage(size);
-    for (int y = 0; y < image.height(); ++y) {
-        if (!reader.readRow(image.row(y))) {
-            return std::nullopt;
-        }
-    }
-    if (!reader.finish()) {
+    RgbxImage image = makeImage(target);
+    const bool isRead = size == target ? readRows(reader, image, image.height()) : readScaled(reader, size, image);
+    if (!isRead || !reader.finish()) {
         return std::nullopt;
     }
     return image;
-}
-
-std::optional<RgbxImage> scaled(RgbxImage image, PixelSize size)
-{
-    RgbxImage smaller = makeImage(size);
-    if (smaller.width() == image.width() && smaller.height() == image.height()) {
-        return image;
-    }
-    const int status = libyuv::ARGBScale(image.data(), image.stride(), image.width(), image.height(), smaller.data(),
-                                         smaller.stride(), smaller.width(), smaller.height(), libyuv::kFilterBox);
-    if (status != 0) {
-        return std::nullopt;
-    }
-    return smaller;
 }
 
 RgbxImage mirrored(const RgbxImage& image)
@@ -224,10 +241,7 @@ std::unique_ptr<ports::Image> TurboImageCodec::createThumbnail(BytesView data, s
     if (needed >= mostMemory) {
         return nullptr;
     }
-    auto image = decode(reader, eighths, *size, mostMemory - needed);
-    if (image) {
-        image = scaled(*std::move(image), target);
-    }
+    auto image = decode(reader, eighths, *size, target, mostMemory - needed);
     if (!image) {
         return nullptr;
     }

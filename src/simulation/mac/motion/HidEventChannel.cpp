@@ -71,16 +71,16 @@ void HidEventChannel::unschedule()
     queue_ = nullptr;
 }
 
-void HidEventChannel::send(const HidMessage& message)
+void HidEventChannel::send(const std::shared_ptr<HidEventChannel>& channel, const HidMessage& message)
 {
-    const std::lock_guard guard{mutex_};
-    if (queue_ == nullptr) {
+    const std::lock_guard guard{channel->mutex_};
+    if (channel->queue_ == nullptr) {
         return;
     }
-    waiting_.push_back(message);
-    if (posted_ == nullptr) {
-        posted_ = shared_from_this();
-        queue_->executor().post(*this);
+    channel->waiting_.push_back(message);
+    if (channel->posted_ == nullptr) {
+        channel->posted_ = channel;
+        channel->queue_->executor().post(*channel);
     }
 }
 
@@ -94,20 +94,23 @@ void HidEventChannel::sendStray(const HidMessage& message)
 
 void HidEventChannel::run()
 {
-    std::shared_ptr<HidEventChannel> self;
-    for (;;) {
+    std::shared_ptr<HidEventChannel> self; // from the last message on
+    while (self == nullptr) {
         HidMessage message;
         std::shared_ptr<const Callback> callback;
         {
             const std::lock_guard guard{mutex_};
             if (next_ == waiting_.size()) {
-                waiting_.clear();
-                next_ = 0;
-                self = std::move(posted_);
+                self = std::move(posted_); // withdrawn meanwhile
                 return;
             }
             message = waiting_[next_++];
             callback = callback_;
+            if (next_ == waiting_.size()) {
+                waiting_.clear();
+                next_ = 0;
+                self = std::move(posted_);
+            }
         }
         if (callback != nullptr) {
             deliver(*callback, message);

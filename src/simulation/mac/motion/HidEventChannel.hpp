@@ -21,7 +21,7 @@ struct HidMessage {
 
 /// Carries events to one client's callback on its queue. Sending posts the channel itself and allocates nothing. Any
 /// thread; the channel stays alive while a callback runs, even if the client is gone.
-class HidEventChannel final : public std::enable_shared_from_this<HidEventChannel>, private Job {
+class HidEventChannel final : private Job {
 public:
     using Callback = std::function<void(const ports::HidEvent*)>;
 
@@ -35,7 +35,7 @@ public:
     void unschedule();
 
     /// Sends a message; dropped without a scheduled queue.
-    void send(const HidMessage& message);
+    static void send(const std::shared_ptr<HidEventChannel>& channel, const HidMessage& message);
 
     /// Sends a message that arrives even if the channel is unscheduled meanwhile.
     void sendStray(const HidMessage& message);

@@ -5,7 +5,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <optional>
-#include <random>
 
 namespace sentrel::simulation {
 
@@ -13,14 +12,14 @@ namespace sentrel::simulation {
 /// noise, else none. Times are exact and don't drift. Not thread-safe.
 class MotionTimeline {
 public:
-    /// Standard deviation of the sensor's noise on each axis, in g.
+    /// Standard deviation of the sensor's noise on each axis, in g. It never exceeds 3.5 times that.
     static constexpr double noise = 0.002;
 
     /// Time between two samples until a report interval is set.
     static constexpr Duration usualInterval = std::chrono::milliseconds{20};
 
     /// Seeds the noise.
-    explicit MotionTimeline(std::uint64_t seed) : generator_(seed) {}
+    explicit MotionTimeline(std::uint64_t seed) : noiseState_(seed) {}
 
     /// Plays the recording from `start` on; replaces one that is still playing.
     void play(MotionRecording recording, Instant start);
@@ -44,6 +43,7 @@ public:
 private:
     [[nodiscard]] bool isPlaying() const { return recording_ && place_ < recording_->samples().size(); }
     void skipResting(Instant now);
+    [[nodiscard]] double nextNoise();
     [[nodiscard]] Instant playTime() const { return start_ + recording_->samples()[place_].at; }
 
     std::optional<MotionRecording> recording_;
@@ -52,8 +52,7 @@ private:
     bool isResting_ = false;
     Duration interval_ = usualInterval;
     Instant restingNext_{};
-    std::mt19937_64 generator_;
-    std::normal_distribution<double> distribution_{0.0, noise};
+    std::uint64_t noiseState_;
 };
 
 } // namespace sentrel::simulation

@@ -107,7 +107,7 @@ public:
 
     /// Called under the device's lock.
     [[nodiscard]] bool isMatching() const { return isMatching_; }
-    void send(const HidMessage& message) { channel_->send(message); }
+    void send(const HidMessage& message) { HidEventChannel::send(channel_, message); }
 
 private:
     void leave()
@@ -222,15 +222,20 @@ void SimulatedAccelerometer::send(const HidMessage& message)
 
 void SimulatedAccelerometer::tick()
 {
-    change([this](Instant now) {
-        while (isWorking()) {
-            const auto due = timeline_.next();
-            if (!due || *due > now) {
-                return;
-            }
-            broadcast({accelerometerEvent, timeline_.take(), false});
+    const std::lock_guard guard{mutex_};
+    const Instant now = scheduler_.now();
+    while (isWorking()) {
+        const auto due = timeline_.next();
+        if (!due) {
+            return;
         }
-    });
+        if (*due > now) {
+            scheduler_.cancelTimer(ticker_); // a change since this job was posted may have started it
+            scheduler_.startTimer(ticker_, *due);
+            return;
+        }
+        broadcast({accelerometerEvent, timeline_.take(), false});
+    }
 }
 
 /// Applies a change now and restarts the timer for the next sample. Timer and job are withdrawn first: neither may be

@@ -45,14 +45,18 @@ double meanLuma(const RgbxImage& image)
 Bytes CafeScene::photograph(Date date, std::optional<double> brightness)
 {
     const std::lock_guard guard{mutex_};
-    const RgbxImage& drawn = drawnAt(minuteOfDay(date));
-    if (!brightness) {
-        return *encodeJpeg(drawn, cameraQuality);
+    const int minute = minuteOfDay(date);
+    if (minute == photoMinute_ && brightness == photoBrightness_) {
+        return photo_;
     }
-    RgbxImage exposed{width, height};
-    std::ranges::copy(drawn.bytes(), exposed.data());
-    expose(exposed, *brightness);
-    return *encodeJpeg(exposed, cameraQuality);
+    RgbxImage drawn = drawCafe(minute, 1);
+    if (brightness) {
+        expose(drawn, *brightness);
+    }
+    photo_ = *encodeJpeg(drawn, cameraQuality);
+    photoMinute_ = minute;
+    photoBrightness_ = brightness;
+    return photo_;
 }
 
 CafePreview CafeScene::preview(Date date, std::optional<double> brightness)
@@ -70,15 +74,6 @@ CafePreview CafeScene::preview(Date date, std::optional<double> brightness)
     previewMinute_ = minute;
     previewBrightness_ = brightness;
     return preview_;
-}
-
-const RgbxImage& CafeScene::drawnAt(int minute)
-{
-    if (minute != drawnMinute_) {
-        drawn_ = drawCafe(minute, 1);
-        drawnMinute_ = minute;
-    }
-    return drawn_;
 }
 
 RgbxImage drawCafe(int minuteOfDay, int share)

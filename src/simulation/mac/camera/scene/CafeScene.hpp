@@ -30,11 +30,10 @@ public:
     [[nodiscard]] CafePreview preview(Date date, std::optional<double> brightness);
 
 private:
-    const RgbxImage& drawnAt(int minute);
-
     std::mutex mutex_;
-    int drawnMinute_ = -1;
-    RgbxImage drawn_; // at `drawnMinute_`; kept because drawing takes far longer than the rest
+    int photoMinute_ = -1;
+    std::optional<double> photoBrightness_;
+    Bytes photo_; // kept because drawing takes long; the picture itself is many times larger
     int previewMinute_ = -1;
     std::optional<double> previewBrightness_;
     CafePreview preview_;
