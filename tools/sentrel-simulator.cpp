@@ -28,6 +28,7 @@ struct Arguments {
     PlayCommand play;
     std::string playScenario;
     std::string playOut;
+    std::string playHtml;
     std::vector<std::string> checked;
     ServeCommand serve;
     std::string serveScenario = "cafe-theft";
@@ -55,6 +56,7 @@ CLI::App* addPlay(CLI::App& app, Arguments& arguments)
     play->add_option("scenario", arguments.playScenario, "The scenario: a YAML file, or a name that `list` shows")
         ->required();
     play->add_option("--out", arguments.playOut, "Keep the disk, the events and the sound in this folder");
+    play->add_option("--html", arguments.playHtml, "Write the story as one web page into this file");
     play->add_flag("--json", arguments.play.isJson, "Print the outcome as one JSON object instead of the story");
     play->add_option("--seed", arguments.play.seed, "Seed of sensor noise and identifiers")
         ->check(refusalOfSeed)
@@ -116,6 +118,10 @@ int play(Arguments& arguments, const ScenarioShelf& shelf)
     arguments.play.scenario = shelf.find(arguments.playScenario);
     if (!arguments.playOut.empty()) {
         arguments.play.out = arguments.playOut;
+    }
+    if (!arguments.playHtml.empty()) {
+        arguments.play.html = arguments.playHtml;
+        arguments.play.web = SENTREL_WEB_DIR "/story";
     }
     return run(arguments.play, std::cout, std::cerr);
 }

@@ -1,10 +1,10 @@
-#include "sensors/MotionDetector.hpp"
 #include "simulation/icloud/CloudErrorNames.hpp"
 #include "simulation/icloud/CompanionPhone.hpp"
 #include "simulation/page/PageFiles.hpp"
 #include "simulation/page/PageState.hpp"
 #include "simulation/stage/AudioReader.hpp"
 #include "simulation/stage/MacSession.hpp"
+#include "simulation/stage/MotionMeter.hpp"
 
 #include <array>
 #include <nlohmann/json.hpp>
@@ -79,20 +79,10 @@ Json PageState::run() const
             {"language", session_.mac().calendar.languageTag()}};
 }
 
-std::optional<double> PageState::motionThreshold() const
-{
-    if (session_.app() == nullptr) {
-        return std::nullopt;
-    }
-    const AlarmSettings& settings = session_.app()->settings().settings();
-    return settings.triggerOnMotion ? std::optional{MotionDetector::thresholdFor(settings.motionSensitivity)}
-                                    : std::nullopt;
-}
-
 Json PageState::hardware()
 {
     SimulatedMac& mac = session_.mac();
-    const auto threshold = motionThreshold();
+    const auto threshold = motionThreshold(session_);
     const auto isResting = mac.accelerometer.isPresent() ? std::optional{mac.accelerometer.isResting()} : std::nullopt;
     return {{"power", nameOf(mac.power.isOnAC(), "ac", "battery", "unknown")},
             {"lid", nameOf(mac.lid.isClosed(), "closed", "open", "absent")},

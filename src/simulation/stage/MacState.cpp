@@ -18,15 +18,9 @@ namespace sentrel::simulation {
 
 namespace {
 
-Json jsonOf(const std::optional<std::string>& text)
+Json textOrNull(const std::optional<std::string>& text)
 {
     return text ? Json(*text) : Json(nullptr);
-}
-
-/// The product's folder of alerts, repeated here so that the disk is read independently of the product.
-std::filesystem::path alertsFolder(SimulatedMac& mac)
-{
-    return mac.disk() / "Application Support" / mac.host.bundleIdentifier().value_or("Sentrel") / "Alerts";
 }
 
 std::vector<StoredAlert> alertsOnDisk(SimulatedMac& mac)
@@ -104,9 +98,9 @@ void addCoordinator(Json& state, const AlarmCoordinator& coordinator)
     state["statusMessage"] = coordinator.statusMessage.get();
     const auto& lastTrigger = coordinator.lastTrigger.get();
     state["lastTrigger"] = lastTrigger ? Json(rawValue(*lastTrigger)) : Json(nullptr);
-    state["lastError"] = jsonOf(coordinator.lastError.get());
-    state["cameraWarning"] = jsonOf(coordinator.cameraWarning.get());
-    state["motionWarning"] = jsonOf(coordinator.motionWarning.get());
+    state["lastError"] = textOrNull(coordinator.lastError.get());
+    state["cameraWarning"] = textOrNull(coordinator.cameraWarning.get());
+    state["motionWarning"] = textOrNull(coordinator.motionWarning.get());
 }
 
 /// The state while the product isn't running: nothing shown, nothing active.
@@ -165,6 +159,11 @@ Json storedSettings(MacSession& session)
 }
 
 } // namespace
+
+std::filesystem::path alertsFolder(SimulatedMac& mac)
+{
+    return mac.disk() / "Application Support" / mac.host.bundleIdentifier().value_or("Sentrel") / "Alerts";
+}
 
 Json stateOf(MacSession& session)
 {

@@ -25,6 +25,7 @@ public:
         : scenario_(scenario),
           audience_(audience),
           folder_(options.out),
+          recordsSound_(folder_.isKept() || options.recordsSound),
           session_(scenario.mac, folder_.path(), options.resources, options.seed)
     {
         refuseImpossibleSteps();
@@ -39,28 +40,37 @@ public:
                 audience_.happened(event);
             }
         });
-        if (folder_.isKept()) {
-            startKeeping();
-        }
+        startKeeping();
     }
 
     PlayResult run()
     {
-        audience_.begins();
+        audience_.begins(session_);
         session_.launch();
         for (const Step& step : scenario_.steps) {
-            session_.clock().runUntil(Instant{step.at});
+            runUntil(Instant{step.at});
             carryOut(step);
+            audience_.reached(session_.seconds());
         }
         hasEnded_ = true;
         result_.seconds = session_.seconds();
-        if (folder_.isKept()) {
-            finishKeeping();
-        }
+        finishKeeping();
+        audience_.ends(session_, recordsSound_ ? folder_.sound() : std::filesystem::path{});
         return std::move(result_);
     }
 
 private:
+    void runUntil(Instant end)
+    {
+        constexpr Duration longest = std::chrono::minutes{1}; // between two calls of the audience
+        while (session_.clock().now() + longest < end) {
+            session_.clock().advance(longest);
+            audience_.reached(session_.seconds());
+        }
+        session_.clock().runUntil(end);
+        audience_.reached(session_.seconds());
+    }
+
     void refuseImpossibleSteps()
     {
         for (const Step& step : scenario_.steps) {
@@ -75,20 +85,20 @@ private:
 
     void startKeeping()
     {
-        if (!session_.log().writeTo(folder_.events())) {
+        if (folder_.isKept() && !session_.log().writeTo(folder_.events())) {
             throw PlayError{"can't write '" + folder_.events().string() + "'"};
         }
-        if (!session_.mac().speaker.startRecording(folder_.sound())) {
+        if (recordsSound_ && !session_.mac().speaker.startRecording(folder_.sound())) {
             throw PlayError{"can't write '" + folder_.sound().string() + "'"};
         }
     }
 
     void finishKeeping()
     {
-        if (!session_.mac().speaker.finishRecording()) {
+        if (recordsSound_ && !session_.mac().speaker.finishRecording()) {
             throw PlayError{"'" + folder_.sound().string() + "' could not be written whole"};
         }
-        if (!session_.log().isWrittenWhole()) {
+        if (folder_.isKept() && !session_.log().isWrittenWhole()) {
             throw PlayError{"'" + folder_.events().string() + "' could not be written whole"};
         }
     }
@@ -128,6 +138,7 @@ private:
     const Scenario& scenario_;
     Audience& audience_;
     PlayFolder folder_;
+    const bool recordsSound_;
     MacSession session_;
     PlayResult result_;
     bool hasEnded_ = false;

@@ -14,13 +14,18 @@
 
 namespace sentrel::simulation {
 
+class MacSession;
+
 /// Follows a play as it unfolds. Called on the playing thread, in the order of events.
 class Audience {
 public:
     virtual ~Audience() = default;
 
     /// The play begins; everything is set up. Not called if the setup fails.
-    virtual void begins() {}
+    virtual void begins(MacSession& /*session*/) {}
+
+    /// Virtual time has moved on to `at` seconds. Called before and after each step, and once a minute.
+    virtual void reached(double /*at*/) {}
 
     /// Something happened on the MacBook.
     virtual void happened(const Event& event) = 0;
@@ -30,6 +35,10 @@ public:
 
     /// An expectation was checked; it holds if there are no mismatches.
     virtual void checked(double at, const Step& step, const std::vector<Mismatch>& mismatches) = 0;
+
+    /// The last step is done. `sound` is the finished recording of what was heard, a WAV file; empty if none was asked
+    /// for. Both end with this call.
+    virtual void ends(MacSession& /*session*/, const std::filesystem::path& /*sound*/) {}
 };
 
 /// Setup of a play.
@@ -37,6 +46,7 @@ struct PlayOptions {
     std::optional<std::filesystem::path> out; ///< receives the disk, the events and the sound; none keeps nothing
     std::filesystem::path resources;          ///< the localisation tables
     std::uint64_t seed = 1;
+    bool recordsSound = false; ///< also without `out`
 };
 
 /// Result of a play.
