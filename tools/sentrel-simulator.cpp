@@ -75,6 +75,7 @@ CLI::App* addServe(CLI::App& app, Arguments& arguments)
         ->check(CLI::Range(0, highestPort))
         ->capture_default_str();
     serve->add_option("--disk", arguments.disk, "Keep the MacBook's disk in this folder, and find it again there");
+    serve->add_flag("--open", arguments.serve.opensBrowser, "Open the page in the browser");
     serve->add_option("--token", arguments.token, "The page's token, instead of a random one")->check(refusalOfToken);
     serve->add_option("--language", arguments.language, "Its user's language, such as de, fr_CA or zh-Hans");
     serve->add_option("--seed", arguments.serve.seed, "Seed of sensor noise and identifiers")
