@@ -18,6 +18,10 @@ std::string nameOf(ShellWindow window)
 
 std::string plainNumber(double value)
 {
+    constexpr double mostReadable = 1e9;
+    if (!(std::abs(value) < mostReadable)) {
+        return value < 0.0 ? "minus a billion or less" : "a billion or more";
+    }
     std::string text = std::to_string(std::round(value * 1000.0) / 1000.0);
     text.erase(text.find_last_not_of('0') + 1);
     if (text.back() == '.') {

@@ -114,14 +114,14 @@ StorySentence photoMissing(const Event& event)
         std::string_view text;
     };
     static constexpr std::array<Why, 3> known{{
-        {"not authorized", "Sentrel isn't allowed to use it"},
-        {"no camera", "there is none"},
-        {"timed out", "nothing came within 5 s"},
+        {"not authorized", "Sentrel isn't allowed to use the camera"},
+        {"no camera", "there is no camera"},
+        {"timed out", "the camera gave nothing within 5 s"},
     }};
     const std::string_view why = event.text("why");
     const auto found = std::ranges::find_if(known, [&](const Why& each) { return each.word == why; });
     const std::string text{found == known.end() ? why : found->text};
-    return {StoryTone::reaction, "The camera gives no photo" + (text.empty() ? text : ": " + text) + "."};
+    return {StoryTone::reaction, "No photo is taken" + (text.empty() ? text : ": " + text) + "."};
 }
 
 StorySentence passcodeSet(const Event& event)
@@ -222,7 +222,7 @@ StorySentence quitAsked(const Event&)
 
 StorySentence quitCancelled(const Event&)
 {
-    return {StoryTone::reaction, "It does not quit without the Mac login."};
+    return {StoryTone::reaction, "It wants the Mac login before it quits."};
 }
 
 StorySentence loginItem(const Event& event)

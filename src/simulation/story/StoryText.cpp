@@ -114,7 +114,7 @@ std::string camerasText(const Mac& mac)
     }
     std::string text = " It has a " + listed(*mac.camera.devices);
     if (mac.camera.brightness && *mac.camera.brightness) {
-        text += " before a scene at " + percent(**mac.camera.brightness) + " brightness";
+        text += ", which looks at a scene of " + percent(**mac.camera.brightness) + " brightness";
     }
     return text + ".";
 }
@@ -170,7 +170,7 @@ std::string cameraText(const ChangeCamera& action)
     }
     if (change.devices) {
         text += change.devices->empty() ? " There is no camera any more."
-                                        : " What can take photos now: " + listed(*change.devices) + ".";
+                                        : " The cameras are now: " + listed(*change.devices) + ".";
     }
     if (change.brightness) {
         text += *change.brightness ? " The scene before the camera is now at " + percent(**change.brightness) + "."
@@ -196,7 +196,7 @@ std::string_view loginText(LoginAnswer answer)
 {
     switch (answer) {
     case LoginAnswer::succeed:
-        return "From now on the Mac login is given.";
+        return "From now on the Mac login succeeds.";
     case LoginAnswer::fail:
         return "From now on the Mac login fails.";
     case LoginAnswer::cancel:
@@ -224,13 +224,15 @@ std::string failText(const FailPorts& action)
     for (const FailPort& port : action.ports) {
         text += text.empty() ? "" : " ";
         if (port.faults.empty()) {
-            text += "From now on, " + port.port + " works again.";
+            text += "Nothing fails any longer in the " + port.port + ".";
             continue;
         }
-        text += "From now on, " + port.port + " fails:";
+        text += "From now on a fault is set in the " + port.port + ":";
         for (const FailPort::Fault& fault : port.faults) {
             text += (text.back() == ':' ? " " : ", ") + fault.name;
-            text += fault.times < 0 ? "" : " (" + std::to_string(fault.times) + " times)";
+            text += fault.times < 0    ? ""
+                    : fault.times == 1 ? " (once)"
+                                       : " (" + std::to_string(fault.times) + " times)";
         }
         text += ".";
     }
@@ -274,7 +276,7 @@ struct ActionDescriber {
     std::optional<std::string> operator()(PlainAction action) const { return plainText(action); }
     std::optional<std::string> operator()(const MoveMachine& move) const
     {
-        return "The Mac is moved: " + tenths(move.x) + ", " + tenths(move.y) + ", " + tenths(move.z) + " g.";
+        return "The accelerometer reads " + tenths(move.x) + ", " + tenths(move.y) + " and " + tenths(move.z) + " g.";
     }
     std::optional<std::string> operator()(const PlayRecording& action) const
     {
@@ -320,7 +322,8 @@ std::string percent(double level)
 
 std::string describe(const Mac& mac)
 {
-    std::string text = "A " + mac.productName.value_or(mac.model);
+    const std::string product = mac.productName.value_or(mac.model);
+    std::string text = (product.starts_with('i') ? "An " : "A ") + product; // an iMac
     text += mac.localizedName ? " called “" + *mac.localizedName + "” " : " without a name ";
     text += powerText(mac.power);
     text += lidText(mac.lid);
