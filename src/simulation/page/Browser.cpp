@@ -7,7 +7,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-extern "C" char** environ; // POSIX: not declared by any header
+extern "C" char** environ; // POSIX leaves its declaration to the program
 
 namespace sentrel::simulation {
 
