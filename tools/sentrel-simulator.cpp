@@ -35,6 +35,7 @@ struct Arguments {
     PlayCommand play;
     std::string playScenario;
     std::string playOut;
+    std::string playHtml;
     std::vector<std::string> checked;
     std::string tested = "cafe-theft";
     ServeCommand serve;
@@ -65,6 +66,7 @@ CLI::App* addPlay(CLI::App& app, Arguments& arguments)
     play->add_option("scenario", arguments.playScenario, "The scenario: a YAML file, or a name that `list` shows")
         ->required();
     play->add_option("--out", arguments.playOut, "Keep the disk, the events and the sound in this folder");
+    play->add_option("--html", arguments.playHtml, "Write the story as one web page into this file");
     play->add_flag("--json", arguments.play.isJson, "Print the outcome as one JSON object instead of the story");
     play->add_option("--seed", arguments.play.seed, "Seed of sensor noise and identifiers")
         ->check(refusalOfSeed)
@@ -83,6 +85,7 @@ CLI::App* addServe(CLI::App& app, Arguments& arguments)
         ->check(CLI::Range(0, highestPort))
         ->capture_default_str();
     serve->add_option("--disk", arguments.disk, "Keep the MacBook's disk in this folder, and find it again there");
+    serve->add_flag("--open", arguments.serve.opensBrowser, "Open the page in the browser");
     serve->add_option("--token", arguments.token, "The page's token, instead of a random one")->check(refusalOfToken);
     serve->add_option("--language", arguments.language, "Its user's language, such as de, fr_CA or zh-Hans");
     serve->add_option("--seed", arguments.serve.seed, "Seed of sensor noise and identifiers")
@@ -164,6 +167,10 @@ int play(Arguments& arguments, const ScenarioShelf& shelf)
     arguments.play.scenario = shelf.find(arguments.playScenario);
     if (!arguments.playOut.empty()) {
         arguments.play.out = arguments.playOut;
+    }
+    if (!arguments.playHtml.empty()) {
+        arguments.play.html = arguments.playHtml;
+        arguments.play.web = SENTREL_WEB_DIR "/story";
     }
     return run(arguments.play, std::cout, std::cerr);
 }

@@ -115,9 +115,20 @@ export function card(title, ...children) {
     return h("section", { className: "card" }, h("h2", {}, title), ...children);
 }
 
-/// A row of buttons of which one is pressed: what a state is, and the way to another.
+/// A row of buttons of which one is pressed: what a state is, and the way to another. The Tab key stops at it once, and
+/// arrows lead from button to button.
 export function choice(label, options, choose) {
-    const group = h("div", { className: "choice", role: "group", ariaLabel: label });
+    const group = h("div", { className: "choice", role: "toolbar", ariaLabel: label });
+    const stopAt = (stop) => [...group.children].forEach((button) => set(button, { tabindex: button === stop ? 0 : -1 }));
+    group.addEventListener("focusin", ({ target }) => stopAt(target));
+    group.addEventListener("keydown", (event) => {
+        const all = [...group.children];
+        const step = { ArrowRight: 1, ArrowDown: 1, ArrowLeft: -1, ArrowUp: -1 }[event.key];
+        if (step) {
+            event.preventDefault();
+            all.at((all.indexOf(event.target) + step) % all.length).focus();
+        }
+    });
     const buttons = new Map();
     for (const [value, text] of options) {
         const button = h("button", { type: "button", "data-value": value, onclick: () => choose(value) }, text);
@@ -129,6 +140,9 @@ export function choice(label, options, choose) {
         show(present) {
             for (const [value, button] of buttons) {
                 set(button, { "aria-pressed": String(value === present) });
+            }
+            if (!group.contains(document.activeElement)) {
+                stopAt(buttons.get(present) ?? group.firstChild);
             }
         },
     };

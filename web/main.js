@@ -55,7 +55,7 @@ stream.on("run", (run) => {
     const { language, timeZone } = run;
     if (timeZone !== clock.zone || language !== clock.language) {
         clock.zone = timeZone;
-        clock.language = screen.element.lang = language;
+        clock.language = language;
         const format = (shown) => new Intl.DateTimeFormat(language, { ...shown, timeZone });
         clock.day = format({ weekday: "short", month: "short", day: "numeric" });
         clock.time = format({ hour: "numeric", minute: "2-digit" });

@@ -2,6 +2,7 @@
 
 import { h } from "./dom.js";
 import { post } from "./server.js";
+import { wordsIn } from "./words.js";
 
 const answer = (panel, value) => post("panel", { panel, answer: value });
 
@@ -31,30 +32,32 @@ function systemPanel(title, text, fields, answers) {
     return panel;
 }
 
+let words; // in the Mac's language
+
 function loginPanel({ reason }) {
-    const how = h("p", { className: "quiet" }, "Touch ID or enter the password of this Mac's user.");
-    return systemPanel("Sentrel", `Sentrel is trying to ${reason}.`, [how], [
-        ["Cancel", () => answer("login", "cancel"), "cancel"],
-        ["Wrong password", () => answer("login", "fail")],
-        ["Log in", () => answer("login", "succeed"), "default"],
+    const how = h("p", { className: "quiet" }, words("how"));
+    return systemPanel("Sentrel", words("trying", { reason }), [how], [
+        [words("cancel"), () => answer("login", "cancel"), "cancel"],
+        [words("wrong"), () => answer("login", "fail")],
+        [words("logIn"), () => answer("login", "succeed"), "default"],
     ]);
 }
 
 function alertPanel({ message, informative }) {
-    return systemPanel(message, informative, [], [["OK", () => answer("alert", "close"), "default"]]);
+    return systemPanel(message, informative, [], [[words("ok"), () => answer("alert", "close"), "default"]]);
 }
 
 function savePanel({ title, name, folder }) {
-    const field = h("input", { type: "text", value: name, ariaLabel: "File name" });
-    return systemPanel(title, `In “${folder}”`, [field], [
-        ["Cancel", () => answer("save", "cancel"), "cancel"],
-        ["Save", () => answer("save", field.value), "default"],
+    const field = h("input", { type: "text", value: name, ariaLabel: words("fileName") });
+    return systemPanel(title, words("place", { folder }), [field], [
+        [words("cancel"), () => answer("save", "cancel"), "cancel"],
+        [words("save"), () => answer("save", field.value), "default"],
     ]);
 }
 
 function previewPanel({ image, name }) {
-    return systemPanel("Photo of the alert", "", [h("img", { src: image, alt: "", title: name })], [
-        ["Close", () => answer("preview", "close"), "default"],
+    return systemPanel(words("photoTitle"), "", [h("img", { src: image, alt: "", title: name })], [
+        [words("close"), () => answer("preview", "close"), "default"],
     ]);
 }
 
@@ -62,6 +65,7 @@ const kinds = { login: loginPanel, alert: alertPanel, save: savePanel, preview: 
 
 export class SystemPanels {
     #shown = new Map();
+    #panels = {};
     #cameFrom = null;
 
     /// `changed` is told before anything takes the keyboard, `ended` when the last panel has gone.
@@ -71,11 +75,22 @@ export class SystemPanels {
         this.ended = ended;
     }
 
+    /// From now on the panels are in this language; before, none is shown.
+    async speak(language) {
+        words = await wordsIn(language);
+        this.#shown.forEach((panel) => (panel.key = ""));
+        this.show(this.#panels);
+    }
+
     get isAsking() {
         return this.element.childElementCount > 0;
     }
 
     show(panels) {
+        this.#panels = panels;
+        if (!words) {
+            return;
+        }
         const wasAsking = this.isAsking;
         if (!wasAsking) {
             this.#cameFrom = document.activeElement;

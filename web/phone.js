@@ -52,10 +52,10 @@ export class Phone {
     /// What the latest notification says; empty while there is none.
     get latest() {
         const notification = this.#state.notifications[0];
-        return notification ? this.#textOf(notification) : "";
+        return notification && this.words ? this.#textOf(notification) : "";
     }
 
-    #follow({ language, timeZone, isAlarmActive }) {
+    async #follow({ language, timeZone, isAlarmActive }) {
         this.#isAlarm = Boolean(isAlarmActive);
         this.#showBanner();
         if (language === this.#language && timeZone === this.timeZone) {
@@ -63,7 +63,7 @@ export class Phone {
         }
         this.#language = this.element.lang = language;
         this.timeZone = timeZone;
-        this.words = wordsIn(language);
+        this.words = await wordsIn(language);
         set(this.alertsTitle, { textContent: this.words("alerts") });
         set(this.noAlerts, { textContent: this.words("noAlerts") });
         set(this.noticesTitle, { textContent: this.words("notifications") });
@@ -86,6 +86,7 @@ export class Phone {
         if (!this.words) {
             return;
         }
+        set(this.bannerText, { textContent: this.latest }); // anew: its Mac may be known later
         if (isNews) {
             this.#ring();
         }
@@ -111,7 +112,6 @@ export class Phone {
     }
 
     #ring() {
-        this.bannerText.textContent = this.latest;
         this.#isBannerDue = true;
         this.#showBanner();
         clearTimeout(this.timer);

@@ -153,6 +153,12 @@ export class Screen {
         // What a window shows comes apart from its frame: all of a change first, then the picture.
         stream.on("state", (state) => this.#show(state));
         stream.on("menuBar", (bar) => this.#showMenuBar(bar));
+        stream.on("run", ({ language }) => {
+            if (language !== element.lang) {
+                element.lang = language;
+                this.panels.speak(language);
+            }
+        });
         stream.on("panels", (panels) => this.panels.show(panels));
         stream.on("hardware", (hardware) => this.#showPower(hardware));
         new ResizeObserver(() => this.#show(stream.state, true)).observe(element);

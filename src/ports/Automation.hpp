@@ -33,9 +33,9 @@ public:
     determinePermission(std::uint32_t descriptorType, std::string bundleIdentifier, std::uint32_t eventClass,
                         std::uint32_t eventId, bool askUserIfNeeded) = 0;
 
-    /// Compiles and runs a script (`NSAppleScript`), whose Apple Events wait for their answers up to the limit, in whole
-    /// seconds. Gives its result's Boolean value, or none when it can't be created or fails. On a Mac it blocks the
-    /// calling thread. Main thread.
+    /// Compiles and runs a script (`NSAppleScript`), whose Apple Events wait for their answers up to the limit, in
+    /// whole seconds. Gives its result's Boolean value, or none when it can't be created or fails. On a Mac it blocks
+    /// the calling thread. Main thread.
     [[nodiscard]] virtual Async<std::optional<bool>> runScript(std::string source, Duration limit) = 0;
 };
 

@@ -19,6 +19,12 @@ struct Crashed {
     static constexpr ports::EventNames names{"crashed"};
 };
 
+/// An exception left the product's handling of an event; the frameworks drop it.
+struct EventRaised {
+    static constexpr ports::EventNames names{"event.raised", "port"};
+    std::string_view port;
+};
+
 struct QuitAsked {
     static constexpr ports::EventNames names{"quit.asked"};
 };

@@ -50,7 +50,8 @@ bool FaultSwitches::set(std::string_view name, int times)
 
 bool FaultSwitches::isSet(std::string_view name) const
 {
-    return std::ranges::any_of(faults_, [name](const Fault& fault) { return fault.name == name && fault.remaining != 0; });
+    return std::ranges::any_of(faults_,
+                               [name](const Fault& fault) { return fault.name == name && fault.remaining != 0; });
 }
 
 std::vector<std::string> FaultSwitches::active() const

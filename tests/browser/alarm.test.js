@@ -73,7 +73,7 @@ test("two pages show the same Mac", async (t) => {
 
 test("the visitor's own webcam is what the Mac's camera sees", async (t) => {
     const desk = await sitDown(t);
-    const source = desk.hardware.getByRole("group", { name: "Camera sees" });
+    const source = desk.hardware.getByRole("toolbar", { name: "Camera sees" });
     const scene = desk.hardware.getByAltText("What the camera sees");
     assert.ok((await coloursOf(scene)) > 100, "at first a café");
     await desk.button("Your webcam", source).click();

@@ -15,7 +15,8 @@ async function focusable(page) {
     return nodes.filter((node) => !node.ignored && isSet(node, "focusable") && !/Web|document/.test(node.role.value));
 }
 
-/// Goes through the page by the Tab key, from its beginning: what had the keyboard and how that is seen.
+/// Goes through the page by the Tab key, from its beginning, and through rows of buttons by the arrow keys: what had the
+/// keyboard and how that is seen.
 async function tabThrough(page) {
     await page.evaluate(() => {
         globalThis.tabbedTo = new Set([document.body]);
@@ -24,23 +25,33 @@ async function tabThrough(page) {
         document.body.removeAttribute("tabindex");
     });
     const steps = [];
-    for (;;) {
-        await page.keyboard.press("Tab");
+    const press = async (key) => {
+        await page.keyboard.press(key);
         const step = await page.evaluate(() => {
             const element = document.activeElement;
             const style = getComputedStyle(element);
             const isNew = !globalThis.tabbedTo.has(element);
             globalThis.tabbedTo.add(element);
-            return { isNew, html: element.outerHTML.slice(0, 160), outline: `${style.outlineStyle} ${style.outlineWidth}` };
+            const isInRow = Boolean(element.closest("[role=toolbar]"));
+            return { isNew, isInRow, html: element.outerHTML.slice(0, 160), outline: `${style.outlineStyle} ${style.outlineWidth}` };
         });
-        if (!step.isNew) {
+        if (step.isNew) {
+            steps.push(step);
+        }
+        return step;
+    };
+    for (;;) {
+        const { isNew, isInRow } = await press("Tab");
+        if (!isNew) {
             return steps;
         }
-        steps.push(step);
+        while (isInRow && (await press("ArrowRight")).isNew) {
+            // The row ends where it began.
+        }
     }
 }
 
-/// Every control has a name, is reached by the Tab key, and shows when it has the keyboard.
+/// Every control has a name, is reached by keyboard, and shows when it has the keyboard.
 async function checkControls(page, least) {
     const named = await focusable(page);
     assert.deepEqual(named.filter((node) => !node.name?.value).map((node) => node.role.value), [], "controls without name");
@@ -52,7 +63,7 @@ async function checkControls(page, least) {
             .filter((element) => !globalThis.tabbedTo.has(element))
             .map((element) => element.outerHTML.slice(0, 160)),
     );
-    assert.deepEqual(missed, [], "controls that the Tab key misses");
+    assert.deepEqual(missed, [], "controls that the keyboard misses");
     assert.ok(steps.length >= least, `${steps.length} controls`);
 }
 
@@ -79,7 +90,7 @@ test("a Mac is armed and its alarm stopped without a mouse", async (t) => {
     await keyboard.press("Escape");
     await desk.menu.waitFor({ state: "hidden" });
     await desk.screen.locator(".menu-item:focus").waitFor();
-    await desk.tabTo(desk.button("Unplugged", desk.hardware));
+    await desk.arrowTo("Unplugged", "Charger");
     await keyboard.press("Enter");
     await desk.tells("→ The alarm sounds through MacBook Pro Speakers at 83 %.");
     await desk.tabTo(desk.menuItem);
@@ -104,10 +115,11 @@ test("a Mac is armed and its alarm stopped without a mouse", async (t) => {
 
 test("the control panel has room for every language", async (t) => {
     const titles = new Set();
-    for (const language of ["en", "de", "fr", "es", "ja", "zh-Hans"]) {
+    const logIn = { en: "Log in", de: "Anmelden", fr: "S’identifier", es: "Iniciar sesión", ja: "ログイン", "zh-Hans": "登录" };
+    for (const [language, answer] of Object.entries(logIn)) {
         const desk = await sitDown(t, { language });
         await desk.page.evaluate(() => fetch("/api/action", { method: "POST", body: JSON.stringify({ open: "main" }) }));
-        await desk.logIn();
+        await desk.logIn(answer);
         const panel = desk.window("Sentrel");
         await panel.waitFor();
         titles.add(await panel.locator("h3").nth(1).innerText());

@@ -1,4 +1,3 @@
-#include "sensors/MotionDetector.hpp"
 #include "simulation/icloud/CloudErrorNames.hpp"
 #include "simulation/icloud/CompanionPhone.hpp"
 #include "simulation/page/PageFiles.hpp"
@@ -6,6 +5,7 @@
 #include "simulation/stage/MacSession.hpp"
 #include "simulation/stage/MacState.hpp"
 #include "simulation/stage/MacWords.hpp"
+#include "simulation/stage/MotionMeter.hpp"
 
 #include <nlohmann/json.hpp>
 #include <ranges>
@@ -67,20 +67,10 @@ Json PageState::run() const
             {"language", session_.mac().calendar.languageTag()}};
 }
 
-std::optional<double> PageState::motionThreshold() const
-{
-    if (session_.app() == nullptr) {
-        return std::nullopt;
-    }
-    const AlarmSettings& settings = session_.app()->settings().settings();
-    return settings.triggerOnMotion ? std::optional{MotionDetector::thresholdFor(settings.motionSensitivity)}
-                                    : std::nullopt;
-}
-
 Json PageState::hardware()
 {
     SimulatedMac& mac = session_.mac();
-    const auto threshold = motionThreshold();
+    const auto threshold = motionThreshold(session_);
     const MacState state{session_};
     return {{"power", wordFor(powerWords, state.power())},
             {"lid", wordFor(lidWords, state.lid())},

@@ -2,7 +2,6 @@
 
 #include "simulation/stage/Player.hpp"
 
-#include <cmath>
 #include <filesystem>
 #include <memory>
 #include <mutex>
@@ -65,7 +64,7 @@ void LiveMac::begin()
 {
     life_->session.mac().accelerometer.observe([this](const simulation::Acceleration& sample) {
         if (life_->departures.size() < mostSamples) {
-            life_->departures.push_back(departureOf(sample));
+            life_->departures.push_back(life_->meter.distanceOf(sample, life_->threshold));
         }
     });
     life_->world.happened = [this] { happened(); };
@@ -145,6 +144,7 @@ std::shared_ptr<EventHub::Subscriber> LiveMac::listen()
 void LiveMac::happened()
 {
     tellStory();
+    life_->threshold = motionThreshold(life_->session);
     const double now = life_->session.seconds();
     if (hub_.subscribers() == 0) {
         life_->departures.clear();
@@ -166,19 +166,6 @@ void LiveMac::tellStory()
         life_->isLogRead = true;
         life_->story.tell(event);
     }
-}
-
-double LiveMac::departureOf(const simulation::Acceleration& sample)
-{
-    const double threshold = life_->state.motionThreshold().value_or(life_->meterThreshold);
-    if (!life_->meter || threshold != life_->meterThreshold) {
-        life_->meter.emplace(threshold);
-        life_->meterThreshold = threshold;
-    }
-    static_cast<void>(life_->meter->departs({sample.x, sample.y, sample.z}));
-    const AccelerationSample& baseline = life_->meter->baseline();
-    const double distance = std::hypot(sample.x - baseline.x, sample.y - baseline.y, sample.z - baseline.z);
-    return std::isfinite(distance) ? distance : 0.0;
 }
 
 void LiveMac::tellMotion(double now)

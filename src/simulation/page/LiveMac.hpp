@@ -1,11 +1,11 @@
 #pragma once
 
-#include "sensors/MotionDetector.hpp"
 #include "simulation/page/EventHub.hpp"
 #include "simulation/page/PageFiles.hpp"
 #include "simulation/page/PageState.hpp"
 #include "simulation/page/StoryLines.hpp"
 #include "simulation/stage/MacSession.hpp"
+#include "simulation/stage/MotionMeter.hpp"
 #include "simulation/stage/Scenario.hpp"
 #include "simulation/stage/WorldThread.hpp"
 
@@ -71,16 +71,15 @@ private:
         double lastMotion = -1.0;
         bool isTouched = true;
         bool isLogRead = false;
-        double meterThreshold = 0.0;
-        std::optional<MotionDetector> meter; // the product's detector, for the page's meter
-        std::vector<double> departures;      // of samples since the last motion event, in g
-        WorldThread world;                   // last: must end before the members that it uses
+        std::optional<double> threshold; // of motion, in g; a sample's callback may not ask the product
+        MotionMeter meter;
+        std::vector<double> departures; // of samples since the last motion event, in g
+        WorldThread world;              // last: must end before the members that it uses
     };
 
     void begin();
     void happened();
     void tellStory();
-    [[nodiscard]] double departureOf(const Acceleration& sample);
     void tellMotion(double now);
     void tellChanges();
     [[nodiscard]] bool mayHaveChanged();

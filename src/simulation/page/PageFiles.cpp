@@ -1,5 +1,7 @@
 #include "simulation/page/PageFiles.hpp"
 
+#include "simulation/mac/sound/WavHeader.hpp"
+
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -27,39 +29,16 @@ std::string nameOf(BytesView content, std::string_view extension)
     return std::string{text.data()} + std::string{extension};
 }
 
-void append(Bytes& bytes, std::uint32_t value, int count)
-{
-    for (int index = 0; index < count; ++index) {
-        bytes.push_back(static_cast<std::uint8_t>(value >> (8 * index)));
-    }
-}
-
-void append(Bytes& bytes, std::string_view text)
-{
-    bytes.insert(bytes.end(), text.begin(), text.end());
-}
-
 /// The samples as a WAV file: 16 bits, one channel.
 Bytes wavOf(const std::vector<float>& samples)
 {
-    const auto size = static_cast<std::uint32_t>(samples.size() * 2);
-    Bytes wav;
-    wav.reserve(44 + size);
-    append(wav, "RIFF");
-    append(wav, 36 + size, 4);
-    append(wav, "WAVEfmt ");
-    append(wav, 16, 4);
-    append(wav, 1, 2);
-    append(wav, 1, 2);
-    append(wav, sampleRate, 4);
-    append(wav, sampleRate * 2, 4);
-    append(wav, 2, 2);
-    append(wav, 16, 2);
-    append(wav, "data");
-    append(wav, size, 4);
+    const auto header = wavHeader(sampleRate, 16, static_cast<std::uint32_t>(samples.size() * 2));
+    Bytes wav{header.begin(), header.end()};
+    wav.reserve(header.size() + samples.size() * 2);
     for (const float sample : samples) {
         const auto value = static_cast<std::int16_t>(std::lround(std::clamp(sample, -1.0F, 1.0F) * 32767.0F));
-        append(wav, static_cast<std::uint16_t>(value), 2);
+        wav.push_back(static_cast<std::uint8_t>(value));
+        wav.push_back(static_cast<std::uint8_t>(static_cast<std::uint16_t>(value) >> 8));
     }
     return wav;
 }

@@ -41,8 +41,6 @@ public:
     [[nodiscard]] std::map<std::string, Text> contents();
     [[nodiscard]] Json panels();
     [[nodiscard]] Json hardware();
-    /// The distance from rest in g that sets off the alarm; none while motion doesn't.
-    [[nodiscard]] std::optional<double> motionThreshold() const;
     [[nodiscard]] Json sound();
     [[nodiscard]] Json cloud() const;
     [[nodiscard]] Json phone();

@@ -1,6 +1,7 @@
 #include "simulation/page/ServeCommand.hpp"
 
 #include "simulation/mac/language/IcuCalendar.hpp"
+#include "simulation/page/Browser.hpp"
 #include "simulation/page/LiveMac.hpp"
 #include "simulation/page/PageServer.hpp"
 #include "simulation/page/RunDisk.hpp"
@@ -46,14 +47,32 @@ Date today()
     return Date{std::chrono::duration<double>(since1970).count() - Date::secondsFrom1970To2001};
 }
 
-/// The signals that end the program; they are awaited, not handled.
-sigset_t endingSignals()
+/// The signals that end the program, or tell that a process which it has started has ended; awaited, not handled.
+sigset_t awaitedSignals()
 {
     sigset_t signals{};
     sigemptyset(&signals);
     sigaddset(&signals, SIGINT);
     sigaddset(&signals, SIGTERM);
+    sigaddset(&signals, SIGCHLD);
     return signals;
+}
+
+/// Waits until the program is to end. With a browser wanted, opens it first; the user, who has the address, is told if
+/// that fails.
+void serveUntilEnd(const sigset_t& signals, const std::string& address, bool opensBrowser, std::ostream& out)
+{
+    constexpr const char* failure = "The browser can't be opened from here; open the address yourself.\n";
+    Browser browser;
+    if (opensBrowser && !browser.open(address)) {
+        out << failure << std::flush;
+    }
+    for (int signal = SIGCHLD; signal == SIGCHLD;) {
+        sigwait(&signals, &signal);
+        if (signal == SIGCHLD && browser.hasFailed()) {
+            out << failure << std::flush;
+        }
+    }
 }
 
 } // namespace
@@ -61,7 +80,7 @@ sigset_t endingSignals()
 int run(const ServeCommand& command, std::ostream& out, std::ostream& err)
 {
     // Before any thread is created, so that all threads inherit the mask.
-    const sigset_t signals = endingSignals();
+    const sigset_t signals = awaitedSignals();
     pthread_sigmask(SIG_BLOCK, &signals, nullptr);
 
     Scenario scenario;
@@ -92,11 +111,9 @@ int run(const ServeCommand& command, std::ostream& out, std::ostream& err)
     }
     mac.start();
     std::thread serving{[&server] { server.run(); }};
-    out << "The simulated MacBook is at http://127.0.0.1:" << server.port() << "/?token=" << token << '\n'
-        << "Ctrl-C ends it.\n"
-        << std::flush;
-    int signal = 0;
-    sigwait(&signals, &signal);
+    const std::string address = "http://127.0.0.1:" + std::to_string(server.port()) + "/?token=" + token;
+    out << "The simulated MacBook is at " << address << "\nCtrl-C ends it.\n" << std::flush;
+    serveUntilEnd(signals, address, command.opensBrowser, out);
     server.stop();
     serving.join();
     mac.stop();

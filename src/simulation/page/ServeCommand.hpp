@@ -16,6 +16,7 @@ struct ServeCommand {
     std::optional<std::filesystem::path> disk; ///< kept for later runs; none: a temporary one
     std::optional<std::string> language;       ///< none: the scenario's
     std::uint64_t seed = 1;
+    bool opensBrowser = false;
     int port = 0;
     std::optional<std::string> token; ///< none: a random one
 };

@@ -1,5 +1,5 @@
-#include "simulation/mac/motion/MotionRecording.hpp"
 #include "simulation/mac/motion/MotionChange.hpp"
+#include "simulation/mac/motion/MotionRecording.hpp"
 #include "simulation/stage/Action.hpp"
 #include "simulation/stage/MacReader.hpp"
 #include "simulation/stage/MacSession.hpp"
@@ -102,7 +102,7 @@ void move(MacSession& session, const MotionChange& motion)
 std::string tellMotion(const MotionChange& motion)
 {
     if (const auto* sample = std::get_if<Acceleration>(&motion)) {
-        return "The Mac is moved: " + decimal(sample->x, 2) + ", " + decimal(sample->y, 2) + ", " +
+        return "The accelerometer reads " + decimal(sample->x, 2) + ", " + decimal(sample->y, 2) + " and " +
                decimal(sample->z, 2) + " g.";
     }
     if (const auto* recording = std::get_if<PlayedRecording>(&motion)) {
@@ -184,7 +184,7 @@ std::string tellCamera(const CameraValue& value)
     }
     if (change.devices) {
         text += change.devices->empty() ? " There is no camera any more."
-                                        : " What can take photos now: " + listed(*change.devices) + ".";
+                                        : " The cameras are now: " + listed(*change.devices) + ".";
     }
     if (change.brightness) {
         text += *change.brightness ? " The scene before the camera is now at " + percent(**change.brightness) + "."

@@ -100,7 +100,7 @@ void MacSession::crash()
 /// The process ends inside a call, as in `processHasEnded`.
 void MacSession::dieInCall(CallFault::Fate fate)
 {
-    log_.note("crashed", {});
+    log_.note(events::Crashed{});
     if (fate == CallFault::Fate::losesPower) {
         mac_.files.cutPowerAfter(0);
     }
@@ -256,7 +256,7 @@ void MacSession::onMain(const std::function<void(SentrelApp&)>& function)
             function(*app_);
         } catch (const Raised& raised) {
             // AppKit takes what comes out of the handling of an event, and goes on.
-            log_.note("event.raised", {{"port", std::string_view{raised.port}}});
+            log_.note(events::EventRaised{raised.port});
         }
     });
     clock_.runReady();

@@ -14,18 +14,17 @@
 
 namespace sentrel::simulation {
 
+std::filesystem::path alertsFolder(SimulatedMac& mac)
+{
+    return mac.disk() / "Application Support" / mac.host.bundleIdentifier().value_or("Sentrel") / "Alerts";
+}
+
 namespace {
 
 using Mac = MacDescription;
 
 constexpr std::string_view armedIcon = "MenuBarIconArmed";
 constexpr std::string_view stopButton = "stopAlarm"; // in the menu
-
-/// The product's folder of alerts, repeated here so that the disk is read independently of the product.
-std::filesystem::path alertsFolder(SimulatedMac& mac)
-{
-    return mac.disk() / "Application Support" / mac.host.bundleIdentifier().value_or("Sentrel") / "Alerts";
-}
 
 std::vector<StoredAlert> alertsOnDisk(SimulatedMac& mac)
 {

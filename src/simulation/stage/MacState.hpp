@@ -12,6 +12,8 @@
 #include <string_view>
 #include <vector>
 
+#include <filesystem>
+
 namespace sentrel::simulation {
 
 class MacSession;
@@ -82,5 +84,8 @@ private:
 /// that no device shows at all times comes from the product: its notices, the last trigger, the list of alerts, its
 /// view of iCloud, whether the lock screen refuses passcodes, and whether quitting is being decided.
 [[nodiscard]] Json stateOf(MacSession& session);
+
+/// The product's folder of alerts, repeated here so that the disk is read independently of the product.
+[[nodiscard]] std::filesystem::path alertsFolder(SimulatedMac& mac);
 
 } // namespace sentrel::simulation

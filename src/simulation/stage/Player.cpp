@@ -24,6 +24,7 @@ public:
         : scenario_(scenario),
           audience_(audience),
           folder_(options.out),
+          recordsSound_(folder_.isKept() || options.recordsSound),
           session_(scenario.mac, folder_.path(), options.resources, options.seed)
     {
         refuseImpossibleSteps();
@@ -38,9 +39,7 @@ public:
                 audience_.happened(event);
             }
         });
-        if (folder_.isKept()) {
-            startKeeping();
-        }
+        startKeeping();
     }
 
     ~Play() { audience_.leaves(session_); }
@@ -48,8 +47,7 @@ public:
 
     PlayResult run()
     {
-        audience_.begins();
-        audience_.enters(session_);
+        audience_.begins(session_);
         survive([&] { session_.launch(); });
         for (const Step& step : scenario_.steps) {
             while (session_.clock().now() < Instant{step.at}) {
@@ -59,12 +57,12 @@ public:
             survive([&] { carryOut(step); });
             audience_.settled(session_);
             session_.restFromHanging();
+            audience_.reached(session_.seconds());
         }
         hasEnded_ = true;
         result_.seconds = session_.seconds();
-        if (folder_.isKept()) {
-            finishKeeping();
-        }
+        finishKeeping();
+        audience_.ends(session_, recordsSound_ ? folder_.sound() : std::filesystem::path{});
         return std::move(result_);
     }
 
@@ -80,7 +78,19 @@ private:
         }
     }
 
-    void liveUntil(Instant time)
+    void liveUntil(Instant end)
+    {
+        constexpr Duration longest = std::chrono::minutes{1}; // between two calls of the audience
+        VirtualClock& clock = session_.clock();
+        while (clock.now() + longest < end) {
+            runUntil(clock.now() + longest);
+            audience_.reached(session_.seconds());
+        }
+        runUntil(end);
+        audience_.reached(session_.seconds());
+    }
+
+    void runUntil(Instant time)
     {
         VirtualClock& clock = session_.clock();
         while (audience_.wantsEachInstant()) {
@@ -108,20 +118,20 @@ private:
 
     void startKeeping()
     {
-        if (!session_.log().writeTo(folder_.events())) {
+        if (folder_.isKept() && !session_.log().writeTo(folder_.events())) {
             throw PlayError{"can't write '" + folder_.events().string() + "'"};
         }
-        if (!session_.mac().speaker.startRecording(folder_.sound())) {
+        if (recordsSound_ && !session_.mac().speaker.startRecording(folder_.sound())) {
             throw PlayError{"can't write '" + folder_.sound().string() + "'"};
         }
     }
 
     void finishKeeping()
     {
-        if (!session_.mac().speaker.finishRecording()) {
+        if (recordsSound_ && !session_.mac().speaker.finishRecording()) {
             throw PlayError{"'" + folder_.sound().string() + "' could not be written completely"};
         }
-        if (!session_.log().isWrittenWhole()) {
+        if (folder_.isKept() && !session_.log().isWrittenWhole()) {
             throw PlayError{"'" + folder_.events().string() + "' could not be written completely"};
         }
     }
@@ -161,6 +171,7 @@ private:
     const Scenario& scenario_;
     Audience& audience_;
     PlayFolder folder_;
+    const bool recordsSound_;
     MacSession session_;
     PlayResult result_;
     bool hasEnded_ = false;

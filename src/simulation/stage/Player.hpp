@@ -22,13 +22,13 @@ class Audience {
 public:
     virtual ~Audience() = default;
 
-    /// The play begins; everything is set up. Not called if the setup fails.
-    virtual void begins() {}
+    /// The play begins; everything is set up, the product not yet launched. Not called if the setup fails.
+    virtual void begins(MacSession& /*session*/) {}
 
-    /// The MacBook is there, before the launch.
-    virtual void enters(MacSession& /*session*/) {}
+    /// Virtual time has moved on to `at` seconds. Called before and after each step, and once a minute.
+    virtual void reached(double /*at*/) {}
 
-    /// It is about to go, also after a play that could not go on. Must not throw.
+    /// The MacBook is about to go, also after a play that could not go on. Must not throw.
     virtual void leaves(MacSession& /*session*/) {}
 
     /// True to be called for each instant between the steps, too.
@@ -48,6 +48,10 @@ public:
 
     /// An expectation was checked; it holds if there are no mismatches.
     virtual void checked(double at, const Step& step, const std::vector<Mismatch>& mismatches) = 0;
+
+    /// The last step is done. `sound` is the finished recording of what was heard, a WAV file; empty if none was asked
+    /// for. Both end with this call.
+    virtual void ends(MacSession& /*session*/, const std::filesystem::path& /*sound*/) {}
 };
 
 /// Setup of a play.
@@ -55,6 +59,7 @@ struct PlayOptions {
     std::optional<std::filesystem::path> out; ///< receives the disk, the events and the sound; none keeps nothing
     std::filesystem::path resources;          ///< the localisation tables
     std::uint64_t seed = 1;
+    bool recordsSound = false; ///< also without `out`
 };
 
 /// Result of a play.

@@ -107,10 +107,8 @@ ValueType<std::vector<Step>> stepsType()
 const Fields<Scenario>& scenarioFields()
 {
     static const Fields<Scenario> fields{
-        field("title", &Scenario::title, type::text()),
-        field("mac", &Scenario::mac, macType()),
-        field("settings", &Scenario::settings, settingsType()),
-        field("watched", &Scenario::isWatched, type::flag()),
+        field("title", &Scenario::title, type::text()),          field("mac", &Scenario::mac, macType()),
+        field("settings", &Scenario::settings, settingsType()),  field("watched", &Scenario::isWatched, type::flag()),
         required(field("steps", &Scenario::steps, stepsType())),
     };
     return fields;

@@ -134,13 +134,15 @@ std::string tellFailures(const FailingPorts& ports)
     for (const FailingPort& failing : ports) {
         text += text.empty() ? "" : " ";
         if (failing.faults.empty()) {
-            text += "From now on, " + failing.port + " works again.";
+            text += "Nothing fails any longer in the " + failing.port + ".";
             continue;
         }
-        text += "From now on, " + failing.port + " fails:";
+        text += "From now on a fault is set in the " + failing.port + ":";
         for (const FailingPort::Fault& fault : failing.faults) {
             text += (text.back() == ':' ? " " : ", ") + fault.name;
-            text += fault.times < 0 ? "" : " (" + std::to_string(fault.times) + " times)";
+            text += fault.times < 0    ? ""
+                    : fault.times == 1 ? " (once)"
+                                       : " (" + std::to_string(fault.times) + " times)";
         }
         text += ".";
     }
@@ -151,10 +153,8 @@ std::string tellFailures(const FailingPorts& ports)
 ValueType<std::optional<CallFault>> plannedFaultType()
 {
     using Fate = CallFault::Fate;
-    static constexpr std::array<Word<Fate>, 4> fates{{{"raises", Fate::raises},
-                                                      {"hangs", Fate::hangs},
-                                                      {"dies", Fate::dies},
-                                                      {"loses-power", Fate::losesPower}}};
+    static constexpr std::array<Word<Fate>, 4> fates{
+        {{"raises", Fate::raises}, {"hangs", Fate::hangs}, {"dies", Fate::dies}, {"loses-power", Fate::losesPower}}};
     constexpr std::uint32_t mostCalls = 1'000'000;
     return type::orNone(type::map(Fields<CallFault>{
         required(field("port", &CallFault::port, type::text())),
@@ -195,10 +195,10 @@ ValueType<double> clockType()
         Duration ahead{};
         Duration back{};
     };
-    return type::made(type::map(Fields<Move>{field("ahead", &Move::ahead, type::span()),
-                                             field("back", &Move::back, type::span())},
-                                "{clock: {ahead: 1h}}"),
-                      [](const Move& move) { return toSeconds(move.ahead) - toSeconds(move.back); });
+    return type::made(
+        type::map(Fields<Move>{field("ahead", &Move::ahead, type::span()), field("back", &Move::back, type::span())},
+                  "{clock: {ahead: 1h}}"),
+        [](const Move& move) { return toSeconds(move.ahead) - toSeconds(move.back); });
 }
 
 std::string tellClock(double seconds)
@@ -272,7 +272,7 @@ std::string_view tellLogin(LoginAnswer answer)
 {
     switch (answer) {
     case LoginAnswer::succeed:
-        return "From now on the Mac login is given.";
+        return "From now on the Mac login succeeds.";
     case LoginAnswer::fail:
         return "From now on the Mac login fails.";
     case LoginAnswer::cancel:

@@ -26,6 +26,10 @@ std::string decimal(double number, int decimals)
 
 std::string plainNumber(double number)
 {
+    constexpr double mostReadable = 1e9;
+    if (!(std::abs(number) < mostReadable)) {
+        return number < 0.0 ? "minus a billion or less" : "a billion or more";
+    }
     std::string text = decimal(number, 3);
     text.erase(text.find_last_not_of('0') + 1);
     if (text.back() == '.') {

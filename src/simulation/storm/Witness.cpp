@@ -55,7 +55,7 @@ std::vector<std::string_view> stateNames()
     return names;
 }
 
-void Witness::enters(MacSession& session)
+void Witness::begins(MacSession& session)
 {
     session.plannedFaults().countCalls();
     lookout_ = std::make_unique<Lookout>(session);

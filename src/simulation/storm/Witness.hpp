@@ -37,7 +37,7 @@ struct Experience {
 /// Checks the invariants all along a play. Nothing is checked any more after the first violation.
 class Witness final : public Audience {
 public:
-    void enters(MacSession& session) override;
+    void begins(MacSession& session) override;
     [[nodiscard]] bool wantsEachInstant() const override { return true; }
     void settled(MacSession& session) override;
     void leaves(MacSession& session) override;

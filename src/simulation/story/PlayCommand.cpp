@@ -4,123 +4,31 @@
 #include "simulation/stage/ScenarioError.hpp"
 #include "simulation/stage/ScenarioReader.hpp"
 #include "simulation/storm/Witness.hpp"
+#include "simulation/story/ProgressLine.hpp"
 #include "simulation/story/Story.hpp"
+#include "simulation/story/StoryAudience.hpp"
+#include "simulation/story/html/HtmlStory.hpp"
+#include "simulation/story/html/StoryRecorder.hpp"
 
 #include <nlohmann/json.hpp>
 
+#include <fstream>
 #include <ostream>
+#include <unistd.h>
 
 namespace sentrel::simulation {
 
 namespace {
 
-/// Passes the play on to the story.
-class StoryAudience final : public Audience {
-public:
-    StoryAudience(Story& story, const Scenario& scenario) : story_(story), scenario_(scenario) {}
-
-    void begins() override { story_.open(scenario_); }
-
-    void happened(const Event& event) override { story_.tell(event); }
-
-    void willPerform(double at, const Step& step, const Action& action) override
-    {
-        remark(at, step);
-        story_.perform(at, action);
-    }
-
-    void checked(double at, const Step& step, const std::vector<Mismatch>& mismatches) override
-    {
-        remark(at, step);
-        if (!mismatches.empty()) {
-            story_.differ(at, mismatches);
-        }
-    }
-
-private:
-    void remark(double at, const Step& step)
-    {
-        if (!step.note.empty()) {
-            story_.remark(at, step.note);
-        }
-    }
-
-    Story& story_;
-    const Scenario& scenario_;
-};
-
-/// Ignores the play.
-class NoAudience final : public Audience {
-public:
-    void happened(const Event& /*event*/) override {}
-    void willPerform(double /*at*/, const Step& /*step*/, const Action& /*action*/) override {}
-    void checked(double /*at*/, const Step& /*step*/, const std::vector<Mismatch>& /*mismatches*/) override {}
-};
-
-/// Lets a witness follow the play, too, if the scenario wants one.
-class WatchedAudience final : public Audience {
-public:
-    WatchedAudience(Audience& audience, const Scenario& scenario) : audience_(audience), isWatched_(scenario.isWatched)
-    {
-    }
-
-    void begins() override { audience_.begins(); }
-    void enters(MacSession& session) override
-    {
-        if (isWatched_) {
-            witness_.enters(session);
-        }
-    }
-    [[nodiscard]] bool wantsEachInstant() const override { return isWatched_; }
-    void leaves(MacSession& session) override { witness_.leaves(session); }
-    void died(double at, const Raised& raised) override
-    {
-        audience_.died(at, raised);
-        witness_.died(at, raised);
-    }
-    void settled(MacSession& session) override
-    {
-        if (isWatched_) {
-            witness_.settled(session);
-        }
-    }
-    void happened(const Event& event) override
-    {
-        audience_.happened(event);
-        witness_.happened(event);
-    }
-    void willPerform(double at, const Step& step, const Action& action) override
-    {
-        audience_.willPerform(at, step, action);
-        if (isWatched_) {
-            witness_.willPerform(at, step, action);
-        }
-    }
-    void checked(double at, const Step& step, const std::vector<Mismatch>& mismatches) override
-    {
-        audience_.checked(at, step, mismatches);
-    }
-
-    [[nodiscard]] const std::vector<Violation>& violations() const { return witness_.violations(); }
-
-private:
-    Audience& audience_;
-    const bool isWatched_;
-    Witness witness_;
-};
-
 /// An invariant that did not hold counts as a failed expectation.
-PlayResult playWatched(const Scenario& scenario, const PlayOptions& options, Audience& audience)
+void addViolations(const Witness& witness, PlayResult& result)
 {
-    WatchedAudience watched{audience, scenario};
-    PlayResult result = play(scenario, options, watched);
-    for (const Violation& violation : watched.violations()) {
+    for (const Violation& violation : witness.violations()) {
         result.mismatches.push_back(
             {.path = "the invariant \"" + violation.invariant + "\"",
              .expected = "kept",
              .actual = "violated at " + std::to_string(violation.at) + " s: " + violation.what});
     }
-    return result;
 }
 
 struct Artefact {
@@ -167,6 +75,9 @@ Json jsonOf(const PlayResult& result, const Scenario& scenario, const PlayComman
     for (const auto& [artefact, path] : keptArtefacts(command)) {
         kept[artefact.key] = path.string();
     }
+    if (command.html) {
+        kept["html"] = command.html->string();
+    }
     return {{"scenario", scenario.file},           {"title", scenario.title},
             {"seconds", result.seconds},           {"held", result.expectationsHeld},
             {"mismatches", std::move(mismatches)}, {"artefacts", std::move(kept)}};
@@ -182,27 +93,84 @@ StorySummary summaryOf(const PlayResult& result, const Scenario& scenario, const
     for (const auto& [artefact, path] : keptArtefacts(command)) {
         summary.artefacts.push_back({artefact.what, path.string()});
     }
+    if (command.html) {
+        summary.artefacts.push_back({"the story as a page", command.html->string()});
+    }
     return summary;
 }
 
-PlayResult playAsStory(const Scenario& scenario, const PlayOptions& options, const PlayCommand& command,
-                       std::ostream& out)
+void writePage(const StoryRecord& record, const PlayCommand& command, const HtmlLooks& looks)
 {
-    Story story{out, StoryStyle::forStandardOutput()};
-    StoryAudience audience{story, scenario};
-    PlayResult result = playWatched(scenario, options, audience);
-    story.finish(summaryOf(result, scenario, command));
-    return result;
+    std::ofstream file{*command.html, std::ios::binary | std::ios::trunc};
+    file << htmlStory(record, looks);
+    file.close();
+    if (!file) {
+        throw PlayError{"can't write '" + command.html->string() + "'"};
+    }
 }
 
-PlayResult playAsJson(const Scenario& scenario, const PlayOptions& options, const PlayCommand& command,
-                      std::ostream& out)
-{
-    NoAudience audience;
-    PlayResult result = playWatched(scenario, options, audience);
-    out << encodeJson(jsonOf(result, scenario, command)) << '\n';
-    return result;
-}
+/// One play and its audiences.
+class OnePlay {
+public:
+    OnePlay(const Scenario& scenario, const PlayCommand& command, std::ostream& err)
+        : scenario_(scenario), command_(command)
+    {
+        if (ProgressLine::isWatched()) {
+            const double seconds = scenario.steps.empty() ? 0.0 : toSeconds(scenario.steps.back().at);
+            audiences_.add(progress_.emplace(err, seconds, !command.isJson && isatty(STDOUT_FILENO) != 0));
+        }
+        if (scenario.isWatched) {
+            audiences_.add(witness_.emplace());
+        }
+        if (command.html) {
+            looks_ = HtmlLooks::readFrom(command.web);
+            audiences_.add(recorder_.emplace(scenario));
+        }
+    }
+
+    PlayResult playAsStory(std::ostream& out)
+    {
+        Story story{out, StoryStyle::forStandardOutput()};
+        StoryAudience audience{story, scenario_};
+        audiences_.add(audience);
+        PlayResult result = playAll();
+        story.finish(summaryOf(result, scenario_, command_));
+        return result;
+    }
+
+    PlayResult playAsJson(std::ostream& out)
+    {
+        PlayResult result = playAll();
+        out << encodeJson(jsonOf(result, scenario_, command_)) << '\n';
+        return result;
+    }
+
+private:
+    PlayResult playAll()
+    {
+        const PlayOptions options{.out = command_.out,
+                                  .resources = command_.resources,
+                                  .seed = command_.seed,
+                                  .recordsSound = recorder_.has_value()};
+        PlayResult result = play(scenario_, options, audiences_);
+        progress_.reset();
+        if (witness_) {
+            addViolations(*witness_, result);
+        }
+        if (recorder_) {
+            writePage(recorder_->finish(summaryOf(result, scenario_, command_)), command_, looks_);
+        }
+        return result;
+    }
+
+    const Scenario& scenario_;
+    const PlayCommand& command_;
+    Audiences audiences_;
+    std::optional<ProgressLine> progress_;
+    std::optional<Witness> witness_;
+    std::optional<StoryRecorder> recorder_;
+    HtmlLooks looks_;
+};
 
 } // namespace
 
@@ -210,9 +178,8 @@ int run(const PlayCommand& command, std::ostream& out, std::ostream& err)
 {
     try {
         const Scenario scenario = readScenario(command.scenario);
-        const PlayOptions options{.out = command.out, .resources = command.resources, .seed = command.seed};
-        const PlayResult result =
-            command.isJson ? playAsJson(scenario, options, command, out) : playAsStory(scenario, options, command, out);
+        OnePlay onePlay{scenario, command, err};
+        const PlayResult result = command.isJson ? onePlay.playAsJson(out) : onePlay.playAsStory(out);
         return result.mismatches.empty() ? exitAllHeld : exitSomeFailed;
     } catch (const ScenarioError& error) {
         err << error.what() << '\n';

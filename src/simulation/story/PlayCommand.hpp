@@ -14,12 +14,15 @@ namespace sentrel::simulation {
 struct PlayCommand {
     std::filesystem::path scenario;
     std::optional<std::filesystem::path> out;
+    std::optional<std::filesystem::path> html; ///< receives the story as a page
     std::filesystem::path resources;
+    std::filesystem::path web; ///< holds the style and the script of that page
     std::uint64_t seed = 1;
     bool isJson = false;
 };
 
-/// Plays the scenario; prints the story, or one JSON object, on `out`, and errors on `err`. Returns the exit status.
+/// Plays the scenario; prints the story, or one JSON object, on `out`, and errors and progress on `err`. Returns the
+/// exit status.
 int run(const PlayCommand& command, std::ostream& out, std::ostream& err);
 
 } // namespace sentrel::simulation

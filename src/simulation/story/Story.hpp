@@ -34,7 +34,7 @@ struct StorySummary {
 /// actions. Repetitions are told once. Times are seconds since launch. One thread.
 class Story {
 public:
-    Story(std::ostream& out, StoryStyle style) : page_(out, style) {}
+    Story(std::ostream& out, StoryStyle style, StoryListener told = {}) : page_(out, style, std::move(told)) {}
 
     /// Prints the title and the initial state.
     void open(const Scenario& scenario);

@@ -132,6 +132,9 @@ void StoryPage::paragraph(std::string_view text)
 
 void StoryPage::line(double at, StoryTone tone, std::string_view text)
 {
+    if (told_) {
+        told_(at, tone, text);
+    }
     const long long moment = std::llround(at * 10.0);
     const bool isNewMoment = moment_ != moment;
     if (isNewMoment && (!isReaction(tone) || !moment_)) {
@@ -155,6 +158,9 @@ void StoryPage::rule()
 
 void StoryPage::closing(StoryTone tone, std::string_view mark, std::string_view text)
 {
+    if (told_) {
+        told_(std::nullopt, tone, text);
+    }
     wrapped("  " + painted(colourOf(tone), mark) + " ", 3 + columns(mark), tone, text);
 }
 

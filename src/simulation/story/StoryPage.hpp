@@ -1,10 +1,12 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <optional>
 #include <ostream>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace sentrel::simulation {
 
@@ -29,11 +31,18 @@ enum class StoryTone {
     bad,
 };
 
+/// Receives each line of a story as it is told: its time in seconds (none for a line after the story), its kind and its
+/// text.
+using StoryListener = std::function<void(std::optional<double> at, StoryTone tone, std::string_view text)>;
+
 /// The layout of a story: a column of times, and lines that are wrapped and coloured. Control characters in texts are
 /// replaced, so that no name can affect the terminal. One thread.
 class StoryPage {
 public:
-    StoryPage(std::ostream& out, StoryStyle style) : out_(out), style_(style) {}
+    StoryPage(std::ostream& out, StoryStyle style, StoryListener told = {})
+        : out_(out), style_(style), told_(std::move(told))
+    {
+    }
 
     void heading(std::string_view text);
     void paragraph(std::string_view text);
@@ -56,6 +65,7 @@ private:
 
     std::ostream& out_;
     StoryStyle style_;
+    StoryListener told_;
     std::optional<long long> moment_; // time of the last line, in tenths of a second
 };
 

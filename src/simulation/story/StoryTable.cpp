@@ -86,10 +86,10 @@ std::string photoTaken(const PhotoTaken& event)
 
 std::string noPhoto(const NoPhoto& event)
 {
-    const std::string why = meaning(event.why, {{"not authorized", "Sentrel isn't allowed to use it"},
-                                                {"no camera", "there is none"},
-                                                {"timed out", "nothing came within 5 s"}});
-    return "The camera gives no photo" + (why.empty() ? why : ": " + why) + ".";
+    const std::string why = meaning(event.why, {{"not authorized", "Sentrel isn't allowed to use the camera"},
+                                                {"no camera", "there is no camera"},
+                                                {"timed out", "the camera gave nothing within 5 s"}});
+    return "No photo is taken" + (why.empty() ? why : ": " + why) + ".";
 }
 
 StorySentence passcodeTried(const PasscodeTried& event)
@@ -257,7 +257,7 @@ constexpr Row rows[] = {
     row<CoverHidden>(good, "The lock screen is gone."),
     row<LoginAsked, login>(reaction),
     row<QuitAsked>(happens, "Sentrel is asked to quit."),
-    row<QuitCancelled>(reaction, "It does not quit without the Mac login."),
+    row<QuitCancelled>(reaction, "It wants the Mac login before it quits."),
     row<LoginItemChanged, loginItem>(reaction),
     row<PreviewShown>(reaction, "The photo is shown in a panel of its own."),
     row<CommandApplied>(reaction, "Sentrel has done what the phone asked."),

@@ -83,7 +83,7 @@ std::string camerasText(const Mac& mac)
     }
     std::string text = " It has a " + listed(*mac.camera.devices);
     if (mac.camera.brightness && *mac.camera.brightness) {
-        text += " before a scene at " + percent(**mac.camera.brightness) + " brightness";
+        text += ", which looks at a scene of " + percent(**mac.camera.brightness) + " brightness";
     }
     return text + ".";
 }
@@ -102,7 +102,8 @@ std::string passcodeText(const Mac& mac)
 
 std::string describe(const Mac& mac)
 {
-    std::string text = "A " + mac.productName.value_or(mac.model);
+    const std::string product = mac.productName.value_or(mac.model);
+    std::string text = (product.starts_with('i') ? "An " : "A ") + product; // an iMac
     text += mac.localizedName ? " called " + quotation(*mac.localizedName) + " " : " without a name ";
     text += powerText(mac.power);
     text += lidText(mac.lid);

@@ -46,6 +46,17 @@ export class Desk {
         throw new Error(`the Tab key does not lead to ${control}`);
     }
 
+    /// Goes by keyboard to a choice of the hardware, which is one stop of the Tab key, and in it to this button.
+    async arrowTo(name, group) {
+        const choice = this.hardware.getByRole("toolbar", { name: group, exact: true });
+        await this.tabTo(choice.locator("[tabindex='0']"));
+        const wanted = this.button(name, choice).and(this.page.locator(":focus"));
+        for (let steps = 0; steps < 4 && (await wanted.count()) === 0; ++steps) {
+            await this.page.keyboard.press("ArrowRight");
+        }
+        await wanted.waitFor();
+    }
+
     isArmed(armed = true) {
         return this.button(`Sentrel: ${armed ? "Armed" : "Disarmed"}`, this.screen).waitFor();
     }

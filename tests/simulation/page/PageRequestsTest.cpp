@@ -58,6 +58,15 @@ TEST_F(PageThreads, ArmOnOnePageAndTheOtherSeesIt)
     EXPECT_TRUE(mac.call([](MacSession& session) { return session.app()->coordinator().isAlarmActive.get(); }));
 }
 
+TEST_F(PageThreads, ShowHowAnArmedMacMoves)
+{
+    const auto stream = mac.listen();
+    EXPECT_EQ(ask("action", R"({"accelerometer": "resting"})").status, 204);
+    EXPECT_EQ(ask("action", R"("arm")").status, 204);
+    EXPECT_TRUE(says(*stream, R"("departures":[)"));
+    EXPECT_FALSE(mac.call([](MacSession& session) { return session.app()->coordinator().isAlarmActive.get(); }));
+}
+
 TEST_F(PageThreads, RefuseWhatMakesNoSenseInPlainWordsAndGoOn)
 {
     const std::string deep = std::string(600, '[') + std::string(600, ']');

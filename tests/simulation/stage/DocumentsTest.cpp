@@ -87,5 +87,26 @@ TEST(Documents, NameEveryWordOfTheScenarioLanguageAndNoOther)
     EXPECT_EQ(page.after("Ports: `power-sources`"), ports);
 }
 
+TEST(Documents, TheManualExplainsNoticesThatTheProductHas)
+{
+    const auto contentOf = [](const std::string& path) {
+        const std::ifstream file{SENTREL_SOURCE_DIR + path};
+        std::ostringstream content;
+        content << file.rdbuf();
+        return content.str();
+    };
+    const std::string manual = contentOf("/docs/manual.md");
+    const std::string texts = contentOf("/resources/en.lproj/Localizable.strings");
+    static const std::regex explained{"\n\\| “([^”]+)” \\|"};
+    int found = 0;
+    for (std::sregex_iterator match{manual.begin(), manual.end(), explained}, end; match != end; ++match, ++found) {
+        // A notice of two lines is quoted by its first.
+        const std::string text = "\n\"" + match->str(1);
+        EXPECT_TRUE(texts.find(text + '"') != std::string::npos || texts.find(text + "\\n") != std::string::npos)
+            << match->str(1);
+    }
+    EXPECT_GE(found, 25);
+}
+
 } // namespace
 } // namespace sentrel::simulation

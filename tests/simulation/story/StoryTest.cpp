@@ -114,8 +114,8 @@ TEST(Story, TellsOfPhotosPasscodesAndTheLoginWhatAStrangerUnderstands)
               "pixels.\n");
     EXPECT_EQ(told("photo.taken", {{"attempts", whole(1)}}), "→ The camera takes a photo.\n");
     EXPECT_EQ(told("photo.none", {{"why", text("timed out")}}),
-              "→ The camera gives no photo: nothing came within 5 s.\n");
-    EXPECT_EQ(told("photo.none", {{"why", text("output refused")}}), "→ The camera gives no photo: output refused.\n");
+              "→ No photo is taken: the camera gave nothing within 5 s.\n");
+    EXPECT_EQ(told("photo.none", {{"why", text("output refused")}}), "→ No photo is taken: output refused.\n");
     EXPECT_EQ(told("cover.shown", {{"windows", whole(2)}}), "→ The lock screen covers 2 displays.\n");
     EXPECT_EQ(told("passcode", {{"outcome", text("triggered")}}), "→ The passcode is wrong, once too often.\n");
     EXPECT_EQ(told("login", {{"reason", text("stop the alarm")}, {"answer", text("cancel")}}),
