@@ -98,7 +98,7 @@ void AlarmCoordinator::disarm()
     cameraWarning = std::nullopt;
     motionWarning = std::nullopt;
     cancelScreenGuard();
-    armedPowerAssertion_.release();
+    quietly([this] { armedPowerAssertion_.release(); });
     stopMonitors();
     powerMonitor_.onUnplugged = nullptr;
     lidMonitor_.onLidClosed = nullptr;
@@ -174,9 +174,10 @@ Async<void> AlarmCoordinator::deliver(Weak<AlarmCoordinator> weak, TriggerReason
 
 void AlarmCoordinator::stopMonitors()
 {
-    powerMonitor_.stop();
-    lidMonitor_.stop();
-    motionMonitor_.stop();
+    // A sensor that raises must not keep the others on watch, or the alarm sounding.
+    quietly([this] { powerMonitor_.stop(); });
+    quietly([this] { lidMonitor_.stop(); });
+    quietly([this] { motionMonitor_.stop(); });
 }
 
 void AlarmCoordinator::refreshMotionWarning(const AlarmSettings& settings)
