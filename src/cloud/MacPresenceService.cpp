@@ -4,6 +4,7 @@
 #include "cloud/CloudTimeLimit.hpp"
 #include "cloud/PresenceTimes.hpp"
 #include "core/RandomUUID.hpp"
+#include "foundation/Quietly.hpp"
 #include "foundation/UUID.hpp"
 #include "ports/HostInfo.hpp"
 #include "ports/Journal.hpp"
@@ -84,7 +85,8 @@ Async<void> MacPresenceService::beat()
 {
     // A cancelled wait throws, which ends the loop.
     for (;;) {
-        const Duration backoff = remainingBackoff(cloud_.requestBackoff(), ports_.wallClock.now());
+        const Duration backoff =
+            quietly([this] { return remainingBackoff(cloud_.requestBackoff(), ports_.wallClock.now()); });
         co_await sleepFor(std::max(heartbeatInterval, backoff));
         co_await publishState();
     }
@@ -130,6 +132,8 @@ Async<void> MacPresenceService::publishAfter(Task<void> predecessor)
     } catch (const std::exception& error) {
         // The heartbeat awaits this task and must survive its failure.
         ports_.journal.note("presence.failed", {{"why", std::string_view{error.what()}}});
+    } catch (...) {
+        ports_.journal.note("presence.failed", {{"why", "raised"}});
     }
 }
 

@@ -4,6 +4,7 @@
 #include "cloud/CloudTimeLimit.hpp"
 #include "cloud/PresenceTimes.hpp"
 #include "foundation/Fatal.hpp"
+#include "foundation/Quietly.hpp"
 #include "ports/Journal.hpp"
 #include "ports/RemoteNotifications.hpp"
 #include "ports/UserDefaults.hpp"
@@ -79,9 +80,11 @@ Async<bool> MacPresenceService::poll()
         throw;
     } catch (const std::exception& error) {
         cloud_.recordSyncFailure(error);
+    } catch (...) {
+        // Raised: the polls go on.
     }
     if (answer.command) {
-        obey(*answer.command);
+        quietly([&] { obey(*answer.command); });
     }
     co_return answer.isGiven;
 }
@@ -103,7 +106,8 @@ Duration MacPresenceService::pollWait() const
     if (pushTokenRegistered_ && cloud_.macCommandSubscriptionEnsured() && !pollOwed_) {
         return pollIntervalWithPushes;
     }
-    const Duration backoff = remainingBackoff(cloud_.requestBackoff(), ports_.wallClock.now());
+    const Duration backoff =
+        quietly([this] { return remainingBackoff(cloud_.requestBackoff(), ports_.wallClock.now()); });
     return std::clamp(backoff, shortestPollInterval, longestPollInterval);
 }
 

@@ -28,7 +28,10 @@ double Chronicle::lastTrouble(std::string_view port) const
 
 bool Chronicle::hadTrouble(std::initializer_list<std::string_view> ports, double since) const
 {
-    return std::ranges::any_of(ports, [&](std::string_view port) { return lastTrouble(port) >= since; });
+    return std::ranges::any_of(ports, [&](std::string_view port) {
+        const double last = lastTrouble(port);
+        return last != never && last >= since;
+    });
 }
 
 bool Chronicle::wasBroken(std::initializer_list<std::string_view> ports, double since) const
@@ -300,7 +303,10 @@ void Chronicle::noteSound(const Sight& before, const Sight& now)
             const bool hadCause = at - lastCauseAt() < longestWay ||
                                   hadTrouble({"power-sources", "lid", "workspace", "accelerometer"}, at - longestWay) ||
                                   at - wokeAt < longestWay;
-            ringing = Ringing{at, at, outputToRestore.value_or(before.output), hadCause};
+            // An alarm that follows at once has found the output as the one before took it.
+            const bool wasOutputTouched = outputDeedAt >= rangSince;
+            ringing =
+                Ringing{at, at, wasOutputTouched ? before.output : outputToRestore.value_or(before.output), hadCause};
             outputToRestore.reset();
         }
         ringing->lastHeard = at;
