@@ -347,8 +347,8 @@ bool Chronicle::hasCommand(bool arms) const
 {
     return std::ranges::any_of(commands, [&](const SentCommand& sent) {
         const double age = at - sent.at + sent.command.issuedAgo;
-        // A clock that was set may have made the command younger or older.
-        return sent.command.arm == arms && (age <= longestCommandAge || clockJumpedAt > sent.at);
+        // A clock that was set back takes old commands for new ones.
+        return sent.command.arm == arms && (age <= longestCommandAge || clockJumpedAt != never);
     });
 }
 
