@@ -33,8 +33,10 @@ void MacPresenceService::receive(const ports::CloudNotification& notification)
     if (notification.subscriptionID != CloudSubscriptions::macCommandIdentifier) {
         return;
     }
-    // The subscription belongs to the account: every Mac hears of every Mac's commands.
-    if (!notification.recordName || *notification.recordName == commandRecordName(deviceID())) {
+    // The subscription belongs to the account: every Mac hears of every Mac's commands. One that can't tell its own
+    // asks.
+    const auto own = quietly([this] { return std::optional{commandRecordName(deviceID())}; });
+    if (!notification.recordName || !own || *notification.recordName == *own) {
         pollSoon();
     }
 }

@@ -77,10 +77,13 @@ void Chronicle::happened(const Event& event)
     } else if (name == "lid.changed") {
         const bool isClosed = session_.mac().lid.isClosed().value_or(false);
         if (!std::exchange(wasLidClosed_, isClosed) && isClosed) {
-            const bool isSeen =
-                settings_ && settings_->triggerOnLidClosed && !hadTrouble({"lid", "workspace"}, at - 10.0);
+            // Opening is not announced: the lid must have been open long enough to be polled.
+            constexpr double longestPoll = 2.5; // seconds
+            const bool isSeen = settings_ && settings_->triggerOnLidClosed && at - lidOpenedAt_ > longestPoll &&
+                                !hadTrouble({"lid", "workspace"}, at - 10.0);
             addCause("lidClosed", isSeen);
         } else if (!isClosed) {
+            lidOpenedAt_ = at;
             for (Cause& cause : causes) {
                 cause.isCertain = cause.isCertain && (cause.reason != "lidClosed" || cause.at < at - longestNotice);
             }
@@ -166,7 +169,7 @@ void Chronicle::noteTroubles()
         hangs[place.first.first] += place.second == CallFault::Fate::hangs ? count : 0;
     }
     for (const auto& [port, count] : hangs) {
-        if (std::exchange(hangs_[port], count) != count && isUp_) {
+        if (std::exchange(hangs_[port], count) != count) {
             hung_.insert(port);
             hasHung = true;
         }
@@ -361,6 +364,7 @@ void Chronicle::conclude(const Sight& before, const Sight& now)
         const auto isUsed = [&](const SentCommand& sent) { return sent.command.arm == now.showsArmed; };
         if (!isPersons) {
             std::erase_if(commands, isUsed);
+            (now.showsArmed ? armDeedAt : disarmDeedAt) = at; // the owner's deed, by phone
         }
     }
     constexpr double restored = 3.0; // seconds after which the output was compared
