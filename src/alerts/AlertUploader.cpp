@@ -61,6 +61,8 @@ Async<AlertUploader::Outcome> AlertUploader::attempt(AlertEvent alert, std::opti
         outcome = Outcome::timedOut;
     } catch (const std::exception& error) {
         outcome = noteFailure(id, error);
+    } catch (...) {
+        outcome = Outcome::failed; // raised; the next attempt must not find this one under way for ever
     }
     if (outcome == Outcome::timedOut) {
         // The catalog may have taken too long, after the server had confirmed the alert.

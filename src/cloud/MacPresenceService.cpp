@@ -5,6 +5,7 @@
 #include "cloud/PresenceTimes.hpp"
 #include "core/Events.hpp"
 #include "core/RandomUUID.hpp"
+#include "foundation/Quietly.hpp"
 #include "foundation/UUID.hpp"
 #include "ports/HostInfo.hpp"
 #include "ports/Journal.hpp"
@@ -80,7 +81,7 @@ Async<void> MacPresenceService::beat()
 {
     // A cancelled wait throws, which ends the loop.
     for (;;) {
-        const Duration backoff = cloud_.remainingBackoff();
+        const Duration backoff = quietly([this] { return cloud_.remainingBackoff(); });
         co_await sleepFor(std::max(heartbeatInterval, backoff));
         co_await publishState();
     }
@@ -126,6 +127,8 @@ Async<void> MacPresenceService::publishAfter(Task<void> predecessor)
     } catch (const std::exception& error) {
         // The heartbeat awaits this task and must survive its failure.
         ports_.journal.note(events::PresenceFailed{error.what()});
+    } catch (...) {
+        ports_.journal.note(events::PresenceFailed{"raised"});
     }
 }
 

@@ -5,6 +5,7 @@
 #include "cloud/PresenceTimes.hpp"
 #include "core/Events.hpp"
 #include "foundation/Fatal.hpp"
+#include "foundation/Quietly.hpp"
 #include "ports/Journal.hpp"
 #include "ports/RemoteNotifications.hpp"
 #include "ports/UserDefaults.hpp"
@@ -33,8 +34,10 @@ void MacPresenceService::receive(const ports::CloudNotification& notification)
     if (notification.subscriptionID != CloudSubscriptions::macCommandIdentifier) {
         return;
     }
-    // The subscription belongs to the account: every Mac hears of every Mac's commands.
-    if (!notification.recordName || *notification.recordName == commandRecordName(deviceID())) {
+    // The subscription belongs to the account: every Mac hears of every Mac's commands. One that can't tell its own
+    // asks.
+    const auto own = quietly([this] { return std::optional{commandRecordName(deviceID())}; });
+    if (!notification.recordName || !own || *notification.recordName == *own) {
         pollSoon();
     }
 }
@@ -80,9 +83,11 @@ Async<bool> MacPresenceService::poll()
         throw;
     } catch (const std::exception& error) {
         cloud_.recordSyncFailure(error);
+    } catch (...) {
+        // Raised: the polls go on.
     }
     if (answer.command) {
-        obey(*answer.command);
+        quietly([&] { obey(*answer.command); });
     }
     co_return answer.isGiven;
 }
@@ -104,7 +109,7 @@ Duration MacPresenceService::pollWait() const
     if (pushTokenRegistered_ && cloud_.macCommandSubscriptionEnsured() && !pollOwed_) {
         return pollIntervalWithPushes;
     }
-    const Duration backoff = cloud_.remainingBackoff();
+    const Duration backoff = quietly([this] { return cloud_.remainingBackoff(); });
     return std::clamp(backoff, shortestPollInterval, longestPollInterval);
 }
 

@@ -1,5 +1,6 @@
 #include "core/SettingsStore.hpp"
 
+#include "foundation/Quietly.hpp"
 #include "ports/UserDefaults.hpp"
 #include "runtime/AssertOnMainActor.hpp"
 
@@ -34,7 +35,8 @@ const AlarmSettings& SettingsStore::settings() const
 void SettingsStore::setSettings(const AlarmSettings& settings)
 {
     assertOnMainActor(actor_);
-    settings_ = settings;
+    // An observer that throws must not keep the settings from being stored.
+    quietly([&] { settings_ = settings; });
     save();
 }
 

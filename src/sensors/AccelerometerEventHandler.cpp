@@ -1,5 +1,6 @@
 #include "sensors/AccelerometerEventHandler.hpp"
 
+#include "foundation/Quietly.hpp"
 #include "ports/SystemConstants.hpp"
 
 #include <utility>
@@ -68,8 +69,9 @@ std::unique_ptr<ports::HidClient> AccelerometerEventHandler::detachClient()
 {
     setRunning(false);
     if (client_ != nullptr) {
-        client_->unschedule(queue_);
-        client_->unregisterEventCallback();
+        // Also called by the destructor, which must not throw.
+        quietly([this] { client_->unschedule(queue_); });
+        quietly([this] { client_->unregisterEventCallback(); });
     }
     return std::move(client_);
 }

@@ -105,7 +105,7 @@ void AlarmCoordinator::disarm()
     cameraWarning = std::nullopt;
     motionWarning = std::nullopt;
     cancelScreenGuard();
-    armedPowerAssertion_.release();
+    quietly([this] { armedPowerAssertion_.release(); });
     stopMonitors();
     powerMonitor_.onUnplugged = nullptr;
     lidMonitor_.onLidClosed = nullptr;
@@ -219,9 +219,10 @@ std::function<void()> AlarmCoordinator::triggerCallback(bool isWanted, TriggerRe
 
 void AlarmCoordinator::stopMonitors()
 {
-    powerMonitor_.stop();
-    lidMonitor_.stop();
-    motionMonitor_.stop();
+    // A sensor that raises must not keep the others on watch, or the alarm sounding.
+    quietly([this] { powerMonitor_.stop(); });
+    quietly([this] { lidMonitor_.stop(); });
+    quietly([this] { motionMonitor_.stop(); });
 }
 
 void AlarmCoordinator::refreshMotionWarning(const AlarmSettings& settings)

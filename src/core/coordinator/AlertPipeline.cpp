@@ -110,6 +110,23 @@ Async<std::optional<Bytes>> AlertPipeline::takePhoto(bool isWanted)
     co_return photo;
 }
 
+namespace {
+
+/// For an alert that gets no random identifier. One trigger after another is processed, so that the moment and the
+/// reason tell alerts of one process apart.
+UUID identifierOf(Instant now, TriggerReason reason)
+{
+    UUID::Octets octets{};
+    const auto count = static_cast<std::uint64_t>(now.time_since_epoch().count());
+    for (std::size_t i = 0; i < sizeof count; ++i) {
+        octets[i] = static_cast<std::uint8_t>(count >> (8 * i));
+    }
+    octets.back() = static_cast<std::uint8_t>(reason);
+    return UUID::fromRandom(octets);
+}
+
+} // namespace
+
 /// Retries once: a port that throws may answer the second time, and the alert is worth it.
 AlertEvent AlertPipeline::makeAlertInAnyCase(TriggerReason reason, std::optional<Date> date, bool hasPhoto)
 {
@@ -123,7 +140,10 @@ AlertEvent AlertPipeline::makeAlertInAnyCase(TriggerReason reason, std::optional
 AlertEvent AlertPipeline::makeAlert(TriggerReason reason, std::optional<Date> date, bool hasPhoto)
 {
     AlertEvent alert;
-    alert.id = randomUUID(ports_.random);
+    alert.id = insistently([this] { return randomUUID(ports_.random); });
+    if (alert.id == UUID{}) {
+        alert.id = identifierOf(actor_.scheduler().now(), reason);
+    }
     alert.reason = reason;
     alert.timestamp = date ? *date : insistently([this] { return ports_.wallClock.now(); });
     alert.deviceName = insistently([this] { return ports_.host.localizedName(); }).value_or("Mac");

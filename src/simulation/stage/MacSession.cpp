@@ -78,6 +78,7 @@ MacSession::~MacSession()
 
 void MacSession::launch()
 {
+    bury();
     isRelaunching_ = false;
     if (app_ != nullptr) {
         return;
@@ -90,6 +91,7 @@ void MacSession::launch()
 
 void MacSession::crash()
 {
+    bury();
     if (app_ == nullptr) {
         return;
     }
@@ -97,18 +99,29 @@ void MacSession::crash()
     endProcess();
 }
 
-/// The process ends inside a call, as in `processHasEnded`.
+/// The process ends inside a call: nothing of it runs any more. Its objects go once no job is under way.
 void MacSession::dieInCall(CallFault::Fate fate)
 {
     log_.note(events::Crashed{});
     if (fate == CallFault::Fate::losesPower) {
         mac_.files.cutPowerAfter(0);
     }
+    hasDied_ = true;
     process_.setAsleep(true);
-    post(hardware_.mainExecutor(), [this] {
+}
+
+void MacSession::bury()
+{
+    if (std::exchange(hasDied_, false)) {
         endProcess();
         mac_.files.restorePower();
-    });
+    }
+}
+
+SentrelApp* MacSession::app()
+{
+    bury();
+    return app_.get();
 }
 
 void MacSession::restFromHanging()
@@ -130,6 +143,7 @@ void MacSession::quit()
 
 void MacSession::relaunch()
 {
+    bury();
     isRelaunching_ = true;
     if (app_ == nullptr) {
         return launch();
@@ -169,6 +183,7 @@ void MacSession::sleep()
 void MacSession::wake()
 {
     log_.note(events::Woke{});
+    bury();
     isAsleep_ = false;
     process_.setAsleep(false);
     mac_.setAsleep(false);
@@ -248,6 +263,7 @@ void MacSession::commandByPhone(const CompanionPhone::Command& command)
 
 void MacSession::onMain(const std::function<void(SentrelApp&)>& function)
 {
+    bury();
     if (app_ == nullptr) {
         return;
     }

@@ -86,7 +86,7 @@ public:
     /// The product's main thread.
     [[nodiscard]] MainActor mainActor() { return MainActor{process_}; }
 
-    [[nodiscard]] SentrelApp* app() { return app_.get(); }
+    [[nodiscard]] SentrelApp* app();
     [[nodiscard]] VirtualClock& clock() { return clock_; }
     [[nodiscard]] SimulatedMac& mac() { return mac_; }
     [[nodiscard]] EventLog& log() { return log_; }
@@ -109,6 +109,7 @@ public:
 private:
     void listenToAlarm();
     void dieInCall(CallFault::Fate fate);
+    void bury();
     void processHasEnded();
     void endProcess();
 
@@ -122,6 +123,7 @@ private:
     CompanionPhone phone_;
     SimulatedMac mac_;
     PlannedFaults plannedFaults_{mac_.calls(), [this](CallFault::Fate fate) { dieInCall(fate); }};
+    bool hasDied_ = false; ///< in a call; its objects are still there
     bool isAsleep_ = false;
     bool isRelaunching_ = false;
     std::unique_ptr<SentrelApp> app_;

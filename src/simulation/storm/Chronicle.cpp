@@ -28,7 +28,10 @@ double Chronicle::lastTrouble(std::string_view port) const
 
 bool Chronicle::hadTrouble(std::initializer_list<std::string_view> ports, double since) const
 {
-    return std::ranges::any_of(ports, [&](std::string_view port) { return lastTrouble(port) >= since; });
+    return std::ranges::any_of(ports, [&](std::string_view port) {
+        const double last = lastTrouble(port);
+        return last != never && last >= since;
+    });
 }
 
 bool Chronicle::wasBroken(std::initializer_list<std::string_view> ports, double since) const
@@ -74,10 +77,13 @@ void Chronicle::happened(const Event& event)
     } else if (name == "lid.changed") {
         const bool isClosed = session_.mac().lid.isClosed().value_or(false);
         if (!std::exchange(wasLidClosed_, isClosed) && isClosed) {
-            const bool isSeen =
-                settings_ && settings_->triggerOnLidClosed && !hadTrouble({"lid", "workspace"}, at - 10.0);
+            // Opening is not announced: the lid must have been open long enough to be polled.
+            constexpr double longestPoll = 2.5; // seconds
+            const bool isSeen = settings_ && settings_->triggerOnLidClosed && at - lidOpenedAt_ > longestPoll &&
+                                !hadTrouble({"lid", "workspace"}, at - 10.0);
             addCause("lidClosed", isSeen);
         } else if (!isClosed) {
+            lidOpenedAt_ = at;
             for (Cause& cause : causes) {
                 cause.isCertain = cause.isCertain && (cause.reason != "lidClosed" || cause.at < at - longestNotice);
             }
@@ -163,7 +169,7 @@ void Chronicle::noteTroubles()
         hangs[place.first.first] += place.second == CallFault::Fate::hangs ? count : 0;
     }
     for (const auto& [port, count] : hangs) {
-        if (std::exchange(hangs_[port], count) != count && isUp_) {
+        if (std::exchange(hangs_[port], count) != count) {
             hung_.insert(port);
             hasHung = true;
         }
@@ -300,7 +306,10 @@ void Chronicle::noteSound(const Sight& before, const Sight& now)
             const bool hadCause = at - lastCauseAt() < longestWay ||
                                   hadTrouble({"power-sources", "lid", "workspace", "accelerometer"}, at - longestWay) ||
                                   at - wokeAt < longestWay;
-            ringing = Ringing{at, at, outputToRestore.value_or(before.output), hadCause};
+            // An alarm that follows at once has found the output as the one before took it.
+            const bool wasOutputTouched = outputDeedAt >= rangSince;
+            ringing =
+                Ringing{at, at, wasOutputTouched ? before.output : outputToRestore.value_or(before.output), hadCause};
             outputToRestore.reset();
         }
         ringing->lastHeard = at;
@@ -341,8 +350,8 @@ bool Chronicle::hasCommand(bool arms) const
 {
     return std::ranges::any_of(commands, [&](const SentCommand& sent) {
         const double age = at - sent.at + sent.command.issuedAgo;
-        // A clock that was set may have made the command younger or older.
-        return sent.command.arm == arms && (age <= longestCommandAge || clockJumpedAt > sent.at);
+        // A clock that was set back takes old commands for new ones.
+        return sent.command.arm == arms && (age <= longestCommandAge || clockJumpedAt != never);
     });
 }
 
@@ -355,6 +364,7 @@ void Chronicle::conclude(const Sight& before, const Sight& now)
         const auto isUsed = [&](const SentCommand& sent) { return sent.command.arm == now.showsArmed; };
         if (!isPersons) {
             std::erase_if(commands, isUsed);
+            (now.showsArmed ? armDeedAt : disarmDeedAt) = at; // the owner's deed, by phone
         }
     }
     constexpr double restored = 3.0; // seconds after which the output was compared

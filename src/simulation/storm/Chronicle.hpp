@@ -158,6 +158,7 @@ private:
     bool mayBeTroubled_ = true;
     bool wasOnAC_ = true;
     bool wasLidClosed_ = false;
+    double lidOpenedAt_ = never;
     bool isArmed_ = false;
     bool isUp_ = false;
     std::optional<AlarmSettings> settings_;

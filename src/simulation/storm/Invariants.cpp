@@ -101,7 +101,9 @@ Finding deletedStaysGone(const Instants& is)
 /// Nothing from one user's database is shown to another, or stored for one.
 Finding othersStayOthers(const Instants& is)
 {
-    const bool isKnown = is.now.at - is.past.calmSince > 60.0 && is.now.at - is.past.userChangedAt > 60.0;
+    constexpr double longestCheck = 600.0; // a check of the user that fails is repeated at growing intervals
+    const bool isKnown =
+        is.now.at - is.past.calmSince > longestCheck && is.now.at - is.past.userChangedAt > longestCheck;
     for (const auto& [id, row] : is.now.listed) {
         const auto alert = is.past.alerts.find(id);
         const bool isOthers =

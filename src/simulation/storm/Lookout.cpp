@@ -132,7 +132,12 @@ void Lookout::lookAtSound()
     const auto sounding = mac.speaker.sounding(pauseOfBeeps);
     set(sight_.isSounding, !sounding.empty());
     set(sight_.isAudible, std::ranges::any_of(sounding, [](const Sounding& sound) { return sound.gain > 0.0F; }));
-    if (std::exchange(mustReadOutput_, false)) {
+    // The product's own changes of the output are not noted.
+    constexpr double afterChange = 5.0; // seconds
+    if (sight_.isSounding || hasChanged_) {
+        outputMovesUntil_ = sight_.at + afterChange;
+    }
+    if (std::exchange(mustReadOutput_, false) || sight_.at <= outputMovesUntil_) {
         OutputState output{mac.audio.defaultOutput(), {}};
         for (const AudioDevice& device : mac.audio.devices()) {
             output.devices[device.id] = {device.volume(), device.isMuted()};

@@ -51,6 +51,7 @@ private:
     MacSession& session_;
     Sight sight_;
     bool hasChanged_ = true;
+    double outputMovesUntil_ = 0.0; ///< seconds
     bool mustReadOutput_ = true;
     bool mustReadAssertions_ = true;
     bool mustReadPower_ = true;

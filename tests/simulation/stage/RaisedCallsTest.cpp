@@ -76,6 +76,34 @@ TEST(RaisedCalls, ALaunchGoesOnAfterEach)
     }
 }
 
+TEST(RaisedCalls, DisarmingSilencesTheAlarmAndIsStoredAfterEach)
+{
+    for (const char* const port : {"accelerometer", "power-sources", "power-assertions", "workspace"}) {
+        Desk desk;
+        desk.act({"arm"});
+        desk.advance(2s);
+        desk.act({"unplug"});
+        desk.advance(2s);
+        ASSERT_TRUE(desk.isHeard());
+        desk.act({(std::string{"{fail: {"} + port + ": {raises: 3}}}").c_str(), "disarm"});
+        desk.advance(1s);
+        EXPECT_FALSE(desk.isHeard()) << port;
+        EXPECT_EQ(desk.state("settings")["isArmed"], false) << port;
+    }
+}
+
+TEST(RaisedCalls, AnAlertIsMadeWhateverItsPartsMeet)
+{
+    for (const char* const port : {"host", "random", "wall-clock", "lid"}) {
+        Desk desk;
+        desk.act({"{network: down}", "arm"});
+        desk.advance(5s);
+        desk.act({(std::string{"{fail: {"} + port + ": raises}}").c_str(), "unplug"});
+        desk.advance(2s);
+        EXPECT_EQ(desk.state("alerts"), 1) << port;
+    }
+}
+
 TEST(RaisedCalls, APassThatRaisesLeavesARetry)
 {
     Desk desk;

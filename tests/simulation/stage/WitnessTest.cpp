@@ -15,7 +15,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 /// Keeps what the session hears of the alarm.
-class Listener final : public Audience {
+class SpeakerListener final : public Audience {
 public:
     void happened(const Event& event) override
     {
@@ -35,7 +35,7 @@ std::vector<std::string> played(const std::string& steps)
     const TemporaryFolder folder;
     const Scenario scenario = parseScenario("steps:\n" + steps, folder.path() / "witness.yaml");
     const PlayOptions options{.out = {}, .resources = SENTREL_SOURCE_DIR "/resources", .seed = 1};
-    Listener listener;
+    SpeakerListener listener;
     const PlayResult result = play(scenario, options, listener);
     for (const Mismatch& mismatch : result.mismatches) {
         listener.heard.push_back(sentence(mismatch));

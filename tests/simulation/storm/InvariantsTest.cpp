@@ -58,7 +58,9 @@ constexpr PlantedFault plantedFaults[] = {
     {"triggers leave alerts",
      [](Day& day) { day.past.causes.push_back({.at = 9'800.0, .reason = "motion", .isCertain = true}); }},
     {"alerts have causes",
-     [](Day& day) { day.past.alerts[someAlert] = {.reason = "motion", .firstSeen = 10'000.0, .hasCause = false}; }},
+     [](Day& day) {
+         day.past.alerts[someAlert] = {.reason = "motion", .firstSeen = 10'000.0, .owner = {}, .hasCause = false};
+     }},
     {"deleted stays gone", [](Day& day) { day.past.alerts[someAlert].deletedAt = 9'000.0; }},
     {"deleted stays gone",
      [](Day& day) {
