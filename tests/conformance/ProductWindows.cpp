@@ -1,7 +1,7 @@
 #include "conformance/ProductWindows.hpp"
 
 #include "app/SentrelApp.hpp"
-#include "app/ShellWindows.hpp"
+#include "app/ShellWindowDelegate.hpp"
 #include "lock/ScreenCoverView.hpp"
 #include "ports/Application.hpp"
 #include "ports/ApplicationActivation.hpp"
@@ -166,8 +166,8 @@ public:
     {
         press(menuName, "settings");
         press(menuName, "alertList");
-        const std::string main{mainWindowIdentifier};
-        const std::string alerts{alertsWindowIdentifier};
+        const std::string main{mainWindow.identifier};
+        const std::string alerts{alertsWindow.identifier};
         std::vector<NamedTree> trees{
             {"menu", contents_[menuName]}, {"settings", contents_[main]}, {"alerts", contents_[alerts]}};
         ui::selectRows(contents_[alerts], "alerts", {UUID::fromRandom({1, 2, 3}).text()});

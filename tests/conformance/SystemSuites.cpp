@@ -19,13 +19,13 @@ void checkLog(const Subject& subject, Report& report)
     const std::string endless(100'000, 'x');
     for (const std::string_view text : {std::string_view{""}, std::string_view{"a\0b\n\"\\%s%n", 10},
                                         std::string_view{"\xff\xfe half a \xe2\x82"}, std::string_view{endless}}) {
-        subject.platform.journal.note("conformance", {{"text", text},
+        subject.platform.journal.passOn("conformance", {{"text", text},
                                                       {"none", std::monostate{}},
                                                       {"flag", true},
                                                       {"number", std::numeric_limits<std::int64_t>::min()},
                                                       {"odd", std::numeric_limits<double>::quiet_NaN()}});
     }
-    subject.platform.journal.note("", {});
+    subject.platform.journal.passOn("", {});
     const double seconds = toSeconds(subject.platform.scheduler.now() - start);
     report.expect(seconds < 1.0, "notes take no time to speak of", std::to_string(seconds) + " s");
 }
