@@ -20,10 +20,10 @@ void checkLog(const Subject& subject, Report& report)
     for (const std::string_view text : {std::string_view{""}, std::string_view{"a\0b\n\"\\%s%n", 10},
                                         std::string_view{"\xff\xfe half a \xe2\x82"}, std::string_view{endless}}) {
         subject.platform.journal.passOn("conformance", {{"text", text},
-                                                      {"none", std::monostate{}},
-                                                      {"flag", true},
-                                                      {"number", std::numeric_limits<std::int64_t>::min()},
-                                                      {"odd", std::numeric_limits<double>::quiet_NaN()}});
+                                                        {"none", std::monostate{}},
+                                                        {"flag", true},
+                                                        {"number", std::numeric_limits<std::int64_t>::min()},
+                                                        {"odd", std::numeric_limits<double>::quiet_NaN()}});
     }
     subject.platform.journal.passOn("", {});
     const double seconds = toSeconds(subject.platform.scheduler.now() - start);

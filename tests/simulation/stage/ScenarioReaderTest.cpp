@@ -105,8 +105,9 @@ TEST(ScenarioReader, APortFailsForGoodATimesOrIsHealed)
 {
     const Scenario scenario = parse(step("at: 0s, do: {fail: {audio: [read, write], music: {script: 2}, lid: none}}"));
     EXPECT_EQ(std::get<Action>(scenario.steps.front().content).tell({}),
-              "From now on, audio fails: read, write. From now on, music fails: script (2 times). "
-              "From now on, lid works again.");
+              "From now on a fault is set in the audio: read, write. "
+              "From now on a fault is set in the music: script (2 times). "
+              "Nothing fails any longer in the lid.");
 }
 
 TEST(ScenarioReader, CamerasAreWordsListsOrMaps)
