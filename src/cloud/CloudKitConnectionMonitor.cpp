@@ -141,6 +141,8 @@ Async<void> CloudKitConnectionMonitor::fanOut()
         } catch (const std::exception& error) {
             // A failed pass is not repeated; the next change starts another.
             ports_.journal.note(events::FanOutFailed{error.what()});
+        } catch (...) {
+            ports_.journal.note(events::FanOutFailed{"raised"});
         }
     } while (fanOutRerunRequested_);
     fanOutRunning_ = false;

@@ -124,6 +124,23 @@ TEST_F(AlertOutboxTest, ACatalogThatHangsMakesNoFailureOfAnUploadThatIsConfirmed
     EXPECT_EQ(inCloud(), (std::set{1})) << "what the catalog is owed was on the disk";
 }
 
+TEST_F(AlertOutboxTest, AnOwnerCheckThatFailedIsRepeatedUntilTheEarlierUsersRowsAreGone)
+{
+    putIntoCloud({1, 2});
+    refresh();
+    mac.icloud.link.setUser("other");
+    mac.icloud.network.setUp(false);
+    mac.await(mac.cloud->verifyCacheOwner());
+    catchUp();
+    mac.icloud.network.setUp(true);
+    EXPECT_EQ(rows(), "2c 1c ") << "nobody knows yet who is signed in";
+    world.clock.advance(3min);
+    EXPECT_EQ(rows(), "");
+    const auto requests = mac.icloud.link.requests();
+    world.clock.advance(1h);
+    EXPECT_EQ(mac.icloud.link.requests(), requests) << "the question is answered";
+}
+
 TEST_F(AlertOutboxTest, ADeletionIsOwedInTheDatabaseThatHeldTheAlert)
 {
     const auto signIn = [this](const char* user) {
