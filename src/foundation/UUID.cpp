@@ -67,7 +67,7 @@ std::string UUID::text() const
     std::string text(textLength, '-');
     std::size_t place = 0;
     for (const std::uint8_t octet : octets_) {
-        place += isHyphenPlace(place) ? 1 : 0;
+        place += isHyphenPlace(place) ? 1U : 0U;
         text[place++] = upperDigits[octet >> 4];
         text[place++] = upperDigits[octet & 0x0F];
     }
