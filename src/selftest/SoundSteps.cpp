@@ -55,7 +55,7 @@ Device deviceOf(ports::AudioHardware& hardware, AudioObjectId device)
     const std::string scalar = elementsOf(hardware, device, volumeScalarSelector);
     const std::string mute = elementsOf(hardware, device, muteSelector);
     const auto shown = [](const char* name, const std::string& elements) {
-        return std::string{name} + (elements.empty() ? " none" : " " + elements);
+        return std::string{name} + (elements.empty() ? ": none" : ": element " + elements);
     };
     std::string text = hardware.readText(device, {nameSelector, globalScope, 0}).value_or("without a name");
     text += isBuiltIn ? " (built in; " : " (";

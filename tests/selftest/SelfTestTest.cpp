@@ -78,7 +78,7 @@ PASS  System texts    as the product has them
 PASS  Power           AC Power
 PASS  Lid             open
 PASS  Motion          49 samples in a second, the last of 1.00 g
-PASS  Audio devices   MacBook Pro Speakers (built in; main volume 0, volume none, mute 0)
+PASS  Audio devices   MacBook Pro Speakers (built in; main volume: element 0, volume: none, mute: element 0)
 ASK   Tone            played
       Did you hear a tone of a second?
 PASS  Screens         1, shielded at level 2147483628
