@@ -91,6 +91,26 @@ Async<void> noWork()
     co_return;
 }
 
+struct Span {
+    const char* from; ///< an event; empty: the charger's change
+    const char* to;
+};
+
+/// The time of the span after a trigger, beside that of `floor`.
+template <class Floor> void measure(benchmark::State& state, GuardedMac& mac, Span span, Floor floor, double goal)
+{
+    Fastest fastest;
+    for ([[maybe_unused]] auto turn : state) {
+        mac.unplug();
+        const double seconds = mac.seconds(span.to, span.from);
+        fastest.floor = std::min(fastest.floor, secondsOf(floor, processorSeconds));
+        fastest.work = std::min(fastest.work, seconds);
+        state.SetIterationTime(seconds);
+        mac.rest();
+    }
+    fastest.report(state, goal);
+}
+
 /// From the charger's change to the trigger, beside two posted jobs: the system's notification and the main actor's
 /// turn.
 void eventToDecision(benchmark::State& state)
@@ -102,16 +122,7 @@ void eventToDecision(benchmark::State& state)
         post(scheduler.mainExecutor(), [&scheduler] { MainActor{scheduler}.spawn(noWork()); });
         clock.runReady();
     };
-    Fastest fastest;
-    for ([[maybe_unused]] auto turn : state) {
-        mac.unplug();
-        const double seconds = mac.seconds("trigger");
-        fastest.floor = std::min(fastest.floor, secondsOf(hops, processorSeconds));
-        fastest.work = std::min(fastest.work, seconds);
-        state.SetIterationTime(seconds);
-        mac.rest();
-    }
-    fastest.report(state, 20.0);
+    measure(state, mac, {"", "trigger"}, hops, 20.0);
 }
 BENCHMARK(eventToDecision)->UseManualTime()->Iterations(200);
 
@@ -124,16 +135,7 @@ void decisionToFirstSample(benchmark::State& state)
         ToneBuffer::render(std::span<float, ToneBuffer::frameCount>{samples.get(), ToneBuffer::frameCount}, 0.8F);
         benchmark::DoNotOptimize(samples.get());
     };
-    Fastest fastest;
-    for ([[maybe_unused]] auto turn : state) {
-        mac.unplug();
-        const double seconds = mac.seconds("alarm.heard", "trigger");
-        fastest.floor = std::min(fastest.floor, secondsOf(render, processorSeconds));
-        fastest.work = std::min(fastest.work, seconds);
-        state.SetIterationTime(seconds);
-        mac.rest();
-    }
-    fastest.report(state, 3.0);
+    measure(state, mac, {"trigger", "alarm.heard"}, render, 3.0);
 }
 BENCHMARK(decisionToFirstSample)->UseManualTime()->Iterations(200);
 
@@ -147,16 +149,7 @@ void triggerToAlertOnDisk(benchmark::State& state)
     auto write = [&] {
         static_cast<void>(ports::writeDurably(files, folder.path() / "alert.json", bytesOf(document), 0600));
     };
-    Fastest fastest;
-    for ([[maybe_unused]] auto turn : state) {
-        mac.unplug();
-        const double seconds = mac.seconds("alert.saved", "trigger");
-        fastest.floor = std::min(fastest.floor, secondsOf(write, processorSeconds));
-        fastest.work = std::min(fastest.work, seconds);
-        state.SetIterationTime(seconds);
-        mac.rest();
-    }
-    fastest.report(state, 10.0);
+    measure(state, mac, {"trigger", "alert.saved"}, write, 10.0);
 }
 BENCHMARK(triggerToAlertOnDisk)->UseManualTime()->Iterations(200);
 

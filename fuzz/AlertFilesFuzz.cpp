@@ -104,11 +104,6 @@ void check(std::string_view input)
 } // namespace
 } // namespace sentrel::fuzz
 
-extern "C" std::size_t LLVMFuzzerCustomMutator(std::uint8_t* data, std::size_t size, std::size_t maxSize, unsigned seed)
-{
-    return sentrel::fuzz::mutateJson(data, size, maxSize, seed);
-}
-
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     sentrel::fuzz::check({reinterpret_cast<const char*>(data), size});

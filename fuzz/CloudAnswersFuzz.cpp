@@ -390,7 +390,7 @@ private:
         const auto sequence = defaults_.integer("sentrel.macLastAppliedCommandSequence");
         require(!sequence || database_.commands.contains(*sequence), "a command counts that nobody gave");
         require(!settings_.settings().isArmed || !database_.commands.empty(), "the Mac arms itself");
-        // What was remembered is read at the next launch, whatever it holds.
+        // The next launch reads the cache file, whatever it holds.
         const auto file = files_.contents.find("/support/Sentrel/alert-metadata-cache.json");
         require(file == files_.contents.end() || decodeAlertCache(file->second), "the cache can't be read again");
     }

@@ -119,7 +119,7 @@ inline std::size_t copyBack(std::string_view text, std::uint8_t* data)
     return text.size();
 }
 
-/// For `LLVMFuzzerCustomMutator`: changes a node of the input if that is a JSON document, else of one of its lines that
+/// Changes a node of the input if that is a JSON document, else of one of its lines that
 /// is one, else bytes.
 inline std::size_t mutateJson(std::uint8_t* data, std::size_t size, std::size_t maxSize, unsigned seed)
 {
@@ -145,3 +145,9 @@ inline std::size_t mutateJson(std::uint8_t* data, std::size_t size, std::size_t 
 }
 
 } // namespace sentrel::fuzz
+
+/// The mutator of the target whose only source includes this file.
+extern "C" std::size_t LLVMFuzzerCustomMutator(std::uint8_t* data, std::size_t size, std::size_t maxSize, unsigned seed)
+{
+    return sentrel::fuzz::mutateJson(data, size, maxSize, seed);
+}

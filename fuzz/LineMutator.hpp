@@ -88,7 +88,7 @@ private:
     std::vector<std::string> lines_;
 };
 
-/// For `LLVMFuzzerCustomMutator`: changes a line, or bytes.
+/// Changes a line, or bytes.
 inline std::size_t mutateLines(std::uint8_t* data, std::size_t size, std::size_t maxSize, unsigned seed)
 {
     LineMutation mutation{{reinterpret_cast<const char*>(data), size}, seed};
@@ -101,3 +101,9 @@ inline std::size_t mutateLines(std::uint8_t* data, std::size_t size, std::size_t
 }
 
 } // namespace sentrel::fuzz
+
+/// The mutator of the target whose only source includes this file.
+extern "C" std::size_t LLVMFuzzerCustomMutator(std::uint8_t* data, std::size_t size, std::size_t maxSize, unsigned seed)
+{
+    return sentrel::fuzz::mutateLines(data, size, maxSize, seed);
+}

@@ -100,11 +100,6 @@ std::string nextLine(std::string_view& rest)
 } // namespace
 } // namespace sentrel::simulation
 
-extern "C" std::size_t LLVMFuzzerCustomMutator(std::uint8_t* data, std::size_t size, std::size_t maxSize, unsigned seed)
-{
-    return sentrel::fuzz::mutateJson(data, size, maxSize, seed);
-}
-
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     using namespace sentrel::simulation;

@@ -6,11 +6,6 @@
 #include <cstdint>
 #include <string>
 
-extern "C" std::size_t LLVMFuzzerCustomMutator(std::uint8_t* data, std::size_t size, std::size_t maxSize, unsigned seed)
-{
-    return sentrel::fuzz::mutateLines(data, size, maxSize, seed);
-}
-
 /// Any text is either a scenario or refused with a `ScenarioError`.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {

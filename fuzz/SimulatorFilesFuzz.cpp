@@ -15,8 +15,8 @@
 #include <string>
 #include <string_view>
 
-// What the simulated Mac reads of its disk, of its server and of a scenario's author: a line with its name, and its
-// content.
+// The inputs that the simulated Mac reads from its disk, its server and a scenario's author. An input is a line with a
+// decoder's name, then the decoder's content.
 
 namespace sentrel::fuzz {
 namespace {
@@ -116,11 +116,6 @@ void check(std::string_view input)
 
 } // namespace
 } // namespace sentrel::fuzz
-
-extern "C" std::size_t LLVMFuzzerCustomMutator(std::uint8_t* data, std::size_t size, std::size_t maxSize, unsigned seed)
-{
-    return sentrel::fuzz::mutateJson(data, size, maxSize, seed);
-}
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {

@@ -9,7 +9,7 @@
 
 namespace sentrel::selftest {
 
-/// What a step works with; outlives it.
+/// The means of a step; they outlive it.
 struct Bench {
     ports::Platform& platform;
     const std::vector<std::string>& differingTexts;

@@ -18,7 +18,7 @@
 
 namespace sentrel::conformance {
 
-/// What was checked, and the checks that failed.
+/// The checks that were made, and those that failed.
 class Report {
 public:
     /// Counts a check; a failed one is kept with its promise and the observed fact.

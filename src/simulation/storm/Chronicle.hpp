@@ -32,7 +32,7 @@ struct Cause {
     bool isSpent = false;   ///< an alert was counted for it
 };
 
-/// What is known of one alert since it was first seen.
+/// The history of one alert since it was first seen.
 struct KnownAlert {
     std::string reason;
     double firstSeen = 0.0;

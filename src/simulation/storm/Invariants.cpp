@@ -45,7 +45,7 @@ Finding alertsSurvive(const Instants& is)
 {
     for (const auto& [id, alert] : is.past.alerts) {
         const bool isDeleted = alert.deletedAt <= is.now.at;
-        // What the disk refused is held by the process, and ends with it.
+        // The process holds an alert that the disk refused. The alert ends with the process.
         const bool wasHeld = is.past.hadTrouble({"files", "host"}, alert.firstSeen - settling);
         if (!isDeleted && !isAnywhere(id, is.now) && !(wasHeld && is.past.endedAt > alert.firstSeen)) {
             return "the alert " + id.text() + " (" + alert.reason + ") is lost";

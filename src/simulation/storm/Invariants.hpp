@@ -10,7 +10,7 @@
 
 namespace sentrel::simulation {
 
-/// What an invariant is checked on: the past, and what the devices showed at the last look and show now.
+/// The input of an invariant: the past, and the state of the devices at the last look and now.
 struct Instants {
     const Chronicle& past;
     const Sight& before;

@@ -1,9 +1,9 @@
 #include "simulation/storm/Lookout.hpp"
 
-#include "alerts/StoredAlert.hpp"
 #include "cloud/AlertRecord.hpp"
 #include "core/SettingsStore.hpp"
 #include "simulation/stage/MacSession.hpp"
+#include "simulation/stage/MacState.hpp"
 #include "simulation/stage/StoredDefaults.hpp"
 #include "ui/Node.hpp"
 
@@ -15,31 +15,19 @@ namespace sentrel::simulation {
 
 namespace {
 
-constexpr std::string_view iconOfArmed = "MenuBarIconArmed";
 constexpr std::string_view armedReason = "Sentrel is armed and monitoring";
 constexpr std::string_view alarmReason = "Sentrel is processing an alarm event";
 
 /// The alarm repeats its beep after 0.9 s.
 constexpr Duration pauseOfBeeps = std::chrono::milliseconds{900} - Speaker::beepLength;
 
-SeenAlerts alertsIn(const std::filesystem::path& folder)
+SeenAlerts alertsOf(const MacState& state)
 {
-    posix::PosixFileSystem files;
     SeenAlerts alerts;
-    for (const std::filesystem::path name : files.list(folder).value_or(std::vector<std::string>{})) {
-        const auto content = name.extension() == ".json" ? files.read(folder / name) : std::nullopt;
-        const auto document = content ? parseJson(*content) : std::nullopt;
-        if (const auto stored = document ? decodeStoredAlert(*document) : std::nullopt) {
-            alerts[stored->alert.id] = {std::string{rawValue(stored->alert.reason)}, stored->pendingUpload};
-        }
+    for (const StoredAlert& stored : state.alerts()) {
+        alerts[stored.alert.id] = {std::string{rawValue(stored.alert.reason)}, stored.pendingUpload};
     }
     return alerts;
-}
-
-bool isVisible(const ui::View& menu, std::string_view wanted)
-{
-    const auto node = ui::find(menu, wanted);
-    return node.has_value();
 }
 
 } // namespace
@@ -115,9 +103,10 @@ void Lookout::lookAtScreen()
     if (const auto version = mac.statusBar.version() + 1; version != menuVersion_) {
         menuVersion_ = version;
         const auto item = mac.statusBar.item();
-        set(sight_.showsArmed, item && item->image == iconOfArmed);
-        set(sight_.menuSaysArmed, item && isVisible(item->menu, "armedState"));
-        set(sight_.offersStop, item && isVisible(item->menu, "stopAlarm"));
+        const MacState state{session_};
+        set(sight_.showsArmed, state.isArmed());
+        set(sight_.menuSaysArmed, item && ui::find(item->menu, "armedState").has_value());
+        set(sight_.offersStop, state.isAlarmActive());
     }
     if (const auto version = mac.displays.version() + 1; version != screenVersion_) {
         screenVersion_ = version;
@@ -156,14 +145,13 @@ void Lookout::lookAtDisk()
     }
     writes_ = writes;
     mustReadDisk_ = false;
-    const auto folder = mac.disk() / "Application Support" / mac.host.bundleIdentifier().value_or("Sentrel") / "Alerts";
-    SeenAlerts alerts = alertsIn(folder);
+    const MacState state{session_};
     StoredDefaults stored{mac};
     const auto document = stored.get().data("alarmSettings");
     const auto json = document ? parseJson(*document) : std::nullopt;
     sight_.settings = json ? decodeAlarmSettings(*json) : std::nullopt;
-    sight_.owedDeletions = PendingCloudDeletionStore{PendingCloudDeletionStore::standardKey, stored.get()}.ids().size();
-    sight_.onDisk = std::move(alerts);
+    sight_.owedDeletions = state.pendingDeletions();
+    sight_.onDisk = alertsOf(state);
     hasChanged_ = true;
 }
 

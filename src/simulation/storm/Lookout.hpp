@@ -31,7 +31,7 @@ public:
     /// Everything is read again at the next look.
     void expectAnything();
 
-    /// What is to be seen now. Call while nothing runs.
+    /// Reads the devices now. Call while nothing runs.
     const Sight& look();
 
     /// The last look.

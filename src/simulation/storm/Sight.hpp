@@ -16,7 +16,7 @@
 
 namespace sentrel::simulation {
 
-/// What the output of sound is set to.
+/// The settings of the sound output.
 struct OutputState {
     std::optional<ports::AudioObjectId> defaultOutput;
     std::map<ports::AudioObjectId, std::pair<std::optional<float>, bool>> devices; ///< volume and mute of each
@@ -36,7 +36,7 @@ struct SeenRow {
 };
 using SeenAlerts = std::unordered_map<UUID, SeenAlert>;
 
-/// What the devices of the simulated MacBook, its disk and the server show at one instant.
+/// The state of the simulated MacBook at one instant, as its devices, its disk and the server show it.
 struct Sight {
     double at = 0.0; ///< seconds since the start
     bool isRunning = false;

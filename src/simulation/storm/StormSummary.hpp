@@ -16,7 +16,7 @@ struct SavedViolation {
     std::size_t steps = 0;
 };
 
-/// What never happened in a storm.
+/// The faults and pairs of states that never occurred in a storm.
 struct Unreached {
     std::vector<std::string> faults; ///< "PORT FAULT", and "PORT OPERATION FATE" of calls that the product made
     std::vector<std::string> pairs;  ///< states that were never seen at the same time

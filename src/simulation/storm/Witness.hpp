@@ -22,7 +22,7 @@ struct Violation {
     std::string what;
 };
 
-/// What a play went through, for the summary.
+/// The events of a play that the summary counts.
 struct Experience {
     double hours = 0.0;
     double armedHours = 0.0;
@@ -48,7 +48,7 @@ public:
 
     [[nodiscard]] const std::vector<Violation>& violations() const { return violations_; }
 
-    /// What the play has gone through, once it is over.
+    /// The counts of the play, once it is over.
     [[nodiscard]] const Experience& experience() const { return experience_; }
 
 private:

@@ -44,7 +44,7 @@ std::string playedPage(const std::string& yaml)
     return {std::istreambuf_iterator<char>{page}, {}};
 }
 
-/// What is within the first such data URL.
+/// The content of the first data URL of this type.
 Bytes embedded(const std::string& page, const std::string& type)
 {
     const std::string lead = "\"data:" + type + ";base64,";
