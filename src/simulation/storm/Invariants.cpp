@@ -98,9 +98,12 @@ Finding deletedStaysGone(const Instants& is)
     return std::nullopt;
 }
 
-/// Nothing from one user's database is shown to another, or stored for one.
+/// Nothing from one user's database is shown to another, or stored for one. An alert whose upload arrived without its
+/// answer is still on the Mac: it also goes to the next user's database, and is theirs from then on.
 Finding othersStayOthers(const Instants& is)
 {
+    const auto mine = is.now.inCloud.find(is.now.user);
+    const auto isMine = [&](const UUID& id) { return mine != is.now.inCloud.end() && mine->second.contains(id); };
     constexpr double longestCheck = 600.0; // a check of the user that fails is repeated at growing intervals
     const bool isKnown =
         is.now.at - is.past.calmSince > longestCheck && is.now.at - is.past.userChangedAt > longestCheck;
@@ -108,11 +111,10 @@ Finding othersStayOthers(const Instants& is)
         const auto alert = is.past.alerts.find(id);
         const bool isOthers =
             alert != is.past.alerts.end() && !alert->second.owner.empty() && alert->second.owner != is.now.user;
-        if (isKnown && isOthers && row.storage == AlertStorageLocation::cloud) {
+        if (isKnown && isOthers && row.storage == AlertStorageLocation::cloud && !isMine(id)) {
             return "the alert " + id.text() + " of " + alert->second.owner + " is shown to " + is.now.user;
         }
     }
-    const auto mine = is.now.inCloud.find(is.now.user);
     if (mine == is.now.inCloud.end()) {
         return std::nullopt;
     }

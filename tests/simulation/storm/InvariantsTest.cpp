@@ -70,7 +70,7 @@ constexpr PlantedFault plantedFaults[] = {
     {"others stay others",
      [](Day& day) {
          day.past.alerts[someAlert].owner = "noor";
-         day.past.calmSince = 10.0;
+         day.now.inCloud = {{"noor", {someAlert}}, {"maya", {}}};
      }},
     {"others stay others",
      [](Day& day) {
