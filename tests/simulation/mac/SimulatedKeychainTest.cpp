@@ -97,29 +97,6 @@ TEST_F(SimulatedKeychainTest, TheTwoKeychainsAreApartAndOutliveALaunch)
     EXPECT_EQ(keychain->copyMatching({{KeychainKey::returnData, true}}).status, parameterError);
 }
 
-TEST_F(SimulatedKeychainTest, EachWayOfRefusingHasItsStatusAndChangesNothing)
-{
-    const auto keychain = launch();
-    ASSERT_EQ(keychain->add(with(query(current), one_)), 0);
-    const auto expectRefused = [&](std::int32_t status) {
-        EXPECT_EQ(keychain->copyMatching(reading(query(current))).status, status);
-        EXPECT_EQ(keychain->add(with(query(current), two_)), status);
-        EXPECT_EQ(keychain->update(query(current), {{KeychainKey::valueData, BytesView{two_}}}), status);
-        EXPECT_EQ(keychain->remove(query(current)), status);
-        EXPECT_EQ(keychain->item(current, "s", "a")->data, one_);
-    };
-    keychain->setAccess(current, SimulatedKeychain::Access::locked);
-    expectRefused(interactionNotAllowed);
-    EXPECT_EQ(keychain->copyMatching(reading(query(legacy))).status, itemNotFound); // the other one is open
-    keychain->setAccess(current, SimulatedKeychain::Access::denied);
-    expectRefused(authenticationFailed);
-    keychain->setAccess(current, SimulatedKeychain::Access::open);
-    for (const std::string_view call : {"copy", "add", "update", "delete"}) {
-        ASSERT_TRUE(keychain->faults().set(call));
-    }
-    expectRefused(notAvailable);
-}
-
 TEST_F(SimulatedKeychainTest, WhatCanNotBeWrittenHasNotHappened)
 {
     const auto keychain = launch();
