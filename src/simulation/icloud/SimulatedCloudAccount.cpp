@@ -2,8 +2,6 @@
 
 #include "simulation/icloud/CloudLink.hpp"
 
-#include <utility>
-
 namespace sentrel::simulation {
 
 using ports::CloudAccountStatus;

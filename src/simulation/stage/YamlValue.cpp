@@ -4,7 +4,6 @@
 #include "simulation/stage/ScenarioError.hpp"
 
 #include <sstream>
-#include <unicode/utf8.h>
 #include <utility>
 #include <yaml-cpp/eventhandler.h>
 #include <yaml-cpp/exceptions.h>
@@ -116,6 +115,28 @@ private:
     YamlValue root_;
 };
 
+/// Length of the UTF-8 character at the beginning of the text; 0 if it is invalid.
+std::size_t characterLength(std::string_view text)
+{
+    const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
+    const unsigned char lead = byte(0);
+    if (lead < 0x80U) {
+        return 1;
+    }
+    const std::size_t length = lead >= 0xF0U ? 4 : lead >= 0xE0U ? 3 : 2;
+    if (lead < 0xC2U || lead > 0xF4U || text.size() < length) {
+        return 0;
+    }
+    for (std::size_t i = 1; i < length; ++i) {
+        if ((byte(i) & 0xC0U) != 0x80U) {
+            return 0;
+        }
+    }
+    const bool isOverlong = (lead == 0xE0U && byte(1) < 0xA0U) || (lead == 0xF0U && byte(1) < 0x90U);
+    const bool isNoCharacter = (lead == 0xEDU && byte(1) >= 0xA0U) || (lead == 0xF4U && byte(1) >= 0x90U);
+    return isOverlong || isNoCharacter ? 0 : length;
+}
+
 /// In bytes. The library's scanner buffers as it looks ahead along a line; this bounds its memory.
 constexpr std::size_t longestLine = 65536;
 
@@ -124,12 +145,11 @@ void checkCharacters(std::string_view text)
     int line = 1;
     std::size_t lineStart = 0;
     for (std::size_t i = 0; i < text.size();) {
-        const auto first = static_cast<unsigned char>(text[i]);
-        UChar32 character = 0;
-        U8_NEXT(text.data(), i, text.size(), character);
-        if (character < 0) {
+        const std::size_t length = characterLength(text.substr(i));
+        if (length == 0) {
             throw SourceFault(line, "the text is not UTF-8: save the file as UTF-8 text");
         }
+        const auto first = static_cast<unsigned char>(text[i]);
         if (first == '\n') {
             ++line;
             lineStart = i;
@@ -140,6 +160,7 @@ void checkCharacters(std::string_view text)
         if ((first < 0x20U && first != '\n' && first != '\r' && first != '\t') || first == 0x7FU) {
             throw SourceFault(line, "control characters are not allowed in YAML");
         }
+        i += length;
     }
 }
 

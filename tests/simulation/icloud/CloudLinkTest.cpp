@@ -1,6 +1,5 @@
 #include "simulation/icloud/CloudScene.hpp"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -10,9 +9,7 @@ namespace sentrel::simulation {
 namespace {
 
 using namespace std::chrono_literals;
-using ports::CloudAccountStatus;
 using ports::CloudRecord;
-using testing::ElementsAre;
 
 class CloudLinkTest : public testing::Test, protected CloudScene {
 protected:

@@ -12,7 +12,6 @@ namespace sentrel::simulation {
 namespace {
 
 using namespace std::string_literals;
-using ports::CloudRecord;
 using ports::CloudValue;
 using testing::ElementsAre;
 using testing::IsEmpty;

@@ -4,7 +4,6 @@
 #include "simulation/icloud/CompanionPhone.hpp"
 #include "simulation/icloud/Sqlite.hpp"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <fstream>
@@ -16,10 +15,6 @@ namespace {
 using namespace std::chrono_literals;
 using namespace std::string_literals;
 using ports::CloudRecord;
-using ports::CloudSavePolicy;
-using testing::Contains;
-using testing::ElementsAre;
-using testing::Field;
 
 class PrivateCloudTest : public testing::Test, protected CloudScene {
 protected:

@@ -1,10 +1,6 @@
 #include "simulation/mac/motion/MotionRecording.hpp"
-#include "support/TemporaryFolder.hpp"
 
 #include <gtest/gtest.h>
-
-#include <filesystem>
-#include <fstream>
 
 namespace sentrel::simulation {
 namespace {

@@ -18,9 +18,6 @@ using namespace std::chrono_literals;
 using ::testing::ElementsAre;
 using ::testing::SizeIs;
 
-constexpr std::uint32_t accelerometerEvent = 13;
-constexpr std::uint32_t firstField = 0xD0000;
-
 struct Received {
     Duration at;
     std::optional<std::uint32_t> type;

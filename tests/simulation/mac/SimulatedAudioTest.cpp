@@ -2,16 +2,13 @@
 #include "runtime/VirtualScheduler.hpp"
 #include "simulation/EventLog.hpp"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <limits>
 #include <stdexcept>
 
 namespace sentrel::simulation {
 namespace {
 
-using ::testing::ElementsAre;
 using Address = ports::AudioPropertyAddress;
 
 constexpr std::uint32_t glob = fourCharCode("glob");
@@ -19,7 +16,6 @@ constexpr std::uint32_t outp = fourCharCode("outp");
 constexpr std::uint32_t vmvc = fourCharCode("vmvc");
 constexpr std::uint32_t volm = fourCharCode("volm");
 constexpr std::uint32_t mute = fourCharCode("mute");
-constexpr Address deviceList{fourCharCode("dev#"), glob, 0};
 constexpr Address defaultDevice{fourCharCode("dOut"), glob, 0};
 
 struct AudioMachine {

@@ -16,12 +16,9 @@ using testing::ElementsAre;
 
 constexpr std::int32_t inputOutputError = -36;
 constexpr std::int32_t parameterError = -50;
-constexpr std::int32_t notAvailable = -25291;
-constexpr std::int32_t authenticationFailed = -25293;
 constexpr std::int32_t invalidKeychain = -25295;
 constexpr std::int32_t duplicateItem = -25299;
 constexpr std::int32_t itemNotFound = -25300;
-constexpr std::int32_t interactionNotAllowed = -25308;
 
 /// The item "a" of service "s" in one of the keychains.
 KeychainDictionary query(KeychainStore store)

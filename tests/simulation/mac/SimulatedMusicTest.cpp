@@ -46,14 +46,9 @@ struct MusicTest : testing::Test {
         return kept;
     }
 
-    Kept<std::optional<std::int32_t>> startPermission(bool ask, std::uint32_t type = fourCharCode("bund"))
+    Kept<std::optional<std::int32_t>> startPermission()
     {
-        return start(app.determinePermission(type, music, anyEvent, anyEvent, ask));
-    }
-
-    std::optional<std::int32_t> permission(bool ask, std::uint32_t type = fourCharCode("bund"))
-    {
-        return startPermission(ask, type)->value_or(std::nullopt);
+        return start(app.determinePermission(fourCharCode("bund"), music, anyEvent, anyEvent, true));
     }
 
     /// What the script answers at once.
@@ -86,7 +81,7 @@ TEST_F(MusicTest, TheOwnerAnswersTheQuestionInHisOwnTime)
 {
     app.setPlayback(Playback::playing);
     app.setConsentDelay(4s);
-    const auto answer = startPermission(true);
+    const auto answer = startPermission();
     clock.advance(3999ms);
     EXPECT_FALSE(*answer);
     EXPECT_EQ(script(playingTest), "failure") << "no consent yet";

@@ -1,18 +1,12 @@
 #include "runtime/VirtualScheduler.hpp"
 #include "simulation/EventLog.hpp"
 #include "simulation/mac/display/SimulatedWorkspace.hpp"
-#include "simulation/mac/power/SimulatedAssertions.hpp"
-#include "simulation/mac/power/SimulatedLid.hpp"
 #include "simulation/mac/power/SimulatedPower.hpp"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 namespace sentrel::simulation {
 namespace {
-
-using ::testing::ElementsAre;
-using ::testing::IsEmpty;
 
 struct SensorMachine {
     VirtualClock clock;

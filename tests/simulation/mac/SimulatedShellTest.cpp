@@ -1,14 +1,10 @@
 #include "posix/PosixFileSystem.hpp"
 #include "simulation/EventLog.hpp"
-#include "simulation/mac/display/SimulatedApplication.hpp"
 #include "simulation/mac/display/SimulatedLoginItem.hpp"
-#include "simulation/mac/display/SimulatedPreviewPanel.hpp"
 #include "simulation/mac/display/SimulatedSavePanels.hpp"
-#include "simulation/mac/display/SimulatedStatusBar.hpp"
 #include "support/TemporaryFolder.hpp"
 #include "support/VirtualMachine.hpp"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <fstream>
@@ -17,9 +13,6 @@ namespace sentrel::simulation {
 namespace {
 
 using namespace std::chrono_literals;
-using ports::TerminateReply;
-using testing::ElementsAre;
-using testing::IsEmpty;
 
 class SimulatedShellTest : public testing::Test {
 protected:

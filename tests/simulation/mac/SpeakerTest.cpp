@@ -7,7 +7,6 @@
 #include "simulation/mac/sound/SimulatedBeep.hpp"
 #include "support/TemporaryFolder.hpp"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>

@@ -2,7 +2,6 @@
 
 #include "simulation/mac/camera/ExifOrientation.hpp"
 
-#include <algorithm>
 #include <limits>
 
 namespace sentrel::simulation {

@@ -3,7 +3,6 @@
 #include <array>
 #include <charconv>
 #include <cmath>
-#include <iterator>
 #include <optional>
 #include <utility>
 

@@ -5,7 +5,6 @@
 #include "simulation/Events.hpp"
 
 #include <algorithm>
-#include <utility>
 
 namespace sentrel::simulation {
 
