@@ -18,22 +18,14 @@ namespace sentrel::fuzz {
 namespace {
 
 using simulation::DefaultsFile;
-using simulation::JsonMember;
 
 constexpr const char* newKey = "fuzz.new";
 
-std::vector<JsonMember> membersExcept(const Bytes& file, const std::string& key)
+Json entriesExcept(const Bytes& file, const std::string& key)
 {
-    std::vector<JsonMember> members = simulation::splitJsonObject(textOf(file));
-    std::erase_if(members, [&](const JsonMember& member) { return member.key == key; });
-    return members;
-}
-
-bool areEqual(const std::vector<JsonMember>& left, const std::vector<JsonMember>& right)
-{
-    return std::ranges::equal(left, right, [](const JsonMember& one, const JsonMember& other) {
-        return one.key == other.key && one.value == other.value;
-    });
+    Json entries = parseJson(file).value_or(Json{});
+    entries.erase(key);
+    return entries;
 }
 
 void readEntries(DefaultsFile& defaults, const Json& document)
@@ -80,7 +72,7 @@ void check(const Bytes& content)
     }
     require(open().integer(newKey) == 7, "a change is lost");
     if (isGood) {
-        require(areEqual(membersExcept(content, newKey), membersExcept(files.contents[file], newKey)),
+        require(entriesExcept(content, newKey) == entriesExcept(files.contents[file], newKey),
                 "a change of one entry changes another");
     } else {
         require(files.contents[std::filesystem::path{file} += ".damaged"] == content, "a damaged file is lost");

@@ -1,71 +1,25 @@
 #include "simulation/NotificationHub.hpp"
 
-#include <atomic>
-#include <mutex>
+#include <memory>
 #include <utility>
-#include <vector>
 
 namespace sentrel::simulation {
 
-struct NotificationHub::Observer {
-    std::string name;
-    std::function<void()> received;
-    std::atomic<bool> isRegistered = true;
-};
-
-struct NotificationHub::Observers {
-    std::mutex mutex;
-    std::vector<std::shared_ptr<Observer>> all;
-};
-
-/// A registration. Its end marks the observer, so that notifications under way are dropped.
-class NotificationHub::Entry final : public ports::Registration {
-public:
-    Entry(std::shared_ptr<Observers> observers, std::shared_ptr<Observer> observer)
-        : observers_(std::move(observers)), observer_(std::move(observer))
-    {
-    }
-
-    ~Entry() override
-    {
-        observer_->isRegistered = false;
-        const std::lock_guard guard{observers_->mutex};
-        std::erase(observers_->all, observer_);
-    }
-
-private:
-    std::shared_ptr<Observers> observers_;
-    std::shared_ptr<Observer> observer_;
-};
-
-NotificationHub::NotificationHub(Executor& executor) : executor_(executor), observers_(std::make_shared<Observers>())
+ports::RegistrationPtr NotificationHub::observe(const std::string& name, std::function<void()> received)
 {
-}
-
-ports::RegistrationPtr NotificationHub::observe(std::string name, std::function<void()> received)
-{
-    auto observer = std::make_shared<Observer>();
-    observer->name = std::move(name);
-    observer->received = std::move(received);
-    {
-        const std::lock_guard guard{observers_->mutex};
-        observers_->all.push_back(observer);
-    }
-    return std::make_unique<Entry>(observers_, std::move(observer));
+    const std::lock_guard guard{mutex_};
+    return observers_[name].add(std::make_shared<Listener<>>(std::move(received)));
 }
 
 void NotificationHub::post(std::string_view name)
 {
-    const std::lock_guard guard{observers_->mutex};
-    for (const auto& observer : observers_->all) {
-        if (observer->name != name) {
-            continue;
-        }
-        sentrel::post(executor_, [observer] {
-            if (observer->isRegistered) {
-                observer->received();
-            }
-        });
+    const std::lock_guard guard{mutex_};
+    const auto named = observers_.find(name);
+    if (named == observers_.end()) {
+        return;
+    }
+    for (const auto& observer : named->second.all()) {
+        sentrel::post(executor_, [observer] { observer->tell(); });
     }
 }
 

@@ -2,9 +2,11 @@
 
 #include "ports/Registration.hpp"
 #include "runtime/Executor.hpp"
+#include "simulation/Listener.hpp"
 
 #include <functional>
-#include <memory>
+#include <map>
+#include <mutex>
 #include <string>
 #include <string_view>
 
@@ -14,21 +16,18 @@ namespace sentrel::simulation {
 /// Post on any thread; register and unregister on the executor's thread.
 class NotificationHub {
 public:
-    explicit NotificationHub(Executor& executor);
+    explicit NotificationHub(Executor& executor) : executor_(executor) {}
 
     /// Calls back for each notification of this name, as long as the registration lives.
-    [[nodiscard]] ports::RegistrationPtr observe(std::string name, std::function<void()> received);
+    [[nodiscard]] ports::RegistrationPtr observe(const std::string& name, std::function<void()> received);
 
     /// Notifies the observers that the name has now.
     void post(std::string_view name);
 
 private:
-    struct Observer;
-    struct Observers;
-    class Entry;
-
     Executor& executor_;
-    std::shared_ptr<Observers> observers_;
+    std::mutex mutex_;
+    std::map<std::string, Listeners<>, std::less<>> observers_;
 };
 
 } // namespace sentrel::simulation

@@ -5,21 +5,6 @@
 
 namespace sentrel::simulation {
 
-std::string_view nameOf(CallFault::Fate fate)
-{
-    switch (fate) {
-    case CallFault::Fate::raises:
-        return "raises";
-    case CallFault::Fate::hangs:
-        return "hangs";
-    case CallFault::Fate::dies:
-        return "dies";
-    case CallFault::Fate::losesPower:
-        break;
-    }
-    return "loses-power";
-}
-
 void PlannedFaults::add(CallFault fault)
 {
     if (fault.fate != CallFault::Fate::raises) {

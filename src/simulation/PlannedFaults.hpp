@@ -1,7 +1,9 @@
 #pragma once
 
 #include "simulation/PortCalls.hpp"
+#include "simulation/Word.hpp"
 
+#include <array>
 #include <cstdint>
 #include <functional>
 #include <map>
@@ -28,8 +30,18 @@ struct CallFault {
     Fate fate = Fate::raises;
 };
 
-/// The word of the scenario language for a fate.
-[[nodiscard]] std::string_view nameOf(CallFault::Fate fate);
+/// The words of the scenario language for fates.
+inline constexpr std::array<Word<CallFault::Fate>, 4> fateWords{{
+    {"raises", CallFault::Fate::raises},
+    {"hangs", CallFault::Fate::hangs},
+    {"dies", CallFault::Fate::dies},
+    {"loses-power", CallFault::Fate::losesPower},
+}};
+
+[[nodiscard]] constexpr std::string_view nameOf(CallFault::Fate fate)
+{
+    return wordFor(fateWords, fate);
+}
 
 /// The calls of the product at all ports, and the faults that are planned for some of them. Any thread.
 class PlannedFaults {

@@ -98,16 +98,6 @@ TEST_F(PosixFileSystem, EmptiesAFileThatIsThereAndTightensItsMode)
     EXPECT_EQ(modeOf(root_ / "photo"), 0400U) << "without a mode the umask counts";
 }
 
-TEST_F(PosixFileSystem, AppendsOneWriteToTheOther)
-{
-    int error = 0;
-    const auto open = files_.create(root_ / "log", 0600, error);
-    ASSERT_NE(open, nullptr);
-    EXPECT_EQ(open->write(bytesOf("one ")), 0);
-    EXPECT_EQ(open->write(bytesOf("two")), 0);
-    EXPECT_EQ(files_.read(root_ / "log"), bytesOf("one two"));
-}
-
 TEST_F(PosixFileSystem, DoesNotWriteThroughALinkToAnotherFile)
 {
     write(root_ / "victim", "precious");
@@ -135,27 +125,6 @@ TEST_F(PosixFileSystem, SaysWhyACallFailed)
     EXPECT_EQ(files_.read(root_), std::nullopt);
     EXPECT_EQ(files_.list(root_ / "missing"), std::nullopt);
     EXPECT_EQ(files_.list(root_ / "file"), std::nullopt);
-}
-
-TEST_F(PosixFileSystem, RenamesOverAnotherFileAndRemoves)
-{
-    write(root_ / "old", "old");
-    write(root_ / "new", "new");
-    EXPECT_EQ(files_.rename(root_ / "new", root_ / "old"), 0);
-    EXPECT_EQ(files_.synchronizeDirectory(root_), 0);
-    EXPECT_EQ(files_.read(root_ / "old"), bytesOf("new"));
-    EXPECT_FALSE(files_.exists(root_ / "new"));
-    EXPECT_EQ(files_.remove(root_ / "old"), 0);
-    EXPECT_FALSE(files_.exists(root_ / "old"));
-}
-
-TEST_F(PosixFileSystem, ListsNamesWithoutTheFolderItself)
-{
-    EXPECT_THAT(files_.list(root_).value(), UnorderedElementsAre());
-    write(root_ / "one.json", "1");
-    write(root_ / ".hidden", "2");
-    EXPECT_EQ(files_.createDirectories(root_ / "folder", 0700), 0);
-    EXPECT_THAT(files_.list(root_).value(), UnorderedElementsAre("one.json", ".hidden", "folder"));
 }
 
 TEST_F(PosixFileSystem, ReplacesAFileDurablyAndLeavesNoTemporaryFile)

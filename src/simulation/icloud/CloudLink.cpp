@@ -84,10 +84,10 @@ void CloudLink::start(CloudOperation operation, std::shared_ptr<Pending> pending
     request->needsNetwork = operation != CloudOperation::accountStatus;
     Duration latency{};
     {
-        const std::lock_guard guard{mutex_};
-        const auto own = ownLatencies_.find(operation);
-        latency = own != ownLatencies_.end() ? own->second.value_or(latency_) : latency_;
-        Count& count = counts_[operation];
+        const auto state = state_.lock();
+        const auto own = state->ownLatencies.find(operation);
+        latency = own != state->ownLatencies.end() ? own->second.value_or(state->latency) : state->latency;
+        Count& count = state->counts[operation];
         ++count.made;
         count.mostUnderWay = std::max(count.mostUnderWay, ++count.underWay);
     }
@@ -147,21 +147,13 @@ void CloudLink::answer(const std::shared_ptr<Request>& request)
         error = std::make_exception_ptr(cloudError(CKError::networkFailure)); // carried out; the answer is lost
     }
     journal_.note(events::CloudRequest{nameOf(request->operation), outcomeOf(error)});
-    {
-        const std::lock_guard guard{mutex_};
-        --counts_[request->operation].underWay;
-    }
+    --state_->counts[request->operation].underWay;
     request->pending->answered.signal();
 }
 
 void CloudLink::tell(CloudOperation operation, CloudRequestPhase phase)
 {
-    Observer observer;
-    {
-        const std::lock_guard guard{mutex_};
-        observer = observer_;
-    }
-    if (observer) {
+    if (const Observer observer = state_->observer) {
         observer(operation, phase);
     }
 }
@@ -171,66 +163,18 @@ void CloudLink::later(Duration delay, std::function<void()> work)
     queue_.asyncAfter(delay, std::make_shared<WorkItem>(std::move(work)));
 }
 
-CloudDevice CloudLink::device() const
-{
-    const std::lock_guard guard{mutex_};
-    return {user_, device_};
-}
-
-void CloudLink::setUser(std::string user)
-{
-    const std::lock_guard guard{mutex_};
-    user_ = std::move(user);
-}
-
-void CloudLink::setAccountStatus(CloudAccountStatus status)
-{
-    const std::lock_guard guard{mutex_};
-    status_ = status;
-}
-
-CloudAccountStatus CloudLink::accountStatus() const
-{
-    const std::lock_guard guard{mutex_};
-    return status_;
-}
-
-void CloudLink::setLatency(Duration latency)
-{
-    const std::lock_guard guard{mutex_};
-    latency_ = latency;
-}
-
-void CloudLink::setLatency(CloudOperation operation, std::optional<Duration> latency)
-{
-    const std::lock_guard guard{mutex_};
-    ownLatencies_[operation] = latency;
-}
-
-Duration CloudLink::latency() const
-{
-    const std::lock_guard guard{mutex_};
-    return latency_;
-}
-
-void CloudLink::onRequest(Observer observer)
-{
-    const std::lock_guard guard{mutex_};
-    observer_ = std::move(observer);
-}
-
 std::uint64_t CloudLink::requests(CloudOperation operation) const
 {
-    const std::lock_guard guard{mutex_};
-    const auto count = counts_.find(operation);
-    return count == counts_.end() ? 0 : count->second.made;
+    const auto state = state_.lock();
+    const auto count = state->counts.find(operation);
+    return count == state->counts.end() ? 0 : count->second.made;
 }
 
 std::uint64_t CloudLink::requests() const
 {
-    const std::lock_guard guard{mutex_};
+    const auto state = state_.lock();
     std::uint64_t total = 0;
-    for (const auto& [operation, count] : counts_) {
+    for (const auto& [operation, count] : state->counts) {
         total += count.made;
     }
     return total;
@@ -238,9 +182,9 @@ std::uint64_t CloudLink::requests() const
 
 std::uint64_t CloudLink::mostAtATime(CloudOperation operation) const
 {
-    const std::lock_guard guard{mutex_};
-    const auto count = counts_.find(operation);
-    return count == counts_.end() ? 0 : count->second.mostUnderWay;
+    const auto state = state_.lock();
+    const auto count = state->counts.find(operation);
+    return count == state->counts.end() ? 0 : count->second.mostUnderWay;
 }
 
 } // namespace sentrel::simulation

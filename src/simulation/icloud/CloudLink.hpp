@@ -5,6 +5,7 @@
 #include "runtime/Semaphore.hpp"
 #include "runtime/SerialQueue.hpp"
 #include "simulation/FaultSwitches.hpp"
+#include "simulation/Guarded.hpp"
 #include "simulation/icloud/CloudFaults.hpp"
 #include "simulation/icloud/PrivateCloud.hpp"
 
@@ -13,9 +14,9 @@
 #include <functional>
 #include <map>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <string>
+#include <type_traits>
 #include <utility>
 
 namespace sentrel::ports {
@@ -39,13 +40,14 @@ public:
 
     /// Makes a request and returns its answer. Throws `CloudError`. Main thread of the process. `serve` carries the
     /// request out at the server, on the link's queue; it must not refer to the product's objects.
-    template <class Answer>
-    [[nodiscard]] Async<Answer> request(CloudOperation operation, std::function<Answer(const CloudDevice&)> serve)
+    template <class Serve, class Answer = std::invoke_result_t<Serve&, const CloudDevice&>>
+    [[nodiscard]] Async<Answer> request(CloudOperation operation, Serve serve)
     {
         co_await passGate(operation);
         auto exchange = std::make_shared<Exchange<Answer>>();
         const CloudDevice who = device();
-        start(operation, exchange, [exchange, who, serve = std::move(serve)] { exchange->answer = serve(who); });
+        start(operation, exchange,
+              [exchange, who, serve = std::move(serve)]() mutable { exchange->answer.emplace(serve(who)); });
         co_await exchange->answered.wait();
         if (exchange->error) {
             std::rethrow_exception(exchange->error);
@@ -53,7 +55,7 @@ public:
         co_return std::move(*exchange->answer);
     }
 
-    [[nodiscard]] CloudDevice device() const;
+    [[nodiscard]] CloudDevice device() const { return {state_->user, device_}; }
     [[nodiscard]] PrivateCloud& server() { return server_; }
     [[nodiscard]] SimulatedNetwork& network() { return network_; }
     [[nodiscard]] CloudFaults& faults() { return faults_; }
@@ -63,18 +65,21 @@ public:
     [[nodiscard]] FaultSwitches& callFaults() { return callFaults_; }
 
     /// The signed-in user and the account's status; initially "owner" and available.
-    void setUser(std::string user);
-    void setAccountStatus(ports::CloudAccountStatus status);
-    [[nodiscard]] ports::CloudAccountStatus accountStatus() const;
+    void setUser(std::string user) { state_->user = std::move(user); }
+    void setAccountStatus(ports::CloudAccountStatus status) { state_->status = status; }
+    [[nodiscard]] ports::CloudAccountStatus accountStatus() const { return state_->status; }
 
     /// Time from a later request to its answer; initially 80 ms. The server acts after half of it.
-    void setLatency(Duration latency);
+    void setLatency(Duration latency) { state_->latency = latency; }
     /// Latency of one operation, such as uploads over an asymmetric line; none: the general latency.
-    void setLatency(CloudOperation operation, std::optional<Duration> latency);
-    [[nodiscard]] Duration latency() const;
+    void setLatency(CloudOperation operation, std::optional<Duration> latency)
+    {
+        state_->ownLatencies[operation] = latency;
+    }
+    [[nodiscard]] Duration latency() const { return state_->latency; }
 
     /// Called for each request that reaches the server, before and after the server acts, on the link's queue.
-    void onRequest(Observer observer);
+    void onRequest(Observer observer) { state_->observer = std::move(observer); }
 
     /// Requests so far, answered or not.
     [[nodiscard]] std::uint64_t requests(CloudOperation operation) const;
@@ -100,6 +105,15 @@ private:
         std::uint64_t underWay = 0;
         std::uint64_t mostUnderWay = 0;
     };
+    struct State {
+        std::string user = "owner";
+        ports::CloudAccountStatus status = ports::CloudAccountStatus::available;
+        Duration latency = std::chrono::milliseconds{80};
+        std::map<CloudOperation, std::optional<Duration>> ownLatencies;
+        Observer observer;
+        std::map<CloudOperation, Count> counts;
+    };
+
     struct Request;
 
     [[nodiscard]] Async<void> passGate(CloudOperation operation);
@@ -116,13 +130,7 @@ private:
     const std::string device_;
     CloudFaults faults_;
     FaultSwitches callFaults_{};
-    mutable std::mutex mutex_;
-    std::string user_ = "owner";
-    ports::CloudAccountStatus status_ = ports::CloudAccountStatus::available;
-    Duration latency_ = std::chrono::milliseconds{80};
-    std::map<CloudOperation, std::optional<Duration>> ownLatencies_;
-    Observer observer_;
-    std::map<CloudOperation, Count> counts_;
+    Guarded<State> state_;
     SerialQueue queue_; // last: its destructor waits for running work
 };
 

@@ -1,9 +1,9 @@
 #pragma once
 
+#include "simulation/Word.hpp"
+
 #include <array>
-#include <optional>
 #include <string_view>
-#include <utility>
 
 namespace sentrel::simulation {
 
@@ -21,32 +21,21 @@ enum class CloudOperation {
 };
 
 /// Every operation with its name in scenarios and in the journal.
-inline constexpr std::array<std::pair<CloudOperation, std::string_view>, 9> cloudOperations{{
-    {CloudOperation::accountStatus, "accountStatus"},
-    {CloudOperation::userRecord, "userRecord"},
-    {CloudOperation::query, "query"},
-    {CloudOperation::continueQuery, "continueQuery"},
-    {CloudOperation::fetch, "fetch"},
-    {CloudOperation::modify, "modify"},
-    {CloudOperation::fetchOne, "fetchOne"},
-    {CloudOperation::save, "save"},
-    {CloudOperation::saveSubscription, "saveSubscription"},
+inline constexpr std::array<Word<CloudOperation>, 9> cloudOperations{{
+    {"accountStatus", CloudOperation::accountStatus},
+    {"userRecord", CloudOperation::userRecord},
+    {"query", CloudOperation::query},
+    {"continueQuery", CloudOperation::continueQuery},
+    {"fetch", CloudOperation::fetch},
+    {"modify", CloudOperation::modify},
+    {"fetchOne", CloudOperation::fetchOne},
+    {"save", CloudOperation::save},
+    {"saveSubscription", CloudOperation::saveSubscription},
 }};
 
 [[nodiscard]] constexpr std::string_view nameOf(CloudOperation operation)
 {
-    return cloudOperations[static_cast<std::size_t>(operation)].second;
-}
-
-/// The operation with this name, or none.
-[[nodiscard]] constexpr std::optional<CloudOperation> cloudOperation(std::string_view name)
-{
-    for (const auto& [operation, itsName] : cloudOperations) {
-        if (itsName == name) {
-            return operation;
-        }
-    }
-    return std::nullopt;
+    return wordFor(cloudOperations, operation);
 }
 
 /// A request's progress when an observer is called.

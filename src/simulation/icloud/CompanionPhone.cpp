@@ -19,9 +19,6 @@ namespace {
 constexpr const char* alertType = "AlertEvent";
 constexpr const char* catalogType = "MacDeviceCatalog";
 constexpr const char* catalogName = "mac-device-catalog";
-constexpr const char* alertCatalogName = "alert-catalog";
-
-constexpr int mostAttempts = 5; // at a record that others change, too
 
 template <class Kind> Kind valueOr(const ServerRecord& record, const char* field, const Kind& otherwise)
 {
@@ -113,22 +110,11 @@ std::string commandRecordName(const std::string& deviceID)
 } // namespace
 
 CompanionPhone::CompanionPhone(PrivateCloud& cloud, ports::WallClock& clock, std::string user, std::string device)
-    : cloud_(cloud), clock_(clock), device_(std::move(device)), user_(std::move(user))
+    : cloud_(cloud), clock_(clock), device_(std::move(device))
 {
+    signIn(std::move(user));
     pushes_ =
         cloud.receivePushes(device_, [this](const std::string& toUser, const Json& push) { receive(toUser, push); });
-}
-
-void CompanionPhone::signIn(std::string user)
-{
-    const std::lock_guard guard{mutex_};
-    user_ = std::move(user);
-}
-
-std::string CompanionPhone::user() const
-{
-    const std::lock_guard guard{mutex_};
-    return user_;
 }
 
 std::vector<CompanionPhone::Alert> CompanionPhone::alerts()
@@ -175,12 +161,6 @@ std::vector<CompanionPhone::Mac> CompanionPhone::macs()
     return macs;
 }
 
-std::vector<CompanionPhone::Notification> CompanionPhone::notifications() const
-{
-    const std::lock_guard guard{mutex_};
-    return notifications_;
-}
-
 std::int64_t CompanionPhone::send(const std::string& deviceID, const Command& command)
 {
     const std::string name = commandRecordName(deviceID);
@@ -205,47 +185,6 @@ std::int64_t CompanionPhone::send(const std::string& deviceID, const Command& co
     return sequence;
 }
 
-bool CompanionPhone::deleteAlert(const std::string& id)
-{
-    ServerBatch batch;
-    batch.deleteNames.push_back(id);
-    const ServerModification done = cloud_.modify({user(), device_}, batch);
-    const ports::CloudDeleteResult& result = done.deleted.at(id);
-    if (result && result->code != CKError::unknownItem) {
-        throw ports::CloudError{*result};
-    }
-    unlist(id);
-    return !result;
-}
-
-void CompanionPhone::unlist(const std::string& id)
-{
-    for (int attempt = 0; attempt < mostAttempts; ++attempt) {
-        auto catalog = read(alertCatalogName);
-        auto ids = catalog ? valueOr<std::vector<std::string>>(*catalog, "alertIDs", {}) : std::vector<std::string>{};
-        if (std::erase(ids, id) == 0) {
-            return;
-        }
-        ServerBatch batch;
-        catalog->fields["alertIDs"] = std::move(ids);
-        batch.save.push_back(*std::move(catalog));
-        const ServerModification done = cloud_.modify({user(), device_}, batch);
-        const auto* const error = std::get_if<ports::CloudError>(&done.saved.at(alertCatalogName));
-        if (error == nullptr) {
-            return;
-        }
-        if (error->code != CKError::serverRecordChanged) {
-            throw ports::CloudError{*error};
-        }
-    }
-}
-
-void CompanionPhone::onNotification(std::function<void(const Notification&)> shown)
-{
-    const std::lock_guard guard{mutex_};
-    shown_ = std::move(shown);
-}
-
 void CompanionPhone::receive(const std::string& user, const Json& push)
 {
     auto text = shownText(push);
@@ -255,9 +194,9 @@ void CompanionPhone::receive(const std::string& user, const Json& push)
     const Notification notification{std::move(*text), recordOf(push), clock_.now()};
     std::function<void(const Notification&)> shown;
     {
-        const std::lock_guard guard{mutex_};
-        notifications_.push_back(notification);
-        shown = shown_;
+        const auto state = state_.lock();
+        state->notifications.push_back(notification);
+        shown = state->shown;
     }
     if (shown) {
         shown(notification);

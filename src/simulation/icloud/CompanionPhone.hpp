@@ -4,13 +4,14 @@
 #include "foundation/Date.hpp"
 #include "foundation/Json.hpp"
 #include "ports/Registration.hpp"
+#include "simulation/Guarded.hpp"
 #include "simulation/icloud/ServerRecord.hpp"
 
 #include <cstdint>
 #include <functional>
-#include <mutex>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace sentrel::ports {
@@ -61,7 +62,7 @@ public:
     CompanionPhone(const CompanionPhone&) = delete;
 
     /// Switches to another account. Keeps the notifications shown.
-    void signIn(std::string user);
+    void signIn(std::string user) { state_->user = std::move(user); }
 
     /// Every alert that it can decode, newest first, with its photo.
     [[nodiscard]] std::vector<Alert> alerts();
@@ -70,31 +71,29 @@ public:
     [[nodiscard]] std::vector<Mac> macs();
 
     /// The notifications shown so far, oldest first.
-    [[nodiscard]] std::vector<Notification> notifications() const;
+    [[nodiscard]] std::vector<Notification> notifications() const { return state_->notifications; }
 
     /// Sets the callback for each notification shown; it runs on the thread that wrote the record.
-    void onNotification(std::function<void(const Notification&)> shown);
+    void onNotification(std::function<void(const Notification&)> shown) { state_->shown = std::move(shown); }
 
     /// Writes the command for the Mac; returns its sequence.
     std::int64_t send(const std::string& deviceID, const Command& command);
 
-    /// Deletes an alert for all devices, and removes it from the catalog that tells the Macs. False if it was already
-    /// gone.
-    bool deleteAlert(const std::string& id);
-
 private:
-    [[nodiscard]] std::string user() const;
+    struct State {
+        std::string user;
+        std::vector<Notification> notifications;
+        std::function<void(const Notification&)> shown;
+    };
+
+    [[nodiscard]] std::string user() const { return state_->user; }
     [[nodiscard]] std::optional<ServerRecord> read(const std::string& name);
-    void unlist(const std::string& id);
     void receive(const std::string& user, const Json& push);
 
     PrivateCloud& cloud_;
     ports::WallClock& clock_;
     const std::string device_;
-    mutable std::mutex mutex_;
-    std::string user_;
-    std::vector<Notification> notifications_;
-    std::function<void(const Notification&)> shown_;
+    Guarded<State> state_;
     ports::RegistrationPtr pushes_; // last: no push arrives after the other members end
 };
 

@@ -99,23 +99,6 @@ PrivateCloud::PrivateCloud(std::filesystem::path folder, ports::WallClock& clock
 
 PrivateCloud::~PrivateCloud() = default;
 
-void PrivateCloud::setClockOffset(double seconds)
-{
-    const std::lock_guard guard{mutex_};
-    clockOffset_ = seconds;
-}
-
-Date PrivateCloud::now()
-{
-    const std::lock_guard guard{mutex_};
-    return nowLocked();
-}
-
-Date PrivateCloud::nowLocked()
-{
-    return clock_.now().addingSeconds(clockOffset_);
-}
-
 void PrivateCloud::setQuota(const std::string& user, std::optional<std::uint64_t> bytes)
 {
     const std::lock_guard guard{mutex_};
@@ -160,14 +143,14 @@ std::unique_ptr<CloudStore> PrivateCloud::openOrReplace(const std::string& user)
     std::error_code ignored;
     std::filesystem::create_directories(folder_, ignored);
     try {
-        return std::make_unique<CloudStore>(fileOf(user), nowLocked());
+        return std::make_unique<CloudStore>(fileOf(user), now());
     } catch (const SqliteError& error) {
         if (!error.isDamage()) {
             throw;
         }
     }
     putAside(user);
-    return std::make_unique<CloudStore>(fileOf(user), nowLocked());
+    return std::make_unique<CloudStore>(fileOf(user), now());
 }
 
 void PrivateCloud::putAside(const std::string& user)
@@ -271,7 +254,7 @@ ServerModification PrivateCloud::write(CloudStore& store, const CloudDevice& who
                                        std::vector<Json>& pushes)
 {
     BatchWriter::Terms terms;
-    terms.now = nowLocked();
+    terms.now = now();
     terms.owner = userRecordName(who.user);
     if (const auto quota = quotas_.find(who.user); quota != quotas_.end()) {
         terms.quota = quota->second;

@@ -3,6 +3,7 @@
 #include "foundation/Json.hpp"
 #include "ports/CloudDatabase.hpp"
 #include "ports/Registration.hpp"
+#include "ports/WallClock.hpp"
 #include "simulation/Listener.hpp"
 #include "simulation/icloud/ServerRecord.hpp"
 
@@ -18,8 +19,7 @@
 
 namespace sentrel::ports {
 class Journal;
-class WallClock;
-} // namespace sentrel::ports
+}
 
 namespace sentrel::simulation {
 
@@ -44,9 +44,7 @@ public:
     ~PrivateCloud();
     PrivateCloud(const PrivateCloud&) = delete;
 
-    /// Seconds by which the server is ahead of the clock that it was made with.
-    void setClockOffset(double seconds);
-    [[nodiscard]] Date now();
+    [[nodiscard]] Date now() { return clock_.now(); }
 
     /// The bytes that an account may store: 0 is full, none (initially) is unlimited.
     void setQuota(const std::string& user, std::optional<std::uint64_t> bytes);
@@ -93,14 +91,12 @@ private:
     [[nodiscard]] std::filesystem::path fileOf(const std::string& user) const;
     [[nodiscard]] ServerModification write(CloudStore& store, const CloudDevice& who, const ServerBatch& batch,
                                            std::vector<Json>& pushes);
-    [[nodiscard]] Date nowLocked();
 
     const std::filesystem::path folder_;
     ports::WallClock& clock_;
     ports::Journal& journal_;
     Receivers receivers_;
     std::mutex mutex_; // guards the members below, and their files
-    double clockOffset_ = 0.0;
     std::map<std::string, std::uint64_t> quotas_;
     std::map<std::string, std::unique_ptr<CloudStore>> stores_;
 };

@@ -2,33 +2,20 @@
 
 #include "simulation/icloud/CloudLink.hpp"
 
-#include <utility>
-
 namespace sentrel::simulation {
 
 using ports::CloudAccountStatus;
 
 Async<CloudAccountStatus> SimulatedCloudAccount::accountStatus()
 {
-    std::function<CloudAccountStatus(const CloudDevice&)> serve = [&link = link_](const CloudDevice&) {
-        return link.accountStatus();
-    };
-    return link_.request<CloudAccountStatus>(CloudOperation::accountStatus, std::move(serve));
+    return link_.request(CloudOperation::accountStatus,
+                         [&link = link_](const CloudDevice&) { return link.accountStatus(); });
 }
 
 Async<std::optional<std::string>> SimulatedCloudAccount::userRecordName()
 {
-    using Name = std::optional<std::string>;
-    std::function<Name(const CloudDevice&)> serve = [](const CloudDevice& who) {
-        return Name{PrivateCloud::userRecordName(who.user)};
-    };
-    return link_.request<Name>(CloudOperation::userRecord, std::move(serve));
-}
-
-void SimulatedCloudAccount::onChange(std::function<void()> changed)
-{
-    const std::lock_guard guard{mutex_};
-    changed_ = std::move(changed);
+    return link_.request(CloudOperation::userRecord,
+                         [](const CloudDevice& who) { return std::optional{PrivateCloud::userRecordName(who.user)}; });
 }
 
 void SimulatedCloudAccount::setStatus(CloudAccountStatus status)
@@ -46,11 +33,7 @@ void SimulatedCloudAccount::signIn(const std::string& user)
 
 void SimulatedCloudAccount::tell()
 {
-    std::function<void()> changed;
-    {
-        const std::lock_guard guard{mutex_};
-        changed = changed_;
-    }
+    const std::function<void()> changed = *changed_.lock();
     if (changed) {
         changed();
     }

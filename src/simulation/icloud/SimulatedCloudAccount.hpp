@@ -1,9 +1,9 @@
 #pragma once
 
 #include "ports/CloudAccount.hpp"
+#include "simulation/Guarded.hpp"
 
 #include <functional>
-#include <mutex>
 #include <string>
 
 namespace sentrel::simulation {
@@ -19,7 +19,7 @@ public:
     [[nodiscard]] Async<std::optional<std::string>> userRecordName() override;
 
     /// Sets the callback that posts `CKAccountChangedNotification` to the application.
-    void onChange(std::function<void()> changed);
+    void onChange(std::function<void()> changed) { *changed_.lock() = std::move(changed); }
 
     /// Sets the status, or signs a user in (available), and notifies the application.
     void setStatus(ports::CloudAccountStatus status);
@@ -29,8 +29,7 @@ private:
     void tell();
 
     CloudLink& link_;
-    std::mutex mutex_;
-    std::function<void()> changed_;
+    Guarded<std::function<void()>> changed_;
 };
 
 } // namespace sentrel::simulation

@@ -19,7 +19,6 @@ using ports::CloudRecordResult;
 namespace {
 
 using Results = std::map<std::string, CloudRecordResult>;
-template <class Answer> using Serve = std::function<Answer(const CloudDevice&)>;
 
 /// A page as the Mac gets it. Faults of single records strike only records in the page.
 CloudQueryPage delivered(CloudLink& link, AssetFolder& assets, CloudOperation operation, ServerPage page)
@@ -64,29 +63,29 @@ SimulatedCloudDatabase::SimulatedCloudDatabase(CloudLink& link, const std::files
 Async<CloudQueryPage> SimulatedCloudDatabase::query(ports::CloudQuery query, CloudDesiredKeys desiredKeys,
                                                     std::size_t resultsLimit)
 {
-    Serve<CloudQueryPage> serve = [&link = link_, assets = assets_, query = std::move(query),
-                                   wanted = std::move(desiredKeys), resultsLimit](const CloudDevice& who) {
+    auto serve = [&link = link_, assets = assets_, query = std::move(query), wanted = std::move(desiredKeys),
+                  resultsLimit](const CloudDevice& who) {
         ServerPage page = link.server().query(who, query, wanted, resultsLimit);
         return delivered(link, *assets, CloudOperation::query, std::move(page));
     };
-    return link_.request<CloudQueryPage>(CloudOperation::query, std::move(serve));
+    return link_.request(CloudOperation::query, std::move(serve));
 }
 
 Async<CloudQueryPage> SimulatedCloudDatabase::continueQuery(std::shared_ptr<const ports::CloudQueryCursor> cursor,
                                                             CloudDesiredKeys desiredKeys, std::size_t resultsLimit)
 {
-    Serve<CloudQueryPage> serve = [&link = link_, assets = assets_, cursor = std::move(cursor),
-                                   wanted = std::move(desiredKeys), resultsLimit](const CloudDevice& who) {
+    auto serve = [&link = link_, assets = assets_, cursor = std::move(cursor), wanted = std::move(desiredKeys),
+                  resultsLimit](const CloudDevice& who) {
         ServerPage page = link.server().continueQuery(who, cursor.get(), wanted, resultsLimit);
         return delivered(link, *assets, CloudOperation::continueQuery, std::move(page));
     };
-    return link_.request<CloudQueryPage>(CloudOperation::continueQuery, std::move(serve));
+    return link_.request(CloudOperation::continueQuery, std::move(serve));
 }
 
 Async<Results> SimulatedCloudDatabase::records(std::vector<std::string> names, CloudDesiredKeys desiredKeys)
 {
-    Serve<Results> serve = [&link = link_, assets = assets_, names = std::move(names),
-                            wanted = std::move(desiredKeys)](const CloudDevice& who) {
+    auto serve = [&link = link_, assets = assets_, names = std::move(names),
+                  wanted = std::move(desiredKeys)](const CloudDevice& who) {
         const auto failed = link.faults().strike(CloudOperation::fetch, names);
         Results made;
         for (auto& [name, result] : link.server().fetch(who, names, wanted)) {
@@ -96,15 +95,15 @@ Async<Results> SimulatedCloudDatabase::records(std::vector<std::string> names, C
         }
         return made;
     };
-    return link_.request<Results>(CloudOperation::fetch, std::move(serve));
+    return link_.request(CloudOperation::fetch, std::move(serve));
 }
 
 Async<CloudModification> SimulatedCloudDatabase::modify(std::vector<CloudRecord> save,
                                                         std::vector<std::string> deleteNames,
                                                         ports::CloudSavePolicy policy, bool isAtomic)
 {
-    Serve<CloudModification> serve = [&link = link_, assets = assets_, save = std::move(save),
-                                      deleteNames = std::move(deleteNames), policy, isAtomic](const CloudDevice& who) {
+    auto serve = [&link = link_, assets = assets_, save = std::move(save), deleteNames = std::move(deleteNames), policy,
+                  isAtomic](const CloudDevice& who) {
         ServerBatch batch{{}, deleteNames, policy, isAtomic, {}};
         std::vector<std::string> names = deleteNames;
         for (const CloudRecord& record : save) {
@@ -120,24 +119,24 @@ Async<CloudModification> SimulatedCloudDatabase::modify(std::vector<CloudRecord>
         }
         return made;
     };
-    return link_.request<CloudModification>(CloudOperation::modify, std::move(serve));
+    return link_.request(CloudOperation::modify, std::move(serve));
 }
 
 Async<CloudRecord> SimulatedCloudDatabase::record(std::string name)
 {
-    Serve<CloudRecord> serve = [&link = link_, assets = assets_, name = std::move(name)](const CloudDevice& who) {
+    auto serve = [&link = link_, assets = assets_, name = std::move(name)](const CloudDevice& who) {
         auto results = link.server().fetch(who, {name}, std::nullopt);
         if (const auto* const error = std::get_if<CloudError>(&results.at(name))) {
             throw CloudError{*error};
         }
         return assets->downloaded(std::get<ServerRecord>(std::move(results.at(name))));
     };
-    return link_.request<CloudRecord>(CloudOperation::fetchOne, std::move(serve));
+    return link_.request(CloudOperation::fetchOne, std::move(serve));
 }
 
 Async<CloudRecord> SimulatedCloudDatabase::save(CloudRecord record)
 {
-    Serve<CloudRecord> serve = [&link = link_, assets = assets_, record = std::move(record)](const CloudDevice& who) {
+    auto serve = [&link = link_, assets = assets_, record = std::move(record)](const CloudDevice& who) {
         ServerBatch batch;
         batch.save.push_back(assets->uploaded(record));
         ServerModification done = link.server().modify(who, batch);
@@ -147,16 +146,16 @@ Async<CloudRecord> SimulatedCloudDatabase::save(CloudRecord record)
         }
         return std::get<CloudRecord>(std::move(result));
     };
-    return link_.request<CloudRecord>(CloudOperation::save, std::move(serve));
+    return link_.request(CloudOperation::save, std::move(serve));
 }
 
 Async<void> SimulatedCloudDatabase::saveSubscription(ports::CloudSubscription subscription)
 {
-    Serve<bool> serve = [&link = link_, subscription = std::move(subscription)](const CloudDevice& who) {
+    auto serve = [&link = link_, subscription = std::move(subscription)](const CloudDevice& who) {
         link.server().saveSubscription(who, subscription);
         return true;
     };
-    co_await link_.request<bool>(CloudOperation::saveSubscription, std::move(serve));
+    co_await link_.request(CloudOperation::saveSubscription, std::move(serve));
 }
 
 } // namespace sentrel::simulation

@@ -65,14 +65,6 @@ void SimulatedNetwork::setUp(bool isUp)
     setStatus(isUp ? Status::satisfied : Status::unsatisfied);
 }
 
-void SimulatedNetwork::flap(int times)
-{
-    for (int time = 0; time < times; ++time) {
-        setUp(false);
-        setUp(true);
-    }
-}
-
 ports::RegistrationPtr SimulatedNetwork::observe(std::function<void(Status)> changed)
 {
     return observers_.add(std::make_shared<Told>(std::move(changed)));

@@ -20,8 +20,6 @@ public:
 
     void setUp(bool isUp);
 
-    /// Loses and restores the path this many times, without delay.
-    void flap(int times);
     [[nodiscard]] bool isUp() const { return status() == ports::NetworkPathStatus::satisfied; }
 
     /// For parts of the simulated Mac: called at each change, on the thread that makes it.

@@ -11,13 +11,19 @@
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace sentrel::simulation {
 
 /// An audio device with one volume and one mute, on its main output element.
-[[nodiscard]] AudioDevice simpleAudioDevice(std::uint32_t id, std::string name, std::string uid, float volume,
-                                            bool isMuted);
+[[nodiscard]] inline AudioDevice simpleAudioDevice(std::uint32_t id, std::string name, std::string uid, float volume,
+                                                   bool isMuted)
+{
+    AudioDevice device{.id = id, .name = std::move(name), .uid = std::move(uid)};
+    device.addControls({0}, volume, isMuted);
+    return device;
+}
 
 /// The initial state of a simulated MacBook, as plain values. By default a MacBook Pro on its charger, lid open, with
 /// one built-in speaker.

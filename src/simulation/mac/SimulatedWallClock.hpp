@@ -12,7 +12,7 @@ public:
     {
     }
 
-    [[nodiscard]] Date now() override;
+    [[nodiscard]] Date now() override { return start_.addingSeconds(toSeconds(scheduler_.now() - zero_)); }
 
     /// Sets the clock ahead, or back with negative seconds, as a user or a time server does.
     void move(double seconds) { start_ = start_.addingSeconds(seconds); }

@@ -32,7 +32,7 @@ std::string nameOf(BytesView content, std::string_view extension)
 /// The samples as a WAV file: 16 bits, one channel.
 Bytes wavOf(const std::vector<float>& samples)
 {
-    const auto header = wavHeader(sampleRate, 16, static_cast<std::uint32_t>(samples.size() * 2));
+    const auto header = WavHeader{sampleRate, 16, static_cast<std::uint32_t>(samples.size() * 2)}.bytes();
     Bytes wav{header.begin(), header.end()};
     wav.reserve(header.size() + samples.size() * 2);
     for (const float sample : samples) {

@@ -78,46 +78,35 @@ ValueType<std::vector<CameraModel>> camerasType()
             {{"anyOf", {{{"enum", {"none", nullptr}}}, camera.schema, {{"type", "array"}, {"items", camera.schema}}}}}};
 }
 
-Field<CameraValue> photoField()
+Field<CameraChange> photoField()
 {
     return {"photo",
-            [](CameraValue& into, const YamlValue& value, const ReadContext& context) {
-                into.change.photo.emplace();
+            [](CameraChange& into, const YamlValue& value, const ReadContext& context) {
+                into.photo.emplace();
                 if (const auto name = readOptionalText(value, "the photo")) {
-                    *into.change.photo = readFileContent(value, "the photo", context);
+                    *into.photo = readFileContent(value, "the photo", context);
                     into.photoName = *name;
                 }
             },
             type::text().schema};
 }
 
-template <class Member, class T>
-Field<CameraValue> changeField(std::string_view key, std::optional<Member> CameraChange::* member, ValueType<T> type)
-{
-    return {key,
-            [key, member, read = std::move(type.read)](CameraValue& into, const YamlValue& value,
-                                                       const ReadContext& context) {
-                into.change.*member = read(value, inQuotes(key), context);
-            },
-            std::move(type.schema)};
-}
-
 } // namespace
 
-ValueType<CameraValue> cameraType()
+ValueType<CameraChange> cameraType()
 {
-    Fields<CameraValue> fields{
-        changeField("authorization", &CameraChange::authorization, type::word("authorization", authorizationWords)),
-        changeField("devices", &CameraChange::devices, camerasType()),
-        changeField("brightness", &CameraChange::brightness, type::orNone(type::number(0.0, 1.0))),
+    Fields<CameraChange> fields{
+        field("authorization", &CameraChange::authorization, type::word("authorization", authorizationWords)),
+        field("devices", &CameraChange::devices, camerasType()),
+        field("brightness", &CameraChange::brightness, type::orNone(type::number(0.0, 1.0))),
         photoField(),
-        changeField("delay", &CameraChange::delay, type::span()),
-        changeField("fail", &CameraChange::fails, type::flag()),
+        field("delay", &CameraChange::delay, type::span()),
+        field("fail", &CameraChange::fails, type::flag()),
     };
     auto devices = type::made(camerasType(), [](std::vector<CameraModel> cameras) {
-        CameraValue value;
-        value.change.devices = std::move(cameras);
-        return value;
+        CameraChange change;
+        change.devices = std::move(cameras);
+        return change;
     });
     return type::either(type::map(std::move(fields), "{camera: {brightness: 0.05}}"), std::move(devices));
 }

@@ -17,22 +17,13 @@ namespace {
 using ports::CloudAccountStatus;
 using Command = CompanionPhone::Command;
 
-std::string_view statusText(CloudAccountStatus status)
-{
-    switch (status) {
-    case CloudAccountStatus::available:
-        return "The iCloud account can be used.";
-    case CloudAccountStatus::restricted:
-        return "iCloud is restricted on this Mac.";
-    case CloudAccountStatus::noAccount:
-        return "The Mac is signed out of iCloud.";
-    case CloudAccountStatus::temporarilyUnavailable:
-        return "The iCloud account can't be used for the moment.";
-    case CloudAccountStatus::couldNotDetermine:
-        break;
-    }
-    return "macOS can't tell which iCloud account there is.";
-}
+constexpr std::array<Word<CloudAccountStatus>, 5> statusTexts{{
+    {"The iCloud account can be used.", CloudAccountStatus::available},
+    {"iCloud is restricted on this Mac.", CloudAccountStatus::restricted},
+    {"The Mac is signed out of iCloud.", CloudAccountStatus::noAccount},
+    {"The iCloud account can't be used for the moment.", CloudAccountStatus::temporarilyUnavailable},
+    {"macOS can't tell which iCloud account there is.", CloudAccountStatus::couldNotDetermine},
+}};
 
 /// "The next 3 requests"
 std::string requestsText(const CloudFault& fault)
@@ -81,7 +72,7 @@ std::string tellCloud(const CloudChange& change)
         add("The Mac is now signed in to iCloud as " + *change.user + ".");
     }
     if (change.account) {
-        add(statusText(*change.account));
+        add(wordFor(statusTexts, *change.account));
     }
     if (change.quota) {
         add(quotaText(*change.quota));
@@ -156,7 +147,7 @@ std::string accountText(const CloudChange& cloud)
     } else if (cloud.account == CloudAccountStatus::available) {
         text = " It is signed in to iCloud.";
     } else if (cloud.account && cloud.account != CloudAccountStatus::noAccount) {
-        text = " " + std::string{statusText(*cloud.account)};
+        text = " " + std::string{wordFor(statusTexts, *cloud.account)};
     }
     text += cloud.isNetworkUp == false ? " It has no network." : "";
     return cloud.quota && *cloud.quota ? text + " " + quotaText(*cloud.quota) : text;

@@ -55,14 +55,9 @@ ValueType<ports::CloudError> errorType()
             {{"anyOf", {{{"type", "integer"}, {"minimum", 1}, {"maximum", mostCode}}, {{"enum", cloudErrorNames()}}}}}};
 }
 
-ValueType<std::optional<CloudOperation>> operationType()
+ValueType<CloudOperation> operationType()
 {
-    std::vector<std::string_view> names;
-    for (const auto& [operation, name] : cloudOperations) {
-        names.push_back(name);
-    }
-    return type::made(type::oneOf("kind of request", std::move(names)),
-                      [](const std::string& name) { return cloudOperation(name); });
+    return type::word("kind of request", cloudOperations);
 }
 
 /// `none` heals all; otherwise an error, or a map.

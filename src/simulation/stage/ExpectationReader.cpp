@@ -196,24 +196,18 @@ Json alertReasons(const MacState& state)
     return reasons;
 }
 
-std::string_view nameOf(AlertStorageLocation location)
-{
-    switch (location) {
-    case AlertStorageLocation::cloud:
-        return "cloud";
-    case AlertStorageLocation::localMac:
-        return "localMac";
-    case AlertStorageLocation::pendingUpload:
-        break;
-    }
-    return "pendingUpload";
-}
+constexpr std::array<Word<AlertStorageLocation>, 3> storageWords{{
+    {"cloud", AlertStorageLocation::cloud},
+    {"localMac", AlertStorageLocation::localMac},
+    {"pendingUpload", AlertStorageLocation::pendingUpload},
+}};
 
 Json alertRows(SentrelApp& app)
 {
     Json rows = Json::array();
     for (const AlertRow& row : *app.alertsService().alerts.get()) {
-        rows.push_back({{"reason", rawValue(row.alert.reason)}, {"storage", nameOf(row.storageLocation)}});
+        rows.push_back(
+            {{"reason", rawValue(row.alert.reason)}, {"storage", wordFor(storageWords, row.storageLocation)}});
     }
     return rows;
 }

@@ -54,7 +54,8 @@ Acceleration readSample(const YamlValue& value)
 PlayedRecording readRecording(const YamlValue& value, const ReadContext& context)
 {
     try {
-        return {MotionRecording::load(readPath(value, "the recording", context)), value.text};
+        const Bytes content = readFileContent(value, "the recording", context);
+        return {MotionRecording::parse(textOf(content), (context.folder / value.text).string()), value.text};
     } catch (const MotionRecordingError& error) {
         throw SourceFault(value.line, error.what());
     }
@@ -159,28 +160,18 @@ void useMusic(MacSession& session, const std::string& use)
     }
 }
 
-std::string_view authorizationText(ports::CaptureAuthorization status)
-{
-    using ports::CaptureAuthorization;
-    switch (status) {
-    case CaptureAuthorization::authorized:
-        return "Sentrel may use the camera.";
-    case CaptureAuthorization::denied:
-        return "Sentrel may not use the camera.";
-    case CaptureAuthorization::restricted:
-        return "The camera may not be used on this Mac.";
-    case CaptureAuthorization::notDetermined:
-        break;
-    }
-    return "Nobody has said yet whether Sentrel may use the camera.";
-}
+constexpr std::array<Word<ports::CaptureAuthorization>, 4> authorizationTexts{{
+    {"Sentrel may use the camera.", ports::CaptureAuthorization::authorized},
+    {"Sentrel may not use the camera.", ports::CaptureAuthorization::denied},
+    {"The camera may not be used on this Mac.", ports::CaptureAuthorization::restricted},
+    {"Nobody has said yet whether Sentrel may use the camera.", ports::CaptureAuthorization::notDetermined},
+}};
 
-std::string tellCamera(const CameraValue& value)
+std::string tellCamera(const CameraChange& change)
 {
-    const CameraChange& change = value.change;
     std::string text;
     if (change.authorization) {
-        text += " " + std::string{authorizationText(*change.authorization)};
+        text += " " + std::string{wordFor(authorizationTexts, *change.authorization)};
     }
     if (change.devices) {
         text += change.devices->empty() ? " There is no camera any more."
@@ -191,7 +182,7 @@ std::string tellCamera(const CameraValue& value)
                                    : " The scene before the camera is as bright as the day.";
     }
     if (change.photo) {
-        text += *change.photo ? " Every photo is now " + value.photoName + "." : " Photos show the café again.";
+        text += *change.photo ? " Every photo is now " + change.photoName + "." : " Photos show the café again.";
     }
     if (change.delay) {
         text += " A photo now takes " + decimal(toSeconds(*change.delay), 2) + " s.";
@@ -241,8 +232,7 @@ std::vector<ActionRow> hardwareActions()
                         type::oneOf("music", {"play", "pause", "quit"}), useMusic),
         ActionRow::with(
             "camera", "{camera: {brightness: 0.05}}", "the cameras, their view and the permission to use them",
-            cameraType(),
-            [](MacSession& session, const CameraValue& value) { apply(value.change, session.mac().camera); },
+            cameraType(), [](MacSession& session, const CameraChange& change) { apply(change, session.mac().camera); },
             tellCamera),
         ActionRow::with("displays", "{displays: 2}", "how many displays are connected", displaysType(),
                         [](MacSession& session, std::size_t count) { session.mac().displays.setCount(count); }),

@@ -90,7 +90,7 @@ const Fields<Mac>& macFields()
         field("bundleIdentifier", &Mac::bundleIdentifier,
               about("none for an unbundled program", orNone(bundleIdentifierType()))),
         field("displays", &Mac::displays, displaysType()),
-        field("camera", &Mac::camera, type::made(cameraType(), [](CameraValue value) { return value.change; })),
+        field("camera", &Mac::camera, cameraType()),
         field("icloud", &Mac::iCloud, type::made(cloudType(), withAccount)),
         field("login", &Mac::login, about("answer to the login panel", word("login", loginWords))),
         field("passcode", &Mac::passcode, about("the unlock passcode that is set", type::text())),

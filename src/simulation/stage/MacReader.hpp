@@ -25,14 +25,8 @@ namespace sentrel::simulation {
 /// four-character code. Without `defaultOutput` the output is device 73, or else the first one.
 [[nodiscard]] ValueType<std::vector<AudioDevice>> audioDevicesType();
 
-/// A change of the cameras, and the file's name of the photo in the scenario.
-struct CameraValue {
-    CameraChange change;
-    std::string photoName; ///< empty if none is given
-};
-
 /// A change of the cameras: a map, or for short the devices alone.
-[[nodiscard]] ValueType<CameraValue> cameraType();
+[[nodiscard]] ValueType<CameraChange> cameraType();
 
 /// A change of the iCloud account and the cloud: a map, or for short the account alone. An account is a user's name or
 /// a word for its state. A plain word close to such a word is refused; a quoted one is a name.

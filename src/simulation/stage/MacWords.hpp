@@ -44,13 +44,6 @@ inline constexpr std::array<Word<SimulatedMusic::Consent>, 3> consentWords{{
     {"undetermined", SimulatedMusic::Consent::undetermined},
 }};
 
-inline constexpr std::array<Word<LoginAnswer>, 4> loginWords{{
-    {nameOf(LoginAnswer::succeed), LoginAnswer::succeed},
-    {nameOf(LoginAnswer::fail), LoginAnswer::fail},
-    {nameOf(LoginAnswer::cancel), LoginAnswer::cancel},
-    {nameOf(LoginAnswer::unavailable), LoginAnswer::unavailable},
-}};
-
 inline constexpr std::array<Word<ports::CloudAccountStatus>, 5> accountWords{{
     {"none", ports::CloudAccountStatus::noAccount},
     {"available", ports::CloudAccountStatus::available},

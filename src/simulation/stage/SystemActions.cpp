@@ -152,15 +152,12 @@ std::string tellFailures(const FailingPorts& ports)
 /// A fault of one call, or none: the calls that were not struck yet are healed.
 ValueType<std::optional<CallFault>> plannedFaultType()
 {
-    using Fate = CallFault::Fate;
-    static constexpr std::array<Word<Fate>, 4> fates{
-        {{"raises", Fate::raises}, {"hangs", Fate::hangs}, {"dies", Fate::dies}, {"loses-power", Fate::losesPower}}};
     constexpr std::uint32_t mostCalls = 1'000'000;
     return type::orNone(type::map(Fields<CallFault>{
         required(field("port", &CallFault::port, type::text())),
         field("operation", &CallFault::operation, type::text()),
         field("call", &CallFault::call, type::called("the number of the call", type::whole(1, mostCalls))),
-        required(field("fate", &CallFault::fate, type::word("fate of a call", fates))),
+        required(field("fate", &CallFault::fate, type::word("fate of a call", fateWords))),
     }));
 }
 
@@ -270,17 +267,13 @@ std::string tellSettings(const Json& fields)
 
 std::string_view tellLogin(LoginAnswer answer)
 {
-    switch (answer) {
-    case LoginAnswer::succeed:
-        return "From now on the Mac login succeeds.";
-    case LoginAnswer::fail:
-        return "From now on the Mac login fails.";
-    case LoginAnswer::cancel:
-        return "From now on the login panel is cancelled.";
-    case LoginAnswer::unavailable:
-        break;
-    }
-    return "From now on macOS can't ask for the Mac login.";
+    static constexpr std::array<Word<LoginAnswer>, 4> texts{{
+        {"From now on the Mac login succeeds.", LoginAnswer::succeed},
+        {"From now on the Mac login fails.", LoginAnswer::fail},
+        {"From now on the login panel is cancelled.", LoginAnswer::cancel},
+        {"From now on macOS can't ask for the Mac login.", LoginAnswer::unavailable},
+    }};
+    return wordFor(texts, answer);
 }
 
 void refuseLoginItems(MacSession& session, bool refuses)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "foundation/Json.hpp"
+#include "simulation/Word.hpp"
 #include "simulation/stage/ValueReader.hpp"
 
 #include <nlohmann/json.hpp>
@@ -84,20 +85,6 @@ template <class Target> [[nodiscard]] Json schemaOf(const Fields<Target>& fields
         }
     }
     return schema;
-}
-
-/// A word and its meaning.
-template <class Meaning> struct Word {
-    std::string_view text;
-    Meaning meaning;
-};
-
-/// The first word with that meaning.
-template <class Words, class Meaning>
-[[nodiscard]] constexpr std::string_view wordFor(const Words& words, const Meaning& meaning)
-{
-    const auto found = std::ranges::find_if(words, [&](const auto& word) { return word.meaning == meaning; });
-    return found == std::end(words) ? std::string_view{"unknown"} : found->text;
 }
 
 /// The types of values in scenarios.

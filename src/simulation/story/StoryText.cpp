@@ -2,8 +2,11 @@
 
 #include "core/TriggerReason.hpp"
 #include "ports/Language.hpp"
+#include "simulation/Word.hpp"
 #include "simulation/stage/CloudText.hpp"
 #include "simulation/stage/Wording.hpp"
+
+#include <array>
 
 namespace sentrel::simulation {
 
@@ -22,31 +25,17 @@ public:
     std::size_t characterCount(std::string_view text) override { return text.size(); }
 };
 
-std::string_view powerText(Mac::Power power)
-{
-    switch (power) {
-    case Mac::Power::ac:
-        return "on its charger";
-    case Mac::Power::battery:
-        return "on battery";
-    case Mac::Power::unknown:
-        return "that doesn't tell where its power comes from";
-    }
-    return "";
-}
+constexpr std::array<Word<Mac::Power>, 3> powerTexts{{
+    {"on its charger", Mac::Power::ac},
+    {"on battery", Mac::Power::battery},
+    {"that doesn't tell where its power comes from", Mac::Power::unknown},
+}};
 
-std::string_view lidText(Mac::Lid lid)
-{
-    switch (lid) {
-    case Mac::Lid::open:
-        return ", its lid open";
-    case Mac::Lid::closed:
-        return ", its lid closed";
-    case Mac::Lid::absent:
-        return ", without a lid";
-    }
-    return "";
-}
+constexpr std::array<Word<Mac::Lid>, 3> lidTexts{{
+    {", its lid open", Mac::Lid::open},
+    {", its lid closed", Mac::Lid::closed},
+    {", without a lid", Mac::Lid::absent},
+}};
 
 std::string soundText(const Mac& mac)
 {
@@ -64,16 +53,10 @@ std::string musicText(const Mac& mac)
     if (mac.music == Mac::Music::absent) {
         return {};
     }
-    std::string text = mac.music == Mac::Music::playing ? " Music is playing" : " Music is paused";
-    switch (mac.automationConsent) {
-    case Mac::Consent::granted:
-        return text + ", and Sentrel may pause it.";
-    case Mac::Consent::denied:
-        return text + ", and Sentrel may not touch it.";
-    case Mac::Consent::undetermined:
-        return text + ".";
-    }
-    return text;
+    return (mac.music == Mac::Music::playing ? " Music is playing" : " Music is paused") +
+           std::string{mac.automationConsent == Mac::Consent::granted  ? ", and Sentrel may pause it."
+                       : mac.automationConsent == Mac::Consent::denied ? ", and Sentrel may not touch it."
+                                                                       : "."};
 }
 
 std::string camerasText(const Mac& mac)
@@ -105,8 +88,8 @@ std::string describe(const Mac& mac)
     const std::string product = mac.productName.value_or(mac.model);
     std::string text = (product.starts_with('i') ? "An " : "A ") + product; // an iMac
     text += mac.localizedName ? " called " + quotation(*mac.localizedName) + " " : " without a name ";
-    text += powerText(mac.power);
-    text += lidText(mac.lid);
+    text += wordFor(powerTexts, mac.power);
+    text += wordFor(lidTexts, mac.lid);
     text += mac.accelerometer == Mac::Accelerometer::absent ? ", without an accelerometer. " : ". ";
     return text + soundText(mac) + musicText(mac) + camerasText(mac) + displaysText(mac) + passcodeText(mac) +
            accountText(mac.iCloud);

@@ -1,6 +1,5 @@
 #include "simulation/icloud/CloudScene.hpp"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -10,9 +9,7 @@ namespace sentrel::simulation {
 namespace {
 
 using namespace std::chrono_literals;
-using ports::CloudAccountStatus;
 using ports::CloudRecord;
-using testing::ElementsAre;
 
 class CloudLinkTest : public testing::Test, protected CloudScene {
 protected:
@@ -84,23 +81,6 @@ TEST_F(CloudLinkTest, EachOperationFailsAsItIsTold)
     }
 }
 
-TEST_F(CloudLinkTest, ErrorsHaveCloudKitsNamesAndNumbersAndMaySayWhenToTryAgain)
-{
-    EXPECT_EQ(cloudErrorName(7), "requestRateLimited");
-    EXPECT_EQ(cloudErrorName(38), "38");
-    EXPECT_EQ(cloudErrorName(37), "participantAlreadyInvited");
-
-    link.faults().add({.error = cloudError(7, 2.5), .times = 1});
-    EXPECT_EQ(std::get<ports::CloudAccountStatus>(outcome(mac.account.accountStatus())), CloudAccountStatus::available)
-        << "which asks no server";
-    const auto limited = outcome(mac.database.record("one"));
-    EXPECT_EQ(std::get<ports::CloudError>(limited).domain, "CKErrorDomain");
-    EXPECT_EQ(std::get<ports::CloudError>(limited).retryAfter, 2.5);
-    EXPECT_EQ(log.events().back().text("outcome"), "requestRateLimited");
-    EXPECT_EQ(code(mac.database.save(thing("one"))), 0);
-    EXPECT_EQ(log.events().back().text("outcome"), "ok");
-}
-
 TEST_F(CloudLinkTest, ChanceIsTheSameForTheSameSeed)
 {
     const auto strikes = [](std::uint64_t seed) {
@@ -168,38 +148,6 @@ TEST_F(CloudLinkTest, ALostNetworkCostsTheRequestOrItsAnswer)
     EXPECT_TRUE(isThere("one"));
 }
 
-TEST_F(CloudLinkTest, TheAccountDecidesWhoseDatabaseIsAsked)
-{
-    int changes = 0;
-    mac.account.onChange([&] { ++changes; });
-    const auto owner = answer(mac.account.userRecordName());
-    EXPECT_THAT(*owner, testing::MatchesRegex("_[0-9a-f]+"));
-    EXPECT_EQ(owner->size(), 33U);
-    answer(mac.database.save(thing("one")));
-
-    mac.account.signIn("other");
-    EXPECT_NE(answer(mac.account.userRecordName()), owner);
-    EXPECT_EQ(code(mac.database.record("one")), CKError::unknownItem);
-    mac.account.signIn("owner");
-    EXPECT_EQ(answer(mac.account.userRecordName()), owner);
-    EXPECT_EQ(code(mac.database.record("one")), 0);
-
-    const std::vector<std::pair<CloudAccountStatus, int>> table{
-        {CloudAccountStatus::noAccount, CKError::notAuthenticated},
-        {CloudAccountStatus::restricted, CKError::notAuthenticated},
-        {CloudAccountStatus::couldNotDetermine, CKError::notAuthenticated},
-        {CloudAccountStatus::temporarilyUnavailable, CKError::accountTemporarilyUnavailable},
-        {CloudAccountStatus::available, 0},
-    };
-    for (const auto& [status, expected] : table) {
-        mac.account.setStatus(status);
-        EXPECT_EQ(answer(mac.account.accountStatus()), status);
-        EXPECT_EQ(code(mac.database.record("one")), expected);
-        EXPECT_EQ(code(mac.account.userRecordName()), expected);
-    }
-    EXPECT_EQ(changes, 7);
-}
-
 TEST_F(CloudLinkTest, ARequestOutlivesTheProcessThatMadeIt)
 {
     std::string phases;
@@ -220,52 +168,6 @@ TEST_F(CloudLinkTest, ARequestOutlivesTheProcessThatMadeIt)
     EXPECT_TRUE(isThere("one"));
     EXPECT_EQ(saved->index(), 0U) << "nobody is left to hear the answer";
     EXPECT_EQ(story, "cloud.request ");
-}
-
-TEST_F(CloudLinkTest, RequestsAreCounted)
-{
-    startSaving("one");
-    startSaving("two");
-    EXPECT_EQ(link.requests(), 0U) << "a coroutine that has not started asks for nothing";
-    clock.runUntilIdle();
-    startSaving("three");
-    clock.runUntilIdle();
-    EXPECT_EQ(link.requests(), 3U);
-    EXPECT_EQ(link.requests(CloudOperation::save), 3U);
-    EXPECT_EQ(link.mostAtATime(CloudOperation::save), 2U);
-    EXPECT_EQ(link.mostAtATime(CloudOperation::fetch), 0U);
-}
-
-TEST(SimulatedNetworkTest, AMonitorHearsOfThePathAndOfEachChangeOnItsQueue)
-{
-    using ports::NetworkPathStatus;
-    VirtualClock clock;
-    VirtualScheduler scheduler{clock};
-    SerialQueue queue{scheduler, "paths", QualityOfService::utility};
-    SimulatedNetwork network;
-    std::vector<NetworkPathStatus> heard;
-    auto monitor = network.monitor(queue, [&](NetworkPathStatus status) {
-        EXPECT_TRUE(queue.isCurrent());
-        heard.push_back(status);
-    });
-    EXPECT_TRUE(heard.empty());
-    clock.runUntilIdle();
-    EXPECT_THAT(heard, ElementsAre(NetworkPathStatus::satisfied));
-    network.setUp(false);
-    network.setStatus(NetworkPathStatus::satisfiable);
-    EXPECT_FALSE(network.isUp());
-    network.setUp(true);
-    clock.runUntilIdle();
-    EXPECT_THAT(heard, ElementsAre(NetworkPathStatus::satisfied, NetworkPathStatus::unsatisfied,
-                                   NetworkPathStatus::satisfiable, NetworkPathStatus::satisfied));
-    network.flap(2);
-    clock.runUntilIdle();
-    EXPECT_EQ(heard.size(), 8U);
-    network.setUp(false);
-    monitor.reset();
-    network.setUp(true);
-    clock.runUntilIdle();
-    EXPECT_EQ(heard.size(), 8U) << "what waited on the queue is not told either";
 }
 
 } // namespace

@@ -4,7 +4,6 @@
 #include "simulation/icloud/CompanionPhone.hpp"
 #include "simulation/icloud/Sqlite.hpp"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <fstream>
@@ -16,10 +15,6 @@ namespace {
 using namespace std::chrono_literals;
 using namespace std::string_literals;
 using ports::CloudRecord;
-using ports::CloudSavePolicy;
-using testing::Contains;
-using testing::ElementsAre;
-using testing::Field;
 
 class PrivateCloudTest : public testing::Test, protected CloudScene {
 protected:
@@ -121,14 +116,6 @@ TEST_F(PrivateCloudTest, AVersionOfTheLostDatabaseIsNoVersionOfTheNewOne)
     EXPECT_EQ(codeOf(later->modify({"owner", "test"}, batch).saved.at("one")), CKError::serverRecordChanged);
 }
 
-TEST_F(PrivateCloudTest, WhereNoFileCanBeTheServerFails)
-{
-    std::ofstream{disk.path() / "iCloud"} << "in the way";
-    EXPECT_EQ(code(mac.database.save(thing("one"))), CKError::internalError);
-    std::filesystem::remove(disk.path() / "iCloud");
-    EXPECT_EQ(code(mac.database.save(thing("one"))), 0);
-}
-
 TEST_F(PrivateCloudTest, EachUserHasAFileInTheFolderWhateverTheNameIs)
 {
     for (const std::string& user : {"a"s, "A"s, ""s, "../../elsewhere"s, "nul\0"s, "%41"s, "\xFF"s}) {
@@ -142,12 +129,6 @@ TEST_F(PrivateCloudTest, EachUserHasAFileInTheFolderWhateverTheNameIs)
         }
     }
     EXPECT_EQ(files, 7U);
-}
-
-TEST_F(PrivateCloudTest, TheServersClockIsItsOwn)
-{
-    server.setClockOffset(-300.0);
-    EXPECT_EQ(answer(mac.database.save(thing("one"))).modificationDate, Date{700.04});
 }
 
 /// A Mac that lists things in a catalog which all devices share, and saves each as a record of its own.

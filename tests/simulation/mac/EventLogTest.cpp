@@ -41,36 +41,6 @@ TEST(EventLog, TellsEachEventAsOneJsonLineWithItsTimeAndItsFieldsInOrder)
                                    "\"bytes\": \"a\xEF\xBF\xBD\\u0000b\\n\xC3\xA9\"}");
 }
 
-TEST(EventLog, FindsFieldsByName)
-{
-    LogMachine machine;
-    EventLog log{machine.scheduler};
-    log.passOn("trigger", {{"reason", "motion"}, {"count", std::int64_t{2}}});
-    log.passOn("disarmed", {});
-    const auto triggers = log.named("trigger");
-    ASSERT_EQ(triggers.size(), 1U);
-    EXPECT_EQ(triggers[0].text("reason"), "motion");
-    EXPECT_EQ(triggers[0].text("count"), "");
-    EXPECT_EQ(triggers[0].find("photo"), nullptr);
-    EXPECT_EQ(log.events(1).size(), 1U);
-    EXPECT_TRUE(log.events(7).empty());
-}
-
-TEST(EventLog, AnObserverMayNoteEventsItself)
-{
-    LogMachine machine;
-    EventLog log{machine.scheduler};
-    std::string heard;
-    log.observe([&](const Event& event) {
-        heard += event.name + " ";
-        if (event.name == "knock") {
-            log.passOn("answer", {});
-        }
-    });
-    log.passOn("knock", {});
-    EXPECT_EQ(heard, "knock answer ");
-}
-
 TEST(EventLog, AFileHoldsTheEventsFromBeforeAndAfterItWasOpened)
 {
     LogMachine machine;

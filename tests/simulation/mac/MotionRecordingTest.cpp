@@ -1,10 +1,6 @@
 #include "simulation/mac/motion/MotionRecording.hpp"
-#include "support/TemporaryFolder.hpp"
 
 #include <gtest/gtest.h>
-
-#include <filesystem>
-#include <fstream>
 
 namespace sentrel::simulation {
 namespace {
@@ -59,28 +55,6 @@ TEST(MotionRecording, NamesTheLineOfEveryFault)
             EXPECT_EQ(error.what(), message);
         }
     }
-}
-
-TEST(MotionRecording, RefusesAFileThatIsMissingOrAFolderOrTooLarge)
-{
-    const TemporaryFolder folder;
-    EXPECT_THROW((void)MotionRecording::load(folder.path() / "none.csv"), MotionRecordingError);
-    EXPECT_THROW((void)MotionRecording::load(folder.path() / "."), MotionRecordingError);
-    std::ofstream{folder.path() / "huge.csv"} << header;
-    std::filesystem::resize_file(folder.path() / "huge.csv", 1ULL << 40);
-    EXPECT_THROW((void)MotionRecording::load(folder.path() / "huge.csv"), MotionRecordingError);
-}
-
-TEST(MotionRecording, ReadsRealRecordings)
-{
-    const auto folder = std::filesystem::path{SENTREL_SOURCE_DIR} / ".." / "shared" / "data" / "motion";
-    if (!std::filesystem::is_directory(folder)) {
-        GTEST_SKIP() << "no recordings in " << folder;
-    }
-    EXPECT_EQ(MotionRecording::load(folder / "walk_board_26hz.csv").samples().size(), 1000U);
-    const auto shaken = MotionRecording::load(folder / "table_then_shaken_then_table.csv");
-    EXPECT_EQ(shaken.samples().size(), 424U);
-    EXPECT_EQ(shaken.length(), 21'149ms);
 }
 
 } // namespace

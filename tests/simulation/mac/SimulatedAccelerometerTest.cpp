@@ -18,9 +18,6 @@ using namespace std::chrono_literals;
 using ::testing::ElementsAre;
 using ::testing::SizeIs;
 
-constexpr std::uint32_t accelerometerEvent = 13;
-constexpr std::uint32_t firstField = 0xD0000;
-
 struct Received {
     Duration at;
     std::optional<std::uint32_t> type;
@@ -66,45 +63,6 @@ struct MotionMachine {
         return times;
     }
 };
-
-TEST(SimulatedAccelerometer, IsMatchedByItsUsageWhilePresent)
-{
-    MotionMachine machine;
-    EXPECT_THAT(*machine.client->copyServices(), SizeIs(1));
-    EXPECT_TRUE(machine.client->copyServices()->front()->setProperty("ReportInterval", 20'000));
-    EXPECT_FALSE(machine.client->copyServices()->front()->setProperty("ReportInterval", 0));
-    EXPECT_FALSE(machine.client->copyServices()->front()->setProperty("Colour", 1));
-    machine.client->setMatching({{"PrimaryUsagePage", 0xFF00}, {"PrimaryUsage", 4}});
-    machine.accelerometer.sample({0, 0, -1});
-    machine.clock.runReady();
-    EXPECT_THAT(*machine.client->copyServices(), SizeIs(0));
-    EXPECT_THAT(machine.received, SizeIs(0));
-
-    machine.client->setMatching({});
-    EXPECT_THAT(*machine.client->copyServices(), SizeIs(1));
-    machine.accelerometer.faults().set("services", 1);
-    EXPECT_EQ(machine.client->copyServices(), std::nullopt);
-    machine.accelerometer.setPresent(false);
-    EXPECT_THAT(*machine.client->copyServices(), SizeIs(0));
-    machine.accelerometer.faults().set("client", 1);
-    EXPECT_EQ(machine.accelerometer.createClient(), nullptr);
-}
-
-TEST(SimulatedAccelerometer, DeliversSamplesOtherEventsAndNullEventsOnTheQueue)
-{
-    MotionMachine machine;
-    machine.accelerometer.sample({0.1, 0.2, -0.9});
-    machine.accelerometer.sendEvent(1, {3, 0, 0});
-    machine.accelerometer.sendNullEvent();
-    EXPECT_THAT(machine.received, SizeIs(0)) << "never inside the call";
-    machine.clock.runReady();
-    ASSERT_THAT(machine.received, SizeIs(3));
-    EXPECT_EQ(machine.received[0].type, accelerometerEvent);
-    EXPECT_EQ(machine.received[0].values, (Acceleration{0.1, 0.2, -0.9}));
-    EXPECT_EQ(firstField, accelerometerEvent << 16U);
-    EXPECT_EQ(machine.received[1].type, 1U);
-    EXPECT_EQ(machine.received[2].type, std::nullopt);
-}
 
 TEST(SimulatedAccelerometer, PlaysARecordingAtItsOwnTimesFromNowOn)
 {

@@ -2,16 +2,13 @@
 #include "runtime/VirtualScheduler.hpp"
 #include "simulation/EventLog.hpp"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <limits>
 #include <stdexcept>
 
 namespace sentrel::simulation {
 namespace {
 
-using ::testing::ElementsAre;
 using Address = ports::AudioPropertyAddress;
 
 constexpr std::uint32_t glob = fourCharCode("glob");
@@ -19,7 +16,6 @@ constexpr std::uint32_t outp = fourCharCode("outp");
 constexpr std::uint32_t vmvc = fourCharCode("vmvc");
 constexpr std::uint32_t volm = fourCharCode("volm");
 constexpr std::uint32_t mute = fourCharCode("mute");
-constexpr Address deviceList{fourCharCode("dev#"), glob, 0};
 constexpr Address defaultDevice{fourCharCode("dOut"), glob, 0};
 
 struct AudioMachine {
@@ -38,29 +34,6 @@ struct AudioMachine {
         return {microphone, speaker, headphones};
     }
 };
-
-TEST(SimulatedAudio, ShowsItsDevicesThroughTheirProperties)
-{
-    AudioMachine machine;
-    auto& audio = machine.audio;
-    EXPECT_THAT(*audio.readObjectList(1, deviceList), ElementsAre(60U, 73U, 91U));
-    EXPECT_EQ(audio.readUInt32(1, defaultDevice), 91U);
-    EXPECT_THAT(*audio.readBufferChannels(73, {fourCharCode("slay"), outp, 0}), ElementsAre(2U));
-    EXPECT_TRUE(audio.readBufferChannels(60, {fourCharCode("slay"), outp, 0})->empty());
-    EXPECT_EQ(audio.readUInt32(91, {fourCharCode("tran"), glob, 0}), fourCharCode("usb "));
-    EXPECT_EQ(audio.readText(73, {fourCharCode("uid "), glob, 0}), "BuiltInSpeakerDevice");
-    EXPECT_EQ(audio.readText(73, {fourCharCode("lnam"), glob, 0}), "MacBook Pro Speakers");
-    EXPECT_TRUE(audio.hasProperty(73, {vmvc, outp, 2}));
-    EXPECT_FALSE(audio.hasProperty(73, {vmvc, outp, 1}));
-    EXPECT_FALSE(audio.hasProperty(73, {vmvc, glob, 2}));
-    EXPECT_EQ(audio.readFloat32(91, {volm, outp, 1}), 0.2F);
-    EXPECT_EQ(audio.readUInt32(73, {mute, outp, 0}), 0U);
-    EXPECT_EQ(audio.readFloat32(73, {mute, outp, 0}), std::nullopt) << "a mute is no float";
-    EXPECT_EQ(audio.readFloat32(99, {volm, outp, 1}), std::nullopt);
-    EXPECT_EQ(audio.writeFloat32(73, {volm, outp, 0}, 0.5F), static_cast<std::int32_t>(fourCharCode("who?")));
-    EXPECT_EQ(audio.writeFloat32(99, {volm, outp, 0}, 0.5F), static_cast<std::int32_t>(fourCharCode("!obj")));
-    EXPECT_NE(audio.writeFloat32(73, {vmvc, outp, 0}, std::numeric_limits<float>::quiet_NaN()), 0);
-}
 
 TEST(SimulatedAudio, TheEarHearsTheMeanOfTheMainVolumesElseOfTheChannelsUnlessMuted)
 {
@@ -102,30 +75,6 @@ TEST(SimulatedAudio, TheDefaultOutputMovesWhenItIsUnpluggedAndMayBeNone)
     EXPECT_EQ(changes, 3);
     EXPECT_EQ(machine.log.named("default-output.changed").size(), 3U);
     EXPECT_THROW((SimulatedAudio{machine.log, AudioMachine::devices(), 99}), std::invalid_argument);
-}
-
-TEST(SimulatedAudio, EveryKindOfReadAndWriteCanFail)
-{
-    AudioMachine machine;
-    auto& audio = machine.audio;
-    for (const auto& fault : audio.faults().names()) {
-        audio.faults().set(fault,
-                           fault == "raises" || fault == "hangs" ? 0 : -1); // those two end a call before it fails
-    }
-    EXPECT_FALSE(audio.hasProperty(73, {vmvc, outp, 0}));
-    EXPECT_FALSE(audio.readObjectList(1, deviceList));
-    EXPECT_FALSE(audio.readUInt32(1, defaultDevice));
-    EXPECT_FALSE(audio.readUInt32(73, {fourCharCode("tran"), glob, 0}));
-    EXPECT_FALSE(audio.readText(73, {fourCharCode("uid "), glob, 0}));
-    EXPECT_FALSE(audio.readText(73, {fourCharCode("lnam"), glob, 0}));
-    EXPECT_FALSE(audio.readBufferChannels(73, {fourCharCode("slay"), outp, 0}));
-    EXPECT_FALSE(audio.readFloat32(73, {vmvc, outp, 0}));
-    EXPECT_FALSE(audio.readUInt32(73, {mute, outp, 0}));
-    EXPECT_NE(audio.writeUInt32(1, defaultDevice, 73), 0);
-    EXPECT_NE(audio.writeFloat32(73, {vmvc, outp, 0}, 1.0F), 0);
-    EXPECT_NE(audio.writeUInt32(73, {mute, outp, 0}, 1), 0);
-    EXPECT_EQ(audio.defaultOutput(), 91U);
-    EXPECT_EQ(audio.audibleGain(73), 0.5F) << "nothing was written";
 }
 
 } // namespace

@@ -94,23 +94,6 @@ TEST_F(DisplaysTest, OnlyAnOpaqueWindowThatReachesEveryCornerCoversADisplay)
     EXPECT_FALSE(displays_.isCovered(0));
 }
 
-TEST_F(DisplaysTest, AChangeIsAnnouncedOnTheMainQueueUnlessTheAnnouncementIsLost)
-{
-    int announced = 0;
-    const auto name = "NSApplicationDidChangeScreenParametersNotification";
-    const auto observer = displays_.observe(name, [&] { ++announced; });
-    displays_.setCount(2);
-    EXPECT_EQ(announced, 0);
-    clock_.runReady();
-    EXPECT_EQ(announced, 1);
-    displays_.setCount(2);
-    ASSERT_TRUE(displays_.faults().set("notification", 1));
-    displays_.setCount(1);
-    clock_.runReady();
-    EXPECT_EQ(announced, 1);
-    EXPECT_EQ(journal_.named("displays.changed").size(), 2U);
-}
-
 TEST_F(DisplaysTest, ACoverLiesOverEveryWindowAndATitledWindowCannotBeLostOrDestroyedByItsUser)
 {
     ports::WindowDescription description;

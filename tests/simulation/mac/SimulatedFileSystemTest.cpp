@@ -25,40 +25,6 @@ struct FilesTest : testing::Test {
     }
 };
 
-TEST_F(FilesTest, EveryCallCanBeMadeToFailAndThenTheOldFileIsAsItWas)
-{
-    ASSERT_EQ(save("old"), 0);
-    const std::pair<const char*, int> cases[] = {
-        {"create", EACCES}, {"write", ENOSPC}, {"synchronize", EIO}, {"rename", EACCES}};
-    for (const auto& [fault, error] : cases) {
-        ASSERT_TRUE(files.faults().set(fault, 1));
-        EXPECT_EQ(save("new"), error) << fault;
-        EXPECT_EQ(content(), "old") << fault;
-    }
-    files.faults().set("list");
-    files.faults().set("read");
-    files.faults().set("remove");
-    files.faults().set("create-directories");
-    EXPECT_FALSE(files.list(folder.path()));
-    EXPECT_FALSE(files.read(file));
-    EXPECT_EQ(files.remove(file), EACCES);
-    EXPECT_EQ(files.createDirectories(folder.path() / "a", 0700), EACCES);
-    files.faults().clear();
-    EXPECT_EQ(files.read(file), bytesOf("old"));
-}
-
-TEST_F(FilesTest, CallsAndReadsAreCounted)
-{
-    ASSERT_EQ(save("text"), 0);
-    EXPECT_EQ(files.counts().calls, 5U) << "create, write, synchronize, rename, synchronize the folder";
-    EXPECT_EQ(files.counts().reads, 0U);
-    (void)files.read(file);
-    (void)files.list(folder.path());
-    (void)files.exists(file);
-    EXPECT_EQ(files.counts().calls, 8U);
-    EXPECT_EQ(files.counts().reads, 3U);
-}
-
 TEST_F(FilesTest, APowerCutBetweenAnyTwoCallsLeavesTheOldContentOrTheNewOne)
 {
     for (std::uint64_t calls = 0; calls <= 5; ++calls) {

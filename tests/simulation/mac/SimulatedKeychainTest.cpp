@@ -16,12 +16,9 @@ using testing::ElementsAre;
 
 constexpr std::int32_t inputOutputError = -36;
 constexpr std::int32_t parameterError = -50;
-constexpr std::int32_t notAvailable = -25291;
-constexpr std::int32_t authenticationFailed = -25293;
 constexpr std::int32_t invalidKeychain = -25295;
 constexpr std::int32_t duplicateItem = -25299;
 constexpr std::int32_t itemNotFound = -25300;
-constexpr std::int32_t interactionNotAllowed = -25308;
 
 /// The item "a" of service "s" in one of the keychains.
 KeychainDictionary query(KeychainStore store)
@@ -95,29 +92,6 @@ TEST_F(SimulatedKeychainTest, TheTwoKeychainsAreApartAndOutliveALaunch)
     EXPECT_EQ(keychain->item(current, "s", "a"), std::nullopt);
     EXPECT_EQ(keychain->item(legacy, "s", "a")->data, Bytes{});
     EXPECT_EQ(keychain->copyMatching({{KeychainKey::returnData, true}}).status, parameterError);
-}
-
-TEST_F(SimulatedKeychainTest, EachWayOfRefusingHasItsStatusAndChangesNothing)
-{
-    const auto keychain = launch();
-    ASSERT_EQ(keychain->add(with(query(current), one_)), 0);
-    const auto expectRefused = [&](std::int32_t status) {
-        EXPECT_EQ(keychain->copyMatching(reading(query(current))).status, status);
-        EXPECT_EQ(keychain->add(with(query(current), two_)), status);
-        EXPECT_EQ(keychain->update(query(current), {{KeychainKey::valueData, BytesView{two_}}}), status);
-        EXPECT_EQ(keychain->remove(query(current)), status);
-        EXPECT_EQ(keychain->item(current, "s", "a")->data, one_);
-    };
-    keychain->setAccess(current, SimulatedKeychain::Access::locked);
-    expectRefused(interactionNotAllowed);
-    EXPECT_EQ(keychain->copyMatching(reading(query(legacy))).status, itemNotFound); // the other one is open
-    keychain->setAccess(current, SimulatedKeychain::Access::denied);
-    expectRefused(authenticationFailed);
-    keychain->setAccess(current, SimulatedKeychain::Access::open);
-    for (const std::string_view call : {"copy", "add", "update", "delete"}) {
-        ASSERT_TRUE(keychain->faults().set(call));
-    }
-    expectRefused(notAvailable);
 }
 
 TEST_F(SimulatedKeychainTest, WhatCanNotBeWrittenHasNotHappened)

@@ -46,14 +46,9 @@ struct MusicTest : testing::Test {
         return kept;
     }
 
-    Kept<std::optional<std::int32_t>> startPermission(bool ask, std::uint32_t type = fourCharCode("bund"))
+    Kept<std::optional<std::int32_t>> startPermission()
     {
-        return start(app.determinePermission(type, music, anyEvent, anyEvent, ask));
-    }
-
-    std::optional<std::int32_t> permission(bool ask, std::uint32_t type = fourCharCode("bund"))
-    {
-        return startPermission(ask, type)->value_or(std::nullopt);
+        return start(app.determinePermission(fourCharCode("bund"), music, anyEvent, anyEvent, true));
     }
 
     /// What the script answers at once.
@@ -82,26 +77,11 @@ struct MusicTest : testing::Test {
     }
 };
 
-TEST_F(MusicTest, ConsentAnswersWithTheStatusThatTheSystemHasForIt)
-{
-    EXPECT_EQ(permission(true), -600) << "not running";
-    EXPECT_EQ(app.consent(), Consent::undetermined) << "nobody was asked";
-    app.setPlayback(Playback::paused);
-    EXPECT_EQ(permission(false), -1744);
-    app.setConsent(Consent::denied);
-    EXPECT_EQ(permission(true), -1743);
-    app.setConsent(Consent::granted);
-    EXPECT_EQ(permission(false), 0);
-    EXPECT_EQ(permission(false, fourCharCode("sign")), -600) << "a target of another kind";
-    app.faults().set("descriptor", 1);
-    EXPECT_EQ(permission(false), std::nullopt);
-}
-
 TEST_F(MusicTest, TheOwnerAnswersTheQuestionInHisOwnTime)
 {
     app.setPlayback(Playback::playing);
     app.setConsentDelay(4s);
-    const auto answer = startPermission(true);
+    const auto answer = startPermission();
     clock.advance(3999ms);
     EXPECT_FALSE(*answer);
     EXPECT_EQ(script(playingTest), "failure") << "no consent yet";
@@ -109,16 +89,6 @@ TEST_F(MusicTest, TheOwnerAnswersTheQuestionInHisOwnTime)
     EXPECT_EQ(**answer, 0);
     EXPECT_EQ(script(playingTest), "true");
     EXPECT_EQ(story(), "consent.asked consent.answered ");
-}
-
-TEST_F(MusicTest, TheOwnerMaySayNo)
-{
-    app.setPlayback(Playback::playing);
-    app.faults().set("consent");
-    EXPECT_EQ(permission(true), -1743);
-    EXPECT_EQ(app.consent(), Consent::denied);
-    EXPECT_EQ(script(pauseScript), "failure");
-    EXPECT_EQ(app.playback(), Playback::playing);
 }
 
 TEST_F(MusicTest, OnlyARealTransitionIsNoted)
@@ -138,18 +108,6 @@ TEST_F(MusicTest, OnlyARealTransitionIsNoted)
     EXPECT_EQ(app.playback(), Playback::absent);
 }
 
-TEST_F(MusicTest, WhatIsNotExactlyAKnownScriptIsASyntaxError)
-{
-    app.setConsent(Consent::granted);
-    app.setPlayback(Playback::playing);
-    for (const std::string source :
-         {"", "tell application \"Music\" to pause\n", "tell application \"Finder\" to pause", "tell Music to pause",
-          "tell application \"Music\"\nplayer state is playing\nend tell"}) {
-        EXPECT_EQ(script(source), "failure") << source;
-    }
-    EXPECT_EQ(app.playback(), Playback::playing);
-}
-
 TEST_F(MusicTest, AScriptMayFailOrBeLateOrNeverAnswer)
 {
     app.setConsent(Consent::granted);
@@ -158,9 +116,8 @@ TEST_F(MusicTest, AScriptMayFailOrBeLateOrNeverAnswer)
     EXPECT_EQ(script(pauseScript), "failure");
 
     app.faults().set("script-slow", 1);
-    app.setScriptDelay(700ms);
     EXPECT_EQ(script(pauseScript), "no answer");
-    clock.advance(699ms);
+    clock.advance(1999ms);
     EXPECT_EQ(app.playback(), Playback::playing);
     clock.advance(1ms);
     EXPECT_EQ(app.playback(), Playback::paused);
@@ -185,18 +142,6 @@ TEST_F(MusicTest, OnlyThePlayPauseKeyAtTheHardwareTapIsHeard)
     EXPECT_EQ(input.posted().size(), 5U);
     pressPlayPause();
     EXPECT_EQ(app.playback(), Playback::paused);
-}
-
-TEST_F(MusicTest, OtherApplicationsAreNeitherInstalledNorRunning)
-{
-    EXPECT_TRUE(app.isInstalled(music));
-    EXPECT_FALSE(app.isRunning(music));
-    app.play();
-    EXPECT_TRUE(app.isRunning(music));
-    EXPECT_FALSE(app.isInstalled("com.apple.TV"));
-    EXPECT_FALSE(app.isRunning("com.apple.TV"));
-    app.faults().set("not-installed");
-    EXPECT_FALSE(app.isInstalled(music));
 }
 
 } // namespace

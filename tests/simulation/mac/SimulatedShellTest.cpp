@@ -1,14 +1,10 @@
 #include "posix/PosixFileSystem.hpp"
 #include "simulation/EventLog.hpp"
-#include "simulation/mac/display/SimulatedApplication.hpp"
 #include "simulation/mac/display/SimulatedLoginItem.hpp"
-#include "simulation/mac/display/SimulatedPreviewPanel.hpp"
 #include "simulation/mac/display/SimulatedSavePanels.hpp"
-#include "simulation/mac/display/SimulatedStatusBar.hpp"
 #include "support/TemporaryFolder.hpp"
 #include "support/VirtualMachine.hpp"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <fstream>
@@ -17,9 +13,6 @@ namespace sentrel::simulation {
 namespace {
 
 using namespace std::chrono_literals;
-using ports::TerminateReply;
-using testing::ElementsAre;
-using testing::IsEmpty;
 
 class SimulatedShellTest : public testing::Test {
 protected:
@@ -27,37 +20,6 @@ protected:
     EventLog log{machine.scheduler};
     TemporaryFolder disk;
 };
-
-TEST_F(SimulatedShellTest, AnApplicationEndsAsItsDelegateSaysAndOnlyOnce)
-{
-    SimulatedApplication application{log};
-    std::vector<std::string> told;
-    TerminateReply reply = TerminateReply::cancel;
-    application.start([&] { told.emplace_back("ended"); });
-    application.setDelegate({.didFinishLaunching = [&] { told.emplace_back("launched"); },
-                             .shouldTerminate = [&] { return reply; },
-                             .willTerminate = [&] { told.emplace_back("will"); },
-                             .shouldTerminateAfterLastWindowClosed = {}});
-    application.finishLaunching();
-    application.terminate();
-    application.replyToShouldTerminate(true);
-    EXPECT_THAT(told, ElementsAre("launched")) << "no reply was awaited";
-
-    reply = TerminateReply::later;
-    application.terminate();
-    EXPECT_TRUE(application.isAwaitingReply());
-    application.replyToShouldTerminate(false);
-    application.replyToShouldTerminate(true);
-    EXPECT_THAT(told, ElementsAre("launched"));
-    application.terminate();
-    application.terminate();
-    application.replyToShouldTerminate(true);
-    EXPECT_THAT(told, ElementsAre("launched", "will", "ended"));
-    reply = TerminateReply::now;
-    application.terminate();
-    application.replyToShouldTerminate(true);
-    EXPECT_THAT(told, ElementsAre("launched", "will", "ended"));
-}
 
 TEST_F(SimulatedShellTest, ASavePanelIsAnsweredInItsTime)
 {
@@ -117,54 +79,6 @@ TEST_F(SimulatedShellTest, TheLoginItemOutlivesTheProcessAndItsFileMayHoldAnythi
     EXPECT_EQ(item.status(), 2);
     EXPECT_EQ(item.unregisterItem(), std::nullopt);
     EXPECT_EQ(item.status(), 0);
-}
-
-TEST_F(SimulatedShellTest, ThePreviewPanelShowsWhatWhoeverControlsItOffers)
-{
-    struct OneFile final : ports::PreviewDataSource {
-        std::size_t numberOfItems() override { return 1; }
-        std::filesystem::path itemAt(std::size_t) override { return "photo.jpg"; }
-    } source;
-    SimulatedPreviewPanel panel{log};
-    panel.setDataSource(&source);
-    panel.makeKeyAndOrderFront();
-    EXPECT_THAT(panel.items(), IsEmpty()) << "nobody accepts it";
-    panel.close();
-
-    std::vector<std::string> told;
-    panel.setControl({.accepts = [] { return true; },
-                      .begin = [&] { told.emplace_back("begin"); },
-                      .end = [&] { told.emplace_back("end"); }});
-    panel.makeKeyAndOrderFront();
-    panel.makeKeyAndOrderFront();
-    EXPECT_THAT(panel.items(), ElementsAre("photo.jpg"));
-    EXPECT_TRUE(panel.close());
-    EXPECT_FALSE(panel.close());
-    EXPECT_THAT(told, ElementsAre("begin", "end"));
-}
-
-TEST_F(SimulatedShellTest, AMenuIsUsedOnlyWhileItIsOpen)
-{
-    SimulatedStatusBar bar;
-    EXPECT_FALSE(bar.openMenu());
-    auto item = bar.makeStatusItem();
-    int opened = 0;
-    int pressed = 0;
-    item->setOpened([&] { ++opened; });
-    item->showContent(ui::button("Quit", [&] {
-        ++pressed;
-        item->dismiss();
-    }));
-    EXPECT_EQ(bar.click("Quit"), ui::Interaction::notFound);
-    EXPECT_TRUE(bar.openMenu());
-    EXPECT_TRUE(bar.openMenu());
-    EXPECT_EQ(bar.click("Quit"), ui::Interaction::done);
-    EXPECT_FALSE(bar.isMenuOpen());
-    EXPECT_EQ(bar.click("Quit"), ui::Interaction::notFound);
-    EXPECT_EQ(opened, 1);
-    EXPECT_EQ(pressed, 1);
-    item.reset();
-    EXPECT_FALSE(bar.item());
 }
 
 } // namespace

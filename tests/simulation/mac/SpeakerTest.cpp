@@ -7,7 +7,6 @@
 #include "simulation/mac/sound/SimulatedBeep.hpp"
 #include "support/TemporaryFolder.hpp"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -192,31 +191,6 @@ TEST(Speaker, SleepAndTheEndOfTheDefaultOutputSilenceIt)
     EXPECT_EQ(gain(), 0.5F);
     engine->stop();
     EXPECT_TRUE(machine.speaker.sounding().empty());
-}
-
-TEST(Speaker, EveryStepOfAnEngineCanFail)
-{
-    Machine machine;
-    auto engine = machine.engines.makeEngine();
-    const auto format = engine->makeStandardFormat(44'100, 1);
-    for (const auto* fault : {"device", "format", "buffer", "attach", "start"}) {
-        EXPECT_TRUE(machine.engines.faults().set(fault, 1));
-    }
-    EXPECT_NE(engine->setOutputUnitProperty(2000, 0, 0, speakerId), 0);
-    EXPECT_EQ(engine->makeStandardFormat(44'100, 1), nullptr);
-    EXPECT_EQ(engine->makeBuffer(*format, 10), nullptr);
-    EXPECT_FALSE(engine->attachPlayerToMainMixer(*format));
-    EXPECT_TRUE(engine->attachPlayerToMainMixer(*format));
-    EXPECT_FALSE(engine->start());
-    engine->scheduleLooping(engine->makeBuffer(*format, 10));
-    EXPECT_FALSE(engine->play()) << "it has not started";
-    EXPECT_TRUE(engine->start());
-    EXPECT_TRUE(machine.engines.faults().set("play", 1));
-    EXPECT_FALSE(engine->play());
-    EXPECT_TRUE(machine.speaker.sounding().empty());
-    EXPECT_NE(engine->setOutputUnitProperty(2000, 0, 0, 99), 0) << "no such device";
-    EXPECT_NE(engine->setOutputUnitProperty(2001, 0, 0, speakerId), 0);
-    EXPECT_EQ(engine->makeStandardFormat(0, 1), nullptr);
 }
 
 TEST(Speaker, ARecordingHoldsTenMinutesAndItsSilenceTakesNoSpace)

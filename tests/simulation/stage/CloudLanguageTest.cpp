@@ -1,11 +1,9 @@
-#include "simulation/stage/ScenarioError.hpp"
-#include "simulation/stage/ScenarioReader.hpp"
-#include "simulation/story/Story.hpp"
+#include "simulation/stage/Expectation.hpp"
+#include "simulation/stage/Language.hpp"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -16,21 +14,6 @@ using namespace std::chrono_literals;
 using ports::CloudAccountStatus;
 using testing::ElementsAre;
 using testing::StartsWith;
-
-Scenario parse(const std::string& text)
-{
-    return parseScenario(text, "talk.yaml");
-}
-
-std::string step(const std::string& body)
-{
-    return "steps:\n- {at: 0s, " + body + "}\n";
-}
-
-std::string told(const std::string& action)
-{
-    return std::get<Action>(parse(step("do: " + action)).steps.front().content).tell({}).value_or("");
-}
 
 CloudChange cloud(const std::string& text)
 {
@@ -135,12 +118,7 @@ TEST(CloudLanguage, WhatIsNoWordOfItIsToldWithTheNearestOne)
         {"expect: {sections: [todya]}", "unknown section 'todya'; did you mean 'today'?"},
     };
     for (const Case& each : cases) {
-        try {
-            static_cast<void>(parse(step(each.body)));
-            ADD_FAILURE() << "accepted: " << each.body;
-        } catch (const ScenarioError& error) {
-            EXPECT_THAT(error.what(), StartsWith("talk.yaml:2: " + each.message));
-        }
+        EXPECT_THAT(refusal(step(each.body)), StartsWith("talk.yaml:2: " + each.message));
     }
 }
 

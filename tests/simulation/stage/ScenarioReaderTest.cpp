@@ -1,6 +1,6 @@
 #include "simulation/stage/ScenarioReader.hpp"
 #include "foundation/FourCharCode.hpp"
-#include "simulation/stage/ScenarioError.hpp"
+#include "simulation/stage/Language.hpp"
 #include "support/TemporaryFolder.hpp"
 
 #include <gmock/gmock.h>
@@ -19,27 +19,6 @@ using namespace std::chrono_literals;
 using testing::HasSubstr;
 using testing::StartsWith;
 
-Scenario parse(const std::string& text)
-{
-    return parseScenario(text, "talk.yaml");
-}
-
-std::string refusal(const std::string& text)
-{
-    try {
-        static_cast<void>(parse(text));
-    } catch (const ScenarioError& error) {
-        return error.what();
-    }
-    return "accepted";
-}
-
-/// A scenario with one step, which stands in line 2.
-std::string step(const std::string& body)
-{
-    return "steps:\n- {" + body + "}\n";
-}
-
 std::string nested(std::size_t levels)
 {
     return "title: " + std::string(levels, '[') + std::string(levels, ']');
@@ -47,7 +26,7 @@ std::string nested(std::size_t levels)
 
 TEST(ScenarioReader, WhatMacLeavesOutIsAMacBookProOnItsChargerWithOneSpeaker)
 {
-    const Scenario scenario = parse(step("at: 0s, do: arm"));
+    const Scenario scenario = parse(step("do: arm"));
     const MacDescription& mac = scenario.mac;
     EXPECT_EQ(mac.model, "MacBookPro18,3");
     EXPECT_EQ(mac.localizedName, "MacBook");
@@ -83,7 +62,7 @@ TEST(ScenarioReader, AudioElementsAreListedForAllPropertiesForSomeOrWithValues)
     constexpr auto volm = fourCharCode("volm");
     constexpr auto mute = fourCharCode("mute");
     const auto controls = [](const std::string& keys) {
-        return parse("mac: {audio: [{id: 5, " + keys + "}]}\n" + step("at: 0s, do: arm")).mac.audio.front().controls;
+        return parse("mac: {audio: [{id: 5, " + keys + "}]}\n" + step("do: arm")).mac.audio.front().controls;
     };
     EXPECT_EQ(controls("volume: 0.2"), (Controls{{{vmvc, 0}, 0.2F}, {{mute, 0}, 0.0F}}));
     EXPECT_EQ(controls("elements: [1], volume: 0.2, muted: true"),
@@ -96,14 +75,14 @@ TEST(ScenarioReader, AudioElementsAreListedForAllPropertiesForSomeOrWithValues)
 
 TEST(ScenarioReader, SettingsKeepTheirOrderAndTypes)
 {
-    const Scenario scenario = parse("settings: {alarmVolume: 1, isArmed: false}\n" + step("at: 0s, do: arm"));
+    const Scenario scenario = parse("settings: {alarmVolume: 1, isArmed: false}\n" + step("do: arm"));
     EXPECT_EQ(encodeJson(scenario.settings), R"({"alarmVolume":1,"isArmed":false})");
     EXPECT_TRUE(scenario.settings["alarmVolume"].is_number_float());
 }
 
 TEST(ScenarioReader, APortFailsForGoodATimesOrIsHealed)
 {
-    const Scenario scenario = parse(step("at: 0s, do: {fail: {audio: [read, write], music: {script: 2}, lid: none}}"));
+    const Scenario scenario = parse(step("do: {fail: {audio: [read, write], music: {script: 2}, lid: none}}"));
     EXPECT_EQ(std::get<Action>(scenario.steps.front().content).tell({}),
               "From now on a fault is set in the audio: read, write. "
               "From now on a fault is set in the music: script (2 times). "
@@ -114,7 +93,7 @@ TEST(ScenarioReader, CamerasAreWordsListsOrMaps)
 {
     const auto cameras = [](const std::string& text) {
         std::vector<std::string> shown;
-        for (const auto& camera : parse("mac: {camera: " + text + "}\n" + step("at: 0s, do: arm"))
+        for (const auto& camera : parse("mac: {camera: " + text + "}\n" + step("do: arm"))
                                       .mac.camera.devices.value_or(std::vector<CameraModel>{})) {
             shown.push_back(camera.name + ", " + camera.type + (camera.isContinuityCamera ? ", continuity" : ""));
         }
@@ -132,7 +111,7 @@ TEST(ScenarioReader, CamerasAreWordsListsOrMaps)
 
 TEST(ScenarioReader, ExpectationsAreReadAsTheStateSaysThem)
 {
-    const Scenario scenario = parse(step("at: 0s, expect: {lastTrigger: null, defaultOutput: none, alerts: 2, "
+    const Scenario scenario = parse(step("expect: {lastTrigger: null, defaultOutput: none, alerts: 2, "
                                          "devices: {73: {volume: 1}, 91: null}, alertReasons: [motion]}"));
     const auto& found = std::get<std::vector<Expectation>>(scenario.steps.front().content);
     std::vector<std::string> texts;
@@ -153,7 +132,7 @@ TEST(ScenarioReader, NamesFileLineAndNearestWordOfTheFirstFault)
 {
     const BadScenario cases[] = {
         // Words
-        {"titel: x\n" + step("at: 0s, do: arm"), "talk.yaml:1: unknown key 'titel'; did you mean 'title'?"},
+        {"titel: x\n" + step("do: arm"), "talk.yaml:1: unknown key 'titel'; did you mean 'title'?"},
         {"mac:\n  power: ac\n  modle: x\n", "talk.yaml:3: unknown key 'modle'; did you mean 'model'? (in 'mac')"},
         {"mac: {lid: opne}\n", "talk.yaml:1: unknown lid 'opne'; did you mean 'open'?"},
         {"mac: {language: klingon}\n", "talk.yaml:1: 'language' must be a known one, such as de, fr_CA or zh-Hans"},
@@ -165,25 +144,25 @@ TEST(ScenarioReader, NamesFileLineAndNearestWordOfTheFirstFault)
         {"mac: {audio: [{id: 2, transport: blutooth}]}\n",
          "talk.yaml:1: unknown transport 'blutooth'; did you mean 'bluetooth'?"},
         {"settings: {alarmvolume: 1}\n", "talk.yaml:1: unknown key 'alarmvolume'; did you mean 'alarmVolume'?"},
-        {step("at: 0s, do: unplugg"), "talk.yaml:2: unknown action 'unplugg'; did you mean 'unplug'?"},
-        {step("at: 0s, do: {volum: {device: 73}}"), "talk.yaml:2: unknown action 'volum'; did you mean 'volume'?"},
-        {step("at: 0s, do: {set: {isArmd: true}}"), "talk.yaml:2: unknown key 'isArmd'; did you mean 'isArmed'?"},
-        {step("at: 0s, expect: {lastAlert: {raeson: motion}}"),
-         "talk.yaml:2: unknown key 'raeson'; did you mean 'reason'?"},
-        {step("at: 0s, expect: {lastTrigger: lid}"), "talk.yaml:2: unknown reason 'lid'; did you mean"},
-        {step("at: 0s, when: now, do: arm"), "talk.yaml:2: unknown key 'when'; did you mean"},
+        {step("do: unplugg"), "talk.yaml:2: unknown action 'unplugg'; did you mean 'unplug'?"},
+        {step("do: {volum: {device: 73}}"), "talk.yaml:2: unknown action 'volum'; did you mean 'volume'?"},
+        {step("do: {set: {isArmd: true}}"), "talk.yaml:2: unknown key 'isArmd'; did you mean 'isArmed'?"},
+        {step("expect: {lastAlert: {raeson: motion}}"), "talk.yaml:2: unknown key 'raeson'; did you mean 'reason'?"},
+        {step("expect: {lastTrigger: lid}"), "talk.yaml:2: unknown reason 'lid'; did you mean"},
+        {step("when: now, do: arm"), "talk.yaml:2: unknown key 'when'; did you mean"},
         // Times
-        {step("at: 3sec, do: arm"), "talk.yaml:2: unknown unit 'sec' in the time '3sec'; did you mean 's'?"},
-        {step("at: 3 minutes, do: arm"), "talk.yaml:2: unknown unit ' minutes'"},
-        {step("at: 3, do: arm"), "talk.yaml:2: the time '3' has no unit: write for example '3s'"},
-        {step("at: -3s, do: arm"), "talk.yaml:2: a time can't be negative"},
-        {step("at: soon, do: arm"), "talk.yaml:2: 'at' must be a time such as 3s"},
-        {step("at: .nan, do: arm"), "talk.yaml:2: 'at' must be a time such as 3s"},
-        {step("at: 1e9h, do: arm"), "talk.yaml:2: unknown unit 'e9h'"},
-        {step("at: 99999999999999999999999h, do: arm"), "talk.yaml:2: the time '99999999999999999999999h' is too long"},
+        {stepOf("at: 3sec, do: arm"), "talk.yaml:2: unknown unit 'sec' in the time '3sec'; did you mean 's'?"},
+        {stepOf("at: 3 minutes, do: arm"), "talk.yaml:2: unknown unit ' minutes'"},
+        {stepOf("at: 3, do: arm"), "talk.yaml:2: the time '3' has no unit: write for example '3s'"},
+        {stepOf("at: -3s, do: arm"), "talk.yaml:2: a time can't be negative"},
+        {stepOf("at: soon, do: arm"), "talk.yaml:2: 'at' must be a time such as 3s"},
+        {stepOf("at: .nan, do: arm"), "talk.yaml:2: 'at' must be a time such as 3s"},
+        {stepOf("at: 1e9h, do: arm"), "talk.yaml:2: unknown unit 'e9h'"},
+        {stepOf("at: 99999999999999999999999h, do: arm"),
+         "talk.yaml:2: the time '99999999999999999999999h' is too long"},
         {"steps:\n- {at: 2s, do: arm}\n- {at: 1s, do: disarm}\n",
          "talk.yaml:3: the time is before that of the previous"},
-        {step("at: 366000000s, do: arm"), "talk.yaml:2: the time '366000000s' is too long"},
+        {stepOf("at: 366000000s, do: arm"), "talk.yaml:2: the time '366000000s' is too long"},
         {"steps:\n- {at: 8000h, do: arm}\n- {at: +8000h, do: arm}\n", "talk.yaml:3: the time is too late"},
         // Shapes
         {"", "talk.yaml:1: the file is empty"},
@@ -192,16 +171,16 @@ TEST(ScenarioReader, NamesFileLineAndNearestWordOfTheFirstFault)
         {"title: x\n", "talk.yaml:1: a scenario needs 'steps'"},
         {"steps:\n", "talk.yaml:1: 'steps' must be a list, not nothing"},
         {"steps: []\n", "talk.yaml:1: 'steps' is empty"},
-        {step("do: arm"), "talk.yaml:2: a step needs 'at'"},
-        {step("at: 0s"), "talk.yaml:2: a step needs 'do' or 'expect'"},
-        {step("at: 0s, do: arm, expect: {alerts: 0}"), "talk.yaml:2: a step has 'do' or 'expect', not both"},
-        {step("at: 0s, at: 1s, do: arm"), "talk.yaml:2: 'at' is repeated"},
-        {step("at: 0s, expect: {}"), "talk.yaml:2: 'expect' is empty"},
-        {step("at: 0s, do: power"), "talk.yaml:2: 'power' needs a value, for example {do: {power: battery}}"},
-        {step("at: 0s, do: {arm: true}"), "talk.yaml:2: 'arm' takes no value"},
-        {step("at: 0s, do: [arm]"), "talk.yaml:2: 'do' takes one action"},
-        {step("at: 0s, do: {accelerometer: {sample: [1, 2]}}"), "talk.yaml:2: a sample has three numbers"},
-        {step("at: 0s, do: {volume: {device: 73}}"), "talk.yaml:2: 'volume' needs 'value', 'muted' or both"},
+        {stepOf("do: arm"), "talk.yaml:2: a step needs 'at'"},
+        {stepOf("at: 0s"), "talk.yaml:2: a step needs 'do' or 'expect'"},
+        {step("do: arm, expect: {alerts: 0}"), "talk.yaml:2: a step has 'do' or 'expect', not both"},
+        {step("at: 1s, do: arm"), "talk.yaml:2: 'at' is repeated"},
+        {step("expect: {}"), "talk.yaml:2: 'expect' is empty"},
+        {step("do: power"), "talk.yaml:2: 'power' needs a value, for example {do: {power: battery}}"},
+        {step("do: {arm: true}"), "talk.yaml:2: 'arm' takes no value"},
+        {step("do: [arm]"), "talk.yaml:2: 'do' takes one action"},
+        {step("do: {accelerometer: {sample: [1, 2]}}"), "talk.yaml:2: a sample has three numbers"},
+        {step("do: {volume: {device: 73}}"), "talk.yaml:2: 'volume' needs 'value', 'muted' or both"},
         {"? [a]\n: b\n", "talk.yaml:1: a key must be a word"},
         // Types
         {"settings: {isArmed: yes}\n", "talk.yaml:1: 'isArmed' must be true or false: write true instead of 'yes'"},
@@ -221,19 +200,19 @@ TEST(ScenarioReader, NamesFileLineAndNearestWordOfTheFirstFault)
         {"mac: {login: succed}\n", "talk.yaml:1: unknown login 'succed'; did you mean 'succeed'?"},
         {"mac: {passcode: \"\"}\n", "talk.yaml:1: 'passcode' must be text"},
         {"mac: {displays: 17}\n", "talk.yaml:1: the number of displays must be a whole number from 0 to 16"},
-        {step("at: 0s, do: {camera: {}}"), "talk.yaml:2: 'camera' needs at least one key"},
-        {step("at: 0s, do: {camera: {brightness: 5}}"), "talk.yaml:2: 'brightness' must be from 0 to 1, not '5'"},
-        {step("at: 0s, do: {camera: {delay: 6}}"), "talk.yaml:2: the time '6' has no unit"},
-        {step("at: 0s, do: {camera: {delay: +6s}}"), "talk.yaml:2: 'delay' must be a time such as 6s"},
-        {step("at: 0s, do: {camera: {authorization: notdetermined}}"),
+        {step("do: {camera: {}}"), "talk.yaml:2: 'camera' needs at least one key"},
+        {step("do: {camera: {brightness: 5}}"), "talk.yaml:2: 'brightness' must be from 0 to 1, not '5'"},
+        {step("do: {camera: {delay: 6}}"), "talk.yaml:2: the time '6' has no unit"},
+        {step("do: {camera: {delay: +6s}}"), "talk.yaml:2: 'delay' must be a time such as 6s"},
+        {step("do: {camera: {authorization: notdetermined}}"),
          "talk.yaml:2: unknown authorization 'notdetermined'; did you mean 'notDetermined'?"},
-        {step("at: 0s, do: {camera: {photo: none.jpg}}"), "talk.yaml:2: the photo 'none.jpg' doesn't exist"},
-        {step("at: 0s, do: {camera: {photo: .}}"), "talk.yaml:2: .: a folder, not a file"},
-        {step("at: 0s, do: {keychain: {legacy: shut}}"), "talk.yaml:2: unknown keychain access 'shut'"},
-        {step("at: 0s, do: type-passcode"), "talk.yaml:2: 'type-passcode' needs a value"},
-        {step("at: 0s, expect: {cover: lockedOut}"), "talk.yaml:2: unknown word 'lockedOut'; did you mean"},
-        {step("at: 0s, expect: {cameraSession: true}"), "talk.yaml:2: unknown word 'true'"},
-        {step("at: 0s, expect: {photo: true}"), "talk.yaml:2: 'photo' must be a map"},
+        {step("do: {camera: {photo: none.jpg}}"), "talk.yaml:2: the photo 'none.jpg' doesn't exist"},
+        {step("do: {camera: {photo: .}}"), "talk.yaml:2: .: a folder, not a file"},
+        {step("do: {keychain: {legacy: shut}}"), "talk.yaml:2: unknown keychain access 'shut'"},
+        {step("do: type-passcode"), "talk.yaml:2: 'type-passcode' needs a value"},
+        {step("expect: {cover: lockedOut}"), "talk.yaml:2: unknown word 'lockedOut'; did you mean"},
+        {step("expect: {cameraSession: true}"), "talk.yaml:2: unknown word 'true'"},
+        {step("expect: {photo: true}"), "talk.yaml:2: 'photo' must be a map"},
         // YAML's odd corners
         {"a: &x [1]\nb: *x\n", "talk.yaml:2: aliases"},
         {"title: !!binary aGk=\n", "talk.yaml:1: tags can't be used"},
@@ -277,7 +256,7 @@ protected:
 TEST_F(ScenarioFiles, NameTheirDiskAndRecordingsRelativeToThemselves)
 {
     static_cast<void>(write("walk.csv", "t_seconds,x_g,y_g,z_g\n0,0,0,1\n0.02,0.1,0,1\n"));
-    const auto file = write("a.yaml", "mac: {files: disk}\n" + step("at: 0s, do: {accelerometer: {file: walk.csv}}"));
+    const auto file = write("a.yaml", "mac: {files: disk}\n" + step("do: {accelerometer: {file: walk.csv}}"));
     const Scenario scenario = readScenario(file);
     EXPECT_EQ(scenario.mac.files, folder / "disk");
     EXPECT_EQ(std::get<Action>(scenario.steps.front().content).tell({}), "The Mac moves as recorded in walk.csv.");
@@ -292,10 +271,10 @@ TEST_F(ScenarioFiles, ThatCantBeUsedAreRefused)
     static_cast<void>(write("disk.txt", ""));
     EXPECT_THAT(refusalOf(write("c.yaml", "mac: {files: disk.txt}\n")),
                 HasSubstr("c.yaml:1: 'files' must be a folder"));
-    EXPECT_THAT(refusalOf(write("d.yaml", step("at: 0s, do: {accelerometer: {file: no.csv}}"))),
+    EXPECT_THAT(refusalOf(write("d.yaml", step("do: {accelerometer: {file: no.csv}}"))),
                 HasSubstr("d.yaml:2: the recording 'no.csv' doesn't exist"));
     static_cast<void>(write("bad.csv", "t_seconds,x_g,y_g,z_g\n0,0,zero,1\n"));
-    const std::string bad = refusalOf(write("e.yaml", step("at: 0s, do: {accelerometer: {file: bad.csv}}")));
+    const std::string bad = refusalOf(write("e.yaml", step("do: {accelerometer: {file: bad.csv}}")));
     EXPECT_THAT(bad, HasSubstr("e.yaml:2: "));
     EXPECT_THAT(bad, HasSubstr("bad.csv:2: "));
 }

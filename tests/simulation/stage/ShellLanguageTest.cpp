@@ -1,6 +1,5 @@
 #include "simulation/stage/Expectation.hpp"
-#include "simulation/stage/ScenarioError.hpp"
-#include "simulation/stage/ScenarioReader.hpp"
+#include "simulation/stage/Language.hpp"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -14,26 +13,6 @@ namespace {
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
-
-Scenario parseShell(const std::string& body)
-{
-    return parseScenario("steps:\n- {at: 0s, " + body + "}\n", "talk.yaml");
-}
-
-std::string told(const std::string& action)
-{
-    return std::get<Action>(parseShell("do: " + action).steps.front().content).tell({}).value_or("");
-}
-
-std::string shellRefusal(const std::string& body)
-{
-    try {
-        static_cast<void>(parseShell(body));
-    } catch (const ScenarioError& error) {
-        return error.what();
-    }
-    return "accepted";
-}
 
 TEST(ShellLanguage, EachActionIsASentence)
 {
@@ -83,7 +62,7 @@ TEST(ShellLanguage, RefusesWhatMakesNoSense)
         {"expect: {quit: asking}", "asking"},
     };
     for (const auto& [body, part] : rows) {
-        EXPECT_THAT(shellRefusal(body), HasSubstr(part)) << body;
+        EXPECT_THAT(refusal(step(body)), HasSubstr(part)) << body;
     }
 }
 
@@ -92,8 +71,8 @@ TEST(ShellLanguage, SomeTextsOfAListAreExpectedInTheirOrderAndOthersNot)
     const auto differences = [](const std::string& expected) {
         std::vector<std::string> sentences;
         const Json state{{"window", {{"main", {{"texts", {"a", "b", "c"}}}}}}};
-        const auto step = parseShell("expect: {window: {main: {texts: " + expected + "}}}").steps.front();
-        for (const Mismatch& each : mismatches(std::get<std::vector<Expectation>>(step.content).front(), state)) {
+        const Step first = parse(step("expect: {window: {main: {texts: " + expected + "}}}")).steps.front();
+        for (const Mismatch& each : mismatches(std::get<std::vector<Expectation>>(first.content).front(), state)) {
             sentences.push_back(sentence(each));
         }
         return sentences;

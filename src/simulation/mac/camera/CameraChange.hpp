@@ -4,6 +4,7 @@
 #include "simulation/mac/camera/SimulatedCamera.hpp"
 
 #include <optional>
+#include <string>
 #include <vector>
 
 namespace sentrel::simulation {
@@ -14,6 +15,7 @@ struct CameraChange {
     std::optional<std::vector<CameraModel>> devices;
     std::optional<std::optional<double>> brightness; ///< 0 to 1; inner none: by the time of day
     std::optional<std::optional<Bytes>> photo;       ///< replaces every photo; inner none: the cafe
+    std::string photoName;                           ///< of the photo's file, for the story
     std::optional<Duration> delay;                   ///< from a photo's request to its callback
     std::optional<bool> fails;                       ///< whether photos end with an error
 };

@@ -10,11 +10,6 @@ namespace sentrel::simulation {
 namespace {
 
 constexpr int upright = 1;
-constexpr std::uint8_t markerPrefix = 0xFF;
-constexpr std::uint8_t startOfImage = 0xD8;
-constexpr std::uint8_t endOfImage = 0xD9;
-constexpr std::uint8_t startOfScan = 0xDA;
-constexpr std::uint8_t application1 = 0xE1;
 constexpr std::string_view exifIdentifier{"Exif\0\0", 6};
 
 /// A TIFF structure, read in its own byte order and never past its end.
@@ -66,48 +61,13 @@ int orientationOfTiff(BytesView tiff)
     return upright;
 }
 
-/// The first marker at or after the offset, which moves behind it; none at the data's end.
-std::optional<std::uint8_t> nextMarker(BytesView jpeg, std::size_t& offset)
-{
-    while (offset + 1 < jpeg.size()) {
-        const std::uint8_t second = jpeg[offset + 1];
-        const bool isMarker = jpeg[offset] == markerPrefix && second != 0 && second != markerPrefix;
-        offset += isMarker ? 2 : 1; // junk and fill bytes before a marker are passed over
-        if (isMarker) {
-            return second;
-        }
-    }
-    return std::nullopt;
-}
-
-bool standsAlone(std::uint8_t marker)
-{
-    return marker == startOfImage || marker == 0x01 || (marker >= 0xD0 && marker <= 0xD7);
-}
-
 } // namespace
 
-int exifOrientation(BytesView jpeg)
+std::optional<int> exifOrientation(BytesView segment)
 {
-    std::size_t offset = 0;
-    while (const auto marker = nextMarker(jpeg, offset)) {
-        if (standsAlone(*marker)) {
-            continue;
-        }
-        if (*marker == startOfScan || *marker == endOfImage || jpeg.size() - offset < 2) {
-            return upright;
-        }
-        const auto length = static_cast<std::size_t>(jpeg[offset] << 8 | jpeg[offset + 1]);
-        if (length < 2 || jpeg.size() - offset < length) {
-            return upright;
-        }
-        const BytesView content = jpeg.subspan(offset + 2, length - 2);
-        if (*marker == application1 && textOf(content).starts_with(exifIdentifier)) {
-            return orientationOfTiff(content.subspan(exifIdentifier.size()));
-        }
-        offset += length;
-    }
-    return upright;
+    return textOf(segment).starts_with(exifIdentifier)
+               ? std::optional{orientationOfTiff(segment.subspan(exifIdentifier.size()))}
+               : std::nullopt;
 }
 
 } // namespace sentrel::simulation

@@ -1,11 +1,15 @@
 #include "simulation/mac/camera/JpegReader.hpp"
 
-#include <algorithm>
+#include "simulation/mac/camera/ExifOrientation.hpp"
+
 #include <limits>
 
 namespace sentrel::simulation {
 
 namespace {
+
+constexpr int exifMarker = JPEG_APP0 + 1;
+constexpr unsigned longestSegment = 0xFFFF;
 
 /// Converts ink on white paper to light. Nearly all CMYK files are Adobe's and store light instead of ink.
 void convertCmykRow(std::uint8_t* pixels, std::size_t width, bool storesLight)
@@ -42,12 +46,23 @@ std::optional<ports::PixelSize> JpegReader::readHeader()
         progress_.progress_monitor = &limitScans;
         codec_.progress = &progress_;
         jpeg_mem_src(&codec_, data_.data(), data_.size());
+        jpeg_save_markers(&codec_, exifMarker, longestSegment);
         jpeg_read_header(&codec_, TRUE);
     });
     if (!isRead || std::uint64_t{codec_.image_width} * codec_.image_height > mostPixels) {
         return std::nullopt;
     }
     return ports::PixelSize{codec_.image_width, codec_.image_height};
+}
+
+int JpegReader::orientation() const
+{
+    for (const auto* segment = codec_.marker_list; segment != nullptr; segment = segment->next) {
+        if (const auto orientation = exifOrientation({segment->data, segment->data_length})) {
+            return *orientation;
+        }
+    }
+    return 1;
 }
 
 std::optional<ports::PixelSize> JpegReader::sizeAt(unsigned eighths)

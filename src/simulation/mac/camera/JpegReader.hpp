@@ -28,6 +28,9 @@ public:
     /// Reads up to the first scan; none if the data is no JPEG or exceeds the limits. Must be the first call.
     [[nodiscard]] std::optional<ports::PixelSize> readHeader();
 
+    /// The Exif orientation, 1 to 8; 1 (upright) if it is missing or invalid. Between `readHeader` and `finish`.
+    [[nodiscard]] int orientation() const;
+
     /// The size at `eighths`/8 of the full scale.
     [[nodiscard]] std::optional<ports::PixelSize> sizeAt(unsigned eighths);
 

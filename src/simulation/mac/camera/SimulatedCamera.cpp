@@ -10,7 +10,7 @@ namespace sentrel::simulation {
 namespace {
 
 using ports::CaptureAuthorization;
-using World = SimulatedCamera::World;
+using World = CameraWorld;
 
 constexpr auto videoType = "vide";
 
@@ -34,8 +34,8 @@ public:
 private:
     [[nodiscard]] bool isWithin(Duration span) const
     {
-        const std::lock_guard guard{world_->mutex};
-        return world_->runningSession != nullptr && world_->scheduler.now() < world_->startedAt + span;
+        const auto state = world_->state.lock();
+        return state->runningSession != nullptr && world_->scheduler.now() < state->startedAt + span;
     }
 
     std::shared_ptr<World> world_;
@@ -62,35 +62,16 @@ void tell(World& world, std::function<void(bool)> answered, bool granted)
 
 } // namespace
 
-SimulatedCamera::SimulatedCamera(Scheduler& scheduler, ports::WallClock& wallClock, Clocks clocks)
-    : world_(std::make_shared<World>(scheduler, wallClock, std::move(clocks)))
-{
-}
-
-SimulatedCamera::~SimulatedCamera() = default;
-
-void SimulatedCamera::setAuthorization(CaptureAuthorization status)
-{
-    const std::lock_guard guard{world_->mutex};
-    world_->authorization = status;
-}
-
-void SimulatedCamera::setAnswer(std::optional<bool> granted)
-{
-    const std::lock_guard guard{world_->mutex};
-    world_->answer = granted;
-}
-
 bool SimulatedCamera::answerPrompt(bool granted)
 {
     std::vector<std::function<void(bool)>> prompts;
     {
-        const std::lock_guard guard{world_->mutex};
-        prompts.swap(world_->prompts);
+        const auto state = world_->state.lock();
+        prompts.swap(state->prompts);
         if (prompts.empty()) {
             return false;
         }
-        world_->authorization = granted ? CaptureAuthorization::authorized : CaptureAuthorization::denied;
+        state->authorization = granted ? CaptureAuthorization::authorized : CaptureAuthorization::denied;
     }
     for (auto& answered : prompts) {
         tell(*world_, std::move(answered), granted);
@@ -98,95 +79,23 @@ bool SimulatedCamera::answerPrompt(bool granted)
     return true;
 }
 
-int SimulatedCamera::promptsShown() const
-{
-    const std::lock_guard guard{world_->mutex};
-    return world_->promptsShown;
-}
-
-void SimulatedCamera::setDevices(std::vector<CameraModel> devices)
-{
-    const std::lock_guard guard{world_->mutex};
-    world_->devices = std::move(devices);
-}
-
-void SimulatedCamera::setBrightness(std::optional<double> brightness)
-{
-    const std::lock_guard guard{world_->mutex};
-    world_->brightness = brightness;
-}
-
-std::optional<double> SimulatedCamera::brightness() const
-{
-    const std::lock_guard guard{world_->mutex};
-    return world_->brightness;
-}
-
-void SimulatedCamera::setPhotoDelay(Duration delay)
-{
-    const std::lock_guard guard{world_->mutex};
-    world_->photoDelay = delay;
-}
-
 void SimulatedCamera::setPhotoFile(std::optional<Bytes> file)
 {
-    const std::lock_guard guard{world_->mutex};
-    world_->photoFile = file ? std::make_shared<const Bytes>(*std::move(file)) : nullptr;
+    world_->state->photoFile = file ? std::make_shared<const Bytes>(*std::move(file)) : nullptr;
 }
 
 CameraView SimulatedCamera::view() const
 {
     std::optional<double> brightness;
     {
-        const std::lock_guard guard{world_->mutex};
-        brightness = world_->brightness;
-        if (world_->photoFile) {
-            return {world_->photoFile, brightness};
+        const auto state = world_->state.lock();
+        brightness = state->brightness;
+        if (state->photoFile) {
+            return {state->photoFile, brightness};
         }
     }
     const CafePreview preview = world_->scene.preview(world_->timeOfDay(), brightness);
     return {preview.jpeg, preview.brightness};
-}
-
-bool SimulatedCamera::hasPhotoFile() const
-{
-    const std::lock_guard guard{world_->mutex};
-    return world_->photoFile != nullptr;
-}
-
-FaultSwitches& SimulatedCamera::faults()
-{
-    return world_->faults;
-}
-
-void SimulatedCamera::interruptSession()
-{
-    const std::lock_guard guard{world_->mutex};
-    world_->runningSession = nullptr;
-}
-
-bool SimulatedCamera::isSessionRunning() const
-{
-    const std::lock_guard guard{world_->mutex};
-    return world_->runningSession != nullptr;
-}
-
-std::string SimulatedCamera::openedDevice() const
-{
-    const std::lock_guard guard{world_->mutex};
-    return world_->openedDevice;
-}
-
-int SimulatedCamera::sessionsStarted() const
-{
-    const std::lock_guard guard{world_->mutex};
-    return world_->sessionsStarted;
-}
-
-int SimulatedCamera::photosRequested() const
-{
-    const std::lock_guard guard{world_->mutex};
-    return world_->photosRequested;
 }
 
 CaptureAuthorization SimulatedCamera::authorizationStatus(const std::string& mediaType)
@@ -197,8 +106,7 @@ CaptureAuthorization SimulatedCamera::authorizationStatus(const std::string& med
 
 CaptureAuthorization SimulatedCamera::authorizationOf(const std::string& mediaType) const
 {
-    const std::lock_guard guard{world_->mutex};
-    return mediaType == videoType ? world_->authorization : CaptureAuthorization::denied;
+    return mediaType == videoType ? world_->state->authorization : CaptureAuthorization::denied;
 }
 
 void SimulatedCamera::requestAccess(const std::string& mediaType, std::function<void(bool granted)> answered)
@@ -211,10 +119,10 @@ void SimulatedCamera::requestAccess(const std::string& mediaType, std::function<
     }
     std::optional<bool> answer;
     {
-        const std::lock_guard guard{world_->mutex};
-        world_->promptsShown += world_->prompts.empty() ? 1 : 0; // requests share one prompt
-        world_->prompts.push_back(std::move(answered));
-        answer = world_->answer;
+        const auto state = world_->state.lock();
+        state->promptsShown += state->prompts.empty() ? 1 : 0; // requests share one prompt
+        state->prompts.push_back(std::move(answered));
+        answer = state->answer;
     }
     if (answer) {
         answerPrompt(*answer);
@@ -226,8 +134,8 @@ SimulatedCamera::discoverDevices(const std::vector<std::string>& deviceTypes, co
 {
     world_->faults.call("discoverDevices");
     std::vector<std::shared_ptr<ports::CaptureDevice>> found;
-    const std::lock_guard guard{world_->mutex};
-    for (const CameraModel& model : world_->devices) {
+    const auto state = world_->state.lock();
+    for (const CameraModel& model : state->devices) {
         if (mediaType == videoType && std::ranges::find(deviceTypes, model.type) != deviceTypes.end()) {
             found.push_back(std::make_shared<SimulatedDevice>(world_, model));
         }
@@ -238,11 +146,11 @@ SimulatedCamera::discoverDevices(const std::vector<std::string>& deviceTypes, co
 std::shared_ptr<ports::CaptureDevice> SimulatedCamera::defaultDevice(const std::string& mediaType)
 {
     world_->faults.call("defaultDevice");
-    const std::lock_guard guard{world_->mutex};
-    if (mediaType != videoType || world_->devices.empty()) {
+    const auto state = world_->state.lock();
+    if (mediaType != videoType || state->devices.empty()) {
         return nullptr;
     }
-    return std::make_shared<SimulatedDevice>(world_, world_->devices.front());
+    return std::make_shared<SimulatedDevice>(world_, state->devices.front());
 }
 
 std::shared_ptr<ports::CaptureInput> SimulatedCamera::makeInput(const ports::CaptureDevice& device)
@@ -251,8 +159,7 @@ std::shared_ptr<ports::CaptureInput> SimulatedCamera::makeInput(const ports::Cap
     if (world_->faults.strikes("input")) {
         return nullptr;
     }
-    const std::lock_guard guard{world_->mutex};
-    world_->openedDevice = static_cast<const SimulatedDevice&>(device).name();
+    world_->state->openedDevice = static_cast<const SimulatedDevice&>(device).name();
     return std::make_shared<CameraInput>();
 }
 

@@ -5,11 +5,15 @@
 #include "ports/WallClock.hpp"
 #include "runtime/Scheduler.hpp"
 #include "simulation/FaultSwitches.hpp"
+#include "simulation/Guarded.hpp"
+#include "simulation/mac/camera/scene/CafeScene.hpp"
 
+#include <atomic>
 #include <functional>
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace sentrel::simulation {
@@ -29,60 +33,98 @@ struct CameraView {
     std::optional<double> brightness; ///< 0 to 1; none for a file without a set brightness
 };
 
-/// The cameras of the simulated MacBook, which stands in a cafe: authorised and without any device at first. The first
-/// device is the system's default. A photo shows the cafe at the time of day, with a person at the Mac, or replays a
-/// file. Any thread.
-class SimulatedCamera final : public ports::Camera {
-public:
+/// State shared by the camera, its devices, sessions and photos under way.
+struct CameraWorld {
     /// Maps a date to the local time shown by wall clocks.
     using Clocks = std::function<Date(Date)>;
 
-    SimulatedCamera(Scheduler& scheduler, ports::WallClock& wallClock, Clocks clocks = [](Date date) { return date; });
-    ~SimulatedCamera() override;
+    struct State {
+        ports::CaptureAuthorization authorization = ports::CaptureAuthorization::authorized;
+        std::optional<bool> answer;
+        std::vector<std::function<void(bool)>> prompts;
+        int promptsShown = 0;
+        std::vector<CameraModel> devices;
+        std::string openedDevice;
+        std::optional<double> brightness;
+        Duration photoDelay{};
+        std::shared_ptr<const Bytes> photoFile; // none for the cafe
+        const void* runningSession = nullptr;
+        Instant startedAt;
+        int sessionsStarted = 0;
+        int photosRequested = 0;
+    };
 
-    void setAuthorization(ports::CaptureAuthorization status);
+    CameraWorld(Scheduler& itsScheduler, ports::WallClock& clock, Clocks itsClocks)
+        : scheduler(itsScheduler), wallClock(clock), clocks(std::move(itsClocks))
+    {
+    }
+
+    [[nodiscard]] Date timeOfDay() const { return clocks(wallClock.now()); }
+
+    Scheduler& scheduler;
+    ports::WallClock& wallClock;
+    const Clocks clocks;
+    FaultSwitches faults{"input", "add-input", "add-output", "photo", "photo-data", "photo-twice", "start"};
+    CafeScene scene;
+    std::atomic<std::int64_t> lastPhotoId = 0;
+    Guarded<State> state;
+};
+
+/// The cameras of the simulated MacBook, which stands in a cafe: authorised and without any device at first. The first
+/// device is the system's default. A photo shows the cafe at the time of day, with a person at the Mac, or replays a
+/// file. Any thread.
+///
+/// Faults: "input" (the device can't be opened), "add-input", "add-output" (the session refuses), "photo" (ends with an
+/// error), "photo-data" (has no file representation), "photo-twice" (the delegate is told twice), "start" (the session
+/// does not come to run).
+class SimulatedCamera final : public ports::Camera {
+public:
+    SimulatedCamera(
+        Scheduler& scheduler, ports::WallClock& wallClock, CameraWorld::Clocks clocks = [](Date date) { return date; })
+        : world_(std::make_shared<CameraWorld>(scheduler, wallClock, std::move(clocks)))
+    {
+    }
+
+    void setAuthorization(ports::CaptureAuthorization status) { world_->state->authorization = status; }
 
     /// Sets the user's answer to the system's prompt; none leaves it open until `answerPrompt`.
-    void setAnswer(std::optional<bool> granted);
+    void setAnswer(std::optional<bool> granted) { world_->state->answer = granted; }
 
     /// Answers the open prompt. False when none is open.
     bool answerPrompt(bool granted);
 
     /// Number of prompts so far.
-    [[nodiscard]] int promptsShown() const;
+    [[nodiscard]] int promptsShown() const { return world_->state->promptsShown; }
 
-    void setDevices(std::vector<CameraModel> devices);
+    void setDevices(std::vector<CameraModel> devices) { world_->state->devices = std::move(devices); }
 
     /// Brightness of a photo of the cafe, 0 to 1; none lets the time of day decide.
-    void setBrightness(std::optional<double> brightness);
-    [[nodiscard]] std::optional<double> brightness() const;
+    void setBrightness(std::optional<double> brightness) { world_->state->brightness = brightness; }
+    [[nodiscard]] std::optional<double> brightness() const { return world_->state->brightness; }
 
     /// Time from a photo's request to its callback; 0 at first.
-    void setPhotoDelay(Duration delay);
+    void setPhotoDelay(Duration delay) { world_->state->photoDelay = delay; }
 
     /// Every photo is this file, unchanged; none for the cafe.
     void setPhotoFile(std::optional<Bytes> file);
-    [[nodiscard]] bool hasPhotoFile() const;
+    [[nodiscard]] bool hasPhotoFile() const { return world_->state->photoFile != nullptr; }
 
     /// The current view, for display: the file, or a small picture of the cafe. The same object until something
     /// changes.
     [[nodiscard]] CameraView view() const;
 
-    /// Faults: "input" (the device can't be opened), "add-input", "add-output" (the session refuses), "photo" (ends
-    /// with an error), "photo-data" (has no file representation), "photo-twice" (the delegate is told twice), "start"
-    /// (the session does not come to run).
-    [[nodiscard]] FaultSwitches& faults();
+    [[nodiscard]] FaultSwitches& faults() { return world_->faults; }
 
     /// The system takes the camera away, as it does for another application.
-    void interruptSession();
-    [[nodiscard]] bool isSessionRunning() const;
+    void interruptSession() { world_->state->runningSession = nullptr; }
+    [[nodiscard]] bool isSessionRunning() const { return world_->state->runningSession != nullptr; }
 
     /// Name of the device opened last; empty if none was.
-    [[nodiscard]] std::string openedDevice() const;
+    [[nodiscard]] std::string openedDevice() const { return world_->state->openedDevice; }
 
     /// Sessions started and photos asked for so far.
-    [[nodiscard]] int sessionsStarted() const;
-    [[nodiscard]] int photosRequested() const;
+    [[nodiscard]] int sessionsStarted() const { return world_->state->sessionsStarted; }
+    [[nodiscard]] int photosRequested() const { return world_->state->photosRequested; }
 
     [[nodiscard]] ports::CaptureAuthorization authorizationStatus(const std::string& mediaType) override;
     void requestAccess(const std::string& mediaType, std::function<void(bool granted)> answered) override;
@@ -94,13 +136,10 @@ public:
     [[nodiscard]] std::shared_ptr<ports::PhotoOutput> makePhotoOutput() override;
     [[nodiscard]] std::unique_ptr<ports::PhotoSettings> makePhotoSettings() override;
 
-    /// State shared by the camera, its devices, sessions and photos under way.
-    struct World;
-
 private:
     [[nodiscard]] ports::CaptureAuthorization authorizationOf(const std::string& mediaType) const;
 
-    std::shared_ptr<World> world_;
+    std::shared_ptr<CameraWorld> world_;
 };
 
 } // namespace sentrel::simulation

@@ -9,16 +9,16 @@ namespace sentrel::simulation {
 
 namespace {
 
-using World = SimulatedCamera::World;
+using World = CameraWorld;
 
 /// A photo as of its request. The cafe is drawn only when the data is read.
 class SimulatedPhoto final : public ports::CapturedPhoto {
 public:
     explicit SimulatedPhoto(std::shared_ptr<World> world) : world_(std::move(world)), timeOfDay_(world_->timeOfDay())
     {
-        const std::lock_guard guard{world_->mutex};
-        brightness_ = world_->brightness;
-        file_ = world_->photoFile;
+        const auto state = world_->state.lock();
+        brightness_ = state->brightness;
+        file_ = state->photoFile;
     }
 
     [[nodiscard]] std::optional<Bytes> fileDataRepresentation() const override
@@ -56,17 +56,19 @@ void SimulatedPhotoOutput::capturePhoto(const ports::PhotoSettings& /*settings*/
                                         std::weak_ptr<ports::PhotoOutputDelegate> delegate)
 {
     world_->faults.call("capturePhoto");
+    Duration delay{};
+    bool isRunning = false;
+    {
+        const auto state = world_->state.lock();
+        ++state->photosRequested;
+        delay = state->photoDelay;
+        isRunning = session_ != nullptr && state->runningSession == session_;
+    }
     std::optional<std::string> error;
-    if (!world_->isRunning(session_)) {
+    if (!isRunning) {
         error = "The session is not running.";
     } else if (world_->faults.strikes("photo")) {
         error = "Cannot Complete Action";
-    }
-    Duration delay{};
-    {
-        const std::lock_guard guard{world_->mutex};
-        ++world_->photosRequested;
-        delay = world_->photoDelay;
     }
     auto photo = std::make_shared<SimulatedPhoto>(world_);
     detached(world_->scheduler, QualityOfService::userInitiated,
@@ -108,10 +110,10 @@ void SimulatedCaptureSession::startRunning()
     if (!isComplete || world_->faults.strikes("start")) {
         return;
     }
-    const std::lock_guard guard{world_->mutex};
-    world_->runningSession = this;
-    world_->startedAt = world_->scheduler.now();
-    ++world_->sessionsStarted;
+    const auto state = world_->state.lock();
+    state->runningSession = this;
+    state->startedAt = world_->scheduler.now();
+    ++state->sessionsStarted;
 }
 
 void SimulatedCaptureSession::stopRunning()
@@ -123,14 +125,14 @@ void SimulatedCaptureSession::stopRunning()
 bool SimulatedCaptureSession::isRunning() const
 {
     world_->faults.call("isRunning");
-    return world_->isRunning(this);
+    return world_->state->runningSession == this;
 }
 
 void SimulatedCaptureSession::stop()
 {
-    const std::lock_guard guard{world_->mutex};
-    if (world_->runningSession == this) {
-        world_->runningSession = nullptr;
+    const auto state = world_->state.lock();
+    if (state->runningSession == this) {
+        state->runningSession = nullptr;
     }
 }
 

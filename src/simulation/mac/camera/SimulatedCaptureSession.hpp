@@ -1,55 +1,17 @@
 #pragma once
 
 #include "simulation/mac/camera/SimulatedCamera.hpp"
-#include "simulation/mac/camera/scene/CafeScene.hpp"
 
-#include <atomic>
-#include <mutex>
+#include <memory>
+#include <string>
 #include <utility>
 
 namespace sentrel::simulation {
 
-struct SimulatedCamera::World {
-    World(Scheduler& itsScheduler, ports::WallClock& clock, Clocks itsClocks)
-        : scheduler(itsScheduler), wallClock(clock), clocks(std::move(itsClocks))
-    {
-    }
-
-    [[nodiscard]] Date timeOfDay() { return clocks(wallClock.now()); }
-
-    Scheduler& scheduler;
-    ports::WallClock& wallClock;
-    const Clocks clocks;
-    FaultSwitches faults{"input", "add-input", "add-output", "photo", "photo-data", "photo-twice", "start"};
-    CafeScene scene;
-    std::atomic<std::int64_t> lastPhotoId = 0;
-
-    std::mutex mutex; // guards the rest
-    ports::CaptureAuthorization authorization = ports::CaptureAuthorization::authorized;
-    std::optional<bool> answer;
-    std::vector<std::function<void(bool)>> prompts;
-    int promptsShown = 0;
-    std::vector<CameraModel> devices;
-    std::string openedDevice;
-    std::optional<double> brightness;
-    Duration photoDelay{};
-    std::shared_ptr<const Bytes> photoFile; // none for the cafe
-    const void* runningSession = nullptr;
-    Instant startedAt;
-    int sessionsStarted = 0;
-    int photosRequested = 0;
-
-    [[nodiscard]] bool isRunning(const void* session)
-    {
-        const std::lock_guard guard{mutex};
-        return session != nullptr && runningSession == session;
-    }
-};
-
 /// The output of photos of one session.
 class SimulatedPhotoOutput final : public ports::PhotoOutput {
 public:
-    explicit SimulatedPhotoOutput(std::shared_ptr<SimulatedCamera::World> world) : world_(std::move(world)) {}
+    explicit SimulatedPhotoOutput(std::shared_ptr<CameraWorld> world) : world_(std::move(world)) {}
 
     void attach(const void* session) { session_ = session; }
     [[nodiscard]] bool isAttached() const { return session_ != nullptr; }
@@ -57,14 +19,14 @@ public:
                       std::weak_ptr<ports::PhotoOutputDelegate> delegate) override;
 
 private:
-    std::shared_ptr<SimulatedCamera::World> world_;
+    std::shared_ptr<CameraWorld> world_;
     const void* session_ = nullptr;
 };
 
 /// A session. Only one at a time can have the camera.
 class SimulatedCaptureSession final : public ports::CaptureSession {
 public:
-    explicit SimulatedCaptureSession(std::shared_ptr<SimulatedCamera::World> world) : world_(std::move(world)) {}
+    explicit SimulatedCaptureSession(std::shared_ptr<CameraWorld> world) : world_(std::move(world)) {}
     ~SimulatedCaptureSession() override;
 
     void setPreset(const std::string& preset) override { preset_ = preset; }
@@ -79,7 +41,7 @@ public:
 private:
     void stop();
 
-    std::shared_ptr<SimulatedCamera::World> world_;
+    std::shared_ptr<CameraWorld> world_;
     std::string preset_;
     std::shared_ptr<ports::CaptureInput> input_;
     std::shared_ptr<SimulatedPhotoOutput> output_;

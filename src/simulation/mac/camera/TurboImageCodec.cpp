@@ -1,6 +1,5 @@
 #include "simulation/mac/camera/TurboImageCodec.hpp"
 
-#include "simulation/mac/camera/ExifOrientation.hpp"
 #include "simulation/mac/camera/JpegReader.hpp"
 #include "simulation/mac/camera/JpegWriter.hpp"
 #include "simulation/mac/camera/RgbxImage.hpp"
@@ -8,7 +7,6 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <numeric>
 #include <span>
 #include <utility>
 #include <vector>
@@ -81,39 +79,6 @@ PixelSize fitted(PixelSize size, std::uint32_t maxPixelSize)
     return {scaled(size.width), scaled(size.height)};
 }
 
-bool readRows(JpegReader& reader, RgbxImage& image, int rows)
-{
-    for (int y = 0; y < rows; ++y) {
-        if (!reader.readRow(image.row(y))) {
-            return false;
-        }
-    }
-    return true;
-}
-
-/// Reads an image of this size and scales it into the smaller one, band by band: the whole never lies in memory. Each
-/// band is as high as a whole number of the result's rows, and no row of the result needs two bands.
-bool readScaled(JpegReader& reader, PixelSize size, RgbxImage& smaller)
-{
-    constexpr int enoughRows = 64;
-    const int height = static_cast<int>(size.height);
-    const int units = std::gcd(height, smaller.height()); // bands of the least height
-    const int most = std::max(enoughRows / (height / units), 1) * (height / units);
-    RgbxImage band{static_cast<int>(size.width), std::min(most, height)};
-    int done = 0; // rows of the result
-    for (int y = 0; y < height; y += band.height()) {
-        const int rows = std::min(band.height(), height - y);
-        const int made = rows / (height / units) * (smaller.height() / units);
-        if (!readRows(reader, band, rows) ||
-            libyuv::ARGBScale(band.data(), band.stride(), band.width(), rows, smaller.row(done), smaller.stride(),
-                              smaller.width(), made, libyuv::kFilterBox) != 0) {
-            return false;
-        }
-        done += made;
-    }
-    return true;
-}
-
 /// Decodes a whole file, whose header has been read, at a scale that gives `size`, and scales it down to `target`.
 std::optional<RgbxImage> decode(JpegReader& reader, unsigned eighths, PixelSize size, PixelSize target,
                                 std::size_t mostCoefficientBytes)
@@ -121,12 +86,22 @@ std::optional<RgbxImage> decode(JpegReader& reader, unsigned eighths, PixelSize 
     if (!reader.start(eighths, mostCoefficientBytes)) {
         return std::nullopt;
     }
-    RgbxImage image = makeImage(target);
-    const bool isRead = size == target ? readRows(reader, image, image.height()) : readScaled(reader, size, image);
-    if (!isRead || !reader.finish()) {
+    RgbxImage image = makeImage(size);
+    for (int y = 0; y < image.height(); ++y) {
+        if (!reader.readRow(image.row(y))) {
+            return std::nullopt;
+        }
+    }
+    if (!reader.finish()) {
         return std::nullopt;
     }
-    return image;
+    if (size == target) {
+        return image;
+    }
+    RgbxImage smaller = makeImage(target);
+    libyuv::ARGBScale(image.data(), image.stride(), image.width(), image.height(), smaller.data(), smaller.stride(),
+                      smaller.width(), smaller.height(), libyuv::kFilterBox);
+    return smaller;
 }
 
 RgbxImage mirrored(const RgbxImage& image)
@@ -241,11 +216,12 @@ std::unique_ptr<ports::Image> TurboImageCodec::createThumbnail(BytesView data, s
     if (needed >= mostMemory) {
         return nullptr;
     }
+    const int orientation = transform ? reader.orientation() : 1;
     auto image = decode(reader, eighths, *size, target, mostMemory - needed);
     if (!image) {
         return nullptr;
     }
-    return std::make_unique<TurboImage>(turnedUpright(*std::move(image), transform ? exifOrientation(data) : 1));
+    return std::make_unique<TurboImage>(turnedUpright(*std::move(image), orientation));
 }
 
 std::optional<Bytes> TurboImageCodec::encode(const ports::Image& image, const std::string& type, double quality)

@@ -138,11 +138,7 @@ ui::Interaction SimulatedDisplays::pressKey(ui::Key key)
 
 ui::Interaction SimulatedDisplays::click(std::size_t cover, std::string_view wanted)
 {
-    const auto windows = visibleCovers();
-    if (cover >= windows.size()) {
-        return ui::Interaction::notFound;
-    }
-    return useWindow(windows[cover], [wanted](WindowContent content) { return content.click(wanted); });
+    return useCover(cover, [wanted](WindowContent content) { return content.click(wanted); });
 }
 
 ui::Interaction SimulatedDisplays::useCover(std::size_t cover, const Use& use)

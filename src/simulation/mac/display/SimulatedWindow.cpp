@@ -64,7 +64,7 @@ ui::Interaction WindowContent::click(std::string_view wanted)
     if (!node->isEnabled || node->isBlocked) {
         return ui::Interaction::unreachable;
     }
-    moveFocus(node->identity);
+    focus(node->identity);
     return ui::Interaction::done;
 }
 
@@ -73,7 +73,7 @@ ui::Interaction WindowContent::fill(std::string_view field, std::string_view tex
     const ui::View content = state_.content;
     const auto node = ui::find(content, field);
     if (node && node->isEnabled && !node->isBlocked && isField(*node->view)) {
-        moveFocus(node->identity);
+        focus(node->identity);
     }
     return ui::setText(content, field, text);
 }
@@ -132,7 +132,7 @@ ui::Interaction WindowContent::pressKey(ui::Key key)
     return ui::pressKey(content, key, identity);
 }
 
-void WindowContent::moveFocus(const std::string& identity)
+void WindowContent::focus(const std::string& identity)
 {
     const std::string before = std::exchange(state_.focusedIdentity, identity);
     if (before == identity) {

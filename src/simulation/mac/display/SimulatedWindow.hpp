@@ -76,14 +76,12 @@ public:
     [[nodiscard]] ui::Interaction pressKey(ui::Key key);
 
     /// Moves the keyboard to a node.
-    void focus(const std::string& identity) { moveFocus(identity); }
+    void focus(const std::string& identity);
 
     /// The tree shown, for other actions. A copy: they may replace the tree.
     [[nodiscard]] ui::View tree() const { return state_.content; }
 
 private:
-    void moveFocus(const std::string& identity);
-
     WindowState& state_;
 };
 

@@ -3,8 +3,13 @@
 #include "ports/Journal.hpp"
 #include "ports/WorkspaceNotifications.hpp"
 #include "runtime/Scheduler.hpp"
+#include "simulation/Events.hpp"
 #include "simulation/FaultSwitches.hpp"
 #include "simulation/NotificationHub.hpp"
+
+#include <functional>
+#include <string>
+#include <utility>
 
 namespace sentrel::simulation {
 
@@ -19,10 +24,20 @@ public:
     {
     }
 
-    [[nodiscard]] ports::RegistrationPtr observe(const std::string& name, std::function<void()> received) override;
+    [[nodiscard]] ports::RegistrationPtr observe(const std::string& name, std::function<void()> received) override
+    {
+        faults_.call("observe");
+        return notifications_.observe(name, std::move(received));
+    }
 
     /// Posts the notification and notes it.
-    void post(const std::string& name);
+    void post(const std::string& name)
+    {
+        journal_.note(events::WorkspaceNotification{name});
+        if (!faults_.strikes("notification")) {
+            notifications_.post(name);
+        }
+    }
 
     [[nodiscard]] FaultSwitches& faults() { return faults_; }
 

@@ -5,8 +5,6 @@
 #include "simulation/mac/files/Base64.hpp"
 
 #include <algorithm>
-#include <nlohmann/json.hpp>
-#include <ranges>
 #include <utility>
 
 namespace sentrel::simulation {
@@ -26,10 +24,10 @@ std::string fileName(std::string_view application)
     return name + ".json";
 }
 
-bool isObject(BytesView content)
+/// A fraction never equals a whole number: they are of different types to the reader.
+bool isEqual(const Json& left, const Json& right)
 {
-    const auto document = content.size() <= largestFile ? parseJson(content) : std::nullopt;
-    return document && document->is_object();
+    return left.is_number_float() == right.is_number_float() && left == right;
 }
 
 } // namespace
@@ -55,10 +53,11 @@ bool DefaultsFile::load()
     if (!content) {
         return !files_.exists(file_);
     }
-    if (!isObject(*content)) {
+    auto document = content->size() <= largestFile ? parseJson(*content) : std::nullopt;
+    if (!document || !document->is_object()) {
         return false;
     }
-    members_ = splitJsonObject(textOf(*content));
+    contents_ = *std::move(document);
     return true;
 }
 
@@ -69,21 +68,11 @@ void DefaultsFile::begin(std::string_view operation)
     }
 }
 
-// The last of several entries with one name counts, as for most JSON readers.
-DefaultsFile::Members::reverse_iterator DefaultsFile::find(const std::string& key)
-{
-    return std::ranges::find_if(std::views::reverse(members_),
-                                [&](const JsonMember& member) { return member.key == key; });
-}
-
 std::optional<Json> DefaultsFile::value(const std::string& key)
 {
     const std::lock_guard guard{mutex_};
-    const auto found = find(key);
-    if (found == members_.rend()) {
-        return std::nullopt;
-    }
-    return parseJson(bytesOf(found->value)); // as the whole file was read: a number too large is null
+    const Json* const found = member(contents_, key);
+    return found == nullptr ? std::nullopt : std::optional{*found};
 }
 
 std::optional<std::string> DefaultsFile::text(const std::string& key)
@@ -148,8 +137,7 @@ void DefaultsFile::setInteger(const std::string& key, std::int64_t value)
 
 void DefaultsFile::set(const std::string& key, const Json& value)
 {
-    const std::string encoded = encodeJson(value);
-    replace(key, &encoded);
+    replace(key, &value);
 }
 
 void DefaultsFile::remove(const std::string& key)
@@ -159,22 +147,20 @@ void DefaultsFile::remove(const std::string& key)
 }
 
 // Null removes the entry.
-void DefaultsFile::replace(const std::string& key, const std::string* value)
+void DefaultsFile::replace(const std::string& key, const Json* value)
 {
     int error = 0;
     {
         const std::lock_guard guard{mutex_};
-        const auto found = find(key);
-        const bool isThere = found != members_.rend();
-        if (!isUnwritten_ && (value == nullptr ? !isThere : isThere && found->value == *value)) {
+        const Json* const found = member(contents_, key);
+        const bool isSame = value == nullptr ? found == nullptr : found != nullptr && isEqual(*found, *value);
+        if (isSame && !isUnwritten_) {
             return; // the file has this value already
         }
         if (value == nullptr) {
-            std::erase_if(members_, [&](const JsonMember& member) { return member.key == key; });
-        } else if (isThere) {
-            found->value = *value;
+            contents_.erase(key);
         } else {
-            members_.push_back({key, *value});
+            contents_[key] = *value;
         }
         error = write();
         isUnwritten_ = error != 0;
@@ -196,7 +182,8 @@ int DefaultsFile::write()
         }
         isDamaged_ = false;
     }
-    return ports::writeDurably(files_, file_, bytesOf(joinJsonObject(members_)), fileMode);
+    const std::string text = contents_.dump(2, ' ', false, Json::error_handler_t::replace) + '\n';
+    return ports::writeDurably(files_, file_, bytesOf(text), fileMode);
 }
 
 int DefaultsFile::putDamagedAside()

@@ -5,10 +5,10 @@
 #include "ports/Journal.hpp"
 #include "ports/UserDefaults.hpp"
 #include "simulation/FaultSwitches.hpp"
-#include "simulation/mac/files/JsonMembers.hpp"
 
 #include <filesystem>
 #include <mutex>
+#include <nlohmann/json.hpp>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -39,14 +39,11 @@ public:
     [[nodiscard]] const std::filesystem::path& file() const { return file_; }
 
 private:
-    using Members = std::vector<JsonMember>;
-
     void begin(std::string_view operation);
     bool load();
-    [[nodiscard]] Members::reverse_iterator find(const std::string& key);
     [[nodiscard]] std::optional<Json> value(const std::string& key);
     void set(const std::string& key, const Json& value);
-    void replace(const std::string& key, const std::string* value);
+    void replace(const std::string& key, const Json* value);
     [[nodiscard]] int write();
     [[nodiscard]] int putDamagedAside();
 
@@ -56,7 +53,7 @@ private:
     std::filesystem::path folder_;
     std::filesystem::path file_;
     std::mutex mutex_;
-    Members members_;
+    Json contents_ = Json::object();
     bool isDamaged_ = false;   // the file holds something that must not be overwritten
     bool isUnwritten_ = false; // the last change isn't on disk yet
 };

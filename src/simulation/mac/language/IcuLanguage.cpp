@@ -1,12 +1,10 @@
 #include "simulation/mac/language/IcuLanguage.hpp"
 
 #include "foundation/SecretBytes.hpp"
+#include "posix/PosixFileSystem.hpp"
 #include "simulation/Events.hpp"
 
 #include <algorithm>
-#include <fstream>
-#include <iterator>
-#include <optional>
 #include <unicode/brkiter.h>
 #include <unicode/locid.h>
 #include <unicode/normalizer2.h>
@@ -19,9 +17,6 @@
 namespace sentrel::simulation {
 
 namespace {
-
-// Bytes; far beyond any real table.
-constexpr std::uintmax_t largestTable = std::uintmax_t{16} << 20;
 
 std::string languageOf(const std::string& locale)
 {
@@ -52,17 +47,6 @@ std::vector<std::string> tableNames(const std::string& locale)
     }
     names.emplace_back("en");
     return names;
-}
-
-std::optional<Bytes> readFile(const std::filesystem::path& file)
-{
-    std::error_code error;
-    const auto size = std::filesystem::file_size(file, error);
-    if (error || size > largestTable) {
-        return std::nullopt;
-    }
-    std::ifstream stream{file, std::ios::binary};
-    return Bytes{std::istreambuf_iterator<char>{stream}, std::istreambuf_iterator<char>{}};
 }
 
 // Removes differences of case and composition. In Turkic languages i and dotless i are different letters.
@@ -174,7 +158,7 @@ IcuLanguage::Table IcuLanguage::readTable() const
 {
     for (const std::string& name : tableNames(locale_)) {
         const std::string file = name + ".lproj/Localizable.strings";
-        if (const auto content = readFile(resources_ / file)) {
+        if (const auto content = posix::PosixFileSystem{}.read(resources_ / file)) {
             return {parseStringsFile(*content), file};
         }
     }

@@ -1,244 +1,116 @@
 #include "simulation/mac/language/StringsFile.hpp"
 
 #include <algorithm>
-#include <charconv>
-#include <limits>
 #include <optional>
-#include <unicode/unistr.h>
 #include <utility>
 
 namespace sentrel::simulation {
 
 namespace {
 
-using Text = icu::UnicodeString;
-
-// Decodes to UTF-16 code units in the machine's byte order. Invalid bytes become U+FFFD.
-Text decoded(BytesView content)
-{
-    const auto startsWith = [&](std::uint8_t first, std::uint8_t second) {
-        return content.size() >= 2 && content[0] == first && content[1] == second;
-    };
-    const bool isBigEndian = startsWith(0xFE, 0xFF);
-    if (!isBigEndian && !startsWith(0xFF, 0xFE)) {
-        const auto text = textOf(content);
-        const std::string_view mark = "\xEF\xBB\xBF";
-        const auto unmarked = text.starts_with(mark) ? text.substr(mark.size()) : text;
-        return Text::fromUTF8(icu::StringPiece{unmarked.data(), static_cast<std::int32_t>(unmarked.size())});
-    }
-    Text text;
-    for (std::size_t place = 2; place + 1 < content.size(); place += 2) {
-        const unsigned first = content[place];
-        const unsigned second = content[place + 1];
-        text.append(static_cast<char16_t>(isBigEndian ? first << 8 | second : second << 8 | first));
-    }
-    if (content.size() % 2 != 0) {
-        text.append(u'\uFFFD');
-    }
-    return text;
-}
-
-std::string utf8(const Text& text)
-{
-    std::string result;
-    text.toUTF8String(result);
-    return result;
-}
-
-bool isSpace(char16_t unit)
-{
-    return unit == u' ' || (unit >= u'\t' && unit <= u'\r');
-}
-
-bool isBareWord(char16_t unit)
-{
-    const bool isLetter = (unit | 0x20) >= u'a' && (unit | 0x20) <= u'z';
-    return isLetter || (unit >= u'0' && unit <= u'9') || unit == u'_' || unit == u'.' || unit == u'-' || unit == u'$';
-}
-
 class StringsParser {
 public:
-    explicit StringsParser(Text text) : text_(std::move(text)) {}
+    explicit StringsParser(std::string_view text) : text_(text) {}
 
     StringsTable parse()
     {
         while (skipToEntry()) {
-            const std::int32_t begin = place_;
+            const std::size_t begin = place_;
             if (!parseEntry()) {
-                table_.damages.push_back({lineOf(begin), problem_});
-                place_ = begin;
-                skipLine();
+                noteDamage(begin);
+                skipLine(begin);
             }
         }
         return std::move(table_);
     }
 
 private:
-    [[nodiscard]] bool atEnd() const { return place_ >= text_.length(); }
-    [[nodiscard]] char16_t peek(std::int32_t ahead = 0) const { return text_.charAt(place_ + ahead); }
-
-    // Places must not decrease from call to call.
-    std::size_t lineOf(std::int32_t place)
+    /// Passes the expected text. False if another stands here.
+    bool take(std::string_view expected)
     {
-        for (; counted_ < place; ++counted_) {
-            const bool isPair = text_.charAt(counted_) == u'\r' && text_.charAt(counted_ + 1) == u'\n';
-            line_ += isBreak(text_.charAt(counted_)) && !isPair ? 1U : 0U;
-        }
-        return line_;
+        const bool isThere = text_.substr(place_).starts_with(expected);
+        place_ += isThere ? expected.size() : 0;
+        return isThere;
     }
 
-    static bool isBreak(char16_t unit) { return unit == u'\n' || unit == u'\r'; }
+    void skipSpace() { place_ = std::min(text_.find_first_not_of(" \t\r\n", place_), text_.size()); }
+    void skipLine(std::size_t from) { place_ = std::min(text_.find('\n', from), text_.size()); }
 
-    void skipLine()
-    {
-        while (!atEnd() && !isBreak(peek())) {
-            ++place_;
-        }
-    }
-
-    // False at the end of the text; an unfinished comment extends to there.
+    /// Skips white space and comments. False at the end of the text.
     bool skipToEntry()
     {
-        const std::int32_t begin = place_;
-        if (!skipBlank()) {
-            table_.damages.push_back({lineOf(begin), problem_});
-        }
-        return !atEnd();
-    }
-
-    // Skips white space and comments. False if a comment doesn't end.
-    bool skipBlank()
-    {
-        while (!atEnd()) {
-            if (isSpace(peek())) {
-                ++place_;
-            } else if (peek() == u'/' && peek(1) == u'/') {
-                skipLine();
-            } else if (peek() == u'/' && peek(1) == u'*') {
-                if (!skipComment()) {
-                    return false;
-                }
+        for (;;) {
+            skipSpace();
+            if (take("//")) {
+                skipLine(place_);
+            } else if (text_.substr(place_).starts_with("/*")) {
+                skipComment();
             } else {
-                break;
+                return place_ < text_.size();
             }
         }
-        return true;
     }
 
-    bool skipComment()
+    /// An unfinished comment extends to the end of the text.
+    void skipComment()
     {
-        // A failed search isn't repeated: else a file full of comment openings would take quadratic time.
-        const std::int32_t end = place_ < unendedFrom_ ? text_.indexOf(u"*/", 2, place_ + 2) : -1;
-        if (end < 0) {
-            unendedFrom_ = std::min(unendedFrom_, place_);
-            place_ = text_.length();
-            return fail("a comment doesn't end");
+        const std::size_t end = text_.find("*/", place_ + 2);
+        if (end == std::string_view::npos) {
+            fail("a comment doesn't end");
+            noteDamage(place_);
         }
-        place_ = end + 2;
-        return true;
+        place_ = end == std::string_view::npos ? text_.size() : end + 2;
     }
 
     bool parseEntry()
     {
         const auto key = parseText();
-        if (!key || !skipBlank()) {
+        if (!key) {
             return false;
         }
-        auto value = key;
-        if (!atEnd() && peek() == u'=') {
-            ++place_;
-            if (!skipBlank()) {
-                return false;
-            }
-            value = parseText();
+        skipSpace();
+        if (!take("=")) {
+            return fail("an equals sign is missing");
         }
-        if (!value || !skipBlank()) {
+        skipSpace();
+        const auto value = parseText();
+        if (!value) {
             return false;
         }
-        if (atEnd() || peek() != u';') {
+        skipSpace();
+        if (!take(";")) {
             return fail("a semicolon is missing");
         }
-        ++place_;
-        table_.texts.insert_or_assign(utf8(*key), utf8(*value));
+        table_.texts.insert_or_assign(*key, *value);
         return true;
     }
 
-    std::optional<Text> parseText()
+    std::optional<std::string> parseText()
     {
-        Text text;
-        if (!atEnd() && peek() == u'"') {
-            return parseQuoted();
-        }
-        while (!atEnd() && isBareWord(peek())) {
-            text.append(peek());
-            ++place_;
-        }
-        if (text.isEmpty()) {
+        constexpr std::string_view escapes = "ntr\"\\'";
+        constexpr std::string_view meanings = "\n\t\r\"\\'";
+        if (!take("\"")) {
             fail("a text in quotation marks is missing");
             return std::nullopt;
         }
-        return text;
-    }
-
-    std::optional<Text> parseQuoted()
-    {
-        Text text;
-        for (++place_; !atEnd(); ++place_) {
-            if (peek() == u'"') {
-                ++place_;
-                return text;
-            }
-            if (peek() != u'\\') {
-                text.append(peek());
+        std::string text;
+        while (place_ < text_.size() && text_[place_] != '"') {
+            if (!take("\\")) {
+                text += text_[place_++];
                 continue;
             }
-            ++place_;
-            const auto unit = parseEscape();
-            if (!unit) {
+            const std::size_t escape = place_ < text_.size() ? escapes.find(text_[place_++]) : std::string_view::npos;
+            if (escape == std::string_view::npos) {
                 fail("an escape isn't known");
                 return std::nullopt;
             }
-            text.append(*unit);
+            text += meanings[escape];
         }
-        fail("a quotation mark is missing");
-        return std::nullopt;
-    }
-
-    // Starts at the character after the backslash, and ends at the escape's last.
-    std::optional<char16_t> parseEscape()
-    {
-        if (atEnd()) {
+        if (!take("\"")) {
+            fail("a quotation mark is missing");
             return std::nullopt;
         }
-        switch (peek()) {
-        case u'n':
-            return u'\n';
-        case u't':
-            return u'\t';
-        case u'r':
-            return u'\r';
-        case u'"':
-        case u'\\':
-        case u'\'':
-            return peek();
-        case u'u':
-        case u'U':
-            return parseCodeUnit();
-        default:
-            return std::nullopt;
-        }
-    }
-
-    std::optional<char16_t> parseCodeUnit()
-    {
-        const std::string digits = utf8(text_.tempSubString(place_ + 1, 4));
-        std::uint16_t unit = 0;
-        const auto read = std::from_chars(digits.data(), digits.data() + digits.size(), unit, 16);
-        if (digits.size() != 4 || read.ptr != digits.data() + 4) {
-            return std::nullopt;
-        }
-        place_ += 4;
-        return static_cast<char16_t>(unit);
+        return text;
     }
 
     bool fail(std::string_view problem)
@@ -247,11 +119,18 @@ private:
         return false;
     }
 
-    Text text_;
-    std::int32_t place_ = 0;
-    std::int32_t counted_ = 0;
-    std::int32_t unendedFrom_ = std::numeric_limits<std::int32_t>::max();
+    /// Places must not decrease from call to call.
+    void noteDamage(std::size_t place)
+    {
+        line_ += static_cast<std::size_t>(std::ranges::count(text_.substr(counted_, place - counted_), '\n'));
+        counted_ = place;
+        table_.damages.push_back({line_, problem_});
+    }
+
+    std::string_view text_;
+    std::size_t place_ = 0;
     std::size_t line_ = 1;
+    std::size_t counted_ = 0; // up to here the lines are counted
     std::string_view problem_;
     StringsTable table_;
 };
@@ -260,7 +139,7 @@ private:
 
 StringsTable parseStringsFile(BytesView content)
 {
-    return StringsParser{decoded(content)}.parse();
+    return StringsParser{textOf(content)}.parse();
 }
 
 } // namespace sentrel::simulation

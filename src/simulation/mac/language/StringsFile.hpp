@@ -22,9 +22,10 @@ struct StringsTable {
     std::vector<Damage> damages; ///< in the order of the lines
 };
 
-/// Reads a `.strings` file: entries `"key" = "text";` with escapes, comments of both kinds. The text is UTF-8, or
-/// UTF-16 with a byte order mark. A damaged entry loses itself and the rest of the line on which it begins, no more.
-/// The last of several entries with one key counts.
+/// Reads a `.strings` file in UTF-8 as the product's tables are written: entries `"key" = "text";` with the escapes of
+/// C for line break, tab, return, quotation mark and backslash, and between them comments of both kinds. A damaged
+/// entry loses itself and the rest of the line on which it begins, no more. The last of several entries with one key
+/// counts.
 [[nodiscard]] StringsTable parseStringsFile(BytesView content);
 
 } // namespace sentrel::simulation

@@ -3,8 +3,6 @@
 #include <array>
 #include <charconv>
 #include <cmath>
-#include <fstream>
-#include <iterator>
 #include <optional>
 #include <utility>
 
@@ -112,35 +110,12 @@ std::array<double, columns.size()> readRow(const LineReader& reader, std::string
     return row;
 }
 
-MotionRecordingError tooLarge(std::string_view name)
-{
-    return MotionRecordingError{std::string{name} + ": larger than " +
-                                std::to_string(MotionRecording::maximumSize >> 20) + " MB"};
-}
-
 } // namespace
-
-MotionRecording MotionRecording::load(const std::filesystem::path& file)
-{
-    std::error_code error;
-    if (!std::filesystem::is_regular_file(file, error)) {
-        throw MotionRecordingError{file.string() + ": no such file"};
-    }
-    if (std::filesystem::file_size(file, error) > maximumSize) {
-        throw tooLarge(file.string());
-    }
-    std::ifstream stream{file, std::ios::binary};
-    const std::string text{std::istreambuf_iterator<char>{stream}, {}};
-    if (!stream) {
-        throw MotionRecordingError{file.string() + ": can't be read"};
-    }
-    return parse(text, file.string());
-}
 
 MotionRecording MotionRecording::parse(std::string_view text, std::string_view name)
 {
     if (text.size() > maximumSize) {
-        throw tooLarge(name);
+        throw MotionRecordingError{std::string{name} + ": larger than " + std::to_string(maximumSize >> 20) + " MB"};
     }
     if (text.starts_with(byteOrderMark)) {
         text.remove_prefix(byteOrderMark.size());

@@ -2,7 +2,6 @@
 
 #include "runtime/Time.hpp"
 
-#include <filesystem>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -34,11 +33,8 @@ public:
         Acceleration acceleration;
     };
 
-    /// Largest file that is read, in bytes; an hour at 50 samples a second is some 7 MB.
+    /// Largest text that is read, in bytes; an hour at 50 samples a second is some 7 MB.
     static constexpr std::size_t maximumSize = std::size_t{32} << 20;
-
-    /// Reads a file. Throws `MotionRecordingError`.
-    static MotionRecording load(const std::filesystem::path& file);
 
     /// Reads a text; `name` stands for the file in messages. Throws `MotionRecordingError`.
     static MotionRecording parse(std::string_view text, std::string_view name);

@@ -5,7 +5,6 @@
 #include "simulation/Events.hpp"
 
 #include <algorithm>
-#include <utility>
 
 namespace sentrel::simulation {
 
@@ -24,6 +23,8 @@ constexpr std::string_view playingTestScript = "tell application \"Music\"\n"
                                                "    player state is playing\n"
                                                "end tell";
 constexpr std::string_view pauseScript = "tell application \"Music\" to pause";
+
+constexpr Duration slowScript = std::chrono::seconds{2};
 
 // Pausing affects only a playing app.
 SimulatedMusic::Playback paused(SimulatedMusic::Playback now)
@@ -71,7 +72,7 @@ Async<std::optional<std::int32_t>> SimulatedMusic::determinePermission(std::uint
 Async<std::int32_t> SimulatedMusic::askOwner()
 {
     journal_.note(events::ConsentAsked{musicIdentifier});
-    const Duration delay = consentDelay();
+    const Duration delay = consentDelay_;
     if (delay > Duration::zero()) {
         co_await sleepFor(delay);
     }
@@ -91,7 +92,7 @@ Async<std::optional<bool>> SimulatedMusic::runScript(std::string source, Duratio
     if (faults_.strikes("script-hangs")) {
         delay = Duration::max();
     } else if (faults_.strikes("script-slow")) {
-        delay = scriptDelay();
+        delay = slowScript;
     }
     if (delay > Duration::zero()) {
         co_await sleepFor(std::min(delay, limit));
@@ -142,14 +143,10 @@ void SimulatedMusic::togglePlayback()
 
 void SimulatedMusic::change(std::string_view by, Playback (*next)(Playback now))
 {
-    Playback before{};
-    Playback after{};
-    {
-        const std::lock_guard guard{mutex_};
-        before = playback_;
-        after = next(before);
-        playback_ = after;
+    Playback before = playback_;
+    while (!playback_.compare_exchange_weak(before, next(before))) {
     }
+    const Playback after = next(before);
     if (before == after) {
         return;
     }
@@ -161,54 +158,6 @@ void SimulatedMusic::change(std::string_view by, Playback (*next)(Playback now))
     case Playback::playing:
         return journal_.note(events::MusicPlaying{by});
     }
-}
-
-SimulatedMusic::Playback SimulatedMusic::playback() const
-{
-    const std::lock_guard guard{mutex_};
-    return playback_;
-}
-
-void SimulatedMusic::setPlayback(Playback playback)
-{
-    const std::lock_guard guard{mutex_};
-    playback_ = playback;
-}
-
-void SimulatedMusic::setConsent(Consent consent)
-{
-    const std::lock_guard guard{mutex_};
-    consent_ = consent;
-}
-
-SimulatedMusic::Consent SimulatedMusic::consent() const
-{
-    const std::lock_guard guard{mutex_};
-    return consent_;
-}
-
-void SimulatedMusic::setConsentDelay(Duration delay)
-{
-    const std::lock_guard guard{mutex_};
-    consentDelay_ = delay;
-}
-
-void SimulatedMusic::setScriptDelay(Duration delay)
-{
-    const std::lock_guard guard{mutex_};
-    scriptDelay_ = delay;
-}
-
-Duration SimulatedMusic::consentDelay() const
-{
-    const std::lock_guard guard{mutex_};
-    return consentDelay_;
-}
-
-Duration SimulatedMusic::scriptDelay() const
-{
-    const std::lock_guard guard{mutex_};
-    return scriptDelay_;
 }
 
 } // namespace sentrel::simulation

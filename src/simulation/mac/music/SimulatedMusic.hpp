@@ -5,7 +5,7 @@
 #include "runtime/Time.hpp"
 #include "simulation/FaultSwitches.hpp"
 
-#include <mutex>
+#include <atomic>
 #include <string_view>
 
 namespace sentrel::simulation {
@@ -42,38 +42,31 @@ public:
     /// The play/pause key is pressed. No effect if the app isn't running.
     void togglePlayback();
 
-    [[nodiscard]] Playback playback() const;
+    [[nodiscard]] Playback playback() const { return playback_; }
 
     /// These set the initial state; nothing is noted.
-    void setPlayback(Playback playback);
-    void setConsent(Consent consent);
-    [[nodiscard]] Consent consent() const;
+    void setPlayback(Playback playback) { playback_ = playback; }
+    void setConsent(Consent consent) { consent_ = consent; }
+    [[nodiscard]] Consent consent() const { return consent_; }
 
     /// Time until the owner answers the question for consent; 0 at first.
-    void setConsentDelay(Duration delay);
-
-    /// Duration of a script under the fault `script-slow`; 2 s at first.
-    void setScriptDelay(Duration delay);
+    void setConsentDelay(Duration delay) { consentDelay_ = delay; }
 
     /// `not-installed`: the app isn't found. `descriptor`: no Apple Event target can be made. `consent`: the owner
-    /// answers no. `script` fails without an effect, `script-slow` answers late, `script-hangs` gives no answer within
-    /// any limit.
+    /// answers no. `script` fails without an effect, `script-slow` answers after 2 s, `script-hangs` gives no answer
+    /// within any limit.
     [[nodiscard]] FaultSwitches& faults() { return faults_; }
 
 private:
     Async<std::int32_t> askOwner();
     std::optional<bool> execute(const std::string& source);
     void change(std::string_view by, Playback (*next)(Playback now));
-    [[nodiscard]] Duration consentDelay() const;
-    [[nodiscard]] Duration scriptDelay() const;
 
     FaultSwitches faults_{"not-installed", "descriptor", "consent", "script", "script-slow", "script-hangs"};
     ports::Journal& journal_;
-    mutable std::mutex mutex_;
-    Playback playback_ = Playback::absent;
-    Consent consent_ = Consent::undetermined;
-    Duration consentDelay_{};
-    Duration scriptDelay_ = std::chrono::seconds{2};
+    std::atomic<Playback> playback_ = Playback::absent;
+    std::atomic<Consent> consent_ = Consent::undetermined;
+    std::atomic<Duration> consentDelay_ = Duration::zero();
 };
 
 } // namespace sentrel::simulation

@@ -45,6 +45,12 @@ bool isTrue(const KeychainDictionary& dictionary, KeychainKey key)
     return flag != nullptr && *flag;
 }
 
+/// Matches the item of this service and account.
+auto namedAs(std::string_view service, std::string_view account)
+{
+    return [service, account](const KeychainItem& item) { return item.service == service && item.account == account; };
+}
+
 /// Copies the attributes that an item stores into it.
 void apply(const KeychainDictionary& attributes, KeychainItem& item)
 {
@@ -133,10 +139,7 @@ std::int32_t SimulatedKeychain::add(const KeychainDictionary& attributes)
     KeychainItem item{query->service.value_or(""), query->account.value_or(""), {}, {}};
     apply(attributes, item);
     return change(query->store, [&item](std::vector<KeychainItem>& items) {
-        const bool isThere = std::ranges::any_of(items, [&item](const KeychainItem& other) {
-            return other.service == item.service && other.account == item.account;
-        });
-        if (isThere) {
+        if (std::ranges::any_of(items, namedAs(item.service, item.account))) {
             return duplicateItem;
         }
         items.push_back(item);
@@ -191,9 +194,7 @@ bool SimulatedKeychain::setItem(KeychainStore store, KeychainItem item)
         return false;
     }
     return change(store, [&item](std::vector<KeychainItem>& items) {
-               std::erase_if(items, [&item](const KeychainItem& other) {
-                   return other.service == item.service && other.account == item.account;
-               });
+               std::erase_if(items, namedAs(item.service, item.account));
                items.push_back(std::move(item));
                return securitySuccess;
            }) == securitySuccess;
@@ -206,12 +207,9 @@ std::optional<KeychainItem> SimulatedKeychain::item(KeychainStore store, std::st
     if (!contents_) {
         return std::nullopt;
     }
-    for (const KeychainItem& item : contents_->items(store)) {
-        if (item.service == service && item.account == account) {
-            return item;
-        }
-    }
-    return std::nullopt;
+    const auto& items = contents_->items(store);
+    const auto found = std::ranges::find_if(items, namedAs(service, account));
+    return found == items.end() ? std::nullopt : std::optional{*found};
 }
 
 std::int32_t SimulatedKeychain::permit(const std::optional<Query>& query, std::string_view fault)

@@ -4,6 +4,7 @@
 #include "ports/Journal.hpp"
 #include "runtime/Semaphore.hpp"
 #include "simulation/Events.hpp"
+#include "simulation/Guarded.hpp"
 
 #include <utility>
 
@@ -28,25 +29,28 @@ struct SimulatedLogin::Panel {
 };
 
 /// State shared by the requests, which keep it alive: the application may release one after the login's end.
-struct SimulatedLogin::State {
-    State(Scheduler& clock, ports::Journal& log) : scheduler(clock), journal(log) {}
+struct SimulatedLogin::Shared {
+    struct State {
+        LoginAnswer answer = LoginAnswer::succeed;
+        std::optional<Duration> answerDelay{Duration::zero()};
+        std::optional<std::string> unavailabilityDescription;
+        std::shared_ptr<Panel> shown;
+        std::vector<std::string> reasonsAsked;
+    };
+
+    Shared(Scheduler& clock, ports::Journal& log) : scheduler(clock), journal(log) {}
 
     void note(std::string_view reason, std::string_view outcome) { journal.note(events::LoginAsked{reason, outcome}); }
 
     Scheduler& scheduler;
     ports::Journal& journal;
-    std::mutex mutex;
-    LoginAnswer answer = LoginAnswer::succeed;
-    std::optional<Duration> answerDelay{Duration::zero()};
-    std::optional<std::string> unavailabilityDescription;
-    std::shared_ptr<Panel> shown;
-    std::vector<std::string> reasonsAsked;
+    Guarded<State> state;
 };
 
 class SimulatedLogin::Context final : public ports::LoginContext {
 public:
-    Context(std::shared_ptr<State> state, SerialQueue& panels, FaultSwitches& faults)
-        : state_(std::move(state)), panels_(panels), faults_(faults)
+    Context(std::shared_ptr<Shared> shared, SerialQueue& panels, FaultSwitches& faults)
+        : shared_(std::move(shared)), panels_(panels), faults_(faults)
     {
     }
 
@@ -54,7 +58,7 @@ public:
     {
         if (panel_ != nullptr) {
             {
-                const std::lock_guard guard{state_->mutex};
+                const auto state = shared_->state.lock();
                 panel_->isInvalidated = true;
             }
             panel_->decided.signal();
@@ -68,15 +72,14 @@ public:
         faults_.call("canEvaluatePolicy");
         Evaluability evaluability;
         {
-            const std::lock_guard guard{state_->mutex};
-            evaluability.canEvaluate =
-                policy == deviceOwnerAuthentication && state_->answer != LoginAnswer::unavailable;
+            const auto state = shared_->state.lock();
+            evaluability.canEvaluate = policy == deviceOwnerAuthentication && state->answer != LoginAnswer::unavailable;
             if (!evaluability.canEvaluate) {
-                evaluability.errorDescription = state_->unavailabilityDescription;
+                evaluability.errorDescription = state->unavailabilityDescription;
             }
         }
         if (!evaluability.canEvaluate) {
-            state_->note(reason_, nameOf(LoginAnswer::unavailable));
+            shared_->note(reason_, nameOf(LoginAnswer::unavailable));
         }
         return evaluability;
     }
@@ -93,11 +96,11 @@ public:
         panel_ = std::make_shared<Panel>();
         panel_->reason = reason;
         panel_->reply = std::move(reply);
-        panels_.async(show(state_, panel_));
+        panels_.async(show(shared_, panel_));
     }
 
 private:
-    std::shared_ptr<State> state_;
+    std::shared_ptr<Shared> shared_;
     SerialQueue& panels_;
     FaultSwitches& faults_;
     std::string reason_;
@@ -105,7 +108,7 @@ private:
 };
 
 SimulatedLogin::SimulatedLogin(Scheduler& scheduler, ports::Journal& journal)
-    : state_(std::make_shared<State>(scheduler, journal)),
+    : shared_(std::make_shared<Shared>(scheduler, journal)),
       panels_(scheduler, "login panels", QualityOfService::userInteractive)
 {
 }
@@ -113,14 +116,14 @@ SimulatedLogin::SimulatedLogin(Scheduler& scheduler, ports::Journal& journal)
 std::unique_ptr<ports::LoginContext> SimulatedLogin::makeContext()
 {
     faults_.call("makeContext");
-    return std::make_unique<Context>(state_, panels_, faults_);
+    return std::make_unique<Context>(shared_, panels_, faults_);
 }
 
-Async<void> SimulatedLogin::show(std::shared_ptr<State> state, std::shared_ptr<Panel> panel)
+Async<void> SimulatedLogin::show(std::shared_ptr<Shared> shared, std::shared_ptr<Panel> panel)
 {
     std::optional<Duration> delay;
     {
-        const std::lock_guard guard{state->mutex};
+        const auto state = shared->state.lock();
         delay = state->answerDelay;
         if (!panel->isInvalidated) {
             state->shown = panel;
@@ -128,62 +131,58 @@ Async<void> SimulatedLogin::show(std::shared_ptr<State> state, std::shared_ptr<P
         }
     }
     if (delay) {
-        co_await panel->decided.waitUntil(state->scheduler.now() + *delay);
+        co_await panel->decided.waitUntil(shared->scheduler.now() + *delay);
     } else {
         co_await panel->decided.wait();
     }
     std::optional<LoginAnswer> answer;
     {
-        const std::lock_guard guard{state->mutex};
+        const auto state = shared->state.lock();
         state->shown.reset();
         if (!panel->isInvalidated) {
             answer = panel->givenAnswer.value_or(state->answer);
         }
     }
-    state->note(panel->reason, answer ? nameOf(*answer) : "invalidated");
+    shared->note(panel->reason, answer ? nameOf(*answer) : "invalidated");
     const auto reply = std::exchange(panel->reply, nullptr);
     reply(answer == LoginAnswer::succeed);
 }
 
 void SimulatedLogin::setAnswer(LoginAnswer answer)
 {
-    const std::lock_guard guard{state_->mutex};
-    state_->answer = answer;
+    shared_->state->answer = answer;
 }
 
 void SimulatedLogin::setAnswerDelay(std::optional<Duration> delay)
 {
-    const std::lock_guard guard{state_->mutex};
-    state_->answerDelay = delay;
+    shared_->state->answerDelay = delay;
 }
 
 void SimulatedLogin::setUnavailabilityDescription(std::optional<std::string> description)
 {
-    const std::lock_guard guard{state_->mutex};
-    state_->unavailabilityDescription = std::move(description);
+    shared_->state->unavailabilityDescription = std::move(description);
 }
 
 bool SimulatedLogin::answerPanel(LoginAnswer answer)
 {
-    const std::lock_guard guard{state_->mutex};
-    if (state_->shown == nullptr || state_->shown->givenAnswer) {
+    const auto state = shared_->state.lock();
+    if (state->shown == nullptr || state->shown->givenAnswer) {
         return false;
     }
-    state_->shown->givenAnswer = answer;
-    state_->shown->decided.signal();
+    state->shown->givenAnswer = answer;
+    state->shown->decided.signal();
     return true;
 }
 
 std::optional<std::string> SimulatedLogin::panelReason() const
 {
-    const std::lock_guard guard{state_->mutex};
-    return state_->shown == nullptr ? std::nullopt : std::optional{state_->shown->reason};
+    const auto state = shared_->state.lock();
+    return state->shown == nullptr ? std::nullopt : std::optional{state->shown->reason};
 }
 
 std::vector<std::string> SimulatedLogin::reasonsAsked() const
 {
-    const std::lock_guard guard{state_->mutex};
-    return state_->reasonsAsked;
+    return shared_->state->reasonsAsked;
 }
 
 } // namespace sentrel::simulation

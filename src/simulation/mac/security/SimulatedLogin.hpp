@@ -3,9 +3,10 @@
 #include "ports/LoginAuthentication.hpp"
 #include "runtime/SerialQueue.hpp"
 #include "simulation/FaultSwitches.hpp"
+#include "simulation/Word.hpp"
 
+#include <array>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -25,20 +26,17 @@ enum class LoginAnswer {
     unavailable, ///< the system can't ask: no panel is shown
 };
 
-/// The word for an answer in scenarios and in the journal.
+/// The words for answers in scenarios and in the journal.
+inline constexpr std::array<Word<LoginAnswer>, 4> loginWords{{
+    {"succeed", LoginAnswer::succeed},
+    {"fail", LoginAnswer::fail},
+    {"cancel", LoginAnswer::cancel},
+    {"unavailable", LoginAnswer::unavailable},
+}};
+
 [[nodiscard]] constexpr std::string_view nameOf(LoginAnswer answer)
 {
-    switch (answer) {
-    case LoginAnswer::succeed:
-        return "succeed";
-    case LoginAnswer::fail:
-        return "fail";
-    case LoginAnswer::cancel:
-        return "cancel";
-    case LoginAnswer::unavailable:
-        break;
-    }
-    return "unavailable";
+    return wordFor(loginWords, answer);
 }
 
 /// The system's login panel and the person in front of it, who has no biometry to log in with. One panel is shown at a
@@ -74,11 +72,11 @@ private:
     FaultSwitches faults_{};
     class Context;
     struct Panel;
-    struct State;
+    struct Shared;
 
-    static Async<void> show(std::shared_ptr<State> state, std::shared_ptr<Panel> panel);
+    static Async<void> show(std::shared_ptr<Shared> shared, std::shared_ptr<Panel> panel);
 
-    std::shared_ptr<State> state_;
+    std::shared_ptr<Shared> shared_;
     SerialQueue panels_; // one held job for each panel; the queue's end closes them
 };
 

@@ -40,6 +40,21 @@ Speaker::Samples samplesOf(ports::AudioBuffer& buffer)
 
 } // namespace
 
+std::unique_ptr<ports::AudioEngine> SimulatedAudioEngines::makeEngine()
+{
+    faults_.call("makeEngine");
+    return std::make_unique<SimulatedAudioEngine>(*this);
+}
+
+void SimulatedAudioEngines::stopPlaying()
+{
+    const std::lock_guard guard{mutex_};
+    while (!playing_.empty() && faults_.strikes("engine-stops")) {
+        playing_.back()->fallSilent();
+        playing_.pop_back();
+    }
+}
+
 SimulatedAudioEngine::SimulatedAudioEngine(SimulatedAudioEngines& engines)
     : engines_(engines), speaker_(engines.speaker_), audio_(engines.audio_), faults_(engines.faults_)
 {

@@ -116,12 +116,6 @@ bool Speaker::startRecording(const std::filesystem::path& file)
     return recorder_ != nullptr;
 }
 
-void Speaker::renderUpToNow()
-{
-    const std::lock_guard guard{mutex_};
-    settle(scheduler_.now());
-}
-
 bool Speaker::finishRecording()
 {
     const std::lock_guard guard{mutex_};

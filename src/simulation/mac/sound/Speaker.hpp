@@ -62,9 +62,6 @@ public:
     /// Records from now on into a WAV file; false when it can't be made.
     [[nodiscard]] bool startRecording(const std::filesystem::path& file);
 
-    /// Brings the recording up to now, so that an open file grows while nothing changes.
-    void renderUpToNow();
-
     /// Ends the recording now. False when there was none or it could not be written completely.
     bool finishRecording();
 

@@ -2,15 +2,12 @@
 
 #include "simulation/mac/sound/WavHeader.hpp"
 
-#include <bit>
 #include <system_error>
 #include <utility>
 
 namespace sentrel::simulation {
 
 namespace {
-
-static_assert(std::endian::native == std::endian::little, "the file's samples are written as they lie in memory");
 
 constexpr std::int64_t frameSize = sizeof(std::int16_t);
 
@@ -25,7 +22,7 @@ WavWriter::WavWriter(std::filesystem::path file, std::uint32_t sampleRate)
 void WavWriter::append(std::span<const std::int16_t> frames)
 {
     if (filePlace_ != frames_) {
-        file_.seekp(static_cast<std::streamoff>(wavHeaderSize) + frames_ * frameSize);
+        file_.seekp(static_cast<std::streamoff>(sizeof(WavHeader)) + frames_ * frameSize);
     }
     file_.write(reinterpret_cast<const char*>(frames.data()), static_cast<std::streamsize>(frames.size_bytes()));
     frames_ += static_cast<std::int64_t>(frames.size());
@@ -38,14 +35,14 @@ bool WavWriter::finish()
     writeHeader();
     file_.close();
     std::error_code error;
-    std::filesystem::resize_file(path_, wavHeaderSize + static_cast<std::uintmax_t>(frames_ * frameSize), error);
+    std::filesystem::resize_file(path_, sizeof(WavHeader) + static_cast<std::uintmax_t>(frames_ * frameSize), error);
     return file_.good() && !error;
 }
 
 void WavWriter::writeHeader()
 {
-    const auto header = wavHeader(sampleRate_, frameSize * 8, static_cast<std::uint32_t>(frames_ * frameSize));
-    file_.write(reinterpret_cast<const char*>(header.data()), static_cast<std::streamsize>(header.size()));
+    const WavHeader header{sampleRate_, frameSize * 8, static_cast<std::uint32_t>(frames_ * frameSize)};
+    file_.write(reinterpret_cast<const char*>(&header), sizeof(header));
 }
 
 } // namespace sentrel::simulation

@@ -7,7 +7,6 @@
 #include <array>
 #include <cmath>
 #include <cstdint>
-#include <cstring>
 #include <fstream>
 #include <utility>
 
@@ -79,7 +78,8 @@ private:
 
     [[nodiscard]] Bytes wav(std::size_t kept) const
     {
-        const auto header = wavHeader(static_cast<std::uint32_t>(sampleRate), 8, static_cast<std::uint32_t>(kept));
+        const auto header =
+            WavHeader{static_cast<std::uint32_t>(sampleRate), 8, static_cast<std::uint32_t>(kept)}.bytes();
         Bytes file{header.begin(), header.end()};
         file.reserve(header.size() + kept);
         for (std::size_t index = 0; index < kept; ++index) {
@@ -101,7 +101,7 @@ private:
 std::vector<SoundClip> soundClips(const std::filesystem::path& recording, double mostSeconds)
 {
     std::ifstream file{recording, std::ios::binary};
-    file.seekg(static_cast<std::streamoff>(wavHeaderSize));
+    file.seekg(sizeof(WavHeader));
     Cutter cutter{mostSeconds};
     std::array<std::int16_t, framesForOne * 16'384> block{};
     while (file) {
