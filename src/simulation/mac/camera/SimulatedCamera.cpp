@@ -141,17 +141,11 @@ CameraView SimulatedCamera::view() const
         const std::lock_guard guard{world_->mutex};
         brightness = world_->brightness;
         if (world_->photoFile) {
-            return {world_->photoFile, brightness};
+            return {world_->photoFile, brightness, true};
         }
     }
     const CafePreview preview = world_->scene.preview(world_->timeOfDay(), brightness);
-    return {preview.jpeg, preview.brightness};
-}
-
-bool SimulatedCamera::hasPhotoFile() const
-{
-    const std::lock_guard guard{world_->mutex};
-    return world_->photoFile != nullptr;
+    return {preview.jpeg, preview.brightness, false};
 }
 
 FaultSwitches& SimulatedCamera::faults()

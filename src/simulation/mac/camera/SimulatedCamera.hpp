@@ -27,6 +27,7 @@ struct CameraModel {
 struct CameraView {
     std::shared_ptr<const Bytes> jpeg;
     std::optional<double> brightness; ///< 0 to 1; none for a file without a set brightness
+    bool isFile = false;
 };
 
 /// The cameras of the simulated MacBook, which stands in a cafe: authorised and without any device at first. The first
@@ -62,7 +63,6 @@ public:
 
     /// Every photo is this file, unchanged; none for the cafe.
     void setPhotoFile(std::optional<Bytes> file);
-    [[nodiscard]] bool hasPhotoFile() const;
 
     /// The current view, for display: the file, or a small picture of the cafe. The same object until something
     /// changes.
