@@ -139,7 +139,7 @@ Json PageState::panels()
     }
     const auto items = mac.previewPanel.items();
     if (mac.previewPanel.isVisible() && !items.empty()) {
-        // Not by the product's port, whose planned faults strike its own calls.
+        // Not through the product's port, whose faults are for the product.
         if (auto content = posix::PosixFileSystem{}.read(items.front())) {
             panels["preview"] = {{"image", files_.addImage(std::make_shared<const Bytes>(*std::move(content)))},
                                  {"name", items.front().filename().string()}};

@@ -26,8 +26,8 @@ class MacSession;
 class SimulatedMac;
 
 /// The state of the Mac as its devices show it, independently of the product: the speaker, the disk, the displays, the
-/// menu bar, the server and the phone. For expectations and for the page. Reading changes nothing: no port is called,
-/// so that no planned fault strikes a reader. Each object reads the disk at most once.
+/// menu bar, the server and the phone. For expectations and for the page. Calls no port of the product, so that a fault
+/// of one neither strikes a reader nor is used up by it. Each object reads the disk at most once.
 class MacState {
 public:
     /// What the phone shows.
