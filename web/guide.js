@@ -71,7 +71,9 @@ export class Guide {
         document.querySelector("header").after(this.card);
         document.body.append(this.ring);
         this.card.addEventListener("keydown", (event) => event.key === "Escape" && this.end());
-        document.addEventListener("click", (event) => this.#noteLook(event));
+        for (const answered of ["click", "keydown"]) {
+            document.addEventListener(answered, (event) => this.#noteLook(event)); // after the phone's own listeners
+        }
         for (const change of ["scroll", "resize"]) {
             addEventListener(change, () => this.#place(), { passive: true, capture: true });
         }
@@ -170,6 +172,10 @@ export class Guide {
             return;
         }
         const fits = (left, top) => left >= 8 && top >= head && left + width <= innerWidth - 8 && top + height <= innerHeight - 8;
+        const covers = (other, left, top) => {
+            const box = other?.getBoundingClientRect();
+            return box && left < box.right && box.left < left + width && top < box.bottom && box.top < top + height;
+        };
         const along = Math.min(Math.max(around.left + around.width / 2 - width / 2, 8), innerWidth - width - 8);
         const beside = Math.min(Math.max(around.top + around.height / 2 - height / 2, head), innerHeight - height - 8);
         const places = [
@@ -178,7 +184,8 @@ export class Guide {
             [along, around.bottom + gap],
             [around.right + gap, beside],
         ];
-        put(...(places.find((place) => fits(...place)) ?? [along, bottom]));
+        const fitting = places.filter((place) => fits(...place));
+        put(...(fitting.find((place) => !covers(find(".menu"), ...place)) ?? fitting[0] ?? [along, bottom]));
     }
 }
 

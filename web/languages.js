@@ -42,12 +42,16 @@ const tables = {
     ],
 };
 
-/// The words by name for a language tag, by its longest beginning that has a table; none without one.
-export function tableFor(tag) {
+/// Of tables by language, the one for a tag's longest beginning that has one; none without one.
+export function tableOf(tables, tag) {
     const parts = tag.split("-");
     while (parts.length > 0 && !tables[parts.join("-")]) {
         parts.pop();
     }
-    const words = tables[parts.join("-")] ?? (tag.startsWith("zh") ? tables["zh-Hans"] : []);
-    return Object.fromEntries(words.map((word, index) => [names[index], word]));
+    return tables[parts.join("-")] ?? (tag.startsWith("zh") ? tables["zh-Hans"] : undefined);
+}
+
+/// The words by name for a language tag; none without a table.
+export function tableFor(tag) {
+    return Object.fromEntries((tableOf(tables, tag) ?? []).map((word, index) => [names[index], word]));
 }

@@ -138,7 +138,8 @@ export class Phone {
 
     #time(seconds) {
         const format = { hour: "numeric", minute: "2-digit", timeZone: this.timeZone };
-        return new Date(seconds * 1000).toLocaleTimeString(this.#language, format);
+        // In one piece: "PM" never stands alone on a line.
+        return new Date(seconds * 1000).toLocaleTimeString(this.#language, format).replaceAll(" ", "\u00a0");
     }
 
     #mac() {

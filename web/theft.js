@@ -1,4 +1,4 @@
-// A theft that plays by itself, with captions: that of scenarios/cafe-theft.yaml, in half its time.
+// A theft that plays by itself, with captions in the Mac's language: that of scenarios/cafe-theft.yaml, in half its time.
 
 import { set } from "./dom.js";
 import { act } from "./server.js";
@@ -32,8 +32,19 @@ const wait = (seconds, signal) =>
         signal.addEventListener("abort", () => (clearTimeout(timer), done()));
     });
 
+/// The captions in English.
+export const captions = theft.map(([, text]) => text).filter(Boolean);
+
+/// The captions in a language, and what that language is.
+async function captionsIn(tag) {
+    const others = tag.startsWith("en") ? undefined : (await import("./captions.js")).captionsFor(tag);
+    return others ? { lang: tag, texts: others } : { lang: "en", texts: captions };
+}
+
 /// Plays until it has ended, or the signal stops it.
 export async function playTheft(stream, caption, signal) {
+    const { lang, texts } = await captionsIn(stream.state.run.language);
+    set(caption, { lang });
     await setTheScene(stream.state);
     for (const [pause, text, action] of theft) {
         await wait(pause, signal);
@@ -41,7 +52,7 @@ export async function playTheft(stream, caption, signal) {
             break;
         }
         if (text || !action) {
-            set(caption, { textContent: text });
+            set(caption, { textContent: texts[captions.indexOf(text)] ?? "" });
         }
         const wanted = typeof action === "function" ? action(stream.state.hardware) : action;
         if (wanted) {

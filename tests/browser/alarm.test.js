@@ -26,7 +26,7 @@ test("the alarm is heard from the charger's pull until the owner stops it with h
     assert.ok(Math.abs(heard.frequency - toneFrequency) < 10, `it is the tone: ${heard.frequency} Hz`);
 
     await desk.button("Mute MacBook Pro Speakers").click();
-    await desk.tells("later Sentrel has it back at 83 %.");
+    await desk.tells("Sentrel has it back at 83 %.");
     assert.ok((await listen(desk.page)).loudness > 0.1, "muting does not help");
 
     const stop = desk.button("Stop Alarm", await desk.openMenu());

@@ -78,3 +78,17 @@ test("a theft plays with captions, the phone tells of it, and a new Mac knows no
     assert.equal(await desk.story.getByText("The charger is pulled out.").count(), 0);
     await desk.haveAnAlert();
 });
+
+test("a theft plays in the language of the Mac, of which no caption is missing", async (t) => {
+    const desk = await sitDown(t, { isKept: false, language: "de_DE" });
+    await desk.button("Play a theft").click();
+    await desk.page.locator("#caption[lang=de-DE]").getByText("Jemand setzt sich an ihren Tisch").waitFor();
+    const counts = await desk.page.evaluate(async () => {
+        const [{ captions }, { captionsFor }] = await Promise.all([import("/theft.js"), import("/captions.js")]);
+        const all = ["de", "fr-CA", "es", "ja", "zh-Hans", "zh-CN"].map((tag) => captionsFor(tag).filter(Boolean).length);
+        return [captions.length, ...all];
+    });
+    assert.deepEqual(counts, counts.map(() => 11));
+    await desk.button("Stop the theft").click();
+    await desk.button("Play a theft").waitFor();
+});

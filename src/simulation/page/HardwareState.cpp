@@ -2,6 +2,7 @@
 #include "simulation/icloud/CompanionPhone.hpp"
 #include "simulation/page/PageFiles.hpp"
 #include "simulation/page/PageState.hpp"
+#include "simulation/page/PageWords.hpp"
 #include "simulation/stage/MacSession.hpp"
 #include "simulation/stage/MacState.hpp"
 #include "simulation/stage/MacWords.hpp"
@@ -22,16 +23,11 @@ double since1970(Date date)
     return date.secondsSinceReferenceDate + Date::secondsFrom1970To2001;
 }
 
-std::string_view motionWord(const SimulatedAccelerometer& accelerometer)
+Json audioJson(const MacState& state)
 {
-    return !accelerometer.isPresent() ? "absent" : accelerometer.isResting() ? "resting" : "silent";
-}
-
-Json audioJson(const SimulatedAudio& audio)
-{
-    const auto defaultOutput = audio.defaultOutput();
+    const auto defaultOutput = state.defaultOutput();
     Json devices = Json::array();
-    for (const AudioDevice& device : audio.devices()) {
+    for (const AudioDevice& device : state.audioDevices()) {
         if (device.hasOutput()) {
             devices.push_back({{"id", device.id},
                                {"name", device.name},
@@ -44,12 +40,12 @@ Json audioJson(const SimulatedAudio& audio)
     return {{"devices", std::move(devices)}};
 }
 
-Json cameraJson(const SimulatedCamera& camera, PageFiles& files)
+Json cameraJson(const MacState& state, PageFiles& files)
 {
-    const CameraView view = camera.view();
-    return {{"lamp", camera.isSessionRunning()},
+    const CameraView view = state.cameraView();
+    return {{"lamp", state.isCameraRunning()},
             {"brightness", view.brightness ? Json(*view.brightness) : Json(nullptr)},
-            {"source", camera.hasPhotoFile() ? "webcam" : "scene"},
+            {"source", wordFor(cameraSourceWords, view.isFile)},
             {"scene", files.addImage(view.jpeg)}};
 }
 
@@ -59,7 +55,7 @@ Json PageState::run() const
 {
     const MacState state{session_};
     return {{"title", title_},
-            {"process", session_.app() != nullptr ? "running" : "ended"},
+            {"process", wordFor(processWords, session_.app() != nullptr)},
             {"isArmed", state.isArmed()},
             {"isAlarmActive", state.isAlarmActive()},
             {"date", since1970(session_.mac().wallClock.now())},
@@ -69,17 +65,16 @@ Json PageState::run() const
 
 Json PageState::hardware()
 {
-    SimulatedMac& mac = session_.mac();
     const auto threshold = motionThreshold(session_);
     const MacState state{session_};
     return {{"power", wordFor(powerWords, state.power())},
             {"lid", wordFor(lidWords, state.lid())},
-            {"displays", mac.displays.count()},
+            {"displays", state.displays().size()},
             {"isAsleep", session_.isAsleep()},
-            {"audio", audioJson(mac.audio)},
-            {"music", wordFor(musicWords, mac.music.playback())},
-            {"camera", cameraJson(mac.camera, files_)},
-            {"accelerometer", motionWord(mac.accelerometer)},
+            {"audio", audioJson(state)},
+            {"music", wordFor(musicWords, state.music())},
+            {"camera", cameraJson(state, files_)},
+            {"accelerometer", wordFor(sampleWords, state.accelerometer())},
             {"threshold", threshold ? Json(*threshold) : Json(nullptr)}};
 }
 
@@ -109,7 +104,7 @@ Json PageState::cloud() const
     return {{"network", wordFor(networkWords, iCloud.network.isUp())},
             {"account", wordFor(accountWords, iCloud.link.accountStatus())},
             {"user", user},
-            {"quota", session_.cloudServer().isFull(user) ? "full" : "ok"},
+            {"quota", wordFor(quotaWords, session_.cloudServer().isFull(user))},
             {"latency", toSeconds(iCloud.link.latency())},
             {"faults", std::move(faults)},
             {"requests", iCloud.link.requests()}};
@@ -117,10 +112,13 @@ Json PageState::cloud() const
 
 Json PageState::phone()
 {
-    CompanionPhone& phone = session_.phone();
+    auto phone = MacState{session_}.phone();
+    if (!phone) {
+        return nullptr;
+    }
     Json alerts = Json::array();
     std::set<std::string> present;
-    for (auto& alert : phone.alerts()) {
+    for (auto& alert : phone->alerts) {
         present.insert(alert.id);
         Json photo = nullptr;
         if (alert.photo) {
@@ -134,12 +132,11 @@ Json PageState::phone()
     }
     std::erase_if(phonePhotos_, [&](const auto& entry) { return !present.contains(entry.first); });
     Json notifications = Json::array();
-    const auto shown = phone.notifications();
-    for (const auto& notification : std::views::reverse(shown)) {
+    for (const auto& notification : std::views::reverse(phone->notifications)) {
         notifications.push_back({{"text", notification.text}, {"date", since1970(notification.date)}});
     }
     Json macs = Json::array();
-    for (const auto& mac : phone.macs()) {
+    for (const auto& mac : phone->macs) {
         macs.push_back({{"id", mac.deviceID},
                         {"name", mac.deviceName},
                         {"isArmed", mac.isArmed},

@@ -2,6 +2,7 @@
 
 #include "simulation/page/EventHub.hpp"
 
+#include <array>
 #include <memory>
 #include <optional>
 #include <string>
@@ -20,6 +21,30 @@ struct HttpRequest {
     std::string cookie;
     std::string body;
 };
+
+/// A status, and the reason given to a refused request that has no other.
+struct HttpStatus {
+    int number;
+    const char* reason;
+};
+
+/// Every status of an answer.
+inline constexpr std::array<HttpStatus, 14> httpStatuses{{
+    {200, ""},
+    {204, ""},
+    {303, ""},
+    {400, "This is no request."},
+    {403, ""},
+    {404, "There is nothing here."},
+    {405, ""},
+    {409, ""},
+    {413, "The request is too large."},
+    {414, "The request is too large."},
+    {415, "Bodies come as they are."},
+    {429, ""},
+    {431, "The request is too large."},
+    {503, "The simulated MacBook has stopped."},
+}};
 
 struct HttpAnswer {
     using Headers = std::vector<std::pair<std::string, std::string>>;

@@ -201,12 +201,9 @@ std::map<std::string, PageState::Text> LiveMac::rooms(bool withPhone)
     add("hardware", life_->state.hardware());
     add("sound", life_->state.sound());
     add("cloud", life_->state.cloud());
-    if (withPhone) {
-        try {
-            add("phone", life_->state.phone());
-        } catch (const ports::CloudError&) {
-            // Its server can't be read now; the page keeps the last state.
-        }
+    // A page keeps what the phone showed last while its server can't be read.
+    if (const Json phone = withPhone ? life_->state.phone() : Json{}; !phone.is_null()) {
+        add("phone", phone);
     }
     return rooms;
 }

@@ -1,5 +1,6 @@
 #include "simulation/page/PageServer.hpp"
 
+#include "foundation/Fatal.hpp"
 #include "foundation/Json.hpp"
 #include "simulation/page/HttpServer.hpp"
 #include "simulation/page/LiveMac.hpp"
@@ -35,22 +36,6 @@ constexpr std::array<std::pair<std::string_view, const char*>, 5> fileTypes{{
     {".png", "image/png"},
 }};
 
-const char* meaningOf(int status)
-{
-    switch (status) {
-    case 400:
-        return "This is no request.";
-    case 404:
-        return "There is nothing here.";
-    case 415:
-        return "Bodies come as they are.";
-    case 503:
-        return "The simulated MacBook has stopped.";
-    default:
-        return "The request is too large.";
-    }
-}
-
 std::optional<std::string> contentOf(const std::filesystem::path& file)
 {
     std::ifstream stream{file, std::ios::binary};
@@ -60,8 +45,16 @@ std::optional<std::string> contentOf(const std::filesystem::path& file)
     return std::string{std::istreambuf_iterator<char>{stream}, {}};
 }
 
-HttpAnswer refused(int status, const std::string& why)
+/// `status` must be one of `httpStatuses`.
+HttpAnswer refused(int status, std::string why = {})
 {
+    const auto known = std::ranges::find(httpStatuses, status, &HttpStatus::number);
+    if (known == httpStatuses.end()) {
+        fatalError("the page's server refused a request with a status that its protocol lacks");
+    }
+    if (why.empty()) {
+        why = known->reason;
+    }
     return {status,
             {{"Content-Type", "application/json"}},
             Json{{"error", why}}.dump(-1, ' ', false, Json::error_handler_t::replace),
@@ -138,16 +131,16 @@ private:
         return file ? sendFile(*file) : sendPage(request.path == "/" ? "index.html" : request.path.substr(1));
     }
 
-    HttpAnswer refusal(int status) override { return refused(status, meaningOf(status)); }
+    HttpAnswer refusal(int status) override { return refused(status); }
 
     void hasLeft(const std::shared_ptr<EventHub::Subscriber>& events) override { mac_.hub().unsubscribe(events); }
 
     HttpAnswer answerPost(const std::string& name, const std::string& body)
     {
-        if (name != "webcam" && body.size() > largestBody) {
+        if (name != webcamRequest && body.size() > largestBody) {
             return refusal(413);
         }
-        const PageAnswer answer = name == "webcam" ? showWebcam(mac_, body) : answerPage(mac_, name, body);
+        const PageAnswer answer = name == webcamRequest ? showWebcam(mac_, body) : answerPage(mac_, name, body);
         return answer.error.empty() ? HttpAnswer{answer.status, {}, {}, nullptr} : refused(answer.status, answer.error);
     }
 

@@ -43,10 +43,14 @@ public:
     [[nodiscard]] Json hardware();
     [[nodiscard]] Json sound();
     [[nodiscard]] Json cloud() const;
+    /// Null while the server doesn't let the phone read.
     [[nodiscard]] Json phone();
 
     /// Call for a new page, which fetches all images anew: also adds those of unchanged windows to the files again.
     void redraw() { drawn_.clear(); }
+
+    /// Height in points of the first display, from whose top the page counts.
+    [[nodiscard]] static double displayHeight(MacSession& session);
 
     /// The JSON text of a value; invalid UTF-8 is replaced.
     [[nodiscard]] static std::string textOf(const Json& value);

@@ -1,8 +1,9 @@
-#include "simulation/mac/display/SimulatedDisplays.hpp"
+#include "posix/PosixFileSystem.hpp"
 #include "simulation/page/NodeJson.hpp"
 #include "simulation/page/PageFiles.hpp"
 #include "simulation/page/PageState.hpp"
 #include "simulation/stage/MacSession.hpp"
+#include "simulation/stage/MacState.hpp"
 
 #include <algorithm>
 #include <iterator>
@@ -44,9 +45,16 @@ std::string contentRoom(const WindowState& window)
 
 } // namespace
 
+double PageState::displayHeight(MacSession& session)
+{
+    constexpr double heightWithoutDisplay = 1117.0; // points, of the built-in one
+    const auto displays = MacState{session}.displays();
+    return displays.empty() ? heightWithoutDisplay : displays.front().frame.height;
+}
+
 Json PageState::menuBar()
 {
-    const auto item = session_.mac().statusBar.item();
+    const auto item = MacState{session_}.menuBarItem();
     if (!item) {
         return nullptr;
     }
@@ -57,15 +65,15 @@ Json PageState::menuBar()
 
 Json PageState::screen()
 {
-    SimulatedMac& mac = session_.mac();
-    const auto screens = mac.displays.screens();
-    const double height = screens.empty() ? 1117.0 : screens.front().frame.height;
+    const MacState state{session_};
+    const auto screens = state.displays();
+    const double height = displayHeight(session_);
     Json displays = Json::array();
     for (const ports::Screen& screen : screens) {
         displays.push_back(rectangleJson(screen.frame, height));
     }
     Json windows = Json::array();
-    const auto seenWindows = mac.displays.seenWindows();
+    const auto seenWindows = state.windows();
     for (const auto& window : std::views::reverse(seenWindows)) {
         const WindowState& seen = *window;
         windows.push_back({{"id", seen.identifier},
@@ -77,13 +85,13 @@ Json PageState::screen()
                            {"focus", seen.focusedIdentity}});
     }
     Json covers = Json::array();
-    for (const auto& cover : mac.displays.seenCovers()) {
+    for (const auto& cover : state.covers()) {
         covers.push_back({{"display", displayOf(cover->frame, screens)},
                           {"content", contentRoom(*cover)},
                           {"focus", cover->focusedIdentity}});
     }
     return {{"displays", std::move(displays)},
-            {"isActive", mac.activation.isActive()},
+            {"isActive", session_.mac().activation.isActive()},
             {"isAsleep", session_.isAsleep()},
             {"windows", std::move(windows)},
             {"covers", std::move(covers)}};
@@ -91,9 +99,9 @@ Json PageState::screen()
 
 std::map<std::string, PageState::Text> PageState::contents()
 {
-    SimulatedMac& mac = session_.mac();
-    auto seen = mac.displays.seenWindows();
-    std::ranges::copy(mac.displays.seenCovers(), std::back_inserter(seen));
+    const MacState state{session_};
+    auto seen = state.windows();
+    std::ranges::copy(state.covers(), std::back_inserter(seen));
     std::map<std::uint64_t, Drawn> drawn;
     std::map<std::string, Text> contents;
     for (const auto& window : seen) {
@@ -123,7 +131,7 @@ Json PageState::panels()
     if (const auto reason = mac.login.panelReason()) {
         panels["login"] = {{"reason", *reason}};
     }
-    if (const auto alert = mac.alerts.open()) {
+    if (const auto alert = MacState{session_}.systemAlert()) {
         panels["alert"] = {{"message", alert->content.messageText}, {"informative", alert->content.informativeText}};
     }
     if (const auto save = mac.savePanels.open()) {
@@ -131,7 +139,8 @@ Json PageState::panels()
     }
     const auto items = mac.previewPanel.items();
     if (mac.previewPanel.isVisible() && !items.empty()) {
-        if (auto content = mac.files.read(items.front())) {
+        // Not through the product's port, whose faults are for the product.
+        if (auto content = posix::PosixFileSystem{}.read(items.front())) {
             panels["preview"] = {{"image", files_.addImage(std::make_shared<const Bytes>(*std::move(content)))},
                                  {"name", items.front().filename().string()}};
         }

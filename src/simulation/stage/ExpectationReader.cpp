@@ -1,7 +1,7 @@
 #include "simulation/stage/ExpectationReader.hpp"
 
 #include "core/TriggerReason.hpp"
-#include "ports/WindowConstants.hpp"
+#include "simulation/stage/ExpectedState.hpp"
 #include "simulation/stage/MacSession.hpp"
 #include "simulation/stage/MacState.hpp"
 #include "simulation/stage/MacWords.hpp"
@@ -174,83 +174,6 @@ Json jsonOf(const std::optional<std::string>& text)
     return text ? Json(*text) : Json{};
 }
 
-/// The last alert on the disk.
-Json lastAlert(const MacState& state)
-{
-    if (state.alerts().empty()) {
-        return nullptr;
-    }
-    const StoredAlert& last = state.alerts().back();
-    return {{"reason", rawValue(last.alert.reason)},
-            {"deviceName", last.alert.deviceName},
-            {"photo", state.photoOf(last).has_value()},
-            {"pendingUpload", last.pendingUpload}};
-}
-
-Json alertReasons(const MacState& state)
-{
-    Json reasons = Json::array();
-    for (const StoredAlert& stored : state.alerts()) {
-        reasons.push_back(rawValue(stored.alert.reason));
-    }
-    return reasons;
-}
-
-constexpr std::array<Word<AlertStorageLocation>, 3> storageWords{{
-    {"cloud", AlertStorageLocation::cloud},
-    {"localMac", AlertStorageLocation::localMac},
-    {"pendingUpload", AlertStorageLocation::pendingUpload},
-}};
-
-Json alertRows(SentrelApp& app)
-{
-    Json rows = Json::array();
-    for (const AlertRow& row : *app.alertsService().alerts.get()) {
-        rows.push_back(
-            {{"reason", rawValue(row.alert.reason)}, {"storage", wordFor(storageWords, row.storageLocation)}});
-    }
-    return rows;
-}
-
-Json sections(SentrelApp& app)
-{
-    Json names = Json::array();
-    for (const AlertSection& each : app.alertsService().sections()) {
-        names.push_back(each.id);
-    }
-    return names;
-}
-
-Json cloudOf(SentrelApp& app)
-{
-    CloudKitService& cloud = app.cloud();
-    return {{"isAvailable", cloud.isAvailable.get()},
-            {"isReachable", cloud.isReachable.get()},
-            {"lastSyncError", jsonOf(cloud.lastSyncError.get())}};
-}
-
-std::string_view coverOf(MacSession& session)
-{
-    if (session.mac().displays.covers().empty()) {
-        return "hidden";
-    }
-    return session.app() != nullptr && session.app()->cover().lockoutEnd() ? "locked-out" : "shown";
-}
-
-std::string_view quitStateOf(MacSession& session)
-{
-    if (session.app() == nullptr) {
-        return "quit";
-    }
-    return session.app()->delegate().quitState() == MacAppDelegate::QuitState::running ? "running" : "asked";
-}
-
-Json activationPolicyOf(MacSession& session)
-{
-    const bool isRegular = session.mac().application.activationPolicy() == ports::regularActivationPolicy;
-    return session.app() == nullptr ? Json{} : Json(isRegular ? "regular" : "accessory");
-}
-
 /// A key that can be expected: how its value is read, and how the state is observed.
 struct ExpectationRow {
     std::string_view key;
@@ -267,6 +190,8 @@ ExpectationRow shown(std::string_view key, std::string_view meaning, JsonType ty
     return {key, meaning, std::move(type), [observe](MacSession& session, const MacState& state) -> Json {
                 if constexpr (std::is_invocable_v<Observe, const MacState&>) {
                     return observe(state);
+                } else if constexpr (std::is_invocable_v<Observe, MacSession&, const MacState&>) {
+                    return observe(session, state);
                 } else {
                     return observe(session);
                 }
@@ -329,8 +254,8 @@ std::vector<ExpectationRow> storedAlertRows()
         shown("lastAlert", "the last alert on the disk",
               orNull(object({member("reason", reason()), member("deviceName", text()), member("photo", flag()),
                              member("pendingUpload", flag())})),
-              lastAlert),
-        shown("alertReasons", "reasons of the alerts on the disk, oldest first", list(reason()), alertReasons),
+              lastAlertOf),
+        shown("alertReasons", "reasons of the alerts on the disk, oldest first", list(reason()), alertReasonsOf),
         std::move(photo),
         shown("pendingUploads", "number of alerts on the disk that await their upload", count(),
               [](const MacState& s) { return std::ranges::count(s.alerts(), true, &StoredAlert::pendingUpload); }),
@@ -346,17 +271,18 @@ std::vector<ExpectationRow> hardwareRows()
               orNull(object({member("mode", choice({"tone", "beep"})), member("device", deviceOrNull()),
                              member("volume", level("a volume"))})),
               [](const MacState& s) { return s.sound(); }),
-        shown("devices", "audio devices by number", devices(), [](const MacState& s) { return s.audioDevices(); }),
-        shown("defaultOutput", "id of the default output", deviceOrNull(), ofMac([](SimulatedMac& m) {
-                  const auto device = m.audio.defaultOutput();
+        shown("devices", "audio devices by number", devices(), devicesOf),
+        shown("defaultOutput", "id of the default output", deviceOrNull(),
+              [](const MacState& s) {
+                  const auto device = s.defaultOutput();
                   return device ? Json(*device) : Json{};
-              })),
+              }),
         shown("music", "playback of the Music app", choice({"playing", "paused", "absent"}),
-              ofMac([](SimulatedMac& m) { return wordFor(musicWords, m.music.playback()); })),
+              [](const MacState& s) { return wordFor(musicWords, s.music()); }),
         shown("assertions", "names of the power assertions held", list(text()),
               ofMac([](SimulatedMac& m) { return m.assertions.held(); })),
         shown("cameraSession", "whether the camera runs", choice({"on", "off"}),
-              ofMac([](SimulatedMac& m) { return m.camera.isSessionRunning() ? "on" : "off"; })),
+              [](const MacState& s) { return s.isCameraRunning() ? "on" : "off"; }),
         shown("loginsAsked", "how often the login was asked", count(),
               ofMac([](SimulatedMac& m) { return m.login.reasonsAsked().size(); })),
     };
@@ -365,16 +291,12 @@ std::vector<ExpectationRow> hardwareRows()
 std::vector<ExpectationRow> screenRows()
 {
     return {
-        shown("cover", "the lock screen", choice({"hidden", "shown", "locked-out"}), coverOf),
+        shown("cover", "the lock screen", choice({"hidden", "shown", "locked-out"}), coverWordOf),
         shown("coverMessage", "the message on the lock screen", messageOrNull(),
               [](const MacState& s) { return jsonOf(s.coverMessage()); }),
         shown("coverWindows", "number of displays that the lock screen covers", count(),
-              ofMac([](SimulatedMac& m) { return m.displays.covers().size(); })),
-        shown("icon", "the image in the menu bar", orNull(choice({"MenuBarIcon", "MenuBarIconArmed"})),
-              ofMac([](SimulatedMac& m) {
-                  const auto item = m.statusBar.item();
-                  return item ? Json(item->image) : Json{};
-              })),
+              [](const MacState& s) { return s.covers().size(); }),
+        shown("icon", "the image in the menu bar", orNull(choice({"MenuBarIcon", "MenuBarIconArmed"})), iconOf),
         shown("menu", "the texts of the open menu", orNull(list(text())),
               [](const MacState& s) {
                   const auto texts = s.menu();
@@ -388,7 +310,7 @@ std::vector<ExpectationRow> screenRows()
               [](const MacState& s) { return s.dialogs(); }),
         shown("activationPolicy", "whether Sentrel stands in the Dock", orNull(choice({"accessory", "regular"})),
               activationPolicyOf),
-        shown("quit", "whether Sentrel is quitting", choice({"running", "asked", "quit"}), quitStateOf),
+        shown("quit", "whether Sentrel is quitting", choice({"running", "asked", "quit"}), quitWordOf),
     };
 }
 
@@ -400,12 +322,12 @@ std::vector<ExpectationRow> listAndCloudRows()
             "phone", "what the phone shows",
             orNull(object({member("alerts", count()), member("notifications", count()),
                            member("macs", list(listItem({member("deviceName", text()), member("isArmed", flag())})))})),
-            [](const MacState& s) { return s.phone(); }),
+            phoneOf),
         told("alertRows", "the list of alerts",
              list(listItem(
                  {member("reason", reason()), member("storage", choice({"cloud", "localMac", "pendingUpload"}))})),
-             alertRows, Json::array()),
-        told("sections", "the sections of the list", list(section()), sections, Json::array()),
+             alertRowsOf, Json::array()),
+        told("sections", "the sections of the list", list(section()), sectionsOf, Json::array()),
         notice("infoMessage", "the list's notice",
                [](SentrelApp& app) -> auto& { return app.alertsService().infoMessage; }),
         notice("errorMessage", "the list's error",
@@ -413,7 +335,7 @@ std::vector<ExpectationRow> listAndCloudRows()
         told("icloud", "Sentrel's view of iCloud",
              orNull(object({member("isAvailable", flag()), member("isReachable", flag()),
                             member("lastSyncError", orNull(text()))})),
-             cloudOf),
+             cloudViewOf),
         notice("syncError", "the error of the last publication",
                [](SentrelApp& app) -> auto& { return app.presence().syncError; }),
     };

@@ -77,36 +77,83 @@ Mac::Lid MacState::lid() const
     return !isClosed ? Mac::Lid::absent : *isClosed ? Mac::Lid::closed : Mac::Lid::open;
 }
 
+Mac::Accelerometer MacState::accelerometer() const
+{
+    return !mac_.accelerometer.isPresent()  ? Mac::Accelerometer::absent
+           : mac_.accelerometer.isResting() ? Mac::Accelerometer::resting
+                                            : Mac::Accelerometer::present;
+}
+
+SimulatedMusic::Playback MacState::music() const
+{
+    return mac_.music.playback();
+}
+
+bool MacState::isCameraRunning() const
+{
+    return mac_.camera.isSessionRunning();
+}
+
+CameraView MacState::cameraView() const
+{
+    return mac_.camera.view();
+}
+
+std::optional<SimulatedStatusBar::Item> MacState::menuBarItem() const
+{
+    return mac_.statusBar.item();
+}
+
 bool MacState::isArmed() const
 {
-    const auto item = mac_.statusBar.item();
+    const auto item = menuBarItem();
     return item && item->image == armedIcon;
 }
 
 bool MacState::isAlarmActive() const
 {
-    const auto item = mac_.statusBar.item();
+    const auto item = menuBarItem();
     return item && ui::find(item->menu, stopButton).has_value();
 }
 
 std::optional<std::vector<std::string>> MacState::menu() const
 {
-    const auto item = mac_.statusBar.item();
+    const auto item = menuBarItem();
     return item && item->isMenuOpen ? std::optional{ui::visibleTexts(item->menu)} : std::nullopt;
+}
+
+std::vector<ports::Screen> MacState::displays() const
+{
+    return mac_.displays.connected();
+}
+
+std::vector<MacState::SeenWindow> MacState::windows() const
+{
+    return mac_.displays.seenWindows();
+}
+
+std::vector<MacState::SeenWindow> MacState::covers() const
+{
+    return mac_.displays.seenCovers();
+}
+
+std::optional<SimulatedAlerts::Shown> MacState::systemAlert() const
+{
+    return mac_.alerts.open();
 }
 
 std::vector<std::string> MacState::dialogs() const
 {
     std::vector<std::string> texts;
-    for (const WindowState& window : mac_.displays.windows()) {
-        for (const ui::Node& node : ui::nodesOf(window.content)) {
+    for (const SeenWindow& window : windows()) {
+        for (const ui::Node& node : ui::nodesOf(window->content)) {
             if (const auto* const dialog = ui::elementOf<ui::Dialog>(*node.view)) {
                 addText(texts, dialog->title);
                 addText(texts, dialog->message);
             }
         }
     }
-    if (const auto alert = mac_.alerts.open()) {
+    if (const auto alert = systemAlert()) {
         addText(texts, alert->content.messageText);
         addText(texts, alert->content.informativeText);
     }
@@ -127,8 +174,8 @@ Json MacState::window(std::string_view identifier) const
 
 std::optional<std::string> MacState::coverMessage() const
 {
-    const auto covers = mac_.displays.covers();
-    const auto message = covers.empty() ? std::nullopt : ui::find(covers.front().content, "message");
+    const auto shown = covers();
+    const auto message = shown.empty() ? std::nullopt : ui::find(shown.front()->content, "message");
     return message ? std::optional{ui::visibleText(*message->view)} : std::nullopt;
 }
 
@@ -139,15 +186,14 @@ Json MacState::sound() const
                  : Json{};
 }
 
-Json MacState::audioDevices() const
+std::vector<AudioDevice> MacState::audioDevices() const
 {
-    Json devices = Json::object();
-    for (const AudioDevice& device : mac_.audio.devices()) {
-        const auto volume = device.volume();
-        devices[std::to_string(device.id)] = {{"volume", volume ? jsonNumber(*volume) : Json{}},
-                                              {"muted", device.isMuted()}};
-    }
-    return devices;
+    return mac_.audio.devices();
+}
+
+std::optional<ports::AudioObjectId> MacState::defaultOutput() const
+{
+    return mac_.audio.defaultOutput();
 }
 
 std::optional<Bytes> MacState::photoOf(const StoredAlert& alert) const
@@ -191,19 +237,13 @@ std::uint64_t MacState::cloudAlerts() const
     return isSignedIn ? session_.cloudServer().count(link.device().user, alertRecordType) : 0;
 }
 
-Json MacState::phone() const
+std::optional<MacState::Phone> MacState::phone() const
 {
     try {
         CompanionPhone& phone = session_.phone();
-        Json macs = Json::array();
-        for (const auto& mac : phone.macs()) {
-            macs.push_back({{"deviceName", mac.deviceName}, {"isArmed", mac.isArmed}});
-        }
-        return {{"alerts", phone.alerts().size()},
-                {"notifications", phone.notifications().size()},
-                {"macs", std::move(macs)}};
+        return Phone{phone.alerts(), phone.notifications(), phone.macs()};
     } catch (const ports::CloudError&) {
-        return nullptr;
+        return std::nullopt;
     }
 }
 

@@ -3,7 +3,13 @@
 #include "alerts/StoredAlert.hpp"
 #include "foundation/Bytes.hpp"
 #include "foundation/Json.hpp"
+#include "simulation/icloud/CompanionPhone.hpp"
 #include "simulation/mac/MacDescription.hpp"
+#include "simulation/mac/camera/SimulatedCamera.hpp"
+#include "simulation/mac/display/SimulatedAlerts.hpp"
+#include "simulation/mac/display/SimulatedDisplays.hpp"
+#include "simulation/mac/display/SimulatedStatusBar.hpp"
+#include "simulation/mac/music/SimulatedMusic.hpp"
 
 #include <cstddef>
 #include <cstdint>
@@ -20,14 +26,30 @@ class MacSession;
 class SimulatedMac;
 
 /// The state of the Mac as its devices show it, independently of the product: the speaker, the disk, the displays, the
-/// menu bar, the server and the phone. For expectations and for the page. Each object reads the
-/// disk at most once.
+/// menu bar, the server and the phone. For expectations and for the page. Calls no port of the product, so that a fault
+/// of one neither strikes a reader nor is used up by it. Each object reads the disk at most once.
 class MacState {
 public:
+    /// What the phone shows.
+    struct Phone {
+        std::vector<CompanionPhone::Alert> alerts;               ///< newest first
+        std::vector<CompanionPhone::Notification> notifications; ///< oldest first
+        std::vector<CompanionPhone::Mac> macs;
+    };
+
+    using SeenWindow = SimulatedDisplays::SeenWindow;
+
     explicit MacState(MacSession& session);
 
     [[nodiscard]] MacDescription::Power power() const;
     [[nodiscard]] MacDescription::Lid lid() const;
+    [[nodiscard]] MacDescription::Accelerometer accelerometer() const;
+    [[nodiscard]] SimulatedMusic::Playback music() const;
+    [[nodiscard]] bool isCameraRunning() const;
+    [[nodiscard]] CameraView cameraView() const;
+
+    /// The product's item in the menu bar, even while a lock screen covers it; none if the product made none.
+    [[nodiscard]] std::optional<SimulatedStatusBar::Item> menuBarItem() const;
 
     /// Whether the item in the menu bar shows the product as armed.
     [[nodiscard]] bool isArmed() const;
@@ -37,6 +59,18 @@ public:
 
     /// The visible texts of the open menu; none while it is closed.
     [[nodiscard]] std::optional<std::vector<std::string>> menu() const;
+
+    /// The displays, the built-in one first.
+    [[nodiscard]] std::vector<ports::Screen> displays() const;
+
+    /// The visible windows below the lock screen, the one in front first.
+    [[nodiscard]] std::vector<SeenWindow> windows() const;
+
+    /// The windows of the lock screen; none while it is hidden.
+    [[nodiscard]] std::vector<SeenWindow> covers() const;
+
+    /// The open notice of the product in a panel of its own.
+    [[nodiscard]] std::optional<SimulatedAlerts::Shown> systemAlert() const;
 
     /// The open questions and notices, in windows and in panels of their own.
     [[nodiscard]] std::vector<std::string> dialogs() const;
@@ -50,8 +84,9 @@ public:
     /// {mode, device, volume} of the audible alarm; null if nothing is heard.
     [[nodiscard]] Json sound() const;
 
-    /// {volume, muted} of each audio device by its number.
-    [[nodiscard]] Json audioDevices() const;
+    /// The audio devices, and the number of the default output.
+    [[nodiscard]] std::vector<AudioDevice> audioDevices() const;
+    [[nodiscard]] std::optional<ports::AudioObjectId> defaultOutput() const;
 
     /// The alerts on the disk, oldest first.
     [[nodiscard]] const std::vector<StoredAlert>& alerts() const;
@@ -71,8 +106,8 @@ public:
     /// Number of alerts in the signed-in account, read from the server.
     [[nodiscard]] std::uint64_t cloudAlerts() const;
 
-    /// {alerts, notifications, macs} as the phone shows them; null if the server doesn't let it read.
-    [[nodiscard]] Json phone() const;
+    /// None if the server doesn't let the phone read.
+    [[nodiscard]] std::optional<Phone> phone() const;
 
 private:
     MacSession& session_;

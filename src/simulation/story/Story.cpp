@@ -225,8 +225,9 @@ void Story::tellVolumeEnforced(double at, const events::VolumeEnforced& event)
     if (since == disturbed_.end()) {
         return; // unchanged: this happens every 0.9 s and is no news
     }
-    page_.line(at, StoryTone::alarm,
-               decimal(at - since->second, 1) + " s later Sentrel has it back at " + percent(alarmVolume_) + ".");
+    const std::string level = " Sentrel has it back at " + percent(alarmVolume_) + ".";
+    const std::string delay = decimal(at - since->second, 1);
+    page_.line(at, StoryTone::alarm, (delay == "0.0" ? "At once" : delay + " s later") + level);
     levels_[event.device] = {alarmVolume_, false};
     disturbed_.erase(since);
 }

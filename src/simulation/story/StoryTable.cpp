@@ -114,11 +114,11 @@ std::string login(const LoginAsked& event)
     if (event.answer == "unavailable") {
         return "macOS can't ask for the Mac login.";
     }
-    return "macOS asks for the Mac login, " + quotation(event.reason) + ": " +
-           (event.answer == "succeed"  ? "it is given."
-            : event.answer == "cancel" ? "the panel is cancelled."
-            : event.answer == "fail"   ? "it is wrong."
-                                       : "Sentrel no longer wants to know.");
+    return "macOS asks for the Mac login (" + quotation(event.reason) + "), " +
+           (event.answer == "succeed"  ? "and gets it."
+            : event.answer == "cancel" ? "and the panel is cancelled."
+            : event.answer == "fail"   ? "and gets a wrong password."
+                                       : "until Sentrel no longer wants to know.");
 }
 
 std::string commandIgnored(const CommandIgnored& event)

@@ -1,59 +1,19 @@
 #include "simulation/page/PageState.hpp"
 
-#include "simulation/icloud/CloudErrorNames.hpp"
 #include "simulation/page/PageFiles.hpp"
+#include "simulation/stage/Action.hpp"
 #include "simulation/stage/MacSession.hpp"
+#include "simulation/stage/YamlValue.hpp"
 #include "support/TemporaryFolder.hpp"
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
-#include <fstream>
-#include <set>
+#include <array>
 #include <string>
 
 namespace sentrel::simulation {
 namespace {
-
-/// The words in quotes that the protocol's row names: keys, and the values that a colon or a bar precedes.
-struct Row {
-    explicit Row(const std::string& room)
-    {
-        std::ifstream protocol{SENTREL_SOURCE_DIR "/web/PROTOCOL.md"};
-        std::string line;
-        while (std::getline(protocol, line) && !line.starts_with("| `" + room + "` |")) {
-        }
-        for (std::size_t open = line.find('"'); open != std::string::npos; open = line.find('"', open + 1)) {
-            const char before = line[line.find_last_not_of(' ', open - 1)];
-            const std::size_t close = line.find('"', open + 1);
-            (before == ':' || before == '|' ? values : keys).insert(line.substr(open + 1, close - open - 1));
-            open = close;
-        }
-    }
-
-    std::set<std::string> keys;
-    std::set<std::string> values;
-};
-
-void collectKeys(const Json& value, std::set<std::string>& keys)
-{
-    if (!value.is_structured()) {
-        return; // the library takes any other value for its own only item
-    }
-    for (const auto& [key, inner] : value.items()) {
-        if (value.is_object()) {
-            keys.insert(key);
-        }
-        collectKeys(inner, keys);
-    }
-}
-
-std::set<std::string> keysOf(const Json& value)
-{
-    std::set<std::string> keys;
-    collectKeys(value, keys);
-    return keys;
-}
 
 struct Page {
     explicit Page(const MacDescription& description = {})
@@ -67,22 +27,19 @@ struct Page {
     PageState state{session, files, "Page"};
 };
 
-TEST(PageState, SendsTheKeysThatTheProtocolNames)
+TEST(PageState, ReadsWithoutMeetingTheFaultsOfTheProductsPorts)
 {
     Page page;
-    page.session.mac().iCloud.link.faults().add({cloudError(CKError::networkFailure)});
-    EXPECT_EQ(keysOf(page.state.run()), Row{"run"}.keys);
-    Json screen = page.state.screen();
-    screen["displays"].clear(); // rectangles, which the protocol describes apart
-    EXPECT_EQ(keysOf(screen), Row{"screen"}.keys);
-    EXPECT_EQ(keysOf(page.state.hardware()), Row{"hardware"}.keys);
-    EXPECT_EQ(keysOf(page.state.cloud()), Row{"cloud"}.keys);
+    const Action fail = readAction(parseYaml("{fail: {displays: {no-screens: 1}}}"), {});
+    ASSERT_EQ(fail.perform(page.session), "");
+    EXPECT_EQ(page.state.screen()["displays"].size(), 1U);
+    EXPECT_EQ(page.state.hardware()["displays"], 1);
+    EXPECT_TRUE(page.session.mac().displays.screens().empty()) << "the fault is still there for the product";
 }
 
-TEST(PageState, SaysOfEachKindOfMacWhatTheProtocolCallsIt)
+TEST(PageState, SaysOfEachKindOfMacWhatItIs)
 {
     using Mac = MacDescription;
-    const Row row{"hardware"};
     struct Case {
         Mac::Power power;
         Mac::Lid lid;
@@ -118,9 +75,6 @@ TEST(PageState, SaysOfEachKindOfMacWhatTheProtocolCallsIt)
         EXPECT_EQ(hardware["lid"], each.said[1]);
         EXPECT_EQ(hardware["accelerometer"], each.said[2]);
         EXPECT_EQ(hardware["audio"]["devices"][0]["transport"], each.said[3]);
-        for (const char* key : {"power", "lid", "accelerometer", "music"}) {
-            EXPECT_TRUE(row.values.contains(hardware[key])) << key << " " << hardware[key];
-        }
     }
 }
 

@@ -119,7 +119,7 @@ TEST(Story, TellsOfPhotosPasscodesAndTheLoginWhatAStrangerUnderstands)
     EXPECT_EQ(told("cover.shown", {{"windows", whole(2)}}), "→ The lock screen covers 2 displays.\n");
     EXPECT_EQ(told("passcode", {{"outcome", text("triggered")}}), "→ The passcode is wrong, once too often.\n");
     EXPECT_EQ(told("login", {{"reason", text("stop the alarm")}, {"answer", text("cancel")}}),
-              "→ macOS asks for the Mac login, “stop the alarm”: the panel is cancelled.\n");
+              "→ macOS asks for the Mac login (“stop the alarm”), and the panel is cancelled.\n");
 }
 
 TEST(Story, NamesWhatDidNotHoldWithItsLine)

@@ -91,11 +91,11 @@ CameraView SimulatedCamera::view() const
         const auto state = world_->state.lock();
         brightness = state->brightness;
         if (state->photoFile) {
-            return {state->photoFile, brightness};
+            return {state->photoFile, brightness, true};
         }
     }
     const CafePreview preview = world_->scene.preview(world_->timeOfDay(), brightness);
-    return {preview.jpeg, preview.brightness};
+    return {preview.jpeg, preview.brightness, false};
 }
 
 CaptureAuthorization SimulatedCamera::authorizationStatus(const std::string& mediaType)

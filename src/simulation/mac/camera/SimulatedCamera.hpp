@@ -31,6 +31,7 @@ struct CameraModel {
 struct CameraView {
     std::shared_ptr<const Bytes> jpeg;
     std::optional<double> brightness; ///< 0 to 1; none for a file without a set brightness
+    bool isFile = false;
 };
 
 /// State shared by the camera, its devices, sessions and photos under way.
@@ -107,7 +108,6 @@ public:
 
     /// Every photo is this file, unchanged; none for the cafe.
     void setPhotoFile(std::optional<Bytes> file);
-    [[nodiscard]] bool hasPhotoFile() const { return world_->state->photoFile != nullptr; }
 
     /// The current view, for display: the file, or a small picture of the cafe. The same object until something
     /// changes.

@@ -45,7 +45,7 @@ SimulatedDisplays::~SimulatedDisplays() = default;
 std::vector<ports::Screen> SimulatedDisplays::screens()
 {
     faults_.call("screens");
-    return faults_.strikes("no-screens") ? std::vector<ports::Screen>{} : allScreens();
+    return faults_.strikes("no-screens") ? std::vector<ports::Screen>{} : connected();
 }
 
 std::int64_t SimulatedDisplays::shieldingLevel()
@@ -195,7 +195,7 @@ bool SimulatedDisplays::resizeWindow(std::string_view identifier, ports::Size co
 bool SimulatedDisplays::moveWindow(std::string_view identifier, double x, double y)
 {
     const WindowPtr window = reachable(identifier);
-    return window != nullptr && windows_.move(window, x, y, allScreens());
+    return window != nullptr && windows_.move(window, x, y, connected());
 }
 
 bool SimulatedDisplays::zoomWindow(std::string_view identifier)
@@ -213,7 +213,7 @@ ports::Screen SimulatedDisplays::screenAt(std::size_t index)
     return screen;
 }
 
-std::vector<ports::Screen> SimulatedDisplays::allScreens() const
+std::vector<ports::Screen> SimulatedDisplays::connected() const
 {
     std::vector<ports::Screen> screens;
     for (std::size_t index = 0; index < count_; ++index) {

@@ -49,6 +49,9 @@ public:
     void setCount(std::size_t count);
     [[nodiscard]] std::size_t count() const { return count_; }
 
+    /// The displays, whatever the system lists; the built-in one first.
+    [[nodiscard]] std::vector<ports::Screen> connected() const;
+
     /// The visible windows at the shielding level or above, in the order in which they were made.
     [[nodiscard]] std::vector<WindowState> covers() const;
 
@@ -106,7 +109,6 @@ private:
     using WindowPtr = WindowList::WindowPtr;
 
     [[nodiscard]] static ports::Screen screenAt(std::size_t index);
-    [[nodiscard]] std::vector<ports::Screen> allScreens() const;
     [[nodiscard]] std::vector<WindowPtr> visibleCovers() const;
     [[nodiscard]] WindowPtr keyWindow() const;
     [[nodiscard]] WindowPtr reachable(std::string_view identifier) const;
