@@ -1,6 +1,6 @@
-#include "mac/application/System.hpp"
+#include "mac/Adapters.hpp"
 
-#include "mac/foundation/FoundationText.hpp"
+#include "mac/foundation/FoundationValues.hpp"
 
 #import <Foundation/Foundation.h>
 
@@ -14,16 +14,6 @@ using ports::CalendarUnit;
 using ports::DateInterval;
 
 namespace {
-
-NSDate* dateObject(Date date)
-{
-    return [NSDate dateWithTimeIntervalSinceReferenceDate:date.secondsSinceReferenceDate];
-}
-
-Date dateOf(NSDate* date)
-{
-    return {date.timeIntervalSinceReferenceDate};
-}
 
 NSCalendarUnit unitOf(CalendarUnit unit)
 {

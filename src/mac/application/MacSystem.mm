@@ -1,6 +1,7 @@
-#include "mac/application/System.hpp"
+#include "mac/Adapters.hpp"
 
-#include "mac/foundation/FoundationText.hpp"
+#include "mac/foundation/CallCopy.hpp"
+#include "mac/foundation/FoundationValues.hpp"
 #include "mac/foundation/Guarded.hpp"
 
 #import <AppKit/AppKit.h>
@@ -24,10 +25,7 @@ public:
                                       object:nil
                                        queue:NSOperationQueue.mainQueue
                                   usingBlock:^(NSNotification*) {
-                                      // A copy, because the callback may end the registration.
-                                      if (const auto callback = *target) {
-                                          callback();
-                                      }
+                                      callCopy(*target); // it may end the registration
                                   }];
     }
 
@@ -83,10 +81,7 @@ public:
 
 std::optional<std::string> failure(bool hasWorked, NSError* error)
 {
-    if (hasWorked) {
-        return std::nullopt;
-    }
-    return textOf(error.localizedDescription);
+    return hasWorked ? std::nullopt : std::optional{textOf(error.localizedDescription)};
 }
 
 /// The main application's login item.

@@ -1,4 +1,4 @@
-#include "mac/cloud/Cloud.hpp"
+#include "mac/Adapters.hpp"
 
 #include "runtime/SerialQueue.hpp"
 

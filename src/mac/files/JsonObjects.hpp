@@ -6,8 +6,7 @@
 
 namespace sentrel::mac {
 
-/// The dictionary as a JSON object. Omits entries whose key is no string or whose value JSON can't hold; in an array
-/// such a value becomes null, which keeps the others' places. Any thread.
+/// The dictionary as a JSON object, without entries whose key is no string or whose value JSON can't hold. Any thread.
 [[nodiscard]] Json jsonOf(NSDictionary* dictionary);
 
 /// A JSON object as a dictionary; nil when it is no object. Any thread.

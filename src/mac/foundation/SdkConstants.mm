@@ -1,6 +1,6 @@
 #include "mac/foundation/SdkConstants.hpp"
 
-#include "mac/foundation/FoundationText.hpp"
+#include "mac/foundation/FoundationValues.hpp"
 #include "ports/Application.hpp"
 #include "ports/AudioConstants.hpp"
 #include "ports/Camera.hpp"

@@ -1,6 +1,6 @@
-#include "mac/music/Music.hpp"
+#include "mac/Adapters.hpp"
 
-#include "mac/foundation/FoundationText.hpp"
+#include "mac/foundation/FoundationValues.hpp"
 #include "mac/foundation/Guarded.hpp"
 
 #import <AppKit/AppKit.h>
@@ -35,10 +35,9 @@ std::string limited(const std::string& source, Duration limit)
 
 std::optional<bool> resultOf(const std::string& source)
 {
-    NSAppleEventDescriptor* result = nil;
-    guarded("executeAndReturnError", [&] {
+    NSAppleEventDescriptor* const result = guardedResult("executeAndReturnError", [&] {
         NSAppleScript* const script = [[NSAppleScript alloc] initWithSource:stringObject(source)];
-        result = [script executeAndReturnError:nil];
+        return [script executeAndReturnError:nil];
     });
     if (result == nil) {
         return std::nullopt;
@@ -62,15 +61,6 @@ public:
     }
 };
 
-} // namespace
-
-std::unique_ptr<ports::RunningApplications> makeRunningApplications()
-{
-    return std::make_unique<MacRunningApplications>();
-}
-
-namespace {
-
 /// Apple Events and AppleScript.
 class MacAutomation final : public ports::Automation {
 public:
@@ -86,15 +76,6 @@ public:
         co_return resultOf(limited(source, limit));
     }
 };
-
-} // namespace
-
-std::unique_ptr<ports::Automation> makeAutomation()
-{
-    return std::make_unique<MacAutomation>();
-}
-
-namespace {
 
 /// Events of AppKit, posted through CoreGraphics.
 class MacEventPosting final : public ports::EventPosting {
@@ -120,6 +101,16 @@ public:
 };
 
 } // namespace
+
+std::unique_ptr<ports::RunningApplications> makeRunningApplications()
+{
+    return std::make_unique<MacRunningApplications>();
+}
+
+std::unique_ptr<ports::Automation> makeAutomation()
+{
+    return std::make_unique<MacAutomation>();
+}
 
 std::unique_ptr<ports::EventPosting> makeEventPosting()
 {

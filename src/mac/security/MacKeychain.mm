@@ -1,6 +1,6 @@
-#include "mac/security/Security.hpp"
+#include "mac/Adapters.hpp"
 
-#include "mac/foundation/FoundationText.hpp"
+#include "mac/foundation/FoundationValues.hpp"
 #include "mac/security/Signature.hpp"
 
 #import <Foundation/Foundation.h>
@@ -56,8 +56,8 @@ struct NativeValue {
     id operator()(std::string_view text) const { return stringObject(text); }
     id operator()(BytesView bytes) const
     {
-        // Not copied: a copy of a secret would stay in memory. The object lives as long as the call at most.
-        return [NSData dataWithBytesNoCopy:const_cast<std::uint8_t*>(bytes.data()) length:bytes.size() freeWhenDone:NO];
+        // A copy of a secret would stay in memory. The object lives as long as the call at most.
+        return unownedData(bytes);
     }
 };
 
@@ -89,11 +89,10 @@ public:
         @autoreleasepool {
             CFTypeRef result = nullptr;
             const OSStatus status = SecItemCopyMatching((__bridge CFDictionaryRef)nativeDictionary(query), &result);
-            const id object = CFBridgingRelease(result);
-            if (status != errSecSuccess || ![object isKindOfClass:[NSData class]]) {
+            NSData* const data = as<NSData>(CFBridgingRelease(result));
+            if (status != errSecSuccess || data == nil) {
                 return {status, std::nullopt};
             }
-            NSData* const data = object;
             return {status, SecretBytes{BytesView{static_cast<const std::uint8_t*>(data.bytes), data.length}}};
         }
     }

@@ -1,6 +1,6 @@
 #include "mac/windows/Appearance.hpp"
 
-#include "mac/foundation/FoundationText.hpp"
+#include "mac/foundation/FoundationValues.hpp"
 
 namespace sentrel::mac {
 

@@ -1,4 +1,4 @@
-#include "mac/foundation/FoundationText.hpp"
+#include "mac/foundation/FoundationValues.hpp"
 #include "mac/windows/Appearance.hpp"
 #include "mac/windows/ElementNodes.hpp"
 #include "mac/windows/Placing.hpp"

@@ -1,4 +1,4 @@
-#include "mac/foundation/FoundationText.hpp"
+#include "mac/foundation/FoundationValues.hpp"
 #include "mac/windows/Appearance.hpp"
 #include "mac/windows/WindowAttachments.hpp"
 #include "ui/Node.hpp"

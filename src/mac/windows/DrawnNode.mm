@@ -1,7 +1,7 @@
 #include "mac/windows/DrawnNode.hpp"
 
 #include "foundation/Fatal.hpp"
-#include "mac/foundation/FoundationText.hpp"
+#include "mac/foundation/FoundationValues.hpp"
 #include "mac/windows/Appearance.hpp"
 #include "mac/windows/ElementNodes.hpp"
 #include "mac/windows/Placing.hpp"

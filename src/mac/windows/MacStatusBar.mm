@@ -1,6 +1,6 @@
-#include "mac/windows/Windows.hpp"
+#include "mac/Adapters.hpp"
 
-#include "mac/foundation/FoundationText.hpp"
+#include "mac/foundation/FoundationValues.hpp"
 #include "mac/windows/MenuPanel.hpp"
 #include "mac/windows/Windows.hpp"
 

@@ -1,8 +1,9 @@
-#include "mac/windows/Windows.hpp"
+#include "mac/Adapters.hpp"
 
-#include "mac/foundation/FoundationText.hpp"
+#include "mac/foundation/FoundationValues.hpp"
 #include "mac/windows/Appearance.hpp"
 #include "mac/windows/HostView.hpp"
+#include "mac/windows/Windows.hpp"
 
 #import <AppKit/AppKit.h>
 

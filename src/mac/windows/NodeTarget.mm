@@ -1,6 +1,6 @@
 #include "mac/windows/NodeTarget.hpp"
 
-#include "mac/foundation/FoundationText.hpp"
+#include "mac/foundation/FoundationValues.hpp"
 #include "ui/Node.hpp"
 
 #include <utility>

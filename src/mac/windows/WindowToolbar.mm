@@ -1,6 +1,6 @@
 #include "mac/windows/WindowToolbar.hpp"
 
-#include "mac/foundation/FoundationText.hpp"
+#include "mac/foundation/FoundationValues.hpp"
 #include "mac/windows/Appearance.hpp"
 #include "ui/Node.hpp"
 

@@ -1,6 +1,6 @@
 #include "conformance/mac/OffScreen.hpp"
 
-#include "mac/foundation/FoundationText.hpp"
+#include "mac/foundation/FoundationValues.hpp"
 #include "mac/windows/HostView.hpp"
 
 #import <AppKit/AppKit.h>

@@ -1,0 +1,15 @@
+#pragma once
+
+namespace sentrel::mac {
+
+/// A port's object that holds one of a framework.
+template <class Port, class Object> class Wrapped : public Port {
+public:
+    explicit Wrapped(Object* native) : native_(native) {}
+    [[nodiscard]] Object* native() const { return native_; }
+
+private:
+    Object* const native_;
+};
+
+} // namespace sentrel::mac
