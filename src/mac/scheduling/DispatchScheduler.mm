@@ -25,7 +25,7 @@ Instant continuousNow()
         return info;
     }();
     const std::uint64_t nanoseconds = mach_continuous_time() * timebase.numer / timebase.denom;
-    return Instant{sentrel::Duration{static_cast<sentrel::Duration::rep>(nanoseconds)}};
+    return Instant{Duration{static_cast<Duration::rep>(nanoseconds)}};
 }
 
 dispatch_source_t makeSource(dispatch_queue_t queue)

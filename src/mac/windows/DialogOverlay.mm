@@ -1,3 +1,4 @@
+#include "mac/foundation/CallCopy.hpp"
 #include "mac/foundation/FoundationValues.hpp"
 #include "mac/windows/Appearance.hpp"
 #include "mac/windows/WindowAttachments.hpp"
@@ -9,13 +10,6 @@
 namespace sentrel::mac {
 
 namespace {
-
-void perform(const ui::Action& action)
-{
-    if (action) {
-        action();
-    }
-}
 
 /// The buttons of a dialog that are not hidden.
 std::vector<ui::View> answersOf(const ui::View& attachment)
@@ -48,8 +42,8 @@ struct Question {
         const ui::Action action = response >= NSAlertFirstButtonReturn && index < answers.size()
                                       ? ui::elementOf<ui::Button>(answers[index])->action
                                       : ui::Action{};
-        perform(action);
-        perform(after);
+        callCopy(action);
+        callCopy(after);
     }
 };
 

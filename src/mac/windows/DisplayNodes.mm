@@ -67,19 +67,14 @@ private:
     /// A photo takes the available width and keeps its proportions; other images have a natural size.
     void fit()
     {
-        const NSLayoutPriority priority = isPicture() ? givesWay : NSLayoutPriorityDefaultHigh;
-        for (const auto orientation :
-             {NSLayoutConstraintOrientationHorizontal, NSLayoutConstraintOrientationVertical}) {
-            [imageView() setContentHuggingPriority:priority forOrientation:orientation];
-            [imageView() setContentCompressionResistancePriority:priority forOrientation:orientation];
-        }
+        setPriorities(imageView(), isPicture() ? givesWay : NSLayoutPriorityDefaultHigh);
         imageView().imageScaling = NSImageScaleProportionallyUpOrDown;
         proportion_.active = NO;
         const NSSize size = imageView().image.size;
         if (isPicture() && size.width > 0.0 && size.height > 0.0) {
-            proportion_ = [imageView().heightAnchor constraintEqualToAnchor:imageView().widthAnchor
-                                                                 multiplier:size.height / size.width];
-            proportion_.priority = NSLayoutPriorityDefaultLow;
+            proportion_ = weakened([imageView().heightAnchor constraintEqualToAnchor:imageView().widthAnchor
+                                                                          multiplier:size.height / size.width],
+                                   NSLayoutPriorityDefaultLow);
             proportion_.active = YES;
         }
     }
@@ -118,14 +113,7 @@ private:
 
 class SpacerNode final : public DrawnNode {
 public:
-    SpacerNode() : DrawnNode([[NSView alloc] init])
-    {
-        for (const auto orientation :
-             {NSLayoutConstraintOrientationHorizontal, NSLayoutConstraintOrientationVertical}) {
-            [view() setContentHuggingPriority:givesWay forOrientation:orientation];
-            [view() setContentCompressionResistancePriority:givesWay forOrientation:orientation];
-        }
-    }
+    SpacerNode() : DrawnNode([[NSView alloc] init]) { setPriorities(view(), givesWay); }
 
 private:
     [[nodiscard]] bool isSpacer() const override { return true; }

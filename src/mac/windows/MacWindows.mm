@@ -10,6 +10,9 @@
 #include <memory>
 #include <utility>
 
+using namespace sentrel;
+using namespace sentrel::mac;
+
 /// A window that takes the keyboard only if its description allows.
 @interface SentrelWindow : NSWindow {
 @public
@@ -48,8 +51,6 @@
 }
 @end
 
-namespace sentrel::mac {
-
 namespace {
 
 NSRect rectOf(const ports::Rectangle& rectangle)
@@ -69,12 +70,10 @@ ports::Rectangle rectangleOf(NSRect rect)
 
 } // namespace
 
-} // namespace sentrel::mac
-
 /// Passes a window's calls to the product.
 @interface SentrelWindowDelegate : NSObject <NSWindowDelegate> {
 @public
-    sentrel::ports::WindowDelegate delegate;
+    ports::WindowDelegate delegate;
 }
 @end
 
@@ -90,7 +89,7 @@ ports::Rectangle rectangleOf(NSRect rect)
     if (!delegate.willResize) {
         return frameSize;
     }
-    return sentrel::mac::sizeOf(delegate.willResize({frameSize.width, frameSize.height}));
+    return sizeOf(delegate.willResize({frameSize.width, frameSize.height}));
 }
 
 - (NSRect)windowWillUseStandardFrame:(NSWindow*)window defaultFrame:(NSRect)newFrame
@@ -98,12 +97,10 @@ ports::Rectangle rectangleOf(NSRect rect)
     if (!delegate.willUseStandardFrame) {
         return newFrame;
     }
-    return sentrel::mac::rectOf(delegate.willUseStandardFrame(sentrel::mac::rectangleOf(newFrame)));
+    return rectOf(delegate.willUseStandardFrame(rectangleOf(newFrame)));
 }
 
 @end
-
-namespace sentrel::mac {
 
 namespace {
 
@@ -212,12 +209,7 @@ public:
         host_.autoresizingMask = static_cast<NSAutoresizingMaskOptions>(autoresizingMask);
         window_.contentView = host_;
     }
-    void showContent(ui::View content) override
-    {
-        if (host_ != nil) {
-            host_->renderer->render(std::move(content));
-        }
-    }
+    void showContent(ui::View content) override { [host_ render:std::move(content)]; }
     void orderFrontRegardless() override
     {
         [window_ orderFrontRegardless];
@@ -259,12 +251,12 @@ public:
 
 } // namespace
 
-std::unique_ptr<ports::Windows> makeWindows()
+std::unique_ptr<ports::Windows> sentrel::mac::makeWindows()
 {
     return std::make_unique<MacWindows>();
 }
 
-bool isScreenShielded()
+bool sentrel::mac::isScreenShielded()
 {
     for (NSWindow* const window in NSApp.windows) {
         if (window.visible && window.level >= CGShieldingWindowLevel()) {
@@ -273,5 +265,3 @@ bool isScreenShielded()
     }
     return false;
 }
-
-} // namespace sentrel::mac

@@ -1,5 +1,6 @@
 #include "mac/windows/NodeTarget.hpp"
 
+#include "mac/foundation/CallCopy.hpp"
 #include "mac/foundation/FoundationValues.hpp"
 #include "ui/Node.hpp"
 
@@ -7,31 +8,13 @@
 
 using namespace sentrel;
 
-namespace {
-
-void perform(ui::Action action)
-{
-    if (action) {
-        action();
-    }
-}
-
-template <class T> void assign(std::function<void(T)> set, T value)
-{
-    if (set) {
-        set(std::move(value));
-    }
-}
-
-} // namespace
-
 // An action may bring a tree without this node, which ends the target: each method calls a copy, at its end.
 @implementation SentrelNodeTarget
 
 - (void)pressed:(id)sender
 {
     if (const auto* const button = ui::elementOf<ui::Button>(node)) {
-        perform(button->action);
+        mac::callCopy(button->action);
     }
 }
 
@@ -45,13 +28,13 @@ template <class T> void assign(std::function<void(T)> set, T value)
     const bool isOn = [sender isKindOfClass:NSSwitch.class]
                           ? static_cast<NSSwitch*>(sender).state == NSControlStateValueOn
                           : static_cast<NSButton*>(sender).state == NSControlStateValueOn;
-    assign(toggle->isOn.set, isOn);
+    mac::callCopy(toggle->isOn.set, isOn);
 }
 
 - (void)slid:(id)sender
 {
     if (const auto* const slider = ui::elementOf<ui::Slider>(node)) {
-        assign(slider->value.set, static_cast<NSSlider*>(sender).doubleValue);
+        mac::callCopy(slider->value.set, static_cast<NSSlider*>(sender).doubleValue);
     }
 }
 
@@ -79,9 +62,9 @@ template <class T> void assign(std::function<void(T)> set, T value)
 {
     NSTextField* const field = notification.object;
     if (const auto* const secure = ui::elementOf<ui::SecureField>(node)) {
-        assign(secure->text.set, mac::secretTextOf(field));
+        mac::callCopy(secure->text.set, mac::secretTextOf(field));
     } else if (const auto* const plain = ui::elementOf<ui::TextField>(node)) {
-        assign(plain->text.set, mac::textOf(field.stringValue));
+        mac::callCopy(plain->text.set, mac::textOf(field.stringValue));
     }
 }
 
@@ -111,7 +94,7 @@ template <class T> void assign(std::function<void(T)> set, T value)
     dispatch_async(dispatch_get_main_queue(), ^{
         SentrelNodeTarget* const target = weakSelf;
         if (target != nil && target->node.traits.focus) {
-            assign(target->node.traits.focus->set, isFocused);
+            mac::callCopy(target->node.traits.focus->set, isFocused);
         }
     });
 }

@@ -62,14 +62,10 @@ private:
         inner.isInForm = false;
         inner.isInRow = isRow_;
         inner.isInCenteredColumn = !isRow_ && stack.alignment == ui::Stack::Alignment::center;
-        children_.show(view.children, inner);
+        const bool hasChanged = children_.show(view.children, inner);
         arrange(stackView(), children_.views());
-        auto standings = standingsOf(children_);
-        if (wasRow != isRow_ || standings != standings_) {
-            standings_ = std::move(standings);
-            [NSLayoutConstraint deactivateConstraints:sizes_];
-            sizes_ = sizes();
-            [NSLayoutConstraint activateConstraints:sizes_];
+        if (wasRow != isRow_ || hasChanged) {
+            sizes_.replace(sizes());
         }
     }
 
@@ -86,17 +82,15 @@ private:
             } else if (child->isSpacer()) {
                 firstSpacer = child->outer();
             } else if (child->expands(along()) && firstWide != nil) {
-                NSLayoutConstraint* const equal = [extent constraintEqualToAnchor:extentOf(firstWide, isRow_)];
-                equal.priority = fairShare;
-                [constraints addObject:equal];
+                [constraints
+                    addObject:weakened([extent constraintEqualToAnchor:extentOf(firstWide, isRow_)], fairShare)];
             } else if (child->expands(along())) {
                 firstWide = child->outer();
             }
             if (child->expands(across()) || child->stretchesAcross()) {
-                NSLayoutConstraint* const full =
-                    [extentOf(child->outer(), !isRow_) constraintEqualToAnchor:extentOf(stackView(), !isRow_)];
-                full.priority = stretch;
-                [constraints addObject:full];
+                NSLayoutDimension* const breadth = extentOf(child->outer(), !isRow_);
+                [constraints
+                    addObject:weakened([breadth constraintEqualToAnchor:extentOf(stackView(), !isRow_)], stretch)];
             }
         }
         return constraints;
@@ -122,8 +116,7 @@ private:
 
     bool isRow_ = false;
     DrawnChildren children_;
-    std::vector<Standing> standings_;
-    NSArray<NSLayoutConstraint*>* sizes_ = @[];
+    Constraints sizes_;
 };
 
 /// Layers, the last in front; each centered, or filling the space.
@@ -132,9 +125,7 @@ public:
     LayersNode() : DrawnNode([[NSView alloc] init])
     {
         for (NSLayoutDimension* const extent in @[ view().widthAnchor, view().heightAnchor ]) {
-            NSLayoutConstraint* const small = [extent constraintEqualToConstant:0.0];
-            small.priority = hugging;
-            small.active = YES;
+            weakened([extent constraintEqualToConstant:0.0], hugging).active = YES;
         }
     }
 
@@ -150,7 +141,7 @@ private:
         inner.isInForm = false;
         inner.isInRow = false;
         inner.isInCenteredColumn = true;
-        children_.show(view.children, inner);
+        const bool hasChanged = children_.show(view.children, inner);
         NSArray<NSView*>* const views = children_.views();
         NSView* const base = this->view();
         for (NSView* const shown in [base.subviews copy]) {
@@ -163,10 +154,8 @@ private:
             putAbove(below, child->outer());
             below = child->outer();
         }
-        auto standings = standingsOf(children_);
-        if (standings != standings_) {
-            standings_ = std::move(standings);
-            placements_ = std::vector<Placement>(standings_.size());
+        if (hasChanged) {
+            placements_ = std::vector<Placement>(children_.nodes().size());
             for (std::size_t index = 0; index < placements_.size(); ++index) {
                 placements_[index].place(base, *children_.nodes()[index]);
             }
@@ -188,7 +177,6 @@ private:
     void eachChild(const std::function<void(DrawnNode&)>& visit) override { children_.each(visit); }
 
     DrawnChildren children_;
-    std::vector<Standing> standings_;
     std::vector<Placement> placements_;
 };
 

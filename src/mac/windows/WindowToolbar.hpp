@@ -3,15 +3,7 @@
 #include "mac/windows/DrawnNode.hpp"
 #include "ui/Attachments.hpp"
 
-#include <map>
-
-/// Supplies the items of a toolbar.
-@interface SentrelToolbarDelegate : NSObject <NSToolbarDelegate> {
-@public
-    NSMutableDictionary<NSString*, NSToolbarItem*>* items; ///< by identity
-    NSArray<NSString*>* order;
-}
-@end
+@class SentrelToolbarDelegate;
 
 namespace sentrel::mac {
 
@@ -20,7 +12,6 @@ namespace sentrel::mac {
 class WindowToolbar {
 public:
     WindowToolbar();
-    ~WindowToolbar();
     WindowToolbar(const WindowToolbar&) = delete;
     WindowToolbar& operator=(const WindowToolbar&) = delete;
 
@@ -28,14 +19,11 @@ public:
     void show(NSWindow* window, const std::vector<ui::Attachment>& toolbars);
 
 private:
-    struct Item;
-
     void showItem(const std::string& identity, const ui::View& view, bool isEnabled);
     void arrange();
 
     NSToolbar* const toolbar_;
-    SentrelToolbarDelegate* const delegate_ = [[SentrelToolbarDelegate alloc] init];
-    std::map<std::string, Item> items_; // by identity
+    SentrelToolbarDelegate* const delegate_;
 };
 
 } // namespace sentrel::mac
