@@ -1,7 +1,6 @@
 #include "mac/Adapters.hpp"
 
 #include "mac/cloud/CloudRecords.hpp"
-#include "mac/files/JsonObjects.hpp"
 #include "mac/foundation/CallCopy.hpp"
 #include "mac/foundation/FoundationValues.hpp"
 #include "mac/windows/Windows.hpp"
@@ -15,6 +14,31 @@
 
 using namespace sentrel;
 using namespace sentrel::mac;
+
+namespace {
+
+/// The dictionary as a JSON object, without entries whose key is no string or whose value JSON can't hold.
+Json jsonOf(NSDictionary* dictionary)
+{
+    NSMutableDictionary* const entries = [NSMutableDictionary dictionary];
+    for (const id key in dictionary) {
+        if (as<NSString>(key) != nil && [NSJSONSerialization isValidJSONObject:@[ dictionary[key] ]]) {
+            entries[key] = dictionary[key];
+        }
+    }
+    NSData* const data = [NSJSONSerialization dataWithJSONObject:entries options:NSJSONWritingOptions {} error:nil];
+    return parseJson(bytesOf(data)).value_or(Json::object());
+}
+
+/// A JSON object as a dictionary; nil when it is no object.
+NSDictionary* dictionaryObject(const Json& object)
+{
+    const std::string text = encodeJson(object);
+    NSData* const data = [NSData dataWithBytes:text.data() length:text.size()];
+    return as<NSDictionary>([NSJSONSerialization JSONObjectWithData:data options:NSJSONReadingOptions {} error:nil]);
+}
+
+} // namespace
 
 /// Gives the shared panel of Quick Look the product's items.
 @interface SentrelPreviewSource : NSObject <QLPreviewPanelDataSource> {

@@ -30,21 +30,6 @@ NSCalendarUnit unitOf(CalendarUnit unit)
     return NSCalendarUnitYear;
 }
 
-NSDateFormatterStyle styleOf(ports::Calendar::Style style)
-{
-    switch (style) {
-    case ports::Calendar::Style::shortStyle:
-        return NSDateFormatterShortStyle;
-    case ports::Calendar::Style::mediumStyle:
-        return NSDateFormatterMediumStyle;
-    case ports::Calendar::Style::longStyle:
-        return NSDateFormatterLongStyle;
-    case ports::Calendar::Style::none:
-        break;
-    }
-    return NSDateFormatterNoStyle;
-}
-
 /// The user's calendar; follows every change of the settings.
 class MacCalendar final : public ports::Calendar {
 public:
@@ -104,8 +89,8 @@ private:
             formatter = [[NSDateFormatter alloc] init];
             formatter.locale = NSLocale.autoupdatingCurrentLocale;
             formatter.timeZone = NSTimeZone.localTimeZone;
-            formatter.dateStyle = styleOf(dateStyle);
-            formatter.timeStyle = styleOf(timeStyle);
+            formatter.dateStyle = static_cast<NSDateFormatterStyle>(dateStyle);
+            formatter.timeStyle = static_cast<NSDateFormatterStyle>(timeStyle);
         }
         return formatter;
     }

@@ -42,22 +42,18 @@ private:
     id token_ = nil;
 };
 
-/// The application's default notification center.
-class MacApplicationNotifications final : public ports::ApplicationNotifications {
+/// The notifications of a center.
+template <class Port> class MacNotifications final : public Port {
 public:
-    [[nodiscard]] ports::RegistrationPtr observe(const std::string& name, std::function<void()> received) override
-    {
-        return std::make_unique<Observation>(NSNotificationCenter.defaultCenter, name, std::move(received));
-    }
-};
+    explicit MacNotifications(NSNotificationCenter* center) : center_(center) {}
 
-/// The notification center of `NSWorkspace`.
-class MacWorkspaceNotifications final : public ports::WorkspaceNotifications {
-public:
     [[nodiscard]] ports::RegistrationPtr observe(const std::string& name, std::function<void()> received) override
     {
-        return std::make_unique<Observation>(NSWorkspace.sharedWorkspace.notificationCenter, name, std::move(received));
+        return std::make_unique<Observation>(center_, name, std::move(received));
     }
+
+private:
+    NSNotificationCenter* const center_;
 };
 
 /// The shared application object.
@@ -108,12 +104,13 @@ public:
 
 std::unique_ptr<ports::ApplicationNotifications> makeApplicationNotifications()
 {
-    return std::make_unique<MacApplicationNotifications>();
+    return std::make_unique<MacNotifications<ports::ApplicationNotifications>>(NSNotificationCenter.defaultCenter);
 }
 
 std::unique_ptr<ports::WorkspaceNotifications> makeWorkspaceNotifications()
 {
-    return std::make_unique<MacWorkspaceNotifications>();
+    return std::make_unique<MacNotifications<ports::WorkspaceNotifications>>(
+        NSWorkspace.sharedWorkspace.notificationCenter);
 }
 
 std::unique_ptr<ports::ApplicationActivation> makeApplicationActivation()

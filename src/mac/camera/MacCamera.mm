@@ -79,24 +79,13 @@ public:
         alive->keepCounterpart({const_cast<void*>(CFBridgingRetain(receiver)), &CFRelease});
         // Raises when the output has no active connection: its camera is gone or was removed.
         const bool isAsked = guarded("capturePhotoWithSettings", [&] {
-            [native() capturePhotoWithSettings:static_cast<const MacPhotoSettings&>(settings).native()
-                                      delegate:receiver];
+            [native() capturePhotoWithSettings:MacPhotoSettings::of(settings) delegate:receiver];
         });
         if (!isAsked) {
             alive->didFinishProcessingPhoto(MacCapturedPhoto{nil}, "the output refused to take a photo");
         }
     }
 };
-
-AVCaptureDeviceInput* nativeOf(const ports::CaptureInput& input)
-{
-    return static_cast<const MacCaptureInput&>(input).native();
-}
-
-AVCapturePhotoOutput* nativeOf(const ports::PhotoOutput& output)
-{
-    return static_cast<const MacPhotoOutput&>(output).native();
-}
 
 class MacCaptureSession final : public ports::CaptureSession {
 public:
@@ -108,19 +97,19 @@ public:
     }
     [[nodiscard]] bool canAddInput(const ports::CaptureInput& input) override
     {
-        return guardedResult("canAddInput", [&] { return [session_ canAddInput:nativeOf(input)]; });
+        return guardedResult("canAddInput", [&] { return [session_ canAddInput:MacCaptureInput::of(input)]; });
     }
     void addInput(std::shared_ptr<ports::CaptureInput> input) override
     {
-        guarded("addInput", [&] { [session_ addInput:nativeOf(*input)]; });
+        guarded("addInput", [&] { [session_ addInput:MacCaptureInput::of(*input)]; });
     }
     [[nodiscard]] bool canAddOutput(const ports::PhotoOutput& output) override
     {
-        return guardedResult("canAddOutput", [&] { return [session_ canAddOutput:nativeOf(output)]; });
+        return guardedResult("canAddOutput", [&] { return [session_ canAddOutput:MacPhotoOutput::of(output)]; });
     }
     void addOutput(std::shared_ptr<ports::PhotoOutput> output) override
     {
-        guarded("addOutput", [&] { [session_ addOutput:nativeOf(*output)]; });
+        guarded("addOutput", [&] { [session_ addOutput:MacPhotoOutput::of(*output)]; });
     }
     void startRunning() override
     {
@@ -182,7 +171,7 @@ public:
 
     [[nodiscard]] std::shared_ptr<ports::CaptureInput> makeInput(const ports::CaptureDevice& device) override
     {
-        AVCaptureDevice* const native = static_cast<const MacCaptureDevice&>(device).native();
+        AVCaptureDevice* const native = MacCaptureDevice::of(device);
         AVCaptureDeviceInput* const input = guardedResult(
             "deviceInputWithDevice", [&] { return [AVCaptureDeviceInput deviceInputWithDevice:native error:nil]; });
         return input == nil ? nullptr : std::make_shared<MacCaptureInput>(input);

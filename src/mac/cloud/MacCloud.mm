@@ -72,10 +72,6 @@ using RecordResults = std::map<std::string, CloudRecordResult>;
 struct Nothing {};
 using StatusRequest = CloudRequest<ports::CloudAccountStatus>;
 using NameRequest = CloudRequest<std::optional<std::string>>;
-using PageRequest = CloudRequest<CloudQueryPage>;
-using FetchRequest = CloudRequest<RecordResults>;
-using ModifyRequest = CloudRequest<CloudModification>;
-using SubscriptionRequest = CloudRequest<Nothing>;
 
 // The framework can't cancel the account's two requests. Without a waiting task, their answer is dropped.
 
@@ -210,13 +206,13 @@ CKQueryOperation* queryOperation(const ports::CloudQuery& query)
 
 CKQueryOperation* queryOperation(const ports::CloudQueryCursor& cursor)
 {
-    return [[CKQueryOperation alloc] initWithCursor:static_cast<const MacQueryCursor&>(cursor).native()];
+    return [[CKQueryOperation alloc] initWithCursor:MacQueryCursor::of(cursor)];
 }
 
 Sent<CloudQueryPage> startQuery(CKDatabase* database, CKQueryOperation* operation, const CloudDesiredKeys& desiredKeys,
                                 std::size_t resultsLimit)
 {
-    const auto request = std::make_shared<PageRequest>();
+    const auto request = std::make_shared<CloudRequest<CloudQueryPage>>();
     operation.desiredKeys = keyObjects(desiredKeys);
     operation.resultsLimit = resultsLimit;
     operation.recordMatchedBlock = ^(CKRecordID* recordID, CKRecord* record, NSError* error) {
@@ -235,7 +231,7 @@ Sent<CloudQueryPage> startQuery(CKDatabase* database, CKQueryOperation* operatio
 Sent<RecordResults> startFetch(CKDatabase* database, const std::vector<std::string>& names,
                                const CloudDesiredKeys& desiredKeys)
 {
-    const auto request = std::make_shared<FetchRequest>();
+    const auto request = std::make_shared<CloudRequest<RecordResults>>();
     const std::vector<std::string> asked = names;
     CKFetchRecordsOperation* const operation =
         [[CKFetchRecordsOperation alloc] initWithRecordIDs:recordIDObjects(names)];
@@ -262,7 +258,7 @@ struct Changes {
 
 Sent<CloudModification> startModify(CKDatabase* database, const Changes& changes)
 {
-    const auto request = std::make_shared<ModifyRequest>();
+    const auto request = std::make_shared<CloudRequest<CloudModification>>();
     std::vector<std::string> saveNames;
     for (const CloudRecord& record : changes.save) {
         saveNames.push_back(record.name);
@@ -294,7 +290,7 @@ Sent<CloudModification> startModify(CKDatabase* database, const Changes& changes
 
 Sent<Nothing> startSubscription(CKDatabase* database, const ports::CloudSubscription& subscription)
 {
-    const auto request = std::make_shared<SubscriptionRequest>();
+    const auto request = std::make_shared<CloudRequest<Nothing>>();
     const std::string identifier = subscription.identifier;
     CKModifySubscriptionsOperation* const operation =
         [[CKModifySubscriptionsOperation alloc] initWithSubscriptionsToSave:@[ subscriptionObject(subscription) ]

@@ -3,6 +3,7 @@
 #include "mac/foundation/FoundationValues.hpp"
 #include "ports/Application.hpp"
 #include "ports/AudioConstants.hpp"
+#include "ports/Calendar.hpp"
 #include "ports/Camera.hpp"
 #include "ports/CameraConstants.hpp"
 #include "ports/CloudAccount.hpp"
@@ -141,6 +142,10 @@ static_assert(same(bundleIdentifierType, typeApplicationBundleID));
 static_assert(same(anyAppleEvent, typeWildCard));
 static_assert(same(systemDefinedEvent, NSEventTypeSystemDefined));
 static_assert(same(hidEventTap, kCGHIDEventTap));
+static_assert(same(Calendar::Style::none, NSDateFormatterNoStyle));
+static_assert(same(Calendar::Style::shortStyle, NSDateFormatterShortStyle));
+static_assert(same(Calendar::Style::mediumStyle, NSDateFormatterMediumStyle));
+static_assert(same(Calendar::Style::longStyle, NSDateFormatterLongStyle));
 
 struct Pair {
     const char* name;

@@ -8,6 +8,9 @@ public:
     explicit Wrapped(Object* native) : native_(native) {}
     [[nodiscard]] Object* native() const { return native_; }
 
+    /// The framework's object of a port's object, which must be of this class.
+    [[nodiscard]] static Object* of(const Port& port) { return static_cast<const Wrapped&>(port).native(); }
+
 private:
     Object* const native_;
 };

@@ -1,20 +1,215 @@
 #include "mac/Adapters.hpp"
 
-#include "mac/scheduling/DispatchExecutor.hpp"
 #include "runtime/Latch.hpp"
 #include "runtime/Timer.hpp"
 
 #include <algorithm>
 #include <array>
+#include <condition_variable>
 #include <cstdint>
 #include <mutex>
+#include <utility>
 
 #include <dispatch/dispatch.h>
 #include <mach/mach_time.h>
+#include <os/log.h>
+#include <pthread.h>
 
 namespace sentrel::mac {
 
 namespace {
+
+qos_class_t classOf(QualityOfService qualityOfService)
+{
+    switch (qualityOfService) {
+    case QualityOfService::utility:
+        return QOS_CLASS_UTILITY;
+    case QualityOfService::standard:
+        return QOS_CLASS_DEFAULT;
+    case QualityOfService::userInitiated:
+        return QOS_CLASS_USER_INITIATED;
+    case QualityOfService::userInteractive:
+        return QOS_CLASS_USER_INTERACTIVE;
+    }
+    return QOS_CLASS_DEFAULT;
+}
+
+/// The waiting jobs, and the turns that were sent to the queue for them.
+class DispatchJobs : public std::enable_shared_from_this<DispatchJobs> {
+public:
+    explicit DispatchJobs(dispatch_queue_t queue) : queue_(queue) {}
+
+    void post(Job& job)
+    {
+        const std::shared_ptr<DispatchJobs> self = shared_from_this();
+        // Sent under the lock: a job that runs before this returns may destroy the executor's owner.
+        const std::lock_guard guard{mutex_};
+        waiting_.append(job);
+        if (!isStopped_) {
+            dispatch_async(queue_, ^{
+                self->takeTurn();
+            });
+        }
+    }
+
+    bool withdraw(Job& job)
+    {
+        const std::lock_guard guard{mutex_};
+        if (!waiting_.remove(job)) {
+            return false;
+        }
+        // One turn is now surplus. If it ran the next job, that job would overtake work that the system has queued
+        // between the two.
+        ++spareTurns_;
+        return true;
+    }
+
+    void stop()
+    {
+        std::unique_lock guard{mutex_};
+        isStopped_ = true;
+        const int own = isCurrent() ? 1 : 0;
+        finished_.wait(guard, [&] { return running_ == own; });
+    }
+
+    void dropWaiting()
+    {
+        while (Job* const job = take()) {
+            job->drop();
+        }
+    }
+
+    [[nodiscard]] bool isCurrent() const { return current == this; }
+    [[nodiscard]] dispatch_queue_t queue() const { return queue_; }
+
+private:
+    void takeTurn()
+    {
+        Job* const job = beginTurn();
+        if (job == nullptr) {
+            return;
+        }
+        const DispatchJobs* const outer = std::exchange(current, this);
+        @autoreleasepool {
+            // An exception that a framework raised must not end the alarm's process.
+            try {
+                job->run();
+            } catch (...) {
+                os_log_error(OS_LOG_DEFAULT, "a job on %{public}s threw", dispatch_queue_get_label(queue_));
+            }
+        }
+        current = outer;
+        const std::lock_guard guard{mutex_};
+        --running_;
+        finished_.notify_all();
+    }
+
+    /// The job whose turn it is; null when there is none.
+    Job* beginTurn()
+    {
+        const std::lock_guard guard{mutex_};
+        if (isStopped_) {
+            return nullptr;
+        }
+        if (spareTurns_ > 0) {
+            --spareTurns_;
+            return nullptr;
+        }
+        ++running_;
+        return waiting_.popFirst();
+    }
+
+    Job* take()
+    {
+        const std::lock_guard guard{mutex_};
+        return waiting_.popFirst();
+    }
+
+    static thread_local const DispatchJobs* current;
+    const dispatch_queue_t queue_;
+    std::mutex mutex_;
+    std::condition_variable finished_;
+    JobList waiting_;
+    int spareTurns_ = 0;
+    int running_ = 0;
+    bool isStopped_ = false;
+};
+
+thread_local const DispatchJobs* DispatchJobs::current = nullptr;
+
+/// An executor over a dispatch queue. It keeps its jobs in its own list, so that waiting ones can be withdrawn, and
+/// queues one turn for each, so that jobs and the system's own work on the queue keep their order.
+class DispatchExecutor final : public Executor {
+public:
+    /// The main queue, which the main run loop serves in all common modes.
+    static std::unique_ptr<DispatchExecutor> makeMain()
+    {
+        return std::make_unique<DispatchExecutor>(Kind::main, dispatch_get_main_queue());
+    }
+
+    /// A concurrent queue of the system.
+    static std::unique_ptr<DispatchExecutor> makeGlobal(QualityOfService qualityOfService)
+    {
+        return std::make_unique<DispatchExecutor>(Kind::global,
+                                                  dispatch_get_global_queue(classOf(qualityOfService), 0));
+    }
+
+    /// A new serial queue.
+    static std::unique_ptr<DispatchExecutor> makeSerial(const std::string& label, QualityOfService qualityOfService)
+    {
+        const dispatch_queue_attr_t attributes =
+            dispatch_queue_attr_make_with_qos_class(DISPATCH_QUEUE_SERIAL, classOf(qualityOfService), 0);
+        return std::make_unique<DispatchExecutor>(Kind::serial, dispatch_queue_create(label.c_str(), attributes));
+    }
+
+    enum class Kind { main, global, serial };
+    DispatchExecutor(Kind kind, dispatch_queue_t queue) : kind_(kind), jobs_(std::make_shared<DispatchJobs>(queue))
+    {
+        if (kind_ == Kind::serial) {
+            // The key is the address of the jobs, which no other queue uses.
+            dispatch_queue_set_specific(queue, jobs_.get(), jobs_.get(), nullptr);
+        }
+    }
+    ~DispatchExecutor() override
+    {
+        stop();
+        jobs_->dropWaiting();
+    }
+
+    void post(Job& job) override { jobs_->post(job); }
+    bool withdraw(Job& job) override { return jobs_->withdraw(job); }
+
+    /// Does not wait for a job of this executor that calls it.
+    void stop() override
+    {
+        jobs_->stop();
+        if (kind_ == Kind::serial && !isCurrent()) {
+            // The system's own calls on the queue (HID events) are no jobs; one may still be in progress.
+            dispatch_sync(jobs_->queue(), ^{
+                          });
+        }
+    }
+
+    [[nodiscard]] bool isCurrent() const override
+    {
+        switch (kind_) {
+        case Kind::main:
+            return pthread_main_np() != 0;
+        case Kind::serial:
+            // True in the system's own calls on the queue, too.
+            return dispatch_get_specific(jobs_.get()) == jobs_.get();
+        case Kind::global:
+            break;
+        }
+        return jobs_->isCurrent();
+    }
+
+    [[nodiscard]] void* nativeQueue() override { return (__bridge void*)jobs_->queue(); }
+
+private:
+    const Kind kind_;
+    const std::shared_ptr<DispatchJobs> jobs_; // shared with turns still in the queue
+};
 
 /// The continuous clock: it runs on while the machine sleeps.
 Instant continuousNow()

@@ -51,7 +51,7 @@ public:
     {
         const auto count = static_cast<AVAudioFrameCount>(frames);
         AVAudioPCMBuffer* const buffer = guardedResult("initWithPCMFormat", [&] {
-            AVAudioPCMBuffer* const made = [[AVAudioPCMBuffer alloc] initWithPCMFormat:nativeOf(format)
+            AVAudioPCMBuffer* const made = [[AVAudioPCMBuffer alloc] initWithPCMFormat:Format::of(format)
                                                                          frameCapacity:count];
             made.frameLength = count;
             return made;
@@ -63,7 +63,7 @@ public:
     {
         return guarded("connect", [&] {
             [engine_ attachNode:player_];
-            [engine_ connect:player_ to:engine_.mainMixerNode format:nativeOf(format)];
+            [engine_ connect:player_ to:engine_.mainMixerNode format:Format::of(format)];
         });
     }
 
@@ -81,7 +81,7 @@ public:
     {
         // The player retains the native buffer. If it refuses, it has nothing to play.
         isScheduled_ = guarded("scheduleBuffer", [&] {
-            [player_ scheduleBuffer:static_cast<const Buffer&>(*buffer).native()
+            [player_ scheduleBuffer:Buffer::of(*buffer)
                              atTime:nil
                             options:AVAudioPlayerNodeBufferLoops
                   completionHandler:nil];
@@ -99,11 +99,6 @@ private:
     void stopNow()
     {
         guarded("stop", [&] { [engine_ stop]; });
-    }
-
-    static AVAudioFormat* nativeOf(const ports::AudioFormat& format)
-    {
-        return static_cast<const Format&>(format).native();
     }
 
     AVAudioEngine* const engine_ = [[AVAudioEngine alloc] init];

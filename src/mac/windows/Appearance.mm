@@ -4,18 +4,6 @@
 
 namespace sentrel::mac {
 
-namespace {
-
-NSImage* imageOfData(const std::shared_ptr<const Bytes>& data)
-{
-    if (!data) {
-        return nil;
-    }
-    return [[NSImage alloc] initWithData:[NSData dataWithBytes:data->data() length:data->size()]];
-}
-
-} // namespace
-
 NSFont* fontOf(ui::Text::Style style)
 {
     switch (style) {
@@ -55,19 +43,12 @@ NSColor* colorOf(const ui::Color& color)
 
 NSImage* imageOf(const ui::Image& image, const std::string& description)
 {
-    NSString* const name = stringObject(image.name);
-    NSString* const spoken = description.empty() ? nil : stringObject(description);
-    switch (image.source) {
-    case ui::Image::Source::asset:
-        return [NSImage imageNamed:name];
-    case ui::Image::Source::file:
-        return [[NSImage alloc] initWithContentsOfFile:name];
-    case ui::Image::Source::memory:
-        return imageOfData(image.data);
-    case ui::Image::Source::systemSymbol:
-        break;
+    if (image.source == ui::Image::Source::memory) {
+        NSData* const data = image.data ? [NSData dataWithBytes:image.data->data() length:image.data->size()] : nil;
+        return data == nil ? nil : [[NSImage alloc] initWithData:data];
     }
-    return [NSImage imageWithSystemSymbolName:name accessibilityDescription:spoken];
+    return [NSImage imageWithSystemSymbolName:stringObject(image.name)
+                     accessibilityDescription:description.empty() ? nil : stringObject(description)];
 }
 
 NSString* keyEquivalentOf(const std::optional<ui::Key>& key)

@@ -52,7 +52,6 @@ private:
     void show(const ui::View& view, const Surroundings& surroundings) override
     {
         const ui::Image& image = *ui::elementOf<ui::Image>(view);
-        // Retries an image that failed to load: the file may exist by now.
         if (!(shown_ == image) || imageView().image == nil) {
             shown_ = image;
             imageView().image = imageOf(image, view.traits.accessibilityLabel);
@@ -81,7 +80,7 @@ private:
 
     void scale(const ui::SizeWish& wish, bool isEmblem)
     {
-        if (shown_.source != ui::Image::Source::systemSymbol) {
+        if (isPicture()) {
             return;
         }
         const double larger = std::max(wish.width.value_or(0.0), wish.height.value_or(0.0));
@@ -97,10 +96,7 @@ private:
         imageView().contentTintColor = isEmblem ? NSColor.secondaryLabelColor : nil;
     }
 
-    [[nodiscard]] bool isPicture() const
-    {
-        return shown_.source == ui::Image::Source::file || shown_.source == ui::Image::Source::memory;
-    }
+    [[nodiscard]] bool isPicture() const { return shown_.source == ui::Image::Source::memory; }
     [[nodiscard]] bool wantsAll(NSLayoutConstraintOrientation orientation) const override
     {
         return isPicture() && orientation == NSLayoutConstraintOrientationHorizontal;

@@ -12,7 +12,6 @@ namespace sentrel::mac {
 /// The properties of a node's place in the tree.
 struct Surroundings {
     bool isEnabled = true;
-    bool isInForm = false;
     bool isInSidebar = false;
     bool isPane = false;  ///< one side of a split view, as wide as the user likes
     bool isInRow = false; ///< side by side with its siblings
@@ -87,9 +86,6 @@ protected:
 
     [[nodiscard]] NSView* view() const { return view_; }
     [[nodiscard]] SentrelNodeTarget* target() const { return target_; }
-
-    /// Whether this node can show a view of its kind of element.
-    [[nodiscard]] virtual bool suits(const ui::View& /*view*/) const { return true; }
 
     /// Brings the AppKit view up to date; touches only what differs.
     virtual void show(const ui::View& view, const Surroundings& surroundings) = 0;

@@ -96,7 +96,7 @@ bool DrawnNode::drawIn(NSView* container, std::unique_ptr<DrawnNode>& node, cons
 bool DrawnNode::canShow(const ui::View& view) const
 {
     const ui::View& now = target_->node;
-    return now.element.index() == view.element.index() && now.traits.padding == view.traits.padding && suits(view);
+    return now.element.index() == view.element.index() && now.traits.padding == view.traits.padding;
 }
 
 void DrawnNode::wrap(double padding)

@@ -104,6 +104,12 @@ public:
         header_.font = fontOf(ui::Text::Style::headline);
         footer_.font = fontOf(ui::Text::Style::caption);
         footer_.textColor = NSColor.secondaryLabelColor;
+        card_.wantsLayer = YES;
+        card_.translatesAutoresizingMaskIntoConstraints = NO;
+        [card_ addSubview:rows_.column()];
+        pin(rows_.column(), card_, cardPadding);
+        [column() addArrangedSubview:card_];
+        Rows::fullWidth(card_, column()).active = YES;
     }
 
 private:
@@ -112,9 +118,6 @@ private:
     void show(const ui::View& view, const Surroundings& surroundings) override
     {
         const ui::Section& section = *ui::elementOf<ui::Section>(view);
-        if (ground_ == nil) {
-            makeGround(surroundings.isInForm);
-        }
         setLabel(header_, section.header);
         setLabel(footer_, section.footer);
         Surroundings inner = surroundings;
@@ -124,25 +127,9 @@ private:
         arrangeParts(section);
     }
 
-    /// In a form the rows get a card, elsewhere none.
-    void makeGround(bool isInForm)
-    {
-        ground_ = rows_.column();
-        if (isInForm) {
-            ground_ = [[SentrelCard alloc] init];
-            ground_.wantsLayer = YES;
-            ground_.translatesAutoresizingMaskIntoConstraints = NO;
-            [ground_ addSubview:rows_.column()];
-            pin(rows_.column(), ground_, cardPadding);
-        }
-        [column() addArrangedSubview:ground_];
-        Rows::fullWidth(ground_, column()).active = YES;
-        isInForm_ = isInForm;
-    }
-
     void arrangeParts(const ui::Section& section)
     {
-        NSMutableArray<NSView*>* const parts = [NSMutableArray arrayWithObject:ground_];
+        NSMutableArray<NSView*>* const parts = [NSMutableArray arrayWithObject:card_];
         if (!section.header.empty()) {
             [parts insertObject:header_ atIndex:0];
         }
@@ -154,8 +141,7 @@ private:
 
     [[nodiscard]] bool wantsAll(Orientation orientation) const override
     {
-        const bool isAcross = orientation == NSLayoutConstraintOrientationHorizontal;
-        return (isInForm_ && isAcross) || rows_.children().anyExpands(orientation);
+        return orientation == NSLayoutConstraintOrientationHorizontal || rows_.children().anyExpands(orientation);
     }
     void eachChild(const std::function<void(DrawnNode&)>& visit) override { rows_.children().each(visit); }
     void collectLabels(NSMutableArray<NSView*>* labels) const override { rows_.children().collectLabels(labels); }
@@ -163,8 +149,7 @@ private:
     NSTextField* const header_ = makeLabel();
     NSTextField* const footer_ = makeLabel();
     Rows rows_{rowSpacing};
-    NSView* ground_ = nil;
-    bool isInForm_ = false;
+    SentrelCard* const card_ = [[SentrelCard alloc] init];
 };
 
 class FormNode final : public DrawnNode {
@@ -192,7 +177,6 @@ private:
     void show(const ui::View& view, const Surroundings& surroundings) override
     {
         Surroundings inner = surroundings;
-        inner.isInForm = true;
         inner.isInRow = false;
         inner.isInCenteredColumn = false;
         sections_.show(view.children, inner);

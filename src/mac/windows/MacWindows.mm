@@ -120,37 +120,29 @@ NSScreen* screenOf(std::uint32_t number)
     return nil;
 }
 
-NSWindow* makePanel(const ports::WindowDescription& description)
+template <class Window> Window* makeNative(const ports::WindowDescription& description, NSWindowStyleMask style)
 {
-    const auto style = static_cast<NSWindowStyleMask>(description.styleMask) | NSWindowStyleMaskNonactivatingPanel;
-    SentrelPanel* const panel =
-        [[SentrelPanel alloc] initWithContentRect:rectOf(description.contentRectangle)
-                                        styleMask:style
-                                          backing:static_cast<NSBackingStoreType>(description.backing)
-                                            defer:description.isDeferred
-                                           screen:screenOf(description.screenNumber)];
-    panel->mayBecomeKey = description.canBecomeKey;
-    panel->mayBecomeMain = description.canBecomeMain;
-    panel.hidesOnDeactivate = NO;
-    panel.becomesKeyOnlyIfNeeded = NO;
-    panel.worksWhenModal = YES;
-    return panel;
+    Window* const window = [[Window alloc] initWithContentRect:rectOf(description.contentRectangle)
+                                                     styleMask:style
+                                                       backing:static_cast<NSBackingStoreType>(description.backing)
+                                                         defer:description.isDeferred
+                                                        screen:screenOf(description.screenNumber)];
+    window->mayBecomeKey = description.canBecomeKey;
+    window->mayBecomeMain = description.canBecomeMain;
+    return window;
 }
 
 NSWindow* makeNativeWindow(const ports::WindowDescription& description)
 {
-    if (description.keepsKeyboard) {
-        return makePanel(description);
+    const auto style = static_cast<NSWindowStyleMask>(description.styleMask);
+    if (!description.keepsKeyboard) {
+        return makeNative<SentrelWindow>(description, style);
     }
-    SentrelWindow* const window =
-        [[SentrelWindow alloc] initWithContentRect:rectOf(description.contentRectangle)
-                                         styleMask:static_cast<NSWindowStyleMask>(description.styleMask)
-                                           backing:static_cast<NSBackingStoreType>(description.backing)
-                                             defer:description.isDeferred
-                                            screen:screenOf(description.screenNumber)];
-    window->mayBecomeKey = description.canBecomeKey;
-    window->mayBecomeMain = description.canBecomeMain;
-    return window;
+    SentrelPanel* const panel = makeNative<SentrelPanel>(description, style | NSWindowStyleMaskNonactivatingPanel);
+    panel.hidesOnDeactivate = NO;
+    panel.becomesKeyOnlyIfNeeded = NO;
+    panel.worksWhenModal = YES;
+    return panel;
 }
 
 class MacWindow final : public ports::Window {

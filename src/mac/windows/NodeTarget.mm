@@ -20,15 +20,9 @@ using namespace sentrel;
 
 - (void)toggled:(id)sender
 {
-    const auto* const toggle = ui::elementOf<ui::Toggle>(node);
-    if (toggle == nullptr) {
-        return;
+    if (const auto* const toggle = ui::elementOf<ui::Toggle>(node)) {
+        mac::callCopy(toggle->isOn.set, static_cast<NSButton*>(sender).state == NSControlStateValueOn);
     }
-    // NSButton and NSSwitch both have a state.
-    const bool isOn = [sender isKindOfClass:NSSwitch.class]
-                          ? static_cast<NSSwitch*>(sender).state == NSControlStateValueOn
-                          : static_cast<NSButton*>(sender).state == NSControlStateValueOn;
-    mac::callCopy(toggle->isOn.set, isOn);
 }
 
 - (void)slid:(id)sender
@@ -101,15 +95,23 @@ using namespace sentrel;
 
 @end
 
+namespace {
+
+BOOL tellIfAccepted(NSTextField* field, BOOL isAccepted)
+{
+    if (isAccepted) {
+        [static_cast<SentrelNodeTarget*>(field.delegate) gainedFocus];
+    }
+    return isAccepted;
+}
+
+} // namespace
+
 @implementation SentrelTextField
 
 - (BOOL)becomeFirstResponder
 {
-    const BOOL accepted = [super becomeFirstResponder];
-    if (accepted) {
-        [static_cast<SentrelNodeTarget*>(self.delegate) gainedFocus];
-    }
-    return accepted;
+    return tellIfAccepted(self, [super becomeFirstResponder]);
 }
 
 @end
@@ -118,11 +120,7 @@ using namespace sentrel;
 
 - (BOOL)becomeFirstResponder
 {
-    const BOOL accepted = [super becomeFirstResponder];
-    if (accepted) {
-        [static_cast<SentrelNodeTarget*>(self.delegate) gainedFocus];
-    }
-    return accepted;
+    return tellIfAccepted(self, [super becomeFirstResponder]);
 }
 
 @end

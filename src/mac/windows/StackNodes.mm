@@ -4,7 +4,7 @@
 
 #include <utility>
 
-// Stacks: rows, columns and layers.
+// Rows and columns.
 
 namespace sentrel::mac {
 
@@ -12,9 +12,6 @@ namespace {
 
 /// Several views share the remaining space equally, unless another constraint prevents it.
 constexpr NSLayoutPriority fairShare = 150.0F;
-
-/// Layers are no larger than the largest one unless necessary.
-constexpr NSLayoutPriority hugging = 200.0F;
 
 using Orientation = NSLayoutConstraintOrientation;
 using Axis = ui::Stack::Axis;
@@ -45,10 +42,6 @@ public:
 
 private:
     [[nodiscard]] NSStackView* stackView() const { return static_cast<NSStackView*>(view()); }
-    [[nodiscard]] bool suits(const ui::View& view) const override
-    {
-        return ui::elementOf<ui::Stack>(view)->axis != Axis::depth;
-    }
 
     void show(const ui::View& view, const Surroundings& surroundings) override
     {
@@ -59,7 +52,6 @@ private:
         stackView().spacing = stack.spacing;
         stackView().alignment = alignmentOf(stack);
         Surroundings inner = surroundings;
-        inner.isInForm = false;
         inner.isInRow = isRow_;
         inner.isInCenteredColumn = !isRow_ && stack.alignment == ui::Stack::Alignment::center;
         const bool hasChanged = children_.show(view.children, inner);
@@ -119,74 +111,10 @@ private:
     Constraints sizes_;
 };
 
-/// Layers, the last in front; each centered, or filling the space.
-class LayersNode final : public DrawnNode {
-public:
-    LayersNode() : DrawnNode([[NSView alloc] init])
-    {
-        for (NSLayoutDimension* const extent in @[ view().widthAnchor, view().heightAnchor ]) {
-            weakened([extent constraintEqualToConstant:0.0], hugging).active = YES;
-        }
-    }
-
-private:
-    [[nodiscard]] bool suits(const ui::View& view) const override
-    {
-        return ui::elementOf<ui::Stack>(view)->axis == Axis::depth;
-    }
-
-    void show(const ui::View& view, const Surroundings& surroundings) override
-    {
-        Surroundings inner = surroundings;
-        inner.isInForm = false;
-        inner.isInRow = false;
-        inner.isInCenteredColumn = true;
-        const bool hasChanged = children_.show(view.children, inner);
-        NSArray<NSView*>* const views = children_.views();
-        NSView* const base = this->view();
-        for (NSView* const shown in [base.subviews copy]) {
-            if (![views containsObject:shown]) {
-                [shown removeFromSuperview];
-            }
-        }
-        NSView* below = nil;
-        for (const auto& child : children_.nodes()) {
-            putAbove(below, child->outer());
-            below = child->outer();
-        }
-        if (hasChanged) {
-            placements_ = std::vector<Placement>(children_.nodes().size());
-            for (std::size_t index = 0; index < placements_.size(); ++index) {
-                placements_[index].place(base, *children_.nodes()[index]);
-            }
-        }
-    }
-
-    /// Moves a layer only if its order is wrong, because it loses the keyboard.
-    void putAbove(NSView* below, NSView* layer)
-    {
-        NSArray<NSView*>* const shown = view().subviews;
-        const bool isInPlace =
-            layer.superview == view() && (below == nil || [shown indexOfObject:below] < [shown indexOfObject:layer]);
-        if (!isInPlace) {
-            [view() addSubview:layer positioned:NSWindowAbove relativeTo:below];
-        }
-    }
-
-    [[nodiscard]] bool wantsAll(Orientation orientation) const override { return children_.anyExpands(orientation); }
-    void eachChild(const std::function<void(DrawnNode&)>& visit) override { children_.each(visit); }
-
-    DrawnChildren children_;
-    std::vector<Placement> placements_;
-};
-
 } // namespace
 
-std::unique_ptr<DrawnNode> makeNode(const ui::Stack& stack)
+std::unique_ptr<DrawnNode> makeNode(const ui::Stack& /*stack*/)
 {
-    if (stack.axis == Axis::depth) {
-        return std::make_unique<LayersNode>();
-    }
     return std::make_unique<LineNode>();
 }
 

@@ -1,7 +1,5 @@
 #include "mac/windows/WindowAttachments.hpp"
 
-#include "mac/windows/WindowToolbar.hpp"
-#include "ui/Attachments.hpp"
 #include "ui/Node.hpp"
 
 #include <utility>
@@ -17,9 +15,6 @@ std::unique_ptr<Overlay> makeOverlay(const ui::View& attachment)
 }
 
 } // namespace
-
-WindowAttachments::WindowAttachments() = default;
-WindowAttachments::~WindowAttachments() = default;
 
 void WindowAttachments::show(NSWindow* window, const ui::View& content)
 {

@@ -1,7 +1,8 @@
-#include "mac/windows/WindowToolbar.hpp"
+#include "mac/windows/WindowAttachments.hpp"
 
 #include "mac/foundation/FoundationValues.hpp"
 #include "mac/windows/Appearance.hpp"
+#include "mac/windows/DrawnNode.hpp"
 #include "ui/Node.hpp"
 
 #include <map>
