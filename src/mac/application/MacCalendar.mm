@@ -17,17 +17,10 @@ namespace {
 
 NSCalendarUnit unitOf(CalendarUnit unit)
 {
-    switch (unit) {
-    case CalendarUnit::day:
-        return NSCalendarUnitDay;
-    case CalendarUnit::weekOfYear:
-        return NSCalendarUnitWeekOfYear;
-    case CalendarUnit::month:
-        return NSCalendarUnitMonth;
-    case CalendarUnit::year:
-        break;
-    }
-    return NSCalendarUnitYear;
+    // In the order of `CalendarUnit`.
+    constexpr NSCalendarUnit units[] = {NSCalendarUnitDay, NSCalendarUnitWeekOfYear, NSCalendarUnitMonth,
+                                        NSCalendarUnitYear};
+    return units[static_cast<std::size_t>(unit)];
 }
 
 /// The user's calendar; follows every change of the settings.

@@ -89,7 +89,7 @@ public:
 
 class MacCaptureSession final : public ports::CaptureSession {
 public:
-    ~MacCaptureSession() override { stop(); }
+    ~MacCaptureSession() override { MacCaptureSession::stopRunning(); }
 
     void setPreset(const std::string& preset) override
     {
@@ -115,15 +115,13 @@ public:
     {
         guarded("startRunning", [&] { [session_ startRunning]; });
     }
-    void stopRunning() override { stop(); }
-    [[nodiscard]] bool isRunning() const override { return session_.isRunning; }
-
-private:
-    void stop()
+    void stopRunning() override
     {
         guarded("stopRunning", [&] { [session_ stopRunning]; });
     }
+    [[nodiscard]] bool isRunning() const override { return session_.isRunning; }
 
+private:
     AVCaptureSession* const session_ = [[AVCaptureSession alloc] init];
 };
 

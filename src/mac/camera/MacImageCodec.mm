@@ -23,10 +23,10 @@ private:
     CGImageRef image_;
 };
 
-/// An image source, which the caller releases; null if the data is no image.
-CGImageSourceRef createSource(BytesView data)
+/// An image source; nil if the data is no image.
+id imageSource(BytesView data)
 {
-    return CGImageSourceCreateWithData((__bridge CFDataRef)unownedData(data), nullptr);
+    return CFBridgingRelease(CGImageSourceCreateWithData((__bridge CFDataRef)unownedData(data), nullptr));
 }
 
 /// Image files through Core Image and Image I/O. Images passed in must come from here.
@@ -62,12 +62,12 @@ public:
     [[nodiscard]] std::optional<ports::PixelSize> pixelSize(BytesView data) override
     {
         @autoreleasepool {
-            CGImageSourceRef source = createSource(data);
-            if (source == nullptr) {
+            const id source = imageSource(data);
+            if (source == nil) {
                 return std::nullopt;
             }
-            NSDictionary* const properties = CFBridgingRelease(CGImageSourceCopyPropertiesAtIndex(source, 0, nullptr));
-            CFRelease(source);
+            NSDictionary* const properties =
+                CFBridgingRelease(CGImageSourceCopyPropertiesAtIndex((__bridge CGImageSourceRef)source, 0, nullptr));
             NSNumber* const width = properties[(__bridge NSString*)kCGImagePropertyPixelWidth];
             NSNumber* const height = properties[(__bridge NSString*)kCGImagePropertyPixelHeight];
             if (width == nil || height == nil) {
@@ -81,8 +81,8 @@ public:
                                                                 bool transform) override
     {
         @autoreleasepool {
-            CGImageSourceRef source = createSource(data);
-            if (source == nullptr) {
+            const id source = imageSource(data);
+            if (source == nil) {
                 return nullptr;
             }
             NSDictionary* const options = @{
@@ -90,8 +90,8 @@ public:
                 (__bridge NSString*)kCGImageSourceCreateThumbnailWithTransform : @(transform),
                 (__bridge NSString*)kCGImageSourceThumbnailMaxPixelSize : @(maxPixelSize),
             };
-            CGImageRef thumbnail = CGImageSourceCreateThumbnailAtIndex(source, 0, (__bridge CFDictionaryRef)options);
-            CFRelease(source);
+            CGImageRef thumbnail = CGImageSourceCreateThumbnailAtIndex((__bridge CGImageSourceRef)source, 0,
+                                                                       (__bridge CFDictionaryRef)options);
             return thumbnail == nullptr ? nullptr : std::make_unique<MacImage>(thumbnail);
         }
     }

@@ -70,14 +70,12 @@ template <class Answer> struct CloudRequest {
 
 using RecordResults = std::map<std::string, CloudRecordResult>;
 struct Nothing {};
-using StatusRequest = CloudRequest<ports::CloudAccountStatus>;
-using NameRequest = CloudRequest<std::optional<std::string>>;
 
 // The framework can't cancel the account's two requests. Without a waiting task, their answer is dropped.
 
-std::shared_ptr<StatusRequest> askForStatus(CKContainer* container)
+std::shared_ptr<CloudRequest<ports::CloudAccountStatus>> askForStatus(CKContainer* container)
 {
-    const auto request = std::make_shared<StatusRequest>();
+    const auto request = std::make_shared<CloudRequest<ports::CloudAccountStatus>>();
     guardedCloudCall("accountStatus", [&] {
         [container accountStatusWithCompletionHandler:^(CKAccountStatus status, NSError* error) {
             request->answer = static_cast<ports::CloudAccountStatus>(status);
@@ -90,9 +88,9 @@ std::shared_ptr<StatusRequest> askForStatus(CKContainer* container)
     return request;
 }
 
-std::shared_ptr<NameRequest> askForUser(CKContainer* container)
+std::shared_ptr<CloudRequest<std::optional<std::string>>> askForUser(CKContainer* container)
 {
-    const auto request = std::make_shared<NameRequest>();
+    const auto request = std::make_shared<CloudRequest<std::optional<std::string>>>();
     guardedCloudCall("fetchUserRecordID", [&] {
         [container fetchUserRecordIDWithCompletionHandler:^(CKRecordID* recordID, NSError* error) {
             if (error != nil) {

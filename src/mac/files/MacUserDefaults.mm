@@ -55,10 +55,7 @@ public:
     {
         // Not integerForKey:, which makes numbers of texts and zero of everything else.
         NSNumber* const number = as<NSNumber>(objectFor(key));
-        if (number == nil) {
-            return std::nullopt;
-        }
-        return number.longLongValue;
+        return number == nil ? std::nullopt : std::optional<std::int64_t>{number.longLongValue};
     }
 
     void setInteger(const std::string& key, std::int64_t value) override

@@ -28,8 +28,6 @@
 #import <Security/Security.h>
 #import <ServiceManagement/ServiceManagement.h>
 
-#include <utility>
-
 namespace sentrel::mac {
 
 namespace {

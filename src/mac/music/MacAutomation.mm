@@ -39,10 +39,7 @@ std::optional<bool> resultOf(const std::string& source)
         NSAppleScript* const script = [[NSAppleScript alloc] initWithSource:stringObject(source)];
         return [script executeAndReturnError:nil];
     });
-    if (result == nil) {
-        return std::nullopt;
-    }
-    return result.booleanValue != 0;
+    return result == nil ? std::nullopt : std::optional{result.booleanValue != 0};
 }
 
 /// Applications as the workspace knows them.

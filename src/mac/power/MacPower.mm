@@ -23,10 +23,7 @@ public:
 
     [[nodiscard]] std::optional<std::size_t> count() const override
     {
-        if (list_ == nil) {
-            return std::nullopt;
-        }
-        return list_.count;
+        return list_ == nil ? std::nullopt : std::optional<std::size_t>{list_.count};
     }
 
     [[nodiscard]] std::optional<std::string> text(std::size_t source, std::string_view key) const override
@@ -128,10 +125,7 @@ public:
     {
         // A Boolean is a number object, too.
         NSNumber* const value = as<NSNumber>(takeProperty(firstService(serviceClass), property));
-        if (value == nil) {
-            return std::nullopt;
-        }
-        return value.longLongValue;
+        return value == nil ? std::nullopt : std::optional<std::int64_t>{value.longLongValue};
     }
 };
 

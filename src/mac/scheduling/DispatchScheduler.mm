@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <mutex>
 #include <utility>
+#include <vector>
 
 #include <dispatch/dispatch.h>
 #include <mach/mach_time.h>
@@ -19,20 +20,9 @@ namespace sentrel::mac {
 
 namespace {
 
-qos_class_t classOf(QualityOfService qualityOfService)
-{
-    switch (qualityOfService) {
-    case QualityOfService::utility:
-        return QOS_CLASS_UTILITY;
-    case QualityOfService::standard:
-        return QOS_CLASS_DEFAULT;
-    case QualityOfService::userInitiated:
-        return QOS_CLASS_USER_INITIATED;
-    case QualityOfService::userInteractive:
-        return QOS_CLASS_USER_INTERACTIVE;
-    }
-    return QOS_CLASS_DEFAULT;
-}
+/// In the order of `QualityOfService`.
+constexpr std::array serviceClasses{QOS_CLASS_UTILITY, QOS_CLASS_DEFAULT, QOS_CLASS_USER_INITIATED,
+                                    QOS_CLASS_USER_INTERACTIVE};
 
 /// The waiting jobs, and the turns that were sent to the queue for them.
 class DispatchJobs : public std::enable_shared_from_this<DispatchJobs> {
@@ -141,27 +131,6 @@ thread_local const DispatchJobs* DispatchJobs::current = nullptr;
 /// queues one turn for each, so that jobs and the system's own work on the queue keep their order.
 class DispatchExecutor final : public Executor {
 public:
-    /// The main queue, which the main run loop serves in all common modes.
-    static std::unique_ptr<DispatchExecutor> makeMain()
-    {
-        return std::make_unique<DispatchExecutor>(Kind::main, dispatch_get_main_queue());
-    }
-
-    /// A concurrent queue of the system.
-    static std::unique_ptr<DispatchExecutor> makeGlobal(QualityOfService qualityOfService)
-    {
-        return std::make_unique<DispatchExecutor>(Kind::global,
-                                                  dispatch_get_global_queue(classOf(qualityOfService), 0));
-    }
-
-    /// A new serial queue.
-    static std::unique_ptr<DispatchExecutor> makeSerial(const std::string& label, QualityOfService qualityOfService)
-    {
-        const dispatch_queue_attr_t attributes =
-            dispatch_queue_attr_make_with_qos_class(DISPATCH_QUEUE_SERIAL, classOf(qualityOfService), 0);
-        return std::make_unique<DispatchExecutor>(Kind::serial, dispatch_queue_create(label.c_str(), attributes));
-    }
-
     enum class Kind { main, global, serial };
     DispatchExecutor(Kind kind, dispatch_queue_t queue) : kind_(kind), jobs_(std::make_shared<DispatchJobs>(queue))
     {
@@ -310,7 +279,13 @@ private:
 /// executor, and the continuous clock.
 class DispatchScheduler final : public Scheduler {
 public:
-    DispatchScheduler() = default;
+    DispatchScheduler()
+    {
+        for (const qos_class_t serviceClass : serviceClasses) {
+            globals_.push_back(std::make_unique<DispatchExecutor>(DispatchExecutor::Kind::global,
+                                                                  dispatch_get_global_queue(serviceClass, 0)));
+        }
+    }
 
     /// Stops its own executors and ends every waiting task. Main thread.
     ~DispatchScheduler() override
@@ -331,19 +306,21 @@ public:
     [[nodiscard]] std::unique_ptr<Executor> makeSerialExecutor(const std::string& label,
                                                                QualityOfService qualityOfService) override
     {
-        return DispatchExecutor::makeSerial(label, qualityOfService);
+        const qos_class_t serviceClass = serviceClasses.at(static_cast<std::size_t>(qualityOfService));
+        const dispatch_queue_attr_t attributes =
+            dispatch_queue_attr_make_with_qos_class(DISPATCH_QUEUE_SERIAL, serviceClass, 0);
+        return std::make_unique<DispatchExecutor>(DispatchExecutor::Kind::serial,
+                                                  dispatch_queue_create(label.c_str(), attributes));
     }
     void startTimer(Timer& timer, Instant deadline) override { timers_.start(timer, deadline); }
     bool cancelTimer(Timer& timer) override { return timers_.cancel(timer); }
     void blockUntil(Latch& latch) override { latch.wait(); }
 
 private:
-    const std::unique_ptr<DispatchExecutor> main_ = DispatchExecutor::makeMain();
-    const std::array<std::unique_ptr<DispatchExecutor>, 4> globals_{
-        DispatchExecutor::makeGlobal(QualityOfService::utility),
-        DispatchExecutor::makeGlobal(QualityOfService::standard),
-        DispatchExecutor::makeGlobal(QualityOfService::userInitiated),
-        DispatchExecutor::makeGlobal(QualityOfService::userInteractive)}; // by quality of service
+    /// The main run loop serves its queue in all common modes.
+    const std::unique_ptr<DispatchExecutor> main_ =
+        std::make_unique<DispatchExecutor>(DispatchExecutor::Kind::main, dispatch_get_main_queue());
+    std::vector<std::unique_ptr<DispatchExecutor>> globals_; // by quality of service
     DispatchTimers timers_;
 };
 

@@ -11,7 +11,6 @@ namespace sentrel::mac {
 using ports::KeychainConstant;
 using ports::KeychainDictionary;
 using ports::KeychainKey;
-using ports::KeychainValue;
 
 namespace {
 
@@ -84,7 +83,7 @@ NSDictionary* nativeDictionary(const KeychainDictionary& dictionary)
 /// The user's keychains through the Security framework's item functions.
 class MacKeychain final : public ports::Keychain {
 public:
-    [[nodiscard]] Copied copyMatching(const ports::KeychainDictionary& query) override
+    [[nodiscard]] Copied copyMatching(const KeychainDictionary& query) override
     {
         @autoreleasepool {
             CFTypeRef result = nullptr;
@@ -97,15 +96,15 @@ public:
         }
     }
 
-    [[nodiscard]] std::int32_t add(const ports::KeychainDictionary& attributes) override
+    [[nodiscard]] std::int32_t add(const KeychainDictionary& attributes) override
     {
         @autoreleasepool {
             return SecItemAdd((__bridge CFDictionaryRef)nativeDictionary(attributes), nullptr);
         }
     }
 
-    [[nodiscard]] std::int32_t update(const ports::KeychainDictionary& query,
-                                      const ports::KeychainDictionary& attributesToUpdate) override
+    [[nodiscard]] std::int32_t update(const KeychainDictionary& query,
+                                      const KeychainDictionary& attributesToUpdate) override
     {
         @autoreleasepool {
             return SecItemUpdate((__bridge CFDictionaryRef)nativeDictionary(query),
@@ -113,7 +112,7 @@ public:
         }
     }
 
-    std::int32_t remove(const ports::KeychainDictionary& query) override
+    std::int32_t remove(const KeychainDictionary& query) override
     {
         @autoreleasepool {
             return SecItemDelete((__bridge CFDictionaryRef)nativeDictionary(query));

@@ -7,8 +7,6 @@
 #import <AppKit/AppKit.h>
 #import <AudioToolbox/AudioToolbox.h>
 
-#include <utility>
-
 namespace sentrel::mac {
 
 namespace {
@@ -25,7 +23,7 @@ public:
 /// above all when the device is lost.
 class Engine final : public ports::AudioEngine {
 public:
-    ~Engine() override { stopNow(); }
+    ~Engine() override { Engine::stop(); }
 
     std::int32_t setOutputUnitProperty(std::uint32_t property, std::uint32_t scope, std::uint32_t element,
                                        std::uint32_t value) override
@@ -93,14 +91,12 @@ public:
         return isScheduled_ && guarded("play", [&] { [player_ play]; });
     }
     [[nodiscard]] bool isRunning() override { return engine_.isRunning; }
-    void stop() override { stopNow(); }
-
-private:
-    void stopNow()
+    void stop() override
     {
         guarded("stop", [&] { [engine_ stop]; });
     }
 
+private:
     AVAudioEngine* const engine_ = [[AVAudioEngine alloc] init];
     bool isScheduled_ = false;
     AVAudioPlayerNode* const player_ = [[AVAudioPlayerNode alloc] init];

@@ -4,36 +4,19 @@
 
 namespace sentrel::mac {
 
+// The tables have the order of their enumerations.
+
 NSFont* fontOf(ui::Text::Style style)
 {
-    switch (style) {
-    case ui::Text::Style::largeTitle:
-        return [NSFont preferredFontForTextStyle:NSFontTextStyleLargeTitle options:@{}];
-    case ui::Text::Style::title:
-        return [NSFont preferredFontForTextStyle:NSFontTextStyleTitle2 options:@{}];
-    case ui::Text::Style::headline:
-        return [NSFont preferredFontForTextStyle:NSFontTextStyleHeadline options:@{}];
-    case ui::Text::Style::callout:
-        return [NSFont preferredFontForTextStyle:NSFontTextStyleCallout options:@{}];
-    case ui::Text::Style::caption:
-        return [NSFont preferredFontForTextStyle:NSFontTextStyleCaption1 options:@{}];
-    case ui::Text::Style::body:
-        break;
-    }
-    return [NSFont preferredFontForTextStyle:NSFontTextStyleBody options:@{}];
+    const NSFontTextStyle styles[] = {NSFontTextStyleLargeTitle, NSFontTextStyleTitle2,  NSFontTextStyleHeadline,
+                                      NSFontTextStyleBody,       NSFontTextStyleCallout, NSFontTextStyleCaption1};
+    return [NSFont preferredFontForTextStyle:styles[static_cast<std::size_t>(style)] options:@{}];
 }
 
 NSColor* colorOf(ui::Text::Color color)
 {
-    switch (color) {
-    case ui::Text::Color::secondary:
-        return NSColor.secondaryLabelColor;
-    case ui::Text::Color::alarm:
-        return NSColor.systemRedColor;
-    case ui::Text::Color::primary:
-        break;
-    }
-    return NSColor.labelColor;
+    NSColor* const colors[] = {NSColor.labelColor, NSColor.secondaryLabelColor, NSColor.systemRedColor};
+    return colors[static_cast<std::size_t>(color)];
 }
 
 NSColor* colorOf(const ui::Color& color)
@@ -53,18 +36,8 @@ NSImage* imageOf(const ui::Image& image, const std::string& description)
 
 NSString* keyEquivalentOf(const std::optional<ui::Key>& key)
 {
-    if (!key) {
-        return @"";
-    }
-    switch (*key) {
-    case ui::Key::returnKey:
-        return @"\r";
-    case ui::Key::deleteKey:
-        return @"\x7f";
-    case ui::Key::escape:
-        break;
-    }
-    return @"\x1b";
+    NSString* const keys[] = {@"\r", @"\x7f", @"\x1b"};
+    return key ? keys[static_cast<std::size_t>(*key)] : @"";
 }
 
 std::optional<ui::Key> keyOf(NSEvent* event)

@@ -4,7 +4,6 @@
 #include "mac/windows/WindowAttachments.hpp"
 #include "ui/Node.hpp"
 
-#include <utility>
 #include <vector>
 
 namespace sentrel::mac {
@@ -61,11 +60,8 @@ public:
 
     [[nodiscard]] bool suits(const ui::View& attachment) const override
     {
-        if (ui::elementOf<ui::Dialog>(attachment) == nullptr) {
-            return false;
-        }
         // An alert is shown once, and its buttons are made once.
-        if (question_->hasEnded) {
+        if (ui::elementOf<ui::Dialog>(attachment) == nullptr || question_->hasEnded) {
             return false;
         }
         return !hasBegun_ || answersOf(attachment).size() == question_->answers.size();

@@ -126,7 +126,7 @@ void setBackground(NSView* view, NSBackgroundStyle style)
 {
     const BOOL accepted = [super becomeFirstResponder];
     if (accepted) {
-        [focusTarget gainedFocus];
+        [focusTarget tellFocus:true];
     }
     return accepted;
 }
@@ -135,7 +135,7 @@ void setBackground(NSView* view, NSBackgroundStyle style)
 {
     const BOOL accepted = [super resignFirstResponder];
     if (accepted) {
-        [focusTarget lostFocus];
+        [focusTarget tellFocus:false];
     }
     return accepted;
 }

@@ -71,16 +71,6 @@ using namespace sentrel;
     }
 }
 
-- (void)lostFocus
-{
-    [self tellFocus:false];
-}
-
-- (void)gainedFocus
-{
-    [self tellFocus:true];
-}
-
 - (void)tellFocus:(bool)isFocused
 {
     // Not while the first responder changes: the new tree may want to change it, too.
@@ -100,7 +90,7 @@ namespace {
 BOOL tellIfAccepted(NSTextField* field, BOOL isAccepted)
 {
     if (isAccepted) {
-        [static_cast<SentrelNodeTarget*>(field.delegate) gainedFocus];
+        [static_cast<SentrelNodeTarget*>(field.delegate) tellFocus:true];
     }
     return isAccepted;
 }

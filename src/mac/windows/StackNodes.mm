@@ -18,16 +18,11 @@ using Axis = ui::Stack::Axis;
 
 NSLayoutAttribute alignmentOf(const ui::Stack& stack)
 {
-    const bool isRow = stack.axis == Axis::horizontal;
-    switch (stack.alignment) {
-    case ui::Stack::Alignment::leading:
-        return isRow ? NSLayoutAttributeTop : NSLayoutAttributeLeading;
-    case ui::Stack::Alignment::trailing:
-        return isRow ? NSLayoutAttributeBottom : NSLayoutAttributeTrailing;
-    case ui::Stack::Alignment::center:
-        break;
-    }
-    return isRow ? NSLayoutAttributeCenterY : NSLayoutAttributeCenterX;
+    // In the order of `Alignment`.
+    constexpr NSLayoutAttribute inRow[] = {NSLayoutAttributeTop, NSLayoutAttributeCenterY, NSLayoutAttributeBottom};
+    constexpr NSLayoutAttribute inColumn[] = {NSLayoutAttributeLeading, NSLayoutAttributeCenterX,
+                                              NSLayoutAttributeTrailing};
+    return (stack.axis == Axis::horizontal ? inRow : inColumn)[static_cast<std::size_t>(stack.alignment)];
 }
 
 NSLayoutDimension* extentOf(NSView* view, bool isWidth)

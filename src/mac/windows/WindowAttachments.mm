@@ -7,15 +7,6 @@
 
 namespace sentrel::mac {
 
-namespace {
-
-std::unique_ptr<Overlay> makeOverlay(const ui::View& attachment)
-{
-    return ui::elementOf<ui::Sheet>(attachment) != nullptr ? makeSheet() : makeDialog();
-}
-
-} // namespace
-
 void WindowAttachments::show(NSWindow* window, const ui::View& content)
 {
     auto before = std::exchange(overlays_, {});
@@ -28,7 +19,7 @@ void WindowAttachments::show(NSWindow* window, const ui::View& content)
         }
         auto overlay = std::move(before[attachment.identity]);
         if (overlay == nullptr || !overlay->suits(*attachment.view)) {
-            overlay = makeOverlay(*attachment.view);
+            overlay = ui::elementOf<ui::Sheet>(*attachment.view) != nullptr ? makeSheet() : makeDialog();
         }
         overlays_[attachment.identity] = std::move(overlay);
     }
