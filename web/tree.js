@@ -349,7 +349,6 @@ export class Tree {
     #makers = {
         vstack: this.#stack,
         hstack: this.#stack,
-        zstack: this.#stack,
         text: () => h("span", {}),
         divider: () => h("hr", {}),
         image: (node) => (node.source === "data" ? h("img", { alt: "" }) : h("span", { className: "symbol" })),
@@ -368,7 +367,6 @@ export class Tree {
     #updaters = {
         vstack: (element, node) => this.#updateStack(element, node),
         hstack: (element, node) => this.#updateStack(element, node),
-        zstack: (element, node) => this.#updateStack(element, node),
         text: (element, node) => {
             set(element, { textContent: node.text });
             element.className = `ui-text text-${node.style ?? "body"} color-${node.color ?? "primary"}`;
@@ -399,7 +397,7 @@ export class Tree {
         },
         toggle: (element, node) => {
             set(element.text, { textContent: node.text });
-            set(element.inputPart, { checked: Boolean(node.on), role: node.style === "switch" ? "switch" : null });
+            set(element.inputPart, { checked: Boolean(node.on) });
         },
         slider: (element, node) => {
             set(element.text, { textContent: node.text });

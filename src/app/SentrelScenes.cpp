@@ -20,9 +20,9 @@ SentrelScenes::SentrelScenes(MainActor actor, bool isComputerCompatible, Service
       alertsView_({actor, services.alerts, services.photoPreview, platform.calendar, platform.files, platform.host,
                    platform.imageCodec, platform.language, platform.savePanels, platform.applicationNotifications}),
       menuLabel_(services.coordinator, isComputerCompatible, platform.language),
-      mainScene_(actor, platform.windows, windows_, mainWindow, platform.language.localized("Sentrel"),
+      mainScene_(actor, platform.windows, windows_, mainWindowDelegate_, platform.language.localized("Sentrel"),
                  [this] { return mainView_.body(); }),
-      alertsScene_(actor, platform.windows, windows_, alertsWindow, platform.language.localized("Alert List"),
+      alertsScene_(actor, platform.windows, windows_, alertsWindowDelegate_, platform.language.localized("Alert List"),
                    [this] { return alertsView_.body(); }),
       menuScene_(actor, platform.statusBar)
 {

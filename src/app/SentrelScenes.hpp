@@ -57,6 +57,8 @@ private:
     const bool isComputerCompatible_;
     ProtectedActions protectedActions_;
     ShellWindows windows_;
+    MainWindowDelegate mainWindowDelegate_{windows_};
+    AlertsWindowDelegate alertsWindowDelegate_{windows_};
     MacContentView mainView_;
     MacAlertsContentView alertsView_;
     MenuBarLabel menuLabel_;

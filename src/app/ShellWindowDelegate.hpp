@@ -26,6 +26,8 @@ public:
     ShellWindowDelegate(ShellWindows& windows, const WindowSpec& spec) : windows_(windows), window_(spec) {}
     ShellWindowDelegate(const ShellWindowDelegate&) = delete;
 
+    [[nodiscard]] const WindowSpec& window() const { return window_; }
+
     /// Makes this the window's delegate; it must outlive the window.
     void attachTo(ports::Window& window);
 
@@ -36,6 +38,18 @@ private:
 
     ShellWindows& windows_;
     const WindowSpec window_;
+};
+
+/// The control panel window's.
+class MainWindowDelegate final : public ShellWindowDelegate {
+public:
+    explicit MainWindowDelegate(ShellWindows& windows) : ShellWindowDelegate(windows, mainWindow) {}
+};
+
+/// The alerts window's.
+class AlertsWindowDelegate final : public ShellWindowDelegate {
+public:
+    explicit AlertsWindowDelegate(ShellWindows& windows) : ShellWindowDelegate(windows, alertsWindow) {}
 };
 
 } // namespace sentrel

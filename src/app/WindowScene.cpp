@@ -30,12 +30,12 @@ ports::WindowDescription describe(ports::Size content, const std::vector<ports::
 
 } // namespace
 
-WindowScene::WindowScene(MainActor actor, ports::Windows& windows, ShellWindows& shellWindows, const WindowSpec& spec,
-                         std::string title, std::function<ui::View()> body)
+WindowScene::WindowScene(MainActor actor, ports::Windows& windows, ShellWindows& shellWindows,
+                         ShellWindowDelegate& delegate, std::string title, std::function<ui::View()> body)
     : windows_(windows),
       shellWindows_(shellWindows),
-      spec_(spec),
-      delegate_(shellWindows, spec),
+      delegate_(delegate),
+      spec_(delegate.window()),
       title_(std::move(title)),
       body_(std::move(body)),
       redraw_(actor, [this] { draw(); })

@@ -13,8 +13,8 @@ namespace sentrel {
 /// A single window: created when first opened, then hidden and shown again. Main actor.
 class WindowScene {
 public:
-    /// The title is in the user's language; `body` returns the current content.
-    WindowScene(MainActor actor, ports::Windows& windows, ShellWindows& shellWindows, const WindowSpec& spec,
+    /// The delegate says which window this is. The title is in the user's language; `body` returns the current content.
+    WindowScene(MainActor actor, ports::Windows& windows, ShellWindows& shellWindows, ShellWindowDelegate& delegate,
                 std::string title, std::function<ui::View()> body);
     WindowScene(const WindowScene&) = delete;
 
@@ -30,8 +30,8 @@ private:
 
     ports::Windows& windows_;
     ShellWindows& shellWindows_;
+    ShellWindowDelegate& delegate_;
     const WindowSpec spec_;
-    ShellWindowDelegate delegate_;
     std::string title_;
     std::function<ui::View()> body_;
     std::unique_ptr<ports::Window> window_;

@@ -13,7 +13,7 @@ int main()
         }
         sentrel::mac::MacPlatform mac{sentrel::CloudKitService::containerIdentifier};
         const sentrel::SentrelApp app{mac.ports()};
-        mac.application().run();
+        sentrel::mac::runApplication();
     }
     return 0;
 }

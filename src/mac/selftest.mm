@@ -36,7 +36,7 @@ int main()
         mac::MacPlatform mac{CloudKitService::containerIdentifier};
         selftest::SelfTest test{mac.ports(), mac::differingSdkTexts()};
         MainActor{mac.ports().scheduler}.spawn(runAndEnd(test));
-        mac.application().run();
+        mac::runApplication();
     }
     return 0;
 }

@@ -32,6 +32,7 @@ public:
     /// The wide standalone name of the date's month in the user's language, for example "March".
     [[nodiscard]] virtual std::string monthName(Date date) = 0;
 
+    /// `NSDateFormatterStyle`.
     enum class Style { none, shortStyle, mediumStyle, longStyle };
 
     /// The date as the locale writes it.

@@ -57,14 +57,13 @@ std::string_view word(const std::array<std::string_view, count>& words, Enumerat
     return words.at(static_cast<std::size_t>(value));
 }
 
-constexpr std::array<std::string_view, 3> axes{"row", "column", "layers"};
+constexpr std::array<std::string_view, 2> axes{"row", "column"};
 constexpr std::array<std::string_view, 6> textStyles{", large title", ", title",  ", headline", "",
                                                      ", callout",     ", caption"};
 constexpr std::array<std::string_view, 3> textColors{"", ", secondary", ", alarm"};
-constexpr std::array<std::string_view, 4> imageSources{"asset", "symbol", "file", "data"};
+constexpr std::array<std::string_view, 2> imageSources{"symbol", "data"};
 constexpr std::array<std::string_view, 4> buttonRoles{"", ", prominent", ", destructive", ", cancel"};
 constexpr std::array<std::string_view, 3> keys{"return", "delete", "escape"};
-constexpr std::array<std::string_view, 2> toggleStyles{"checkbox", "switch"};
 constexpr std::array<std::string_view, 3> selectionModes{"", ", single selection", ", multiple selection"};
 constexpr std::array<std::string_view, 2> dialogKinds{"confirmation", "alert"};
 
@@ -91,7 +90,7 @@ struct Describe {
     }
     std::string operator()(const Toggle& toggle) const
     {
-        return withLabel(word(toggleStyles, toggle.style), toggle.label) + (toggle.isOn.value ? " on" : " off");
+        return withLabel("checkbox", toggle.label) + (toggle.isOn.value ? " on" : " off");
     }
     std::string operator()(const Slider& slider) const
     {

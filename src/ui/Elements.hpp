@@ -19,9 +19,9 @@ namespace sentrel::ui {
 /// Keys that have a meaning of their own in a window.
 enum class Key { returnKey, deleteKey, escape };
 
-/// Arranges its children in a row, in a column, or in layers (the last in front).
+/// Arranges its children in a row or in a column.
 struct Stack {
-    enum class Axis { horizontal, vertical, depth };
+    enum class Axis { horizontal, vertical };
     enum class Alignment { leading, center, trailing };
     Axis axis = Axis::vertical;
     double spacing = 8.0;
@@ -43,10 +43,9 @@ struct Text {
 };
 
 struct Image {
-    enum class Source { asset, systemSymbol, file, memory };
+    enum class Source { systemSymbol, memory };
     Source source = Source::systemSymbol;
-    /// Name of the asset or symbol, path of the file, or key of the data in memory. Other data has another key:
-    /// renderers compare names only.
+    /// Name of the symbol, or key of the data in memory. Other data has another key: renderers compare names only.
     std::string name;
     std::shared_ptr<const Bytes> data = nullptr; ///< an image file's content, in memory
 
@@ -65,11 +64,10 @@ struct Button {
     std::optional<Image> image;
 };
 
+/// A checkbox.
 struct Toggle {
-    enum class Style { checkbox, onOffSwitch };
     std::string label;
     Binding<bool> isOn;
-    Style style = Style::checkbox;
 };
 
 struct Slider {
@@ -104,7 +102,7 @@ struct List {
 /// Settings in sections, labels and controls in line; its children are sections.
 struct Form {};
 
-/// Children under a heading.
+/// Children under a heading, in a form or a list.
 struct Section {
     std::string header;
     std::string footer;

@@ -42,10 +42,12 @@ protected:
     simulation::SimulatedApplication application{log};
     ShellWindows windows{application, activation};
     int drawn = 0;
+    MainWindowDelegate mainDelegate{windows};
+    AlertsWindowDelegate alertsDelegate{windows};
     WindowScene main{machine.mainActor, displays,  windows,
-                     mainWindow,        "Sentrel", [this] { return ui::text(std::to_string(++drawn)); }};
+                     mainDelegate,      "Sentrel", [this] { return ui::text(std::to_string(++drawn)); }};
     WindowScene alerts{machine.mainActor, displays,     windows,
-                       alertsWindow,      "Alert List", [] { return ui::text("none"); }};
+                       alertsDelegate,    "Alert List", [] { return ui::text("none"); }};
 };
 
 TEST_F(ShellWindowsTest, KeepTheirWidthAndStayWithinTheirHeights)

@@ -1,6 +1,6 @@
-#include "mac/application/System.hpp"
+#include "mac/Adapters.hpp"
 
-#include "mac/foundation/FoundationText.hpp"
+#include "mac/foundation/FoundationValues.hpp"
 
 #import <Foundation/Foundation.h>
 
@@ -15,44 +15,12 @@ using ports::DateInterval;
 
 namespace {
 
-NSDate* dateObject(Date date)
-{
-    return [NSDate dateWithTimeIntervalSinceReferenceDate:date.secondsSinceReferenceDate];
-}
-
-Date dateOf(NSDate* date)
-{
-    return {date.timeIntervalSinceReferenceDate};
-}
-
 NSCalendarUnit unitOf(CalendarUnit unit)
 {
-    switch (unit) {
-    case CalendarUnit::day:
-        return NSCalendarUnitDay;
-    case CalendarUnit::weekOfYear:
-        return NSCalendarUnitWeekOfYear;
-    case CalendarUnit::month:
-        return NSCalendarUnitMonth;
-    case CalendarUnit::year:
-        break;
-    }
-    return NSCalendarUnitYear;
-}
-
-NSDateFormatterStyle styleOf(ports::Calendar::Style style)
-{
-    switch (style) {
-    case ports::Calendar::Style::shortStyle:
-        return NSDateFormatterShortStyle;
-    case ports::Calendar::Style::mediumStyle:
-        return NSDateFormatterMediumStyle;
-    case ports::Calendar::Style::longStyle:
-        return NSDateFormatterLongStyle;
-    case ports::Calendar::Style::none:
-        break;
-    }
-    return NSDateFormatterNoStyle;
+    // In the order of `CalendarUnit`.
+    constexpr NSCalendarUnit units[] = {NSCalendarUnitDay, NSCalendarUnitWeekOfYear, NSCalendarUnitMonth,
+                                        NSCalendarUnitYear};
+    return units[static_cast<std::size_t>(unit)];
 }
 
 /// The user's calendar; follows every change of the settings.
@@ -114,8 +82,8 @@ private:
             formatter = [[NSDateFormatter alloc] init];
             formatter.locale = NSLocale.autoupdatingCurrentLocale;
             formatter.timeZone = NSTimeZone.localTimeZone;
-            formatter.dateStyle = styleOf(dateStyle);
-            formatter.timeStyle = styleOf(timeStyle);
+            formatter.dateStyle = static_cast<NSDateFormatterStyle>(dateStyle);
+            formatter.timeStyle = static_cast<NSDateFormatterStyle>(timeStyle);
         }
         return formatter;
     }

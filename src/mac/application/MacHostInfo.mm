@@ -1,27 +1,17 @@
-#include "mac/application/System.hpp"
+#include "mac/Adapters.hpp"
 
-#include "mac/foundation/FoundationText.hpp"
+#include "mac/foundation/IORegistry.hpp"
 
 #import <CoreFoundation/CoreFoundation.h>
 #import <Foundation/Foundation.h>
-#import <IOKit/IOKitLib.h>
 
 #include <cstddef>
-#include <cstdint>
 
 #include <sys/sysctl.h>
 
 namespace sentrel::mac {
 
 namespace {
-
-std::optional<std::string> optionalText(NSString* text)
-{
-    if (text == nil) {
-        return std::nullopt;
-    }
-    return textOf(text);
-}
 
 /// Facts from the kernel, from the I/O registry and from Foundation.
 class MacHostInfo final : public ports::HostInfo {
@@ -44,18 +34,8 @@ public:
     {
         const io_registry_entry_t entry =
             IORegistryEntryCopyFromPath(kIOMainPortDefault, (__bridge CFStringRef)stringObject(path));
-        if (entry == IO_OBJECT_NULL) {
-            return std::nullopt;
-        }
-        const id value = CFBridgingRelease(IORegistryEntryCreateCFProperty(
-            entry, (__bridge CFStringRef)stringObject(property), kCFAllocatorDefault, 0));
-        IOObjectRelease(entry);
-        if (![value isKindOfClass:[NSData class]]) {
-            return std::nullopt;
-        }
-        NSData* const data = value;
-        const auto* const begin = static_cast<const std::uint8_t*>(data.bytes);
-        return Bytes(begin, begin + data.length);
+        NSData* const data = as<NSData>(takeProperty(entry, property));
+        return data == nil ? std::nullopt : std::optional{bytesOf(data)};
     }
 
     [[nodiscard]] std::optional<std::string> localizedName() override
@@ -76,10 +56,7 @@ public:
         NSArray<NSURL*>* const urls = [NSFileManager.defaultManager URLsForDirectory:NSApplicationSupportDirectory
                                                                            inDomains:NSUserDomainMask];
         NSURL* const first = urls.firstObject;
-        if (first == nil) {
-            return std::nullopt;
-        }
-        return pathOf(first);
+        return first == nil ? std::nullopt : std::optional{pathOf(first)};
     }
 
     [[nodiscard]] std::filesystem::path temporaryDirectory() override
@@ -88,15 +65,6 @@ public:
     }
 };
 
-} // namespace
-
-std::unique_ptr<ports::HostInfo> makeHostInfo()
-{
-    return std::make_unique<MacHostInfo>();
-}
-
-namespace {
-
 /// The system's date and time.
 class MacWallClock final : public ports::WallClock {
 public:
@@ -104,6 +72,11 @@ public:
 };
 
 } // namespace
+
+std::unique_ptr<ports::HostInfo> makeHostInfo()
+{
+    return std::make_unique<MacHostInfo>();
+}
 
 std::unique_ptr<ports::WallClock> makeWallClock()
 {

@@ -1,6 +1,7 @@
-#include "mac/application/System.hpp"
+#include "mac/Adapters.hpp"
 
-#include "mac/foundation/FoundationText.hpp"
+#include "mac/foundation/CallCopy.hpp"
+#include "mac/foundation/FoundationValues.hpp"
 #include "mac/foundation/Guarded.hpp"
 
 #import <AppKit/AppKit.h>
@@ -24,10 +25,7 @@ public:
                                       object:nil
                                        queue:NSOperationQueue.mainQueue
                                   usingBlock:^(NSNotification*) {
-                                      // A copy, because the callback may end the registration.
-                                      if (const auto callback = *target) {
-                                          callback();
-                                      }
+                                      callCopy(*target); // it may end the registration
                                   }];
     }
 
@@ -44,22 +42,18 @@ private:
     id token_ = nil;
 };
 
-/// The application's default notification center.
-class MacApplicationNotifications final : public ports::ApplicationNotifications {
+/// The notifications of a center.
+template <class Port> class MacNotifications final : public Port {
 public:
-    [[nodiscard]] ports::RegistrationPtr observe(const std::string& name, std::function<void()> received) override
-    {
-        return std::make_unique<Observation>(NSNotificationCenter.defaultCenter, name, std::move(received));
-    }
-};
+    explicit MacNotifications(NSNotificationCenter* center) : center_(center) {}
 
-/// The notification center of `NSWorkspace`.
-class MacWorkspaceNotifications final : public ports::WorkspaceNotifications {
-public:
     [[nodiscard]] ports::RegistrationPtr observe(const std::string& name, std::function<void()> received) override
     {
-        return std::make_unique<Observation>(NSWorkspace.sharedWorkspace.notificationCenter, name, std::move(received));
+        return std::make_unique<Observation>(center_, name, std::move(received));
     }
+
+private:
+    NSNotificationCenter* const center_;
 };
 
 /// The shared application object.
@@ -83,10 +77,7 @@ public:
 
 std::optional<std::string> failure(bool hasWorked, NSError* error)
 {
-    if (hasWorked) {
-        return std::nullopt;
-    }
-    return textOf(error.localizedDescription);
+    return hasWorked ? std::nullopt : std::optional{textOf(error.localizedDescription)};
 }
 
 /// The main application's login item.
@@ -113,12 +104,13 @@ public:
 
 std::unique_ptr<ports::ApplicationNotifications> makeApplicationNotifications()
 {
-    return std::make_unique<MacApplicationNotifications>();
+    return std::make_unique<MacNotifications<ports::ApplicationNotifications>>(NSNotificationCenter.defaultCenter);
 }
 
 std::unique_ptr<ports::WorkspaceNotifications> makeWorkspaceNotifications()
 {
-    return std::make_unique<MacWorkspaceNotifications>();
+    return std::make_unique<MacNotifications<ports::WorkspaceNotifications>>(
+        NSWorkspace.sharedWorkspace.notificationCenter);
 }
 
 std::unique_ptr<ports::ApplicationActivation> makeApplicationActivation()

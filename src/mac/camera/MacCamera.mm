@@ -1,147 +1,95 @@
-#include "mac/camera/Camera.hpp"
+#include "mac/Adapters.hpp"
 
-#include "mac/foundation/FoundationText.hpp"
+#include "mac/foundation/FoundationValues.hpp"
 #include "mac/foundation/Guarded.hpp"
+#include "mac/foundation/Wrapped.hpp"
 
 #import <AVFoundation/AVFoundation.h>
 
 #include <utility>
 
-namespace sentrel::mac {
+using namespace sentrel;
+using namespace sentrel::mac;
 
 namespace {
 
-class MacCapturedPhoto final : public ports::CapturedPhoto {
+class MacCapturedPhoto final : public Wrapped<ports::CapturedPhoto, AVCapturePhoto> {
 public:
-    explicit MacCapturedPhoto(AVCapturePhoto* photo) : photo_(photo) {}
+    using Wrapped::Wrapped;
 
     [[nodiscard]] std::optional<Bytes> fileDataRepresentation() const override
     {
-        NSData* data = nil;
-        guarded("fileDataRepresentation", [&] { data = [photo_ fileDataRepresentation]; });
-        if (data == nil) {
-            return std::nullopt;
-        }
-        const auto* const first = static_cast<const std::uint8_t*>(data.bytes);
-        return Bytes{first, first + data.length};
+        NSData* const data = guardedResult("fileDataRepresentation", [&] { return [native() fileDataRepresentation]; });
+        return data == nil ? std::nullopt : std::optional{bytesOf(data)};
     }
-
-private:
-    AVCapturePhoto* const photo_;
 };
 
 } // namespace
 
-} // namespace sentrel::mac
-
 /// Passes photos on to the product's delegate, which keeps this object alive; the output does not.
-@interface SentrelPhotoCaptureDelegate : NSObject <AVCapturePhotoCaptureDelegate>
-- (instancetype)initWithDelegate:(std::weak_ptr<sentrel::ports::PhotoOutputDelegate>)delegate;
+@interface SentrelPhotoCaptureDelegate : NSObject <AVCapturePhotoCaptureDelegate> {
+@public
+    std::weak_ptr<ports::PhotoOutputDelegate> told;
+}
 @end
 
-@implementation SentrelPhotoCaptureDelegate {
-    std::weak_ptr<sentrel::ports::PhotoOutputDelegate> _delegate;
-}
-
-- (instancetype)initWithDelegate:(std::weak_ptr<sentrel::ports::PhotoOutputDelegate>)delegate
-{
-    self = [super init];
-    if (self != nil) {
-        _delegate = std::move(delegate);
-    }
-    return self;
-}
+@implementation SentrelPhotoCaptureDelegate
 
 - (void)captureOutput:(AVCapturePhotoOutput*)output
     didFinishProcessingPhoto:(AVCapturePhoto*)photo
                        error:(NSError*)error
 {
-    if (const auto delegate = _delegate.lock()) {
-        std::optional<std::string> description;
-        if (error != nil) {
-            description = sentrel::mac::textOf(error.description);
-        }
-        delegate->didFinishProcessingPhoto(sentrel::mac::MacCapturedPhoto{photo}, std::move(description));
+    if (const auto delegate = told.lock()) {
+        delegate->didFinishProcessingPhoto(MacCapturedPhoto{photo}, optionalText(error.description));
     }
 }
 
 @end
 
-namespace sentrel::mac {
-
 namespace {
 
-class MacCaptureDevice final : public ports::CaptureDevice {
+class MacCaptureDevice final : public Wrapped<ports::CaptureDevice, AVCaptureDevice> {
 public:
-    explicit MacCaptureDevice(AVCaptureDevice* device) : device_(device) {}
-
-    [[nodiscard]] std::string deviceType() const override { return textOf(device_.deviceType); }
-    [[nodiscard]] bool isContinuityCamera() const override { return device_.isContinuityCamera; }
-    [[nodiscard]] bool isAdjustingExposure() const override { return device_.isAdjustingExposure; }
-    [[nodiscard]] bool isAdjustingWhiteBalance() const override { return device_.isAdjustingWhiteBalance; }
-    [[nodiscard]] AVCaptureDevice* native() const { return device_; }
-
-private:
-    AVCaptureDevice* const device_;
+    using Wrapped::Wrapped;
+    [[nodiscard]] std::string deviceType() const override { return textOf(native().deviceType); }
+    [[nodiscard]] bool isContinuityCamera() const override { return native().isContinuityCamera; }
+    [[nodiscard]] bool isAdjustingExposure() const override { return native().isAdjustingExposure; }
+    [[nodiscard]] bool isAdjustingWhiteBalance() const override { return native().isAdjustingWhiteBalance; }
 };
 
-class MacCaptureInput final : public ports::CaptureInput {
-public:
-    explicit MacCaptureInput(AVCaptureDeviceInput* input) : input_(input) {}
-    [[nodiscard]] AVCaptureDeviceInput* native() const { return input_; }
+using MacCaptureInput = Wrapped<ports::CaptureInput, AVCaptureDeviceInput>;
 
-private:
-    AVCaptureDeviceInput* const input_;
+class MacPhotoSettings final : public Wrapped<ports::PhotoSettings, AVCapturePhotoSettings> {
+public:
+    using Wrapped::Wrapped;
+    [[nodiscard]] std::int64_t uniqueId() const override { return native().uniqueID; }
 };
 
-class MacPhotoSettings final : public ports::PhotoSettings {
+class MacPhotoOutput final : public Wrapped<ports::PhotoOutput, AVCapturePhotoOutput> {
 public:
-    [[nodiscard]] std::int64_t uniqueId() const override { return settings_.uniqueID; }
-    [[nodiscard]] AVCapturePhotoSettings* native() const { return settings_; }
-
-private:
-    AVCapturePhotoSettings* const settings_ = [AVCapturePhotoSettings photoSettings];
-};
-
-class MacPhotoOutput final : public ports::PhotoOutput {
-public:
+    using Wrapped::Wrapped;
     void capturePhoto(const ports::PhotoSettings& settings, std::weak_ptr<ports::PhotoOutputDelegate> delegate) override
     {
         const auto alive = delegate.lock();
         if (!alive) {
             return;
         }
-        SentrelPhotoCaptureDelegate* const receiver =
-            [[SentrelPhotoCaptureDelegate alloc] initWithDelegate:std::move(delegate)];
+        SentrelPhotoCaptureDelegate* const receiver = [[SentrelPhotoCaptureDelegate alloc] init];
+        receiver->told = std::move(delegate);
         alive->keepCounterpart({const_cast<void*>(CFBridgingRetain(receiver)), &CFRelease});
         // Raises when the output has no active connection: its camera is gone or was removed.
         const bool isAsked = guarded("capturePhotoWithSettings", [&] {
-            [output_ capturePhotoWithSettings:static_cast<const MacPhotoSettings&>(settings).native()
-                                     delegate:receiver];
+            [native() capturePhotoWithSettings:MacPhotoSettings::of(settings) delegate:receiver];
         });
         if (!isAsked) {
             alive->didFinishProcessingPhoto(MacCapturedPhoto{nil}, "the output refused to take a photo");
         }
     }
-    [[nodiscard]] AVCapturePhotoOutput* native() const { return output_; }
-
-private:
-    AVCapturePhotoOutput* const output_ = [[AVCapturePhotoOutput alloc] init];
 };
-
-AVCaptureDeviceInput* nativeOf(const ports::CaptureInput& input)
-{
-    return static_cast<const MacCaptureInput&>(input).native();
-}
-
-AVCapturePhotoOutput* nativeOf(const ports::PhotoOutput& output)
-{
-    return static_cast<const MacPhotoOutput&>(output).native();
-}
 
 class MacCaptureSession final : public ports::CaptureSession {
 public:
-    ~MacCaptureSession() override { stop(); }
+    ~MacCaptureSession() override { MacCaptureSession::stopRunning(); }
 
     void setPreset(const std::string& preset) override
     {
@@ -149,37 +97,31 @@ public:
     }
     [[nodiscard]] bool canAddInput(const ports::CaptureInput& input) override
     {
-        bool canAdd = false;
-        guarded("canAddInput", [&] { canAdd = [session_ canAddInput:nativeOf(input)]; });
-        return canAdd;
+        return guardedResult("canAddInput", [&] { return [session_ canAddInput:MacCaptureInput::of(input)]; });
     }
     void addInput(std::shared_ptr<ports::CaptureInput> input) override
     {
-        guarded("addInput", [&] { [session_ addInput:nativeOf(*input)]; });
+        guarded("addInput", [&] { [session_ addInput:MacCaptureInput::of(*input)]; });
     }
     [[nodiscard]] bool canAddOutput(const ports::PhotoOutput& output) override
     {
-        bool canAdd = false;
-        guarded("canAddOutput", [&] { canAdd = [session_ canAddOutput:nativeOf(output)]; });
-        return canAdd;
+        return guardedResult("canAddOutput", [&] { return [session_ canAddOutput:MacPhotoOutput::of(output)]; });
     }
     void addOutput(std::shared_ptr<ports::PhotoOutput> output) override
     {
-        guarded("addOutput", [&] { [session_ addOutput:nativeOf(*output)]; });
+        guarded("addOutput", [&] { [session_ addOutput:MacPhotoOutput::of(*output)]; });
     }
     void startRunning() override
     {
         guarded("startRunning", [&] { [session_ startRunning]; });
     }
-    void stopRunning() override { stop(); }
-    [[nodiscard]] bool isRunning() const override { return session_.isRunning; }
-
-private:
-    void stop()
+    void stopRunning() override
     {
         guarded("stopRunning", [&] { [session_ stopRunning]; });
     }
+    [[nodiscard]] bool isRunning() const override { return session_.isRunning; }
 
+private:
     AVCaptureSession* const session_ = [[AVCaptureSession alloc] init];
 };
 
@@ -208,12 +150,8 @@ public:
     [[nodiscard]] std::vector<std::shared_ptr<ports::CaptureDevice>>
     discoverDevices(const std::vector<std::string>& deviceTypes, const std::string& mediaType) override
     {
-        NSMutableArray<AVCaptureDeviceType>* const types = [NSMutableArray array];
-        for (const std::string& type : deviceTypes) {
-            [types addObject:stringObject(type)];
-        }
         AVCaptureDeviceDiscoverySession* const discovery =
-            [AVCaptureDeviceDiscoverySession discoverySessionWithDeviceTypes:types
+            [AVCaptureDeviceDiscoverySession discoverySessionWithDeviceTypes:stringObjects(deviceTypes)
                                                                    mediaType:stringObject(mediaType)
                                                                     position:AVCaptureDevicePositionUnspecified];
         std::vector<std::shared_ptr<ports::CaptureDevice>> devices;
@@ -231,10 +169,9 @@ public:
 
     [[nodiscard]] std::shared_ptr<ports::CaptureInput> makeInput(const ports::CaptureDevice& device) override
     {
-        AVCaptureDevice* const native = static_cast<const MacCaptureDevice&>(device).native();
-        AVCaptureDeviceInput* input = nil;
-        guarded("deviceInputWithDevice",
-                [&] { input = [AVCaptureDeviceInput deviceInputWithDevice:native error:nil]; });
+        AVCaptureDevice* const native = MacCaptureDevice::of(device);
+        AVCaptureDeviceInput* const input = guardedResult(
+            "deviceInputWithDevice", [&] { return [AVCaptureDeviceInput deviceInputWithDevice:native error:nil]; });
         return input == nil ? nullptr : std::make_shared<MacCaptureInput>(input);
     }
 
@@ -245,20 +182,18 @@ public:
 
     [[nodiscard]] std::shared_ptr<ports::PhotoOutput> makePhotoOutput() override
     {
-        return std::make_shared<MacPhotoOutput>();
+        return std::make_shared<MacPhotoOutput>([[AVCapturePhotoOutput alloc] init]);
     }
 
     [[nodiscard]] std::unique_ptr<ports::PhotoSettings> makePhotoSettings() override
     {
-        return std::make_unique<MacPhotoSettings>();
+        return std::make_unique<MacPhotoSettings>([AVCapturePhotoSettings photoSettings]);
     }
 };
 
 } // namespace
 
-std::unique_ptr<ports::Camera> makeCamera()
+std::unique_ptr<ports::Camera> sentrel::mac::makeCamera()
 {
     return std::make_unique<MacCamera>();
 }
-
-} // namespace sentrel::mac

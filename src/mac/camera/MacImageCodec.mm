@@ -1,6 +1,6 @@
-#include "mac/camera/Camera.hpp"
+#include "mac/Adapters.hpp"
 
-#include "mac/foundation/FoundationText.hpp"
+#include "mac/foundation/FoundationValues.hpp"
 
 #import <AppKit/AppKit.h>
 #import <CoreImage/CoreImage.h>
@@ -23,22 +23,10 @@ private:
     CGImageRef image_;
 };
 
-/// The bytes as a data object without a copy. They must outlive it.
-NSData* dataObject(BytesView bytes)
+/// An image source; nil if the data is no image.
+id imageSource(BytesView data)
 {
-    return [NSData dataWithBytesNoCopy:const_cast<std::uint8_t*>(bytes.data()) length:bytes.size() freeWhenDone:NO];
-}
-
-Bytes copyOf(NSData* data)
-{
-    const auto* const first = static_cast<const std::uint8_t*>(data.bytes);
-    return Bytes{first, first + data.length};
-}
-
-/// An image source, which the caller releases; null if the data is no image.
-CGImageSourceRef createSource(BytesView data)
-{
-    return CGImageSourceCreateWithData((__bridge CFDataRef)dataObject(data), nullptr);
+    return CFBridgingRelease(CGImageSourceCreateWithData((__bridge CFDataRef)unownedData(data), nullptr));
 }
 
 /// Image files through Core Image and Image I/O. Images passed in must come from here.
@@ -47,7 +35,7 @@ public:
     [[nodiscard]] std::optional<Rgba> areaAverage(BytesView data) override
     {
         @autoreleasepool {
-            CIImage* const image = [CIImage imageWithData:dataObject(data)];
+            CIImage* const image = [CIImage imageWithData:unownedData(data)];
             if (image == nil) {
                 return std::nullopt;
             }
@@ -74,12 +62,12 @@ public:
     [[nodiscard]] std::optional<ports::PixelSize> pixelSize(BytesView data) override
     {
         @autoreleasepool {
-            CGImageSourceRef source = createSource(data);
-            if (source == nullptr) {
+            const id source = imageSource(data);
+            if (source == nil) {
                 return std::nullopt;
             }
-            NSDictionary* const properties = CFBridgingRelease(CGImageSourceCopyPropertiesAtIndex(source, 0, nullptr));
-            CFRelease(source);
+            NSDictionary* const properties =
+                CFBridgingRelease(CGImageSourceCopyPropertiesAtIndex((__bridge CGImageSourceRef)source, 0, nullptr));
             NSNumber* const width = properties[(__bridge NSString*)kCGImagePropertyPixelWidth];
             NSNumber* const height = properties[(__bridge NSString*)kCGImagePropertyPixelHeight];
             if (width == nil || height == nil) {
@@ -93,8 +81,8 @@ public:
                                                                 bool transform) override
     {
         @autoreleasepool {
-            CGImageSourceRef source = createSource(data);
-            if (source == nullptr) {
+            const id source = imageSource(data);
+            if (source == nil) {
                 return nullptr;
             }
             NSDictionary* const options = @{
@@ -102,8 +90,8 @@ public:
                 (__bridge NSString*)kCGImageSourceCreateThumbnailWithTransform : @(transform),
                 (__bridge NSString*)kCGImageSourceThumbnailMaxPixelSize : @(maxPixelSize),
             };
-            CGImageRef thumbnail = CGImageSourceCreateThumbnailAtIndex(source, 0, (__bridge CFDictionaryRef)options);
-            CFRelease(source);
+            CGImageRef thumbnail = CGImageSourceCreateThumbnailAtIndex((__bridge CGImageSourceRef)source, 0,
+                                                                       (__bridge CFDictionaryRef)options);
             return thumbnail == nullptr ? nullptr : std::make_unique<MacImage>(thumbnail);
         }
     }
@@ -124,21 +112,18 @@ public:
                                        (__bridge CFDictionaryRef)properties);
             const bool isWritten = CGImageDestinationFinalize(destination);
             CFRelease(destination);
-            if (!isWritten) {
-                return std::nullopt;
-            }
-            return copyOf(data);
+            return isWritten ? std::optional{bytesOf(data)} : std::nullopt;
         }
     }
 
     [[nodiscard]] std::optional<Bytes> jpegRepresentation(BytesView data) override
     {
         @autoreleasepool {
-            NSImage* const image = [[NSImage alloc] initWithData:dataObject(data)];
+            NSImage* const image = [[NSImage alloc] initWithData:unownedData(data)];
             NSData* const tiff = image.TIFFRepresentation;
             NSBitmapImageRep* const bitmap = tiff == nil ? nil : [NSBitmapImageRep imageRepWithData:tiff];
             NSData* const jpeg = [bitmap representationUsingType:NSBitmapImageFileTypeJPEG properties:@{}];
-            return jpeg == nil ? std::nullopt : std::optional{copyOf(jpeg)};
+            return jpeg == nil ? std::nullopt : std::optional{bytesOf(jpeg)};
         }
     }
 };

@@ -1,10 +1,11 @@
 #pragma once
 
 #include "ports/CloudDatabase.hpp"
+#include "ports/RemoteNotifications.hpp"
 
 #import <CloudKit/CloudKit.h>
 
-// Records, queries and errors between CloudKit's objects and the port's values. Any thread.
+// Records, queries, errors and pushes between CloudKit's objects and the port's values. Any thread.
 
 namespace sentrel::mac {
 
@@ -28,6 +29,9 @@ namespace sentrel::mac {
 
 [[nodiscard]] CKQuery* queryObject(const ports::CloudQuery& query);
 [[nodiscard]] CKQuerySubscription* subscriptionObject(const ports::CloudSubscription& subscription);
+
+/// None when the push is nil or isn't a CloudKit notification.
+[[nodiscard]] std::optional<ports::CloudNotification> cloudNotificationOf(NSDictionary* userInfo);
 
 /// Nil for all keys.
 [[nodiscard]] NSArray<NSString*>* keyObjects(const ports::CloudDesiredKeys& keys);

@@ -1,6 +1,6 @@
 #include "mac/cloud/CloudRecords.hpp"
 
-#include "mac/foundation/FoundationText.hpp"
+#include "mac/foundation/FoundationValues.hpp"
 #include "mac/foundation/Guarded.hpp"
 
 #include <algorithm>
@@ -17,43 +17,24 @@ using ports::CloudValue;
 /// CloudKit's limit for the names of records.
 constexpr std::size_t longestRecordName = 255;
 
-NSDate* dateObject(Date date)
-{
-    return [NSDate dateWithTimeIntervalSinceReferenceDate:date.secondsSinceReferenceDate];
-}
-
-NSArray<NSString*>* stringObjects(const std::vector<std::string>& texts)
-{
-    NSMutableArray<NSString*>* const objects = [NSMutableArray arrayWithCapacity:texts.size()];
-    for (const std::string& text : texts) {
-        [objects addObject:stringObject(text)];
-    }
-    return objects;
-}
-
 /// The name of an item of a partial failure: a record, a zone or a subscription.
 std::string itemNameOf(id item)
 {
-    if ([item isKindOfClass:CKRecordID.class]) {
-        return textOf(static_cast<CKRecordID*>(item).recordName);
+    if (CKRecordID* const record = as<CKRecordID>(item)) {
+        return textOf(record.recordName);
     }
-    if ([item isKindOfClass:CKRecordZoneID.class]) {
-        return textOf(static_cast<CKRecordZoneID*>(item).zoneName);
+    if (CKRecordZoneID* const zone = as<CKRecordZoneID>(item)) {
+        return textOf(zone.zoneName);
     }
-    return [item isKindOfClass:NSString.class] ? textOf(static_cast<NSString*>(item)) : std::string{};
+    return textOf(as<NSString>(item));
 }
 
 std::map<std::string, CloudError> itemErrorsOf(NSError* error)
 {
     std::map<std::string, CloudError> errors;
-    const id items = error.userInfo[CKPartialErrorsByItemIDKey];
-    if (![items isKindOfClass:NSDictionary.class]) {
-        return errors;
-    }
-    NSDictionary* const byItem = items;
+    NSDictionary* const byItem = as<NSDictionary>(error.userInfo[CKPartialErrorsByItemIDKey]);
     for (const id item in byItem) {
-        const id itemError = byItem[item];
-        if ([itemError isKindOfClass:NSError.class]) {
+        if (NSError* const itemError = as<NSError>(byItem[item])) {
             errors.emplace(itemNameOf(item), cloudErrorOf(itemError));
         }
     }
@@ -68,25 +49,18 @@ struct MakeObject {
     id operator()(const std::vector<std::string>& texts) const { return stringObjects(texts); }
     id operator()(const ports::CloudAsset& asset) const
     {
-        NSURL* const url = [NSURL fileURLWithPath:stringObject(asset.file.native()) isDirectory:NO];
-        return [[CKAsset alloc] initWithFileURL:url];
+        return [[CKAsset alloc] initWithFileURL:fileURL(asset.file)];
     }
     id operator()(const std::vector<std::int64_t>& numbers) const
     {
-        NSMutableArray<NSNumber*>* const objects = [NSMutableArray arrayWithCapacity:numbers.size()];
-        for (const std::int64_t number : numbers) {
-            [objects addObject:@(number)];
-        }
-        return objects;
+        return objectsOf(numbers, [](std::int64_t number) { return @(number); });
     }
 };
 
 NSPredicate* predicateObject(const ports::CloudPredicate& predicate)
 {
-    NSMutableArray* const arguments = [NSMutableArray array];
-    for (const auto& argument : predicate.arguments) {
-        [arguments addObject:std::visit(MakeObject{}, argument)];
-    }
+    NSArray* const arguments =
+        objectsOf(predicate.arguments, [](const auto& argument) { return std::visit(MakeObject{}, argument); });
     NSPredicate* made = nil;
     guardedCloudCall("predicateWithFormat", [&] {
         made = [NSPredicate predicateWithFormat:stringObject(predicate.format) argumentArray:arguments];
@@ -106,10 +80,10 @@ std::optional<CloudValue> textsOf(NSArray* array)
 {
     std::vector<std::string> texts;
     for (const id element in array) {
-        if (![element isKindOfClass:NSString.class]) {
+        if (as<NSString>(element) == nil) {
             return std::nullopt;
         }
-        texts.push_back(textOf(static_cast<NSString*>(element)));
+        texts.push_back(textOf(element));
     }
     return texts;
 }
@@ -131,22 +105,19 @@ std::optional<CloudValue> assetOf(CKAsset* asset)
 /// None for an object of a type that the port doesn't have.
 std::optional<CloudValue> valueOf(id object)
 {
-    if ([object isKindOfClass:NSString.class]) {
-        return textOf(static_cast<NSString*>(object));
+    if (NSString* const text = as<NSString>(object)) {
+        return textOf(text);
     }
-    if ([object isKindOfClass:NSNumber.class]) {
-        return numberOf(object);
+    if (NSNumber* const number = as<NSNumber>(object)) {
+        return numberOf(number);
     }
-    if ([object isKindOfClass:NSDate.class]) {
-        return Date{static_cast<NSDate*>(object).timeIntervalSinceReferenceDate};
+    if (NSDate* const date = as<NSDate>(object)) {
+        return dateOf(date);
     }
-    if ([object isKindOfClass:NSArray.class]) {
-        return textsOf(object);
+    if (NSArray* const array = as<NSArray>(object)) {
+        return textsOf(array);
     }
-    if ([object isKindOfClass:CKAsset.class]) {
-        return assetOf(object);
-    }
-    return std::nullopt;
+    return assetOf(as<CKAsset>(object));
 }
 
 Bytes systemFieldsOf(CKRecord* record)
@@ -154,9 +125,7 @@ Bytes systemFieldsOf(CKRecord* record)
     NSKeyedArchiver* const archiver = [[NSKeyedArchiver alloc] initRequiringSecureCoding:YES];
     [record encodeSystemFieldsWithCoder:archiver];
     [archiver finishEncoding];
-    NSData* const data = archiver.encodedData;
-    const auto* const first = static_cast<const std::uint8_t*>(data.bytes);
-    return Bytes(first, first + data.length);
+    return bytesOf(archiver.encodedData);
 }
 
 /// The record with these system fields and no others; nil if they can't be decoded.
@@ -214,9 +183,8 @@ CloudError cloudErrorOf(NSError* error)
         return {textOf(CKErrorDomain), CKErrorInternalError, "neither an answer nor an error came"};
     }
     CloudError made{textOf(error.domain), static_cast<int>(error.code), textOf(error.localizedDescription)};
-    const id retryAfter = error.userInfo[CKErrorRetryAfterKey];
-    if ([retryAfter isKindOfClass:NSNumber.class]) {
-        made.retryAfter = static_cast<NSNumber*>(retryAfter).doubleValue;
+    if (NSNumber* const retryAfter = as<NSNumber>(error.userInfo[CKErrorRetryAfterKey])) {
+        made.retryAfter = retryAfter.doubleValue;
     }
     made.itemErrors = itemErrorsOf(error);
     return made;
@@ -235,11 +203,7 @@ CKRecordID* recordIDObject(const std::string& name)
 
 NSArray<CKRecordID*>* recordIDObjects(const std::vector<std::string>& names)
 {
-    NSMutableArray<CKRecordID*>* const objects = [NSMutableArray arrayWithCapacity:names.size()];
-    for (const std::string& name : names) {
-        [objects addObject:recordIDObject(name)];
-    }
-    return objects;
+    return objectsOf(names, recordIDObject);
 }
 
 CKRecord* recordObject(const CloudRecord& record)
@@ -256,11 +220,7 @@ CKRecord* recordObject(const CloudRecord& record)
 
 NSArray<CKRecord*>* recordObjects(const std::vector<CloudRecord>& records)
 {
-    NSMutableArray<CKRecord*>* const objects = [NSMutableArray arrayWithCapacity:records.size()];
-    for (const CloudRecord& record : records) {
-        [objects addObject:recordObject(record)];
-    }
-    return objects;
+    return objectsOf(records, recordObject);
 }
 
 CloudRecord cloudRecordOf(CKRecord* record)
@@ -270,7 +230,7 @@ CloudRecord cloudRecordOf(CKRecord* record)
     made.name = textOf(record.recordID.recordName);
     made.systemFields = systemFieldsOf(record);
     if (record.modificationDate != nil) {
-        made.modificationDate = Date{record.modificationDate.timeIntervalSinceReferenceDate};
+        made.modificationDate = dateOf(record.modificationDate);
     }
     for (NSString* const key in record.allKeys) {
         if (auto value = valueOf([record objectForKey:key])) {
@@ -314,6 +274,17 @@ CKQuerySubscription* subscriptionObject(const ports::CloudSubscription& subscrip
         made.notificationInfo = notificationInfo(subscription);
     });
     return made;
+}
+
+std::optional<ports::CloudNotification> cloudNotificationOf(NSDictionary* userInfo)
+{
+    CKNotification* const notification =
+        userInfo == nil ? nil : [CKNotification notificationFromRemoteNotificationDictionary:userInfo];
+    if (notification == nil) {
+        return std::nullopt;
+    }
+    return ports::CloudNotification{optionalText(notification.subscriptionID),
+                                    optionalText(as<CKQueryNotification>(notification).recordID.recordName)};
 }
 
 NSArray<NSString*>* keyObjects(const ports::CloudDesiredKeys& keys)

@@ -1,5 +1,6 @@
-#include "mac/cloud/Cloud.hpp"
+#include "mac/Adapters.hpp"
 
+#include "mac/foundation/CallCopy.hpp"
 #include "runtime/SerialQueue.hpp"
 
 #import <Network/Network.h>
@@ -22,10 +23,7 @@ public:
     void tell(ports::NetworkPathStatus status)
     {
         const std::lock_guard guard{mutex_};
-        // A copy, because the callback may end the registration.
-        if (const auto callback = pathChanged_) {
-            callback(status);
-        }
+        callCopy(pathChanged_, status); // it may end the registration
     }
 
     /// Waits for a callback running on another thread; none follows.

@@ -1,4 +1,4 @@
-#include "mac/files/Files.hpp"
+#include "mac/Adapters.hpp"
 
 #include <nlohmann/json.hpp>
 

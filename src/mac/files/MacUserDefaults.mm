@@ -1,6 +1,6 @@
-#include "mac/files/Files.hpp"
+#include "mac/Adapters.hpp"
 
-#include "mac/foundation/FoundationText.hpp"
+#include "mac/foundation/FoundationValues.hpp"
 
 namespace sentrel::mac {
 
@@ -11,13 +11,8 @@ class MacUserDefaults final : public ports::UserDefaults {
 public:
     [[nodiscard]] std::optional<Bytes> data(const std::string& key) override
     {
-        const id value = [NSUserDefaults.standardUserDefaults objectForKey:stringObject(key)];
-        if (![value isKindOfClass:[NSData class]]) {
-            return std::nullopt;
-        }
-        NSData* const data = value;
-        const auto* const first = static_cast<const std::uint8_t*>(data.bytes);
-        return Bytes(first, first + data.length);
+        NSData* const data = as<NSData>(objectFor(key));
+        return data == nil ? std::nullopt : std::optional{bytesOf(data)};
     }
 
     void setData(const std::string& key, BytesView value) override
@@ -29,11 +24,7 @@ public:
     [[nodiscard]] std::optional<std::string> text(const std::string& key) override
     {
         // Not stringForKey:, which makes texts of numbers.
-        const id value = [NSUserDefaults.standardUserDefaults objectForKey:stringObject(key)];
-        if (![value isKindOfClass:[NSString class]]) {
-            return std::nullopt;
-        }
-        return textOf(static_cast<NSString*>(value));
+        return optionalText(as<NSString>(objectFor(key)));
     }
 
     void setText(const std::string& key, const std::string& value) override
@@ -57,21 +48,14 @@ public:
 
     void setTexts(const std::string& key, const std::vector<std::string>& value) override
     {
-        NSMutableArray<NSString*>* const array = [NSMutableArray arrayWithCapacity:value.size()];
-        for (const std::string& text : value) {
-            [array addObject:stringObject(text)];
-        }
-        [NSUserDefaults.standardUserDefaults setObject:array forKey:stringObject(key)];
+        [NSUserDefaults.standardUserDefaults setObject:stringObjects(value) forKey:stringObject(key)];
     }
 
     [[nodiscard]] std::optional<std::int64_t> integer(const std::string& key) override
     {
         // Not integerForKey:, which makes numbers of texts and zero of everything else.
-        const id value = [NSUserDefaults.standardUserDefaults objectForKey:stringObject(key)];
-        if (![value isKindOfClass:[NSNumber class]]) {
-            return std::nullopt;
-        }
-        return static_cast<NSNumber*>(value).longLongValue;
+        NSNumber* const number = as<NSNumber>(objectFor(key));
+        return number == nil ? std::nullopt : std::optional<std::int64_t>{number.longLongValue};
     }
 
     void setInteger(const std::string& key, std::int64_t value) override
@@ -82,6 +66,12 @@ public:
     void remove(const std::string& key) override
     {
         [NSUserDefaults.standardUserDefaults removeObjectForKey:stringObject(key)];
+    }
+
+private:
+    static id objectFor(const std::string& key)
+    {
+        return [NSUserDefaults.standardUserDefaults objectForKey:stringObject(key)];
     }
 };
 

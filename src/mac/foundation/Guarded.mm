@@ -1,6 +1,6 @@
 #include "mac/foundation/Guarded.hpp"
 
-#include "mac/foundation/FoundationText.hpp"
+#include "mac/foundation/FoundationValues.hpp"
 #include "ports/CloudError.hpp"
 
 #import <CloudKit/CloudKit.h>

@@ -1,8 +1,9 @@
 #include "mac/foundation/SdkConstants.hpp"
 
-#include "mac/foundation/FoundationText.hpp"
+#include "mac/foundation/FoundationValues.hpp"
 #include "ports/Application.hpp"
 #include "ports/AudioConstants.hpp"
+#include "ports/Calendar.hpp"
 #include "ports/Camera.hpp"
 #include "ports/CameraConstants.hpp"
 #include "ports/CloudAccount.hpp"
@@ -26,8 +27,6 @@
 #import <Network/Network.h>
 #import <Security/Security.h>
 #import <ServiceManagement/ServiceManagement.h>
-
-#include <utility>
 
 namespace sentrel::mac {
 
@@ -141,6 +140,10 @@ static_assert(same(bundleIdentifierType, typeApplicationBundleID));
 static_assert(same(anyAppleEvent, typeWildCard));
 static_assert(same(systemDefinedEvent, NSEventTypeSystemDefined));
 static_assert(same(hidEventTap, kCGHIDEventTap));
+static_assert(same(Calendar::Style::none, NSDateFormatterNoStyle));
+static_assert(same(Calendar::Style::shortStyle, NSDateFormatterShortStyle));
+static_assert(same(Calendar::Style::mediumStyle, NSDateFormatterMediumStyle));
+static_assert(same(Calendar::Style::longStyle, NSDateFormatterLongStyle));
 
 struct Pair {
     const char* name;

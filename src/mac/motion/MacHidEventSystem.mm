@@ -1,6 +1,6 @@
-#include "mac/motion/Motion.hpp"
+#include "mac/Adapters.hpp"
 
-#include "mac/foundation/FoundationText.hpp"
+#include "mac/foundation/FoundationValues.hpp"
 
 #import <Foundation/Foundation.h>
 #import <IOKit/hidsystem/IOHIDEventSystemClient.h>

@@ -1,6 +1,6 @@
-#include "mac/music/Music.hpp"
+#include "mac/Adapters.hpp"
 
-#include "mac/foundation/FoundationText.hpp"
+#include "mac/foundation/FoundationValues.hpp"
 #include "mac/foundation/Guarded.hpp"
 
 #import <AppKit/AppKit.h>
@@ -35,15 +35,11 @@ std::string limited(const std::string& source, Duration limit)
 
 std::optional<bool> resultOf(const std::string& source)
 {
-    NSAppleEventDescriptor* result = nil;
-    guarded("executeAndReturnError", [&] {
+    NSAppleEventDescriptor* const result = guardedResult("executeAndReturnError", [&] {
         NSAppleScript* const script = [[NSAppleScript alloc] initWithSource:stringObject(source)];
-        result = [script executeAndReturnError:nil];
+        return [script executeAndReturnError:nil];
     });
-    if (result == nil) {
-        return std::nullopt;
-    }
-    return result.booleanValue != 0;
+    return result == nil ? std::nullopt : std::optional{result.booleanValue != 0};
 }
 
 /// Applications as the workspace knows them.
@@ -62,15 +58,6 @@ public:
     }
 };
 
-} // namespace
-
-std::unique_ptr<ports::RunningApplications> makeRunningApplications()
-{
-    return std::make_unique<MacRunningApplications>();
-}
-
-namespace {
-
 /// Apple Events and AppleScript.
 class MacAutomation final : public ports::Automation {
 public:
@@ -86,15 +73,6 @@ public:
         co_return resultOf(limited(source, limit));
     }
 };
-
-} // namespace
-
-std::unique_ptr<ports::Automation> makeAutomation()
-{
-    return std::make_unique<MacAutomation>();
-}
-
-namespace {
 
 /// Events of AppKit, posted through CoreGraphics.
 class MacEventPosting final : public ports::EventPosting {
@@ -120,6 +98,16 @@ public:
 };
 
 } // namespace
+
+std::unique_ptr<ports::RunningApplications> makeRunningApplications()
+{
+    return std::make_unique<MacRunningApplications>();
+}
+
+std::unique_ptr<ports::Automation> makeAutomation()
+{
+    return std::make_unique<MacAutomation>();
+}
 
 std::unique_ptr<ports::EventPosting> makeEventPosting()
 {

@@ -1,6 +1,7 @@
-#include "mac/power/Power.hpp"
+#include "mac/Adapters.hpp"
 
-#include "mac/foundation/FoundationText.hpp"
+#include "mac/foundation/FoundationValues.hpp"
+#include "mac/foundation/IORegistry.hpp"
 
 #import <Foundation/Foundation.h>
 #import <IOKit/IOKitLib.h>
@@ -13,12 +14,6 @@ namespace sentrel::mac {
 
 namespace {
 
-/// The value if it is an object of this class, otherwise nil.
-template <class Class> Class* as(id value)
-{
-    return [value isKindOfClass:[Class class]] ? static_cast<Class*>(value) : nil;
-}
-
 class Snapshot final : public ports::PowerSourcesSnapshot {
 public:
     explicit Snapshot(id info)
@@ -28,10 +23,7 @@ public:
 
     [[nodiscard]] std::optional<std::size_t> count() const override
     {
-        if (list_ == nil) {
-            return std::nullopt;
-        }
-        return list_.count;
+        return list_ == nil ? std::nullopt : std::optional<std::size_t>{list_.count};
     }
 
     [[nodiscard]] std::optional<std::string> text(std::size_t source, std::string_view key) const override
@@ -39,11 +31,7 @@ public:
         const CFDictionaryRef description =
             IOPSGetPowerSourceDescription((__bridge CFTypeRef)info_, (__bridge CFTypeRef)list_[source]);
         NSDictionary* const entries = as<NSDictionary>((__bridge id)description);
-        NSString* const value = as<NSString>(entries[stringObject(key)]);
-        if (value == nil) {
-            return std::nullopt;
-        }
-        return textOf(value);
+        return optionalText(as<NSString>(entries[stringObject(key)]));
     }
 
 private:
@@ -100,15 +88,6 @@ public:
     }
 };
 
-} // namespace
-
-std::unique_ptr<ports::PowerSources> makePowerSources()
-{
-    return std::make_unique<MacPowerSources>();
-}
-
-namespace {
-
 /// Power-management assertions through IOKit.
 class MacPowerAssertions final : public ports::PowerAssertions {
 public:
@@ -123,16 +102,7 @@ public:
     std::int32_t release(std::uint32_t id) override { return IOPMAssertionRelease(id); }
 };
 
-} // namespace
-
-std::unique_ptr<ports::PowerAssertions> makePowerAssertions()
-{
-    return std::make_unique<MacPowerAssertions>();
-}
-
-namespace {
-
-/// The first service of the class, which the caller releases; null when there is none.
+/// The first service of the class, which the caller releases; none: `IO_OBJECT_NULL`.
 io_service_t firstService(const std::string& serviceClass)
 {
     io_iterator_t iterator = IO_OBJECT_NULL;
@@ -153,22 +123,23 @@ public:
     [[nodiscard]] std::optional<std::int64_t> number(const std::string& serviceClass,
                                                      const std::string& property) override
     {
-        const io_service_t service = firstService(serviceClass);
-        if (service == IO_OBJECT_NULL) {
-            return std::nullopt;
-        }
-        const id value = CFBridgingRelease(IORegistryEntryCreateCFProperty(
-            service, (__bridge CFStringRef)stringObject(property), kCFAllocatorDefault, 0));
-        IOObjectRelease(service);
         // A Boolean is a number object, too.
-        if (![value isKindOfClass:[NSNumber class]]) {
-            return std::nullopt;
-        }
-        return static_cast<NSNumber*>(value).longLongValue;
+        NSNumber* const value = as<NSNumber>(takeProperty(firstService(serviceClass), property));
+        return value == nil ? std::nullopt : std::optional<std::int64_t>{value.longLongValue};
     }
 };
 
 } // namespace
+
+std::unique_ptr<ports::PowerSources> makePowerSources()
+{
+    return std::make_unique<MacPowerSources>();
+}
+
+std::unique_ptr<ports::PowerAssertions> makePowerAssertions()
+{
+    return std::make_unique<MacPowerAssertions>();
+}
 
 std::unique_ptr<ports::DeviceRegistry> makeDeviceRegistry()
 {

@@ -1,4 +1,4 @@
-#include "mac/security/Security.hpp"
+#include "mac/Adapters.hpp"
 
 #include "foundation/SecretBytes.hpp"
 
@@ -67,15 +67,6 @@ public:
     }
 };
 
-} // namespace
-
-std::unique_ptr<ports::Cryptography> makeCryptography()
-{
-    return std::make_unique<MacCryptography>();
-}
-
-namespace {
-
 /// The default random source of the Security framework.
 class MacRandom final : public ports::Random {
 public:
@@ -92,6 +83,11 @@ public:
 };
 
 } // namespace
+
+std::unique_ptr<ports::Cryptography> makeCryptography()
+{
+    return std::make_unique<MacCryptography>();
+}
 
 std::unique_ptr<ports::Random> makeRandom()
 {

@@ -1,6 +1,6 @@
-#include "mac/security/Security.hpp"
+#include "mac/Adapters.hpp"
 
-#include "mac/foundation/FoundationText.hpp"
+#include "mac/foundation/FoundationValues.hpp"
 #include "mac/security/Signature.hpp"
 
 #import <Foundation/Foundation.h>
@@ -11,7 +11,6 @@ namespace sentrel::mac {
 using ports::KeychainConstant;
 using ports::KeychainDictionary;
 using ports::KeychainKey;
-using ports::KeychainValue;
 
 namespace {
 
@@ -56,8 +55,8 @@ struct NativeValue {
     id operator()(std::string_view text) const { return stringObject(text); }
     id operator()(BytesView bytes) const
     {
-        // Not copied: a copy of a secret would stay in memory. The object lives as long as the call at most.
-        return [NSData dataWithBytesNoCopy:const_cast<std::uint8_t*>(bytes.data()) length:bytes.size() freeWhenDone:NO];
+        // A copy of a secret would stay in memory. The object lives as long as the call at most.
+        return unownedData(bytes);
     }
 };
 
@@ -84,29 +83,28 @@ NSDictionary* nativeDictionary(const KeychainDictionary& dictionary)
 /// The user's keychains through the Security framework's item functions.
 class MacKeychain final : public ports::Keychain {
 public:
-    [[nodiscard]] Copied copyMatching(const ports::KeychainDictionary& query) override
+    [[nodiscard]] Copied copyMatching(const KeychainDictionary& query) override
     {
         @autoreleasepool {
             CFTypeRef result = nullptr;
             const OSStatus status = SecItemCopyMatching((__bridge CFDictionaryRef)nativeDictionary(query), &result);
-            const id object = CFBridgingRelease(result);
-            if (status != errSecSuccess || ![object isKindOfClass:[NSData class]]) {
+            NSData* const data = as<NSData>(CFBridgingRelease(result));
+            if (status != errSecSuccess || data == nil) {
                 return {status, std::nullopt};
             }
-            NSData* const data = object;
             return {status, SecretBytes{BytesView{static_cast<const std::uint8_t*>(data.bytes), data.length}}};
         }
     }
 
-    [[nodiscard]] std::int32_t add(const ports::KeychainDictionary& attributes) override
+    [[nodiscard]] std::int32_t add(const KeychainDictionary& attributes) override
     {
         @autoreleasepool {
             return SecItemAdd((__bridge CFDictionaryRef)nativeDictionary(attributes), nullptr);
         }
     }
 
-    [[nodiscard]] std::int32_t update(const ports::KeychainDictionary& query,
-                                      const ports::KeychainDictionary& attributesToUpdate) override
+    [[nodiscard]] std::int32_t update(const KeychainDictionary& query,
+                                      const KeychainDictionary& attributesToUpdate) override
     {
         @autoreleasepool {
             return SecItemUpdate((__bridge CFDictionaryRef)nativeDictionary(query),
@@ -114,7 +112,7 @@ public:
         }
     }
 
-    std::int32_t remove(const ports::KeychainDictionary& query) override
+    std::int32_t remove(const KeychainDictionary& query) override
     {
         @autoreleasepool {
             return SecItemDelete((__bridge CFDictionaryRef)nativeDictionary(query));

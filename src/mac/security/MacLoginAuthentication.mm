@@ -1,6 +1,6 @@
-#include "mac/security/Security.hpp"
+#include "mac/Adapters.hpp"
 
-#include "mac/foundation/FoundationText.hpp"
+#include "mac/foundation/FoundationValues.hpp"
 
 #import <LocalAuthentication/LocalAuthentication.h>
 
@@ -23,10 +23,7 @@ public:
     {
         NSError* error = nil;
         const bool canEvaluate = [context_ canEvaluatePolicy:static_cast<LAPolicy>(policy) error:&error];
-        if (error == nil) {
-            return {canEvaluate, std::nullopt};
-        }
-        return {canEvaluate, textOf(error.localizedDescription)};
+        return {canEvaluate, optionalText(error.localizedDescription)};
     }
 
     void evaluatePolicy(std::int64_t policy, const std::string& reason, std::function<void(bool)> reply) override

@@ -1,41 +1,29 @@
-#include "mac/sound/Sound.hpp"
+#include "mac/Adapters.hpp"
 
 #include "mac/foundation/Guarded.hpp"
+#include "mac/foundation/Wrapped.hpp"
 
 #import <AVFAudio/AVFAudio.h>
 #import <AppKit/AppKit.h>
 #import <AudioToolbox/AudioToolbox.h>
 
-#include <utility>
-
 namespace sentrel::mac {
 
 namespace {
 
-class Format final : public ports::AudioFormat {
+using Format = Wrapped<ports::AudioFormat, AVAudioFormat>;
+
+class Buffer final : public Wrapped<ports::AudioBuffer, AVAudioPCMBuffer> {
 public:
-    explicit Format(AVAudioFormat* format) : format_(format) {}
-    [[nodiscard]] AVAudioFormat* native() const { return format_; }
-
-private:
-    AVAudioFormat* const format_;
-};
-
-class Buffer final : public ports::AudioBuffer {
-public:
-    explicit Buffer(AVAudioPCMBuffer* buffer) : buffer_(buffer) {}
-    [[nodiscard]] std::span<float> samples() override { return {buffer_.floatChannelData[0], buffer_.frameLength}; }
-    [[nodiscard]] AVAudioPCMBuffer* native() const { return buffer_; }
-
-private:
-    AVAudioPCMBuffer* const buffer_;
+    using Wrapped::Wrapped;
+    [[nodiscard]] std::span<float> samples() override { return {native().floatChannelData[0], native().frameLength}; }
 };
 
 /// Formats and buffers passed in must come from such an engine. AVFAudio raises where other interfaces return an error,
 /// above all when the device is lost.
 class Engine final : public ports::AudioEngine {
 public:
-    ~Engine() override { stopNow(); }
+    ~Engine() override { Engine::stop(); }
 
     std::int32_t setOutputUnitProperty(std::uint32_t property, std::uint32_t scope, std::uint32_t element,
                                        std::uint32_t value) override
@@ -50,9 +38,8 @@ public:
     [[nodiscard]] std::unique_ptr<ports::AudioFormat> makeStandardFormat(double sampleRate,
                                                                          std::uint32_t channels) override
     {
-        AVAudioFormat* format = nil;
-        guarded("initStandardFormat", [&] {
-            format = [[AVAudioFormat alloc] initStandardFormatWithSampleRate:sampleRate channels:channels];
+        AVAudioFormat* const format = guardedResult("initStandardFormat", [&] {
+            return [[AVAudioFormat alloc] initStandardFormatWithSampleRate:sampleRate channels:channels];
         });
         return format == nil ? nullptr : std::make_unique<Format>(format);
     }
@@ -61,22 +48,20 @@ public:
                                                                  std::size_t frames) override
     {
         const auto count = static_cast<AVAudioFrameCount>(frames);
-        AVAudioPCMBuffer* buffer = nil;
-        const bool isMade = guarded("initWithPCMFormat", [&] {
-            buffer = [[AVAudioPCMBuffer alloc] initWithPCMFormat:nativeOf(format) frameCapacity:count];
-            buffer.frameLength = count;
+        AVAudioPCMBuffer* const buffer = guardedResult("initWithPCMFormat", [&] {
+            AVAudioPCMBuffer* const made = [[AVAudioPCMBuffer alloc] initWithPCMFormat:Format::of(format)
+                                                                         frameCapacity:count];
+            made.frameLength = count;
+            return made;
         });
-        if (!isMade || buffer == nil) {
-            return nullptr;
-        }
-        return std::make_unique<Buffer>(buffer);
+        return buffer == nil ? nullptr : std::make_unique<Buffer>(buffer);
     }
 
     [[nodiscard]] bool attachPlayerToMainMixer(const ports::AudioFormat& format) override
     {
         return guarded("connect", [&] {
             [engine_ attachNode:player_];
-            [engine_ connect:player_ to:engine_.mainMixerNode format:nativeOf(format)];
+            [engine_ connect:player_ to:engine_.mainMixerNode format:Format::of(format)];
         });
     }
 
@@ -87,16 +72,14 @@ public:
 
     [[nodiscard]] bool start() override
     {
-        bool isStarted = false;
-        guarded("start", [&] { isStarted = [engine_ startAndReturnError:nil]; });
-        return isStarted;
+        return guardedResult("start", [&] { return [engine_ startAndReturnError:nil]; });
     }
 
     void scheduleLooping(std::unique_ptr<ports::AudioBuffer> buffer) override
     {
         // The player retains the native buffer. If it refuses, it has nothing to play.
         isScheduled_ = guarded("scheduleBuffer", [&] {
-            [player_ scheduleBuffer:static_cast<const Buffer&>(*buffer).native()
+            [player_ scheduleBuffer:Buffer::of(*buffer)
                              atTime:nil
                             options:AVAudioPlayerNodeBufferLoops
                   completionHandler:nil];
@@ -108,19 +91,12 @@ public:
         return isScheduled_ && guarded("play", [&] { [player_ play]; });
     }
     [[nodiscard]] bool isRunning() override { return engine_.isRunning; }
-    void stop() override { stopNow(); }
-
-private:
-    void stopNow()
+    void stop() override
     {
         guarded("stop", [&] { [engine_ stop]; });
     }
 
-    static AVAudioFormat* nativeOf(const ports::AudioFormat& format)
-    {
-        return static_cast<const Format&>(format).native();
-    }
-
+private:
     AVAudioEngine* const engine_ = [[AVAudioEngine alloc] init];
     bool isScheduled_ = false;
     AVAudioPlayerNode* const player_ = [[AVAudioPlayerNode alloc] init];
@@ -132,15 +108,6 @@ public:
     [[nodiscard]] std::unique_ptr<ports::AudioEngine> makeEngine() override { return std::make_unique<Engine>(); }
 };
 
-} // namespace
-
-std::unique_ptr<ports::AudioEngines> makeAudioEngines()
-{
-    return std::make_unique<MacAudioEngines>();
-}
-
-namespace {
-
 /// The system's beep through AppKit.
 class MacSystemBeep final : public ports::SystemBeep {
 public:
@@ -148,6 +115,11 @@ public:
 };
 
 } // namespace
+
+std::unique_ptr<ports::AudioEngines> makeAudioEngines()
+{
+    return std::make_unique<MacAudioEngines>();
+}
 
 std::unique_ptr<ports::SystemBeep> makeSystemBeep()
 {

@@ -1,6 +1,6 @@
-#include "mac/sound/Sound.hpp"
+#include "mac/Adapters.hpp"
 
-#include "mac/foundation/FoundationText.hpp"
+#include "mac/foundation/FoundationValues.hpp"
 
 #import <CoreAudio/CoreAudio.h>
 #import <Foundation/Foundation.h>
@@ -59,37 +59,32 @@ OSStatus writeValue(AudioObjectId object, const AudioPropertyAddress& address, c
 /// The audio objects of CoreAudio.
 class MacAudioHardware final : public ports::AudioHardware {
 public:
-    [[nodiscard]] bool hasProperty(ports::AudioObjectId object, const ports::AudioPropertyAddress& address) override
+    [[nodiscard]] bool hasProperty(AudioObjectId object, const AudioPropertyAddress& address) override
     {
         const AudioObjectPropertyAddress where = native(address);
         return AudioObjectHasProperty(object, &where) != 0;
     }
 
-    [[nodiscard]] std::optional<std::uint32_t> readUInt32(ports::AudioObjectId object,
-                                                          const ports::AudioPropertyAddress& address) override
+    [[nodiscard]] std::optional<std::uint32_t> readUInt32(AudioObjectId object,
+                                                          const AudioPropertyAddress& address) override
     {
         return readValue<std::uint32_t>(object, address);
     }
 
-    [[nodiscard]] std::optional<float> readFloat32(ports::AudioObjectId object,
-                                                   const ports::AudioPropertyAddress& address) override
+    [[nodiscard]] std::optional<float> readFloat32(AudioObjectId object, const AudioPropertyAddress& address) override
     {
         return readValue<float>(object, address);
     }
 
-    [[nodiscard]] std::optional<std::string> readText(ports::AudioObjectId object,
-                                                      const ports::AudioPropertyAddress& address) override
+    [[nodiscard]] std::optional<std::string> readText(AudioObjectId object,
+                                                      const AudioPropertyAddress& address) override
     {
         const auto value = readValue<CFStringRef>(object, address);
-        NSString* const text = CFBridgingRelease(value.value_or(nullptr));
-        if (text == nil) {
-            return std::nullopt;
-        }
-        return textOf(text);
+        return optionalText(CFBridgingRelease(value.value_or(nullptr)));
     }
 
-    [[nodiscard]] std::optional<std::vector<ports::AudioObjectId>>
-    readObjectList(ports::AudioObjectId object, const ports::AudioPropertyAddress& address) override
+    [[nodiscard]] std::optional<std::vector<AudioObjectId>> readObjectList(AudioObjectId object,
+                                                                           const AudioPropertyAddress& address) override
     {
         const auto bytes = readBytes(object, address);
         if (!bytes) {
@@ -100,7 +95,7 @@ public:
     }
 
     [[nodiscard]] std::optional<std::vector<std::uint32_t>>
-    readBufferChannels(ports::AudioObjectId object, const ports::AudioPropertyAddress& address) override
+    readBufferChannels(AudioObjectId object, const AudioPropertyAddress& address) override
     {
         const auto bytes = readBytes(object, address);
         if (!bytes || bytes->size() < offsetof(AudioBufferList, mBuffers)) {
@@ -114,14 +109,12 @@ public:
         return channels;
     }
 
-    std::int32_t writeUInt32(ports::AudioObjectId object, const ports::AudioPropertyAddress& address,
-                             std::uint32_t value) override
+    std::int32_t writeUInt32(AudioObjectId object, const AudioPropertyAddress& address, std::uint32_t value) override
     {
         return writeValue(object, address, value);
     }
 
-    std::int32_t writeFloat32(ports::AudioObjectId object, const ports::AudioPropertyAddress& address,
-                              float value) override
+    std::int32_t writeFloat32(AudioObjectId object, const AudioPropertyAddress& address, float value) override
     {
         return writeValue(object, address, value);
     }

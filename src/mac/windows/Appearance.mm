@@ -1,51 +1,22 @@
 #include "mac/windows/Appearance.hpp"
 
-#include "mac/foundation/FoundationText.hpp"
+#include "mac/foundation/FoundationValues.hpp"
 
 namespace sentrel::mac {
 
-namespace {
-
-NSImage* imageOfData(const std::shared_ptr<const Bytes>& data)
-{
-    if (!data) {
-        return nil;
-    }
-    return [[NSImage alloc] initWithData:[NSData dataWithBytes:data->data() length:data->size()]];
-}
-
-} // namespace
+// The tables have the order of their enumerations.
 
 NSFont* fontOf(ui::Text::Style style)
 {
-    switch (style) {
-    case ui::Text::Style::largeTitle:
-        return [NSFont preferredFontForTextStyle:NSFontTextStyleLargeTitle options:@{}];
-    case ui::Text::Style::title:
-        return [NSFont preferredFontForTextStyle:NSFontTextStyleTitle2 options:@{}];
-    case ui::Text::Style::headline:
-        return [NSFont preferredFontForTextStyle:NSFontTextStyleHeadline options:@{}];
-    case ui::Text::Style::callout:
-        return [NSFont preferredFontForTextStyle:NSFontTextStyleCallout options:@{}];
-    case ui::Text::Style::caption:
-        return [NSFont preferredFontForTextStyle:NSFontTextStyleCaption1 options:@{}];
-    case ui::Text::Style::body:
-        break;
-    }
-    return [NSFont preferredFontForTextStyle:NSFontTextStyleBody options:@{}];
+    const NSFontTextStyle styles[] = {NSFontTextStyleLargeTitle, NSFontTextStyleTitle2,  NSFontTextStyleHeadline,
+                                      NSFontTextStyleBody,       NSFontTextStyleCallout, NSFontTextStyleCaption1};
+    return [NSFont preferredFontForTextStyle:styles[static_cast<std::size_t>(style)] options:@{}];
 }
 
 NSColor* colorOf(ui::Text::Color color)
 {
-    switch (color) {
-    case ui::Text::Color::secondary:
-        return NSColor.secondaryLabelColor;
-    case ui::Text::Color::alarm:
-        return NSColor.systemRedColor;
-    case ui::Text::Color::primary:
-        break;
-    }
-    return NSColor.labelColor;
+    NSColor* const colors[] = {NSColor.labelColor, NSColor.secondaryLabelColor, NSColor.systemRedColor};
+    return colors[static_cast<std::size_t>(color)];
 }
 
 NSColor* colorOf(const ui::Color& color)
@@ -55,35 +26,18 @@ NSColor* colorOf(const ui::Color& color)
 
 NSImage* imageOf(const ui::Image& image, const std::string& description)
 {
-    NSString* const name = stringObject(image.name);
-    NSString* const spoken = description.empty() ? nil : stringObject(description);
-    switch (image.source) {
-    case ui::Image::Source::asset:
-        return [NSImage imageNamed:name];
-    case ui::Image::Source::file:
-        return [[NSImage alloc] initWithContentsOfFile:name];
-    case ui::Image::Source::memory:
-        return imageOfData(image.data);
-    case ui::Image::Source::systemSymbol:
-        break;
+    if (image.source == ui::Image::Source::memory) {
+        NSData* const data = image.data ? [NSData dataWithBytes:image.data->data() length:image.data->size()] : nil;
+        return data == nil ? nil : [[NSImage alloc] initWithData:data];
     }
-    return [NSImage imageWithSystemSymbolName:name accessibilityDescription:spoken];
+    return [NSImage imageWithSystemSymbolName:stringObject(image.name)
+                     accessibilityDescription:description.empty() ? nil : stringObject(description)];
 }
 
 NSString* keyEquivalentOf(const std::optional<ui::Key>& key)
 {
-    if (!key) {
-        return @"";
-    }
-    switch (*key) {
-    case ui::Key::returnKey:
-        return @"\r";
-    case ui::Key::deleteKey:
-        return @"\x7f";
-    case ui::Key::escape:
-        break;
-    }
-    return @"\x1b";
+    NSString* const keys[] = {@"\r", @"\x7f", @"\x1b"};
+    return key ? keys[static_cast<std::size_t>(*key)] : @"";
 }
 
 std::optional<ui::Key> keyOf(NSEvent* event)

@@ -1,4 +1,4 @@
-#include "mac/foundation/FoundationText.hpp"
+#include "mac/foundation/FoundationValues.hpp"
 #include "mac/windows/Appearance.hpp"
 #include "mac/windows/ElementNodes.hpp"
 #include "mac/windows/Placing.hpp"
@@ -65,52 +65,6 @@ private:
         checkbox().state = toggle.isOn.value ? NSControlStateValueOn : NSControlStateValueOff;
         checkbox().enabled = surroundings.isEnabled;
     }
-    [[nodiscard]] bool suits(const ui::View& view) const override
-    {
-        return ui::elementOf<ui::Toggle>(view)->style == ui::Toggle::Style::checkbox;
-    }
-};
-
-/// A switch after its label.
-class SwitchNode final : public DrawnNode {
-public:
-    SwitchNode() : DrawnNode([[NSStackView alloc] init])
-    {
-        NSStackView* const row = static_cast<NSStackView*>(view());
-        switch_.target = target();
-        switch_.action = @selector(toggled:);
-        [row addArrangedSubview:label_];
-        [row addArrangedSubview:switch_];
-    }
-
-private:
-    void show(const ui::View& view, const Surroundings& surroundings) override
-    {
-        const ui::Toggle& toggle = *ui::elementOf<ui::Toggle>(view);
-        setLabel(label_, toggle.label);
-        label_.hidden = toggle.label.empty();
-        label_.textColor = surroundings.isEnabled ? NSColor.labelColor : NSColor.disabledControlTextColor;
-        switch_.state = toggle.isOn.value ? NSControlStateValueOn : NSControlStateValueOff;
-        switch_.enabled = surroundings.isEnabled;
-    }
-    [[nodiscard]] bool suits(const ui::View& view) const override
-    {
-        return ui::elementOf<ui::Toggle>(view)->style == ui::Toggle::Style::onOffSwitch;
-    }
-    [[nodiscard]] NSView* control() const override { return switch_; }
-    void collectLabels(NSMutableArray<NSView*>* labels) const override
-    {
-        if (!label_.hidden) {
-            [labels addObject:label_];
-        }
-    }
-    [[nodiscard]] std::string spokenText(const ui::View& view) const override
-    {
-        return ui::elementOf<ui::Toggle>(view)->label;
-    }
-
-    NSTextField* const label_ = makeLabel();
-    NSSwitch* const switch_ = [[NSSwitch alloc] init];
 };
 
 /// A slider between its label and the text of its value.
@@ -238,11 +192,8 @@ std::unique_ptr<DrawnNode> makeNode(const ui::Button& /*button*/)
     return std::make_unique<ButtonNode>();
 }
 
-std::unique_ptr<DrawnNode> makeNode(const ui::Toggle& toggle)
+std::unique_ptr<DrawnNode> makeNode(const ui::Toggle& /*toggle*/)
 {
-    if (toggle.style == ui::Toggle::Style::onOffSwitch) {
-        return std::make_unique<SwitchNode>();
-    }
     return std::make_unique<CheckboxNode>();
 }
 

@@ -1,21 +1,14 @@
-#include "mac/foundation/FoundationText.hpp"
+#include "mac/foundation/CallCopy.hpp"
+#include "mac/foundation/FoundationValues.hpp"
 #include "mac/windows/Appearance.hpp"
 #include "mac/windows/WindowAttachments.hpp"
 #include "ui/Node.hpp"
 
-#include <utility>
 #include <vector>
 
 namespace sentrel::mac {
 
 namespace {
-
-void perform(const ui::Action& action)
-{
-    if (action) {
-        action();
-    }
-}
 
 /// The buttons of a dialog that are not hidden.
 std::vector<ui::View> answersOf(const ui::View& attachment)
@@ -48,8 +41,8 @@ struct Question {
         const ui::Action action = response >= NSAlertFirstButtonReturn && index < answers.size()
                                       ? ui::elementOf<ui::Button>(answers[index])->action
                                       : ui::Action{};
-        perform(action);
-        perform(after);
+        callCopy(action);
+        callCopy(after);
     }
 };
 
@@ -67,11 +60,8 @@ public:
 
     [[nodiscard]] bool suits(const ui::View& attachment) const override
     {
-        if (ui::elementOf<ui::Dialog>(attachment) == nullptr) {
-            return false;
-        }
         // An alert is shown once, and its buttons are made once.
-        if (question_->hasEnded) {
+        if (ui::elementOf<ui::Dialog>(attachment) == nullptr || question_->hasEnded) {
             return false;
         }
         return !hasBegun_ || answersOf(attachment).size() == question_->answers.size();

@@ -52,7 +52,6 @@ private:
     void show(const ui::View& view, const Surroundings& surroundings) override
     {
         const ui::Image& image = *ui::elementOf<ui::Image>(view);
-        // Retries an image that failed to load: the file may exist by now.
         if (!(shown_ == image) || imageView().image == nil) {
             shown_ = image;
             imageView().image = imageOf(image, view.traits.accessibilityLabel);
@@ -67,26 +66,21 @@ private:
     /// A photo takes the available width and keeps its proportions; other images have a natural size.
     void fit()
     {
-        const NSLayoutPriority priority = isPicture() ? givesWay : NSLayoutPriorityDefaultHigh;
-        for (const auto orientation :
-             {NSLayoutConstraintOrientationHorizontal, NSLayoutConstraintOrientationVertical}) {
-            [imageView() setContentHuggingPriority:priority forOrientation:orientation];
-            [imageView() setContentCompressionResistancePriority:priority forOrientation:orientation];
-        }
+        setPriorities(imageView(), isPicture() ? givesWay : NSLayoutPriorityDefaultHigh);
         imageView().imageScaling = NSImageScaleProportionallyUpOrDown;
         proportion_.active = NO;
         const NSSize size = imageView().image.size;
         if (isPicture() && size.width > 0.0 && size.height > 0.0) {
-            proportion_ = [imageView().heightAnchor constraintEqualToAnchor:imageView().widthAnchor
-                                                                 multiplier:size.height / size.width];
-            proportion_.priority = NSLayoutPriorityDefaultLow;
+            proportion_ = weakened([imageView().heightAnchor constraintEqualToAnchor:imageView().widthAnchor
+                                                                          multiplier:size.height / size.width],
+                                   NSLayoutPriorityDefaultLow);
             proportion_.active = YES;
         }
     }
 
     void scale(const ui::SizeWish& wish, bool isEmblem)
     {
-        if (shown_.source != ui::Image::Source::systemSymbol) {
+        if (isPicture()) {
             return;
         }
         const double larger = std::max(wish.width.value_or(0.0), wish.height.value_or(0.0));
@@ -102,10 +96,7 @@ private:
         imageView().contentTintColor = isEmblem ? NSColor.secondaryLabelColor : nil;
     }
 
-    [[nodiscard]] bool isPicture() const
-    {
-        return shown_.source == ui::Image::Source::file || shown_.source == ui::Image::Source::memory;
-    }
+    [[nodiscard]] bool isPicture() const { return shown_.source == ui::Image::Source::memory; }
     [[nodiscard]] bool wantsAll(NSLayoutConstraintOrientation orientation) const override
     {
         return isPicture() && orientation == NSLayoutConstraintOrientationHorizontal;
@@ -118,14 +109,7 @@ private:
 
 class SpacerNode final : public DrawnNode {
 public:
-    SpacerNode() : DrawnNode([[NSView alloc] init])
-    {
-        for (const auto orientation :
-             {NSLayoutConstraintOrientationHorizontal, NSLayoutConstraintOrientationVertical}) {
-            [view() setContentHuggingPriority:givesWay forOrientation:orientation];
-            [view() setContentCompressionResistancePriority:givesWay forOrientation:orientation];
-        }
-    }
+    SpacerNode() : DrawnNode([[NSView alloc] init]) { setPriorities(view(), givesWay); }
 
 private:
     [[nodiscard]] bool isSpacer() const override { return true; }

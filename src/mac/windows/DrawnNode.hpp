@@ -12,11 +12,29 @@ namespace sentrel::mac {
 /// The properties of a node's place in the tree.
 struct Surroundings {
     bool isEnabled = true;
-    bool isInForm = false;
     bool isInSidebar = false;
     bool isPane = false;  ///< one side of a split view, as wide as the user likes
     bool isInRow = false; ///< side by side with its siblings
     bool isInCenteredColumn = false;
+};
+
+/// Constraints that hold until others replace them.
+class Constraints {
+public:
+    void replace(NSArray<NSLayoutConstraint*>* others);
+
+private:
+    NSArray<NSLayoutConstraint*>* active_ = @[];
+};
+
+/// The inputs of a node's constraints among its siblings, which are remade only when these change.
+struct Standing {
+    const void* view = nullptr;
+    bool isSpacer = false;
+    bool expandsX = false;
+    bool expandsY = false;
+    bool stretchesAcross = false;
+    friend bool operator==(const Standing&, const Standing&) = default;
 };
 
 /// One node of a view tree as AppKit draws it: its AppKit view, the target of its control, and its children. It lives
@@ -32,6 +50,10 @@ public:
     [[nodiscard]] static std::unique_ptr<DrawnNode> draw(std::unique_ptr<DrawnNode> before, const ui::View& view,
                                                          std::string step, const Surroundings& surroundings);
 
+    /// The same for the node in a container. True when the container has got another subview for it.
+    static bool drawIn(NSView* container, std::unique_ptr<DrawnNode>& node, const ui::View& view, std::string step,
+                       const Surroundings& surroundings);
+
     /// The node's step in its identity.
     [[nodiscard]] const std::string& step() const { return step_; }
 
@@ -45,6 +67,8 @@ public:
     [[nodiscard]] virtual bool stretchesAcross() const { return false; }
 
     [[nodiscard]] virtual bool isSpacer() const { return false; }
+
+    [[nodiscard]] Standing standing() const;
 
     /// Adds the visible label before a control, for alignment within its form.
     virtual void collectLabels(NSMutableArray<NSView*>* /*labels*/) const {}
@@ -62,9 +86,6 @@ protected:
 
     [[nodiscard]] NSView* view() const { return view_; }
     [[nodiscard]] SentrelNodeTarget* target() const { return target_; }
-
-    /// Whether this node can show a view of its kind of element.
-    [[nodiscard]] virtual bool suits(const ui::View& /*view*/) const { return true; }
 
     /// Brings the AppKit view up to date; touches only what differs.
     virtual void show(const ui::View& view, const Surroundings& surroundings) = 0;
@@ -91,7 +112,7 @@ private:
     SentrelNodeTarget* const target_ = [[SentrelNodeTarget alloc] init];
     NSView* const view_;
     NSView* outer_;
-    NSArray<NSLayoutConstraint*>* sizes_ = @[];
+    Constraints sizes_;
     std::string spoken_;
     bool isPane_ = false;
     bool isDrawn_ = false;
@@ -100,8 +121,8 @@ private:
 /// The children of a node, each known by its identity.
 class DrawnChildren {
 public:
-    /// Draws the children that are not hidden.
-    void show(const std::vector<ui::View>& children, const Surroundings& surroundings);
+    /// Draws the children that are not hidden. True when the standing of any has changed.
+    bool show(const std::vector<ui::View>& children, const Surroundings& surroundings);
 
     [[nodiscard]] const std::vector<std::unique_ptr<DrawnNode>>& nodes() const { return nodes_; }
 
@@ -114,6 +135,7 @@ public:
 
 private:
     std::vector<std::unique_ptr<DrawnNode>> nodes_;
+    std::vector<Standing> standings_;
 };
 
 } // namespace sentrel::mac

@@ -1,7 +1,7 @@
 #include "mac/windows/DrawnNode.hpp"
 
 #include "foundation/Fatal.hpp"
-#include "mac/foundation/FoundationText.hpp"
+#include "mac/foundation/FoundationValues.hpp"
 #include "mac/windows/Appearance.hpp"
 #include "mac/windows/ElementNodes.hpp"
 #include "mac/windows/Placing.hpp"
@@ -57,6 +57,13 @@ void giveKeyboard(NSView* view)
 
 } // namespace
 
+void Constraints::replace(NSArray<NSLayoutConstraint*>* others)
+{
+    [NSLayoutConstraint deactivateConstraints:active_];
+    active_ = others;
+    [NSLayoutConstraint activateConstraints:active_];
+}
+
 DrawnNode::DrawnNode(NSView* view) : view_(view), outer_(view)
 {
     view_.translatesAutoresizingMaskIntoConstraints = NO;
@@ -73,10 +80,23 @@ std::unique_ptr<DrawnNode> DrawnNode::draw(std::unique_ptr<DrawnNode> before, co
     return before;
 }
 
+bool DrawnNode::drawIn(NSView* container, std::unique_ptr<DrawnNode>& node, const ui::View& view, std::string step,
+                       const Surroundings& surroundings)
+{
+    NSView* const before = node ? node->outer() : nil;
+    node = draw(std::move(node), view, std::move(step), surroundings);
+    if (node->outer() == before) {
+        return false;
+    }
+    [before removeFromSuperview];
+    [container addSubview:node->outer()];
+    return true;
+}
+
 bool DrawnNode::canShow(const ui::View& view) const
 {
     const ui::View& now = target_->node;
-    return now.element.index() == view.element.index() && now.traits.padding == view.traits.padding && suits(view);
+    return now.element.index() == view.element.index() && now.traits.padding == view.traits.padding;
 }
 
 void DrawnNode::wrap(double padding)
@@ -122,9 +142,7 @@ void DrawnNode::updateSize(ui::SizeWish wish)
     if (isPane_) {
         wish.width.reset();
     }
-    [NSLayoutConstraint deactivateConstraints:sizes_];
-    sizes_ = constraintsFor(view_, wish);
-    [NSLayoutConstraint activateConstraints:sizes_];
+    sizes_.replace(constraintsFor(view_, wish));
 }
 
 void DrawnNode::updateBackground(const std::optional<ui::Color>& color)
@@ -152,6 +170,12 @@ bool DrawnNode::expands(NSLayoutConstraintOrientation orientation) const
     return !isFixed && wantsAll(orientation);
 }
 
+Standing DrawnNode::standing() const
+{
+    return {(__bridge const void*)outer(), isSpacer(), expands(NSLayoutConstraintOrientationHorizontal),
+            expands(NSLayoutConstraintOrientationVertical), stretchesAcross()};
+}
+
 void DrawnNode::applyFocus()
 {
     const auto& focus = target_->node.traits.focus;
@@ -167,9 +191,10 @@ void DrawnNode::visit(const std::string& identity, const Visit& visitor)
     eachChild([&](DrawnNode& child) { child.visit(ui::identityInside(identity, child.step()), visitor); });
 }
 
-void DrawnChildren::show(const std::vector<ui::View>& children, const Surroundings& surroundings)
+bool DrawnChildren::show(const std::vector<ui::View>& children, const Surroundings& surroundings)
 {
     auto before = std::exchange(nodes_, {});
+    const auto standings = std::exchange(standings_, {});
     for (std::size_t index = 0; index < children.size(); ++index) {
         const ui::View& child = children[index];
         if (child.traits.isHidden) {
@@ -180,7 +205,9 @@ void DrawnChildren::show(const std::vector<ui::View>& children, const Surroundin
             std::ranges::find_if(before, [&](const auto& drawn) { return drawn && drawn->step() == step; });
         auto kept = old == before.end() ? nullptr : std::move(*old);
         nodes_.push_back(DrawnNode::draw(std::move(kept), child, std::move(step), surroundings));
+        standings_.push_back(nodes_.back()->standing());
     }
+    return standings != standings_;
 }
 
 NSArray<NSView*>* DrawnChildren::views() const

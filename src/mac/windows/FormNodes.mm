@@ -5,9 +5,10 @@
 
 #import <QuartzCore/QuartzCore.h>
 
-#include <utility>
-
 // Forms: sections of settings, each on a card, with aligned labels and controls.
+
+using namespace sentrel;
+using namespace sentrel::mac;
 
 namespace {
 
@@ -57,8 +58,6 @@ constexpr NSLayoutPriority naturalHeight = 240.0F;
 
 @end
 
-namespace sentrel::mac {
-
 namespace {
 
 using Orientation = NSLayoutConstraintOrientation;
@@ -73,56 +72,45 @@ public:
 
     void show(const std::vector<ui::View>& views, const Surroundings& surroundings)
     {
-        children_.show(views, surroundings);
+        const bool hasChanged = children_.show(views, surroundings);
         arrange(column_, children_.views());
-        auto standings = standingsOf(children_);
-        if (standings == standings_) {
+        if (!hasChanged) {
             return;
         }
-        standings_ = std::move(standings);
-        [NSLayoutConstraint deactivateConstraints:widths_];
         NSMutableArray<NSLayoutConstraint*>* const widths = [NSMutableArray array];
         for (const auto& child : children_.nodes()) {
             if (child->expands(NSLayoutConstraintOrientationHorizontal) || child->stretchesAcross()) {
                 [widths addObject:fullWidth(child->outer(), column_)];
             }
         }
-        widths_ = widths;
-        [NSLayoutConstraint activateConstraints:widths_];
+        widths_.replace(widths);
     }
 
     [[nodiscard]] static NSLayoutConstraint* fullWidth(NSView* view, NSView* column)
     {
-        NSLayoutConstraint* const full = [view.widthAnchor constraintEqualToAnchor:column.widthAnchor];
-        full.priority = stretch;
-        return full;
+        return weakened([view.widthAnchor constraintEqualToAnchor:column.widthAnchor], stretch);
     }
 
 private:
     NSStackView* const column_;
     DrawnChildren children_;
-    std::vector<Standing> standings_;
-    NSArray<NSLayoutConstraint*>* widths_ = @[];
+    Constraints widths_;
 };
-
-NSTextField* headerLabel()
-{
-    NSTextField* const header = makeLabel();
-    header.font = fontOf(ui::Text::Style::headline);
-    return header;
-}
-
-NSTextField* footerLabel()
-{
-    NSTextField* const footer = makeLabel();
-    footer.font = fontOf(ui::Text::Style::caption);
-    footer.textColor = NSColor.secondaryLabelColor;
-    return footer;
-}
 
 class SectionNode final : public DrawnNode {
 public:
-    SectionNode() : DrawnNode(makeColumn(sectionSpacing)) {}
+    SectionNode() : DrawnNode(makeColumn(sectionSpacing))
+    {
+        header_.font = fontOf(ui::Text::Style::headline);
+        footer_.font = fontOf(ui::Text::Style::caption);
+        footer_.textColor = NSColor.secondaryLabelColor;
+        card_.wantsLayer = YES;
+        card_.translatesAutoresizingMaskIntoConstraints = NO;
+        [card_ addSubview:rows_.column()];
+        pin(rows_.column(), card_, cardPadding);
+        [column() addArrangedSubview:card_];
+        Rows::fullWidth(card_, column()).active = YES;
+    }
 
 private:
     [[nodiscard]] NSStackView* column() const { return static_cast<NSStackView*>(view()); }
@@ -130,9 +118,6 @@ private:
     void show(const ui::View& view, const Surroundings& surroundings) override
     {
         const ui::Section& section = *ui::elementOf<ui::Section>(view);
-        if (ground_ == nil) {
-            makeGround(surroundings.isInForm);
-        }
         setLabel(header_, section.header);
         setLabel(footer_, section.footer);
         Surroundings inner = surroundings;
@@ -142,25 +127,9 @@ private:
         arrangeParts(section);
     }
 
-    /// In a form the rows get a card, elsewhere none.
-    void makeGround(bool isInForm)
-    {
-        ground_ = rows_.column();
-        if (isInForm) {
-            ground_ = [[SentrelCard alloc] init];
-            ground_.wantsLayer = YES;
-            ground_.translatesAutoresizingMaskIntoConstraints = NO;
-            [ground_ addSubview:rows_.column()];
-            pin(rows_.column(), ground_, cardPadding);
-        }
-        [column() addArrangedSubview:ground_];
-        Rows::fullWidth(ground_, column()).active = YES;
-        isInForm_ = isInForm;
-    }
-
     void arrangeParts(const ui::Section& section)
     {
-        NSMutableArray<NSView*>* const parts = [NSMutableArray arrayWithObject:ground_];
+        NSMutableArray<NSView*>* const parts = [NSMutableArray arrayWithObject:card_];
         if (!section.header.empty()) {
             [parts insertObject:header_ atIndex:0];
         }
@@ -172,17 +141,15 @@ private:
 
     [[nodiscard]] bool wantsAll(Orientation orientation) const override
     {
-        const bool isAcross = orientation == NSLayoutConstraintOrientationHorizontal;
-        return (isInForm_ && isAcross) || rows_.children().anyExpands(orientation);
+        return orientation == NSLayoutConstraintOrientationHorizontal || rows_.children().anyExpands(orientation);
     }
     void eachChild(const std::function<void(DrawnNode&)>& visit) override { rows_.children().each(visit); }
     void collectLabels(NSMutableArray<NSView*>* labels) const override { rows_.children().collectLabels(labels); }
 
-    NSTextField* const header_ = headerLabel();
-    NSTextField* const footer_ = footerLabel();
+    NSTextField* const header_ = makeLabel();
+    NSTextField* const footer_ = makeLabel();
     Rows rows_{rowSpacing};
-    NSView* ground_ = nil;
-    bool isInForm_ = false;
+    SentrelCard* const card_ = [[SentrelCard alloc] init];
 };
 
 class FormNode final : public DrawnNode {
@@ -198,13 +165,11 @@ public:
         [document addSubview:sections_.column()];
         pin(sections_.column(), document, 0.0);
         scroll.documentView = document;
-        NSLayoutConstraint* const height = [scroll.heightAnchor constraintEqualToAnchor:document.heightAnchor];
-        height.priority = naturalHeight;
         [NSLayoutConstraint activateConstraints:@[
             [document.topAnchor constraintEqualToAnchor:scroll.contentView.topAnchor],
             [document.leadingAnchor constraintEqualToAnchor:scroll.contentView.leadingAnchor],
             [document.trailingAnchor constraintEqualToAnchor:scroll.contentView.trailingAnchor],
-            height,
+            weakened([scroll.heightAnchor constraintEqualToAnchor:document.heightAnchor], naturalHeight),
         ]];
     }
 
@@ -212,7 +177,6 @@ private:
     void show(const ui::View& view, const Surroundings& surroundings) override
     {
         Surroundings inner = surroundings;
-        inner.isInForm = true;
         inner.isInRow = false;
         inner.isInCenteredColumn = false;
         sections_.show(view.children, inner);
@@ -228,15 +192,13 @@ private:
             return;
         }
         labels_ = labels;
-        [NSLayoutConstraint deactivateConstraints:equalLabels_];
         NSMutableArray<NSLayoutConstraint*>* const equal = [NSMutableArray array];
         for (NSView* const label in labels) {
             if (label != labels.firstObject) {
                 [equal addObject:[label.widthAnchor constraintEqualToAnchor:labels.firstObject.widthAnchor]];
             }
         }
-        equalLabels_ = equal;
-        [NSLayoutConstraint activateConstraints:equalLabels_];
+        equalLabels_.replace(equal);
     }
 
     [[nodiscard]] bool wantsAll(Orientation /*orientation*/) const override { return true; }
@@ -244,19 +206,17 @@ private:
 
     Rows sections_{formSpacing};
     NSArray<NSView*>* labels_ = @[];
-    NSArray<NSLayoutConstraint*>* equalLabels_ = @[];
+    Constraints equalLabels_;
 };
 
 } // namespace
 
-std::unique_ptr<DrawnNode> makeNode(const ui::Form& /*form*/)
+std::unique_ptr<DrawnNode> sentrel::mac::makeNode(const ui::Form& /*form*/)
 {
     return std::make_unique<FormNode>();
 }
 
-std::unique_ptr<DrawnNode> makeNode(const ui::Section& /*section*/)
+std::unique_ptr<DrawnNode> sentrel::mac::makeNode(const ui::Section& /*section*/)
 {
     return std::make_unique<SectionNode>();
 }
-
-} // namespace sentrel::mac

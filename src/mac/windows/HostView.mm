@@ -1,19 +1,41 @@
 #include "mac/windows/HostView.hpp"
 
 #include "mac/windows/Appearance.hpp"
+#include "mac/windows/Placing.hpp"
+#include "mac/windows/WindowAttachments.hpp"
 #include "ui/Interaction.hpp"
+#include "ui/Node.hpp"
 
-using sentrel::ui::Key;
+#include <utility>
 
-@implementation SentrelHostView
+using namespace sentrel;
+using namespace sentrel::mac;
 
-- (instancetype)initWithFrame:(NSRect)frame
+@implementation SentrelHostView {
+    std::shared_ptr<const ui::View> _content;
+    std::unique_ptr<DrawnNode> _root;
+    Placement _placement;
+    WindowAttachments _attachments;
+}
+
+- (void)render:(ui::View)content
 {
-    self = [super initWithFrame:frame];
-    if (self != nil) {
-        renderer = std::make_unique<sentrel::mac::TreeRenderer>(self);
+    // The old tree stays until nothing refers to it: lists read their rows whenever they scroll.
+    const auto before = std::exchange(_content, std::make_shared<const ui::View>(std::move(content)));
+    const ui::Traits& traits = _content->traits;
+    DrawnNode::drawIn(self, _root, *_content, "", {});
+    // The panes of a split view have safe areas of their own, below the toolbar.
+    const bool reachesEdges = traits.ignoresSafeAreas || ui::elementOf<ui::SplitView>(*_content) != nullptr;
+    const id area = reachesEdges ? static_cast<id>(self) : self.safeAreaLayoutGuide;
+    _placement.place(area, *_root, traits.ignoresSafeAreas || traits.background.has_value());
+    [self windowDidAppear];
+}
+
+- (void)visit:(const DrawnNode::Visit&)visitor
+{
+    if (_root) {
+        _root->visit("", visitor);
     }
-    return self;
 }
 
 - (void)viewDidMoveToWindow
@@ -25,17 +47,21 @@ using sentrel::ui::Key;
         // Keys must arrive here even before the first click.
         [window makeFirstResponder:self];
     }
-    renderer->windowChanged();
+    [self windowDidAppear];
 }
 
+/// Gives the keyboard to the node that asks for it, and begins sheets and dialogs.
 - (void)windowDidAppear
 {
-    renderer->windowChanged();
+    if (_root) {
+        _attachments.show(self.window, *_content);
+        _root->applyFocus();
+    }
 }
 
 - (void)endContent
 {
-    renderer->render({});
+    [self render:{}];
 }
 
 - (BOOL)acceptsFirstResponder
@@ -51,7 +77,7 @@ using sentrel::ui::Key;
 
 - (void)keyDown:(NSEvent*)event
 {
-    const auto key = sentrel::mac::keyOf(event);
+    const auto key = keyOf(event);
     if (!key || ![self press:*key]) {
         [super keyDown:event];
     }
@@ -59,24 +85,24 @@ using sentrel::ui::Key;
 
 - (void)cancelOperation:(id)sender
 {
-    [self press:Key::escape];
+    [self press:ui::Key::escape];
 }
 
 - (void)returnKeyPressed:(id)sender
 {
-    [self press:Key::returnKey];
+    [self press:ui::Key::returnKey];
 }
 
 /// Offers the key to the tree, then to `escaped`; YES if it was used.
-- (BOOL)press:(Key)key
+- (BOOL)press:(ui::Key)key
 {
     // Held: the key's action may bring a new tree.
-    const auto content = renderer->content();
-    if (content && sentrel::ui::pressKey(*content, key, "") == sentrel::ui::Interaction::done) {
+    const auto content = _content;
+    if (content && ui::pressKey(*content, key, "") == ui::Interaction::done) {
         return YES;
     }
     const auto escape = escaped;
-    if (key != Key::escape || !escape) {
+    if (key != ui::Key::escape || !escape) {
         return NO;
     }
     escape();

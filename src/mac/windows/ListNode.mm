@@ -1,4 +1,4 @@
-#include "mac/foundation/FoundationText.hpp"
+#include "mac/foundation/CallCopy.hpp"
 #include "mac/windows/Appearance.hpp"
 #include "mac/windows/ElementNodes.hpp"
 #include "mac/windows/Placing.hpp"
@@ -9,7 +9,8 @@
 
 // Lists: a table with a row for each header, row and footer, of which AppKit keeps only the visible ones.
 
-namespace sentrel::mac {
+using namespace sentrel;
+using namespace sentrel::mac;
 
 namespace {
 
@@ -62,29 +63,23 @@ void setBackground(NSView* view, NSBackgroundStyle style)
 
 } // namespace
 
-} // namespace sentrel::mac
-
 /// The cell of a visible row. AppKit reuses it when the row scrolls away.
 @interface SentrelRowCell : NSTableCellView {
 @public
-    std::unique_ptr<sentrel::mac::DrawnNode> drawn;
+    std::unique_ptr<DrawnNode> drawn;
 }
-- (void)show:(const sentrel::ui::View&)view in:(const sentrel::mac::Surroundings&)surroundings;
+- (void)show:(const ui::View&)view in:(const Surroundings&)surroundings;
 @end
 
 @implementation SentrelRowCell
 
-- (void)show:(const sentrel::ui::View&)view in:(const sentrel::mac::Surroundings&)surroundings
+- (void)show:(const ui::View&)view in:(const Surroundings&)surroundings
 {
-    NSView* const before = drawn ? drawn->outer() : nil;
-    drawn = sentrel::mac::DrawnNode::draw(std::move(drawn), view, "", surroundings);
-    NSView* const now = drawn->outer();
-    if (now == before) {
+    if (!DrawnNode::drawIn(self, drawn, view, "", surroundings)) {
         return;
     }
-    [before removeFromSuperview];
-    [self addSubview:now];
-    sentrel::mac::setBackground(now, self.backgroundStyle);
+    NSView* const now = drawn->outer();
+    setBackground(now, self.backgroundStyle);
     const bool isWide = drawn->expands(NSLayoutConstraintOrientationHorizontal);
     NSLayoutConstraint* const trailing =
         isWide ? [now.trailingAnchor constraintEqualToAnchor:self.trailingAnchor]
@@ -92,8 +87,8 @@ void setBackground(NSView* view, NSBackgroundStyle style)
     [NSLayoutConstraint activateConstraints:@[
         [now.leadingAnchor constraintEqualToAnchor:self.leadingAnchor],
         trailing,
-        [now.topAnchor constraintEqualToAnchor:self.topAnchor constant:sentrel::mac::rowInset],
-        [now.bottomAnchor constraintEqualToAnchor:self.bottomAnchor constant:-sentrel::mac::rowInset],
+        [now.topAnchor constraintEqualToAnchor:self.topAnchor constant:rowInset],
+        [now.bottomAnchor constraintEqualToAnchor:self.bottomAnchor constant:-rowInset],
     ]];
 }
 
@@ -102,7 +97,7 @@ void setBackground(NSView* view, NSBackgroundStyle style)
     [super setBackgroundStyle:backgroundStyle];
     // Texts at any depth must be readable on a selected row.
     if (drawn) {
-        sentrel::mac::setBackground(drawn->outer(), backgroundStyle);
+        setBackground(drawn->outer(), backgroundStyle);
     }
 }
 
@@ -120,7 +115,7 @@ void setBackground(NSView* view, NSBackgroundStyle style)
 - (void)keyDown:(NSEvent*)event
 {
     // These keys belong to the tree, not to the table.
-    if (sentrel::mac::keyOf(event)) {
+    if (keyOf(event)) {
         [self.nextResponder keyDown:event];
         return;
     }
@@ -131,7 +126,7 @@ void setBackground(NSView* view, NSBackgroundStyle style)
 {
     const BOOL accepted = [super becomeFirstResponder];
     if (accepted) {
-        [focusTarget gainedFocus];
+        [focusTarget tellFocus:true];
     }
     return accepted;
 }
@@ -140,7 +135,7 @@ void setBackground(NSView* view, NSBackgroundStyle style)
 {
     const BOOL accepted = [super resignFirstResponder];
     if (accepted) {
-        [focusTarget lostFocus];
+        [focusTarget tellFocus:false];
     }
     return accepted;
 }
@@ -150,10 +145,10 @@ void setBackground(NSView* view, NSBackgroundStyle style)
 /// The table's data source and delegate.
 @interface SentrelListController : NSObject <NSTableViewDataSource, NSTableViewDelegate> {
 @public
-    std::vector<sentrel::ui::ListRow> rows; ///< pointers into the tree that is shown
-    sentrel::mac::Surroundings surroundings;
-    sentrel::ui::Binding<std::set<std::string>> selection;
-    sentrel::ui::List::Selection mode;
+    std::vector<ui::ListRow> rows; ///< pointers into the tree that is shown
+    Surroundings surroundings;
+    ui::Binding<std::set<std::string>> selection;
+    ui::List::Selection mode;
     BOOL isUpdating;      ///< the table changes because the tree did
     BOOL hasNewSelection; ///< the user's, not reported yet
     std::set<std::string> newSelection;
@@ -170,7 +165,7 @@ void setBackground(NSView* view, NSBackgroundStyle style)
 }
 
 /// Null out of range: a table may ask for a row under removal.
-- (const sentrel::ui::ListRow*)rowAt:(NSInteger)row
+- (const ui::ListRow*)rowAt:(NSInteger)row
 {
     const auto index = static_cast<std::size_t>(row);
     return index < rows.size() ? &rows[index] : nullptr;
@@ -178,8 +173,8 @@ void setBackground(NSView* view, NSBackgroundStyle style)
 
 - (NSView*)tableView:(NSTableView*)tableView viewForTableColumn:(NSTableColumn*)tableColumn row:(NSInteger)row
 {
-    const sentrel::ui::ListRow* const shown = [self rowAt:row];
-    const bool isRow = shown != nullptr && shown->kind == sentrel::ui::ListRow::Kind::row;
+    const ui::ListRow* const shown = [self rowAt:row];
+    const bool isRow = shown != nullptr && shown->kind == Kind::row;
     NSString* const identifier = isRow ? @"row" : @"caption";
     const id reused = [tableView makeViewWithIdentifier:identifier owner:nil];
     SentrelRowCell* const cell = reused != nil ? reused : [[SentrelRowCell alloc] init];
@@ -190,34 +185,34 @@ void setBackground(NSView* view, NSBackgroundStyle style)
 
 - (void)fill:(SentrelRowCell*)cell at:(NSInteger)row
 {
-    const sentrel::ui::ListRow* const shown = [self rowAt:row];
+    const ui::ListRow* const shown = [self rowAt:row];
     if (shown == nullptr) {
         return;
     }
-    sentrel::mac::Surroundings own = surroundings;
+    Surroundings own = surroundings;
     own.isEnabled = own.isEnabled && shown->isEnabled;
-    if (shown->kind == sentrel::ui::ListRow::Kind::row) {
+    if (shown->kind == Kind::row) {
         [cell show:*shown->view in:own];
         return;
     }
-    [cell show:sentrel::mac::captionOf(*shown) in:own];
+    [cell show:captionOf(*shown) in:own];
 }
 
 - (BOOL)tableView:(NSTableView*)tableView isGroupRow:(NSInteger)row
 {
-    const sentrel::ui::ListRow* const shown = [self rowAt:row];
-    return shown != nullptr && shown->kind == sentrel::ui::ListRow::Kind::header;
+    const ui::ListRow* const shown = [self rowAt:row];
+    return shown != nullptr && shown->kind == Kind::header;
 }
 
 - (NSIndexSet*)tableView:(NSTableView*)tableView
     selectionIndexesForProposedSelection:(NSIndexSet*)proposedSelectionIndexes
 {
     NSMutableIndexSet* const allowed = [NSMutableIndexSet indexSet];
-    if (mode == sentrel::ui::List::Selection::none) {
+    if (mode == ui::List::Selection::none) {
         return allowed;
     }
-    for (const std::size_t index : sentrel::mac::placesOf(proposedSelectionIndexes)) {
-        if (index < rows.size() && !sentrel::ui::selectedIds(rows, {index}).empty()) {
+    for (const std::size_t index : placesOf(proposedSelectionIndexes)) {
+        if (index < rows.size() && !ui::selectedIds(rows, {index}).empty()) {
             [allowed addIndex:index];
         }
     }
@@ -246,20 +241,17 @@ void setBackground(NSView* view, NSBackgroundStyle style)
 {
     hasNewSelection = NO;
     const auto selected = std::exchange(newSelection, {});
-    const auto set = selection.set; // a copy: the new tree brings another
-    if (set && selected != selection.value) {
-        set(selected);
+    if (selected != selection.value) {
+        callCopy(selection.set, selected); // the new tree brings another
     }
 }
 
 - (std::set<std::string>)selectedIn:(NSTableView*)table
 {
-    return sentrel::ui::selectedIds(rows, sentrel::mac::placesOf(table.selectedRowIndexes));
+    return ui::selectedIds(rows, placesOf(table.selectedRowIndexes));
 }
 
 @end
-
-namespace sentrel::mac {
 
 namespace {
 
@@ -379,9 +371,7 @@ private:
 
 } // namespace
 
-std::unique_ptr<DrawnNode> makeNode(const ui::List& /*list*/)
+std::unique_ptr<DrawnNode> sentrel::mac::makeNode(const ui::List& /*list*/)
 {
     return std::make_unique<ListNode>();
 }
-
-} // namespace sentrel::mac

@@ -1,6 +1,7 @@
-#include "mac/windows/Windows.hpp"
+#include "mac/Adapters.hpp"
 
-#include "mac/foundation/FoundationText.hpp"
+#include "mac/foundation/FoundationValues.hpp"
+#include "mac/windows/Windows.hpp"
 #include "runtime/Semaphore.hpp"
 
 #import <AppKit/AppKit.h>

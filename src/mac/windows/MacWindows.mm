@@ -1,13 +1,17 @@
-#include "mac/windows/Windows.hpp"
+#include "mac/Adapters.hpp"
 
-#include "mac/foundation/FoundationText.hpp"
+#include "mac/foundation/FoundationValues.hpp"
 #include "mac/windows/Appearance.hpp"
 #include "mac/windows/HostView.hpp"
+#include "mac/windows/Windows.hpp"
 
 #import <AppKit/AppKit.h>
 
 #include <memory>
 #include <utility>
+
+using namespace sentrel;
+using namespace sentrel::mac;
 
 /// A window that takes the keyboard only if its description allows.
 @interface SentrelWindow : NSWindow {
@@ -47,8 +51,6 @@
 }
 @end
 
-namespace sentrel::mac {
-
 namespace {
 
 NSRect rectOf(const ports::Rectangle& rectangle)
@@ -68,12 +70,10 @@ ports::Rectangle rectangleOf(NSRect rect)
 
 } // namespace
 
-} // namespace sentrel::mac
-
 /// Passes a window's calls to the product.
 @interface SentrelWindowDelegate : NSObject <NSWindowDelegate> {
 @public
-    sentrel::ports::WindowDelegate delegate;
+    ports::WindowDelegate delegate;
 }
 @end
 
@@ -89,7 +89,7 @@ ports::Rectangle rectangleOf(NSRect rect)
     if (!delegate.willResize) {
         return frameSize;
     }
-    return sentrel::mac::sizeOf(delegate.willResize({frameSize.width, frameSize.height}));
+    return sizeOf(delegate.willResize({frameSize.width, frameSize.height}));
 }
 
 - (NSRect)windowWillUseStandardFrame:(NSWindow*)window defaultFrame:(NSRect)newFrame
@@ -97,12 +97,10 @@ ports::Rectangle rectangleOf(NSRect rect)
     if (!delegate.willUseStandardFrame) {
         return newFrame;
     }
-    return sentrel::mac::rectOf(delegate.willUseStandardFrame(sentrel::mac::rectangleOf(newFrame)));
+    return rectOf(delegate.willUseStandardFrame(rectangleOf(newFrame)));
 }
 
 @end
-
-namespace sentrel::mac {
 
 namespace {
 
@@ -122,37 +120,29 @@ NSScreen* screenOf(std::uint32_t number)
     return nil;
 }
 
-NSWindow* makePanel(const ports::WindowDescription& description)
+template <class Window> Window* makeNative(const ports::WindowDescription& description, NSWindowStyleMask style)
 {
-    const auto style = static_cast<NSWindowStyleMask>(description.styleMask) | NSWindowStyleMaskNonactivatingPanel;
-    SentrelPanel* const panel =
-        [[SentrelPanel alloc] initWithContentRect:rectOf(description.contentRectangle)
-                                        styleMask:style
-                                          backing:static_cast<NSBackingStoreType>(description.backing)
-                                            defer:description.isDeferred
-                                           screen:screenOf(description.screenNumber)];
-    panel->mayBecomeKey = description.canBecomeKey;
-    panel->mayBecomeMain = description.canBecomeMain;
-    panel.hidesOnDeactivate = NO;
-    panel.becomesKeyOnlyIfNeeded = NO;
-    panel.worksWhenModal = YES;
-    return panel;
+    Window* const window = [[Window alloc] initWithContentRect:rectOf(description.contentRectangle)
+                                                     styleMask:style
+                                                       backing:static_cast<NSBackingStoreType>(description.backing)
+                                                         defer:description.isDeferred
+                                                        screen:screenOf(description.screenNumber)];
+    window->mayBecomeKey = description.canBecomeKey;
+    window->mayBecomeMain = description.canBecomeMain;
+    return window;
 }
 
 NSWindow* makeNativeWindow(const ports::WindowDescription& description)
 {
-    if (description.keepsKeyboard) {
-        return makePanel(description);
+    const auto style = static_cast<NSWindowStyleMask>(description.styleMask);
+    if (!description.keepsKeyboard) {
+        return makeNative<SentrelWindow>(description, style);
     }
-    SentrelWindow* const window =
-        [[SentrelWindow alloc] initWithContentRect:rectOf(description.contentRectangle)
-                                         styleMask:static_cast<NSWindowStyleMask>(description.styleMask)
-                                           backing:static_cast<NSBackingStoreType>(description.backing)
-                                             defer:description.isDeferred
-                                            screen:screenOf(description.screenNumber)];
-    window->mayBecomeKey = description.canBecomeKey;
-    window->mayBecomeMain = description.canBecomeMain;
-    return window;
+    SentrelPanel* const panel = makeNative<SentrelPanel>(description, style | NSWindowStyleMaskNonactivatingPanel);
+    panel.hidesOnDeactivate = NO;
+    panel.becomesKeyOnlyIfNeeded = NO;
+    panel.worksWhenModal = YES;
+    return panel;
 }
 
 class MacWindow final : public ports::Window {
@@ -211,12 +201,7 @@ public:
         host_.autoresizingMask = static_cast<NSAutoresizingMaskOptions>(autoresizingMask);
         window_.contentView = host_;
     }
-    void showContent(ui::View content) override
-    {
-        if (host_ != nil) {
-            host_->renderer->render(std::move(content));
-        }
-    }
+    void showContent(ui::View content) override { [host_ render:std::move(content)]; }
     void orderFrontRegardless() override
     {
         [window_ orderFrontRegardless];
@@ -258,12 +243,12 @@ public:
 
 } // namespace
 
-std::unique_ptr<ports::Windows> makeWindows()
+std::unique_ptr<ports::Windows> sentrel::mac::makeWindows()
 {
     return std::make_unique<MacWindows>();
 }
 
-bool isScreenShielded()
+bool sentrel::mac::isScreenShielded()
 {
     for (NSWindow* const window in NSApp.windows) {
         if (window.visible && window.level >= CGShieldingWindowLevel()) {
@@ -272,5 +257,3 @@ bool isScreenShielded()
     }
     return false;
 }
-
-} // namespace sentrel::mac

@@ -1,6 +1,6 @@
-#include "mac/windows/MainMenu.hpp"
-
 #include "mac/windows/Windows.hpp"
+
+#import <AppKit/AppKit.h>
 
 #include <initializer_list>
 

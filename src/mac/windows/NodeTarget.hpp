@@ -15,8 +15,7 @@
 - (void)submitted:(id)sender;
 
 /// The control has gained or lost the keyboard.
-- (void)gainedFocus;
-- (void)lostFocus;
+- (void)tellFocus:(bool)isFocused;
 @end
 
 /// Keys that a field doesn't use, sent up its responder chain to the view that shows the tree.

@@ -1,29 +1,12 @@
 #include "mac/windows/NodeTarget.hpp"
 
-#include "mac/foundation/FoundationText.hpp"
+#include "mac/foundation/CallCopy.hpp"
+#include "mac/foundation/FoundationValues.hpp"
 #include "ui/Node.hpp"
 
 #include <utility>
 
 using namespace sentrel;
-
-namespace {
-
-void perform(ui::Action action)
-{
-    if (action) {
-        action();
-    }
-}
-
-template <class T> void assign(std::function<void(T)> set, T value)
-{
-    if (set) {
-        set(std::move(value));
-    }
-}
-
-} // namespace
 
 // An action may bring a tree without this node, which ends the target: each method calls a copy, at its end.
 @implementation SentrelNodeTarget
@@ -31,27 +14,21 @@ template <class T> void assign(std::function<void(T)> set, T value)
 - (void)pressed:(id)sender
 {
     if (const auto* const button = ui::elementOf<ui::Button>(node)) {
-        perform(button->action);
+        mac::callCopy(button->action);
     }
 }
 
 - (void)toggled:(id)sender
 {
-    const auto* const toggle = ui::elementOf<ui::Toggle>(node);
-    if (toggle == nullptr) {
-        return;
+    if (const auto* const toggle = ui::elementOf<ui::Toggle>(node)) {
+        mac::callCopy(toggle->isOn.set, static_cast<NSButton*>(sender).state == NSControlStateValueOn);
     }
-    // NSButton and NSSwitch both have a state.
-    const bool isOn = [sender isKindOfClass:NSSwitch.class]
-                          ? static_cast<NSSwitch*>(sender).state == NSControlStateValueOn
-                          : static_cast<NSButton*>(sender).state == NSControlStateValueOn;
-    assign(toggle->isOn.set, isOn);
 }
 
 - (void)slid:(id)sender
 {
     if (const auto* const slider = ui::elementOf<ui::Slider>(node)) {
-        assign(slider->value.set, static_cast<NSSlider*>(sender).doubleValue);
+        mac::callCopy(slider->value.set, static_cast<NSSlider*>(sender).doubleValue);
     }
 }
 
@@ -79,9 +56,9 @@ template <class T> void assign(std::function<void(T)> set, T value)
 {
     NSTextField* const field = notification.object;
     if (const auto* const secure = ui::elementOf<ui::SecureField>(node)) {
-        assign(secure->text.set, mac::secretTextOf(field));
+        mac::callCopy(secure->text.set, mac::secretTextOf(field));
     } else if (const auto* const plain = ui::elementOf<ui::TextField>(node)) {
-        assign(plain->text.set, mac::textOf(field.stringValue));
+        mac::callCopy(plain->text.set, mac::textOf(field.stringValue));
     }
 }
 
@@ -94,16 +71,6 @@ template <class T> void assign(std::function<void(T)> set, T value)
     }
 }
 
-- (void)lostFocus
-{
-    [self tellFocus:false];
-}
-
-- (void)gainedFocus
-{
-    [self tellFocus:true];
-}
-
 - (void)tellFocus:(bool)isFocused
 {
     // Not while the first responder changes: the new tree may want to change it, too.
@@ -111,22 +78,30 @@ template <class T> void assign(std::function<void(T)> set, T value)
     dispatch_async(dispatch_get_main_queue(), ^{
         SentrelNodeTarget* const target = weakSelf;
         if (target != nil && target->node.traits.focus) {
-            assign(target->node.traits.focus->set, isFocused);
+            mac::callCopy(target->node.traits.focus->set, isFocused);
         }
     });
 }
 
 @end
 
+namespace {
+
+BOOL tellIfAccepted(NSTextField* field, BOOL isAccepted)
+{
+    if (isAccepted) {
+        [static_cast<SentrelNodeTarget*>(field.delegate) tellFocus:true];
+    }
+    return isAccepted;
+}
+
+} // namespace
+
 @implementation SentrelTextField
 
 - (BOOL)becomeFirstResponder
 {
-    const BOOL accepted = [super becomeFirstResponder];
-    if (accepted) {
-        [static_cast<SentrelNodeTarget*>(self.delegate) gainedFocus];
-    }
-    return accepted;
+    return tellIfAccepted(self, [super becomeFirstResponder]);
 }
 
 @end
@@ -135,11 +110,7 @@ template <class T> void assign(std::function<void(T)> set, T value)
 
 - (BOOL)becomeFirstResponder
 {
-    const BOOL accepted = [super becomeFirstResponder];
-    if (accepted) {
-        [static_cast<SentrelNodeTarget*>(self.delegate) gainedFocus];
-    }
-    return accepted;
+    return tellIfAccepted(self, [super becomeFirstResponder]);
 }
 
 @end

@@ -15,18 +15,11 @@ inline constexpr NSLayoutPriority givesWay = 1.0F;
 /// Keeps the inner view at this distance from each edge of the outer one.
 void pin(NSView* inner, NSView* outer, double inset);
 
-/// The inputs of a node's constraints among its siblings, which are remade only when these change.
-struct Standing {
-    const void* view = nullptr;
-    bool isSpacer = false;
-    bool expandsX = false;
-    bool expandsY = false;
-    bool stretchesAcross = false;
-    friend bool operator==(const Standing&, const Standing&) = default;
-};
+/// The constraint, with this priority.
+NSLayoutConstraint* weakened(NSLayoutConstraint* constraint, NSLayoutPriority priority);
 
-[[nodiscard]] Standing standingOf(const DrawnNode& node);
-[[nodiscard]] std::vector<Standing> standingsOf(const DrawnChildren& children);
+/// How strongly the view keeps to its content's size, in both directions.
+void setPriorities(NSView* view, NSLayoutPriority priority);
 
 /// A node's constraints in a view or a layout guide: from edge to edge in a direction in which it takes all space, else
 /// centered.
@@ -46,7 +39,7 @@ public:
 private:
     __weak id area_ = nil;
     Standing standing_;
-    NSArray<NSLayoutConstraint*>* constraints_ = @[];
+    Constraints constraints_;
 };
 
 /// Puts the views into the stack in this order. A view that stays is never removed, so that it keeps the keyboard.

@@ -4,64 +4,32 @@ namespace sentrel::mac {
 
 namespace {
 
-/// The anchors that views and layout guides both have.
-struct Edges {
-    explicit Edges(NSView* view)
-        : leading(view.leadingAnchor),
-          trailing(view.trailingAnchor),
-          top(view.topAnchor),
-          bottom(view.bottomAnchor),
-          middleX(view.centerXAnchor),
-          middleY(view.centerYAnchor)
-    {
-    }
-    explicit Edges(NSLayoutGuide* guide)
-        : leading(guide.leadingAnchor),
-          trailing(guide.trailingAnchor),
-          top(guide.topAnchor),
-          bottom(guide.bottomAnchor),
-          middleX(guide.centerXAnchor),
-          middleY(guide.centerYAnchor)
-    {
-    }
-    static Edges of(id area)
-    {
-        return [area isKindOfClass:NSLayoutGuide.class] ? Edges{static_cast<NSLayoutGuide*>(area)}
-                                                        : Edges{static_cast<NSView*>(area)};
-    }
-
-    NSLayoutXAxisAnchor* leading;
-    NSLayoutXAxisAnchor* trailing;
-    NSLayoutYAxisAnchor* top;
-    NSLayoutYAxisAnchor* bottom;
-    NSLayoutXAxisAnchor* middleX;
-    NSLayoutYAxisAnchor* middleY;
+/// The anchors of a view or of a layout guide in one direction.
+struct Anchors {
+    NSLayoutAnchor* start;
+    NSLayoutAnchor* end;
+    NSLayoutAnchor* middle;
 };
 
-NSArray<NSLayoutConstraint*>* across(const Edges& inner, const Edges& outer, bool fills)
+Anchors acrossOf(id area)
 {
-    if (fills) {
-        return @[
-            [inner.leading constraintEqualToAnchor:outer.leading],
-            [inner.trailing constraintEqualToAnchor:outer.trailing]
-        ];
-    }
-    return @[
-        [inner.middleX constraintEqualToAnchor:outer.middleX],
-        [inner.leading constraintGreaterThanOrEqualToAnchor:outer.leading],
-        [inner.trailing constraintLessThanOrEqualToAnchor:outer.trailing],
-    ];
+    return {[area leadingAnchor], [area trailingAnchor], [area centerXAnchor]};
 }
 
-NSArray<NSLayoutConstraint*>* along(const Edges& inner, const Edges& outer, bool fills)
+Anchors downOf(id area)
+{
+    return {[area topAnchor], [area bottomAnchor], [area centerYAnchor]};
+}
+
+NSArray<NSLayoutConstraint*>* placed(const Anchors& inner, const Anchors& outer, bool fills)
 {
     if (fills) {
-        return @[ [inner.top constraintEqualToAnchor:outer.top], [inner.bottom constraintEqualToAnchor:outer.bottom] ];
+        return @[ [inner.start constraintEqualToAnchor:outer.start], [inner.end constraintEqualToAnchor:outer.end] ];
     }
     return @[
-        [inner.middleY constraintEqualToAnchor:outer.middleY],
-        [inner.top constraintGreaterThanOrEqualToAnchor:outer.top],
-        [inner.bottom constraintLessThanOrEqualToAnchor:outer.bottom],
+        [inner.middle constraintEqualToAnchor:outer.middle],
+        [inner.start constraintGreaterThanOrEqualToAnchor:outer.start],
+        [inner.end constraintLessThanOrEqualToAnchor:outer.end],
     ];
 }
 
@@ -77,24 +45,23 @@ void pin(NSView* inner, NSView* outer, double inset)
     ]];
 }
 
-Standing standingOf(const DrawnNode& node)
+NSLayoutConstraint* weakened(NSLayoutConstraint* constraint, NSLayoutPriority priority)
 {
-    return {(__bridge const void*)node.outer(), node.isSpacer(), node.expands(NSLayoutConstraintOrientationHorizontal),
-            node.expands(NSLayoutConstraintOrientationVertical), node.stretchesAcross()};
+    constraint.priority = priority;
+    return constraint;
 }
 
-std::vector<Standing> standingsOf(const DrawnChildren& children)
+void setPriorities(NSView* view, NSLayoutPriority priority)
 {
-    std::vector<Standing> standings;
-    for (const auto& node : children.nodes()) {
-        standings.push_back(standingOf(*node));
+    for (const auto orientation : {NSLayoutConstraintOrientationHorizontal, NSLayoutConstraintOrientationVertical}) {
+        [view setContentHuggingPriority:priority forOrientation:orientation];
+        [view setContentCompressionResistancePriority:priority forOrientation:orientation];
     }
-    return standings;
 }
 
 void Placement::place(id area, const DrawnNode& node, bool fills)
 {
-    Standing standing = standingOf(node);
+    Standing standing = node.standing();
     standing.expandsX = standing.expandsX || fills;
     standing.expandsY = standing.expandsY || fills;
     if (area_ == area && standing == standing_) {
@@ -103,17 +70,14 @@ void Placement::place(id area, const DrawnNode& node, bool fills)
     forget();
     area_ = area;
     standing_ = standing;
-    const Edges outer = Edges::of(area);
-    const Edges inner{node.outer()};
-    constraints_ =
-        [across(inner, outer, standing.expandsX) arrayByAddingObjectsFromArray:along(inner, outer, standing.expandsY)];
-    [NSLayoutConstraint activateConstraints:constraints_];
+    NSView* const inner = node.outer();
+    constraints_.replace([placed(acrossOf(inner), acrossOf(area), standing.expandsX)
+        arrayByAddingObjectsFromArray:placed(downOf(inner), downOf(area), standing.expandsY)]);
 }
 
 void Placement::forget()
 {
-    [NSLayoutConstraint deactivateConstraints:constraints_];
-    constraints_ = @[];
+    constraints_.replace(@[]);
     area_ = nil;
 }
 

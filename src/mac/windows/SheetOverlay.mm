@@ -1,4 +1,5 @@
 #include "mac/windows/HostView.hpp"
+#include "mac/windows/Placing.hpp"
 #include "mac/windows/WindowAttachments.hpp"
 #include "ui/Node.hpp"
 
@@ -16,9 +17,9 @@ public:
     {
         // A sheet is drawn without its title bar; with one its window takes the keyboard.
         window_.contentView = host_;
-        NSLayoutConstraint* const width = [host_.widthAnchor constraintLessThanOrEqualToConstant:widest];
-        width.priority = NSLayoutPriorityDragThatCannotResizeWindow + 1.0F;
-        width.active = YES;
+        weakened([host_.widthAnchor constraintLessThanOrEqualToConstant:widest],
+                 NSLayoutPriorityDragThatCannotResizeWindow + 1.0F)
+            .active = YES;
         window_.releasedWhenClosed = NO;
     }
 
@@ -37,7 +38,7 @@ public:
     {
         host_->escaped = ui::elementOf<ui::Sheet>(attachment)->dismiss;
         if (!attachment.children.empty()) {
-            host_->renderer->render(attachment.children.front());
+            [host_ render:attachment.children.front()];
         }
         fit();
         if (!hasBegun_ && window != nil) {

@@ -1,8 +1,12 @@
+#include "mac/foundation/CallCopy.hpp"
 #include "mac/windows/ElementNodes.hpp"
 #include "mac/windows/Placing.hpp"
 #include "ui/Node.hpp"
 
 // A sidebar that the user can hide, and the detail beside it.
+
+using namespace sentrel;
+using namespace sentrel::mac;
 
 namespace {
 
@@ -15,7 +19,7 @@ constexpr double narrowestDetail = 280.0;
 /// Reports when the user hides or shows the sidebar at the divider.
 @interface SentrelSplitController : NSSplitViewController {
 @public
-    sentrel::ui::Binding<bool> isSidebarShown;
+    ui::Binding<bool> isSidebarShown;
     BOOL isMoving;      ///< the tree is moving the sidebar
     double wishedWidth; ///< of the sidebar, when it first appears; 0: AppKit's choice
 }
@@ -76,15 +80,12 @@ constexpr double narrowestDetail = 280.0;
 - (void)tellSidebar
 {
     const bool isShown = !self.sidebar.isCollapsed;
-    const auto set = isSidebarShown.set; // a copy: the new tree brings another
-    if (!isMoving && set && isShown != isSidebarShown.value) {
-        set(isShown);
+    if (!isMoving && isShown != isSidebarShown.value) {
+        callCopy(isSidebarShown.set, isShown); // the new tree brings another
     }
 }
 
 @end
-
-namespace sentrel::mac {
 
 namespace {
 
@@ -97,12 +98,7 @@ public:
 
     void show(const ui::View& view, std::string step, const Surroundings& surroundings)
     {
-        NSView* const before = drawn_ ? drawn_->outer() : nil;
-        drawn_ = DrawnNode::draw(std::move(drawn_), view, std::move(step), surroundings);
-        if (drawn_->outer() != before) {
-            [before removeFromSuperview];
-            [controller_.view addSubview:drawn_->outer()];
-        }
+        DrawnNode::drawIn(controller_.view, drawn_, view, std::move(step), surroundings);
         placement_.place(controller_.view.safeAreaLayoutGuide, *drawn_);
     }
 
@@ -186,9 +182,7 @@ private:
 
 } // namespace
 
-std::unique_ptr<DrawnNode> makeNode(const ui::SplitView& /*split*/)
+std::unique_ptr<DrawnNode> sentrel::mac::makeNode(const ui::SplitView& /*split*/)
 {
     return std::make_unique<SplitNode>();
 }
-
-} // namespace sentrel::mac

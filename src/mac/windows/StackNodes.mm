@@ -4,7 +4,7 @@
 
 #include <utility>
 
-// Stacks: rows, columns and layers.
+// Rows and columns.
 
 namespace sentrel::mac {
 
@@ -13,24 +13,16 @@ namespace {
 /// Several views share the remaining space equally, unless another constraint prevents it.
 constexpr NSLayoutPriority fairShare = 150.0F;
 
-/// Layers are no larger than the largest one unless necessary.
-constexpr NSLayoutPriority hugging = 200.0F;
-
 using Orientation = NSLayoutConstraintOrientation;
 using Axis = ui::Stack::Axis;
 
 NSLayoutAttribute alignmentOf(const ui::Stack& stack)
 {
-    const bool isRow = stack.axis == Axis::horizontal;
-    switch (stack.alignment) {
-    case ui::Stack::Alignment::leading:
-        return isRow ? NSLayoutAttributeTop : NSLayoutAttributeLeading;
-    case ui::Stack::Alignment::trailing:
-        return isRow ? NSLayoutAttributeBottom : NSLayoutAttributeTrailing;
-    case ui::Stack::Alignment::center:
-        break;
-    }
-    return isRow ? NSLayoutAttributeCenterY : NSLayoutAttributeCenterX;
+    // In the order of `Alignment`.
+    constexpr NSLayoutAttribute inRow[] = {NSLayoutAttributeTop, NSLayoutAttributeCenterY, NSLayoutAttributeBottom};
+    constexpr NSLayoutAttribute inColumn[] = {NSLayoutAttributeLeading, NSLayoutAttributeCenterX,
+                                              NSLayoutAttributeTrailing};
+    return (stack.axis == Axis::horizontal ? inRow : inColumn)[static_cast<std::size_t>(stack.alignment)];
 }
 
 NSLayoutDimension* extentOf(NSView* view, bool isWidth)
@@ -45,10 +37,6 @@ public:
 
 private:
     [[nodiscard]] NSStackView* stackView() const { return static_cast<NSStackView*>(view()); }
-    [[nodiscard]] bool suits(const ui::View& view) const override
-    {
-        return ui::elementOf<ui::Stack>(view)->axis != Axis::depth;
-    }
 
     void show(const ui::View& view, const Surroundings& surroundings) override
     {
@@ -59,17 +47,12 @@ private:
         stackView().spacing = stack.spacing;
         stackView().alignment = alignmentOf(stack);
         Surroundings inner = surroundings;
-        inner.isInForm = false;
         inner.isInRow = isRow_;
         inner.isInCenteredColumn = !isRow_ && stack.alignment == ui::Stack::Alignment::center;
-        children_.show(view.children, inner);
+        const bool hasChanged = children_.show(view.children, inner);
         arrange(stackView(), children_.views());
-        auto standings = standingsOf(children_);
-        if (wasRow != isRow_ || standings != standings_) {
-            standings_ = std::move(standings);
-            [NSLayoutConstraint deactivateConstraints:sizes_];
-            sizes_ = sizes();
-            [NSLayoutConstraint activateConstraints:sizes_];
+        if (wasRow != isRow_ || hasChanged) {
+            sizes_.replace(sizes());
         }
     }
 
@@ -86,17 +69,15 @@ private:
             } else if (child->isSpacer()) {
                 firstSpacer = child->outer();
             } else if (child->expands(along()) && firstWide != nil) {
-                NSLayoutConstraint* const equal = [extent constraintEqualToAnchor:extentOf(firstWide, isRow_)];
-                equal.priority = fairShare;
-                [constraints addObject:equal];
+                [constraints
+                    addObject:weakened([extent constraintEqualToAnchor:extentOf(firstWide, isRow_)], fairShare)];
             } else if (child->expands(along())) {
                 firstWide = child->outer();
             }
             if (child->expands(across()) || child->stretchesAcross()) {
-                NSLayoutConstraint* const full =
-                    [extentOf(child->outer(), !isRow_) constraintEqualToAnchor:extentOf(stackView(), !isRow_)];
-                full.priority = stretch;
-                [constraints addObject:full];
+                NSLayoutDimension* const breadth = extentOf(child->outer(), !isRow_);
+                [constraints
+                    addObject:weakened([breadth constraintEqualToAnchor:extentOf(stackView(), !isRow_)], stretch)];
             }
         }
         return constraints;
@@ -122,83 +103,13 @@ private:
 
     bool isRow_ = false;
     DrawnChildren children_;
-    std::vector<Standing> standings_;
-    NSArray<NSLayoutConstraint*>* sizes_ = @[];
-};
-
-/// Layers, the last in front; each centered, or filling the space.
-class LayersNode final : public DrawnNode {
-public:
-    LayersNode() : DrawnNode([[NSView alloc] init])
-    {
-        for (NSLayoutDimension* const extent in @[ view().widthAnchor, view().heightAnchor ]) {
-            NSLayoutConstraint* const small = [extent constraintEqualToConstant:0.0];
-            small.priority = hugging;
-            small.active = YES;
-        }
-    }
-
-private:
-    [[nodiscard]] bool suits(const ui::View& view) const override
-    {
-        return ui::elementOf<ui::Stack>(view)->axis == Axis::depth;
-    }
-
-    void show(const ui::View& view, const Surroundings& surroundings) override
-    {
-        Surroundings inner = surroundings;
-        inner.isInForm = false;
-        inner.isInRow = false;
-        inner.isInCenteredColumn = true;
-        children_.show(view.children, inner);
-        NSArray<NSView*>* const views = children_.views();
-        NSView* const base = this->view();
-        for (NSView* const shown in [base.subviews copy]) {
-            if (![views containsObject:shown]) {
-                [shown removeFromSuperview];
-            }
-        }
-        NSView* below = nil;
-        for (const auto& child : children_.nodes()) {
-            putAbove(below, child->outer());
-            below = child->outer();
-        }
-        auto standings = standingsOf(children_);
-        if (standings != standings_) {
-            standings_ = std::move(standings);
-            placements_ = std::vector<Placement>(standings_.size());
-            for (std::size_t index = 0; index < placements_.size(); ++index) {
-                placements_[index].place(base, *children_.nodes()[index]);
-            }
-        }
-    }
-
-    /// Moves a layer only if its order is wrong, because it loses the keyboard.
-    void putAbove(NSView* below, NSView* layer)
-    {
-        NSArray<NSView*>* const shown = view().subviews;
-        const bool isInPlace =
-            layer.superview == view() && (below == nil || [shown indexOfObject:below] < [shown indexOfObject:layer]);
-        if (!isInPlace) {
-            [view() addSubview:layer positioned:NSWindowAbove relativeTo:below];
-        }
-    }
-
-    [[nodiscard]] bool wantsAll(Orientation orientation) const override { return children_.anyExpands(orientation); }
-    void eachChild(const std::function<void(DrawnNode&)>& visit) override { children_.each(visit); }
-
-    DrawnChildren children_;
-    std::vector<Standing> standings_;
-    std::vector<Placement> placements_;
+    Constraints sizes_;
 };
 
 } // namespace
 
-std::unique_ptr<DrawnNode> makeNode(const ui::Stack& stack)
+std::unique_ptr<DrawnNode> makeNode(const ui::Stack& /*stack*/)
 {
-    if (stack.axis == Axis::depth) {
-        return std::make_unique<LayersNode>();
-    }
     return std::make_unique<LineNode>();
 }
 

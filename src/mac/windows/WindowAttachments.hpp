@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ui/View.hpp"
+#include "ui/Attachments.hpp"
 
 #import <AppKit/AppKit.h>
 
@@ -8,9 +8,9 @@
 #include <memory>
 #include <string>
 
-namespace sentrel::mac {
+@class SentrelToolbarDelegate;
 
-class WindowToolbar;
+namespace sentrel::mac {
 
 /// A sheet or a dialog over a window, for as long as the tree has it. Its destructor removes it. Main thread.
 class Overlay {
@@ -30,11 +30,29 @@ public:
 [[nodiscard]] std::unique_ptr<Overlay> makeSheet();
 [[nodiscard]] std::unique_ptr<Overlay> makeDialog();
 
+/// A window's toolbar: the children of all toolbars that are attached to the tree. Buttons are items of the toolbar's
+/// own kind, spacers its flexible spaces, other views are drawn in it. Main thread.
+class WindowToolbar {
+public:
+    WindowToolbar();
+    WindowToolbar(const WindowToolbar&) = delete;
+    WindowToolbar& operator=(const WindowToolbar&) = delete;
+
+    /// Shows these in the window, if not nil; without any, removes its toolbar.
+    void show(NSWindow* window, const std::vector<ui::Attachment>& toolbars);
+
+private:
+    void showItem(const std::string& identity, const ui::View& view, bool isEnabled);
+    void arrange();
+
+    NSToolbar* const toolbar_;
+    SentrelToolbarDelegate* const delegate_;
+};
+
 /// The attachments of a tree's views, at its window. Main thread.
 class WindowAttachments {
 public:
-    WindowAttachments();
-    ~WindowAttachments();
+    WindowAttachments() = default;
     WindowAttachments(const WindowAttachments&) = delete;
     WindowAttachments& operator=(const WindowAttachments&) = delete;
 

@@ -1,25 +1,11 @@
 #include "mac/windows/WindowAttachments.hpp"
 
-#include "mac/windows/WindowToolbar.hpp"
-#include "ui/Attachments.hpp"
 #include "ui/Node.hpp"
 
 #include <utility>
 #include <vector>
 
 namespace sentrel::mac {
-
-namespace {
-
-std::unique_ptr<Overlay> makeOverlay(const ui::View& attachment)
-{
-    return ui::elementOf<ui::Sheet>(attachment) != nullptr ? makeSheet() : makeDialog();
-}
-
-} // namespace
-
-WindowAttachments::WindowAttachments() = default;
-WindowAttachments::~WindowAttachments() = default;
 
 void WindowAttachments::show(NSWindow* window, const ui::View& content)
 {
@@ -33,7 +19,7 @@ void WindowAttachments::show(NSWindow* window, const ui::View& content)
         }
         auto overlay = std::move(before[attachment.identity]);
         if (overlay == nullptr || !overlay->suits(*attachment.view)) {
-            overlay = makeOverlay(*attachment.view);
+            overlay = ui::elementOf<ui::Sheet>(*attachment.view) != nullptr ? makeSheet() : makeDialog();
         }
         overlays_[attachment.identity] = std::move(overlay);
     }

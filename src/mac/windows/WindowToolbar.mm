@@ -1,22 +1,37 @@
-#include "mac/windows/WindowToolbar.hpp"
+#include "mac/windows/WindowAttachments.hpp"
 
-#include "mac/foundation/FoundationText.hpp"
+#include "mac/foundation/FoundationValues.hpp"
 #include "mac/windows/Appearance.hpp"
+#include "mac/windows/DrawnNode.hpp"
 #include "ui/Node.hpp"
 
+#include <map>
 #include <utility>
 
-@implementation SentrelToolbarDelegate
+using namespace sentrel;
+using namespace sentrel::mac;
 
-- (instancetype)init
-{
-    self = [super init];
-    if (self != nil) {
-        items = [NSMutableDictionary dictionary];
-        order = @[];
-    }
-    return self;
+namespace {
+
+/// One item: a button has a target, any other view is drawn.
+struct Item {
+    NSToolbarItem* item = nil;
+    SentrelNodeTarget* target = nil;
+    std::optional<ui::Image> image; ///< of a button
+    std::unique_ptr<DrawnNode> drawn;
+};
+
+} // namespace
+
+/// Supplies the items of a toolbar.
+@interface SentrelToolbarDelegate : NSObject <NSToolbarDelegate> {
+@public
+    std::map<std::string, Item> items; ///< by identity
+    NSArray<NSString*>* order;
 }
+@end
+
+@implementation SentrelToolbarDelegate
 
 - (NSArray<NSString*>*)toolbarDefaultItemIdentifiers:(NSToolbar*)toolbar
 {
@@ -33,23 +48,19 @@
         itemForItemIdentifier:(NSString*)itemIdentifier
     willBeInsertedIntoToolbar:(BOOL)flag
 {
-    return items[itemIdentifier];
+    const auto found = items.find(textOf(itemIdentifier));
+    return found == items.end() ? nil : found->second.item;
 }
 
 @end
 
 namespace sentrel::mac {
 
-/// One item: a button has a target, any other view is drawn.
-struct WindowToolbar::Item {
-    NSToolbarItem* item = nil;
-    SentrelNodeTarget* target = nil;
-    std::optional<ui::Image> image; ///< of a button
-    std::unique_ptr<DrawnNode> drawn;
-};
-
-WindowToolbar::WindowToolbar() : toolbar_([[NSToolbar alloc] initWithIdentifier:NSUUID.UUID.UUIDString])
+WindowToolbar::WindowToolbar()
+    : toolbar_([[NSToolbar alloc] initWithIdentifier:NSUUID.UUID.UUIDString]),
+      delegate_([[SentrelToolbarDelegate alloc] init])
 {
+    delegate_->order = @[];
     // The identifier is unique: AppKit keeps toolbars with equal ones in step, but each follows its own tree.
     toolbar_.delegate = delegate_;
     toolbar_.displayMode = NSToolbarDisplayModeIconOnly;
@@ -57,11 +68,9 @@ WindowToolbar::WindowToolbar() : toolbar_([[NSToolbar alloc] initWithIdentifier:
     toolbar_.autosavesConfiguration = NO;
 }
 
-WindowToolbar::~WindowToolbar() = default;
-
 void WindowToolbar::show(NSWindow* window, const std::vector<ui::Attachment>& toolbars)
 {
-    auto before = std::exchange(items_, {});
+    auto before = std::exchange(delegate_->items, {});
     NSMutableArray<NSString*>* const order = [NSMutableArray array];
     for (const ui::Attachment& toolbar : toolbars) {
         for (std::size_t index = 0; index < toolbar.view->children.size(); ++index) {
@@ -77,7 +86,7 @@ void WindowToolbar::show(NSWindow* window, const std::vector<ui::Attachment>& to
             if (ui::elementOf<ui::Button>(child) == nullptr) {
                 identity += "//view"; // a view that becomes a button is another item
             }
-            items_[identity] = std::move(before[identity]);
+            delegate_->items[identity] = std::move(before[identity]);
             showItem(identity, child, toolbar.isEnabled && !child.traits.isDisabled);
             [order addObject:stringObject(identity)];
         }
@@ -89,22 +98,15 @@ void WindowToolbar::show(NSWindow* window, const std::vector<ui::Attachment>& to
         window.toolbarStyle = NSWindowToolbarStyleUnified;
     }
     arrange();
-    for (const auto& [identity, item] : before) {
-        if (!items_.contains(identity)) {
-            [delegate_->items removeObjectForKey:stringObject(identity)];
-        }
-    }
 }
 
 void WindowToolbar::showItem(const std::string& identity, const ui::View& view, bool isEnabled)
 {
-    Item& item = items_[identity];
-    NSString* const identifier = stringObject(identity);
+    Item& item = delegate_->items[identity];
     const auto* const button = ui::elementOf<ui::Button>(view);
     if (item.item == nil) {
-        item.item = [[NSToolbarItem alloc] initWithItemIdentifier:identifier];
+        item.item = [[NSToolbarItem alloc] initWithItemIdentifier:stringObject(identity)];
         item.item.autovalidates = NO;
-        delegate_->items[identifier] = item.item;
     }
     if (button == nullptr) {
         Surroundings surroundings;

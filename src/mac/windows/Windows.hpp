@@ -1,21 +1,13 @@
 #pragma once
 
-#include "ports/Alerts.hpp"
-#include "ports/SavePanels.hpp"
-#include "ports/StatusBar.hpp"
-#include "ports/Windows.hpp"
-
 #include <functional>
-#include <memory>
 
-// Windows, panels and the menu bar of AppKit.
+@class NSMenu;
 
 namespace sentrel::mac {
 
-[[nodiscard]] std::unique_ptr<ports::Windows> makeWindows();
-[[nodiscard]] std::unique_ptr<ports::StatusBar> makeStatusBar();
-[[nodiscard]] std::unique_ptr<ports::Alerts> makeAlerts();
-[[nodiscard]] std::unique_ptr<ports::SavePanels> makeSavePanels();
+/// The application's menu while it has a window in front. It gives fields the keys for copying and pasting.
+[[nodiscard]] NSMenu* makeMainMenu();
 
 /// Whether a window of this application shields the screen. Then only the window's own controls may remove it or act
 /// behind it.

@@ -41,18 +41,11 @@ const char* nameOf(ui::Stack::Alignment alignment)
 
 Json imageJson(const ui::Image& image, PageFiles& files)
 {
-    switch (image.source) {
-    case ui::Image::Source::asset:
-        return {{"source", "asset"}, {"name", image.name}};
-    case ui::Image::Source::systemSymbol:
+    if (image.source == ui::Image::Source::systemSymbol) {
         return {{"source", "symbol"}, {"name", image.name}};
-    case ui::Image::Source::memory:
-        if (image.data != nullptr) {
-            return {{"source", "data"}, {"url", files.addImage(image.data)}};
-        }
-        break;
-    case ui::Image::Source::file:
-        break;
+    }
+    if (image.data != nullptr) {
+        return {{"source", "data"}, {"url", files.addImage(image.data)}};
     }
     return {{"source", "symbol"}, {"name", "photo.badge.exclamationmark"}};
 }
@@ -64,7 +57,7 @@ struct ElementWriter {
 
     void operator()(const ui::Stack& stack) const
     {
-        constexpr std::array kinds{"hstack", "vstack", "zstack"};
+        constexpr std::array kinds{"hstack", "vstack"};
         node["kind"] = kinds[static_cast<std::size_t>(stack.axis)];
         node["spacing"] = stack.spacing;
         node["align"] = nameOf(stack.alignment);
@@ -105,7 +98,6 @@ struct ElementWriter {
         node["kind"] = "toggle";
         node["text"] = toggle.label;
         node["on"] = toggle.isOn.value;
-        node["style"] = toggle.style == ui::Toggle::Style::checkbox ? "checkbox" : "switch";
     }
     void operator()(const ui::Slider& slider) const
     {

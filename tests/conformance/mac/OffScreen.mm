@@ -1,6 +1,6 @@
 #include "conformance/mac/OffScreen.hpp"
 
-#include "mac/foundation/FoundationText.hpp"
+#include "mac/foundation/FoundationValues.hpp"
 #include "mac/windows/HostView.hpp"
 
 #import <AppKit/AppKit.h>
@@ -142,7 +142,7 @@ std::vector<Drawn> draw(const ui::View& tree, const std::string& name, const std
     window.releasedWhenClosed = NO;
     SentrelHostView* const host = [[SentrelHostView alloc] initWithFrame:contentRectangle];
     window.contentView = host;
-    host->renderer->render(tree);
+    [host render:tree];
     for (const NSAppearanceName appearance in @[ NSAppearanceNameAqua, NSAppearanceNameDarkAqua ]) {
         const bool isDark = [appearance isEqualToString:NSAppearanceNameDarkAqua];
         window.appearance = [NSAppearance appearanceNamed:appearance];
@@ -151,9 +151,9 @@ std::vector<Drawn> draw(const ui::View& tree, const std::string& name, const std
     }
     checkConstraints(host, host, name, report);
     std::vector<Drawn> drawn;
-    host->renderer->visit([&](const std::string& identity, NSView* outer, NSView* control) {
+    [host visit:[&](const std::string& identity, NSView* outer, NSView* control) {
         drawn.push_back(drawnOf(identity, outer, control));
-    });
+    }];
     [host endContent];
     return drawn;
 }

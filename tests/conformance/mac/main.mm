@@ -3,7 +3,7 @@
 #include "conformance/mac/OffScreen.hpp"
 #include "mac/MacPlatform.hpp"
 #include "mac/cloud/CloudRecords.hpp"
-#include "mac/foundation/FoundationText.hpp"
+#include "mac/foundation/FoundationValues.hpp"
 
 #import <AppKit/AppKit.h>
 
