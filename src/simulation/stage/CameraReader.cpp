@@ -110,6 +110,8 @@ ValueType<CameraValue> cameraType()
         changeField("authorization", &CameraChange::authorization, type::word("authorization", authorizationWords)),
         changeField("devices", &CameraChange::devices, camerasType()),
         changeField("brightness", &CameraChange::brightness, type::orNone(type::number(0.0, 1.0))),
+        changeField("share", &CameraChange::share,
+                    type::made(type::whole(1, 16), [](auto share) { return static_cast<int>(share); })),
         photoField(),
         changeField("delay", &CameraChange::delay, type::span()),
         changeField("fail", &CameraChange::fails, type::flag()),

@@ -190,6 +190,9 @@ std::string tellCamera(const CameraValue& value)
         text += *change.brightness ? " The scene before the camera is now at " + percent(**change.brightness) + "."
                                    : " The scene before the camera is as bright as the day.";
     }
+    if (change.share) {
+        text += " The sides of a photo are divided by " + std::to_string(*change.share) + ".";
+    }
     if (change.photo) {
         text += *change.photo ? " Every photo is now " + value.photoName + "." : " Photos show the café again.";
     }

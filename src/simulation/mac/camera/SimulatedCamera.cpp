@@ -122,6 +122,12 @@ std::optional<double> SimulatedCamera::brightness() const
     return world_->brightness;
 }
 
+void SimulatedCamera::setPhotoShare(int share)
+{
+    const std::lock_guard guard{world_->mutex};
+    world_->photoShare = share;
+}
+
 void SimulatedCamera::setPhotoDelay(Duration delay)
 {
     const std::lock_guard guard{world_->mutex};

@@ -57,6 +57,9 @@ public:
     void setBrightness(std::optional<double> brightness);
     [[nodiscard]] std::optional<double> brightness() const;
 
+    /// Divides the sides of photos of the cafe; 1 at first. Small photos take little time.
+    void setPhotoShare(int share);
+
     /// Time from a photo's request to its callback; 0 at first.
     void setPhotoDelay(Duration delay);
 

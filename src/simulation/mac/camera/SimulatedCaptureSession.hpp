@@ -32,6 +32,7 @@ struct SimulatedCamera::World {
     std::vector<CameraModel> devices;
     std::string openedDevice;
     std::optional<double> brightness;
+    int photoShare = 1;
     Duration photoDelay{};
     std::shared_ptr<const Bytes> photoFile; // none for the cafe
     const void* runningSession = nullptr;

@@ -18,6 +18,9 @@ void SimulatedWorkspace::post(const std::string& name)
     if (!faults_.strikes("notification")) {
         notifications_.post(name);
     }
+    if (faults_.strikes("notification-twice")) {
+        notifications_.post(name);
+    }
 }
 
 } // namespace sentrel::simulation

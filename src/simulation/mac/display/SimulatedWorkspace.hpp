@@ -11,7 +11,7 @@ namespace sentrel::simulation {
 /// The shared workspace's notification center. Notifications are posted on any thread and received on the main thread
 /// of the scheduler.
 ///
-/// Faults: `notification` (one gets lost).
+/// Faults: `notification` (one gets lost), `notification-twice`.
 class SimulatedWorkspace final : public ports::WorkspaceNotifications {
 public:
     SimulatedWorkspace(Scheduler& scheduler, ports::Journal& journal)
@@ -28,7 +28,7 @@ public:
 
 private:
     ports::Journal& journal_;
-    FaultSwitches faults_{"notification"};
+    FaultSwitches faults_{"notification", "notification-twice"};
     NotificationHub notifications_;
 };
 
