@@ -137,6 +137,7 @@ void Chronicle::willDo(double now, const Deed& deed, const Sight& before)
     }
     if (deed.deletesAlerts) {
         listBeforeDeletion_ = before.listed;
+        diskBeforeDeletion_ = before.onDisk;
     }
 }
 
@@ -260,7 +261,11 @@ void Chronicle::noteAlerts(const Sight& now)
     if (listBeforeDeletion_) {
         for (const auto& [id, row] : *listBeforeDeletion_) {
             const auto known = alerts.find(id);
-            if (!now.listed.contains(id) && known != alerts.end()) {
+            // A fault may strike between the disk and the list.
+            const auto stored = now.inCloud.find(now.user);
+            const bool isUploaded = stored != now.inCloud.end() && stored->second.contains(id);
+            const bool hasLeftDisk = diskBeforeDeletion_.contains(id) && !now.onDisk.contains(id) && !isUploaded;
+            if ((!now.listed.contains(id) || hasLeftDisk) && known != alerts.end()) {
                 known->second.deletedAt = std::min(known->second.deletedAt, at);
             }
         }

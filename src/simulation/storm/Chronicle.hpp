@@ -167,6 +167,7 @@ private:
     bool isCloudTroubled_ = false;
     std::string passcode_ = "2468";
     std::optional<std::map<UUID, SeenRow>> listBeforeDeletion_;
+    SeenAlerts diskBeforeDeletion_;
     bool mayBeTroubled_ = true;
     bool wasOnAC_ = true;
     bool wasLidClosed_ = false;
