@@ -272,7 +272,9 @@ Finding assertionFollowsArming(const Instants& is)
         return std::nullopt;
     }
     const double changed = std::max(is.past.armedSince, is.past.disarmedSince);
-    const bool isBroken = is.past.hasHung || is.past.hadTrouble({"power-assertions"}, changed - settling);
+    // The icon tells whether the Mac is armed; one that can't be set goes on telling the old state.
+    const bool isBroken = is.past.hasHung || is.past.hadTrouble({"power-assertions"}, changed - settling) ||
+                          is.past.hadTrouble({"status-bar"}, since - settling);
     if (!isBroken) {
         return std::string{"the Mac is "} + (is.now.showsArmed ? "armed" : "not armed") + ", and its assertion is " +
                (is.now.holdsArmedAssertion ? "held" : "not held");
