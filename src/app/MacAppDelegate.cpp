@@ -139,7 +139,7 @@ void MacAppDelegate::registerForRemoteNotifications()
 
 void MacAppDelegate::applicationDidReceiveRemoteNotification(const Json& userInfo)
 {
-    const auto notification = ports_.remoteNotifications.cloudNotification(userInfo);
+    const auto notification = quietly([&] { return ports_.remoteNotifications.cloudNotification(userInfo); });
     if (!notification) {
         return;
     }

@@ -27,21 +27,30 @@ void EventLog::write(std::string_view event, std::initializer_list<Field> fields
     for (const auto& [name, value] : fields) {
         made.fields.emplace_back(name, ownedValue(value));
     }
-    const Event* kept = nullptr;
+    const Event* noted = &made;
     std::shared_ptr<const Observers> observers;
     {
         const std::lock_guard guard{mutex_};
         // Read under the lock, so that the times never go back along the log.
         made.at = toSeconds(scheduler_.now() - start_);
-        kept = &events_.emplace_back(std::move(made));
+        if (keeps_) {
+            noted = &events_.emplace_back(std::move(made));
+        }
         observers = observers_;
         if (file_.is_open()) {
-            writeLine(*kept);
+            writeLine(*noted);
         }
     }
     for (const Observer& observer : *observers) {
-        observer(*kept);
+        observer(*noted);
     }
+}
+
+void EventLog::keepNothing()
+{
+    const std::lock_guard guard{mutex_};
+    keeps_ = false;
+    events_.clear();
 }
 
 void EventLog::observe(Observer observer)

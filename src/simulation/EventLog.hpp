@@ -40,6 +40,9 @@ public:
     /// the file can't be created.
     [[nodiscard]] bool writeTo(const std::filesystem::path& file);
 
+    /// Keeps no event from now on: only observers and the file get them. Forgets the earlier ones.
+    void keepNothing();
+
     /// False once a line could not be written.
     [[nodiscard]] bool isWrittenWhole() const;
 
@@ -56,6 +59,7 @@ private:
     std::shared_ptr<const Observers> observers_ = std::make_shared<const Observers>();
     std::ofstream file_;
     bool isWrittenWhole_ = true;
+    bool keeps_ = true;
 };
 
 } // namespace sentrel::simulation

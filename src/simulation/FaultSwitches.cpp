@@ -54,6 +54,11 @@ bool FaultSwitches::isSet(std::string_view name) const
                                [name](const Fault& fault) { return fault.name == name && fault.remaining != 0; });
 }
 
+bool FaultSwitches::isAnySet() const
+{
+    return std::ranges::any_of(faults_, [](const Fault& fault) { return fault.remaining != 0; });
+}
+
 std::vector<std::string> FaultSwitches::active() const
 {
     std::vector<std::string> names;
@@ -74,6 +79,12 @@ std::map<std::string, std::uint64_t, std::less<>> FaultSwitches::struck() const
         }
     }
     return counts;
+}
+
+std::uint64_t FaultSwitches::struck(std::string_view name) const
+{
+    const auto found = std::ranges::find(faults_, name, &Fault::name);
+    return found == faults_.end() ? 0 : found->struck.load();
 }
 
 void FaultSwitches::clear()

@@ -28,11 +28,15 @@ public:
     /// Whether the device may fail that way at its next use.
     [[nodiscard]] bool isSet(std::string_view name) const;
 
+    /// Whether the device may fail at its next use.
+    [[nodiscard]] bool isAnySet() const;
+
     /// The names of the faults that are set.
     [[nodiscard]] std::vector<std::string> active() const;
 
     /// How often each fault has struck.
     [[nodiscard]] std::map<std::string, std::uint64_t, std::less<>> struck() const;
+    [[nodiscard]] std::uint64_t struck(std::string_view name) const;
 
     /// Heals everything. A call that hangs stays where it is.
     void clear();

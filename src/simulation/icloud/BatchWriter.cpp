@@ -64,23 +64,25 @@ ServerRecordResult BatchWriter::save(const ServerRecord& record, ports::CloudSav
     if (auto clash = conflict(record, known, policy)) {
         return std::move(*clash);
     }
-    if (!writeWithinQuota(record, known)) {
+    auto stored = writeWithinQuota(record, known);
+    if (!stored) {
         return cloudError(CKError::quotaExceeded);
     }
-    notify(record.name, known ? PushReason::recordUpdated : PushReason::recordCreated);
-    return *store_.readWithoutAssets(record.name);
+    notify(record.name, record.type, known ? PushReason::recordUpdated : PushReason::recordCreated);
+    return *std::move(stored);
 }
 
-bool BatchWriter::writeWithinQuota(const ServerRecord& record, const std::optional<CloudStore::Header>& known)
+/// The record as stored, or none if the account is full.
+std::optional<ServerRecord> BatchWriter::writeWithinQuota(const ServerRecord& record,
+                                                          const std::optional<CloudStore::Header>& known)
 {
     if (terms_.quota == Terms{}.quota) {
-        store_.write(record, known, terms_.now); // no limit, so no sums
-        return true;
+        return store_.write(record, known, terms_.now); // no limit, so no sums
     }
     SqliteDatabase& database = store_.database();
     const std::uint64_t before = store_.storedBytes();
     database.run("SAVEPOINT record");
-    store_.write(record, known, terms_.now);
+    ServerRecord stored = store_.write(record, known, terms_.now);
     const std::uint64_t after = store_.storedBytes();
     // An account over its quota may still write if that needs no more room.
     const bool fits = after <= before || after <= terms_.quota;
@@ -88,7 +90,7 @@ bool BatchWriter::writeWithinQuota(const ServerRecord& record, const std::option
         database.run("ROLLBACK TO record");
     }
     database.run("RELEASE record");
-    return fits;
+    return fits ? std::optional{std::move(stored)} : std::nullopt;
 }
 
 ports::CloudDeleteResult BatchWriter::remove(const std::string& name)
@@ -97,15 +99,15 @@ ports::CloudDeleteResult BatchWriter::remove(const std::string& name)
     if (!known) {
         return cloudError(CKError::unknownItem);
     }
-    notify(name, PushReason::recordDeleted);
+    notify(name, known->type, PushReason::recordDeleted);
     store_.remove(*known);
     return std::nullopt;
 }
 
-void BatchWriter::notify(const std::string& name, PushReason reason)
+void BatchWriter::notify(const std::string& name, const std::string& type, PushReason reason)
 {
     for (auto subscription = subscriptions_.begin(); subscription != subscriptions_.end();) {
-        const bool fires = (subscription->options & optionFor(reason)) != 0 &&
+        const bool fires = (subscription->options & optionFor(reason)) != 0 && subscription->recordType == type &&
                            store_.matches(name, subscription->recordType, conditionOf(subscription->predicate));
         if (fires) {
             const ServerRecord record = store_.readWithoutAssets(name).value_or(ServerRecord{});

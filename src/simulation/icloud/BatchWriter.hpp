@@ -35,9 +35,10 @@ public:
 
 private:
     [[nodiscard]] ServerRecordResult save(const ServerRecord& record, ports::CloudSavePolicy policy);
-    [[nodiscard]] bool writeWithinQuota(const ServerRecord& record, const std::optional<CloudStore::Header>& known);
+    [[nodiscard]] std::optional<ServerRecord> writeWithinQuota(const ServerRecord& record,
+                                                               const std::optional<CloudStore::Header>& known);
     [[nodiscard]] ports::CloudDeleteResult remove(const std::string& name);
-    void notify(const std::string& name, PushReason reason);
+    void notify(const std::string& name, const std::string& type, PushReason reason);
 
     CloudStore& store_;
     const Terms terms_;

@@ -82,6 +82,13 @@ std::vector<std::string> textsOf(const Bytes& encoded)
     return texts;
 }
 
+/// Whether the value counts as 8 bytes, whatever it is.
+bool hasFixedSize(const ServerValue& value)
+{
+    return std::holds_alternative<std::int64_t>(value) || std::holds_alternative<double>(value) ||
+           std::holds_alternative<Date>(value);
+}
+
 ServerValue fieldValue(const SqliteStatement& row, std::int64_t kind, int column)
 {
     switch (kind) {
@@ -167,8 +174,14 @@ std::optional<ServerRecord> CloudStore::read(const std::string& name, const port
         return std::nullopt;
     }
     ServerRecord record{header->type, name, {}, header->tag, header->modificationDate};
+    readFields(header->id, wanted, assets, record);
+    return record;
+}
+
+void CloudStore::readFields(std::int64_t id, const ports::CloudDesiredKeys& wanted, Assets assets, ServerRecord& record)
+{
     SqliteStatement row = database_.prepare("SELECT name, kind, value FROM fields WHERE record = ?");
-    row.start({header->id});
+    row.start({id});
     while (row.next()) {
         std::string field = row.text(0);
         const std::int64_t kind = row.integer(1);
@@ -179,12 +192,11 @@ std::optional<ServerRecord> CloudStore::read(const std::string& name, const port
         }
         record.fields.emplace(std::move(field), fieldValue(row, kind, 2));
     }
-    return record;
 }
 
-void CloudStore::write(const ServerRecord& record, const std::optional<Header>& known, Date now)
+ServerRecord CloudStore::write(const ServerRecord& record, const std::optional<Header>& known, Date now)
 {
-    const std::string tag = epoch_ + "-" + std::to_string(nextNumber());
+    std::string tag = epoch_ + "-" + std::to_string(nextNumber());
     const double modified = now.secondsSinceReferenceDate;
     if (known) {
         database_.run("UPDATE records SET tag = ?, modified = ? WHERE id = ?", {tag, modified, known->id});
@@ -192,15 +204,38 @@ void CloudStore::write(const ServerRecord& record, const std::optional<Header>& 
         database_.run("INSERT INTO records(name, type, tag, created, modified) VALUES(?, ?, ?, ?, ?)",
                       {record.name, record.type, tag, modified, modified});
     }
-    writeFields(known ? known->id : find(record.name)->id, record);
+    const std::int64_t id = known ? known->id : find(record.name)->id;
+    ServerRecord stored{record.type, record.name, {}, std::move(tag), now};
+    if (known) {
+        readFields(id, std::nullopt, Assets::none, stored);
+    }
+    writeFields(id, record, stored);
+    return stored;
 }
 
-void CloudStore::writeFields(std::int64_t id, const ServerRecord& record)
+/// Writes the fields that differ from the stored ones, which then have the record's values.
+void CloudStore::writeFields(std::int64_t id, const ServerRecord& record, ServerRecord& stored)
 {
+    bool isSameSize = true;
     SqliteStatement field = database_.prepare("REPLACE INTO fields VALUES(?, ?, ?, ?)");
     for (const auto& [name, value] : record.fields) {
+        const bool isAsset = std::holds_alternative<Bytes>(value);
+        const auto earlier = stored.fields.find(name);
+        if (!isAsset && earlier != stored.fields.end() && earlier->second == value) {
+            continue;
+        }
+        isSameSize = isSameSize && !isAsset && earlier != stored.fields.end() && hasFixedSize(value) &&
+                     hasFixedSize(earlier->second);
+        if (isAsset) {
+            stored.fields.erase(name);
+        } else {
+            stored.fields.insert_or_assign(name, value);
+        }
         field.start({id, name, static_cast<std::int64_t>(value.index()), columnValue(value)});
         static_cast<void>(field.next());
+    }
+    if (isSameSize && !stored.fields.empty()) {
+        return;
     }
     database_.run("REPLACE INTO sizes SELECT ?, 64 + length(?) + coalesce(sum(length(name) + "
                   "CASE typeof(value) WHEN 'blob' THEN length(value) WHEN 'text' THEN length(CAST(value AS BLOB)) "

@@ -39,7 +39,8 @@ public:
     [[nodiscard]] std::optional<ServerRecord> readWithoutAssets(const std::string& name);
 
     /// Creates the record if `known` is none, else replaces the given fields and keeps the others. Sets a new tag.
-    void write(const ServerRecord& record, const std::optional<Header>& known, Date now);
+    /// Returns the whole record without assets.
+    ServerRecord write(const ServerRecord& record, const std::optional<Header>& known, Date now);
 
     void remove(const Header& record);
 
@@ -69,7 +70,8 @@ private:
     [[nodiscard]] std::optional<ServerRecord> read(const std::string& name, const ports::CloudDesiredKeys& wanted,
                                                    Assets assets);
     [[nodiscard]] std::vector<ports::CloudSubscription> readSubscriptions();
-    void writeFields(std::int64_t id, const ServerRecord& record);
+    void readFields(std::int64_t id, const ports::CloudDesiredKeys& wanted, Assets assets, ServerRecord& record);
+    void writeFields(std::int64_t id, const ServerRecord& record, ServerRecord& stored);
 
     SqliteDatabase database_;
     std::string epoch_;

@@ -139,6 +139,9 @@ CloudStore& PrivateCloud::storeOf(const std::string& user)
 
 std::unique_ptr<CloudStore> PrivateCloud::openOrReplace(const std::string& user)
 {
+    if (folder_.empty()) {
+        return std::make_unique<CloudStore>(":memory:", nowLocked());
+    }
     // If this fails, opening the file fails and tells why.
     std::error_code ignored;
     std::filesystem::create_directories(folder_, ignored);
@@ -156,6 +159,9 @@ std::unique_ptr<CloudStore> PrivateCloud::openOrReplace(const std::string& user)
 void PrivateCloud::putAside(const std::string& user)
 {
     stores_[user].reset();
+    if (folder_.empty()) {
+        return;
+    }
     const std::filesystem::path file = fileOf(user);
     std::filesystem::path aside;
     for (int number = 1; aside.empty() || std::filesystem::exists(aside); ++number) {
@@ -280,6 +286,11 @@ void PrivateCloud::saveSubscription(const CloudDevice& who, const ports::CloudSu
 std::vector<ports::CloudSubscription> PrivateCloud::subscriptions(const std::string& user)
 {
     return serve(user, [](CloudStore& store) { return store.subscriptions(); });
+}
+
+std::vector<std::string> PrivateCloud::names(const std::string& user, const std::string& type)
+{
+    return serve(user, [&](CloudStore& store) { return store.select({type, {"TRUEPREDICATE", {}}, "", true}); });
 }
 
 std::uint64_t PrivateCloud::count(const std::string& user, const std::string& type)

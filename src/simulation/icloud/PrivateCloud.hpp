@@ -39,7 +39,8 @@ class PrivateCloud {
 public:
     using PushReceiver = std::function<void(const std::string& user, const Json& push)>;
 
-    /// Creates the folder when needed; `clock` is the server's.
+    /// Creates the folder when needed; with an empty path, the databases live in memory, as long as the server. `clock`
+    /// is the server's.
     PrivateCloud(std::filesystem::path folder, ports::WallClock& clock, ports::Journal& journal);
     ~PrivateCloud();
     PrivateCloud(const PrivateCloud&) = delete;
@@ -72,6 +73,8 @@ public:
     [[nodiscard]] std::vector<ports::CloudSubscription> subscriptions(const std::string& user);
 
     /// Number of an account's records of a type.
+    /// The names of an account's records of a type, in the order of their creation.
+    [[nodiscard]] std::vector<std::string> names(const std::string& user, const std::string& type);
     [[nodiscard]] std::uint64_t count(const std::string& user, const std::string& type);
 
     /// Registers for the pushes to every account, except those caused by the device's own writes; the receiver filters

@@ -49,8 +49,11 @@ void SimulatedNetwork::setStatus(Status status)
         const std::lock_guard guard{mutex_};
         status_ = status;
     }
+    const int times = faults_.strikes("status-twice") ? 2 : 1;
     for (const auto& observer : observers_.all()) {
-        observer->tell(status);
+        for (int time = 0; time < times; ++time) {
+            observer->tell(status);
+        }
     }
 }
 

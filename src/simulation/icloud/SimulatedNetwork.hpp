@@ -25,10 +25,11 @@ public:
     /// For parts of the simulated Mac: called at each change, on the thread that makes it.
     [[nodiscard]] ports::RegistrationPtr observe(std::function<void(ports::NetworkPathStatus)> changed);
 
+    /// Faults: "status-twice" (a change is told twice).
     [[nodiscard]] FaultSwitches& faults() { return faults_; }
 
 private:
-    FaultSwitches faults_{};
+    FaultSwitches faults_{"status-twice"};
     using Observers = Listeners<ports::NetworkPathStatus>;
 
     Observers observers_;

@@ -99,6 +99,8 @@ ValueType<CameraChange> cameraType()
         field("authorization", &CameraChange::authorization, type::word("authorization", authorizationWords)),
         field("devices", &CameraChange::devices, camerasType()),
         field("brightness", &CameraChange::brightness, type::orNone(type::number(0.0, 1.0))),
+        field("share", &CameraChange::share,
+              type::made(type::whole(1, 16), [](auto share) { return static_cast<int>(share); })),
         photoField(),
         field("delay", &CameraChange::delay, type::span()),
         field("fail", &CameraChange::fails, type::flag()),

@@ -2,11 +2,13 @@
 
 #include "core/TriggerReason.hpp"
 #include "ports/WindowConstants.hpp"
+#include "simulation/Word.hpp"
 #include "simulation/stage/MacSession.hpp"
 #include "simulation/stage/MacState.hpp"
 
 #include <nlohmann/json.hpp>
 
+#include <array>
 #include <optional>
 #include <string>
 #include <utility>
@@ -15,18 +17,11 @@ namespace sentrel::simulation {
 
 namespace {
 
-std::string_view nameOf(AlertStorageLocation location)
-{
-    switch (location) {
-    case AlertStorageLocation::cloud:
-        return "cloud";
-    case AlertStorageLocation::localMac:
-        return "localMac";
-    case AlertStorageLocation::pendingUpload:
-        break;
-    }
-    return "pendingUpload";
-}
+constexpr std::array<Word<AlertStorageLocation>, 3> storageWords{{
+    {"cloud", AlertStorageLocation::cloud},
+    {"localMac", AlertStorageLocation::localMac},
+    {"pendingUpload", AlertStorageLocation::pendingUpload},
+}};
 
 Json textOrNull(const std::optional<std::string>& text)
 {
@@ -91,7 +86,7 @@ Json alertRowsOf(SentrelApp& app)
 {
     Json rows = Json::array();
     for (const AlertRow& row : *app.alertsService().alerts.get()) {
-        rows.push_back({{"reason", rawValue(row.alert.reason)}, {"storage", nameOf(row.storageLocation)}});
+        rows.push_back({{"reason", rawValue(row.alert.reason)}, {"storage", wordFor(storageWords, row.storageLocation)}});
     }
     return rows;
 }

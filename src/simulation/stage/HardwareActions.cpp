@@ -181,6 +181,9 @@ std::string tellCamera(const CameraChange& change)
         text += *change.brightness ? " The scene before the camera is now at " + percent(**change.brightness) + "."
                                    : " The scene before the camera is as bright as the day.";
     }
+    if (change.share) {
+        text += " The sides of a photo are divided by " + std::to_string(*change.share) + ".";
+    }
     if (change.photo) {
         text += *change.photo ? " Every photo is now " + change.photoName + "." : " Photos show the café again.";
     }

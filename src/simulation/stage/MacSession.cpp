@@ -40,9 +40,9 @@ bool storePasscode(UnlockPasscodeStore& store, std::string_view passcode)
 }
 
 MacSession::MacSession(const MacDescription& description, std::filesystem::path disk, std::filesystem::path resources,
-                       std::uint64_t seed, Date date)
+                       std::uint64_t seed, Date date, ServerDisk server)
     : serverClock_(hardware_, date),
-      cloudServer_(disk / "iCloud", serverClock_, log_),
+      cloudServer_(server == ServerDisk::folder ? disk / "iCloud" : std::filesystem::path{}, serverClock_, log_),
       phone_(cloudServer_, serverClock_, description.iCloud.user.value_or("owner")),
       mac_(
           {

@@ -26,6 +26,12 @@ struct AlarmSound {
     float volume = 0.0F; ///< volume of the device
 };
 
+/// Where the simulated server of a session keeps its databases.
+enum class ServerDisk {
+    folder, ///< `iCloud` on the session's disk
+    memory  ///< gone with the session, and faster
+};
+
 /// Sets the passcode synchronously, although this is slow. False if the keychain refuses.
 [[nodiscard]] bool storePasscode(UnlockPasscodeStore& store, std::string_view passcode);
 
@@ -40,7 +46,7 @@ public:
 
     /// `disk` is an existing folder; `resources` holds the localisation tables.
     MacSession(const MacDescription& description, std::filesystem::path disk, std::filesystem::path resources,
-               std::uint64_t seed, Date date = storyDate);
+               std::uint64_t seed, Date date = storyDate, ServerDisk server = ServerDisk::folder);
     ~MacSession();
     MacSession(const MacSession&) = delete;
 

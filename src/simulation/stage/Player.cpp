@@ -25,7 +25,8 @@ public:
           audience_(audience),
           folder_(options.out),
           recordsSound_(folder_.isKept() || options.recordsSound),
-          session_(scenario.mac, folder_.path(), options.resources, options.seed)
+          session_(scenario.mac, folder_.path(), options.resources, options.seed, MacSession::storyDate,
+                   folder_.isKept() ? ServerDisk::folder : ServerDisk::memory)
     {
         refuseImpossibleSteps();
         if (scenario.mac.files) {
@@ -121,6 +122,7 @@ private:
         if (folder_.isKept() && !session_.log().writeTo(folder_.events())) {
             throw PlayError{"can't write '" + folder_.events().string() + "'"};
         }
+        session_.log().keepNothing(); // the audience hears of each event
         if (recordsSound_ && !session_.mac().speaker.startRecording(folder_.sound())) {
             throw PlayError{"can't write '" + folder_.sound().string() + "'"};
         }

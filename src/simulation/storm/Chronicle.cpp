@@ -20,6 +20,10 @@ constexpr double longestNotice = 6.0;
 
 } // namespace
 
+Chronicle::Chronicle(MacSession& session) : session_(session), switches_(session.mac().faults())
+{
+}
+
 double Chronicle::lastTrouble(std::string_view port) const
 {
     const auto found = troubles_.find(port);
@@ -133,15 +137,18 @@ void Chronicle::willDo(double now, const Deed& deed, const Sight& before)
     }
     if (deed.deletesAlerts) {
         listBeforeDeletion_ = before.listed;
+        diskBeforeDeletion_ = before.onDisk;
     }
 }
 
-void Chronicle::saw(const Sight& before, const Sight& now)
+void Chronicle::saw(const Sight& before, const Sight& now, bool hasChanged)
 {
     at = now.at;
     noteTroubles();
     noteStates(before, now);
-    noteAlerts(now);
+    if (hasChanged || listBeforeDeletion_) {
+        noteAlerts(now);
+    }
     noteSound(before, now);
 }
 
@@ -153,25 +160,32 @@ void Chronicle::noteTroubles()
     }
     Ports struck;
     Ports broken;
-    std::map<std::string, std::uint64_t, std::less<>> hangs;
-    for (const auto& [port, switches] : session_.mac().faults()) {
-        if (!switches->active().empty()) {
+    const auto noteHangs = [this](const std::string& port, const std::string& kind, std::uint64_t count) {
+        if (std::exchange(hangs_[kind + port], count) != count) {
+            hung_.insert(port);
+            hasHung = true;
+        }
+    };
+    for (const auto& [port, switches] : switches_) {
+        if (switches->isAnySet()) {
             broken.insert(port);
         }
-        const auto counts = switches->struck();
-        const auto hung = counts.find("hangs");
-        hangs[port] += hung == counts.end() ? 0 : hung->second;
+        if (const auto count = switches->struck("hangs"); count > 0) {
+            noteHangs(port, "device ", count);
+        }
     }
     for (const CallFault& fault : session_.plannedFaults().waiting()) {
         struck.insert(fault.port);
     }
-    for (const auto& [place, count] : session_.plannedFaults().struck()) {
-        hangs[place.first.first] += place.second == CallFault::Fate::hangs ? count : 0;
-    }
-    for (const auto& [port, count] : hangs) {
-        if (std::exchange(hangs_[port], count) != count) {
-            hung_.insert(port);
-            hasHung = true;
+    if (!struck.empty() || !wasStruck_.empty() || at == deedAt) {
+        std::map<std::string, std::uint64_t> calls;
+        for (const auto& [place, count] : session_.plannedFaults().struck()) {
+            calls[place.first.first] += place.second == CallFault::Fate::hangs ? count : 0;
+        }
+        for (const auto& [port, count] : calls) {
+            if (count > 0) {
+                noteHangs(port, "call ", count);
+            }
         }
     }
     isCloudTroubled_ = !session_.mac().iCloud.link.faults().all().empty();
@@ -234,9 +248,11 @@ void Chronicle::noteStates(const Sight& before, const Sight& now)
           signsOddSince);
     since(now.owedDeletions > 0, owedSince);
     since(isUp && now.covers > 0 && now.covers != now.displays, coversOddSince);
-    if (isCalm && !now.showsArmed && !timersAtRest && at - calmSince > 900.0 && at - disarmedSince > 900.0 &&
-        at - deedAt > 300.0) {
+    if (isCalm && !timersAtRest && isAtRest()) {
         timersAtRest = now.timers;
+    }
+    if (isCalm && !memoryAtRest && isAtRest() && now.memoryReadAt == now.at) {
+        memoryAtRest = now.memory;
     }
 }
 
@@ -245,7 +261,11 @@ void Chronicle::noteAlerts(const Sight& now)
     if (listBeforeDeletion_) {
         for (const auto& [id, row] : *listBeforeDeletion_) {
             const auto known = alerts.find(id);
-            if (!now.listed.contains(id) && known != alerts.end()) {
+            // A fault may strike between the disk and the list.
+            const auto stored = now.inCloud.find(now.user);
+            const bool isUploaded = stored != now.inCloud.end() && stored->second.contains(id);
+            const bool hasLeftDisk = diskBeforeDeletion_.contains(id) && !now.onDisk.contains(id) && !isUploaded;
+            if ((!now.listed.contains(id) || hasLeftDisk) && known != alerts.end()) {
                 known->second.deletedAt = std::min(known->second.deletedAt, at);
             }
         }
@@ -298,6 +318,11 @@ void Chronicle::noteSound(const Sight& before, const Sight& now)
         if (ringing) {
             endRinging();
         }
+        return;
+    }
+    // The beeps that an ended process has asked for are played to their end.
+    constexpr double longestTail = 1.0; // seconds
+    if (now.isSounding && !ringing && at - launchedAt < longestTail) {
         return;
     }
     if (now.isSounding) {

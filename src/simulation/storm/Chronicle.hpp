@@ -14,10 +14,12 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 namespace sentrel::simulation {
 
+class FaultSwitches;
 class MacSession;
 
 inline constexpr double never = -std::numeric_limits<double>::infinity();
@@ -53,11 +55,12 @@ struct Ringing {
 /// the product says of itself.
 class Chronicle {
 public:
-    explicit Chronicle(MacSession& session) : session_(session) {}
+    explicit Chronicle(MacSession& session);
 
     void happened(const Event& event);
     void willDo(double at, const Deed& deed, const Sight& before);
-    void saw(const Sight& before, const Sight& now);
+    /// `hasChanged`: whether anything but the time differs.
+    void saw(const Sight& before, const Sight& now, bool hasChanged = true);
 
     /// Call when the invariants have been checked: what has been used up is forgotten.
     void conclude(const Sight& before, const Sight& now);
@@ -116,6 +119,7 @@ public:
     };
     std::vector<SentCommand> commands;       ///< that the Mac may still obey
     std::optional<std::size_t> timersAtRest; ///< in the first calm of a disarmed Mac
+    std::optional<std::size_t> memoryAtRest; ///< bytes, likewise
 
     /// When the port last had a fault; now if it has one.
     [[nodiscard]] double lastTrouble(std::string_view port) const;
@@ -134,6 +138,13 @@ public:
         return calmSince != never && at - std::max(calmSince, deedAt) > seconds;
     }
 
+    /// Whether a disarmed Mac has been left alone for a quarter of an hour.
+    [[nodiscard]] bool isAtRest() const
+    {
+        return calmSince != never && !isArmed_ && at - calmSince > 900.0 && at - disarmedSince > 900.0 &&
+               at - deedAt > 300.0;
+    }
+
     /// Whether a fault is set, or has just struck.
     [[nodiscard]] bool isTroubled() const { return mayBeTroubled_; }
 
@@ -149,12 +160,14 @@ private:
     void addCause(std::string reason, bool isCertain);
 
     MacSession& session_;
+    const std::vector<std::pair<std::string, FaultSwitches*>> switches_; ///< by port
     std::map<std::string, double, std::less<>> troubles_;
     std::map<std::string, double, std::less<>> broken_;
     std::set<std::string, std::less<>> hung_;
     bool isCloudTroubled_ = false;
     std::string passcode_ = "2468";
     std::optional<std::map<UUID, SeenRow>> listBeforeDeletion_;
+    SeenAlerts diskBeforeDeletion_;
     bool mayBeTroubled_ = true;
     bool wasOnAC_ = true;
     bool wasLidClosed_ = false;

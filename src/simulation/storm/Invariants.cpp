@@ -44,10 +44,12 @@ std::string textOf(const OutputState& output)
 Finding alertsSurvive(const Instants& is)
 {
     for (const auto& [id, alert] : is.past.alerts) {
-        const bool isDeleted = alert.deletedAt <= is.now.at;
+        if (alert.deletedAt <= is.now.at || isAnywhere(id, is.now)) {
+            continue;
+        }
         // The process holds an alert that the disk refused. The alert ends with the process.
         const bool wasHeld = is.past.hadTrouble({"files", "host"}, alert.firstSeen - settling);
-        if (!isDeleted && !isAnywhere(id, is.now) && !(wasHeld && is.past.endedAt > alert.firstSeen)) {
+        if (!wasHeld || is.past.endedAt <= alert.firstSeen) {
             return "the alert " + id.text() + " (" + alert.reason + ") is lost";
         }
     }
@@ -70,9 +72,8 @@ Finding alertsHaveCauses(const Instants& is)
 {
     for (const auto& [id, alert] : is.past.alerts) {
         const bool isNew = alert.firstSeen == is.now.at;
-        const bool mayHaveMisread =
-            is.past.hadTrouble({"power-sources", "lid", "workspace", "accelerometer"}, is.now.at - longestWay);
-        if (isNew && !alert.hasCause && !mayHaveMisread) {
+        if (isNew && !alert.hasCause &&
+            !is.past.hadTrouble({"power-sources", "lid", "workspace", "accelerometer"}, is.now.at - longestWay)) {
             return "the alert " + id.text() + " (" + alert.reason + ") has no trigger of its own";
         }
     }
@@ -83,16 +84,16 @@ Finding alertsHaveCauses(const Instants& is)
 Finding deletedStaysGone(const Instants& is)
 {
     for (const auto& [id, alert] : is.past.alerts) {
-        const bool isDeleted = alert.deletedAt < is.now.at;
-        const bool wasNoted = !is.past.hadTrouble({"user-defaults", "files"}, alert.deletedAt - settling);
-        if (isDeleted && wasNoted && is.now.listed.contains(id)) {
-            return "the deleted alert " + id.text() + " is listed again";
+        if (alert.deletedAt >= is.now.at) {
+            continue;
         }
+        const bool isListed = is.now.listed.contains(id);
         const auto cloud = is.now.inCloud.find(alert.owner);
         const bool isOwners = alert.owner == is.now.user && cloud != is.now.inCloud.end();
-        if (isDeleted && wasNoted && isOwners && is.now.at - is.past.calmSince > calm && cloud->second.contains(id) &&
-            is.past.calmSince > alert.deletedAt) {
-            return "the deleted alert " + id.text() + " is still in the cloud";
+        const bool isStored = isOwners && is.now.at - is.past.calmSince > calm && cloud->second.contains(id) &&
+                              is.past.calmSince > alert.deletedAt;
+        if ((isListed || isStored) && !is.past.hadTrouble({"user-defaults", "files"}, alert.deletedAt - settling)) {
+            return "the deleted alert " + id.text() + (isListed ? " is listed again" : " is still in the cloud");
         }
     }
     return std::nullopt;
@@ -108,20 +109,24 @@ Finding othersStayOthers(const Instants& is)
     const bool isKnown =
         is.now.at - is.past.calmSince > longestCheck && is.now.at - is.past.userChangedAt > longestCheck;
     for (const auto& [id, row] : is.now.listed) {
+        if (!isKnown || row.storage != AlertStorageLocation::cloud) {
+            continue;
+        }
         const auto alert = is.past.alerts.find(id);
         const bool isOthers =
             alert != is.past.alerts.end() && !alert->second.owner.empty() && alert->second.owner != is.now.user;
-        if (isKnown && isOthers && row.storage == AlertStorageLocation::cloud && !isMine(id)) {
+        if (isOthers && !isMine(id)) {
             return "the alert " + id.text() + " of " + alert->second.owner + " is shown to " + is.now.user;
         }
     }
-    if (mine == is.now.inCloud.end()) {
+    const auto earlier = is.before.inCloud.find(is.now.user);
+    const bool knewUser = earlier != is.before.inCloud.end();
+    if (mine == is.now.inCloud.end() || (knewUser && earlier->second == mine->second)) {
         return std::nullopt;
     }
     for (const UUID& id : mine->second) {
         const auto alert = is.past.alerts.find(id);
-        const auto earlier = is.before.inCloud.find(is.now.user);
-        const bool isNew = earlier == is.before.inCloud.end() || !earlier->second.contains(id);
+        const bool isNew = !knewUser || !earlier->second.contains(id);
         const bool isOthers = alert != is.past.alerts.end() && alert->second.owner != is.now.user;
         if (isNew && isOthers && !is.before.onDisk.contains(id) && !is.before.listed.contains(id)) {
             return "the alert " + id.text() + " of " + alert->second.owner + " is stored for " + is.now.user;
@@ -133,12 +138,14 @@ Finding othersStayOthers(const Instants& is)
 /// A certain trigger is heard soon.
 Finding triggersAreHeard(const Instants& is)
 {
-    const bool isBroken = is.past.wasBroken({"audio", "audio-engine", "beep", "music"}, is.now.at - 30.0) ||
-                          is.past.hungPorts({"audio", "audio-engine", "beep"}) > 1;
+    const auto isBroken = [&] {
+        return is.past.wasBroken({"audio", "audio-engine", "beep", "music"}, is.now.at - 30.0) ||
+               is.past.hungPorts({"audio", "audio-engine", "beep"}) > 1;
+    };
     for (const Cause& cause : is.past.causes) {
         const bool isDue = is.now.at - cause.at > longestStart && is.before.at - cause.at <= longestStart;
         if (cause.isCertain && cause.isLoud && isDue && !is.past.ringing && is.past.silentSince < cause.at &&
-            !isBroken) {
+            !isBroken()) {
             return "nothing is heard of " + cause.reason + " at " + std::to_string(cause.at) + " s";
         }
     }
@@ -161,9 +168,12 @@ Finding onlyTheOwnerSilences(const Instants& is)
         return std::nullopt;
     }
     const double since = std::max(is.past.ringing->lastHeard, is.past.wokeAt);
+    if (is.now.at - since <= longestPause) {
+        return std::nullopt;
+    }
     const bool isBroken = is.past.wasBroken({"audio", "audio-engine", "beep"}, since - settling) ||
                           is.past.hungPorts({"audio", "audio-engine", "beep"}) > 1;
-    if (is.now.at - since > longestPause && !isBroken) {
+    if (!isBroken) {
         return "the alarm fell silent at " + std::to_string(since) + " s, and nobody who may do it has stopped it";
     }
     return std::nullopt;
@@ -174,13 +184,16 @@ Finding stoppedIsSilent(const Instants& is)
 {
     const double stopped = std::max({is.past.stopDeedAt, is.past.disarmDeedAt, is.past.passcodeAt});
     const bool isOver = is.past.ringing && stopped > is.past.ringing->since && is.past.lastCauseAt() < stopped - 8.0;
+    const bool hasRun = is.past.steadySince < stopped;
+    if (!isOver || !hasRun || !is.now.isSounding || is.now.at - stopped <= settling) {
+        return std::nullopt;
+    }
     const bool isHeld = is.past.hasHung ||
                         is.past.wasBroken({"audio", "audio-engine", "keychain", "cryptography", "accelerometer", "lid",
                                            "power-sources", "workspace", "wall-clock", "random"},
                                           stopped - 10.0) ||
                         is.past.hadTrouble({"keychain", "cryptography", "displays", "audio-engine"}, stopped - 10.0);
-    const bool hasRun = is.past.steadySince < stopped;
-    if (isOver && hasRun && !isHeld && is.now.isSounding && is.now.at - stopped > settling) {
+    if (!isHeld) {
         return "the alarm still sounds " + std::to_string(is.now.at - stopped) + " s after it was stopped";
     }
     return std::nullopt;
@@ -209,9 +222,8 @@ Finding onlyTheOwnerArms(const Instants& is)
 Finding onlyThePasscodeUncovers(const Instants& is)
 {
     const bool isSameProcess = is.past.launchedAt < is.before.at && is.now.isRunning && is.before.isRunning;
-    const bool hasScreens = is.now.displays > 0 && !is.past.hadTrouble({"displays"}, is.now.at - settling);
-    if (is.before.covers > 0 && is.now.covers == 0 && isSameProcess && hasScreens &&
-        is.now.at - is.past.passcodeAt > settling) {
+    if (is.before.covers > 0 && is.now.covers == 0 && isSameProcess && is.now.displays > 0 &&
+        is.now.at - is.past.passcodeAt > settling && !is.past.hadTrouble({"displays"}, is.now.at - settling)) {
         return "the lock screen is gone without the passcode";
     }
     return std::nullopt;
@@ -221,9 +233,12 @@ Finding onlyThePasscodeUncovers(const Instants& is)
 Finding everyDisplayIsCovered(const Instants& is)
 {
     const double since = is.past.coversOddSince;
+    if (since == never || is.now.at - since <= settling) {
+        return std::nullopt;
+    }
     const bool isBroken = is.past.hasHung || is.past.hadTrouble({"displays"}, since - settling) ||
                           is.past.hadTrouble({"displays"}, is.past.displaysAt - settling);
-    if (since != never && is.now.at - since > settling && !isBroken) {
+    if (!isBroken) {
         return std::to_string(is.now.covers) + " of " + std::to_string(is.now.displays) + " displays are covered";
     }
     return std::nullopt;
@@ -237,11 +252,14 @@ Finding outputIsRestored(const Instants& is)
         return std::nullopt;
     }
     const double since = std::max({past.silentSince, past.launchedAt, past.wokeAt});
+    const bool isDue = is.now.at - since > settling && is.before.at - since <= settling;
+    if (!isDue) {
+        return std::nullopt;
+    }
     const bool isTouched =
         past.outputDeedAt >= past.rangSince - settling || past.hasHung ||
         past.hadTrouble({"audio", "audio-engine", "user-defaults", "files"}, past.rangSince - settling);
-    const bool isDue = is.now.at - since > settling && is.before.at - since <= settling;
-    if (isDue && !isTouched && !(is.now.output == *past.outputToRestore)) {
+    if (!isTouched && !(is.now.output == *past.outputToRestore)) {
         return "after the alarm the output is " + textOf(is.now.output) + " instead of " +
                textOf(*past.outputToRestore);
     }
@@ -252,9 +270,14 @@ Finding outputIsRestored(const Instants& is)
 Finding assertionFollowsArming(const Instants& is)
 {
     const double since = is.past.assertionOddSince;
+    if (since == never || is.now.at - since <= settling) {
+        return std::nullopt;
+    }
     const double changed = std::max(is.past.armedSince, is.past.disarmedSince);
-    const bool isBroken = is.past.hasHung || is.past.hadTrouble({"power-assertions"}, changed - settling);
-    if (since != never && is.now.at - since > settling && !isBroken) {
+    // The icon tells whether the Mac is armed; one that can't be set goes on telling the old state.
+    const bool isBroken = is.past.hasHung || is.past.hadTrouble({"power-assertions"}, changed - settling) ||
+                          is.past.hadTrouble({"status-bar"}, since - settling);
+    if (!isBroken) {
         return std::string{"the Mac is "} + (is.now.showsArmed ? "armed" : "not armed") + ", and its assertion is " +
                (is.now.holdsArmedAssertion ? "held" : "not held");
     }
@@ -265,9 +288,12 @@ Finding assertionFollowsArming(const Instants& is)
 Finding assertionFollowsProcessing(const Instants& is)
 {
     const double since = std::max(is.past.processingSince, is.past.lastCauseAt());
+    if (is.past.processingSince == never || is.now.at - since <= longestWay) {
+        return std::nullopt;
+    }
     const bool isBroken =
         is.past.hasHung || is.past.hadTrouble({"power-assertions"}, is.past.processingSince - settling);
-    if (is.past.processingSince != never && is.now.at - since > longestWay && !isBroken) {
+    if (!isBroken) {
         return "the assertion of an alert is held for nothing";
     }
     return std::nullopt;
@@ -292,15 +318,19 @@ Finding settingsLoad(const Instants& is)
     return std::nullopt;
 }
 
-/// Icon, menu and stored settings tell the same.
+/// Icon, menu and stored settings tell the same. A Mac that doesn't tell its model is taken for no MacBook, whose
+/// setting has no effect.
 Finding signsAgree(const Instants& is)
 {
     const double since = is.past.signsOddSince;
+    if (since == never || is.now.at - since <= settling) {
+        return std::nullopt;
+    }
     const double changed = std::max(is.past.armedSince, is.past.disarmedSince);
     const bool isBroken =
-        is.past.hasHung || is.past.hadTrouble({"user-defaults", "files", "status-bar", "language", "displays"},
+        is.past.hasHung || is.past.hadTrouble({"user-defaults", "files", "status-bar", "language", "displays", "host"},
                                               std::max(changed, is.past.launchedAt) - settling);
-    if (since != never && is.now.at - since > settling && !isBroken) {
+    if (!isBroken) {
         const bool isStored = is.now.settings && is.now.settings->isArmed;
         return std::string{"the icon says "} + (is.now.showsArmed ? "armed" : "disarmed") + ", the menu " +
                (is.now.menuSaysArmed ? "armed" : "disarmed") + ", the stored settings " +
@@ -343,42 +373,62 @@ Finding nothingWaitsInCalm(const Instants& is)
     return std::nullopt;
 }
 
+/// Whether a disarmed Mac has rested long enough for everything to have come to its end.
+bool isAtRest(const Instants& is)
+{
+    return is.past.calmSince != never && is.now.at - is.past.calmSince > calm && !is.now.showsArmed &&
+           is.now.at - is.past.disarmedSince > calm && is.now.at - is.past.lastCauseAt() > calm &&
+           is.now.at - is.past.deedAt > 300.0;
+}
+
 /// No timer outlives what it was for.
 Finding timersEnd(const Instants& is)
 {
     constexpr std::size_t some = 4;
-    const bool isAtRest = is.past.calmSince != never && is.now.at - is.past.calmSince > calm && !is.now.showsArmed &&
-                          is.now.at - is.past.disarmedSince > calm && is.now.at - is.past.lastCauseAt() > calm &&
-                          is.now.at - is.past.deedAt > 300.0;
-    if (isAtRest && is.past.timersAtRest && is.now.timers > *is.past.timersAtRest + some) {
+    if (isAtRest(is) && is.past.timersAtRest && is.now.timers > *is.past.timersAtRest + some) {
         return std::to_string(is.now.timers) + " timers are armed at rest, after " +
                std::to_string(*is.past.timersAtRest);
     }
     return std::nullopt;
 }
 
-constexpr std::array<Invariant, 21> everyInvariant{{
-    {"alerts survive", alertsSurvive},
+/// Nothing in memory outlives what it was for, but for what is kept of each alert.
+Finding memoryIsFlat(const Instants& is)
+{
+    constexpr std::size_t some = std::size_t{3} << 20U;     // bytes
+    constexpr std::size_t ofAlert = std::size_t{24} << 10U; // by product, server and storm together
+    const bool isKnown = is.past.memoryAtRest && is.now.memory > 0 && is.now.memoryReadAt == is.now.at;
+    if (isKnown && isAtRest(is) && is.now.memory > *is.past.memoryAtRest + some + is.past.alerts.size() * ofAlert) {
+        return "memory has grown since the first rest, by more than the alerts explain";
+    }
+    return std::nullopt;
+}
+
+constexpr auto onChange = Invariant::Pace::onChange;
+
+constexpr std::array<Invariant, 22> everyInvariant{{
+    {"alerts survive", alertsSurvive, onChange},
     {"triggers leave alerts", triggersLeaveAlerts},
-    {"alerts have causes", alertsHaveCauses},
-    {"deleted stays gone", deletedStaysGone},
-    {"others stay others", othersStayOthers},
+    {"alerts have causes", alertsHaveCauses, onChange},
+    {"deleted stays gone", deletedStaysGone, onChange},
+    {"others stay others", othersStayOthers, onChange},
     {"triggers are heard", triggersAreHeard},
-    {"sound has a cause", soundHasCause},
+    {"sound has a cause", soundHasCause, onChange},
     {"only the owner silences", onlyTheOwnerSilences},
     {"stopped is silent", stoppedIsSilent},
-    {"only the owner disarms", onlyTheOwnerDisarms},
-    {"only the owner arms", onlyTheOwnerArms},
-    {"only the passcode uncovers", onlyThePasscodeUncovers},
+    {"only the owner disarms", onlyTheOwnerDisarms, onChange},
+    {"only the owner arms", onlyTheOwnerArms, onChange},
+    {"only the passcode uncovers", onlyThePasscodeUncovers, onChange},
     {"every display is covered", everyDisplayIsCovered},
     {"the output is restored", outputIsRestored},
     {"an assertion while armed", assertionFollowsArming},
     {"an assertion while processing", assertionFollowsProcessing},
-    {"settings load", settingsLoad},
+    {"settings load", settingsLoad, onChange},
     {"signs agree", signsAgree},
     {"the phone agrees", phoneAgrees},
-    {"nothing waits in calm", nothingWaitsInCalm},
-    {"timers end", timersEnd},
+    {"nothing waits in calm", nothingWaitsInCalm, onChange},
+    {"timers end", timersEnd, onChange},
+    {"memory is flat", memoryIsFlat, onChange},
 }};
 
 } // namespace

@@ -19,9 +19,16 @@ struct Instants {
 
 /// Something that always holds on a simulated MacBook, whatever fails around the product.
 struct Invariant {
+    /// When an invariant can come to be violated.
+    enum class Pace {
+        eachInstant, ///< when a deadline of seconds passes
+        onChange     ///< when the devices change, or after minutes
+    };
+
     std::string_view name;
     /// How it is violated now; none if it holds.
     std::optional<std::string> (*violation)(const Instants& instants);
+    Pace pace = Pace::eachInstant;
 };
 
 /// All of them.

@@ -11,6 +11,10 @@
 
 #include <algorithm>
 
+#if defined(__GLIBC__) && __GLIBC_PREREQ(2, 33)
+#include <malloc.h>
+#endif
+
 namespace sentrel::simulation {
 
 namespace {
@@ -173,19 +177,10 @@ void Lookout::lookAtCloud()
     mustAskCloud_ = false;
     set(sight_.isStorageFull, session_.cloudServer().isFull(sight_.user));
     std::set<UUID> ids;
-    ServerPage page = session_.cloudServer().query({sight_.user, "lookout"}, {alertRecordType, {}, "timestamp", false},
-                                                   std::vector<std::string>{}, 0);
-    for (;;) {
-        for (const auto& [name, result] : page.results) {
-            if (const auto id = UUID::parse(name)) {
-                ids.insert(*id);
-            }
+    for (const std::string& name : session_.cloudServer().names(sight_.user, alertRecordType)) {
+        if (const auto id = UUID::parse(name)) {
+            ids.insert(*id);
         }
-        if (page.cursor == nullptr) {
-            break;
-        }
-        page = session_.cloudServer().continueQuery({sight_.user, "lookout"}, page.cursor.get(),
-                                                    std::vector<std::string>{}, 0);
     }
     set(sight_.inCloud[sight_.user], ids);
 }
@@ -202,6 +197,15 @@ void Lookout::askPhone()
     } catch (const ports::CloudError&) {
         // The phone knows nothing.
     }
+}
+
+void Lookout::askMemory()
+{
+#if defined(__GLIBC__) && __GLIBC_PREREQ(2, 33)
+    const struct mallinfo2 info = ::mallinfo2();
+    sight_.memory = info.uordblks + info.hblkhd;
+    sight_.memoryReadAt = sight_.at;
+#endif
 }
 
 void Lookout::lookAtList()

@@ -28,6 +28,9 @@ public:
     /// Asks the owner's phone whether this Mac is armed.
     void askPhone();
 
+    /// Reads how much memory this process has allocated, after the last look.
+    void askMemory();
+
     /// Everything is read again at the next look.
     void expectAnything();
 

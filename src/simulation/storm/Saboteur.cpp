@@ -9,11 +9,6 @@ namespace sentrel::simulation {
 
 namespace {
 
-/// Ports that are called on the alarm's way, where faults matter most.
-constexpr std::array<std::string_view, 16> alarmPorts{
-    "files",  "user-defaults", "audio",   "audio-engine", "camera", "icloud", "power-assertions", "wall-clock",
-    "random", "host",          "journal", "music",        "beep",   "lid",    "displays",         "language"};
-
 constexpr std::array<std::string_view, 12> cloudErrors{
     "networkUnavailable", "networkFailure", "serviceUnavailable", "requestRateLimited",
     "quotaExceeded",      "zoneBusy",       "notAuthenticated",   "serverRejectedRequest",
@@ -32,8 +27,10 @@ std::string Saboteur::nextFault()
     case 1:
         return breakDevice();
     default:
-        return strikeCall();
+        break;
     }
+    const FaultPoint& point = dice_.oneOf(points_);
+    return strike(point, dice_.oneOf(point.chances).calls);
 }
 
 std::vector<std::string> Saboteur::cures()
@@ -47,17 +44,19 @@ std::vector<std::string> Saboteur::cures()
     return cures;
 }
 
-std::string Saboteur::strikeCall()
+std::string Saboteur::strike(const FaultPoint& point, std::uint32_t calls)
 {
-    static constexpr std::array<std::string_view, 7> fates{"raises", "raises", "raises",     "hangs",
-                                                           "dies",   "dies",   "loses-power"};
-    const std::string port = dice_.chance(70) ? std::string{dice_.oneOf(alarmPorts)} : dice_.oneOf(ports_).name;
-    std::string fate{dice_.oneOf(fates)};
-    if (fate == "loses-power" && port != "files") {
-        fate = "dies";
+    const bool isHarmless = point.fault != "hangs" && point.fault != "dies" && point.fault != "loses-power";
+    mustRelaunch = mustRelaunch || !isHarmless;
+    if (point.operation.empty()) {
+        broken_.push_back(point.port);
+        const std::string times = isHarmless ? std::to_string(dice_.spread(1, 30)) : "1";
+        return "{fail: {" + point.port + ": {" + point.fault + ": " + times + "}}}";
     }
-    mustRelaunch = mustRelaunch || fate != "raises";
-    return "{fault: {port: " + port + ", call: " + std::to_string(dice_.spread(1, 40)) + ", fate: " + fate + "}}";
+    // Early calls are the likelier ones to be made again.
+    const std::int64_t call = dice_.spread(1, std::int64_t{calls} + 1);
+    return "{fault: {port: " + point.port + ", operation: " + point.operation + ", call: " + std::to_string(call) +
+           ", fate: " + point.fault + "}}";
 }
 
 std::string Saboteur::breakDevice()

@@ -11,9 +11,16 @@ namespace sentrel::simulation {
 /// Makes up faults of ports and of the cloud, as actions of the scenario language.
 class Saboteur {
 public:
-    Saboteur(Dice& dice, const std::vector<FaultyPort>& ports) : dice_(dice), ports_(ports) {}
+    Saboteur(Dice& dice, const std::vector<FaultyPort>& ports, const std::vector<FaultPoint>& points)
+        : dice_(dice), ports_(ports), points_(points)
+    {
+    }
 
+    /// Any fault.
     [[nodiscard]] std::string nextFault();
+
+    /// The fault of that point, for an occasion on which the product makes so many calls there.
+    [[nodiscard]] std::string strike(const FaultPoint& point, std::uint32_t calls);
 
     /// The actions that end the faults so far.
     [[nodiscard]] std::vector<std::string> cures();
@@ -22,12 +29,12 @@ public:
     bool mustRelaunch = false;
 
 private:
-    [[nodiscard]] std::string strikeCall();
     [[nodiscard]] std::string breakDevice();
     [[nodiscard]] std::string disturbCloud();
 
     Dice& dice_;
     const std::vector<FaultyPort>& ports_;
+    const std::vector<FaultPoint>& points_;
     std::vector<std::string> broken_; ///< ports whose devices were broken
 };
 

@@ -65,6 +65,8 @@ struct Sight {
     std::optional<bool> phoneSaysArmed{}; ///< the owner's phone of this Mac, when it was asked last
     double phoneAskedAt = -1.0;
     std::size_t timers = 0; ///< armed on the clock
+    std::size_t memory = 0; ///< bytes allocated by this process when it was asked last; 0 where nothing tells
+    double memoryReadAt = -1.0;
 };
 
 } // namespace sentrel::simulation

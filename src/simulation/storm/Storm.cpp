@@ -1,5 +1,7 @@
 #include "simulation/storm/Storm.hpp"
 
+#include "simulation/storm/Rehearsal.hpp"
+
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
@@ -45,7 +47,7 @@ private:
 double hoursOfWorld(std::uint64_t seed, std::size_t world)
 {
     constexpr double shortest = 2.0;
-    constexpr std::array<double, 6> factors{1.0, 4.0, 12.0, 24.0, 84.0, 168.0};
+    constexpr std::array<double, 6> factors{1.0, 4.0, 12.0, 48.0, 168.0, 336.0};
     return shortest * factors[(world * 5 + seed) % factors.size()];
 }
 
@@ -221,7 +223,10 @@ private:
     StormReport soFar_;
 };
 
-Storm::Storm(StormOptions options) : options_(std::move(options)), ports_(faultyPorts(options_.resources))
+Storm::Storm(StormOptions options)
+    : options_(std::move(options)),
+      ports_(faultyPorts(options_.resources)),
+      points_(rehearse(ports_, options_.resources))
 {
     double hours = 0.0;
     while (hours < options_.hours) {
@@ -232,7 +237,7 @@ Storm::Storm(StormOptions options) : options_(std::move(options)), ports_(faulty
 
 Plan Storm::plan(std::size_t world) const
 {
-    return weather(seedOf(options_.seed, world), hours_[world], ports_);
+    return weather(seedOf(options_.seed, world), hours_[world], ports_, points_);
 }
 
 StormReport Storm::run(const Progress& progress)

@@ -48,12 +48,14 @@ public:
     [[nodiscard]] std::size_t worlds() const { return hours_.size(); }
     [[nodiscard]] Plan plan(std::size_t world) const;
     [[nodiscard]] const std::vector<FaultyPort>& ports() const { return ports_; }
+    [[nodiscard]] const std::vector<FaultPoint>& points() const { return points_; }
 
 private:
     class Workers;
 
     const StormOptions options_;
     const std::vector<FaultyPort> ports_;
+    const std::vector<FaultPoint> points_;
     std::vector<double> hours_; ///< of each world
 };
 

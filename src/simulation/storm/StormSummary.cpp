@@ -70,19 +70,23 @@ void printCounts(std::string_view title, const std::map<std::string, std::uint64
 Unreached unreachedBy(const Experience& experience, const std::vector<FaultyPort>& ports)
 {
     Unreached unreached;
+    const auto note = [&](const std::string& fault) {
+        constexpr std::uint64_t often = 100;
+        const auto count = countOf(experience.faults, fault);
+        if (count == 0) {
+            unreached.faults.push_back(fault);
+        } else if (count < often) {
+            unreached.rare.push_back(fault);
+        }
+    };
     for (const FaultyPort& port : ports) {
         for (const std::string& fault : port.faults) {
-            if (countOf(experience.faults, port.name + " " + fault) == 0) {
-                unreached.faults.push_back(port.name + " " + fault);
-            }
+            note(port.name + " " + fault);
         }
     }
     for (const auto& [call, count] : experience.calls) {
         for (const std::string_view fate : fates) {
-            const std::string fault = call + " " + std::string{fate};
-            if (countOf(experience.faults, fault) == 0) {
-                unreached.faults.push_back(fault);
-            }
+            note(call + " " + std::string{fate});
         }
     }
     const auto names = stateNames();
@@ -114,6 +118,7 @@ void print(const StormReport& report, const Unreached& unreached, const std::vec
     out << "states seen together: " << all.pairs.size() << " pairs\n";
     printList("pairs never seen", unreached.pairs, out);
     printList("faults never reached", unreached.faults, out);
+    printList("faults reached fewer than 100 times", unreached.rare, out);
     for (const StormViolation& found : report.violations) {
         out << "VIOLATION in world " << found.world << " at " << number(found.violation.at)
             << " s: " << found.violation.invariant << ": " << found.violation.what << '\n';
@@ -150,6 +155,7 @@ Json jsonOf(const StormReport& report, const Unreached& unreached, const std::ve
             {"pairs", all.pairs},
             {"pairsNeverSeen", unreached.pairs},
             {"faultsNeverReached", unreached.faults},
+            {"faultsReachedRarely", unreached.rare},
             {"violations", std::move(violations)},
             {"plays", std::move(plays)}};
 }

@@ -16,9 +16,10 @@ struct SavedViolation {
     std::size_t steps = 0;
 };
 
-/// The faults and pairs of states that never occurred in a storm.
+/// The faults and pairs of states that never, or hardly ever, occurred in a storm.
 struct Unreached {
     std::vector<std::string> faults; ///< "PORT FAULT", and "PORT OPERATION FATE" of calls that the product made
+    std::vector<std::string> rare;   ///< likewise, that struck fewer than 100 times
     std::vector<std::string> pairs;  ///< states that were never seen at the same time
 };
 

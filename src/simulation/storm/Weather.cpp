@@ -1,6 +1,8 @@
 #include "simulation/storm/Weather.hpp"
 
 #include "simulation/storm/Dice.hpp"
+#include "simulation/storm/DrawnMac.hpp"
+#include "simulation/storm/Occasion.hpp"
 #include "simulation/storm/Saboteur.hpp"
 
 #include <algorithm>
@@ -22,26 +24,31 @@ constexpr std::int64_t calmLength = 25 * minute;
 /// Makes up one life.
 class Forecaster {
 public:
-    Forecaster(std::uint64_t seed, const std::vector<FaultyPort>& ports)
-        : dice_(seed * 0x9E3779B97F4A7C15ULL + 1), saboteur_(dice_, ports)
+    Forecaster(std::uint64_t seed, const std::vector<FaultyPort>& ports, const std::vector<FaultPoint>& points)
+        : dice_(seed * 0x9E3779B97F4A7C15ULL + 1),
+          saboteur_(dice_, ports, points),
+          points_(points),
+          turn_(seed * turnsOfWorld)
     {
         plan_.title = "Storm " + std::to_string(seed);
     }
 
     Plan make(double hours)
     {
-        describeMac();
+        mac_ = describeMac(dice_, plan_);
         const auto end = static_cast<std::int64_t>(hours * static_cast<double>(hour));
         now_ = 2 * second;
         // A world of any length has about this many events, with long rests between them.
         const std::int64_t longestRest = std::max<std::int64_t>(end / 6, 2 * minute);
         while (now_ < end) {
-            happen();
-            if (isDisturbed_ && dice_.chance(92)) {
-                wait(second, 5 * minute);
-                heal();
+            if (dice_.chance(60)) {
+                challenge();
+            } else {
+                happen();
             }
-            now_ += dice_.spread(second, longestRest);
+            const std::int64_t rest = dice_.spread(second, longestRest);
+            settle(rest);
+            now_ += rest;
             if (dice_.chance(8)) {
                 calm();
             }
@@ -51,46 +58,58 @@ public:
     }
 
 private:
-    void describeMac()
-    {
-        put(plan_.mac, "localizedName", "Maya's MacBook");
-        put(plan_.mac, "icloud", dice_.chance(90) ? "maya" : "none");
-        put(plan_.mac, "camera", dice_.chance(70) ? "{devices: built-in, brightness: 0.5}" : "{devices: none}");
-        put(plan_.mac, "login", "cancel");
-        put(plan_.mac, "passcode", "\"2468\"");
-        put(plan_.mac, "displays", std::to_string(dice_.between(1, 3)));
-        if (dice_.chance(60)) {
-            put(plan_.mac, "music", "playing");
-            put(plan_.mac, "automationConsent", dice_.chance(80) ? "granted" : "denied");
-        }
-        if (dice_.chance(60)) {
-            hasHeadphones_ = true;
-            put(plan_.mac, "audio",
-                "[{id: 73, name: MacBook Pro Speakers, uid: BuiltInSpeakerDevice, transport: built-in, volume: 0.4}, "
-                "{id: 91, name: Headphones, uid: usb-91, transport: usb, volume: 0.7}]");
-            put(plan_.mac, "defaultOutput", dice_.chance(50) ? "91" : "73");
-        }
-        put(plan_.settings, "motionSensitivity", "0.55");
-        if (dice_.chance(50)) {
-            put(plan_.settings, "lockScreenOnArm", "true");
-            put(plan_.settings, "triggerOnFailedUnlock", dice_.chance(60) ? "true" : "false");
-        }
-        if (dice_.chance(20)) {
-            put(plan_.settings, "requirePasswordForActions", "false");
-        }
-        if (dice_.chance(75)) {
-            put(plan_.settings, "capturePhoto", "false"); // a photo costs more than all else
-        }
-    }
-
-    static void put(std::vector<std::pair<std::string, std::string>>& keys, std::string key, std::string value)
-    {
-        keys.emplace_back(std::move(key), std::move(value));
-    }
-
     void act(std::string action) { plan_.steps.push_back({now_, std::move(action)}); }
 
     void wait(std::int64_t least, std::int64_t most) { now_ += dice_.spread(least, most); }
+
+    /// A fault at the point whose turn it is, on an occasion on which it can strike.
+    void challenge()
+    {
+        const FaultPoint& point = points_[turn_++ % points_.size()];
+        FaultPoint::Chance chance = dice_.oneOf(point.chances);
+        constexpr int tries = 4; // to find one that takes little time
+        for (int i = 0; i < tries && occasions()[chance.occasion].isSlow; ++i) {
+            chance = dice_.oneOf(point.chances);
+        }
+        const Occasion& occasion = occasions()[chance.occasion];
+        if (occasion.needsPasscode && !std::exchange(mac_.hasPasscode, true)) {
+            act("{set-passcode: \"2468\"}");
+        }
+        act("arm");
+        now_ += 4 * second;
+        live(occasion.setup);
+        act(saboteur_.strike(point, chance.calls));
+        live(occasion.acts);
+        heal();
+        live(occasion.after);
+        mayRing_ = true;
+    }
+
+    void live(const std::vector<PlannedStep>& steps)
+    {
+        for (const PlannedStep& step : steps) {
+            now_ += step.at;
+            act(step.action);
+        }
+    }
+
+    /// What has begun mostly ends before a long rest: few alarms sound for hours, and few owners forget to arm.
+    void settle(std::int64_t rest)
+    {
+        if (isDisturbed_ && (rest > hour || dice_.chance(92))) {
+            wait(second, 5 * minute);
+            heal();
+        }
+        if (mayRing_ && (rest > 10 * minute ? dice_.below(200) != 0 : dice_.chance(70))) {
+            act("plug-in");
+            act("stop-alarm");
+            mayRing_ = false;
+        }
+        if (dice_.chance(95)) {
+            act("arm");
+            isArmed_ = true;
+        }
+    }
 
     /// Something happens; the clock moves to its end.
     void happen()
@@ -102,7 +121,7 @@ private:
         if (dice_.chance(45)) {
             disturb();
         }
-        switch (dice_.below(16)) {
+        switch (dice_.below(17)) {
         case 0:
             return ownerIsBusy();
         case 1:
@@ -123,6 +142,8 @@ private:
             return changeDisplays();
         case 9:
             return moveClock();
+        case 10:
+            return slowCamera();
         default:
             return theft();
         }
@@ -166,6 +187,7 @@ private:
         if (dice_.chance(20)) {
             act("{accelerometer: {sample: [0, 0, 1]}}");
         }
+        mayRing_ = true;
         const std::int64_t attacks = dice_.between(1, 4);
         for (std::int64_t i = 0; i < attacks; ++i) {
             attack();
@@ -233,7 +255,7 @@ private:
             now_ += second;
             return act("{login: cancel}");
         case 4:
-            return act(hasHeadphones_ ? "{default-output: 91}" : "{default-output: none}");
+            return act(mac_.hasHeadphones ? "{default-output: 91}" : "{default-output: none}");
         case 5:
             return act("quit");
         case 6:
@@ -281,6 +303,7 @@ private:
         wait(second, 8 * hour);
         if (dice_.chance(30)) {
             act("unplug");
+            mayRing_ = true;
             wait(second, minute);
         }
         act("wake");
@@ -314,10 +337,8 @@ private:
         }
         wait(second, hour);
         act("{icloud: {quota: ok}}");
-        comeHome();
+        act("{icloud: {user: maya, account: available}}");
     }
-
-    void comeHome() { act("{icloud: {user: maya, account: available}}"); }
 
     void changeNetwork()
     {
@@ -388,11 +409,20 @@ private:
         }
     }
 
+    /// Photos come late, or after everybody has stopped waiting for them.
+    void slowCamera()
+    {
+        act("{camera: {delay: " + std::to_string(dice_.spread(20, 60 * second)) + "ms}}");
+        act("{set: {capturePhoto: true}}");
+        theft();
+        wait(second, minute);
+        act("{camera: {delay: 0s}}");
+    }
+
     void moveClock()
     {
-        const bool isAhead = dice_.chance(50);
-        const std::string by = std::to_string(dice_.spread(second, 48 * hour)) + "ms";
-        act(std::string{isAhead ? "{clock: {ahead: " : "{clock: {back: "} + by + "}}");
+        const std::string direction = dice_.chance(50) ? "ahead: " : "back: ";
+        act("{clock: {" + direction + std::to_string(dice_.spread(second, 48 * hour)) + "ms}}");
     }
 
     /// Faults for what comes next.
@@ -430,7 +460,7 @@ private:
         heal();
         act("{icloud: {quota: ok}}");
         act("{icloud: {latency: 80ms}}");
-        comeHome();
+        act("{icloud: {user: maya, account: available}}");
         act("plug-in");
         act("open-lid");
         if (dice_.chance(50)) {
@@ -444,41 +474,27 @@ private:
         now_ += minute;
     }
 
+    /// About as many points have their turn in one world.
+    static constexpr std::uint64_t turnsOfWorld = 37;
+
     Dice dice_;
     Saboteur saboteur_;
+    const std::vector<FaultPoint>& points_;
+    std::uint64_t turn_;
     Plan plan_;
+    DrawnMac mac_;
     std::int64_t now_ = 0;
     bool isArmed_ = false;
-    bool hasHeadphones_ = false;
     bool isDisturbed_ = false;
+    bool mayRing_ = false;
 };
 
 } // namespace
 
-std::string documentOf(const Plan& plan)
+Plan weather(std::uint64_t seed, double hours, const std::vector<FaultyPort>& ports,
+             const std::vector<FaultPoint>& points)
 {
-    std::string text = "title: " + plan.title + "\nwatched: true\n";
-    const auto addMap = [&text](std::string_view name, const auto& keys) {
-        if (keys.empty()) {
-            return;
-        }
-        text += std::string{name} + ":\n";
-        for (const auto& [key, value] : keys) {
-            text += "  " + key + ": " + value + "\n";
-        }
-    };
-    addMap("mac", plan.mac);
-    addMap("settings", plan.settings);
-    text += "steps:\n";
-    for (const PlannedStep& step : plan.steps) {
-        text += "  - {at: " + std::to_string(step.at) + "ms, do: " + step.action + "}\n";
-    }
-    return text;
-}
-
-Plan weather(std::uint64_t seed, double hours, const std::vector<FaultyPort>& ports)
-{
-    return Forecaster{seed, ports}.make(hours);
+    return Forecaster{seed, ports, points}.make(hours);
 }
 
 } // namespace sentrel::simulation

@@ -97,13 +97,19 @@ void Witness::settled(MacSession& session)
         isAwaiting_ = true;
     }
     const Sight& now = lookout_->look();
-    const bool isDue = isAwaiting_ || now.at - checkedAt_ >= idlePeriod;
-    if (!lookout_->hasChanged() && !isDue) {
+    const bool isThorough = lookout_->hasChanged() || now.at - readAt_ >= idlePeriod;
+    if (!isThorough && !isAwaiting_) {
         before_.at = now.at;
         return;
     }
-    chronicle_->saw(before_, now);
-    check();
+    if (isThorough) {
+        readAt_ = now.at;
+        if (chronicle_->isAtRest()) {
+            lookout_->askMemory();
+        }
+    }
+    chronicle_->saw(before_, now, lookout_->hasChanged());
+    check(isThorough);
     notePairs();
     chronicle_->conclude(before_, now);
     // After a change, the instants are looked at until every deadline has passed.
@@ -111,17 +117,25 @@ void Witness::settled(MacSession& session)
         awaitsUntil_ = now.at + longestDeadline;
     }
     isAwaiting_ = now.at < awaitsUntil_ || now.isSounding || chronicle_->isTroubled();
-    checkedAt_ = now.at;
-    before_ = now;
+    if (lookout_->hasChanged()) {
+        before_ = now;
+    } else {
+        before_.at = now.at;
+        before_.phoneAskedAt = now.phoneAskedAt;
+        before_.phoneSaysArmed = now.phoneSaysArmed;
+    }
 }
 
-void Witness::check()
+void Witness::check(bool isThorough)
 {
     if (!violations_.empty()) {
         return;
     }
     const Sight& now = lookout_->seen();
     for (const Invariant& invariant : invariants()) {
+        if (!isThorough && invariant.pace == Invariant::Pace::onChange) {
+            continue;
+        }
         if (const auto what = invariant.violation({*chronicle_, before_, now})) {
             violations_.push_back({now.at, std::string{invariant.name}, *what});
             return;

@@ -52,13 +52,13 @@ public:
     [[nodiscard]] const Experience& experience() const { return experience_; }
 
 private:
-    void check();
+    void check(bool isThorough);
     void notePairs();
 
     std::unique_ptr<Lookout> lookout_;
     std::unique_ptr<Chronicle> chronicle_;
     Sight before_;
-    double checkedAt_ = 0.0;
+    double readAt_ = 0.0; ///< when all invariants were checked last
     double awaitsUntil_ = 0.0;
     bool isAwaiting_ = true;
     std::array<bool, 17> held_{};

@@ -131,6 +131,16 @@ TEST_F(PrivateCloudTest, EachUserHasAFileInTheFolderWhateverTheNameIs)
     EXPECT_EQ(files, 7U);
 }
 
+TEST_F(PrivateCloudTest, WithoutAFolderItServesFromMemory)
+{
+    PrivateCloud cloud{{}, wallClock, log};
+    EXPECT_EQ(put(cloud, "maya", "one"), 0);
+    EXPECT_EQ(put(cloud, "maya", "two"), 0);
+    EXPECT_THAT(cloud.names("maya", "Thing"), ElementsAre("one", "two"));
+    EXPECT_EQ(cloud.count("noor", "Thing"), 0U);
+    EXPECT_FALSE(std::filesystem::exists(file("maya.sqlite")));
+}
+
 /// A Mac that lists things in a catalog which all devices share, and saves each as a record of its own.
 class BusyMac {
 public:

@@ -151,6 +151,14 @@ constexpr PlantedFault plantedFaults[] = {
          day.past.timersAtRest = 5;
          day.now.timers = 12;
      }},
+    {"memory is flat",
+     [](Day& day) {
+         day.now.showsArmed = day.before.showsArmed = false;
+         day.past.disarmedSince = 100.0;
+         day.past.memoryAtRest = 50'000'000;
+         day.now.memory = 54'000'000;
+         day.now.memoryReadAt = day.now.at;
+     }},
 };
 
 std::string violatedOn(const Day& day)

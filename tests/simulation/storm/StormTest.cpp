@@ -1,6 +1,7 @@
 #include "simulation/storm/Storm.hpp"
 
 #include "simulation/stage/ScenarioReader.hpp"
+#include "simulation/storm/Rehearsal.hpp"
 #include "simulation/storm/Shrink.hpp"
 #include "simulation/storm/StormSummary.hpp"
 
@@ -55,14 +56,59 @@ TEST(Shrink, LeavesWhatTheFailureNeedsAtTheShortestTimes)
 TEST(Weather, IsTheSameForTheSameSeedAndCanAlwaysBeRead)
 {
     const auto ports = faultyPorts(resources);
+    const auto points = rehearse(ports, resources);
     std::set<std::string> documents;
     for (std::uint64_t seed = 1; seed <= 40; ++seed) {
-        const std::string document = documentOf(weather(seed, 100.0, ports));
-        EXPECT_EQ(document, documentOf(weather(seed, 100.0, ports)));
+        const std::string document = documentOf(weather(seed, 100.0, ports, points));
+        EXPECT_EQ(document, documentOf(weather(seed, 100.0, ports, points)));
         EXPECT_NO_THROW(static_cast<void>(parseScenario(document, "storm.yaml")));
         documents.insert(document);
     }
     EXPECT_EQ(documents.size(), 40U);
+}
+
+TEST(Weather, GivesEachPointThatWasRehearsedItsTurn)
+{
+    const auto ports = faultyPorts(resources);
+    const auto points = rehearse(ports, resources);
+    EXPECT_GT(points.size(), 400U);
+    std::string documents;
+    for (std::uint64_t seed = 1; seed <= points.size() / 12; ++seed) {
+        documents += documentOf(weather(seed, 100.0, ports, points));
+    }
+    std::size_t planned = 0;
+    for (const FaultPoint& point : points) {
+        ASSERT_FALSE(point.chances.empty());
+        const std::string operation = point.operation.empty() ? "" : ", operation: " + point.operation + ", call: ";
+        const std::string start =
+            point.operation.empty() ? "{fail: {" + point.port + ": {" + point.fault + ": " : "{port: " + point.port;
+        planned += documents.find(start + operation) != std::string::npos ? 1U : 0U;
+    }
+    EXPECT_EQ(planned, points.size());
+}
+
+TEST(World, IsNotViolatedByAPushThatCannotBeReadOrTheBeepsOfAnEndedProcess)
+{
+    const Plan push{.title = "Push",
+                    .mac = {{"icloud", "maya"}},
+                    .settings = {},
+                    .steps = {{1000, "{fault: {port: push, operation: cloudNotification, fate: raises}}"},
+                              {1000, "{phone: disarm}"},
+                              {2000, "{fault: none}"}}};
+    const Plan beeps{.title = "Beeps",
+                     .mac = {},
+                     .settings = {},
+                     .steps = {{1000, "arm"},
+                               {3000, "{fail: {audio: {hangs: 1}}}"},
+                               {3000, "unplug"},
+                               {4000, "crash"},
+                               {5000, "relaunch"},
+                               {10'000, "plug-in"}}};
+    for (const Plan& plan : {push, beeps}) {
+        for (const Violation& violation : live(plan, resources).violations) {
+            ADD_FAILURE() << plan.title << ": " << violation.invariant << ": " << violation.what;
+        }
+    }
 }
 
 TEST(StormRun, GivesTheSameSummaryWithAnyNumberOfProcesses)

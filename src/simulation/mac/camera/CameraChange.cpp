@@ -28,6 +28,9 @@ void apply(const CameraChange& change, SimulatedCamera& camera)
     if (change.brightness) {
         camera.setBrightness(*change.brightness);
     }
+    if (change.share) {
+        camera.setPhotoShare(*change.share);
+    }
     if (change.photo) {
         camera.setPhotoFile(*change.photo);
     }

@@ -47,6 +47,7 @@ struct CameraWorld {
         std::vector<CameraModel> devices;
         std::string openedDevice;
         std::optional<double> brightness;
+        int photoShare = 1;
         Duration photoDelay{};
         std::shared_ptr<const Bytes> photoFile; // none for the cafe
         const void* runningSession = nullptr;
@@ -102,6 +103,9 @@ public:
     /// Brightness of a photo of the cafe, 0 to 1; none lets the time of day decide.
     void setBrightness(std::optional<double> brightness) { world_->state->brightness = brightness; }
     [[nodiscard]] std::optional<double> brightness() const { return world_->state->brightness; }
+
+    /// Divides the sides of photos of the cafe; 1 at first. Small photos take little time.
+    void setPhotoShare(int share) { world_->state->photoShare = share; }
 
     /// Time from a photo's request to its callback; 0 at first.
     void setPhotoDelay(Duration delay) { world_->state->photoDelay = delay; }

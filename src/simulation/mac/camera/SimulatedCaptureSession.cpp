@@ -18,6 +18,7 @@ public:
     {
         const auto state = world_->state.lock();
         brightness_ = state->brightness;
+        share_ = state->photoShare;
         file_ = state->photoFile;
     }
 
@@ -26,7 +27,7 @@ public:
         if (world_->faults.strikes("photo-data")) {
             return std::nullopt;
         }
-        return file_ ? *file_ : world_->scene.photograph(timeOfDay_, brightness_);
+        return file_ ? *file_ : world_->scene.photograph(timeOfDay_, brightness_, share_);
     }
 
     /// Number of times that the delegate is told of the photo.
@@ -36,6 +37,7 @@ private:
     std::shared_ptr<World> world_;
     Date timeOfDay_;
     std::optional<double> brightness_;
+    int share_ = 1;
     std::shared_ptr<const Bytes> file_;
 };
 

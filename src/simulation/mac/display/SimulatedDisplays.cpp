@@ -76,6 +76,9 @@ void SimulatedDisplays::setCount(std::size_t count)
     if (!faults_.strikes("notification")) {
         notifications_.post(screenParametersChanged);
     }
+    if (faults_.strikes("notification-twice")) {
+        notifications_.post(screenParametersChanged);
+    }
 }
 
 std::vector<WindowState> SimulatedDisplays::covers() const

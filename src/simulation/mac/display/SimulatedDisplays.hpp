@@ -29,7 +29,8 @@ class SimulatedApplicationActivation;
 /// disconnecting notes `displays.changed` {count} and posts the notification of it. Used on the product's main thread;
 /// displays may come and go on any thread that excludes it.
 ///
-/// Faults: `no-screens` (the system lists none), `notification` (a change goes unannounced).
+/// Faults: `no-screens` (the system lists none), `notification` (a change goes unannounced),
+/// `notification-twice`.
 class SimulatedDisplays final : public ports::Windows, public ports::ApplicationNotifications {
 public:
     SimulatedDisplays(Scheduler& process, ports::Journal& journal, SimulatedApplicationActivation& activation,
@@ -120,7 +121,7 @@ private:
     WindowList windows_;
     std::function<void()> keyGiven_;
     std::uint64_t keyGivenAfter_ = 0; ///< `activation_.losses()` at that moment
-    FaultSwitches faults_{"no-screens", "notification"};
+    FaultSwitches faults_{"no-screens", "notification", "notification-twice"};
     NotificationHub notifications_;
 };
 

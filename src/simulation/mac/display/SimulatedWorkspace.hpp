@@ -16,7 +16,7 @@ namespace sentrel::simulation {
 /// The shared workspace's notification center. Notifications are posted on any thread and received on the main thread
 /// of the scheduler.
 ///
-/// Faults: `notification` (one gets lost).
+/// Faults: `notification` (one gets lost), `notification-twice`.
 class SimulatedWorkspace final : public ports::WorkspaceNotifications {
 public:
     SimulatedWorkspace(Scheduler& scheduler, ports::Journal& journal)
@@ -37,13 +37,16 @@ public:
         if (!faults_.strikes("notification")) {
             notifications_.post(name);
         }
+        if (faults_.strikes("notification-twice")) {
+            notifications_.post(name);
+        }
     }
 
     [[nodiscard]] FaultSwitches& faults() { return faults_; }
 
 private:
     ports::Journal& journal_;
-    FaultSwitches faults_{"notification"};
+    FaultSwitches faults_{"notification", "notification-twice"};
     NotificationHub notifications_;
 };
 

@@ -110,6 +110,9 @@ void SimulatedPower::setSources(std::vector<PowerSource> sources)
     if (!faults_.strikes("notification")) {
         changes_.post({});
     }
+    if (faults_.strikes("notification-twice")) {
+        changes_.post({});
+    }
 }
 
 std::optional<bool> SimulatedPower::isOnAC() const

@@ -29,7 +29,7 @@ struct PowerSource {
 /// announced on the main thread of the scheduler.
 ///
 /// Faults: `snapshot` (none is given), `list` (the snapshot has none), `register` (no notification source is made),
-/// `notification` (a change goes unannounced).
+/// `notification` (a change goes unannounced), `notification-twice`.
 class SimulatedPower final : public ports::PowerSources {
 public:
     SimulatedPower(Scheduler& scheduler, ports::Journal& journal);
@@ -58,7 +58,7 @@ private:
     [[nodiscard]] std::shared_ptr<const Sources> sources() const;
 
     ports::Journal& journal_;
-    FaultSwitches faults_{"snapshot", "list", "register", "notification"};
+    FaultSwitches faults_{"snapshot", "list", "register", "notification", "notification-twice"};
     NotificationHub changes_;
     mutable std::mutex mutex_;
     std::shared_ptr<const Sources> sources_; // immutable, only replaced: snapshots share it

@@ -42,20 +42,21 @@ double meanLuma(const RgbxImage& image)
 
 } // namespace
 
-Bytes CafeScene::photograph(Date date, std::optional<double> brightness)
+Bytes CafeScene::photograph(Date date, std::optional<double> brightness, int share)
 {
     const std::lock_guard guard{mutex_};
     const int minute = minuteOfDay(date);
-    if (minute == photoMinute_ && brightness == photoBrightness_) {
+    if (minute == photoMinute_ && brightness == photoBrightness_ && share == photoShare_) {
         return photo_;
     }
-    RgbxImage drawn = drawCafe(minute, 1);
+    RgbxImage drawn = drawCafe(minute, share);
     if (brightness) {
         expose(drawn, *brightness);
     }
     photo_ = *encodeJpeg(drawn, cameraQuality);
     photoMinute_ = minute;
     photoBrightness_ = brightness;
+    photoShare_ = share;
     return photo_;
 }
 

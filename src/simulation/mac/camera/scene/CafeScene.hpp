@@ -24,7 +24,8 @@ public:
 
     /// A JPEG of the scene at this time of the clock, to the minute. It has the given brightness (0 to 1), or that of
     /// the hour's light. Equal calls give equal bytes.
-    [[nodiscard]] Bytes photograph(Date date, std::optional<double> brightness);
+    /// The sides are divided by `share`.
+    [[nodiscard]] Bytes photograph(Date date, std::optional<double> brightness, int share = 1);
 
     /// A small picture of the scene, for display; the same object as long as nothing changes.
     [[nodiscard]] CafePreview preview(Date date, std::optional<double> brightness);
@@ -33,6 +34,7 @@ private:
     std::mutex mutex_;
     int photoMinute_ = -1;
     std::optional<double> photoBrightness_;
+    int photoShare_ = 1;
     Bytes photo_; // kept because drawing takes long; the picture itself is many times larger
     int previewMinute_ = -1;
     std::optional<double> previewBrightness_;
