@@ -163,7 +163,9 @@ std::vector<CompanionPhone::Mac> CompanionPhone::macs()
         return {};
     }
     std::vector<Mac> macs;
-    for (const std::string& deviceID : valueOr<std::vector<std::string>>(*catalog, "deviceIDs", {})) {
+    const auto deviceIDs = valueOr<TextList>(*catalog, "deviceIDs", {});
+    for (const std::string_view listed : deviceIDs) {
+        const std::string deviceID{listed};
         // Skips invalid entries and Macs that have never published a record.
         const auto record = isRecordName(macRecordName(deviceID)) ? read(macRecordName(deviceID)) : std::nullopt;
         const auto* const lastSeen = record ? fieldOf<Date>(*record, "lastSeen") : nullptr;
@@ -222,12 +224,19 @@ void CompanionPhone::unlist(const std::string& id)
 {
     for (int attempt = 0; attempt < mostAttempts; ++attempt) {
         auto catalog = read(alertCatalogName);
-        auto ids = catalog ? valueOr<std::vector<std::string>>(*catalog, "alertIDs", {}) : std::vector<std::string>{};
-        if (std::erase(ids, id) == 0) {
+        const auto ids = catalog ? valueOr<TextList>(*catalog, "alertIDs", {}) : TextList{};
+        TextListWriter others;
+        for (const std::string_view other : ids) {
+            if (other != id) {
+                others.add(other);
+            }
+        }
+        TextList kept = others.take();
+        if (kept.size() == ids.size()) {
             return;
         }
         ServerBatch batch;
-        catalog->fields["alertIDs"] = std::move(ids);
+        catalog->fields["alertIDs"] = std::move(kept);
         batch.save.push_back(*std::move(catalog));
         const ServerModification done = cloud_.modify({user(), device_}, batch);
         const auto* const error = std::get_if<ports::CloudError>(&done.saved.at(alertCatalogName));

@@ -54,12 +54,11 @@ TEST_F(CompanionPhoneTest, AlertsAreListedNewestFirstWithTheirPhotos)
     EXPECT_TRUE(alerts[1].sendNotification);
     EXPECT_FALSE(alerts[1].photo);
 
-    save("AlertCatalog", "alert-catalog",
-         {{"alertIDs", std::vector{"old"s, "new"s}}, {"isTruncated", std::int64_t{1}}});
+    save("AlertCatalog", "alert-catalog", {{"alertIDs", TextList{"old", "new"}}, {"isTruncated", std::int64_t{1}}});
     EXPECT_TRUE(phone.deleteAlert("new"));
     EXPECT_FALSE(phone.deleteAlert("new"));
     EXPECT_EQ(answer(mac.database.record("alert-catalog")).fields,
-              (Fields{{"alertIDs", std::vector{"old"s}}, {"isTruncated", std::int64_t{1}}}));
+              (Fields{{"alertIDs", TextList{"old"}}, {"isTruncated", std::int64_t{1}}}));
     EXPECT_EQ(phone.alerts().size(), 1U);
     phone.signIn("other");
     EXPECT_THAT(phone.alerts(), IsEmpty());
@@ -93,7 +92,7 @@ TEST_F(CompanionPhoneTest, ANotificationIsShownForWhatAsksForOne)
 TEST_F(CompanionPhoneTest, ItSeesTheMacsOfTheCatalog)
 {
     EXPECT_THAT(phone.macs(), IsEmpty());
-    save("MacDeviceCatalog", "mac-device-catalog", {{"deviceIDs", std::vector{"B"s, "gone"s, "\xC3\xA4"s, "A"s}}});
+    save("MacDeviceCatalog", "mac-device-catalog", {{"deviceIDs", TextList{"B", "gone", "\xC3\xA4", "A"}}});
     save("MacDeviceCatalog", "mac-device-catalog-A",
          {{"deviceName", "Desk"s},
           {"lastSeen", Date{5.0}},
