@@ -236,7 +236,7 @@ public:
     }
     [[nodiscard]] Async<ports::CloudRecord> save(ports::CloudRecord record) override
     {
-        if (const auto* ids = ports::fieldOf<std::vector<std::string>>(record, AlertCatalog::alertIDsField);
+        if (const auto* ids = ports::fieldOf<TextList>(record, AlertCatalog::alertIDsField);
             ids != nullptr && record.name == AlertCatalog::recordName) {
             require(ids->size() <= AlertCatalog::mostIdentifiers, "a catalog is saved that is too long");
         }

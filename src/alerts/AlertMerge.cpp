@@ -1,6 +1,7 @@
 #include "alerts/AlertMerge.hpp"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 namespace sentrel {
@@ -83,10 +84,33 @@ MergedAlerts mergedAlerts(std::vector<AlertEvent> cloud, std::vector<StoredAlert
     return merged;
 }
 
-void insertInOrder(std::vector<AlertRow>& rows, AlertRow row)
+std::size_t placeInOrder(const std::vector<AlertRow>& rows, Date timestamp, const UUID& id)
 {
-    const auto next = std::ranges::lower_bound(rows, row, isNewerRow);
-    rows.insert(next, std::move(row));
+    struct Place {
+        Date timestamp;
+        UUID id;
+    };
+    const auto isNewer = [](const AlertRow& row, const Place& place) {
+        return row.alert.timestamp != place.timestamp ? row.alert.timestamp > place.timestamp : row.alert.id < place.id;
+    };
+    return static_cast<std::size_t>(std::lower_bound(rows.begin(), rows.end(), Place{timestamp, id}, isNewer) -
+                                    rows.begin());
+}
+
+void insertInOrder(std::vector<AlertRow>& rows, std::vector<AlertRow> more)
+{
+    if (more.size() == 1) {
+        const std::size_t place = placeInOrder(rows, more[0].alert.timestamp, more[0].alert.id);
+        rows.insert(rows.begin() + static_cast<std::ptrdiff_t>(place), std::move(more[0]));
+        return;
+    }
+    more = newestFirst(std::move(more));
+    std::vector<AlertRow> merged;
+    merged.reserve(rows.size() + more.size());
+    std::ranges::merge(std::move_iterator{rows.begin()}, std::move_sentinel{rows.end()},
+                       std::move_iterator{more.begin()}, std::move_sentinel{more.end()}, std::back_inserter(merged),
+                       isNewerRow);
+    rows = std::move(merged);
 }
 
 } // namespace sentrel

@@ -2,6 +2,7 @@
 
 #include "alerts/AlertRow.hpp"
 
+#include <cstddef>
 #include <unordered_set>
 #include <vector>
 
@@ -16,7 +17,10 @@ struct MergedAlerts {
 /// Merges the alerts of the cloud, in any order, with those on this Mac. No identifier occurs twice in either.
 [[nodiscard]] MergedAlerts mergedAlerts(std::vector<AlertEvent> cloud, std::vector<StoredAlert> local);
 
-/// Inserts a row into rows that are in order.
-void insertInOrder(std::vector<AlertRow>& rows, AlertRow row);
+/// The place of an alert in rows that are in order, or where it belongs.
+[[nodiscard]] std::size_t placeInOrder(const std::vector<AlertRow>& rows, Date timestamp, const UUID& id);
+
+/// Inserts rows into rows that are in order.
+void insertInOrder(std::vector<AlertRow>& rows, std::vector<AlertRow> more);
 
 } // namespace sentrel

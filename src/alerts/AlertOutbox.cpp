@@ -117,18 +117,15 @@ void AlertOutbox::listRefreshed(bool isFresh)
     ensureRetry();
 }
 
-std::vector<AlertEvent> AlertOutbox::withoutDeleted(std::vector<AlertEvent> alerts, bool isFresh)
+void AlertOutbox::deleteThoseReturned()
 {
     std::unordered_set<UUID> returned;
-    std::erase_if(alerts, [&](const AlertEvent& alert) {
-        if (isFresh && isDeleted(alert.id)) {
-            returned.insert(alert.id);
+    for (const UUID& id : uploader_.discarded()) {
+        if (cloud_.cachedAlert(id) != nullptr) {
+            returned.insert(id);
         }
-        return isDeleted(alert.id) || pendingDeletions_.ids().contains(alert.id);
-    });
-    // An upload that was given up may have reached the server after the deletion.
+    }
     pendingDeletions_.add(returned, cloud_.cacheOwner());
-    return alerts;
 }
 
 Async<void> AlertOutbox::catchUp()

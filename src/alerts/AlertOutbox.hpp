@@ -87,9 +87,12 @@ public:
     /// Call after each refresh. `isFresh` tells that the database has answered it.
     void listRefreshed(bool isFresh);
 
-    /// The cloud's alerts without those that the user has deleted. Alerts of a fresh list that were deleted before they
-    /// arrived are deleted again.
-    [[nodiscard]] std::vector<AlertEvent> withoutDeleted(std::vector<AlertEvent> alerts, bool isFresh);
+    /// Call with a list that the database has just given: its alerts that the user had deleted before they arrived are
+    /// deleted again.
+    void deleteThoseReturned();
+
+    /// Whether the user has deleted the cloud's alert; the list must not show it.
+    [[nodiscard]] bool hides(const UUID& id) const { return isDeleted(id) || pendingDeletions_.ids().contains(id); }
 
     /// Whether the user has deleted the alert in this run of the application.
     [[nodiscard]] bool isDeleted(const UUID& id) const { return uploader_.discarded().contains(id); }

@@ -58,6 +58,12 @@ MacAlertsService::MacAlertsService(MainActor actor, CloudKitService& cloud, Loca
       ports_(ports),
       outbox_(actor, cloud, localStore, uploader, *this, {ports.defaults, ports.files})
 {
+    observations_.push_back(alerts.observe([this](const AlertList& list) {
+        if (!std::exchange(isIndexed_, false)) {
+            index_.rebuild(*list);
+            cloudChanges_ = nullptr;
+        }
+    }));
     observations_.push_back(cloud_.isAvailable.observe([this](bool) { refreshStorageNotice(); }));
     observations_.push_back(cloud_.isReachable.observe([this](bool) { refreshStorageNotice(); }));
 }
@@ -69,8 +75,7 @@ std::vector<AlertSection> MacAlertsService::sections() const
 
 bool MacAlertsService::holds(const UUID& id) const
 {
-    const std::vector<AlertRow>& rows = *alerts.get();
-    return std::ranges::any_of(rows, [&id](const AlertRow& row) { return row.alert.id == id; });
+    return index_.contains(id);
 }
 
 void MacAlertsService::merge(const StoredAlert& stored)
@@ -79,9 +84,7 @@ void MacAlertsService::merge(const StoredAlert& stored)
     if (outbox_.isDeleted(stored.alert.id) || holds(stored.alert.id)) {
         return;
     }
-    std::vector<AlertRow> rows = takeRows();
-    insertInOrder(rows, {stored.alert, locationOf(stored)});
-    publish(std::move(rows));
+    change({{stored.alert.id, AlertRow{stored.alert, locationOf(stored)}}});
     refreshStorageNotice();
 }
 
@@ -136,9 +139,7 @@ Async<MacAlertsService::CloudAnswer> MacAlertsService::askCloud()
 
 Duration MacAlertsService::longestRefresh() const
 {
-    const std::vector<AlertRow>& rows = *alerts.get();
-    const bool isAnyKnown = std::ranges::any_of(
-        rows, [](const AlertRow& row) { return row.storageLocation == AlertStorageLocation::cloud; });
+    const bool isAnyKnown = index_.size() > index_.here().size();
     const bool comesFromItsBeginning = !isAnyKnown && cloud_.cachedAlerts().empty();
     return comesFromItsBeginning || lastRefreshTimedOut_ ? longestFullRefresh : cloudTimeLimit;
 }
@@ -146,19 +147,100 @@ Duration MacAlertsService::longestRefresh() const
 void MacAlertsService::apply(const CloudAnswer& answer, std::vector<StoredAlert> local)
 {
     const bool isFresh = answer.isFresh && cloud_.isAvailable;
-    std::vector<AlertEvent> remote = cloud_.isAvailable ? cloud_.cachedAlerts() : std::vector<AlertEvent>{};
-    MergedAlerts merged = mergedAlerts(outbox_.withoutDeleted(std::move(remote), isFresh), std::move(local));
     if (isFresh) {
-        // Only a fresh answer justifies deleting the copies on this Mac.
-        outbox_.dropCopies(merged.redundant);
+        outbox_.deleteThoseReturned();
     }
-    publish(std::move(merged.rows));
+    const bool isUpToDate = cloud_.isAvailable && cloudChanges_ != nullptr && !cloudChanges_->isAnotherUser;
+    const bool areCopiesDropped = isUpToDate ? updateList(local, isFresh) : makeList(std::move(local), isFresh);
     errorMessage = answer.error;
     refreshStorageNotice();
-    if (isFresh && !merged.redundant.empty()) {
+    if (areCopiesDropped) {
         uploadsCaughtUp_();
     }
     outbox_.listRefreshed(isFresh);
+}
+
+/// Makes the list of all alerts. If it is fresh, first drops the alerts here that the cloud holds too; true when there
+/// were any.
+bool MacAlertsService::makeList(std::vector<StoredAlert> local, bool isFresh)
+{
+    std::vector<AlertEvent> remote;
+    hidden_.clear();
+    changedHere_.clear();
+    std::shared_ptr<const AlertMetadataCache::Changes> changesInCloud;
+    if (cloud_.isAvailable) {
+        remote = cloud_.cachedAlerts();
+        changesInCloud = cloud_.watchCachedAlerts();
+    }
+    std::erase_if(remote, [this](const AlertEvent& alert) { return visibleCloudAlert(alert.id) == nullptr; });
+    MergedAlerts merged = mergedAlerts(std::move(remote), std::move(local));
+    const bool areCopiesDropped = dropCopies(merged.redundant, isFresh);
+    publish(std::move(merged.rows));
+    cloudChanges_ = std::move(changesInCloud);
+    return areCopiesDropped;
+}
+
+/// Brings the list up to date, with the same result as `makeList`: it looks only at the alerts on this Mac, and at
+/// those whose row or whose state in the cloud may have changed since the list was made or updated. Each new alert has
+/// the list refreshed, and it may hold thousands.
+bool MacAlertsService::updateList(const std::vector<StoredAlert>& local, bool isFresh)
+{
+    std::unordered_map<UUID, const StoredAlert*> stored;
+    std::unordered_set<UUID> suspects = std::exchange(changedHere_, {});
+    for (const StoredAlert& each : local) {
+        stored.emplace(each.alert.id, &each);
+        suspects.insert(each.alert.id);
+    }
+    const auto changesInCloud = std::exchange(cloudChanges_, cloud_.watchCachedAlerts());
+    const std::unordered_set<UUID>& hidden = hidden_;
+    for (const auto* const ids : {&changesInCloud->ids, &changesInCloud->photos, &hidden, &index_.here()}) {
+        suspects.insert(ids->begin(), ids->end());
+    }
+    std::unordered_set<UUID> redundant;
+    std::vector<RowChange> changes;
+    for (const UUID& id : suspects) {
+        const AlertEvent* const inCloud = visibleCloudAlert(id);
+        const auto here = stored.find(id);
+        std::optional<AlertRow> row;
+        if (inCloud != nullptr) {
+            row = {*inCloud, AlertStorageLocation::cloud};
+        } else if (here != stored.end()) {
+            row = {here->second->alert, locationOf(*here->second)};
+        }
+        if (inCloud != nullptr && here != stored.end()) {
+            redundant.insert(id);
+        }
+        const auto place = index_.place(*alerts.get(), id);
+        const bool isSame = place ? row == (*alerts.get())[*place] : !row;
+        if (!isSame) {
+            changes.push_back({id, std::move(row)});
+        }
+    }
+    const bool areCopiesDropped = dropCopies(redundant, isFresh);
+    change(changes);
+    changedHere_.clear();
+    return areCopiesDropped;
+}
+
+/// Only a fresh answer justifies deleting the copies on this Mac.
+bool MacAlertsService::dropCopies(const std::unordered_set<UUID>& ids, bool isFresh)
+{
+    if (isFresh) {
+        outbox_.dropCopies(ids);
+    }
+    return isFresh && !ids.empty();
+}
+
+/// The cloud's alert unless the user has deleted it, which is noted in `hidden_`.
+const AlertEvent* MacAlertsService::visibleCloudAlert(const UUID& id)
+{
+    const AlertEvent* const alert = cloud_.cachedAlert(id);
+    if (alert == nullptr || !outbox_.hides(id)) {
+        hidden_.erase(id);
+        return alert;
+    }
+    hidden_.insert(id);
+    return nullptr;
 }
 
 void MacAlertsService::hold(const AlertEvent& alert, std::optional<Bytes> photo)
@@ -174,9 +256,13 @@ void MacAlertsService::deleteAlerts(const std::unordered_set<UUID>& ids)
         return;
     }
     outbox_.deleteAlerts(ids);
-    std::vector<AlertRow> kept = *alerts.get();
-    std::erase_if(kept, [&ids](const AlertRow& row) { return ids.contains(row.alert.id); });
-    publish(std::move(kept));
+    std::vector<RowChange> changes;
+    for (const UUID& id : ids) {
+        if (index_.contains(id)) {
+            changes.push_back({id, std::nullopt});
+        }
+    }
+    change(changes);
     refreshStorageNotice();
     uploadsCaughtUp_();
 }
@@ -192,29 +278,21 @@ void MacAlertsService::attemptEnded(const UUID& id, AlertUploader::Outcome outco
 
 void MacAlertsService::showInCloud(const UUID& id)
 {
-    const auto& shown = *alerts.get();
-    const auto row = std::ranges::find_if(shown, [&id](const AlertRow& other) { return other.alert.id == id; });
-    if (row == shown.end() || row->storageLocation == AlertStorageLocation::cloud) {
-        return;
+    const auto place = index_.place(*alerts.get(), id);
+    if (place && !index_.isInCloud(id)) {
+        change({{id, AlertRow{(*alerts.get())[*place].alert, AlertStorageLocation::cloud}}});
     }
-    const auto place = static_cast<std::size_t>(row - shown.begin());
-    std::vector<AlertRow> rows = takeRows();
-    rows[place].storageLocation = AlertStorageLocation::cloud;
-    publish(std::move(rows));
 }
 
 void MacAlertsService::subtractThoseInCloud(std::unordered_set<UUID>& ids) const
 {
-    for (const AlertRow& row : *alerts.get()) {
-        if (row.storageLocation == AlertStorageLocation::cloud) {
-            ids.erase(row.alert.id);
-        }
-    }
+    std::erase_if(ids, [this](const UUID& id) { return index_.isInCloud(id); });
 }
 
 void MacAlertsService::userDidChange()
 {
     iCloudStorageIsFull = false;
+    cloudChanges_ = nullptr;
     publish(mergedAlerts({}, outbox_.alertsHere()).rows);
     refreshStorageNotice();
 }
@@ -224,6 +302,44 @@ void MacAlertsService::publish(std::vector<AlertRow> rows)
     if (*alerts.get() != rows) {
         alerts = std::make_shared<std::vector<AlertRow>>(std::move(rows));
     }
+}
+
+/// Changes some rows, each at most once, and publishes the list.
+void MacAlertsService::change(const std::vector<RowChange>& changes)
+{
+    if (changes.empty()) {
+        return;
+    }
+    std::vector<AlertRow> rows = takeRows();
+    // One after another would move the others each time.
+    std::unordered_set<UUID> leaving;
+    for (const auto& [id, row] : changes) {
+        changedHere_.insert(id);
+        const auto place = index_.place(rows, id);
+        if (place && row && rows[*place].alert.timestamp == row->alert.timestamp) {
+            rows[*place] = *row;
+        } else if (place) {
+            leaving.insert(id);
+        }
+    }
+    if (!leaving.empty()) {
+        std::erase_if(rows, [&leaving](const AlertRow& row) { return leaving.contains(row.alert.id); });
+    }
+    std::vector<AlertRow> arriving;
+    for (const auto& [id, row] : changes) {
+        const bool isNew = row && (leaving.contains(id) || !index_.contains(id));
+        if (isNew) {
+            arriving.push_back(*row);
+        }
+        if (row) {
+            index_.note(*row);
+        } else {
+            index_.forget(id);
+        }
+    }
+    insertInOrder(rows, std::move(arriving));
+    isIndexed_ = true;
+    alerts = std::make_shared<std::vector<AlertRow>>(std::move(rows));
 }
 
 /// The rows, for a change that is then published: moved out of a list that no view holds, else copied. Every alert

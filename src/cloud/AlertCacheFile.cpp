@@ -11,6 +11,7 @@ namespace sentrel {
 namespace {
 
 constexpr std::uint32_t formatVersion = 1;
+constexpr const char* beginning = "{\"alerts\":[";
 
 template <class Identifiers> Json textsOf(const Identifiers& ids)
 {
@@ -61,43 +62,68 @@ std::optional<AlertMap> alertsMember(const Json& document)
 
 void AlertCacheEncoder::put(const AlertEvent& alert)
 {
-    std::string& text = texts_[alert.id];
+    erase(alert.id);
+    text_.resize(length_);
     try {
-        text = encodeJson(encodeAlertEvent(alert));
+        append(alert.id, encodeJson(encodeAlertEvent(alert)));
     } catch (const JsonEncodingError&) {
-        text.clear();
+        unencodable_.insert(alert.id);
     }
 }
 
-std::string AlertCacheEncoder::document(const AlertCacheContents& contents) const
+void AlertCacheEncoder::append(const UUID& id, std::string_view alert)
 {
-    Json document = Json::object();
-    document["version"] = formatVersion;
+    text_ += text_.empty() ? beginning : ",";
+    spans_[id] = {text_.size(), alert.size()};
+    text_ += alert;
+    length_ = text_.size();
+}
+
+void AlertCacheEncoder::erase(const UUID& id)
+{
+    unencodable_.erase(id);
+    hasGaps_ = spans_.erase(id) > 0 || hasGaps_;
+}
+
+void AlertCacheEncoder::eraseAll()
+{
+    spans_.clear();
+    unencodable_.clear();
+    hasGaps_ = true;
+}
+
+void AlertCacheEncoder::compact()
+{
+    const std::string before = std::exchange(text_, {});
+    text_.reserve(length_);
+    for (const auto& [id, span] : spans_) {
+        append(id, std::string_view{before}.substr(span.begin, span.length));
+    }
+    length_ = text_.size();
+    hasGaps_ = false;
+}
+
+std::string_view AlertCacheEncoder::document(const AlertCacheContents& contents)
+{
+    if (!unencodable_.empty()) {
+        throw JsonEncodingError{"an alert's date isn't finite"};
+    }
+    Json rest = Json::object();
+    rest["version"] = formatVersion;
     if (contents.owner) {
-        document["owner"] = *contents.owner;
+        rest["owner"] = *contents.owner;
     }
-    document["isComplete"] = contents.isComplete;
-    document["catalogAdditions"] = textsOf(contents.debts.additions);
-    document["catalogRemovals"] = textsOf(contents.debts.removals);
-    std::string text = encodeJson(document);
-    text.back() = ',';
-    text += "\"alerts\":[";
-    std::size_t length = text.size() + 2;
-    for (const auto& [id, alert] : texts_) {
-        length += alert.size() + 1;
+    rest["isComplete"] = contents.isComplete;
+    rest["catalogAdditions"] = textsOf(contents.debts.additions);
+    rest["catalogRemovals"] = textsOf(contents.debts.removals);
+    if (hasGaps_) {
+        compact();
     }
-    text.reserve(length);
-    for (const auto& [id, alert] : texts_) {
-        if (alert.empty()) {
-            throw JsonEncodingError{"an alert's date isn't finite"};
-        }
-        text += alert;
-        text += ',';
-    }
-    if (text.back() == ',') {
-        text.pop_back();
-    }
-    return text += "]}";
+    text_.resize(length_);
+    text_ += text_.empty() ? beginning : "";
+    text_ += "],";
+    text_ += std::string_view{encodeJson(rest)}.substr(1);
+    return text_;
 }
 
 std::string encodeAlertCache(const AlertCacheContents& contents)
@@ -106,7 +132,7 @@ std::string encodeAlertCache(const AlertCacheContents& contents)
     for (const auto& [id, alert] : contents.alerts) {
         encoder.put(alert);
     }
-    return encoder.document(contents);
+    return std::string{encoder.document(contents)};
 }
 
 std::optional<AlertCacheContents> decodeAlertCache(BytesView file)

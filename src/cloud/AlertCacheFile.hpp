@@ -3,8 +3,10 @@
 #include "core/AlertEvent.hpp"
 #include "foundation/Bytes.hpp"
 
+#include <cstddef>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <unordered_map>
 #include <unordered_set>
 #include <vector>
@@ -33,21 +35,33 @@ struct AlertCacheContents {
     friend bool operator==(const AlertCacheContents&, const AlertCacheContents&) = default;
 };
 
-/// Encodes the cache file again and again. It remembers each alert's text, so that a save encodes only what has
-/// changed.
+/// Encodes the cache file again and again. It keeps the file's text, so that a save encodes only the alerts that have
+/// changed, and new ones are appended.
 class AlertCacheEncoder {
 public:
     /// Adds or replaces an alert.
     void put(const AlertEvent& alert);
-    void erase(const UUID& id) { texts_.erase(id); }
-    void eraseAll() { texts_.clear(); }
+    void erase(const UUID& id);
+    void eraseAll();
 
-    /// The file: {"version": 1, "owner", "isComplete", "catalogAdditions", "catalogRemovals", "alerts"}, with the
-    /// encoder's alerts and all else of `contents`. Throws `JsonEncodingError` for a date that isn't finite.
-    [[nodiscard]] std::string document(const AlertCacheContents& contents) const;
+    /// The file: {"alerts", "version": 1, "owner", "isComplete", "catalogAdditions", "catalogRemovals"}, with the
+    /// encoder's alerts and all else of `contents`. Valid until the next call. Throws `JsonEncodingError` for a date
+    /// that isn't finite.
+    [[nodiscard]] std::string_view document(const AlertCacheContents& contents);
 
 private:
-    std::unordered_map<UUID, std::string> texts_; // empty for a date that isn't finite
+    struct Span {
+        std::size_t begin = 0;
+        std::size_t length = 0;
+    };
+    void append(const UUID& id, std::string_view alert);
+    void compact();
+
+    std::string text_;                     // up to the last alert, then the rest of the latest document
+    std::size_t length_ = 0;               // of `text_` without that rest
+    std::unordered_map<UUID, Span> spans_; // of the alerts' texts
+    std::unordered_set<UUID> unencodable_; // their dates aren't finite
+    bool hasGaps_ = false;                 // texts of alerts that were replaced or erased
 };
 
 /// The cache file of these contents. Throws `JsonEncodingError` for a date that isn't finite.

@@ -3,7 +3,10 @@
 #include "cloud/CloudErrors.hpp"
 #include "cloud/RecordMerge.hpp"
 
+#include <algorithm>
 #include <string>
+#include <string_view>
+#include <unordered_set>
 #include <utility>
 #include <vector>
 
@@ -11,49 +14,22 @@ namespace sentrel {
 
 namespace {
 
-using Texts = std::vector<std::string>;
-
 std::optional<ports::CloudError> ifThrottling(const ports::CloudError& error)
 {
     return isThrottlingError(error) ? std::optional{error} : std::nullopt;
 }
 
-bool isTruncated(const ports::CloudRecord& record)
+/// The list without the identifiers given, and without texts that are none.
+TextList without(const std::unordered_set<UUID>& removed, const TextList& texts)
 {
-    const auto* const flag = ports::fieldOf<std::int64_t>(record, AlertCatalog::isTruncatedField);
-    return flag != nullptr && *flag != 0;
-}
-
-/// Applies the debts to the list; false when it needs no change.
-bool merge(ports::CloudRecord& record, const CatalogDebts& debts)
-{
-    // Changed in place: the list may hold thousands of texts.
-    ports::CloudValue& field = record.fields[AlertCatalog::alertIDsField];
-    if (!std::holds_alternative<Texts>(field)) {
-        field = Texts{};
-    }
-    auto& texts = std::get<Texts>(field);
-    std::unordered_set<UUID> missing{debts.additions.begin(), debts.additions.end()};
-    const std::size_t dropped = std::erase_if(texts, [&](const std::string& text) {
+    TextListWriter kept;
+    for (const std::string_view text : texts) {
         const auto id = UUID::parse(text);
-        if (id) {
-            missing.erase(*id);
-        }
-        return !id || debts.removals.contains(*id);
-    });
-    if (dropped == 0 && missing.empty()) {
-        return false;
-    }
-    for (const UUID& id : debts.additions) {
-        if (missing.erase(id) > 0) {
-            texts.push_back(id.text());
+        if (id && !removed.contains(*id)) {
+            kept.add(text);
         }
     }
-    if (texts.size() > AlertCatalog::mostIdentifiers) {
-        texts.erase(texts.begin(), texts.end() - static_cast<std::ptrdiff_t>(AlertCatalog::mostIdentifiers));
-        record.fields[AlertCatalog::isTruncatedField] = std::int64_t{1};
-    }
-    return true;
+    return kept.take();
 }
 
 } // namespace
@@ -74,21 +50,46 @@ Async<AlertCatalog::Reading> AlertCatalog::tryToRead(ports::CloudDatabase& datab
     co_return reading;
 }
 
-std::optional<AlertCatalog::Contents> AlertCatalog::contentsOf(const ports::CloudRecord& record)
+CatalogMirror::List AlertCatalog::listOf(const ports::CloudRecord& record)
 {
-    const auto* const texts = ports::fieldOf<Texts>(record, alertIDsField);
-    if (texts == nullptr) {
-        return std::nullopt;
+    CatalogMirror::List list;
+    if (const auto* const texts = ports::fieldOf<TextList>(record, alertIDsField)) {
+        const auto* const flag = ports::fieldOf<std::int64_t>(record, isTruncatedField);
+        list.texts = *texts;
+        list.isThere = true;
+        list.isTruncated = flag != nullptr && *flag != 0;
     }
-    Contents contents;
-    contents.isTruncated = sentrel::isTruncated(record);
-    contents.ids.reserve(texts->size());
-    for (const std::string& text : *texts) {
-        if (const auto id = UUID::parse(text)) {
-            contents.ids.insert(*id);
+    return list;
+}
+
+/// Applies the debts to the record; false when it needs no change.
+bool AlertCatalog::merge(ports::CloudRecord& record, const CatalogDebts& debts)
+{
+    TextList texts = listOf(record).texts;
+    mirror_.follow(mirror_.finderOfStep(listOf(record))());
+    const auto isListed = [this](const UUID& id) { return mirror_.lists(id); };
+    bool isChanged = false;
+    if (!mirror_.isPlain() || std::ranges::any_of(debts.removals, isListed)) {
+        const TextList all = std::exchange(texts, without(debts.removals, texts));
+        isChanged = texts.size() < all.size();
+    }
+    std::unordered_set<UUID> added;
+    std::vector<std::string> additions;
+    for (const UUID& id : debts.additions) {
+        if (!isListed(id) && added.insert(id).second) {
+            additions.push_back(id.text());
         }
     }
-    return contents;
+    if (!isChanged && additions.empty()) {
+        return false;
+    }
+    texts = texts.with(additions);
+    if (texts.size() > mostIdentifiers) {
+        texts = texts.from(texts.size() - mostIdentifiers);
+        record.fields[isTruncatedField] = std::int64_t{1};
+    }
+    record.fields[alertIDsField] = std::move(texts);
+    return true;
 }
 
 Async<std::optional<ports::CloudError>> AlertCatalog::payDebts(std::optional<ports::CloudRecord> fresh)
@@ -99,8 +100,8 @@ Async<std::optional<ports::CloudError>> AlertCatalog::payDebts(std::optional<por
     const auto changes = cache_.watch();
     CatalogDebts paid;
     // Each attempt applies the current debts. One user's record must never be saved for another.
-    RecordMerge merging = [&paid, &cache = cache_, changes](ports::CloudRecord& record) {
-        paid = cache.debts();
+    RecordMerge merging = [this, &paid, changes](ports::CloudRecord& record) {
+        paid = cache_.debts();
         return !changes->isAnotherUser && merge(record, paid);
     };
     try {

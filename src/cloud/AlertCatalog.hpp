@@ -1,13 +1,12 @@
 #pragma once
 
-#include "cloud/AlertMetadataCache.hpp"
+#include "cloud/CatalogMirror.hpp"
 #include "ports/CloudError.hpp"
 #include "ports/CloudRecord.hpp"
 #include "runtime/Async.hpp"
 
 #include <cstddef>
 #include <optional>
-#include <unordered_set>
 
 namespace sentrel {
 
@@ -32,12 +31,10 @@ public:
     /// Capacity of the list, which keeps the newest: a record holds 1 MB, and an identifier takes at least 36 bytes.
     static constexpr std::size_t mostIdentifiers = 20'000;
 
-    struct Contents {
-        std::unordered_set<UUID> ids;
-        bool isTruncated = false;
-    };
-
-    AlertCatalog(ports::CloudDatabase& database, AlertMetadataCache& cache) : database_(database), cache_(cache) {}
+    AlertCatalog(ports::CloudDatabase& database, AlertMetadataCache& cache)
+        : database_(database), cache_(cache), mirror_(cache)
+    {
+    }
 
     /// The catalog's record, or a new, empty one when there is none. Throws the request's error.
     [[nodiscard]] static Async<ports::CloudRecord> read(ports::CloudDatabase& database);
@@ -49,16 +46,20 @@ public:
     };
     [[nodiscard]] static Async<Reading> tryToRead(ports::CloudDatabase& database);
 
-    /// The identifiers that the record lists; none without such a list, which proves nothing.
-    [[nodiscard]] static std::optional<Contents> contentsOf(const ports::CloudRecord& record);
+    [[nodiscard]] static CatalogMirror::List listOf(const ports::CloudRecord& record);
+
+    [[nodiscard]] CatalogMirror& mirror() { return mirror_; }
 
     /// Applies the owed changes to the catalog. A failure keeps them owed; throws only a `CancellationError`. `fresh`
     /// is the record as it has just been read. Returns the error if the server throttles.
     [[nodiscard]] Async<std::optional<ports::CloudError>> payDebts(std::optional<ports::CloudRecord> fresh);
 
 private:
+    bool merge(ports::CloudRecord& record, const CatalogDebts& debts);
+
     ports::CloudDatabase& database_;
     AlertMetadataCache& cache_;
+    CatalogMirror mirror_;
 };
 
 } // namespace sentrel

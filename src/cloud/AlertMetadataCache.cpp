@@ -8,6 +8,8 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdint>
+#include <string_view>
 #include <utility>
 
 namespace sentrel {
@@ -91,7 +93,7 @@ void AlertMetadataCache::setPhoto(const UUID& id, bool hasPhoto)
         return;
     }
     known->second.photoFileName = hasPhoto ? std::optional{id.text() + ".jpg"} : std::nullopt;
-    unsaved_.insert(id);
+    markChanged(id, &Changes::photos);
     persistSoon();
 }
 
@@ -173,12 +175,12 @@ Async<void> AlertMetadataCache::flush()
     co_await persisting;
 }
 
-void AlertMetadataCache::markChanged(const UUID& id)
+void AlertMetadataCache::markChanged(const UUID& id, std::unordered_set<UUID> Changes::* kind)
 {
     unsaved_.insert(id);
     for (const std::weak_ptr<Changes>& watch : watches_) {
         if (const auto changes = watch.lock()) {
-            changes->ids.insert(id);
+            ((*changes).*kind).insert(id);
         }
     }
 }
@@ -225,9 +227,10 @@ int AlertMetadataCache::write(ports::FileSystem& files, const std::filesystem::p
         encoder.put(alert);
     }
     try {
-        const std::string text = encoder.document(save.rest);
+        const std::string_view text = encoder.document(save.rest);
         files.createDirectories(directory, directoryMode);
-        return ports::writeDurably(files, directory / fileName, bytesOf(text), fileMode);
+        const BytesView content{reinterpret_cast<const std::uint8_t*>(text.data()), text.size()}; // may be megabytes
+        return ports::writeDurably(files, directory / fileName, content, fileMode);
     } catch (const JsonEncodingError&) {
         return EINVAL;
     }

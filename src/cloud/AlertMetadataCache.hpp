@@ -28,8 +28,9 @@ public:
 
     /// Changes to the cache since a call of `watch`.
     struct Changes {
-        std::unordered_set<UUID> ids; ///< alerts inserted or erased
-        bool isAnotherUser = false;   ///< the cache was emptied for another user
+        std::unordered_set<UUID> ids;    ///< alerts inserted or erased
+        std::unordered_set<UUID> photos; ///< alerts whose photo was found or missed
+        bool isAnotherUser = false;      ///< the cache was emptied for another user
     };
 
     /// Reads the file. A missing or damaged file reads as empty, and so does another owner's: no user may see a former
@@ -82,7 +83,7 @@ private:
     static int write(ports::FileSystem& files, const std::filesystem::path& directory, AlertCacheEncoder& encoder,
                      const Save& save);
     [[nodiscard]] Save takeSave();
-    void markChanged(const UUID& id);
+    void markChanged(const UUID& id, std::unordered_set<UUID> Changes::* kind = &Changes::ids);
     void persistSoon();
     Async<void> persist();
 

@@ -16,7 +16,7 @@ Async<std::optional<ports::CloudError>> AlertRefresh::run()
 {
     auto changes = cache_.watch();
     const auto record = co_await readCatalog();
-    if (!cache_.isComplete() || !listed_) {
+    if (!cache_.isComplete() || !hasList_) {
         co_await queryAll();
     }
     co_await fetch(unknownIDs());
@@ -39,17 +39,22 @@ Async<std::optional<ports::CloudError>> AlertRefresh::run()
     co_return throttling;
 }
 
-/// Reads the catalog and parses its list, maybe thousands, off the main thread.
+/// Reads the catalog. Its list, maybe of thousands, is read off the main thread.
 Async<std::shared_ptr<ports::CloudRecord>> AlertRefresh::readCatalog()
 {
     ports::CloudRecord record = co_await AlertCatalog::read(database_);
     const auto shared = std::make_shared<ports::CloudRecord>(std::move(record));
-    auto work = [shared] {
-        return std::make_shared<std::optional<AlertCatalog::Contents>>(AlertCatalog::contentsOf(*shared));
-    };
-    const auto reading = detached(scheduler_, QualityOfService::userInitiated, std::move(work));
-    const auto contents = co_await reading;
-    listed_ = std::move(*contents);
+    const CatalogMirror::List list = AlertCatalog::listOf(*shared);
+    hasList_ = list.isThere;
+    bool isFollowed = false;
+    while (!isFollowed) { // once more if an upload or another refresh was quicker
+        auto work = [find = catalog_.mirror().finderOfStep(list)] {
+            return std::make_shared<CatalogMirror::Step>(find());
+        };
+        const auto finding = detached(scheduler_, QualityOfService::userInitiated, std::move(work));
+        const auto step = co_await finding;
+        isFollowed = catalog_.mirror().follow(std::move(*step));
+    }
     co_return shared;
 }
 
@@ -70,19 +75,19 @@ Async<void> AlertRefresh::queryAll()
     hasQueried_ = true;
 }
 
-std::vector<UUID> AlertRefresh::unknownIDs() const
+/// The alerts to fetch one by one: listed, and neither cached nor found by the query.
+std::vector<UUID> AlertRefresh::unknownIDs()
 {
-    std::vector<UUID> ids;
-    if (!listed_) {
-        return ids;
+    if (!hasList_) {
+        return {};
     }
-    for (const UUID& id : listed_->ids) {
-        const bool isKnown = found_.contains(id) || (!hasQueried_ && cache_.alerts().contains(id));
-        const bool isHopeless = unusable_.contains(id) || unreadable_.contains(id);
-        if (!isKnown && !isHopeless && !cache_.debts().removals.contains(id)) {
-            ids.push_back(id);
-        }
-    }
+    CatalogMirror& mirror = catalog_.mirror();
+    std::vector<UUID> ids =
+        hasQueried_ ? std::vector<UUID>{mirror.ids().begin(), mirror.ids().end()} : mirror.uncached();
+    std::erase_if(ids, [this](const UUID& id) {
+        return found_.contains(id) || unusable_.contains(id) || unreadable_.contains(id) ||
+               cache_.debts().removals.contains(id);
+    });
     return ids;
 }
 
@@ -140,21 +145,24 @@ void AlertRefresh::apply(const std::unordered_set<UUID>& newer)
     if (!found_.empty()) {
         cache_.insert(std::move(found_));
     }
+    catalog_.mirror().noteReconciled();
 }
 
 void AlertRefresh::dropDeleted(const std::unordered_set<UUID>& newer)
 {
-    if (!hasQueried_ && listed_->isTruncated) {
+    CatalogMirror& mirror = catalog_.mirror();
+    if (!hasQueried_ && (mirror.list().isTruncated || !mirror.list().isThere)) {
         return;
     }
+    std::vector<UUID> suspects = mirror.unlisted();
+    suspects.insert(suspects.end(), gone_.begin(), gone_.end());
     const std::vector<UUID>& additions = cache_.debts().additions;
     const std::unordered_set<UUID> owed{additions.begin(), additions.end()};
     std::unordered_set<UUID> deleted;
-    for (const auto& [id, alert] : cache_.alerts()) {
-        const bool isListed = listed_ && listed_->ids.contains(id) && !gone_.contains(id);
+    for (const UUID& id : suspects) {
         // This Mac has saved the owed alerts, and a query may not show recent saves yet.
-        const bool exists = isListed || owed.contains(id) || found_.contains(id) || unreadable_.contains(id);
-        if (!exists && !newer.contains(id)) {
+        const bool exists = owed.contains(id) || found_.contains(id) || unreadable_.contains(id);
+        if (!exists && !newer.contains(id) && cache_.alerts().contains(id)) {
             deleted.insert(id);
         }
     }
@@ -165,10 +173,11 @@ void AlertRefresh::dropDeleted(const std::unordered_set<UUID>& newer)
 
 void AlertRefresh::oweUnlisted()
 {
-    if (listed_ && listed_->isTruncated) {
+    const CatalogMirror& mirror = catalog_.mirror();
+    if (mirror.list().isTruncated) {
         return; // unlisted ones were dropped as too old
     }
-    const auto isUnlisted = [&](const UUID& id) { return !listed_ || !listed_->ids.contains(id); };
+    const auto isUnlisted = [&](const UUID& id) { return !mirror.lists(id); };
     std::vector<std::pair<Date, UUID>> unlisted;
     for (const auto& [id, alert] : found_) {
         if (isUnlisted(id)) {

@@ -35,7 +35,7 @@ private:
     [[nodiscard]] Async<std::shared_ptr<ports::CloudRecord>> readCatalog();
     [[nodiscard]] Async<void> queryAll();
     [[nodiscard]] Async<void> fetch(std::vector<UUID> ids);
-    [[nodiscard]] std::vector<UUID> unknownIDs() const;
+    [[nodiscard]] std::vector<UUID> unknownIDs();
     void note(const std::string& name, const ports::CloudRecordResult& result);
     void apply(const std::unordered_set<UUID>& newer);
     void dropDeleted(const std::unordered_set<UUID>& newer);
@@ -47,7 +47,7 @@ private:
     AlertMetadataCache& cache_;
     std::unordered_set<UUID>& unusable_;
 
-    std::optional<AlertCatalog::Contents> listed_;
+    bool hasList_ = false; ///< the catalog that was read had a list
     bool hasQueried_ = false;
     AlertMap found_;
     std::unordered_set<UUID> unreadable_; ///< exist, but the server couldn't return them this time

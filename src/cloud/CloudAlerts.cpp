@@ -70,6 +70,12 @@ std::vector<AlertEvent> CloudAlerts::cached() const
     return alerts;
 }
 
+const AlertEvent* CloudAlerts::cached(const UUID& id) const
+{
+    const auto found = cache_.alerts().find(id);
+    return found == cache_.alerts().end() ? nullptr : &found->second;
+}
+
 Async<CloudAlerts::Throttling> CloudAlerts::upload(AlertEvent alert, std::optional<Bytes> photo)
 {
     const auto changes = cache_.watch();

@@ -51,6 +51,12 @@ public:
     [[nodiscard]] std::vector<AlertEvent> cached() const;
     [[nodiscard]] bool holds(const UUID& id) const { return cache_.alerts().contains(id); }
 
+    /// The cached alert; null when there is none. Valid until the next change of the cache.
+    [[nodiscard]] const AlertEvent* cached(const UUID& id) const;
+
+    /// As the cache's.
+    [[nodiscard]] std::shared_ptr<const AlertMetadataCache::Changes> watch() { return cache_.watch(); }
+
     /// Returns once the cache is on the disk, or can't be written.
     [[nodiscard]] Async<void> flush() { return cache_.flush(); }
 

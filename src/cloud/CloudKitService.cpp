@@ -42,13 +42,12 @@ bool isOfNetwork(const std::exception_ptr& error)
 /// Adds the text to the record's list; false when already listed.
 bool addToList(ports::CloudRecord& record, const std::string& field, const std::string& text)
 {
-    const auto* const listed = ports::fieldOf<std::vector<std::string>>(record, field);
-    auto texts = listed != nullptr ? *listed : std::vector<std::string>{};
-    if (std::ranges::find(texts, text) != texts.end()) {
+    const auto* const listed = ports::fieldOf<TextList>(record, field);
+    const TextList texts = listed != nullptr ? *listed : TextList{};
+    if (std::find(texts.begin(), texts.end(), text) != texts.end()) {
         return false;
     }
-    texts.push_back(text);
-    record.fields[field] = std::move(texts);
+    record.fields[field] = texts.with({text});
     return true;
 }
 

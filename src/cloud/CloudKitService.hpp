@@ -119,6 +119,12 @@ public:
     /// The known alerts in the cloud, in no particular order.
     [[nodiscard]] std::vector<AlertEvent> cachedAlerts() const;
 
+    /// One of them; null when it isn't known. Valid until the next change.
+    [[nodiscard]] const AlertEvent* cachedAlert(const UUID& id) const { return alerts_.cached(id); }
+
+    /// Collects the changes to them from now on, as long as the handle lives.
+    [[nodiscard]] std::shared_ptr<const AlertMetadataCache::Changes> watchCachedAlerts() { return alerts_.watch(); }
+
     /// Updates the known alerts from the database, at a cost that grows with the changes only. Throws a failed
     /// request's error, with nothing changed. Calls may overlap: none undoes the results of another, or an upload or
     /// deletion meanwhile.

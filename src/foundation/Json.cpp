@@ -118,7 +118,7 @@ std::optional<Json> parseJson(BytesView bytes)
     return parseScanned(withNulls(text, scan.oversizedNumbers));
 }
 
-void appendJsonText(std::string& document, const std::string& text)
+void appendJsonText(std::string& document, std::string_view text)
 {
     if (std::ranges::all_of(text, isPlain)) {
         // Fast path for nearly every text: the library's writer would make a serializer each time.

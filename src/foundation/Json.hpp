@@ -34,7 +34,7 @@ inline constexpr std::size_t mostJsonLevels = 512;
 [[nodiscard]] std::string encodeJson(const Json& value);
 
 /// Appends a text as `encodeJson` writes it. For lists too long to be held as values.
-void appendJsonText(std::string& document, const std::string& text);
+void appendJsonText(std::string& document, std::string_view text);
 
 /// A member of an object; null when the value isn't an object or has no such member.
 [[nodiscard]] const Json* member(const Json& object, std::string_view key);

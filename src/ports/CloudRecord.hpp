@@ -2,6 +2,7 @@
 
 #include "foundation/Bytes.hpp"
 #include "foundation/Date.hpp"
+#include "foundation/TextList.hpp"
 
 #include <cstdint>
 #include <filesystem>
@@ -10,7 +11,6 @@
 #include <optional>
 #include <string>
 #include <variant>
-#include <vector>
 
 namespace sentrel::ports {
 
@@ -23,7 +23,7 @@ struct CloudAsset {
 };
 
 /// The value of a field. The database stores Booleans as the integers 0 and 1.
-using CloudValue = std::variant<std::string, std::int64_t, double, Date, std::vector<std::string>, CloudAsset>;
+using CloudValue = std::variant<std::string, std::int64_t, double, Date, TextList, CloudAsset>;
 
 /// A record of the private database's default zone, or the requested fields of one.
 struct CloudRecord {

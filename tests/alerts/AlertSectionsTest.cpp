@@ -170,7 +170,7 @@ TEST(AlertMerge, ListsAreMergedNewestFirstAndTheCloudsCopyWins)
     std::vector<AlertRow> inserted;
     for (const AlertRow& row :
          {merged.rows[3], merged.rows[5], merged.rows[0], merged.rows[2], merged.rows[4], merged.rows[1]}) {
-        insertInOrder(inserted, row);
+        insertInOrder(inserted, std::vector{row});
     }
     EXPECT_EQ(inserted, merged.rows);
 }

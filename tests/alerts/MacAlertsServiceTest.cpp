@@ -1,8 +1,11 @@
 #include "alerts/MacAlertsService.hpp"
 
+#include "alerts/AlertMerge.hpp"
 #include "alerts/AlertsMac.hpp"
 
 #include <gmock/gmock.h>
+
+#include <random>
 
 namespace sentrel::test {
 namespace {
@@ -97,6 +100,48 @@ TEST_F(MacAlertsServiceTest, TheNoticeSaysWhereAlertsAreKept)
         EXPECT_EQ(service->infoMessage.get(), hasRows || each.isFull ? each.notice : std::nullopt) << (&each - cases);
         mac.cloud->isAvailable = true;
         mac.cloud->isReachable = true;
+    }
+}
+
+/// Each refresh looks only at some of the alerts; the merge of all is the measure.
+TEST_F(MacAlertsServiceTest, AListKeptUpToDateIsTheListMadeOfAllAlerts)
+{
+    CloudMac other{world, "other", 2};
+    other.await(other.cloud->refreshAvailability(true));
+    other.await(other.cloud->verifyCacheOwner());
+    std::mt19937 random{11};
+    std::unordered_set<UUID> deleted;
+    for (int turn = 0; turn < 400; ++turn) {
+        const int number = static_cast<int>(random() % 12);
+        switch (random() % 8) {
+        case 0:
+        case 1:
+            save(number, turn % 2 == 0);
+            break;
+        case 2:
+            other.await(other.cloud->uploadAlert(alert(number), std::nullopt));
+            break;
+        case 3:
+            other.await(other.cloud->deleteAlerts(ids({number})));
+            break;
+        case 4:
+            deleted.insert(alert(number).id);
+            service->deleteAlerts(ids({number}));
+            break;
+        case 5:
+            mac.icloud.network.setUp(turn % 4 != 0);
+            break;
+        case 6:
+            static_cast<void>(mac.await(service->photo(alert(number).id)));
+            break;
+        default:
+            catchUp();
+        }
+        refresh();
+        std::vector<AlertEvent> inCloud =
+            mac.cloud->isAvailable ? mac.cloud->cachedAlerts() : std::vector<AlertEvent>{};
+        std::erase_if(inCloud, [&](const AlertEvent& each) { return deleted.contains(each.id); });
+        ASSERT_TRUE(*service->alerts.get() == mergedAlerts(inCloud, store->alerts()).rows) << turn << ": " << rows();
     }
 }
 

@@ -1,4 +1,5 @@
 #include "cloud/AlertRecord.hpp"
+#include "cloud/CatalogMirror.hpp"
 #include "cloud/CloudErrors.hpp"
 #include "cloud/CloudMac.hpp"
 #include "simulation/icloud/CloudErrorNames.hpp"
@@ -60,7 +61,8 @@ protected:
     std::vector<std::string> catalog()
     {
         const auto record = mac.await(mac.icloud.database.record("alert-catalog"));
-        return std::get<std::vector<std::string>>(record.fields.at("alertIDs"));
+        const auto& texts = std::get<TextList>(record.fields.at("alertIDs"));
+        return {texts.begin(), texts.end()};
     }
     /// Writes past the service, as another device would that knows nothing of the catalog.
     void put(std::vector<CloudRecord> records)
@@ -190,7 +192,8 @@ TEST_F(CloudAlertsTest, ARefreshAsksForWhatIsNewAndNotForThousandsOfOldAlerts)
     CloudRecord list = mac.await(mac.icloud.database.record("alert-catalog"));
     for (int number = 10'000; number < 10'010; ++number) {
         records.push_back(record(number));
-        std::get<std::vector<std::string>>(list.fields.at("alertIDs")).push_back(records.back().name);
+        auto& texts = std::get<TextList>(list.fields.at("alertIDs"));
+        texts = texts.with({records.back().name});
     }
     records.push_back(list);
     put(std::move(records));
@@ -375,6 +378,65 @@ TEST_F(CloudAlertsTest, AFullCatalogDropsItsOldestAndNoLongerTellsOfDeletions)
     list.fields["alertIDs"] = std::vector<std::string>{alertNumber(2).id.text()};
     put({list});
     EXPECT_EQ(refreshed(mac), (std::set{1, 2})) << "the first fell off because it is old";
+}
+
+class CatalogMirrorTest : public testing::Test {
+protected:
+    static CatalogMirror::List listOf(int first, int last)
+    {
+        std::vector<std::string> texts;
+        for (int number = first; number <= last; ++number) {
+            texts.push_back(alertNumber(number).id.text());
+        }
+        return {texts, true, false};
+    }
+    CatalogMirror::Step stepTo(CatalogMirror::List list) { return mirror.finderOfStep(std::move(list))(); }
+
+    CloudWorld world;
+    CloudMac mac{world, "MacBook"};
+    AlertMetadataCache cache{MainActor{mac.process}, mac.files, world.log, mac.disk / "cache", std::nullopt};
+    CatalogMirror mirror{cache};
+};
+
+TEST_F(CatalogMirrorTest, OneMoreAlertAmongThousandsIsOneToLookAt)
+{
+    AlertMap alerts;
+    for (int number = 1; number <= 10'000; ++number) {
+        alerts.emplace(alertNumber(number).id, alertNumber(number));
+    }
+    cache.insert(std::move(alerts));
+    EXPECT_TRUE(mirror.follow(stepTo(listOf(1, 10'000))));
+    EXPECT_THAT(mirror.uncached(), IsEmpty());
+    EXPECT_THAT(mirror.unlisted(), IsEmpty());
+    mirror.noteReconciled();
+
+    const CatalogMirror::Step step = stepTo(listOf(1, 10'001));
+    EXPECT_FALSE(step.all) << "the others are not read again";
+    EXPECT_THAT(step.added, ElementsAre(alertNumber(10'001).id));
+    EXPECT_THAT(step.gone, IsEmpty());
+    EXPECT_TRUE(mirror.follow(step));
+    EXPECT_THAT(mirror.uncached(), ElementsAre(alertNumber(10'001).id));
+    EXPECT_FALSE(mirror.follow(step)) << "the mirror has moved on";
+
+    EXPECT_TRUE(mirror.follow(stepTo(listOf(1, 9'999))));
+    EXPECT_THAT(mirror.unlisted(), ElementsAre(alertNumber(10'000).id)) << "another device has deleted it";
+    cache.erase({alertNumber(10'000).id, alertNumber(1).id});
+    EXPECT_THAT(mirror.unlisted(), IsEmpty());
+    EXPECT_THAT(mirror.uncached(), ElementsAre(alertNumber(1).id));
+}
+
+TEST_F(CatalogMirrorTest, AListWithOtherTextsOrRepetitionsIsReadWhole)
+{
+    const std::string text = alertNumber(1).id.text();
+    for (const std::string& odd : {std::string{"nonsense"}, text}) {
+        const TextList texts{text, alertNumber(2).id.text(), alertNumber(3).id.text()};
+        EXPECT_TRUE(mirror.follow(stepTo({texts, true, false})));
+        EXPECT_TRUE(mirror.isPlain());
+        EXPECT_TRUE(mirror.follow(stepTo({texts.with({odd}), true, false})));
+        EXPECT_FALSE(mirror.isPlain());
+        EXPECT_TRUE(mirror.follow(stepTo({texts, true, false})));
+        EXPECT_TRUE(mirror.lists(alertNumber(1).id)) << "one repetition has gone, the identifier has not";
+    }
 }
 
 } // namespace

@@ -181,7 +181,7 @@ TEST_F(CloudKitServiceTest, TwoMacsListThemselvesInOneCatalogAndTakeTheirOwnComm
     world.clock.advance(5s);
     ASSERT_TRUE(one.isFinished() && two.isFinished());
     const auto catalog = mac.await(mac.icloud.database.record(deviceCatalogRecordName));
-    EXPECT_THAT(std::get<std::vector<std::string>>(catalog.fields.at(deviceIDsField)),
+    EXPECT_THAT(std::get<TextList>(catalog.fields.at(deviceIDsField)),
                 testing::UnorderedElementsAre("first", "second"));
     EXPECT_EQ(mac.requestsOf(mac.cloud->publishPresence(first)), 1U) << "it is known to be listed";
 

@@ -3,7 +3,9 @@
 #include "cloud/DeviceCatalog.hpp"
 #include "cloud/RecordText.hpp"
 #include "foundation/Json.hpp"
+#include "foundation/TextList.hpp"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
@@ -17,6 +19,8 @@ namespace {
 using ports::CloudAsset;
 using ports::CloudRecord;
 using ports::CloudValue;
+using testing::ElementsAre;
+using testing::IsEmpty;
 
 constexpr double infinity = std::numeric_limits<double>::infinity();
 constexpr const char* name = "5A5A0000-0000-4000-8000-0000000000AF";
@@ -144,6 +148,39 @@ TEST(AlertCacheFile, IsReadWholeOrNotAtAll)
                 EXPECT_FALSE(decodeAlertCache(bytesOf(encodeJson(mangled)))) << encodeJson(mangled);
             }
         }
+    }
+}
+
+TEST(TextList, ListsGrowAndShrinkWithoutChangingTheirCopies)
+{
+    const TextList two{"a", ""};
+    const TextList four = two.with({"bc", "d"});
+    EXPECT_THAT(two, ElementsAre("a", ""));
+    EXPECT_THAT(four, ElementsAre("a", "", "bc", "d"));
+    EXPECT_THAT(four.from(1), ElementsAre("", "bc", "d"));
+    EXPECT_THAT(four.from(4), IsEmpty());
+    EXPECT_EQ(four.from(2).with({}), (TextList{"bc", "d"}));
+    EXPECT_NE(four, two);
+    EXPECT_EQ(TextList{}.with({}), TextList(std::vector<std::string>{}));
+}
+
+TEST(TextList, TheCommonBeginningConsistsOfWholeTexts)
+{
+    struct Case {
+        TextList left;
+        TextList right;
+        std::size_t common;
+    };
+    for (const auto& [left, right, common] : {Case{{}, {"a"}, 0},
+                                              {{"a", "b"}, {"a", "b", "c"}, 2},
+                                              {{"ab", "cd"}, {"ab", "ce"}, 1},
+                                              {{"ab", "cd"}, {"xb", "cd"}, 0},
+                                              {{"ab", "c"}, {"a", "bc"}, 0},
+                                              {{"", "", "a"}, {"", "", "b"}, 2},
+                                              {{"a", "b"}, {"a", "bb"}, 1}}) {
+        EXPECT_EQ(left.commonWith(right), common) << left.joined() << ' ' << right.joined();
+        EXPECT_EQ(right.commonWith(left), common);
+        EXPECT_EQ(left.commonWith(left), left.size());
     }
 }
 

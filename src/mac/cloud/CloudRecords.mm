@@ -46,7 +46,14 @@ struct MakeObject {
     id operator()(std::int64_t number) const { return @(number); }
     id operator()(double number) const { return @(number); }
     id operator()(Date date) const { return dateObject(date); }
-    id operator()(const std::vector<std::string>& texts) const { return stringObjects(texts); }
+    id operator()(const TextList& texts) const
+    {
+        NSMutableArray<NSString*>* const objects = [NSMutableArray arrayWithCapacity:texts.size()];
+        for (const std::string_view text : texts) {
+            [objects addObject:stringObject(std::string{text})];
+        }
+        return objects;
+    }
     id operator()(const ports::CloudAsset& asset) const
     {
         return [[CKAsset alloc] initWithFileURL:fileURL(asset.file)];
@@ -78,14 +85,14 @@ CloudValue numberOf(NSNumber* number)
 
 std::optional<CloudValue> textsOf(NSArray* array)
 {
-    std::vector<std::string> texts;
+    TextListWriter texts;
     for (const id element in array) {
         if (as<NSString>(element) == nil) {
             return std::nullopt;
         }
-        texts.push_back(textOf(element));
+        texts.add(textOf(element));
     }
-    return texts;
+    return texts.take();
 }
 
 /// Keeps the asset, whose end may delete its file.

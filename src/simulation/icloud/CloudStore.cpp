@@ -16,14 +16,16 @@ constexpr std::int64_t layout = 1;
 
 constexpr std::int64_t listKind = 4;
 constexpr std::int64_t assetKind = 5;
-static_assert(std::is_same_v<std::variant_alternative_t<listKind, ServerValue>, std::vector<std::string>>);
+static_assert(std::is_same_v<std::variant_alternative_t<listKind, ServerValue>, TextList>);
 static_assert(std::is_same_v<std::variant_alternative_t<assetKind, ServerValue>, Bytes>);
 
 /// A JSON array, written text by text: a catalog holds thousands.
-std::string encodeTexts(const std::vector<std::string>& texts)
+std::string encodeTexts(const TextList& texts)
 {
+    constexpr std::size_t delimiters = 3; // quotation marks and a comma
     std::string encoded = "[";
-    for (const std::string& text : texts) {
+    encoded.reserve(texts.joined().size() + delimiters * texts.size() + 2);
+    for (const std::string_view text : texts) {
         if (encoded.size() > 1) {
             encoded += ',';
         }
@@ -37,7 +39,7 @@ SqliteValue columnValue(const ServerValue& value)
     if (const auto* const date = std::get_if<Date>(&value)) {
         return date->secondsSinceReferenceDate;
     }
-    if (const auto* const texts = std::get_if<std::vector<std::string>>(&value)) {
+    if (const auto* const texts = std::get_if<TextList>(&value)) {
         return encodeTexts(*texts);
     }
     if (const auto* const text = std::get_if<std::string>(&value)) {
@@ -53,33 +55,34 @@ SqliteValue columnValue(const ServerValue& value)
 }
 
 /// The texts of an encoded list without escapes, in which quotation marks only delimit texts.
-std::vector<std::string> plainTextsOf(std::string_view encoded)
+TextList plainTextsOf(std::string_view encoded)
 {
-    std::vector<std::string> texts;
+    TextListWriter texts;
+    texts.reserve(0, encoded.size());
     for (std::size_t open = encoded.find('"'); open != std::string_view::npos;) {
         const std::size_t close = encoded.find('"', open + 1);
         if (close == std::string_view::npos) {
             break; // not written by this server
         }
-        texts.emplace_back(encoded.substr(open + 1, close - open - 1));
+        texts.add(encoded.substr(open + 1, close - open - 1));
         open = encoded.find('"', close + 1);
     }
-    return texts;
+    return texts.take();
 }
 
-std::vector<std::string> textsOf(const Bytes& encoded)
+TextList textsOf(const Bytes& encoded)
 {
     if (textOf(encoded).find('\\') == std::string_view::npos) {
         return plainTextsOf(textOf(encoded)); // fast, for a catalog's thousands of identifiers
     }
-    std::vector<std::string> texts;
+    TextListWriter texts;
     const auto list = parseJson(encoded);
     for (const Json& text : list.value_or(Json::array())) {
         if (text.is_string()) {
-            texts.push_back(text.get<std::string>());
+            texts.add(text.get_ref<const std::string&>());
         }
     }
-    return texts;
+    return texts.take();
 }
 
 /// Whether the value counts as 8 bytes, whatever it is.

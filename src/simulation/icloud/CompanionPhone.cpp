@@ -149,7 +149,9 @@ std::vector<CompanionPhone::Mac> CompanionPhone::macs()
         return {};
     }
     std::vector<Mac> macs;
-    for (const std::string& deviceID : valueOr<std::vector<std::string>>(*catalog, "deviceIDs", {})) {
+    const auto deviceIDs = valueOr<TextList>(*catalog, "deviceIDs", {});
+    for (const std::string_view listed : deviceIDs) {
+        const std::string deviceID{listed};
         // Skips invalid entries and Macs that have never published a record.
         const auto record = isRecordName(macRecordName(deviceID)) ? read(macRecordName(deviceID)) : std::nullopt;
         const auto* const lastSeen = record ? fieldOf<Date>(*record, "lastSeen") : nullptr;

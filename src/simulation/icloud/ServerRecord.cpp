@@ -41,6 +41,15 @@ bool isIdentifier(const std::string& name)
     return !name.empty() && name.size() <= longestName && isLetter(name.front()) && std::ranges::all_of(name, isPart);
 }
 
+bool isAscii(std::string_view text)
+{
+    unsigned char anyOf = 0; // without an early end, so that compilers take many characters at a time
+    for (const char character : text) {
+        anyOf |= static_cast<unsigned char>(character);
+    }
+    return anyOf < 0x80;
+}
+
 std::uint64_t sizeOf(const ServerValue& value)
 {
     if (const auto* const text = std::get_if<std::string>(&value)) {
@@ -49,12 +58,8 @@ std::uint64_t sizeOf(const ServerValue& value)
     if (const auto* const bytes = std::get_if<Bytes>(&value)) {
         return bytes->size();
     }
-    if (const auto* const texts = std::get_if<std::vector<std::string>>(&value)) {
-        std::uint64_t size = 0;
-        for (const std::string& text : *texts) {
-            size += text.size();
-        }
-        return size;
+    if (const auto* const texts = std::get_if<TextList>(&value)) {
+        return texts->joined().size();
     }
     return bytesOfNumber;
 }
@@ -70,8 +75,9 @@ bool isStorable(const ServerValue& value)
     if (const auto* const date = std::get_if<Date>(&value)) {
         return std::isfinite(date->secondsSinceReferenceDate);
     }
-    const auto* const texts = std::get_if<std::vector<std::string>>(&value);
-    return texts == nullptr || std::ranges::all_of(*texts, isUtf8);
+    const auto* const texts = std::get_if<TextList>(&value);
+    // All at once first, for a catalog's thousands of identifiers.
+    return texts == nullptr || isAscii(texts->joined()) || std::all_of(texts->begin(), texts->end(), isUtf8);
 }
 
 } // namespace
@@ -98,11 +104,10 @@ bool isRecordName(const std::string& name)
     return !name.empty() && name.size() <= longestName && name.front() != '_' && std::ranges::all_of(name, isPlain);
 }
 
-bool isUtf8(const std::string& text)
+bool isUtf8(std::string_view text)
 {
-    const auto isAscii = [](char character) { return static_cast<unsigned char>(character) < 0x80; };
-    if (std::ranges::all_of(text, isAscii)) {
-        return true; // fast, for a catalog's thousands of identifiers
+    if (isAscii(text)) {
+        return true;
     }
     try {
         // The strict writer throws for invalid UTF-8.

@@ -2,6 +2,7 @@
 
 #include "foundation/Bytes.hpp"
 #include "foundation/Date.hpp"
+#include "foundation/TextList.hpp"
 #include "ports/CloudDatabase.hpp"
 #include "ports/CloudError.hpp"
 
@@ -10,13 +11,14 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <variant>
 #include <vector>
 
 namespace sentrel::simulation {
 
 /// A field's value at the server; for an asset, its content.
-using ServerValue = std::variant<std::string, std::int64_t, double, Date, std::vector<std::string>, Bytes>;
+using ServerValue = std::variant<std::string, std::int64_t, double, Date, TextList, Bytes>;
 
 /// A record as the server stores it, or as a device sends it.
 struct ServerRecord {
@@ -62,6 +64,6 @@ struct ServerModification {
 /// True for 1 to 255 printable ASCII characters without a leading underscore.
 [[nodiscard]] bool isRecordName(const std::string& name);
 
-[[nodiscard]] bool isUtf8(const std::string& text);
+[[nodiscard]] bool isUtf8(std::string_view text);
 
 } // namespace sentrel::simulation

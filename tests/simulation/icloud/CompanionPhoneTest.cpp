@@ -85,7 +85,7 @@ TEST_F(CompanionPhoneTest, ANotificationIsShownForWhatAsksForOne)
 TEST_F(CompanionPhoneTest, ItSeesTheMacsOfTheCatalog)
 {
     EXPECT_THAT(phone.macs(), IsEmpty());
-    save("MacDeviceCatalog", "mac-device-catalog", {{"deviceIDs", std::vector{"B"s, "gone"s, "\xC3\xA4"s, "A"s}}});
+    save("MacDeviceCatalog", "mac-device-catalog", {{"deviceIDs", TextList{"B", "gone", "\xC3\xA4", "A"}}});
     save("MacDeviceCatalog", "mac-device-catalog-A",
          {{"deviceName", "Desk"s},
           {"lastSeen", Date{5.0}},

@@ -7,6 +7,8 @@
 #include <gtest/gtest.h>
 
 #include <fstream>
+#include <set>
+#include <string_view>
 #include <thread>
 
 namespace sentrel::simulation {
@@ -188,12 +190,11 @@ private:
                 auto found = co_await cloud_.database.records(std::move(wanted), std::nullopt);
                 auto* const known = std::get_if<CloudRecord>(&found.at("catalog"));
                 CloudRecord catalog = known == nullptr ? CloudScene::thing("catalog") : *known;
-                const auto* const names = ports::fieldOf<std::vector<std::string>>(catalog, "names");
-                std::vector<std::string> longer = names == nullptr ? std::vector<std::string>{} : *names;
-                isListed = std::ranges::find(longer, name) != longer.end();
+                const auto* const names = ports::fieldOf<TextList>(catalog, "names");
+                const TextList listed = names == nullptr ? TextList{} : *names;
+                isListed = std::find(listed.begin(), listed.end(), name) != listed.end();
                 if (!isListed) {
-                    longer.push_back(name);
-                    catalog.fields["names"] = longer;
+                    catalog.fields["names"] = listed.with({name});
                     co_await cloud_.database.save(std::move(catalog));
                 }
             } catch (const ports::CloudError&) {
@@ -235,10 +236,9 @@ TEST_F(PrivateCloudTest, TwoMacsAndAPhoneAtOnceLoseAndDoubleNothing)
 
     EXPECT_EQ(server.count("owner", "Thing"), 2U * BusyMac::things + 1);
     auto found = server.fetch({"owner", "test"}, {"catalog", "mac-device-catalog-first"}, std::nullopt);
-    auto names = *fieldOf<std::vector<std::string>>(std::get<ServerRecord>(found.at("catalog")), "names");
+    const auto names = *fieldOf<TextList>(std::get<ServerRecord>(found.at("catalog")), "names");
     EXPECT_EQ(names.size(), 2U * BusyMac::things);
-    std::ranges::sort(names);
-    EXPECT_EQ(std::ranges::adjacent_find(names), names.end());
+    EXPECT_EQ((std::set<std::string_view>{names.begin(), names.end()}.size()), names.size());
     EXPECT_EQ(phone.send("first", {}), commands + 1);
 }
 
