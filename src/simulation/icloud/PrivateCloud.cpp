@@ -140,7 +140,7 @@ CloudStore& PrivateCloud::storeOf(const std::string& user)
 std::unique_ptr<CloudStore> PrivateCloud::openOrReplace(const std::string& user)
 {
     if (folder_.empty()) {
-        return std::make_unique<CloudStore>(":memory:", nowLocked());
+        return std::make_unique<CloudStore>(":memory:", now());
     }
     // If this fails, opening the file fails and tells why.
     std::error_code ignored;

@@ -86,7 +86,8 @@ Json alertRowsOf(SentrelApp& app)
 {
     Json rows = Json::array();
     for (const AlertRow& row : *app.alertsService().alerts.get()) {
-        rows.push_back({{"reason", rawValue(row.alert.reason)}, {"storage", wordFor(storageWords, row.storageLocation)}});
+        rows.push_back(
+            {{"reason", rawValue(row.alert.reason)}, {"storage", wordFor(storageWords, row.storageLocation)}});
     }
     return rows;
 }

@@ -334,12 +334,10 @@ ui::View everyView()
         views.push_back(view(Button{"Button", {}, Button::Role::standard, key, Image{}}));
     }
     const auto picture = std::make_shared<const Bytes>(Bytes{1, 2, 3});
-    for (const auto source : {Image::Source::asset, Image::Source::systemSymbol, Image::Source::memory}) {
+    for (const auto source : {Image::Source::systemSymbol, Image::Source::memory}) {
         views.push_back(view(Image{source, "name", picture}));
     }
-    for (const auto style : {Toggle::Style::checkbox, Toggle::Style::onOffSwitch}) {
-        views.push_back(view(Toggle{"Toggle", {}, style}));
-    }
+    views.push_back(view(Toggle{"Toggle", {}}));
     for (const auto mode : {List::Selection::none, List::Selection::single, List::Selection::multiple}) {
         views.push_back(view(List{mode, {}}));
     }
@@ -347,7 +345,6 @@ ui::View everyView()
         views.push_back(verticalStack({}, 8.0, alignment));
     }
     views.push_back(horizontalStack({}));
-    views.push_back(view(Stack{Stack::Axis::depth}));
     return verticalStack(std::move(views))
         .accessibilityLabel("Label")
         .help("Help")
