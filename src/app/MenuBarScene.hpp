@@ -2,6 +2,7 @@
 
 #include "ports/StatusBar.hpp"
 #include "runtime/OncePerTurn.hpp"
+#include "runtime/RepeatingTimer.hpp"
 #include "ui/View.hpp"
 
 #include <functional>
@@ -35,11 +36,14 @@ public:
 
 private:
     void draw();
+    void drawInsistently();
 
+    MainActor actor_;
     ports::StatusBar& statusBar_;
     Content content_;
     std::unique_ptr<ports::StatusItem> item_;
     OncePerTurn redraw_;
+    std::unique_ptr<RepeatingTimer> retry_; ///< while the menu bar shows something old, or nothing
 };
 
 } // namespace sentrel

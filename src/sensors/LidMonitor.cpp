@@ -1,6 +1,7 @@
 #include "sensors/LidMonitor.hpp"
 
 #include "foundation/Fatal.hpp"
+#include "foundation/Quietly.hpp"
 #include "ports/SystemConstants.hpp"
 #include "ports/WindowConstants.hpp"
 #include "runtime/AssertOnMainActor.hpp"
@@ -41,10 +42,11 @@ void LidMonitor::start()
     assertOnMainActor(mainActor_);
     stop();
     const auto check = weakCall(mainActor_, anchor_.weak(), &LidMonitor::check);
-    wasLidOpen_ = !isLidClosed();
-    observer_ = workspace_.observe(ports::screensDidSleep, check);
+    // First, so that it watches even if a call below raises.
     Scheduler& scheduler = mainActor_.scheduler();
     timer_ = std::make_unique<RepeatingTimer>(scheduler, scheduler.mainExecutor(), lidPollingInterval, check);
+    wasLidOpen_ = !quietly([this] { return isLidClosed(); });
+    observer_ = workspace_.observe(ports::screensDidSleep, check);
 }
 
 void LidMonitor::stop()

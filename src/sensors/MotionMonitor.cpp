@@ -1,5 +1,6 @@
 #include "sensors/MotionMonitor.hpp"
 
+#include "foundation/Quietly.hpp"
 #include "ports/SystemConstants.hpp"
 #include "runtime/AssertOnMainActor.hpp"
 #include "runtime/WeakCall.hpp"
@@ -43,12 +44,13 @@ void MotionMonitor::start(double sensitivity)
     assertOnMainActor(mainActor_);
     stop();
     detector_ = MotionDetector{MotionDetector::thresholdFor(sensitivity)};
-    if (!refreshAvailability()) {
+    if (!quietly([this] { return refreshAvailability(); })) {
+        isAccelerometerAvailable_ = false;
         return;
     }
     auto onSample = weakCall(mainActor_, anchor_.weak(), &MotionMonitor::process);
     auto handler = std::make_unique<AccelerometerEventHandler>(mainActor_.scheduler(), events_, std::move(onSample));
-    if (!handler->start(appleVendorPage, accelerometerUsage, reportInterval)) {
+    if (!quietly([&] { return handler->start(appleVendorPage, accelerometerUsage, reportInterval); })) {
         isAccelerometerAvailable_ = false;
         return;
     }

@@ -1,5 +1,6 @@
 #include "sensors/PowerMonitor.hpp"
 
+#include "foundation/Quietly.hpp"
 #include "ports/SystemConstants.hpp"
 #include "runtime/AssertOnMainActor.hpp"
 #include "runtime/WeakCall.hpp"
@@ -27,12 +28,13 @@ void PowerMonitor::start()
     assertOnMainActor(mainActor_);
     stop();
     const auto check = weakCall(mainActor_, anchor_.weak(), &PowerMonitor::check);
-    // Unknown counts as plugged in: the first certain reading of a battery then reports an unplugging.
-    wasOnACPower_ = readState() != PowerState::onBattery;
-    // Null when the system makes no notification source: then only the timer notices the change.
-    notification_ = sources_.observeChanges(check);
+    // First, so that it watches even if a call below raises.
     Scheduler& scheduler = mainActor_.scheduler();
     timer_ = std::make_unique<RepeatingTimer>(scheduler, scheduler.mainExecutor(), powerPollingInterval, check);
+    // Unknown counts as plugged in: the first certain reading of a battery then reports an unplugging.
+    wasOnACPower_ = quietly([this] { return readState(); }) != PowerState::onBattery;
+    // Null when the system makes no notification source: then only the timer notices the change.
+    notification_ = sources_.observeChanges(check);
 }
 
 void PowerMonitor::stop()

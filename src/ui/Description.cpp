@@ -10,7 +10,7 @@ namespace sentrel::ui {
 
 namespace {
 
-std::string quoted(std::string_view text)
+std::string inQuotes(std::string_view text)
 {
     std::string shown = "\"";
     for (const char character : text) {
@@ -47,7 +47,7 @@ std::string dots(const SecretText& text)
 
 std::string withLabel(std::string_view kind, std::string_view label)
 {
-    return label.empty() ? std::string{kind} : std::string{kind} + " " + quoted(label);
+    return label.empty() ? std::string{kind} : std::string{kind} + " " + inQuotes(label);
 }
 
 /// An enumerator's word from a list in the order of declaration.
@@ -73,12 +73,12 @@ struct Describe {
     std::string operator()(const Divider& /*divider*/) const { return "divider"; }
     std::string operator()(const Text& shown) const
     {
-        return "text " + quoted(shown.text) + std::string{word(textStyles, shown.style)} +
+        return "text " + inQuotes(shown.text) + std::string{word(textStyles, shown.style)} +
                std::string{word(textColors, shown.color)};
     }
     std::string operator()(const Image& image) const
     {
-        return "image " + std::string{word(imageSources, image.source)} + " " + quoted(image.name);
+        return "image " + std::string{word(imageSources, image.source)} + " " + inQuotes(image.name);
     }
     std::string operator()(const Button& button) const
     {
@@ -99,21 +99,21 @@ struct Describe {
         if (slider.step) {
             line += " by " + number(*slider.step);
         }
-        return slider.valueText.empty() ? line : line + ", shown as " + quoted(slider.valueText);
+        return slider.valueText.empty() ? line : line + ", shown as " + inQuotes(slider.valueText);
     }
     std::string operator()(const TextField& field) const
     {
-        return withLabel("field", field.prompt) + " = " + quoted(field.text.value);
+        return withLabel("field", field.prompt) + " = " + inQuotes(field.text.value);
     }
     std::string operator()(const SecureField& field) const
     {
-        return withLabel("secure field", field.prompt) + " = " + quoted(dots(field.text.value));
+        return withLabel("secure field", field.prompt) + " = " + inQuotes(dots(field.text.value));
     }
     std::string operator()(const List& list) const
     {
         std::string line = "list" + std::string{word(selectionModes, list.mode)};
         for (const std::string& row : list.selection.value) {
-            line += ", selected " + quoted(row);
+            line += ", selected " + inQuotes(row);
         }
         return line;
     }
@@ -121,7 +121,7 @@ struct Describe {
     std::string operator()(const Section& section) const
     {
         const std::string line = withLabel("section", section.header);
-        return section.footer.empty() ? line : line + ", footer " + quoted(section.footer);
+        return section.footer.empty() ? line : line + ", footer " + inQuotes(section.footer);
     }
     std::string operator()(const SplitView& split) const
     {
@@ -137,7 +137,7 @@ struct Describe {
     std::string operator()(const Dialog& dialog) const
     {
         const std::string line = withLabel(word(dialogKinds, dialog.kind), dialog.title);
-        return dialog.message.empty() ? line : line + ": " + quoted(dialog.message);
+        return dialog.message.empty() ? line : line + ": " + inQuotes(dialog.message);
     }
 };
 
@@ -146,10 +146,10 @@ std::string describeTraits(const Node& node)
     const Traits& traits = node.view->traits;
     std::string line;
     if (!traits.accessibilityLabel.empty()) {
-        line += ", read as " + quoted(traits.accessibilityLabel);
+        line += ", read as " + inQuotes(traits.accessibilityLabel);
     }
     if (!traits.help.empty()) {
-        line += ", help " + quoted(traits.help);
+        line += ", help " + inQuotes(traits.help);
     }
     if (traits.background) {
         line += *traits.background == black ? ", on black" : ", on a colour";

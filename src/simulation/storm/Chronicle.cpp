@@ -265,9 +265,14 @@ void Chronicle::noteAlerts(const Sight& now)
             const auto stored = now.inCloud.find(now.user);
             const bool isUploaded = stored != now.inCloud.end() && stored->second.contains(id);
             const bool hasLeftDisk = diskBeforeDeletion_.contains(id) && !now.onDisk.contains(id) && !isUploaded;
-            if ((!now.listed.contains(id) || hasLeftDisk) && known != alerts.end()) {
+            const bool hasLeftList = now.isRunning && !now.listed.contains(id);
+            if (known == alerts.end()) {
+                continue;
+            }
+            if (hasLeftList || hasLeftDisk) {
                 known->second.deletedAt = std::min(known->second.deletedAt, at);
             }
+            known->second.isDeletionCut = known->second.isDeletionCut || mayBeTroubled_ || !now.isRunning;
         }
         listBeforeDeletion_.reset();
     }
@@ -331,18 +336,26 @@ void Chronicle::noteSound(const Sight& before, const Sight& now)
             const bool hadCause = at - lastCauseAt() < longestWay ||
                                   hadTrouble({"power-sources", "lid", "workspace", "accelerometer"}, at - longestWay) ||
                                   at - wokeAt < longestWay;
-            // An alarm that follows at once has found the output as the one before took it.
-            const bool wasOutputTouched = outputDeedAt >= rangSince;
-            ringing =
-                Ringing{at, at, wasOutputTouched ? before.output : outputToRestore.value_or(before.output), hadCause};
+            ringing = Ringing{at, at, outputBefore(before), hadCause};
             outputToRestore.reset();
         }
         ringing->lastHeard = at;
     } else if (ringing && now.isAsleep) {
         ringing->lastHeard = at;
-    } else if (ringing && maySilence()) {
+    } else if (ringing && maySilenceAt(ringing->lastHeard)) {
         endRinging();
     }
+}
+
+/// The output before an alarm that begins.
+std::optional<OutputState> Chronicle::outputBefore(const Sight& before) const
+{
+    if (hasHung) {
+        return std::nullopt; // the beep of a hung engine comes after the output was taken over
+    }
+    // An alarm that follows at once has found the output as the one before took it.
+    const bool wasTouched = outputDeedAt >= rangSince;
+    return wasTouched ? before.output : outputToRestore.value_or(before.output);
 }
 
 void Chronicle::endRinging()
@@ -353,12 +366,12 @@ void Chronicle::endRinging()
     ringing.reset();
 }
 
-bool Chronicle::mayBeDisarmed() const
+bool Chronicle::mayBeDisarmedAt(double when) const
 {
-    const bool isOpen = settings_ && !settings_->requirePasswordForActions && at - screenDeedAt <= atOnce;
+    const bool isOpen = settings_ && !settings_->requirePasswordForActions && when - screenDeedAt <= atOnce;
     const bool isQuitting =
-        at - quitAt <= 10.0 && (isOpen || at - loginAt <= 10.0 || !settings_->requirePasswordForActions);
-    return at - disarmDeedAt <= atOnce || at - loginAt <= atOnce || isOpen || isQuitting || hasCommand(false);
+        when - quitAt <= 10.0 && (isOpen || when - loginAt <= 10.0 || !settings_->requirePasswordForActions);
+    return when - disarmDeedAt <= atOnce || when - loginAt <= atOnce || isOpen || isQuitting || hasCommand(false);
 }
 
 bool Chronicle::mayBeArmed() const
@@ -366,9 +379,9 @@ bool Chronicle::mayBeArmed() const
     return at - armDeedAt <= atOnce || at - screenDeedAt <= atOnce || hasCommand(true);
 }
 
-bool Chronicle::maySilence() const
+bool Chronicle::maySilenceAt(double when) const
 {
-    return mayBeDisarmed() || at - stopDeedAt <= atOnce || at - passcodeAt <= atOnce;
+    return mayBeDisarmedAt(when) || when - stopDeedAt <= atOnce || when - passcodeAt <= atOnce;
 }
 
 bool Chronicle::hasCommand(bool arms) const

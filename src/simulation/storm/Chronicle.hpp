@@ -39,7 +39,8 @@ struct KnownAlert {
     std::string reason;
     double firstSeen = 0.0;
     double deletedAt = std::numeric_limits<double>::infinity();
-    std::string owner; ///< the user in whose database it was first seen; empty before that
+    bool isDeletionCut = false; ///< a fault or the process's end has struck its deletion: it may go, or stay
+    std::string owner;          ///< the user in whose database it was first seen; empty before that
     bool hasCause = true;
 };
 
@@ -47,7 +48,7 @@ struct KnownAlert {
 struct Ringing {
     double since = 0.0;
     double lastHeard = 0.0;
-    OutputState before; ///< the output as it was before the alarm
+    std::optional<OutputState> before; ///< the output before the alarm, if it is known
     bool hadCause = true;
 };
 
@@ -65,10 +66,11 @@ public:
     /// Call when the invariants have been checked: what has been used up is forgotten.
     void conclude(const Sight& before, const Sight& now);
 
-    /// Whether somebody who may do it disarms, arms or silences the alarm just now.
-    [[nodiscard]] bool mayBeDisarmed() const;
+    /// Whether somebody who may do it disarms or arms just now.
+    [[nodiscard]] bool mayBeDisarmed() const { return mayBeDisarmedAt(at); }
     [[nodiscard]] bool mayBeArmed() const;
-    [[nodiscard]] bool maySilence() const;
+    /// Whether the alarm may have fallen silent at that time: somebody who may do it has stopped it, then or since.
+    [[nodiscard]] bool maySilenceAt(double when) const;
 
     double at = 0.0;
 
@@ -158,6 +160,9 @@ private:
     void noteSound(const Sight& before, const Sight& now);
     void noteStates(const Sight& before, const Sight& now);
     void addCause(std::string reason, bool isCertain);
+    void endRinging();
+    [[nodiscard]] std::optional<OutputState> outputBefore(const Sight& before) const;
+    [[nodiscard]] bool mayBeDisarmedAt(double when) const;
 
     MacSession& session_;
     const std::vector<std::pair<std::string, FaultSwitches*>> switches_; ///< by port
@@ -179,7 +184,6 @@ private:
     using Times = std::map<std::string, double, std::less<>>;
     void mark(const Ports& ports, Times& times) const;
     void noteAlert(const UUID& id, const std::string& reason);
-    void endRinging();
     [[nodiscard]] bool hasCommand(bool arms) const;
     std::map<std::string, std::uint64_t, std::less<>> hangs_;
     Ports wasStruck_;

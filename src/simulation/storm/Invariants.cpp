@@ -44,7 +44,7 @@ std::string textOf(const OutputState& output)
 Finding alertsSurvive(const Instants& is)
 {
     for (const auto& [id, alert] : is.past.alerts) {
-        if (alert.deletedAt <= is.now.at || isAnywhere(id, is.now)) {
+        if (alert.deletedAt <= is.now.at || alert.isDeletionCut || isAnywhere(id, is.now)) {
             continue;
         }
         // The process holds an alert that the disk refused. The alert ends with the process.
@@ -274,9 +274,9 @@ Finding assertionFollowsArming(const Instants& is)
         return std::nullopt;
     }
     const double changed = std::max(is.past.armedSince, is.past.disarmedSince);
-    // The icon tells whether the Mac is armed; one that can't be set goes on telling the old state.
+    // The icon tells whether the Mac is armed; one that can't be set goes on telling the old state, and is tried again.
     const bool isBroken = is.past.hasHung || is.past.hadTrouble({"power-assertions"}, changed - settling) ||
-                          is.past.hadTrouble({"status-bar"}, since - settling);
+                          is.past.hadTrouble({"status-bar", "language"}, is.now.at - settling);
     if (!isBroken) {
         return std::string{"the Mac is "} + (is.now.showsArmed ? "armed" : "not armed") + ", and its assertion is " +
                (is.now.holdsArmedAssertion ? "held" : "not held");
@@ -359,8 +359,13 @@ Finding nothingWaitsInCalm(const Instants& is)
         is.now.at - is.past.lastCauseAt() < calm || is.now.at - is.past.clockJumpedAt < calm) {
         return std::nullopt;
     }
-    if (!is.now.onDisk.empty()) {
-        return std::to_string(is.now.onDisk.size()) + " alerts still wait for their upload";
+    // A copy that could not be removed after its upload stays until the next launch.
+    const auto mine = is.now.inCloud.find(is.now.user);
+    const auto isWaiting = [&](const auto& alert) {
+        return mine == is.now.inCloud.end() || !mine->second.contains(alert.first);
+    };
+    if (const auto waiting = std::ranges::count_if(is.now.onDisk, isWaiting); waiting > 0) {
+        return std::to_string(waiting) + " alerts still wait for their upload";
     }
     if (is.now.owedDeletions > 0 && is.now.at - is.past.owedSince > calm && is.past.userChangedAt == never) {
         return std::to_string(is.now.owedDeletions) + " deletions are still owed";

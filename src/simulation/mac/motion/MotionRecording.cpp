@@ -70,7 +70,7 @@ std::string_view trimmedCell(std::string_view text)
     return text.substr(begin, text.find_last_not_of(" \t") - begin + 1);
 }
 
-std::string quoted(std::string_view text)
+std::string inQuotes(std::string_view text)
 {
     constexpr std::size_t longest = 40;
     return '"' + std::string{text.substr(0, longest)} + (text.size() > longest ? "..." : "") + '"';
@@ -81,13 +81,13 @@ double readNumber(const LineReader& reader, std::string_view column, std::string
     double value = 0.0;
     const auto [end, error] = std::from_chars(field.data(), field.data() + field.size(), value);
     if (error == std::errc::result_out_of_range) {
-        reader.fail(std::string{column} + ": " + quoted(field) + " is out of range");
+        reader.fail(std::string{column} + ": " + inQuotes(field) + " is out of range");
     }
     if (error != std::errc{} || end != field.data() + field.size()) {
-        reader.fail(std::string{column} + ": " + quoted(field) + " is not a number");
+        reader.fail(std::string{column} + ": " + inQuotes(field) + " is not a number");
     }
     if (!std::isfinite(value)) {
-        reader.fail(std::string{column} + ": " + quoted(field) + " is not a finite number");
+        reader.fail(std::string{column} + ": " + inQuotes(field) + " is not a finite number");
     }
     return value;
 }
@@ -126,7 +126,7 @@ MotionRecording MotionRecording::parse(std::string_view text, std::string_view n
         throw MotionRecordingError{std::string{name} + ": the file is empty"};
     }
     if (trimmedCell(*first) != header) {
-        reader.fail("the header is " + quoted(*first) + " instead of " + quoted(header));
+        reader.fail("the header is " + inQuotes(*first) + " instead of " + inQuotes(header));
     }
     std::vector<Sample> samples;
     double last = 0.0;
