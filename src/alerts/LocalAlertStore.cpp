@@ -42,6 +42,12 @@ bool isLeftover(const std::filesystem::path& name)
            (target.extension() == ".json" || target.extension() == ".jpg") && UUID::parse(target.stem().string());
 }
 
+std::optional<StoredAlert> alertIn(BytesView content)
+{
+    const auto document = parseJson(content);
+    return document ? decodeStoredAlert(*document) : std::nullopt;
+}
+
 std::vector<StoredAlert> sorted(const std::unordered_map<UUID, StoredAlert>& index)
 {
     std::vector<StoredAlert> alerts;
@@ -97,15 +103,11 @@ std::vector<StoredAlert> LocalAlertStore::alerts()
 
 Async<std::vector<StoredAlert>> LocalAlertStore::alertsInBackground()
 {
-    if (!index_) {
+    if (!index_ || !isWhole_) {
         auto reading = detached(actor_.scheduler(), QualityOfService::userInitiated,
                                 [&files = files_, directory = directory_] { return readFolder(files, directory); });
         Folder folder = co_await reading;
-        Index fresh = take(std::move(folder));
-        // An index loaded in the meantime includes the saves and deletions since.
-        if (!index_) {
-            index_ = std::move(fresh);
-        }
+        take(std::move(folder));
     }
     co_return sorted(*index_);
 }
@@ -133,11 +135,12 @@ std::unordered_set<UUID> LocalAlertStore::identifiers()
 
 std::optional<StoredAlert> LocalAlertStore::storedAlert(const UUID& id)
 {
-    if (!index_) {
-        return readAlert(files_, alertFile(id));
+    if (index_) {
+        if (const auto found = index_->find(id); found != index_->end()) {
+            return found->second;
+        }
     }
-    const auto found = index_->find(id);
-    return found != index_->end() ? std::optional{found->second} : std::nullopt;
+    return index_ && isWhole_ ? std::nullopt : readAlert(files_, alertFile(id));
 }
 
 std::filesystem::path LocalAlertStore::photoFile(const UUID& id)
@@ -187,10 +190,15 @@ void LocalAlertStore::write(const std::filesystem::path& file, BytesView content
 LocalAlertStore::Index& LocalAlertStore::loadedIndex()
 {
     if (!index_) {
-        files_.createDirectories(directory_, directoryMode);
-        index_ = take(readFolder(files_, directory_));
+        take(readFolder(files_, directory_));
     }
     return *index_;
+}
+
+bool LocalAlertStore::isWhole()
+{
+    loadedIndex();
+    return isWhole_;
 }
 
 void LocalAlertStore::prune()
@@ -207,15 +215,16 @@ void LocalAlertStore::prune()
 std::optional<StoredAlert> LocalAlertStore::readAlert(ports::FileSystem& files, const std::filesystem::path& file)
 {
     const auto content = files.read(file);
-    const auto document = content ? parseJson(*content) : std::nullopt;
-    return document ? decodeStoredAlert(*document) : std::nullopt;
+    return content ? alertIn(*content) : std::nullopt;
 }
 
 LocalAlertStore::Folder LocalAlertStore::readFolder(ports::FileSystem& files, const std::filesystem::path& directory)
 {
     Folder folder;
+    files.createDirectories(directory, directoryMode);
     const auto names = files.list(directory);
     if (!names) {
+        folder.isWhole = false;
         return folder;
     }
     for (const std::filesystem::path name : *names) {
@@ -225,7 +234,10 @@ LocalAlertStore::Folder LocalAlertStore::readFolder(ports::FileSystem& files, co
         if (name.extension() != ".json") {
             continue;
         }
-        if (auto stored = readAlert(files, directory / name)) {
+        const auto content = files.read(directory / name);
+        if (!content) {
+            folder.isWhole = false;
+        } else if (auto stored = alertIn(*content)) {
             const UUID id = stored->alert.id;
             folder.index.insert_or_assign(id, *std::move(stored));
         }
@@ -233,14 +245,25 @@ LocalAlertStore::Folder LocalAlertStore::readFolder(ports::FileSystem& files, co
     return folder;
 }
 
-/// Deletes the leftovers and returns the index. Main thread only, where no write is under way: a background reading may
-/// have listed the temporary file of one that was.
-LocalAlertStore::Index LocalAlertStore::take(Folder folder)
+/// Deletes the leftovers and takes the alerts over that are not known yet. Main thread only, where no write is under
+/// way: a background reading may have listed the temporary file of one that was.
+void LocalAlertStore::take(Folder folder)
 {
     for (const std::string& name : folder.leftovers) {
         files_.remove(directory_ / name);
     }
-    return std::move(folder.index);
+    if (!index_) {
+        index_ = std::move(folder.index);
+        isWhole_ = folder.isWhole;
+        return;
+    }
+    // An index loaded in the meantime includes the saves and deletions since.
+    isWhole_ = isWhole_ || folder.isWhole;
+    for (auto& [id, stored] : folder.index) {
+        if (!index_->contains(id) && files_.exists(alertFile(id))) {
+            index_->emplace(id, std::move(stored));
+        }
+    }
 }
 
 } // namespace sentrel

@@ -41,8 +41,12 @@ public:
     /// All alerts, newest first, and by identifier where dates are equal, so that the order is stable.
     [[nodiscard]] std::vector<StoredAlert> alerts();
 
-    /// The same, with the folder first read off the main thread. The store must outlive the call.
+    /// The same, with the folder first read off the main thread, also anew if it was not read whole. The store must
+    /// outlive the call.
     [[nodiscard]] Async<std::vector<StoredAlert>> alertsInBackground();
+
+    /// Whether every alert's file could be read. If not, `alertsInBackground` tries again.
+    [[nodiscard]] bool isWhole();
 
     /// The alerts that wait for upload, newest first.
     [[nodiscard]] std::vector<StoredAlert> alertsWaitingForUpload();
@@ -67,6 +71,7 @@ private:
     struct Folder {
         Index index;
         std::vector<std::string> leftovers; ///< names of files left by interrupted writes
+        bool isWhole = true;                ///< whether the folder and each alert in it could be read
     };
 
     [[nodiscard]] std::filesystem::path alertFile(const UUID& id);
@@ -76,12 +81,13 @@ private:
     void prune();
     static std::optional<StoredAlert> readAlert(ports::FileSystem& files, const std::filesystem::path& file);
     static Folder readFolder(ports::FileSystem& files, const std::filesystem::path& directory);
-    Index take(Folder folder);
+    void take(Folder folder);
 
     MainActor actor_;
     ports::FileSystem& files_;
     const std::filesystem::path directory_;
     std::optional<Index> index_;
+    bool isWhole_ = true;
 };
 
 } // namespace sentrel

@@ -164,6 +164,9 @@ bool HangingCalls::run(Job& job)
         error = std::current_exception();
     }
     (isOver ? idle_ : hung_).push_back(std::move(worker));
+    if (!isOver && hasHung_) {
+        hasHung_();
+    }
     if (error) {
         std::rethrow_exception(error);
     }

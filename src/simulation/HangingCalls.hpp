@@ -2,7 +2,9 @@
 
 #include "runtime/VirtualScheduler.hpp"
 
+#include <functional>
 #include <memory>
+#include <utility>
 #include <vector>
 
 namespace sentrel::simulation {
@@ -25,6 +27,9 @@ public:
     void rest();
     [[nodiscard]] bool isPrepared() const { return isPrepared_; }
 
+    /// Called when a job has begun to hang, on the thread that ran it. Install before the first job.
+    void onHang(std::function<void()> hasHung) { hasHung_ = std::move(hasHung); }
+
     /// True in a job of the process: only such a call can hang.
     [[nodiscard]] bool isProcessCalling() const { return process_.isCurrent(); }
 
@@ -42,6 +47,7 @@ private:
 
     VirtualClock& clock_;
     const VirtualScheduler& process_;
+    std::function<void()> hasHung_;
     std::vector<std::unique_ptr<Worker>> idle_;
     std::vector<std::unique_ptr<Worker>> hung_;
     bool isPrepared_ = false;

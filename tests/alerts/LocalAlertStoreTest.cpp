@@ -168,22 +168,38 @@ TEST_F(LocalAlertStoreTest, DeletesOnlyWhatItKnows)
     EXPECT_THAT(store().alerts(), IsEmpty());
 }
 
+Async<void> list(LocalAlertStore& from, std::vector<StoredAlert>& into)
+{
+    std::vector<StoredAlert> alerts = co_await from.alertsInBackground();
+    into = std::move(alerts);
+}
+
 TEST_F(LocalAlertStoreTest, WhatWasSavedDuringTheFirstReadingIsNotLost)
 {
     store().save(alert(1, 1), std::nullopt, true);
     LocalAlertStore reading = store();
     std::vector<StoredAlert> listed;
-    struct Lister {
-        static Async<void> list(LocalAlertStore& from, std::vector<StoredAlert>& into)
-        {
-            std::vector<StoredAlert> alerts = co_await from.alertsInBackground();
-            into = std::move(alerts);
-        }
-    };
-    MainActor{scheduler}.spawn(Lister::list(reading, listed));
+    MainActor{scheduler}.spawn(list(reading, listed));
     post(scheduler.mainExecutor(), [&] { reading.save(alert(2, 2), std::nullopt, true); });
     clock.runUntilIdle();
     EXPECT_EQ(dates(listed), (std::vector<double>{2, 1}));
+}
+
+TEST_F(LocalAlertStoreTest, WhatCouldNotBeReadIsReadLater)
+{
+    store().save(alert(1, 1), std::nullopt, true);
+    store().save(alert(2, 2), std::nullopt, true);
+    for (const char* fault : {"list", "read"}) {
+        LocalAlertStore reading = store();
+        ASSERT_TRUE(files.faults().set(fault, 1));
+        EXPECT_FALSE(reading.isWhole()) << fault;
+        EXPECT_EQ(reading.storedAlert(alert(1, 1).id)->alert.timestamp, alert(1, 1).timestamp) << fault;
+        std::vector<StoredAlert> listed;
+        MainActor{scheduler}.spawn(list(reading, listed));
+        clock.runUntilIdle();
+        EXPECT_EQ(dates(listed), (std::vector<double>{2, 1})) << fault;
+        EXPECT_TRUE(reading.isWhole()) << fault;
+    }
 }
 
 TEST_F(LocalAlertStoreTest, AFailedWriteIsThrownAndLeavesTheOldAlert)

@@ -101,6 +101,22 @@ TEST(PowerMonitor, LooksEveryFiveSecondsAndNotBefore)
     EXPECT_EQ(mac.clock.turns() - turns, 24U) << "12 ticks a minute, each with one task, and nothing else";
 }
 
+TEST(PowerMonitor, WatchesByTheTimerWhenItsFirstCallsRaise)
+{
+    for (const int raising : {1, 2}) { // the first reading; the notification, too
+        PluggedMac mac;
+        mac.power.faults().set("raises", raising);
+        try {
+            mac.monitor->start();
+        } catch (const simulation::Raised&) {
+            EXPECT_EQ(raising, 2);
+        }
+        mac.set('B');
+        mac.clock.advance(5s);
+        EXPECT_EQ(mac.unplugged, 1) << raising;
+    }
+}
+
 TEST(PowerMonitor, IsSilentWithoutAnySnapshotAndOnceItIsStoppedOrGone)
 {
     PluggedMac blind;

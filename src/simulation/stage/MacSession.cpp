@@ -68,6 +68,7 @@ MacSession::MacSession(const MacDescription& description, std::filesystem::path 
             isRelaunching_ = false;
         }
     });
+    hanging_.onHang([this] { restFromHanging(); });
     phone_.onNotification([this](const auto& shown) { log_.note(events::PhoneNotified{shown.text, shown.alertID}); });
 }
 

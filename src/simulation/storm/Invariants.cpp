@@ -199,11 +199,18 @@ Finding stoppedIsSilent(const Instants& is)
     return std::nullopt;
 }
 
+/// Whether the icon, which tells whether the Mac is armed, may tell the old state: it could not be set, and is tried
+/// again every second.
+bool isIconStale(const Instants& is)
+{
+    return is.past.hadTrouble({"status-bar", "language"}, is.now.at - settling);
+}
+
 /// Nobody without login, passcode or phone disarms the Mac, and no command does it twice or late.
 Finding onlyTheOwnerDisarms(const Instants& is)
 {
     const bool isSameProcess = is.past.launchedAt < is.before.at && is.now.isRunning && is.before.isRunning;
-    if (is.before.showsArmed && !is.now.showsArmed && isSameProcess && !is.past.mayBeDisarmed()) {
+    if (is.before.showsArmed && !is.now.showsArmed && isSameProcess && !is.past.mayBeDisarmed() && !isIconStale(is)) {
         return "the Mac is disarmed by nobody who may do it";
     }
     return std::nullopt;
@@ -212,7 +219,7 @@ Finding onlyTheOwnerDisarms(const Instants& is)
 /// The Mac arms itself for nobody.
 Finding onlyTheOwnerArms(const Instants& is)
 {
-    if (!is.before.showsArmed && is.now.showsArmed && !is.past.mayBeArmed()) {
+    if (!is.before.showsArmed && is.now.showsArmed && !is.past.mayBeArmed() && !isIconStale(is)) {
         return "the Mac is armed by nobody";
     }
     return std::nullopt;
@@ -274,9 +281,8 @@ Finding assertionFollowsArming(const Instants& is)
         return std::nullopt;
     }
     const double changed = std::max(is.past.armedSince, is.past.disarmedSince);
-    // The icon tells whether the Mac is armed; one that can't be set goes on telling the old state, and is tried again.
-    const bool isBroken = is.past.hasHung || is.past.hadTrouble({"power-assertions"}, changed - settling) ||
-                          is.past.hadTrouble({"status-bar", "language"}, is.now.at - settling);
+    const bool isBroken =
+        is.past.hasHung || is.past.hadTrouble({"power-assertions"}, changed - settling) || isIconStale(is);
     if (!isBroken) {
         return std::string{"the Mac is "} + (is.now.showsArmed ? "armed" : "not armed") + ", and its assertion is " +
                (is.now.holdsArmedAssertion ? "held" : "not held");

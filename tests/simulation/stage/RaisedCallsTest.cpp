@@ -92,6 +92,22 @@ TEST(RaisedCalls, DisarmingSilencesTheAlarmAndIsStoredAfterEach)
     }
 }
 
+TEST(RaisedCalls, TheIconTellsTheTruthOnceItCanBeDrawn)
+{
+    Desk desk;
+    desk.act({"{fail: {status-bar: {raises: 9}}}", "arm"});
+    desk.advance(2s);
+    EXPECT_EQ(desk.state("icon"), "MenuBarIcon");
+    desk.advance(4s);
+    EXPECT_EQ(desk.state("icon"), "MenuBarIconArmed");
+    desk.act({"{fail: {status-bar: raises}}", "relaunch"});
+    desk.advance(5s);
+    EXPECT_NE(desk.state("icon"), "MenuBarIcon");
+    desk.act({"{fail: {status-bar: none}}"});
+    desk.advance(1s);
+    EXPECT_EQ(desk.state("icon"), "MenuBarIcon") << "its item is made late";
+}
+
 TEST(RaisedCalls, AnAlertIsMadeWhateverItsPartsMeet)
 {
     for (const char* const port : {"host", "random", "wall-clock", "lid"}) {

@@ -143,7 +143,11 @@ constexpr PlantedFault plantedFaults[] = {
          day.now.phoneAskedAt = day.now.at;
          day.now.phoneSaysArmed = false;
      }},
-    {"nothing waits in calm", [](Day& day) { day.now.onDisk[someAlert] = {"unplugged", true}; }},
+    {"nothing waits in calm",
+     [](Day& day) {
+         day.now.onDisk[someAlert] = {"unplugged", true};
+         day.now.inCloud["maya"].clear();
+     }},
     {"timers end",
      [](Day& day) {
          day.now.showsArmed = day.before.showsArmed = false;
