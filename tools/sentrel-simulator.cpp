@@ -104,6 +104,7 @@ CLI::App* addStorm(CLI::App& app, Arguments& arguments)
     storm->add_option("--hours", arguments.storm.hours, "Hours of the MacBooks together")
         ->check(CLI::Range(leastHours, mostHours))
         ->capture_default_str();
+    storm->add_option("--world", arguments.storm.world, "Live this world of the storm alone, and save its whole play");
     storm->add_option("--seed", arguments.storm.seed, "Seed of the weather")
         ->check(refusalOfSeed)
         ->capture_default_str();

@@ -98,8 +98,45 @@ private:
     VirtualExecutor* outer_;
 };
 
+/// Sets the limit of a run for a scope, unless an outer run has set one.
+class VirtualClock::LimitScope {
+public:
+    LimitScope(VirtualClock& clock, Instant limit) : clock_(clock), isOutermost_(!clock.limit_)
+    {
+        if (isOutermost_) {
+            clock.limit_ = limit;
+        }
+    }
+    ~LimitScope()
+    {
+        if (isOutermost_) {
+            clock_.limit_.reset();
+        }
+    }
+    LimitScope(const LimitScope&) = delete;
+    LimitScope& operator=(const LimitScope&) = delete;
+
+private:
+    VirtualClock& clock_;
+    const bool isOutermost_;
+};
+
+/// Continues a job that was left while it blocked; false if there is none that can go on.
+bool VirtualClock::resumeJob()
+{
+    const CurrentScope scope{*this, current_};
+    const auto resumed = runner_->resume();
+    if (resumed == JobRunner::Resumed::untilItBlocked && current_ != nullptr) {
+        current_->setBlocked(true); // the executor of the job, which it set itself
+    }
+    return resumed != JobRunner::Resumed::none;
+}
+
 bool VirtualClock::runNextJob()
 {
+    if (runner_ != nullptr && resumeJob()) {
+        return true;
+    }
     VirtualExecutor* next = nullptr;
     std::uint64_t oldest = std::numeric_limits<std::uint64_t>::max();
     for (VirtualExecutor* executor : busy_) {
@@ -141,16 +178,23 @@ bool VirtualClock::fireNextTimer(std::optional<Instant> limit)
     return true;
 }
 
-void VirtualClock::runReady()
+void VirtualClock::runJobs()
 {
     while (runNextJob()) {
     }
 }
 
+void VirtualClock::runReady()
+{
+    const LimitScope scope{*this, now_};
+    runJobs();
+}
+
 void VirtualClock::runUntil(Instant deadline)
 {
+    const LimitScope scope{*this, deadline};
     do {
-        runReady();
+        runJobs();
     } while (fireNextTimer(deadline));
     now_ = std::max(now_, deadline);
     turnsAtThisInstant_ = 0;
@@ -159,7 +203,7 @@ void VirtualClock::runUntil(Instant deadline)
 void VirtualClock::runUntilIdle()
 {
     do {
-        runReady();
+        runJobs();
     } while (fireNextTimer(std::nullopt));
 }
 
@@ -179,7 +223,14 @@ void VirtualClock::blockUntil(Latch& latch)
         blocked->setBlocked(true);
     }
     while (!latch.isOpen()) {
-        if (!runNextJob() && !fireNextTimer(std::nullopt)) {
+        if (runNextJob()) {
+            continue;
+        }
+        // What opens the latch comes after this run, or never.
+        const bool isBeyond = limit_ && (!timers_.earliest() || *timers_.earliest() > *limit_);
+        if (isBeyond && runner_ != nullptr && runner_->waitApart(latch)) {
+            current_ = blocked;
+        } else if (!fireNextTimer(std::nullopt)) {
             throw std::logic_error{"deadlock: blocked on a latch that nothing can open"};
         }
     }

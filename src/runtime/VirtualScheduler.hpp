@@ -17,6 +17,16 @@ public:
     /// Runs the job. False when the job never ends: a serial or main executor then stands still, and the clock goes on.
     virtual bool run(Job& job) = 0;
 
+    /// Called by a job that blocks: leaves it until the latch is open, while `run` returns false. False at once if the
+    /// calling job can't be left.
+    virtual bool waitApart(Latch& latch) = 0;
+
+    /// How `resume` ended.
+    enum class Resumed { none, untilItsEnd, untilItBlocked };
+
+    /// Continues a job that was left, if there is one whose latch is open.
+    virtual Resumed resume() = 0;
+
 protected:
     ~JobRunner() = default;
 };
@@ -60,12 +70,16 @@ private:
     friend class VirtualExecutor;
     friend class VirtualScheduler;
     class CurrentScope;
+    class LimitScope;
 
+    bool resumeJob();
     bool runNextJob();
+    void runJobs();
     bool fireNextTimer(std::optional<Instant> limit);
     void blockUntil(Latch& latch);
 
     Instant now_{};
+    std::optional<Instant> limit_; // of the outermost run, which jobs that block try not to pass
     std::uint64_t posted_ = 0;
     std::uint64_t armed_ = 0;
     std::uint64_t turns_ = 0;

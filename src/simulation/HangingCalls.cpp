@@ -1,5 +1,8 @@
 #include "simulation/HangingCalls.hpp"
 
+#include "runtime/Latch.hpp"
+
+#include <algorithm>
 #include <condition_variable>
 #include <exception>
 #include <mutex>
@@ -34,11 +37,7 @@ public:
     bool run(Job& job)
     {
         job_ = &job;
-        const State after = handAndWait(State::running);
-        if (error_) {
-            std::rethrow_exception(std::exchange(error_, nullptr));
-        }
-        return after == State::idle;
+        return isOverAfter(handAndWait(State::running));
     }
 
     /// On the worker's own thread.
@@ -50,6 +49,26 @@ public:
         changed_.wait(guard, [this] { return state_ != State::hung; });
         throw CallEnded{};
     }
+
+    /// On the worker's own thread: leaves the job until it is resumed, or throws because the process ends.
+    void waitFor(Latch& latch, const bool& isEnding)
+    {
+        std::unique_lock guard{mutex_};
+        latch_ = &latch;
+        state_ = State::hung;
+        changed_.notify_all();
+        changed_.wait(guard, [this] { return state_ != State::hung; });
+        latch_ = nullptr;
+        if (isEnding) {
+            throw CallEnded{};
+        }
+    }
+
+    [[nodiscard]] bool isWaiting() const { return latch_ != nullptr; }
+    [[nodiscard]] bool canGoOn() const { return latch_ != nullptr && latch_->isOpen(); }
+
+    /// Lets the job that waits go on. False when it hangs, or waits anew. Throws what the job throws.
+    bool goOn() { return isOverAfter(handAndWait(State::running)); }
 
     /// Makes the hanging call throw, and waits for its job to end.
     void end()
@@ -74,6 +93,14 @@ private:
         std::unique_lock guard{mutex_};
         changed_.wait(guard, [this] { return state_ != State::running; });
         return state_;
+    }
+
+    bool isOverAfter(State state)
+    {
+        if (error_) {
+            std::rethrow_exception(std::exchange(error_, nullptr));
+        }
+        return state == State::idle;
     }
 
     void work()
@@ -102,6 +129,7 @@ private:
     std::condition_variable changed_;
     State state_ = State::idle;
     Job* job_ = nullptr;
+    Latch* latch_ = nullptr; // that the job waits for
     std::exception_ptr error_;
     std::thread thread_;
 };
@@ -141,9 +169,11 @@ void HangingCalls::hang()
 void HangingCalls::end()
 {
     isEnding_ = true;
-    for (auto& worker : std::exchange(hung_, {})) {
-        worker->end();
-        idle_.push_back(std::move(worker));
+    for (auto* const left : {&hung_, &waiting_}) {
+        for (auto& worker : std::exchange(*left, {})) {
+            worker->end();
+            idle_.push_back(std::move(worker));
+        }
     }
     isEnding_ = false;
 }
@@ -156,15 +186,44 @@ bool HangingCalls::run(Job& job)
         idle_.pop_back();
     }
     Worker& runs = *worker;
+    return finish(std::move(worker), [&] { return runs.run(job); });
+}
+
+bool HangingCalls::waitApart(Latch& latch)
+{
+    Worker* const worker = Worker::current();
+    if (worker == nullptr) {
+        return false;
+    }
+    worker->waitFor(latch, isEnding_);
+    return true;
+}
+
+JobRunner::Resumed HangingCalls::resume()
+{
+    const auto ready = std::ranges::find_if(waiting_, [](const auto& worker) { return worker->canGoOn(); });
+    if (ready == waiting_.end()) {
+        return Resumed::none;
+    }
+    auto worker = std::move(*ready);
+    waiting_.erase(ready);
+    Worker& goesOn = *worker;
+    return finish(std::move(worker), [&] { return goesOn.goOn(); }) ? Resumed::untilItsEnd : Resumed::untilItBlocked;
+}
+
+/// Lets the worker do its part, and keeps it where it belongs then. False when its job is not over.
+template <class Part> bool HangingCalls::finish(std::unique_ptr<Worker> worker, Part part)
+{
     std::exception_ptr error;
     bool isOver = true;
     try {
-        isOver = runs.run(job);
+        isOver = part();
     } catch (...) {
         error = std::current_exception();
     }
-    (isOver ? idle_ : hung_).push_back(std::move(worker));
-    if (!isOver && hasHung_) {
+    const bool hangs = !isOver && !worker->isWaiting();
+    (isOver ? idle_ : hangs ? hung_ : waiting_).push_back(std::move(worker));
+    if (hangs && hasHung_) {
         hasHung_();
     }
     if (error) {

@@ -11,7 +11,8 @@ namespace sentrel::simulation {
 
 /// Makes calls of a process hang forever, in virtual time. A call that hangs keeps its whole stack, as on a Mac: the
 /// jobs run on threads of their own, one at a time, and a hanging one is left there while the clock goes on elsewhere.
-/// Its executor stands still; all others work on. Used by the thread that moves the clock, and by its jobs.
+/// Its executor stands still; all others work on. A job that blocks until after the clock's present run is left
+/// likewise, and goes on when it can. Used by the thread that moves the clock, and by its jobs.
 class HangingCalls final : private JobRunner {
 public:
     HangingCalls(VirtualClock& clock, const VirtualScheduler& process);
@@ -26,6 +27,9 @@ public:
     /// The clock runs later jobs itself again, which is faster; they can't hang. Calls that hang stay where they are.
     void rest();
     [[nodiscard]] bool isPrepared() const { return isPrepared_; }
+
+    /// Whether a job that blocks was left until it can go on. No rest until then.
+    [[nodiscard]] bool isAnyWaiting() const { return !waiting_.empty(); }
 
     /// Called when a job has begun to hang, on the thread that ran it. Install before the first job.
     void onHang(std::function<void()> hasHung) { hasHung_ = std::move(hasHung); }
@@ -44,11 +48,15 @@ public:
 private:
     class Worker;
     bool run(Job& job) override;
+    bool waitApart(Latch& latch) override;
+    Resumed resume() override;
+    template <class Part> bool finish(std::unique_ptr<Worker> worker, Part part);
 
     VirtualClock& clock_;
     const VirtualScheduler& process_;
     std::function<void()> hasHung_;
     std::vector<std::unique_ptr<Worker>> idle_;
+    std::vector<std::unique_ptr<Worker>> waiting_;
     std::vector<std::unique_ptr<Worker>> hung_;
     bool isPrepared_ = false;
     bool isEnding_ = false;

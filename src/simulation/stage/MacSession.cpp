@@ -132,7 +132,8 @@ void MacSession::restFromHanging()
     }
     const auto mayHang = [](const auto& port) { return port.second->isSet("hangs"); };
     const auto endsInCall = [](const CallFault& fault) { return fault.fate != CallFault::Fate::raises; };
-    if (!std::ranges::any_of(mac_.faults(), mayHang) && !std::ranges::any_of(plannedFaults_.waiting(), endsInCall)) {
+    if (!hanging_.isAnyWaiting() && !std::ranges::any_of(mac_.faults(), mayHang) &&
+        !std::ranges::any_of(plannedFaults_.waiting(), endsInCall)) {
         hanging_.rest();
     }
 }

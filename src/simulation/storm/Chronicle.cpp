@@ -60,6 +60,8 @@ void Chronicle::happened(const Event& event)
         launchedAt = at;
         hasHung = false;
         hung_.clear();
+    } else if (name == "defaults.damaged") {
+        hasLostDefaults = true;
     } else if (name == "woke") {
         wokeAt = at;
     } else if (name == "slept") {

@@ -105,7 +105,8 @@ public:
     double coversOddSince = never;
     double owedSince = never; ///< deletions are owed
 
-    bool hasHung = false; ///< a call of this process hangs
+    bool hasHung = false;         ///< a call of this process hangs
+    bool hasLostDefaults = false; ///< the Mac has become another one to the phone, which still knows the old one
 
     std::deque<Cause> causes; ///< oldest first
     std::unordered_map<UUID, KnownAlert> alerts;

@@ -350,7 +350,8 @@ Finding phoneAgrees(const Instants& is)
 {
     constexpr double longest = 95.0; // three heartbeats
     const double changed = std::max({is.past.armedSince, is.past.disarmedSince, is.past.launchedAt});
-    const bool isAsked = is.now.phoneAskedAt == is.now.at && is.now.phoneSaysArmed && is.now.user == "maya";
+    const bool isAsked =
+        is.now.phoneAskedAt == is.now.at && is.now.phoneSaysArmed && is.now.user == "maya" && !is.past.hasLostDefaults;
     if (isAsked && is.past.isCalmFor(longest) && is.now.at - changed > longest &&
         *is.now.phoneSaysArmed != is.now.showsArmed) {
         return std::string{"the phone says "} + (*is.now.phoneSaysArmed ? "armed" : "disarmed");

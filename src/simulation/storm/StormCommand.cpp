@@ -95,6 +95,19 @@ SavedViolation save(const Storm& storm, const StormViolation& found, const Storm
     return {found, file.string(), plan.steps.size()};
 }
 
+StormReport runOne(const Storm& storm, std::size_t world, const StormCommand& command)
+{
+    if (world >= storm.worlds()) {
+        throw PlayError{"the storm has " + std::to_string(storm.worlds()) + " worlds; the first is 0"};
+    }
+    const Plan plan = storm.plan(world);
+    fs::create_directories(command.keep);
+    std::ofstream{command.keep / ("world-" + std::to_string(world) + ".yaml")} << documentOf(plan);
+    StormReport report;
+    add(liveApart(plan, command.resources), world, report);
+    return report;
+}
+
 std::vector<SavedViolation> saveAll(const Storm& storm, const StormReport& report, const StormCommand& command)
 {
     std::vector<SavedViolation> saved;
@@ -121,7 +134,7 @@ int unleash(const StormCommand& command, std::ostream& out, std::ostream& err)
     };
     const auto start = std::chrono::steady_clock::now();
     const double processorStart = processorSeconds();
-    const StormReport report = storm.run(progress);
+    const StormReport report = command.world ? runOne(storm, *command.world, command) : storm.run(progress);
     const std::chrono::duration<double> took = std::chrono::steady_clock::now() - start;
     const double processor = processorSeconds() - processorStart;
     if (command.showsProgress) {

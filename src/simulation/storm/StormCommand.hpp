@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <iosfwd>
+#include <optional>
 #include <string>
 
 namespace sentrel::simulation {
@@ -13,6 +14,7 @@ namespace sentrel::simulation {
 struct StormCommand {
     double hours = 1000.0;
     std::uint64_t seed = 1;
+    std::optional<std::size_t> world;         ///< this one alone; its whole play is saved, too
     unsigned jobs = 0;                        ///< 0: as many as there are cores
     std::filesystem::path keep = "out/storm"; ///< receives the scenarios of violations
     std::filesystem::path resources;
