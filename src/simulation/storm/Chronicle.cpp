@@ -352,8 +352,9 @@ void Chronicle::noteSound(const Sight& before, const Sight& now)
 /// The output before an alarm that begins.
 std::optional<OutputState> Chronicle::outputBefore(const Sight& before) const
 {
-    if (hasHung) {
-        return std::nullopt; // the beep of a hung engine comes after the output was taken over
+    constexpr double longestStart = 3.0; // seconds
+    if (hasHung || hadTrouble({"audio", "audio-engine", "music"}, at - longestStart)) {
+        return std::nullopt; // the output was taken over some time before the sound, or its beep, began
     }
     // An alarm that follows at once has found the output as the one before took it.
     const bool wasTouched = outputDeedAt >= rangSince;

@@ -106,8 +106,8 @@ Finding othersStayOthers(const Instants& is)
     const auto mine = is.now.inCloud.find(is.now.user);
     const auto isMine = [&](const UUID& id) { return mine != is.now.inCloud.end() && mine->second.contains(id); };
     constexpr double longestCheck = 600.0; // a check of the user that fails is repeated at growing intervals
-    const bool isKnown =
-        is.now.at - is.past.calmSince > longestCheck && is.now.at - is.past.userChangedAt > longestCheck;
+    const bool isKnown = !is.past.hasHung && is.now.at - is.past.calmSince > longestCheck &&
+                         is.now.at - is.past.userChangedAt > longestCheck;
     for (const auto& [id, row] : is.now.listed) {
         if (!isKnown || row.storage != AlertStorageLocation::cloud) {
             continue;
@@ -280,9 +280,9 @@ Finding assertionFollowsArming(const Instants& is)
     if (since == never || is.now.at - since <= settling) {
         return std::nullopt;
     }
-    const double changed = std::max(is.past.armedSince, is.past.disarmedSince);
+    // An assertion that could not be released stays until the process ends.
     const bool isBroken =
-        is.past.hasHung || is.past.hadTrouble({"power-assertions"}, changed - settling) || isIconStale(is);
+        is.past.hasHung || is.past.hadTrouble({"power-assertions"}, is.past.launchedAt) || isIconStale(is);
     if (!isBroken) {
         return std::string{"the Mac is "} + (is.now.showsArmed ? "armed" : "not armed") + ", and its assertion is " +
                (is.now.holdsArmedAssertion ? "held" : "not held");
@@ -365,6 +365,9 @@ Finding nothingWaitsInCalm(const Instants& is)
     if (is.past.calmSince == never || is.now.at - is.past.calmSince < calm ||
         is.now.at - is.past.lastCauseAt() < calm || is.now.at - is.past.clockJumpedAt < calm) {
         return std::nullopt;
+    }
+    if (is.past.hadTrouble({"host"}, is.past.launchedAt)) {
+        return std::nullopt; // this process keeps its alerts in a temporary folder, and does not see the others
     }
     // A copy that could not be removed after its upload stays until the next launch.
     const auto mine = is.now.inCloud.find(is.now.user);
