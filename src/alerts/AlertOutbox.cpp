@@ -202,12 +202,12 @@ Async<AlertOutbox::Photo> AlertOutbox::photoHere(UUID id, QualityOfService prior
     co_return photo;
 }
 
-/// Whether deletions wait, or uploads not under way, or files that could not be read, or the question who is signed in:
-/// until its answer the rows of an earlier user may still be shown.
+/// Whether deletions wait, or uploads not under way, or files that could not be read or removed, or the question who is
+/// signed in: until its answer the rows of an earlier user may still be shown.
 bool AlertOutbox::isAnythingOwed(bool countsRefused) const
 {
     const std::unordered_set<UUID> waiting = waitingIDs();
-    return cloud_.isOwnerCheckOwed() || !localStore_.isWhole() ||
+    return cloud_.isOwnerCheckOwed() || !localStore_.isSettled() ||
            !pendingDeletions_.idsOf(cloud_.cacheOwner()).empty() ||
            std::ranges::any_of(waiting, [this, countsRefused](const UUID& id) {
                return !uploader_.isUploading(id) && (countsRefused || !refused_.contains(id));

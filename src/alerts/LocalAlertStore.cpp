@@ -8,6 +8,7 @@
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
+#include <cerrno>
 #include <string>
 #include <system_error>
 #include <utility>
@@ -69,6 +70,7 @@ LocalAlertStore::LocalAlertStore(MainActor actor, ports::FileSystem& files, port
 void LocalAlertStore::save(const AlertEvent& alert, const std::optional<Bytes>& photo, bool pendingUpload)
 {
     const StoredAlert stored{alert, pendingUpload};
+    removed_.erase(alert.id);
     write(alertFile(alert.id), bytesOf(encodeJson(encodeStoredAlert(stored))));
     if (photo) {
         write(photoFile(alert.id), *photo);
@@ -103,6 +105,9 @@ std::vector<StoredAlert> LocalAlertStore::alerts()
 
 Async<std::vector<StoredAlert>> LocalAlertStore::alertsInBackground()
 {
+    for (const UUID& id : std::unordered_set<UUID>{removed_}) {
+        remove(id);
+    }
     if (!index_ || !isWhole_) {
         auto reading = detached(actor_.scheduler(), QualityOfService::userInitiated,
                                 [&files = files_, directory = directory_] { return readFolder(files, directory); });
@@ -150,10 +155,24 @@ std::filesystem::path LocalAlertStore::photoFile(const UUID& id)
 
 void LocalAlertStore::remove(const UUID& id)
 {
-    files_.remove(alertFile(id));
-    files_.remove(photoFile(id));
     if (index_) {
         index_->erase(id);
+    }
+    const bool isGone = removeFile(alertFile(id));
+    if (removeFile(photoFile(id)) && isGone) {
+        removed_.erase(id);
+    } else {
+        removed_.insert(id);
+    }
+}
+
+bool LocalAlertStore::removeFile(const std::filesystem::path& file)
+{
+    try {
+        const int error = files_.remove(file);
+        return error == 0 || error == ENOENT;
+    } catch (...) {
+        return false;
     }
 }
 
@@ -195,10 +214,10 @@ LocalAlertStore::Index& LocalAlertStore::loadedIndex()
     return *index_;
 }
 
-bool LocalAlertStore::isWhole()
+bool LocalAlertStore::isSettled()
 {
     loadedIndex();
-    return isWhole_;
+    return isWhole_ && removed_.empty();
 }
 
 void LocalAlertStore::prune()
@@ -252,6 +271,7 @@ void LocalAlertStore::take(Folder folder)
     for (const std::string& name : folder.leftovers) {
         files_.remove(directory_ / name);
     }
+    std::erase_if(folder.index, [this](const auto& entry) { return removed_.contains(entry.first); });
     if (!index_) {
         index_ = std::move(folder.index);
         isWhole_ = folder.isWhole;

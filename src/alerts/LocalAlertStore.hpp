@@ -41,12 +41,12 @@ public:
     /// All alerts, newest first, and by identifier where dates are equal, so that the order is stable.
     [[nodiscard]] std::vector<StoredAlert> alerts();
 
-    /// The same, with the folder first read off the main thread, also anew if it was not read whole. The store must
-    /// outlive the call.
+    /// The same, with the folder first read off the main thread. Also makes up for what `isSettled` tells of. The store
+    /// must outlive the call.
     [[nodiscard]] Async<std::vector<StoredAlert>> alertsInBackground();
 
-    /// Whether every alert's file could be read. If not, `alertsInBackground` tries again.
-    [[nodiscard]] bool isWhole();
+    /// False while a file could not be read, or not removed.
+    [[nodiscard]] bool isSettled();
 
     /// The alerts that wait for upload, newest first.
     [[nodiscard]] std::vector<StoredAlert> alertsWaitingForUpload();
@@ -60,7 +60,7 @@ public:
     /// Where the alert's photo is, or would be.
     [[nodiscard]] std::filesystem::path photoFile(const UUID& id);
 
-    /// Removes an alert's files; failures are ignored.
+    /// Removes an alert and its files. A file that can't be removed is forgotten, and removed later.
     void remove(const UUID& id);
     void remove(const std::unordered_set<UUID>& ids);
 
@@ -79,6 +79,7 @@ private:
     void write(const std::filesystem::path& file, BytesView content);
     Index& loadedIndex();
     void prune();
+    bool removeFile(const std::filesystem::path& file);
     static std::optional<StoredAlert> readAlert(ports::FileSystem& files, const std::filesystem::path& file);
     static Folder readFolder(ports::FileSystem& files, const std::filesystem::path& directory);
     void take(Folder folder);
@@ -88,6 +89,7 @@ private:
     const std::filesystem::path directory_;
     std::optional<Index> index_;
     bool isWhole_ = true;
+    std::unordered_set<UUID> removed_; ///< with a file that could not be removed so far
 };
 
 } // namespace sentrel

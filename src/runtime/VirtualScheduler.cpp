@@ -222,7 +222,8 @@ void VirtualClock::blockUntil(Latch& latch)
     if (blocked != nullptr) {
         blocked->setBlocked(true);
     }
-    while (!latch.isOpen()) {
+    const auto isEnding = [this] { return runner_ != nullptr && runner_->isEnding(); };
+    while (!latch.isOpen() && !isEnding()) {
         if (runNextJob()) {
             continue;
         }

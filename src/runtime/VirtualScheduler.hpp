@@ -17,9 +17,12 @@ public:
     /// Runs the job. False when the job never ends: a serial or main executor then stands still, and the clock goes on.
     virtual bool run(Job& job) = 0;
 
-    /// Called by a job that blocks: leaves it until the latch is open, while `run` returns false. False at once if the
-    /// calling job can't be left.
+    /// Called by a job that blocks: leaves it until the latch is open or its process ends, while `run` returns false.
+    /// False at once if the calling job can't be left.
     virtual bool waitApart(Latch& latch) = 0;
+
+    /// Whether a process ends, and nothing that its jobs wait for comes any more.
+    [[nodiscard]] virtual bool isEnding() const = 0;
 
     /// How `resume` ended.
     enum class Resumed { none, untilItsEnd, untilItBlocked };

@@ -50,8 +50,8 @@ public:
         throw CallEnded{};
     }
 
-    /// On the worker's own thread: leaves the job until it is resumed, or throws because the process ends.
-    void waitFor(Latch& latch, const bool& isEnding)
+    /// On the worker's own thread: leaves the job until it is resumed.
+    void waitFor(Latch& latch)
     {
         std::unique_lock guard{mutex_};
         latch_ = &latch;
@@ -59,9 +59,6 @@ public:
         changed_.notify_all();
         changed_.wait(guard, [this] { return state_ != State::hung; });
         latch_ = nullptr;
-        if (isEnding) {
-            throw CallEnded{};
-        }
     }
 
     [[nodiscard]] bool isWaiting() const { return latch_ != nullptr; }
@@ -70,7 +67,7 @@ public:
     /// Lets the job that waits go on. False when it hangs, or waits anew. Throws what the job throws.
     bool goOn() { return isOverAfter(handAndWait(State::running)); }
 
-    /// Makes the hanging call throw, and waits for its job to end.
+    /// Makes the hanging call throw, or the waiting one return, and waits for its job to end.
     void end()
     {
         handAndWait(State::running);
@@ -138,23 +135,12 @@ thread_local HangingCalls::Worker* HangingCalls::Worker::ownWorker = nullptr;
 
 HangingCalls::HangingCalls(VirtualClock& clock, const VirtualScheduler& process) : clock_(clock), process_(process)
 {
+    clock_.setJobRunner(this);
 }
 
 HangingCalls::~HangingCalls()
 {
     end();
-    clock_.setJobRunner(nullptr);
-}
-
-void HangingCalls::prepare()
-{
-    isPrepared_ = true;
-    clock_.setJobRunner(this);
-}
-
-void HangingCalls::rest()
-{
-    isPrepared_ = false;
     clock_.setJobRunner(nullptr);
 }
 
@@ -180,6 +166,10 @@ void HangingCalls::end()
 
 bool HangingCalls::run(Job& job)
 {
+    if (!isPrepared_) {
+        job.run();
+        return true;
+    }
     // Not the calling thread, which is left behind if the job hangs; a job that blocks runs others on further threads.
     auto worker = idle_.empty() ? std::make_unique<Worker>() : std::move(idle_.back());
     if (!idle_.empty()) {
@@ -195,7 +185,7 @@ bool HangingCalls::waitApart(Latch& latch)
     if (worker == nullptr) {
         return false;
     }
-    worker->waitFor(latch, isEnding_);
+    worker->waitFor(latch);
     return true;
 }
 

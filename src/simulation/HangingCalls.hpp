@@ -22,10 +22,11 @@ public:
     HangingCalls(const HangingCalls&) = delete;
 
     /// Jobs that start from now on may hang.
-    void prepare();
+    void prepare() { isPrepared_ = true; }
 
-    /// The clock runs later jobs itself again, which is faster; they can't hang. Calls that hang stay where they are.
-    void rest();
+    /// Later jobs run on the clock's own thread again, which is faster; they can't hang. Calls that hang stay where
+    /// they are.
+    void rest() { isPrepared_ = false; }
     [[nodiscard]] bool isPrepared() const { return isPrepared_; }
 
     /// Whether a job that blocks was left until it can go on. No rest until then.
@@ -43,7 +44,7 @@ public:
     /// The process dies: hanging calls throw, and their stacks unwind. Meanwhile `isEnding` is true and calls have no
     /// effect. Call before the process's objects are destroyed.
     void end();
-    [[nodiscard]] bool isEnding() const { return isEnding_; }
+    [[nodiscard]] bool isEnding() const override { return isEnding_; }
 
 private:
     class Worker;

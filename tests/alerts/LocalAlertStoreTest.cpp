@@ -192,13 +192,31 @@ TEST_F(LocalAlertStoreTest, WhatCouldNotBeReadIsReadLater)
     for (const char* fault : {"list", "read"}) {
         LocalAlertStore reading = store();
         ASSERT_TRUE(files.faults().set(fault, 1));
-        EXPECT_FALSE(reading.isWhole()) << fault;
+        EXPECT_FALSE(reading.isSettled()) << fault;
         EXPECT_EQ(reading.storedAlert(alert(1, 1).id)->alert.timestamp, alert(1, 1).timestamp) << fault;
         std::vector<StoredAlert> listed;
         MainActor{scheduler}.spawn(list(reading, listed));
         clock.runUntilIdle();
         EXPECT_EQ(dates(listed), (std::vector<double>{2, 1})) << fault;
-        EXPECT_TRUE(reading.isWhole()) << fault;
+        EXPECT_TRUE(reading.isSettled()) << fault;
+    }
+}
+
+TEST_F(LocalAlertStoreTest, WhatCouldNotBeRemovedIsRemovedLaterAndIsNotBackBefore)
+{
+    for (const int failures : {1, 2}) { // of the alert's file, and the photo's
+        LocalAlertStore removing = store();
+        removing.save(alert(1, 1), photo, true);
+        ASSERT_TRUE(files.faults().set("remove", failures));
+        removing.remove(alert(1, 1).id);
+        EXPECT_THAT(removing.alerts(), IsEmpty());
+        EXPECT_FALSE(removing.isSettled());
+        std::vector<StoredAlert> listed;
+        MainActor{scheduler}.spawn(list(removing, listed));
+        clock.runUntilIdle();
+        EXPECT_THAT(listed, IsEmpty());
+        EXPECT_TRUE(removing.isSettled());
+        EXPECT_TRUE(std::filesystem::is_empty(folder())) << failures;
     }
 }
 
