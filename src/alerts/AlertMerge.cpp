@@ -99,6 +99,9 @@ std::size_t placeInOrder(const std::vector<AlertRow>& rows, Date timestamp, cons
 
 void insertInOrder(std::vector<AlertRow>& rows, std::vector<AlertRow> more)
 {
+    if (more.empty()) {
+        return; // the merge below moves every row
+    }
     if (more.size() == 1) {
         const std::size_t place = placeInOrder(rows, more[0].alert.timestamp, more[0].alert.id);
         rows.insert(rows.begin() + static_cast<std::ptrdiff_t>(place), std::move(more[0]));

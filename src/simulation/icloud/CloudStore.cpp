@@ -19,28 +19,11 @@ constexpr std::int64_t assetKind = 5;
 static_assert(std::is_same_v<std::variant_alternative_t<listKind, ServerValue>, TextList>);
 static_assert(std::is_same_v<std::variant_alternative_t<assetKind, ServerValue>, Bytes>);
 
-/// A JSON array, written text by text: a catalog holds thousands.
-std::string encodeTexts(const TextList& texts)
-{
-    constexpr std::size_t delimiters = 3; // quotation marks and a comma
-    std::string encoded = "[";
-    encoded.reserve(texts.joined().size() + delimiters * texts.size() + 2);
-    for (const std::string_view text : texts) {
-        if (encoded.size() > 1) {
-            encoded += ',';
-        }
-        appendJsonText(encoded, text);
-    }
-    return encoded += ']';
-}
-
+/// For all values but lists.
 SqliteValue columnValue(const ServerValue& value)
 {
     if (const auto* const date = std::get_if<Date>(&value)) {
         return date->secondsSinceReferenceDate;
-    }
-    if (const auto* const texts = std::get_if<TextList>(&value)) {
-        return encodeTexts(*texts);
     }
     if (const auto* const text = std::get_if<std::string>(&value)) {
         return *text;
@@ -54,37 +37,6 @@ SqliteValue columnValue(const ServerValue& value)
     return std::get<Bytes>(value);
 }
 
-/// The texts of an encoded list without escapes, in which quotation marks only delimit texts.
-TextList plainTextsOf(std::string_view encoded)
-{
-    TextListWriter texts;
-    texts.reserve(0, encoded.size());
-    for (std::size_t open = encoded.find('"'); open != std::string_view::npos;) {
-        const std::size_t close = encoded.find('"', open + 1);
-        if (close == std::string_view::npos) {
-            break; // not written by this server
-        }
-        texts.add(encoded.substr(open + 1, close - open - 1));
-        open = encoded.find('"', close + 1);
-    }
-    return texts.take();
-}
-
-TextList textsOf(const Bytes& encoded)
-{
-    if (textOf(encoded).find('\\') == std::string_view::npos) {
-        return plainTextsOf(textOf(encoded)); // fast, for a catalog's thousands of identifiers
-    }
-    TextListWriter texts;
-    const auto list = parseJson(encoded);
-    for (const Json& text : list.value_or(Json::array())) {
-        if (text.is_string()) {
-            texts.add(text.get_ref<const std::string&>());
-        }
-    }
-    return texts.take();
-}
-
 /// Whether the value counts as 8 bytes, whatever it is.
 bool hasFixedSize(const ServerValue& value)
 {
@@ -92,6 +44,7 @@ bool hasFixedSize(const ServerValue& value)
            std::holds_alternative<Date>(value);
 }
 
+/// For all kinds but lists and assets.
 ServerValue fieldValue(const SqliteStatement& row, std::int64_t kind, int column)
 {
     switch (kind) {
@@ -101,12 +54,8 @@ ServerValue fieldValue(const SqliteStatement& row, std::int64_t kind, int column
         return row.integer(column);
     case 2:
         return row.real(column);
-    case 3:
-        return Date{row.real(column)};
-    case listKind:
-        return textsOf(row.bytes(column));
     default:
-        return row.bytes(column);
+        return Date{row.real(column)};
     }
 }
 
@@ -117,6 +66,8 @@ CloudStore::CloudStore(const std::filesystem::path& file, Date now) : database_(
     // The log survives the end of this program; a simulated server needs no more durability.
     database_.run("PRAGMA synchronous = OFF");
     database_.run("PRAGMA journal_mode = WAL");
+    // Some builds of SQLite overwrite each page that is freed: all pages of a catalog with each alert.
+    database_.run("PRAGMA secure_delete = OFF");
     if (database_.text("PRAGMA quick_check(1)") != "ok") {
         throw SqliteError::damage("the database is damaged");
     }
@@ -176,25 +127,46 @@ std::optional<ServerRecord> CloudStore::read(const std::string& name, const port
     if (!header) {
         return std::nullopt;
     }
-    ServerRecord record{header->type, name, {}, header->tag, header->modificationDate};
-    readFields(header->id, wanted, assets, record);
-    return record;
+    return ServerRecord{header->type, name, readFields(*header, wanted, assets), header->tag, header->modificationDate};
 }
 
-void CloudStore::readFields(std::int64_t id, const ports::CloudDesiredKeys& wanted, Assets assets, ServerRecord& record)
+ServerFields CloudStore::readFields(const Header& record, const ports::CloudDesiredKeys& wanted, Assets assets)
 {
-    SqliteStatement row = database_.prepare("SELECT name, kind, value FROM fields WHERE record = ?");
-    row.start({id});
+    // SQLite reads the values of a row as soon as it steps there: those of photos and lists are large.
+    SqliteStatement row =
+        database_.prepare("SELECT name, kind, CASE WHEN kind < 4 THEN value END FROM fields WHERE record = ?");
+    row.start({record.id});
+    ServerFields fields;
     while (row.next()) {
-        std::string field = row.text(0);
+        const std::string field = row.text(0);
         const std::int64_t kind = row.integer(1);
-        // Unwanted values are never read: photos are large.
         if ((wanted && std::ranges::find(*wanted, field) == wanted->end()) ||
             (kind == assetKind && assets == Assets::none)) {
             continue;
         }
-        record.fields.emplace(std::move(field), fieldValue(row, kind, 2));
+        if (kind == listKind) {
+            fields.emplace(field, readList(record, field));
+        } else if (kind == assetKind) {
+            fields.emplace(field, readLarge(record.id, field));
+        } else {
+            fields.emplace(field, fieldValue(row, kind, 2));
+        }
     }
+    return fields;
+}
+
+TextList CloudStore::readList(const Header& record, const std::string& field)
+{
+    const StoredLists::Place place{record.id, field};
+    const TextList* const known = lists_.find(place, record.tag);
+    return known != nullptr ? *known : lists_.keep(place, record.tag, readLarge(record.id, field));
+}
+
+Bytes CloudStore::readLarge(std::int64_t id, const std::string& field)
+{
+    SqliteStatement row = database_.prepare("SELECT value FROM fields WHERE record = ? AND name = ?");
+    row.start({id, field});
+    return row.next() ? row.bytes(0) : Bytes{};
 }
 
 ServerRecord CloudStore::write(const ServerRecord& record, const std::optional<Header>& known, Date now)
@@ -210,7 +182,7 @@ ServerRecord CloudStore::write(const ServerRecord& record, const std::optional<H
     const std::int64_t id = known ? known->id : find(record.name)->id;
     ServerRecord stored{record.type, record.name, {}, std::move(tag), now};
     if (known) {
-        readFields(id, std::nullopt, Assets::none, stored);
+        stored.fields = readFields(*known, std::nullopt, Assets::none);
     }
     writeFields(id, record, stored);
     return stored;
@@ -234,16 +206,34 @@ void CloudStore::writeFields(std::int64_t id, const ServerRecord& record, Server
         } else {
             stored.fields.insert_or_assign(name, value);
         }
-        field.start({id, name, static_cast<std::int64_t>(value.index()), columnValue(value)});
+        const auto* const texts = std::get_if<TextList>(&value);
+        SqliteValue column = texts == nullptr
+                                 ? columnValue(value)
+                                 : SqliteValue{std::string_view{lists_.encode({id, name}, stored.tag, *texts)}};
+        field.start({id, name, static_cast<std::int64_t>(value.index()), std::move(column)});
         static_cast<void>(field.next());
     }
+    const std::int64_t listBytes = keepLists(id, stored);
     if (isSameSize && !stored.fields.empty()) {
         return;
     }
-    database_.run("REPLACE INTO sizes SELECT ?, 64 + length(?) + coalesce(sum(length(name) + "
-                  "CASE typeof(value) WHEN 'blob' THEN length(value) WHEN 'text' THEN length(CAST(value AS BLOB)) "
-                  "ELSE 8 END), 0) FROM fields WHERE record = ?",
-                  {id, record.name, id});
+    database_.run("REPLACE INTO sizes SELECT ?, 64 + length(?) + ? + coalesce(sum(length(name) + "
+                  "CASE WHEN kind = 4 THEN 0 WHEN typeof(value) = 'blob' THEN length(value) "
+                  "WHEN typeof(value) = 'text' THEN length(CAST(value AS BLOB)) ELSE 8 END), 0) "
+                  "FROM fields WHERE record = ?",
+                  {id, record.name, listBytes, id});
+}
+
+/// Keeps the lists of the record's new version. Returns the bytes that they take.
+std::int64_t CloudStore::keepLists(std::int64_t id, const ServerRecord& stored)
+{
+    std::size_t size = 0;
+    for (const auto& [name, value] : stored.fields) {
+        if (const auto* const texts = std::get_if<TextList>(&value)) {
+            size += lists_.encode({id, name}, stored.tag, *texts).size();
+        }
+    }
+    return static_cast<std::int64_t>(size);
 }
 
 void CloudStore::remove(const Header& record)
@@ -251,6 +241,7 @@ void CloudStore::remove(const Header& record)
     database_.run("DELETE FROM fields WHERE record = ?", {record.id});
     database_.run("DELETE FROM sizes WHERE record = ?", {record.id});
     database_.run("DELETE FROM records WHERE id = ?", {record.id});
+    lists_.forget(record.id);
 }
 
 std::vector<std::string> CloudStore::select(const ports::CloudQuery& query)

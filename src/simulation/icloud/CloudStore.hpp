@@ -3,6 +3,7 @@
 #include "simulation/icloud/PredicateSql.hpp"
 #include "simulation/icloud/ServerRecord.hpp"
 #include "simulation/icloud/Sqlite.hpp"
+#include "simulation/icloud/StoredLists.hpp"
 
 #include <cstdint>
 #include <filesystem>
@@ -70,11 +71,15 @@ private:
     [[nodiscard]] std::optional<ServerRecord> read(const std::string& name, const ports::CloudDesiredKeys& wanted,
                                                    Assets assets);
     [[nodiscard]] std::vector<ports::CloudSubscription> readSubscriptions();
-    void readFields(std::int64_t id, const ports::CloudDesiredKeys& wanted, Assets assets, ServerRecord& record);
+    [[nodiscard]] ServerFields readFields(const Header& record, const ports::CloudDesiredKeys& wanted, Assets assets);
+    [[nodiscard]] TextList readList(const Header& record, const std::string& field);
+    [[nodiscard]] Bytes readLarge(std::int64_t id, const std::string& field);
     void writeFields(std::int64_t id, const ServerRecord& record, ServerRecord& stored);
+    [[nodiscard]] std::int64_t keepLists(std::int64_t id, const ServerRecord& stored);
 
     SqliteDatabase database_;
     std::string epoch_;
+    StoredLists lists_;
     std::optional<std::vector<ports::CloudSubscription>> subscriptions_; // as stored; none until they are asked for
 };
 

@@ -20,11 +20,13 @@ namespace sentrel::simulation {
 /// A field's value at the server; for an asset, its content.
 using ServerValue = std::variant<std::string, std::int64_t, double, Date, TextList, Bytes>;
 
+using ServerFields = std::map<std::string, ServerValue>;
+
 /// A record as the server stores it, or as a device sends it.
 struct ServerRecord {
     std::string type;
     std::string name;
-    std::map<std::string, ServerValue> fields;
+    ServerFields fields;
     std::string tag; ///< its version; empty if it was never fetched
     Date modificationDate{};
 };

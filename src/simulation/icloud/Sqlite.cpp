@@ -79,6 +79,8 @@ void SqliteStatement::bind(int place, const SqliteValue& value)
         code = sqlite3_bind_double(statement_, place, *real);
     } else if (const auto* const text = std::get_if<std::string>(&value)) {
         code = sqlite3_bind_text64(statement_, place, text->data(), text->size(), SQLITE_TRANSIENT, SQLITE_UTF8);
+    } else if (const auto* const view = std::get_if<std::string_view>(&value)) {
+        code = sqlite3_bind_text64(statement_, place, view->data(), view->size(), SQLITE_STATIC, SQLITE_UTF8);
     } else if (const auto* const bytes = std::get_if<Bytes>(&value)) {
         // No bytes become an empty blob; a null pointer would mean NULL.
         code = bytes->empty() ? sqlite3_bind_zeroblob(statement_, place, 0)

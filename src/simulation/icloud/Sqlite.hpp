@@ -9,6 +9,7 @@
 #include <optional>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 #include <variant>
 #include <vector>
 
@@ -35,7 +36,8 @@ private:
     int code_;
 };
 
-using SqliteValue = std::variant<std::monostate, std::int64_t, double, std::string, Bytes>;
+/// A value for a question mark. A view is not copied: its text outlives the run of the statement.
+using SqliteValue = std::variant<std::monostate, std::int64_t, double, std::string, std::string_view, Bytes>;
 
 /// Frees an SQLite statement.
 struct SqliteFinalize {

@@ -4,9 +4,11 @@
 #include "simulation/icloud/CompanionPhone.hpp"
 #include "simulation/icloud/Sqlite.hpp"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <fstream>
+#include <random>
 #include <set>
 #include <string_view>
 #include <thread>
@@ -17,6 +19,7 @@ namespace {
 using namespace std::chrono_literals;
 using namespace std::string_literals;
 using ports::CloudRecord;
+using testing::ElementsAre;
 
 class PrivateCloudTest : public testing::Test, protected CloudScene {
 protected:
@@ -24,6 +27,8 @@ protected:
     {
         return disk.path() / "iCloud" / name;
     }
+
+    static constexpr auto changedKeys = ports::CloudSavePolicy::changedKeys;
 
     static int put(PrivateCloud& cloud, const std::string& user, const std::string& name)
     {
@@ -116,6 +121,40 @@ TEST_F(PrivateCloudTest, AVersionOfTheLostDatabaseIsNoVersionOfTheNewOne)
     ASSERT_EQ(put(*later, "owner", "one"), 0);
     const ServerBatch batch{{{"Thing", "one", {}, std::string{textOf(old.systemFields)}, {}}}, {}, {}, false, {}};
     EXPECT_EQ(codeOf(later->modify({"owner", "test"}, batch).saved.at("one")), CKError::serverRecordChanged);
+}
+
+TEST_F(PrivateCloudTest, AListIsTheSameToAServerThatKnowsItAndToOneThatReadsTheFile)
+{
+    const auto listOf = [](PrivateCloud& cloud) {
+        const auto found = cloud.fetch({"owner", "test"}, {"one"}, std::nullopt).at("one");
+        const auto* const record = std::get_if<ServerRecord>(&found);
+        const auto* const list = record == nullptr ? nullptr : fieldOf<TextList>(*record, "list");
+        return list == nullptr ? TextList{} : *list;
+    };
+    std::mt19937 random{7};
+    TextList expected;
+    int refusals = 0;
+    for (int turn = 0; turn < 300; ++turn) {
+        // The record is changed by this server or another, beside its list or in it, and a full account takes nothing.
+        const auto other = random() % 4 == 0 ? restart() : nullptr;
+        PrivateCloud& writer = other == nullptr ? server : *other;
+        const std::string added = std::vector{"plain"s, ""s, "\"quoted\", "s, "back\\slash"s, "\u00fc"s}[random() % 5];
+        const TextList next =
+            random() % 5 == 0 ? expected.from(random() % (expected.size() + 1)) : expected.with({added});
+        const bool isListed = random() % 3 != 0;
+        ServerRecord record{"Thing", "one", {{"word", std::string(random() % 40, 'x')}}, {}, {}};
+        if (isListed) {
+            record.fields["list"] = next;
+        }
+        writer.setQuota("owner", random() % 4 == 0 ? std::optional{0} : std::nullopt);
+        const int code =
+            codeOf(writer.modify({"owner", "test"}, {{record}, {}, changedKeys, false, {}}).saved.at("one"));
+        refusals += code == CKError::quotaExceeded ? 1 : 0;
+        expected = code == 0 && isListed ? next : expected;
+        ASSERT_EQ(listOf(server), expected) << turn;
+        ASSERT_EQ(listOf(*restart()), expected) << turn;
+    }
+    EXPECT_GT(refusals, 10);
 }
 
 TEST_F(PrivateCloudTest, EachUserHasAFileInTheFolderWhateverTheNameIs)

@@ -21,8 +21,8 @@ constexpr std::int64_t enabled = 1;
 constexpr std::int64_t requiresApproval = 2;
 constexpr std::int64_t notFound = 3;
 
-constexpr std::uint32_t fileMode = 0600;
-constexpr std::uint32_t folderMode = 0700;
+constexpr std::uint32_t itemFileMode = 0600;
+constexpr std::uint32_t itemFolderMode = 0700;
 
 } // namespace
 
@@ -62,10 +62,10 @@ std::optional<std::string> SimulatedLoginItem::unregisterItem()
 std::optional<std::string> SimulatedLoginItem::setStatus(std::int64_t status)
 {
     const PortCalls::DeviceScope scope;
-    files_.createDirectories(file_.parent_path(), folderMode);
+    files_.createDirectories(file_.parent_path(), itemFolderMode);
     Json document = Json::object();
     document["status"] = status;
-    const int error = ports::writeDurably(files_, file_, bytesOf(encodeJson(document)), fileMode);
+    const int error = ports::writeDurably(files_, file_, bytesOf(encodeJson(document)), itemFileMode);
     if (error != 0) {
         return std::generic_category().message(error);
     }
