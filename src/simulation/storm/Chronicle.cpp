@@ -274,7 +274,7 @@ void Chronicle::noteAlerts(const Sight& now)
             if (hasLeftList || hasLeftDisk) {
                 known->second.deletedAt = std::min(known->second.deletedAt, at);
             }
-            known->second.isDeletionCut = known->second.isDeletionCut || mayBeTroubled_ || !now.isRunning;
+            known->second.mayBeGone = known->second.mayBeGone || mayBeTroubled_ || !now.isRunning;
         }
         listBeforeDeletion_.reset();
     }
@@ -304,6 +304,7 @@ void Chronicle::noteAlert(const UUID& id, const std::string& reason)
         return;
     }
     KnownAlert& alert = place->second;
+    alert.mayBeGone = hadTrouble({"host"}, launchedAt);
     alert.reason = reason;
     alert.firstSeen = at;
     alert.hasCause = reason.empty();

@@ -39,8 +39,9 @@ struct KnownAlert {
     std::string reason;
     double firstSeen = 0.0;
     double deletedAt = std::numeric_limits<double>::infinity();
-    bool isDeletionCut = false; ///< a fault or the process's end has struck its deletion: it may go, or stay
-    std::string owner;          ///< the user in whose database it was first seen; empty before that
+    /// A fault or the process's end has struck its deletion, or its process kept it in a temporary folder.
+    bool mayBeGone = false;
+    std::string owner; ///< the user in whose database it was first seen; empty before that
     bool hasCause = true;
 };
 

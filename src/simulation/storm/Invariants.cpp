@@ -44,7 +44,7 @@ std::string textOf(const OutputState& output)
 Finding alertsSurvive(const Instants& is)
 {
     for (const auto& [id, alert] : is.past.alerts) {
-        if (alert.deletedAt <= is.now.at || alert.isDeletionCut || isAnywhere(id, is.now)) {
+        if (alert.deletedAt <= is.now.at || alert.mayBeGone || isAnywhere(id, is.now)) {
             continue;
         }
         // The process holds an alert that the disk refused. The alert ends with the process.
