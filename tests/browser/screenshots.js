@@ -6,7 +6,10 @@ import { closeBrowser, newContext } from "./support/browser.js";
 import { Desk } from "./support/desk.js";
 import { Simulator } from "./support/simulator.js";
 
-const folder = process.argv[2] ?? "build/screenshots";
+// The README's are JPEGs in docs/, the others PNGs.
+const ofReadme = ["alarm", "alerts", "dark", "lock-screen"];
+const isForReadme = process.argv[2] === "--readme";
+const folder = isForReadme ? "docs" : (process.argv[2] ?? "build/screenshots");
 
 /// Opens the page of a MacBook of its own, and has the states taken in their order.
 async function withDesk(options, take) {
@@ -24,6 +27,9 @@ async function withDesk(options, take) {
 }
 
 async function picture(desk, name) {
+    if (isForReadme && !ofReadme.includes(name)) {
+        return;
+    }
     // Without the pointer's and the keyboard's traces, and with all pictures there.
     await desk.page.mouse.move(0, 0);
     await desk.page.evaluate(() => {
@@ -31,14 +37,16 @@ async function picture(desk, name) {
         const seen = [...document.images].filter((image) => image.getBoundingClientRect().top < innerHeight);
         return Promise.all(seen.map((image) => image.decode().catch(() => {})));
     });
-    await desk.page.screenshot({ path: path.join(folder, `${name}.png`) });
-    console.log(path.join(folder, `${name}.png`));
+    const file = path.join(folder, isForReadme ? `${name}.jpg` : `${name}.png`);
+    await desk.page.screenshot(isForReadme ? { path: file, type: "jpeg", quality: 70 } : { path: file });
+    console.log(file);
 }
 
 async function lookAtAlert(desk) {
     const list = await desk.open("Alert List", "Alert List");
     await list.getByRole("option").click();
     await list.getByRole("img", { name: "Photo of the alert" }).waitFor();
+    await list.getByText("Waiting to upload to iCloud").first().waitFor({ state: "hidden" });
 }
 
 async function firstVisit(desk) {
@@ -55,7 +63,9 @@ async function theft(desk) {
     await desk.button("Unplugged", desk.hardware).click();
     await desk.button("Photo: Unplugged", desk.phone).waitFor();
     await picture(desk, "alarm");
-    await desk.phone.screenshot({ path: path.join(folder, "phone.png") });
+    if (!isForReadme) {
+        await desk.phone.screenshot({ path: path.join(folder, "phone.png") });
+    }
     await desk.button("Stop Alarm", desk.menu).click();
     await desk.button("Log in", desk.screen).waitFor();
     await picture(desk, "login");
@@ -77,6 +87,7 @@ async function cover(desk) {
 
 async function german(desk) {
     await desk.phone.getByText("Keine Alarme").waitFor();
+    await desk.phone.getByText("In diesem Account wurde noch kein Mac gesehen.").waitFor({ state: "hidden" });
     await desk.openMenu();
     await picture(desk, "german");
 }
