@@ -26,8 +26,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
     const double brightness = photoBrightness(codec, bytes);
     require(brightness >= 0 && brightness <= 1, "a brightness beyond its range");
-    const int orientation = simulation::exifOrientation(bytes);
-    require(orientation >= 1 && orientation <= 8, "an orientation that is none");
+    const auto orientation = simulation::exifOrientation(bytes);
+    require(!orientation || (*orientation >= 1 && *orientation <= 8), "an orientation that is none");
     const auto small = codec.createThumbnail(bytes, 5, true);
     require(!small || codec.pixelSize(bytes), "a thumbnail of what has no size");
 
