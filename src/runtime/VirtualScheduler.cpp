@@ -230,7 +230,9 @@ void VirtualClock::blockUntil(Latch& latch)
         // What opens the latch comes after this run, or never.
         const bool isBeyond = limit_ && (!timers_.earliest() || *timers_.earliest() > *limit_);
         if (isBeyond && runner_ != nullptr && runner_->waitApart(latch)) {
-            current_ = blocked;
+            if (!isEnding()) { // nobody would set it back
+                current_ = blocked;
+            }
         } else if (!fireNextTimer(std::nullopt)) {
             throw std::logic_error{"deadlock: blocked on a latch that nothing can open"};
         }
