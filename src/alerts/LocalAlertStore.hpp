@@ -41,11 +41,11 @@ public:
     /// All alerts, newest first, and by identifier where dates are equal, so that the order is stable.
     [[nodiscard]] std::vector<StoredAlert> alerts();
 
-    /// The same, with the folder first read off the main thread. Also makes up for what `isSettled` tells of. The store
-    /// must outlive the call.
+    /// The same, with the folder first read off the main thread. Repeats the reads and removals that have failed. The
+    /// store must outlive the call.
     [[nodiscard]] Async<std::vector<StoredAlert>> alertsInBackground();
 
-    /// False while a file could not be read, or not removed.
+    /// Whether no failed read or removal of a file waits to be repeated.
     [[nodiscard]] bool isSettled();
 
     /// The alerts that wait for upload, newest first.
@@ -60,7 +60,7 @@ public:
     /// Where the alert's photo is, or would be.
     [[nodiscard]] std::filesystem::path photoFile(const UUID& id);
 
-    /// Removes an alert and its files. A file that can't be removed is forgotten, and removed later.
+    /// Removes an alert and its files. The alert is gone at once; the removal of a file that fails is repeated later.
     void remove(const UUID& id);
     void remove(const std::unordered_set<UUID>& ids);
 

@@ -123,7 +123,7 @@ private:
 
     AlertRowIndex index_;
     bool isIndexed_ = false; ///< the index knows the next list already
-    // Of the cloud's alerts since the list was made of them; null when the list is to be made anew.
+    // The changes of the cloud's alerts since the list was made; null if the list must be made anew.
     std::shared_ptr<const AlertMetadataCache::Changes> cloudChanges_;
     std::unordered_set<UUID> changedHere_; ///< rows changed by anything but a refresh since the last one
     std::unordered_set<UUID> hidden_;      ///< the cloud's alerts that the list doesn't show

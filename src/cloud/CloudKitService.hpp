@@ -119,10 +119,10 @@ public:
     /// The known alerts in the cloud, in no particular order.
     [[nodiscard]] std::vector<AlertEvent> cachedAlerts() const;
 
-    /// One of them; null when it isn't known. Valid until the next change.
+    /// The known alert with this identifier, or null. Valid until the next change.
     [[nodiscard]] const AlertEvent* cachedAlert(const UUID& id) const { return alerts_.cached(id); }
 
-    /// Collects the changes to them from now on, as long as the handle lives.
+    /// Collects the changes of the known alerts from now on, as long as the handle lives.
     [[nodiscard]] std::shared_ptr<const AlertMetadataCache::Changes> watchCachedAlerts() { return alerts_.watch(); }
 
     /// Updates the known alerts from the database, at a cost that grows with the changes only. Throws a failed

@@ -227,10 +227,10 @@ void VirtualClock::blockUntil(Latch& latch)
         if (runNextJob()) {
             continue;
         }
-        // What opens the latch comes after this run, or never.
+        // Nothing that is due in this run opens the latch.
         const bool isBeyond = limit_ && (!timers_.earliest() || *timers_.earliest() > *limit_);
         if (isBeyond && runner_ != nullptr && runner_->waitApart(latch)) {
-            if (!isEnding()) { // nobody would set it back
+            if (!isEnding()) { // then no `resumeJob` restores the current executor
                 current_ = blocked;
             }
         } else if (!fireNextTimer(std::nullopt)) {

@@ -40,24 +40,15 @@ public:
         return isOverAfter(handAndWait(State::running));
     }
 
-    /// On the worker's own thread.
-    [[noreturn]] void hang()
+    /// On the worker's own thread: leaves the job until `goOn` or `end`. The latch that it waits for, if any, tells
+    /// when it can go on.
+    void leave(Latch* latch = nullptr)
     {
         std::unique_lock guard{mutex_};
-        state_ = State::hung;
+        latch_ = latch;
+        state_ = State::left;
         changed_.notify_all();
-        changed_.wait(guard, [this] { return state_ != State::hung; });
-        throw CallEnded{};
-    }
-
-    /// On the worker's own thread: leaves the job until it is resumed.
-    void waitFor(Latch& latch)
-    {
-        std::unique_lock guard{mutex_};
-        latch_ = &latch;
-        state_ = State::hung;
-        changed_.notify_all();
-        changed_.wait(guard, [this] { return state_ != State::hung; });
+        changed_.wait(guard, [this] { return state_ != State::left; });
         latch_ = nullptr;
     }
 
@@ -67,7 +58,7 @@ public:
     /// Lets the job that waits go on. False when it hangs, or waits anew. Throws what the job throws.
     bool goOn() { return isOverAfter(handAndWait(State::running)); }
 
-    /// Makes the hanging call throw, or the waiting one return, and waits for its job to end.
+    /// Lets the job that was left run to its end, as a part of a process that ends.
     void end()
     {
         handAndWait(State::running);
@@ -75,7 +66,7 @@ public:
     }
 
 private:
-    enum class State { idle, running, hung, over };
+    enum class State { idle, running, left, over };
 
     void hand(State state)
     {
@@ -149,17 +140,16 @@ void HangingCalls::hang()
     if (Worker::current() == nullptr) {
         throw std::logic_error{"a call hangs without preparation"};
     }
-    Worker::current()->hang();
+    Worker::current()->leave();
+    throw CallEnded{};
 }
 
 void HangingCalls::end()
 {
     isEnding_ = true;
-    for (auto* const left : {&hung_, &waiting_}) {
-        for (auto& worker : std::exchange(*left, {})) {
-            worker->end();
-            idle_.push_back(std::move(worker));
-        }
+    for (auto& worker : std::exchange(left_, {})) {
+        worker->end();
+        idle_.push_back(std::move(worker));
     }
     isEnding_ = false;
 }
@@ -179,24 +169,29 @@ bool HangingCalls::run(Job& job)
     return finish(std::move(worker), [&] { return runs.run(job); });
 }
 
+bool HangingCalls::isAnyWaiting() const
+{
+    return std::ranges::any_of(left_, [](const auto& worker) { return worker->isWaiting(); });
+}
+
 bool HangingCalls::waitApart(Latch& latch)
 {
     Worker* const worker = Worker::current();
     if (worker == nullptr) {
         return false;
     }
-    worker->waitFor(latch);
+    worker->leave(&latch);
     return true;
 }
 
 JobRunner::Resumed HangingCalls::resume()
 {
-    const auto ready = std::ranges::find_if(waiting_, [](const auto& worker) { return worker->canGoOn(); });
-    if (ready == waiting_.end()) {
+    const auto ready = std::ranges::find_if(left_, [](const auto& worker) { return worker->canGoOn(); });
+    if (ready == left_.end()) {
         return Resumed::none;
     }
     auto worker = std::move(*ready);
-    waiting_.erase(ready);
+    left_.erase(ready);
     Worker& goesOn = *worker;
     return finish(std::move(worker), [&] { return goesOn.goOn(); }) ? Resumed::untilItsEnd : Resumed::untilItBlocked;
 }
@@ -212,7 +207,7 @@ template <class Part> bool HangingCalls::finish(std::unique_ptr<Worker> worker, 
         error = std::current_exception();
     }
     const bool hangs = !isOver && !worker->isWaiting();
-    (isOver ? idle_ : hangs ? hung_ : waiting_).push_back(std::move(worker));
+    (isOver ? idle_ : left_).push_back(std::move(worker));
     if (hangs && hasHung_) {
         hasHung_();
     }

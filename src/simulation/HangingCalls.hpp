@@ -30,7 +30,7 @@ public:
     [[nodiscard]] bool isPrepared() const { return isPrepared_; }
 
     /// Whether a job that blocks was left until it can go on. No rest until then.
-    [[nodiscard]] bool isAnyWaiting() const { return !waiting_.empty(); }
+    [[nodiscard]] bool isAnyWaiting() const;
 
     /// Called when a job has begun to hang, on the thread that ran it. Install before the first job.
     void onHang(std::function<void()> hasHung) { hasHung_ = std::move(hasHung); }
@@ -57,8 +57,7 @@ private:
     const VirtualScheduler& process_;
     std::function<void()> hasHung_;
     std::vector<std::unique_ptr<Worker>> idle_;
-    std::vector<std::unique_ptr<Worker>> waiting_;
-    std::vector<std::unique_ptr<Worker>> hung_;
+    std::vector<std::unique_ptr<Worker>> left_; ///< with a call that hangs, or a job that waits
     bool isPrepared_ = false;
     bool isEnding_ = false;
 };

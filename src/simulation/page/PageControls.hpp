@@ -8,7 +8,7 @@
 
 namespace sentrel::simulation {
 
-// What a person does on the Mac's screen. Each throws `BadRequest` for a body that makes no sense.
+// Requests that use the Mac's screen. Each throws `BadRequest` if its body is malformed.
 [[nodiscard]] PageAnswer useTree(LiveMac& mac, const Json& body);
 [[nodiscard]] PageAnswer useWindow(LiveMac& mac, const Json& body);
 [[nodiscard]] PageAnswer useMenu(LiveMac& mac, const Json& body);

@@ -18,7 +18,7 @@ class MacState;
 /// {reason, deviceName, photo, pendingUpload} of the last alert on the disk; null without one.
 [[nodiscard]] Json lastAlertOf(const MacState& state);
 
-/// Of the alerts on the disk, oldest first.
+/// The reasons of the alerts on the disk, oldest first.
 [[nodiscard]] Json alertReasonsOf(const MacState& state);
 
 /// {volume, muted} of each audio device by its number.
