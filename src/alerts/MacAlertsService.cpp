@@ -1,6 +1,5 @@
 #include "alerts/MacAlertsService.hpp"
 
-#include "alerts/AlertMerge.hpp"
 #include "alerts/AlertSections.hpp"
 #include "cloud/AsyncTimeout.hpp"
 #include "cloud/CloudErrors.hpp"
@@ -10,7 +9,6 @@
 #include "runtime/AssertOnMainActor.hpp"
 #include "runtime/CurrentTask.hpp"
 
-#include <algorithm>
 #include <chrono>
 #include <utility>
 
@@ -56,14 +54,9 @@ MacAlertsService::MacAlertsService(MainActor actor, CloudKitService& cloud, Loca
       cloud_(cloud),
       uploadsCaughtUp_(std::move(uploadsCaughtUp)),
       ports_(ports),
-      outbox_(actor, cloud, localStore, uploader, *this, {ports.defaults, ports.files})
+      outbox_(actor, cloud, localStore, uploader, *this, {ports.defaults, ports.files}),
+      rows_(alerts, cloud, outbox_)
 {
-    observations_.push_back(alerts.observe([this](const AlertList& list) {
-        if (!std::exchange(isIndexed_, false)) {
-            index_.rebuild(*list);
-            cloudChanges_ = nullptr;
-        }
-    }));
     observations_.push_back(cloud_.isAvailable.observe([this](bool) { refreshStorageNotice(); }));
     observations_.push_back(cloud_.isReachable.observe([this](bool) { refreshStorageNotice(); }));
 }
@@ -73,18 +66,13 @@ std::vector<AlertSection> MacAlertsService::sections() const
     return alertSections(alerts.get(), ports_.wallClock.now(), ports_.calendar, ports_.language);
 }
 
-bool MacAlertsService::holds(const UUID& id) const
-{
-    return index_.contains(id);
-}
-
 void MacAlertsService::merge(const StoredAlert& stored)
 {
     assertOnMainActor(actor_);
-    if (outbox_.isDeleted(stored.alert.id) || holds(stored.alert.id)) {
+    if (outbox_.isDeleted(stored.alert.id) || rows_.contains(stored.alert.id)) {
         return;
     }
-    change({{stored.alert.id, AlertRow{stored.alert, locationOf(stored)}}});
+    rows_.add({stored.alert, locationOf(stored)});
     refreshStorageNotice();
 }
 
@@ -139,8 +127,7 @@ Async<MacAlertsService::CloudAnswer> MacAlertsService::askCloud()
 
 Duration MacAlertsService::longestRefresh() const
 {
-    const bool isAnyKnown = index_.size() > index_.here().size();
-    const bool comesFromItsBeginning = !isAnyKnown && cloud_.cachedAlerts().empty();
+    const bool comesFromItsBeginning = !rows_.isAnyInCloud() && cloud_.cachedAlerts().empty();
     return comesFromItsBeginning || lastRefreshTimedOut_ ? longestFullRefresh : cloudTimeLimit;
 }
 
@@ -150,97 +137,18 @@ void MacAlertsService::apply(const CloudAnswer& answer, std::vector<StoredAlert>
     if (isFresh) {
         outbox_.deleteThoseReturned();
     }
-    const bool isUpToDate = cloud_.isAvailable && cloudChanges_ != nullptr && !cloudChanges_->isAnotherUser;
-    const bool areCopiesDropped = isUpToDate ? updateList(local, isFresh) : makeList(std::move(local), isFresh);
+    const std::unordered_set<UUID> redundant = rows_.refresh(std::move(local));
+    // Only a fresh answer justifies deleting the copies on this Mac.
+    const bool areCopiesDropped = isFresh && !redundant.empty();
+    if (areCopiesDropped) {
+        outbox_.dropCopies(redundant);
+    }
     errorMessage = answer.error;
     refreshStorageNotice();
     if (areCopiesDropped) {
         uploadsCaughtUp_();
     }
     outbox_.listRefreshed(isFresh);
-}
-
-/// Makes the list of all alerts. If it is fresh, first drops the alerts here that the cloud holds too; true when there
-/// were any.
-bool MacAlertsService::makeList(std::vector<StoredAlert> local, bool isFresh)
-{
-    std::vector<AlertEvent> remote;
-    hidden_.clear();
-    changedHere_.clear();
-    std::shared_ptr<const AlertMetadataCache::Changes> changesInCloud;
-    if (cloud_.isAvailable) {
-        remote = cloud_.cachedAlerts();
-        changesInCloud = cloud_.watchCachedAlerts();
-    }
-    std::erase_if(remote, [this](const AlertEvent& alert) { return visibleCloudAlert(alert.id) == nullptr; });
-    MergedAlerts merged = mergedAlerts(std::move(remote), std::move(local));
-    const bool areCopiesDropped = dropCopies(merged.redundant, isFresh);
-    publish(std::move(merged.rows));
-    cloudChanges_ = std::move(changesInCloud);
-    return areCopiesDropped;
-}
-
-/// Brings the list up to date, with the same result as `makeList`: it looks only at the alerts on this Mac, and at
-/// those whose row or whose state in the cloud may have changed since the list was made or updated. Each new alert has
-/// the list refreshed, and it may hold thousands.
-bool MacAlertsService::updateList(const std::vector<StoredAlert>& local, bool isFresh)
-{
-    std::unordered_map<UUID, const StoredAlert*> stored;
-    std::unordered_set<UUID> suspects = std::exchange(changedHere_, {});
-    for (const StoredAlert& each : local) {
-        stored.emplace(each.alert.id, &each);
-        suspects.insert(each.alert.id);
-    }
-    const auto changesInCloud = std::exchange(cloudChanges_, cloud_.watchCachedAlerts());
-    const std::unordered_set<UUID>& hidden = hidden_;
-    for (const auto* const ids : {&changesInCloud->ids, &changesInCloud->photos, &hidden, &index_.here()}) {
-        suspects.insert(ids->begin(), ids->end());
-    }
-    std::unordered_set<UUID> redundant;
-    std::vector<RowChange> changes;
-    for (const UUID& id : suspects) {
-        const AlertEvent* const inCloud = visibleCloudAlert(id);
-        const auto here = stored.find(id);
-        std::optional<AlertRow> row;
-        if (inCloud != nullptr) {
-            row = {*inCloud, AlertStorageLocation::cloud};
-        } else if (here != stored.end()) {
-            row = {here->second->alert, locationOf(*here->second)};
-        }
-        if (inCloud != nullptr && here != stored.end()) {
-            redundant.insert(id);
-        }
-        const auto place = index_.place(*alerts.get(), id);
-        const bool isSame = place ? row == (*alerts.get())[*place] : !row;
-        if (!isSame) {
-            changes.push_back({id, std::move(row)});
-        }
-    }
-    const bool areCopiesDropped = dropCopies(redundant, isFresh);
-    change(changes);
-    changedHere_.clear();
-    return areCopiesDropped;
-}
-
-/// Only a fresh answer justifies deleting the copies on this Mac.
-bool MacAlertsService::dropCopies(const std::unordered_set<UUID>& ids, bool isFresh)
-{
-    if (isFresh) {
-        outbox_.dropCopies(ids);
-    }
-    return isFresh && !ids.empty();
-}
-
-/// The cloud's alert unless the user has deleted it, which is noted in `hidden_`.
-const AlertEvent* MacAlertsService::visibleCloudAlert(const UUID& id)
-{
-    const AlertEvent* const alert = cloud_.cachedAlert(id);
-    if (alert == nullptr || !outbox_.hides(id)) {
-        hidden_.erase(id);
-        return alert;
-    }
-    hidden_.insert(id);
-    return nullptr;
 }
 
 void MacAlertsService::hold(const AlertEvent& alert, std::optional<Bytes> photo)
@@ -256,13 +164,7 @@ void MacAlertsService::deleteAlerts(const std::unordered_set<UUID>& ids)
         return;
     }
     outbox_.deleteAlerts(ids);
-    std::vector<RowChange> changes;
-    for (const UUID& id : ids) {
-        if (index_.contains(id)) {
-            changes.push_back({id, std::nullopt});
-        }
-    }
-    change(changes);
+    rows_.remove(ids);
     refreshStorageNotice();
     uploadsCaughtUp_();
 }
@@ -271,86 +173,21 @@ void MacAlertsService::attemptEnded(const UUID& id, AlertUploader::Outcome outco
 {
     iCloudStorageIsFull = outcome == AlertUploader::Outcome::storageFull;
     if (outcome == AlertUploader::Outcome::uploaded) {
-        showInCloud(id);
+        rows_.moveToCloud(id);
     }
     refreshStorageNotice();
 }
 
-void MacAlertsService::showInCloud(const UUID& id)
-{
-    const auto place = index_.place(*alerts.get(), id);
-    if (place && !index_.isInCloud(id)) {
-        change({{id, AlertRow{(*alerts.get())[*place].alert, AlertStorageLocation::cloud}}});
-    }
-}
-
 void MacAlertsService::subtractThoseInCloud(std::unordered_set<UUID>& ids) const
 {
-    std::erase_if(ids, [this](const UUID& id) { return index_.isInCloud(id); });
+    std::erase_if(ids, [this](const UUID& id) { return rows_.isInCloud(id); });
 }
 
 void MacAlertsService::userDidChange()
 {
     iCloudStorageIsFull = false;
-    cloudChanges_ = nullptr;
-    publish(mergedAlerts({}, outbox_.alertsHere()).rows);
+    rows_.startOver(outbox_.alertsHere());
     refreshStorageNotice();
-}
-
-void MacAlertsService::publish(std::vector<AlertRow> rows)
-{
-    if (*alerts.get() != rows) {
-        alerts = std::make_shared<std::vector<AlertRow>>(std::move(rows));
-    }
-}
-
-/// Changes some rows, each at most once, and publishes the list.
-void MacAlertsService::change(const std::vector<RowChange>& changes)
-{
-    if (changes.empty()) {
-        return;
-    }
-    std::vector<AlertRow> rows = takeRows();
-    // One after another would move the others each time.
-    std::unordered_set<UUID> leaving;
-    for (const auto& [id, row] : changes) {
-        changedHere_.insert(id);
-        const auto place = index_.place(rows, id);
-        if (place && row && rows[*place].alert.timestamp == row->alert.timestamp) {
-            rows[*place] = *row;
-        } else if (place) {
-            leaving.insert(id);
-        }
-    }
-    if (!leaving.empty()) {
-        std::erase_if(rows, [&leaving](const AlertRow& row) { return leaving.contains(row.alert.id); });
-    }
-    std::vector<AlertRow> arriving;
-    for (const auto& [id, row] : changes) {
-        const bool isNew = row && (leaving.contains(id) || !index_.contains(id));
-        if (isNew) {
-            arriving.push_back(*row);
-        }
-        if (row) {
-            index_.note(*row);
-        } else {
-            index_.forget(id);
-        }
-    }
-    insertInOrder(rows, std::move(arriving));
-    isIndexed_ = true;
-    alerts = std::make_shared<std::vector<AlertRow>>(std::move(rows));
-}
-
-/// The rows, for a change that is then published: moved out of a list that no view holds, else copied. Every alert
-/// would otherwise copy thousands of others.
-std::vector<AlertRow> MacAlertsService::takeRows()
-{
-    const AlertList& list = alerts.get();
-    if (list.use_count() > 1) {
-        return *list;
-    }
-    return std::move(*std::const_pointer_cast<std::vector<AlertRow>>(list));
 }
 
 void MacAlertsService::refreshStorageNotice()

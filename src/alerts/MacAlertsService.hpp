@@ -1,8 +1,7 @@
 #pragma once
 
 #include "alerts/AlertOutbox.hpp"
-#include "alerts/AlertRow.hpp"
-#include "alerts/AlertRowIndex.hpp"
+#include "alerts/AlertRows.hpp"
 #include "runtime/Weak.hpp"
 
 #include <cstdint>
@@ -44,8 +43,6 @@ public:
     /// The rows by date, as of now.
     [[nodiscard]] std::vector<AlertSection> sections() const;
 
-    [[nodiscard]] bool holds(const UUID& id) const;
-
     /// Shows an alert that has just been saved on this Mac; no effect when it is shown already or has been deleted.
     void merge(const StoredAlert& stored);
 
@@ -84,24 +81,11 @@ private:
         bool isFresh = false; ///< the database itself has answered
         std::optional<std::string> error;
     };
-    /// A row's new content; none for one that goes.
-    struct RowChange {
-        UUID id;
-        std::optional<AlertRow> row;
-    };
     class Loading;
 
     Async<CloudAnswer> askCloud();
     [[nodiscard]] Duration longestRefresh() const;
     void apply(const CloudAnswer& answer, std::vector<StoredAlert> local);
-    bool makeList(std::vector<StoredAlert> local, bool isFresh);
-    bool updateList(const std::vector<StoredAlert>& local, bool isFresh);
-    bool dropCopies(const std::unordered_set<UUID>& ids, bool isFresh);
-    [[nodiscard]] const AlertEvent* visibleCloudAlert(const UUID& id);
-    void publish(std::vector<AlertRow> rows);
-    void change(const std::vector<RowChange>& changes);
-    void showInCloud(const UUID& id);
-    [[nodiscard]] std::vector<AlertRow> takeRows();
     [[nodiscard]] std::optional<std::string> storageNotice();
 
     [[nodiscard]] bool isLoaded() const override { return hasLoadedInitialAlerts; }
@@ -121,13 +105,8 @@ private:
     std::vector<Observation> observations_;
     std::optional<Task<void>> activeRefreshTask_;
 
-    AlertRowIndex index_;
-    bool isIndexed_ = false; ///< the index knows the next list already
-    // The changes of the cloud's alerts since the list was made; null if the list must be made anew.
-    std::shared_ptr<const AlertMetadataCache::Changes> cloudChanges_;
-    std::unordered_set<UUID> changedHere_; ///< rows changed by anything but a refresh since the last one
-    std::unordered_set<UUID> hidden_;      ///< the cloud's alerts that the list doesn't show
     AlertOutbox outbox_;
+    AlertRows rows_;
     TaskBag tasks_;
     WeakAnchor<MacAlertsService> anchor_{*this};
 };

@@ -86,12 +86,15 @@ TEST_F(MacAlertsServiceTest, TheNoticeSaysWhereAlertsAreKept)
     };
     putIntoCloud({1});
     for (const Case& each : cases) {
-        each.isHere ? save(2) : store->remove(alert(2).id);
+        store->remove(alert(2).id);
         refresh();
-        service->iCloudStorageIsFull = each.isFull;
         if (!each.isCloudRow) {
-            service->alerts = std::make_shared<const std::vector<AlertRow>>();
+            service->userDidChange();
         }
+        if (each.isHere) {
+            store->save(alert(2), std::nullopt, true);
+        }
+        service->iCloudStorageIsFull = each.isFull;
         service->refreshStorageNotice();
         mac.cloud->isReachable = each.isReachable; // the notice follows by itself
         mac.cloud->isAvailable = each.isAvailable;

@@ -402,14 +402,12 @@ TEST_F(AlertsWindowTest, AThousandRowsAreWrittenOnce)
 {
     open();
     std::set<std::string> ids;
-    auto rows = std::make_shared<std::vector<AlertRow>>();
     for (int i = 0; i < 1000; ++i) {
         AlertEvent alert = alertNumber(i);
         alert.timestamp = thursday.addingSeconds(-i);
         ids.insert(alert.id.text());
-        rows->push_back({alert, AlertStorageLocation::cloud});
+        service_.merge({alert, false});
     }
-    service_.alerts = rows;
     calendar_.datesWritten = 0;
     EXPECT_TRUE(shows("alerts"));
     EXPECT_EQ(calendar_.datesWritten, 1000);
@@ -421,7 +419,7 @@ TEST_F(AlertsWindowTest, AThousandRowsAreWrittenOnce)
         displays_.post(notification);
         world_.clock.runReady();
         const auto texts = textsIn("sidebar");
-        return std::tuple(texts.front(), std::ranges::count(texts, "Yesterday"));
+        return std::tuple(texts.at(1), std::ranges::count(texts, "Yesterday")); // below the notice
     };
     calendar_.real.setTimeZone("Australia/Brisbane"); // seven minutes past midnight
     EXPECT_EQ(headingsAfter("NSSystemTimeZoneDidChangeNotification"), std::tuple("Today"s, 1));
