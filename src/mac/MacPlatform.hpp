@@ -60,7 +60,6 @@ public:
     {
     }
     MacPlatform(const MacPlatform&) = delete;
-    MacPlatform& operator=(const MacPlatform&) = delete;
 
     [[nodiscard]] ports::Platform& ports() { return ports_; }
 

@@ -156,7 +156,6 @@ public:
     }
     ~MacApplication() override { NSApp.delegate = nil; }
     MacApplication(const MacApplication&) = delete;
-    MacApplication& operator=(const MacApplication&) = delete;
 
     void setDelegate(ports::ApplicationDelegate delegate) override { delegate_->told = std::move(delegate); }
     void setActivationPolicy(std::int64_t policy) override
@@ -200,7 +199,6 @@ public:
     explicit MacPreviewPanel(SentrelApplicationDelegate* delegate) : delegate_(delegate), source_(delegate->source) {}
     ~MacPreviewPanel() override { show(nullptr); }
     MacPreviewPanel(const MacPreviewPanel&) = delete;
-    MacPreviewPanel& operator=(const MacPreviewPanel&) = delete;
 
     void setControl(ports::PreviewPanelControl control) override { delegate_->previewing = std::move(control); }
     void setDataSource(ports::PreviewDataSource* source) override { show(source); }

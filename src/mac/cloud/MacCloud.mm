@@ -143,7 +143,6 @@ public:
     }
     ~OperationHold() { [operation_ cancel]; }
     OperationHold(const OperationHold&) = delete;
-    OperationHold& operator=(const OperationHold&) = delete;
 
 private:
     CKDatabaseOperation* const operation_;

@@ -15,7 +15,6 @@ public:
     MacLoginContext() = default;
     ~MacLoginContext() override { [context_ invalidate]; }
     MacLoginContext(const MacLoginContext&) = delete;
-    MacLoginContext& operator=(const MacLoginContext&) = delete;
 
     void setLocalizedReason(const std::string& reason) override { context_.localizedReason = stringObject(reason); }
 

@@ -53,7 +53,6 @@ public:
         }
     }
     Hold(const Hold&) = delete;
-    Hold& operator=(const Hold&) = delete;
 
 private:
     const std::shared_ptr<Session> session_;

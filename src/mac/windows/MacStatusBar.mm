@@ -202,7 +202,6 @@ public:
         [NSStatusBar.systemStatusBar removeStatusItem:item_];
     }
     MacStatusItem(const MacStatusItem&) = delete;
-    MacStatusItem& operator=(const MacStatusItem&) = delete;
 
     void setImage(const std::string& asset, const std::string& accessibilityLabel) override
     {

@@ -36,7 +36,6 @@ class WindowToolbar {
 public:
     WindowToolbar();
     WindowToolbar(const WindowToolbar&) = delete;
-    WindowToolbar& operator=(const WindowToolbar&) = delete;
 
     /// Shows these in the window, if not nil; without any, removes its toolbar.
     void show(NSWindow* window, const std::vector<ui::Attachment>& toolbars);
@@ -54,7 +53,6 @@ class WindowAttachments {
 public:
     WindowAttachments() = default;
     WindowAttachments(const WindowAttachments&) = delete;
-    WindowAttachments& operator=(const WindowAttachments&) = delete;
 
     /// Shows the attachments of the tree's views, and removes those that are gone. No sheet or dialog begins over a
     /// window that is not on the screen.
