@@ -137,6 +137,10 @@ Async<void> MacPresenceService::wakeAfter(Weak<MacPresenceService> weak, std::in
 
 void MacPresenceService::obey(const RemoteCommand& command)
 {
+    // The command stays in the record, and each poll finds it again. Known here also if its sequence was not stored.
+    if (handledCommand_ == command) {
+        return;
+    }
     // Equal, not "at most": a phone that was reset counts from the beginning and must be obeyed.
     if (command.sequence == ports_.defaults.integer(lastSequenceKey).value_or(0)) {
         ignore(command, "repeated");
@@ -152,7 +156,8 @@ void MacPresenceService::obey(const RemoteCommand& command)
 void MacPresenceService::apply(const RemoteCommand& command)
 {
     handledCommand_ = command;
-    settings_.set(&AlarmSettings::isArmed, command.requestedArmState);
+    // Settings that could not be stored are changed all the same.
+    quietly([&] { settings_.set(&AlarmSettings::isArmed, command.requestedArmState); });
     // Observers of the settings have handled any change by now, and a second sync is harmless. A command that changes
     // no setting notifies nobody, but the alarm's state may differ from the stored one.
     alarm_.syncWithSettings(settings_.settings());
@@ -167,10 +172,6 @@ void MacPresenceService::apply(const RemoteCommand& command)
 
 void MacPresenceService::ignore(const RemoteCommand& command, std::string_view why)
 {
-    // The command stays in the record: each poll finds it again.
-    if (handledCommand_ == command) {
-        return;
-    }
     handledCommand_ = command;
     // Counts as seen, so that setting the clock back doesn't make it fresh again.
     ports_.defaults.setInteger(lastSequenceKey, command.sequence);

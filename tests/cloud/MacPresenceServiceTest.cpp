@@ -164,6 +164,10 @@ TEST_F(MacPresenceServiceTest, ObeysEachFreshCommandOnceAndNotesOnceWhyNot)
         EXPECT_EQ(ownMac.settings.settings().isArmed, isApplied) << told;
         ownMac.settings.set(&AlarmSettings::isArmed, false); // the user disarms
         ownMac.isArmed = false;
+        ownWorld.clock.advance(10s);
+        ownMac.defaults.setInteger("sentrel.macLastAppliedCommandSequence", example.last);
+        ownWorld.clock.advance(10s);
+        EXPECT_FALSE(ownMac.isArmed) << told << " came to life although its number was not stored";
         ownMac.wallClock.offset = -3600.0;
         ownWorld.clock.advance(10s);
         EXPECT_FALSE(ownMac.isArmed) << told << " came to life when the clock was turned back";
