@@ -44,6 +44,9 @@ public:
 
     [[nodiscard]] std::optional<Instant> earliest() const;
 
+    /// Deadline of the earliest timer. The heap isn't empty.
+    [[nodiscard]] Instant earliestDeadline() const { return timers_.front()->deadline_; }
+
     [[nodiscard]] std::size_t size() const { return timers_.size(); }
 
     /// Order number of the earliest timer. The heap isn't empty.

@@ -69,7 +69,12 @@ public:
 private:
     void noteTaken()
     {
-        if (jobs_.empty()) {
+        if (!jobs_.empty()) {
+            return;
+        }
+        if (clock_.busy_.back() == this) {
+            clock_.busy_.pop_back();
+        } else {
             std::erase(clock_.busy_, this);
         }
     }
@@ -132,11 +137,9 @@ bool VirtualClock::resumeJob()
     return resumed != JobRunner::Resumed::none;
 }
 
-bool VirtualClock::runNextJob()
+/// The executor of the oldest job that may run; null when there is none.
+VirtualExecutor* VirtualClock::nextExecutor() const
 {
-    if (runner_ != nullptr && resumeJob()) {
-        return true;
-    }
     VirtualExecutor* next = nullptr;
     std::uint64_t oldest = std::numeric_limits<std::uint64_t>::max();
     for (VirtualExecutor* executor : busy_) {
@@ -146,6 +149,16 @@ bool VirtualClock::runNextJob()
             next = executor;
         }
     }
+    return next;
+}
+
+bool VirtualClock::runNextJob()
+{
+    JobRunner* const runner = runner_ != nullptr && !runner_->isIdle() ? runner_ : nullptr;
+    if (runner != nullptr && resumeJob()) {
+        return true;
+    }
+    VirtualExecutor* const next = nextExecutor();
     if (next == nullptr) {
         return false;
     }
@@ -156,22 +169,21 @@ bool VirtualClock::runNextJob()
     ++turns_;
     const CurrentScope scope{*this, next};
     Job& job = next->take();
-    if (runner_ == nullptr) {
+    if (runner == nullptr) {
         job.run();
-    } else if (!runner_->run(job)) {
+    } else if (!runner->run(job)) {
         next->setBlocked(true);
     }
     return true;
 }
 
-bool VirtualClock::fireNextTimer(std::optional<Instant> limit)
+bool VirtualClock::fireNextTimer(Instant limit)
 {
-    const auto earliest = timers_.earliest();
-    if (!earliest || (limit && *earliest > *limit)) {
+    if (timers_.size() == 0 || timers_.earliestDeadline() > limit) {
         return false;
     }
-    if (*earliest > now_) {
-        now_ = *earliest;
+    if (const Instant earliest = timers_.earliestDeadline(); earliest > now_) {
+        now_ = earliest;
         turnsAtThisInstant_ = 0;
     }
     timers_.fireEarliest();
@@ -204,7 +216,7 @@ void VirtualClock::runUntilIdle()
 {
     do {
         runJobs();
-    } while (fireNextTimer(std::nullopt));
+    } while (fireNextTimer(Instant::max()));
 }
 
 void VirtualClock::blockUntil(Latch& latch)
@@ -233,7 +245,7 @@ void VirtualClock::blockUntil(Latch& latch)
             if (!isEnding()) { // then no `resumeJob` restores the current executor
                 current_ = blocked;
             }
-        } else if (!fireNextTimer(std::nullopt)) {
+        } else if (!fireNextTimer(Instant::max())) {
             throw std::logic_error{"deadlock: blocked on a latch that nothing can open"};
         }
     }

@@ -30,8 +30,17 @@ public:
     /// Continues a job that was left, if there is one whose latch is open.
     virtual Resumed resume() = 0;
 
+    /// Whether `run` would only run the job, and `resume` has nothing to continue: the clock then calls neither.
+    [[nodiscard]] bool isIdle() const { return isIdle_; }
+
 protected:
     ~JobRunner() = default;
+
+    /// Call after each change. Not virtual above, because the clock asks for each job.
+    void setIdle(bool isIdle) { isIdle_ = isIdle; }
+
+private:
+    bool isIdle_ = false;
 };
 
 /// One virtual clock and everything that runs by it: one thread, a fixed order, and a clock that jumps to the next
@@ -78,7 +87,8 @@ private:
     bool resumeJob();
     bool runNextJob();
     void runJobs();
-    bool fireNextTimer(std::optional<Instant> limit);
+    [[nodiscard]] VirtualExecutor* nextExecutor() const;
+    bool fireNextTimer(Instant limit);
     void blockUntil(Latch& latch);
 
     Instant now_{};

@@ -15,15 +15,22 @@ constexpr std::string_view hangs = "hangs";
 
 } // namespace
 
-FaultSwitches::FaultSwitches(std::initializer_list<std::string_view> names) : faults_(names.size() + 2)
+FaultSwitches::FaultSwitches(std::initializer_list<std::string_view> names)
+    : faults_(namedFaults(names)), raises_(*find(raises)), hangs_(*find(hangs))
+{
+}
+
+std::vector<FaultSwitches::Fault> FaultSwitches::namedFaults(std::initializer_list<std::string_view> names)
 {
     std::vector<std::string_view> sorted{names};
     sorted.push_back(raises);
     sorted.push_back(hangs);
     std::ranges::sort(sorted);
+    std::vector<Fault> faults(sorted.size());
     for (std::size_t i = 0; i < sorted.size(); ++i) {
-        faults_[i].name = sorted[i];
+        faults[i].name = sorted[i];
     }
+    return faults;
 }
 
 FaultSwitches::Fault* FaultSwitches::find(std::string_view name)
@@ -100,13 +107,18 @@ bool FaultSwitches::strikes(std::string_view name)
     if (fault == nullptr) {
         fatalError("a simulated device asks for a fault that it does not have");
     }
-    int remaining = fault->remaining.load();
-    while (remaining > 0 && !fault->remaining.compare_exchange_weak(remaining, remaining - 1)) {
+    return strikes(*fault);
+}
+
+bool FaultSwitches::strikes(Fault& fault)
+{
+    int remaining = fault.remaining.load();
+    while (remaining > 0 && !fault.remaining.compare_exchange_weak(remaining, remaining - 1)) {
     }
     if (remaining == 0) {
         return false;
     }
-    ++fault->struck;
+    ++fault.struck;
     return true;
 }
 
@@ -115,10 +127,10 @@ PortCalls::Fate FaultSwitches::fateOf(std::string_view operation)
     using Fate = PortCalls::Fate;
     // Calls between devices are not calls of the product, so these faults don't apply.
     if (calls_ == nullptr || calls_->isProductCalling()) {
-        if (strikes(raises)) {
+        if (strikes(raises_)) {
             return Fate::raises;
         }
-        if (strikes(hangs)) {
+        if (strikes(hangs_)) {
             return Fate::hangs;
         }
     }

@@ -66,7 +66,9 @@ private:
         std::atomic<std::uint64_t> struck = 0;
     };
 
+    static std::vector<Fault> namedFaults(std::initializer_list<std::string_view> names);
     [[nodiscard]] Fault* find(std::string_view name);
+    [[nodiscard]] static bool strikes(Fault& fault);
     [[nodiscard]] PortCalls::Fate fateOf(std::string_view operation);
 
     PortCalls* calls_ = nullptr;
@@ -74,6 +76,8 @@ private:
     std::function<void()> wasSet_;
     Semaphore never_;           // never signalled
     std::vector<Fault> faults_; // by name; read at every call of every port, so without a lock
+    Fault& raises_;
+    Fault& hangs_;
 };
 
 } // namespace sentrel::simulation

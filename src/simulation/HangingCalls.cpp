@@ -126,6 +126,7 @@ thread_local HangingCalls::Worker* HangingCalls::Worker::ownWorker = nullptr;
 
 HangingCalls::HangingCalls(VirtualClock& clock, const VirtualScheduler& process) : clock_(clock), process_(process)
 {
+    updateIdleness();
     clock_.setJobRunner(this);
 }
 
@@ -133,6 +134,18 @@ HangingCalls::~HangingCalls()
 {
     end();
     clock_.setJobRunner(nullptr);
+}
+
+void HangingCalls::prepare()
+{
+    isPrepared_ = true;
+    updateIdleness();
+}
+
+void HangingCalls::rest()
+{
+    isPrepared_ = false;
+    updateIdleness();
 }
 
 void HangingCalls::hang()
@@ -152,6 +165,7 @@ void HangingCalls::end()
         idle_.push_back(std::move(worker));
     }
     isEnding_ = false;
+    updateIdleness();
 }
 
 bool HangingCalls::run(Job& job)
@@ -208,6 +222,7 @@ template <class Part> bool HangingCalls::finish(std::unique_ptr<Worker> worker, 
     }
     const bool hangs = !isOver && !worker->isWaiting();
     (isOver ? idle_ : left_).push_back(std::move(worker));
+    updateIdleness();
     if (hangs && hasHung_) {
         hasHung_();
     }

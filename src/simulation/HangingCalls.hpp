@@ -22,11 +22,11 @@ public:
     HangingCalls(const HangingCalls&) = delete;
 
     /// Jobs that start from now on may hang.
-    void prepare() { isPrepared_ = true; }
+    void prepare();
 
     /// Later jobs run on the clock's own thread again, which is faster; they can't hang. Calls that hang stay where
     /// they are.
-    void rest() { isPrepared_ = false; }
+    void rest();
     [[nodiscard]] bool isPrepared() const { return isPrepared_; }
 
     /// Whether a job that blocks was left until it can go on. No rest until then.
@@ -51,6 +51,7 @@ private:
     bool run(Job& job) override;
     bool waitApart(Latch& latch) override;
     Resumed resume() override;
+    void updateIdleness() { setIdle(!isPrepared_ && left_.empty()); }
     template <class Part> bool finish(std::unique_ptr<Worker> worker, Part part);
 
     VirtualClock& clock_;
