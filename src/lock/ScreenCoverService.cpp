@@ -200,7 +200,15 @@ std::unique_ptr<ScreenCoverView> ScreenCoverService::makeView()
 
 Async<void> ScreenCoverService::submit(SecretText passcode, ScreenCoverView::Answered answered)
 {
-    const PasscodeUnlockOutcome outcome = co_await attempt(std::move(passcode));
+    // The outcome of an attempt that raises. The field takes the next passcode only after an answer.
+    PasscodeUnlockOutcome outcome{Case::incorrect, {}};
+    try {
+        outcome = co_await attempt(std::move(passcode));
+    } catch (const CancellationError&) {
+        throw;
+    } catch (...) {
+        ports_.journal.note(events::PasscodeTried{"raised"});
+    }
     answered(outcome);
 }
 
@@ -221,7 +229,8 @@ PasscodeUnlockOutcome ScreenCoverService::countFailure()
 {
     ++consecutiveFailures_;
     if (consecutiveFailures_ >= failuresBeforeLockout) {
-        lockoutEndDate_ = ports_.wallClock.now().addingSeconds(nextLockoutDuration_);
+        const Date now = insistently([this] { return ports_.wallClock.now(); });
+        lockoutEndDate_ = now.addingSeconds(nextLockoutDuration_);
         nextLockoutDuration_ = std::min(2.0 * nextLockoutDuration_, longestLockoutDuration);
     }
     ++failedAttempts_;

@@ -59,8 +59,8 @@ public:
     /// Removes all windows. The count of failures in a row and a lockout stay.
     void hide();
 
-    /// Checks a passcode. A call during another check answers `incorrect` and is not counted. The task that awaits this
-    /// must end before the service does.
+    /// Checks a passcode. A call during another check answers `incorrect` and is not counted; nor is a check in which a
+    /// system call raises, which throws. The task that awaits this must end before the service does.
     [[nodiscard]] Async<PasscodeUnlockOutcome> attempt(SecretText passcode);
 
     [[nodiscard]] bool isShowing() const { return isShowing_; }

@@ -155,6 +155,19 @@ TEST_F(ScreenCoverTest, ComesAndGoesAlsoWhenTheSystemRaisesAtActivationAndOption
     EXPECT_FALSE(mac_.displays.isCovered(0));
 }
 
+TEST_F(ScreenCoverTest, ACheckThatRaisesIsNoWrongPasscodeAndTheNextOneIsMade)
+{
+    mac_.setTriggering(1);
+    showWithPasscode();
+    mac_.passcodes.keychain.faults().set("raises", 1);
+    enter("2468");
+    EXPECT_TRUE(mac_.cover->isShowing() && mac_.displays.isCovered(0));
+    EXPECT_EQ(mac_.message(), "");
+    EXPECT_THAT(mac_.alarm.triggers, testing::IsEmpty());
+    enter("2468");
+    EXPECT_FALSE(mac_.cover->isShowing());
+}
+
 TEST_F(ScreenCoverTest, WithoutAPasscodeNothingIsCovered)
 {
     EXPECT_FALSE(mac_.cover->show());

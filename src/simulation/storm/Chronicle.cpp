@@ -38,6 +38,11 @@ bool Chronicle::hadTrouble(std::initializer_list<std::string_view> ports, double
     });
 }
 
+bool Chronicle::hadTrouble(double since) const
+{
+    return std::ranges::any_of(troubles_, [since](const auto& trouble) { return trouble.second >= since; });
+}
+
 bool Chronicle::wasBroken(std::initializer_list<std::string_view> ports, double since) const
 {
     return std::ranges::any_of(ports, [&](std::string_view port) {
@@ -60,6 +65,7 @@ void Chronicle::happened(const Event& event)
         launchedAt = at;
         hasHung = false;
         hung_.clear();
+        passcodesTyped_ = 0;
     } else if (name == "defaults.damaged") {
         hasLostDefaults = true;
     } else if (name == "woke") {
@@ -128,8 +134,8 @@ void Chronicle::willDo(double now, const Deed& deed, const Sight& before)
     if (deed.newPasscode) {
         passcode_ = *deed.newPasscode;
     }
-    if (deed.passcode && *deed.passcode != passcode_) {
-        addCause("lockBypassAttempt", false);
+    if (deed.passcode) {
+        notePasscode(*deed.passcode == passcode_, before);
     }
     if (deed.violentMotion) {
         addCause("motion", false);
@@ -141,6 +147,18 @@ void Chronicle::willDo(double now, const Deed& deed, const Sight& before)
         listBeforeDeletion_ = before.listed;
         diskBeforeDeletion_ = before.onDisk;
     }
+}
+
+void Chronicle::notePasscode(bool isRight, const Sight& before)
+{
+    constexpr int mostBeforeLockout = 5;
+    if (!isRight) {
+        addCause("lockBypassAttempt", false);
+    }
+    // A right one counts as well: a fault may make it a wrong one.
+    const bool isTaken = before.covers > 0 && before.covers == before.displays;
+    passcodesTyped_ += isTaken ? 1 : 0;
+    unlockDueSince = isRight && isTaken && passcodesTyped_ <= mostBeforeLockout ? at : never;
 }
 
 void Chronicle::saw(const Sight& before, const Sight& now, bool hasChanged)
@@ -236,6 +254,12 @@ void Chronicle::noteStates(const Sight& before, const Sight& now)
         }
     }
     isArmed_ = now.showsArmed;
+    if (now.covers == 0 && unlockDueSince != never) {
+        passcodesTyped_ = 0;
+    }
+    if (now.covers == 0 || !isUp) {
+        unlockDueSince = never;
+    }
     if (now.settings && (!settings_ || !(*now.settings == *settings_))) {
         settingsBeforeThat = settings_ ? settings_ : now.settings;
         settings_ = now.settings;

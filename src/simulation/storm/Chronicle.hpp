@@ -105,6 +105,8 @@ public:
     double signsOddSince = never;
     double coversOddSince = never;
     double owedSince = never; ///< deletions are owed
+    /// Since the right passcode was typed at a lock screen that must take it, and has not opened.
+    double unlockDueSince = never;
 
     bool hasHung = false;         ///< a call of this process hangs
     bool hasLostDefaults = false; ///< the Mac has become another one to the phone, which still knows the old one
@@ -130,6 +132,8 @@ public:
 
     /// Whether one of the ports had a fault since that time.
     [[nodiscard]] bool hadTrouble(std::initializer_list<std::string_view> ports, double since) const;
+    /// Whether anything had a fault since that time.
+    [[nodiscard]] bool hadTrouble(double since) const;
     /// Whether one of them was switched to fail, call after call, since that time.
     [[nodiscard]] bool wasBroken(std::initializer_list<std::string_view> ports, double since) const;
 
@@ -161,6 +165,7 @@ private:
     void noteAlerts(const Sight& now);
     void noteSound(const Sight& before, const Sight& now);
     void noteStates(const Sight& before, const Sight& now);
+    void notePasscode(bool isRight, const Sight& before);
     void addCause(std::string reason, bool isCertain);
     void endRinging();
     [[nodiscard]] std::optional<OutputState> outputBefore(const Sight& before) const;
@@ -173,6 +178,7 @@ private:
     std::set<std::string, std::less<>> hung_;
     bool isCloudTroubled_ = false;
     std::string passcode_ = "2468";
+    int passcodesTyped_ = 0; ///< since the last one that opened the lock screen, in this process
     std::optional<std::map<UUID, SeenRow>> listBeforeDeletion_;
     SeenAlerts diskBeforeDeletion_;
     bool mayBeTroubled_ = true;

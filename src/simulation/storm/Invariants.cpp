@@ -236,6 +236,16 @@ Finding onlyThePasscodeUncovers(const Instants& is)
     return std::nullopt;
 }
 
+/// The right passcode opens the lock screen, also after one that a fault has struck.
+Finding thePasscodeUncovers(const Instants& is)
+{
+    const double since = is.past.unlockDueSince;
+    if (since == never || is.now.at - since <= settling || is.past.hasHung || is.past.hadTrouble(since - 1.0)) {
+        return std::nullopt;
+    }
+    return "the right passcode, typed at " + std::to_string(since) + " s, has not opened the lock screen";
+}
+
 /// The lock screen covers every display.
 Finding everyDisplayIsCovered(const Instants& is)
 {
@@ -421,7 +431,7 @@ Finding memoryIsFlat(const Instants& is)
 
 constexpr auto onChange = Invariant::Pace::onChange;
 
-constexpr std::array<Invariant, 22> everyInvariant{{
+constexpr std::array<Invariant, 23> everyInvariant{{
     {"alerts survive", alertsSurvive, onChange},
     {"triggers leave alerts", triggersLeaveAlerts},
     {"alerts have causes", alertsHaveCauses, onChange},
@@ -434,6 +444,7 @@ constexpr std::array<Invariant, 22> everyInvariant{{
     {"only the owner disarms", onlyTheOwnerDisarms, onChange},
     {"only the owner arms", onlyTheOwnerArms, onChange},
     {"only the passcode uncovers", onlyThePasscodeUncovers, onChange},
+    {"the passcode uncovers", thePasscodeUncovers},
     {"every display is covered", everyDisplayIsCovered},
     {"the output is restored", outputIsRestored},
     {"an assertion while armed", assertionFollowsArming},

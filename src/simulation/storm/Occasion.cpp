@@ -67,6 +67,7 @@ std::vector<Occasion> lockScreen()
          .acts = {{1000, "arm"},
                   {2000, "{type-passcode: \"1111\"}"},
                   {2000, "{type-passcode: \"2468\"}"},
+                  {3000, "{type-passcode: \"2468\"}"},
                   {3000, "stop-alarm"}},
          .after = {{0, "crash"}, {1000, "relaunch"}, {3000, "{set: {lockScreenOnArm: false}}"}, {0, "arm"}},
          .needsPasscode = true,

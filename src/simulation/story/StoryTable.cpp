@@ -106,6 +106,9 @@ StorySentence passcodeTried(const PasscodeTried& event)
     if (event.outcome == "triggered") {
         return {notice, "The passcode is wrong, once too often."};
     }
+    if (event.outcome == "raised") {
+        return {notice, "The passcode could not be checked."};
+    }
     return {reaction, "The passcode: " + std::string{event.outcome} + "."};
 }
 

@@ -106,6 +106,11 @@ constexpr PlantedFault plantedFaults[] = {
          day.before.showsArmed = false;
          day.past.commands.push_back({9'800.0, {.arm = true}});
      }},
+    {"the passcode uncovers",
+     [](Day& day) {
+         day.now.covers = 1;
+         day.past.unlockDueSince = 9'990.0;
+     }},
     {"only the passcode uncovers",
      [](Day& day) {
          day.before.covers = 1;
