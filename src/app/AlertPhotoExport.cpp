@@ -8,6 +8,7 @@
 #include "ports/ImageCodec.hpp"
 #include "ports/Language.hpp"
 #include "ports/SavePanels.hpp"
+#include "runtime/Attempted.hpp"
 
 #include <cerrno>
 #include <utility>
@@ -107,8 +108,8 @@ Async<void> AlertPhotoExport::previewNow(std::string name, Photo photo)
 {
     const std::filesystem::path file = ports_.host.temporaryDirectory() / name;
     const auto writing = write(file, name, ownersOnly, std::move(photo));
-    const Written written = co_await writing;
-    finish(ports_.language.localized("Couldn't Preview Photo"), written);
+    const auto written = co_await attempted(writing);
+    finish(ports_.language.localized("Couldn't Preview Photo"), written.value_or(Written{}));
     if (!failure_) {
         preview_.show(file);
     }
@@ -120,13 +121,13 @@ Async<void> AlertPhotoExport::saveAs(std::string name, Photo photo)
     content.title = ports_.language.localized("Save Alert Photo");
     content.allowedContentTypes = {"public.jpeg"};
     content.nameFieldStringValue = name;
-    auto file = co_await ports_.savePanels.run(std::move(content));
-    Written written{true, 0};
+    const auto file = co_await ports_.savePanels.run(std::move(content));
+    std::optional<Written> written{Written{true, 0}};
     if (file) {
-        const auto writing = write(*std::move(file), std::move(name), asUsual, std::move(photo));
-        written = co_await writing;
+        const auto writing = write(*file, name, asUsual, std::move(photo));
+        written = co_await attempted(writing);
     }
-    finish(ports_.language.localized("Couldn't Save Photo"), written);
+    finish(ports_.language.localized("Couldn't Save Photo"), written.value_or(Written{}));
 }
 
 Task<AlertPhotoExport::Written> AlertPhotoExport::write(std::filesystem::path file, const std::string& name,
@@ -150,19 +151,31 @@ void AlertPhotoExport::start(Async<void> work)
     }
     isBusy_ = true;
     failure_.reset();
-    tasks_.add(actor_.spawn(std::move(work)));
+    tasks_.add(actor_.spawn(untilItsEnd(std::move(work))));
+    changed();
+}
+
+/// The buttons work again also when a call has raised.
+Async<void> AlertPhotoExport::untilItsEnd(Async<void> work)
+{
+    try {
+        co_await std::move(work);
+    } catch (const CancellationError&) {
+        throw;
+    } catch (...) {
+        // The panel did not open, or nothing could be said.
+    }
+    isBusy_ = false;
     changed();
 }
 
 void AlertPhotoExport::finish(std::string title, const Written& written)
 {
-    isBusy_ = false;
     if (!written.isConverted) {
         failure_ = Failure{std::move(title), ports_.language.localized("The photo could not be converted for saving.")};
     } else if (written.error != 0) {
         failure_ = Failure{std::move(title), writeErrorText(written.error, ports_.language)};
     }
-    changed();
 }
 
 } // namespace sentrel

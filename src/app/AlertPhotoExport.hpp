@@ -70,6 +70,7 @@ private:
     [[nodiscard]] Task<Written> write(std::filesystem::path file, const std::string& name,
                                       std::optional<std::uint32_t> mode, Photo photo);
     void start(Async<void> work);
+    Async<void> untilItsEnd(Async<void> work);
     void finish(std::string title, const Written& written);
 
     MainActor actor_;

@@ -2,9 +2,11 @@
 
 #include "alerts/MacAlertsService.hpp"
 #include "app/ViewParts.hpp"
+#include "foundation/Quietly.hpp"
 #include "ports/Calendar.hpp"
 #include "ports/ImageCodec.hpp"
 #include "ports/Language.hpp"
+#include "runtime/Attempted.hpp"
 
 #include <utility>
 
@@ -136,8 +138,8 @@ void MacAlertDetailView::startLoading(PhotoLoadID loadID)
 
 Async<void> MacAlertDetailView::load(PhotoLoadID loadID)
 {
-    auto photo = co_await alerts_.photo(loadID.alertID);
-    photo_ = readable(std::move(photo));
+    auto photo = co_await attempted(alerts_.photo(loadID.alertID));
+    photo_ = quietly([&] { return readable(std::move(photo).value_or(std::nullopt)); });
     isLoading_ = false;
     changed();
 }

@@ -2,6 +2,7 @@
 
 #include "alerts/MacAlertsService.hpp"
 #include "app/AlertPhotoPreview.hpp"
+#include "app/ProtectedActions.hpp"
 #include "app/WindowHooks.hpp"
 #include "cloud/AsyncTimeout.hpp"
 #include "cloud/CloudKitConnectionMonitor.hpp"
@@ -179,7 +180,7 @@ Async<void> MacAppDelegate::bringUpControlPanel()
 
 Async<void> MacAppDelegate::authorizeQuit()
 {
-    const bool hasPassed = co_await with_.passwordGate.authenticate(ports_.language.localized("verify your Mac login"));
+    const bool hasPassed = co_await with_.passwordGate.authenticate(loginReason(ports_.language));
     if (!hasPassed) {
         co_return;
     }
@@ -192,7 +193,7 @@ Async<void> MacAppDelegate::cleanUpAndQuit()
     with_.presence.stopHeartbeat();
     try {
         co_await AsyncTimeout::run<void>(actor_, lastPublicationLimit, with_.presence.publishLastState());
-    } catch (const std::exception&) {
+    } catch (...) {
         // A late or failed publication, as without a network, must not delay the quit.
     }
     // Answer the system even if the publication was cancelled; only our own cancellation skips the reply.

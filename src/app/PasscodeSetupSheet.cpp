@@ -2,9 +2,11 @@
 
 #include "app/SettingsEditor.hpp"
 #include "app/ViewParts.hpp"
+#include "foundation/Quietly.hpp"
 #include "foundation/TextFormat.hpp"
 #include "lock/UnlockPasscodeStore.hpp"
 #include "ports/Language.hpp"
+#include "runtime/Attempted.hpp"
 
 #include <memory>
 #include <string_view>
@@ -148,9 +150,10 @@ Async<void> PasscodeSetupSheet::store(SecretText passcode)
         return made ? std::make_shared<const SecretBytes>(*std::move(made)) : nullptr;
     };
     const auto derivation = with_.derivations.start(QualityOfService::userInitiated, std::move(derive));
-    const auto record = co_await derivation;
+    const auto derived = co_await attempted(derivation);
+    const auto record = derived.value_or(nullptr);
     isSaving_ = false;
-    if (record == nullptr || !with_.passcodes.save(record->view())) {
+    if (record == nullptr || !quietly([&] { return with_.passcodes.save(record->view()); })) {
         error_ = with_.language.localized("Couldn't save the passcode. Please try again.");
         changed();
         co_return;

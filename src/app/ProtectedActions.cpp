@@ -1,12 +1,20 @@
 #include "app/ProtectedActions.hpp"
 
 #include "core/SettingsStore.hpp"
+#include "foundation/Quietly.hpp"
 #include "lock/PasswordGate.hpp"
 #include "ports/Language.hpp"
 
 #include <utility>
 
 namespace sentrel {
+
+std::string loginReason(ports::Language& language)
+{
+    constexpr const char* reason = "verify your Mac login";
+    const std::string translated = quietly([&] { return language.localized(reason); });
+    return translated.empty() ? reason : translated;
+}
 
 ProtectedActions::ProtectedActions(MainActor actor, SettingsStore& settings, PasswordGate& gate,
                                    ports::Language& language)
@@ -32,7 +40,7 @@ void ProtectedActions::perform(const std::string& name, std::function<void()> ac
 
 Async<void> ProtectedActions::performAfterLogin(std::string name, std::function<void()> action)
 {
-    const bool hasPassed = co_await gate_.authenticate(language_.localized("verify your Mac login"));
+    const bool hasPassed = co_await gate_.authenticate(loginReason(language_));
     asking_.erase(name);
     if (hasPassed) {
         action();

@@ -15,6 +15,9 @@ namespace ports {
 class Language;
 }
 
+/// The system's panel shows it: "Sentrel is trying to ...". In English if the translation raises.
+[[nodiscard]] std::string loginReason(ports::Language& language);
+
 /// Performs actions that need the Mac login if the settings require it. Shared by all views, so that an action whose
 /// login is still pending is not asked for again, whichever view asks. Main actor.
 class ProtectedActions {

@@ -37,7 +37,8 @@ Async<bool> PasswordGate::authenticate(std::string reason)
     try {
         const bool authenticated = co_await ask(std::move(reason));
         co_return authenticated;
-    } catch (const CancellationError&) {
+    } catch (...) {
+        // Cancelled, or a call raised: the next request asks anew.
         co_return false;
     }
 }

@@ -13,6 +13,7 @@
 #include "ports/WindowConstants.hpp"
 #include "ports/Windows.hpp"
 #include "runtime/AssertOnMainActor.hpp"
+#include "runtime/Attempted.hpp"
 
 #include <algorithm>
 #include <cmath>
@@ -200,16 +201,12 @@ std::unique_ptr<ScreenCoverView> ScreenCoverService::makeView()
 
 Async<void> ScreenCoverService::submit(SecretText passcode, ScreenCoverView::Answered answered)
 {
-    // The outcome of an attempt that raises. The field takes the next passcode only after an answer.
-    PasscodeUnlockOutcome outcome{Case::incorrect, {}};
-    try {
-        outcome = co_await attempt(std::move(passcode));
-    } catch (const CancellationError&) {
-        throw;
-    } catch (...) {
+    const auto outcome = co_await attempted(attempt(std::move(passcode)));
+    if (!outcome) {
         ports_.journal.note(events::PasscodeTried{"raised"});
     }
-    answered(outcome);
+    // The field takes the next passcode only after an answer.
+    answered(outcome.value_or(PasscodeUnlockOutcome{Case::incorrect, {}}));
 }
 
 PasscodeUnlockOutcome ScreenCoverService::unlock()
