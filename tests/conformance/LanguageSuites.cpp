@@ -75,7 +75,7 @@ void checkLanguage(const Subject& subject, Report& report)
     report.expect(!language.containsIgnoringCase("MacBook", "iMac"), "other texts don't match");
     report.expect(!language.containsIgnoringCase("MacBook", ""), "the empty text is contained nowhere");
     const std::pair<const char*, std::size_t> counts[] = {
-        {"", 0}, {"abc", 3}, {"größe", 5}, {"e\u0301", 1}, {"👩‍👩‍👧‍👦", 1}, {"密碼", 2},
+        {"", 0}, {"abc", 3}, {"größe", 5}, {"e\u0301", 1}, {"👩‍👩‍👧‍👦", 1}, {"密碼", 2}, {"🇩🇪🇫🇷", 2},
     };
     for (const auto& [text, count] : counts) {
         report.expect(language.characterCount(text) == count, "characters as people count them",

@@ -1,11 +1,11 @@
 #include "simulation/icloud/CompanionPhone.hpp"
 
 #include "simulation/icloud/CloudScene.hpp"
+#include "support/Files.hpp"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <fstream>
 #include <limits>
 
 namespace sentrel::simulation {
@@ -29,9 +29,7 @@ protected:
 
 TEST_F(CompanionPhoneTest, AlertsAreListedNewestFirstWithTheirPhotos)
 {
-    const std::filesystem::path photo = disk.path() / "photo.jpg";
-    std::ofstream{photo} << "jpeg";
-    EXPECT_THAT(phone.alerts(), IsEmpty());
+    const auto photo = test::put(disk.path() / "photo.jpg", "jpeg");
     save("AlertEvent", "old", {{"reason", "motion"s}, {"timestamp", Date{1.0}}});
     save("AlertEvent", "new",
          {{"reason", "unplugged"s},
@@ -84,7 +82,6 @@ TEST_F(CompanionPhoneTest, ANotificationIsShownForWhatAsksForOne)
 
 TEST_F(CompanionPhoneTest, ItSeesTheMacsOfTheCatalog)
 {
-    EXPECT_THAT(phone.macs(), IsEmpty());
     save("MacDeviceCatalog", "mac-device-catalog", {{"deviceIDs", TextList{"B", "gone", "\xC3\xA4", "A"}}});
     save("MacDeviceCatalog", "mac-device-catalog-A",
          {{"deviceName", "Desk"s},
@@ -101,9 +98,8 @@ TEST_F(CompanionPhoneTest, ItSeesTheMacsOfTheCatalog)
     EXPECT_EQ(macs[1].lastSeen, Date{5.0});
 }
 
-TEST_F(CompanionPhoneTest, ACommandIsWrittenBesideWhatTheMacTells)
+TEST_F(CompanionPhoneTest, EachCommandHasANumberAndItsTime)
 {
-    save("MacDeviceCatalog", "mac-device-catalog-A", {{"deviceName", "Desk"s}});
     const double now = wallClock.now().secondsSinceReferenceDate;
     EXPECT_EQ(phone.send("A", {.arm = true}), 1);
     EXPECT_EQ(phone.send("A", {.arm = false, .issuedAgo = 121.0}), 2);
@@ -111,12 +107,9 @@ TEST_F(CompanionPhoneTest, ACommandIsWrittenBesideWhatTheMacTells)
               (Fields{{"commandSequence", std::int64_t{2}},
                       {"commandIssuedAt", Date{now - 121.0}},
                       {"requestedArmState", std::int64_t{0}}}));
-    EXPECT_EQ(answer(mac.database.record("mac-device-catalog-A")).fields, (Fields{{"deviceName", "Desk"s}}));
-    EXPECT_EQ(phone.send("A", {.arm = true, .sequence = 1}), 1) << "as a phone whose counting has begun anew";
-    EXPECT_EQ(phone.send("B", {}), 1) << "before the Mac has ever published itself";
     EXPECT_EQ(phone.send("B", {.sequence = std::numeric_limits<std::int64_t>::max()}),
               std::numeric_limits<std::int64_t>::max());
-    EXPECT_EQ(phone.send("B", {}), 1);
+    EXPECT_EQ(phone.send("B", {}), 1) << "no number is beyond";
     server.setQuota("owner", 0);
     EXPECT_THROW(phone.send("C", {}), ports::CloudError);
 }

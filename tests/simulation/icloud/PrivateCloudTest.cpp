@@ -3,10 +3,11 @@
 #include "runtime/ThreadScheduler.hpp"
 #include "simulation/icloud/CompanionPhone.hpp"
 #include "simulation/icloud/Sqlite.hpp"
+#include "support/Files.hpp"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <fstream>
 #include <random>
 #include <set>
@@ -19,7 +20,6 @@ namespace {
 using namespace std::chrono_literals;
 using namespace std::string_literals;
 using ports::CloudRecord;
-using testing::ElementsAre;
 
 class PrivateCloudTest : public testing::Test, protected CloudScene {
 protected:
@@ -43,31 +43,16 @@ protected:
     }
 };
 
-TEST_F(PrivateCloudTest, RecordsOutliveTheServer)
-{
-    const CloudRecord saved = answer(mac.database.save(thing("one", {{"word", "x"s}})));
-    const auto found = restart()->fetch({"owner", "second"}, {"one"}, std::nullopt).at("one");
-    EXPECT_EQ(bytesOf(std::get<ServerRecord>(found).tag), saved.systemFields);
-    EXPECT_EQ(std::get<ServerRecord>(found).modificationDate, saved.modificationDate);
-    EXPECT_EQ(*fieldOf<std::string>(std::get<ServerRecord>(found), "word"), "x");
-}
-
 TEST_F(PrivateCloudTest, ADamagedFileIsPutAsideAndItsAccountBeginsAnew)
 {
-    const auto otherLayout = [&] {
-        SqliteDatabase database{file()};
-        database.run("CREATE TABLE addresses(name TEXT)");
-    };
-    const auto write = [&](const std::string& content) { std::ofstream{file(), std::ios::binary} << content; };
-    const auto cutShort = [&] { std::filesystem::resize_file(file(), 5000); };
     const std::vector<std::function<void()>> damages{
-        [&] { write("no database at all"); },
-        [&] { write(std::string(100000, '\0')); },
+        [&] { test::put(file(), "no database at all"); },
+        [&] { test::put(file(), std::string(100000, '\0')); },
         [&] {
             std::filesystem::remove(file());
-            otherLayout();
+            SqliteDatabase{file()}.run("CREATE TABLE addresses(name TEXT)");
         },
-        cutShort,
+        [&] { std::filesystem::resize_file(file(), 5000); },
         [&] {
             std::fstream bytes{file(), std::ios::in | std::ios::out | std::ios::binary};
             bytes.seekp(100) << std::string(8000, 'x');
@@ -112,17 +97,6 @@ TEST_F(PrivateCloudTest, AFileThatAnotherProgramWritesIsABusyZone)
     EXPECT_EQ(code(mac.database.record("one")), 0);
 }
 
-TEST_F(PrivateCloudTest, AVersionOfTheLostDatabaseIsNoVersionOfTheNewOne)
-{
-    const CloudRecord old = answer(mac.database.save(thing("one")));
-    std::filesystem::remove_all(disk.path() / "iCloud");
-    clock.advance(1s);
-    const auto later = restart();
-    ASSERT_EQ(put(*later, "owner", "one"), 0);
-    const ServerBatch batch{{{"Thing", "one", {}, std::string{textOf(old.systemFields)}, {}}}, {}, {}, false, {}};
-    EXPECT_EQ(codeOf(later->modify({"owner", "test"}, batch).saved.at("one")), CKError::serverRecordChanged);
-}
-
 TEST_F(PrivateCloudTest, AListIsTheSameToAServerThatKnowsItAndToOneThatReadsTheFile)
 {
     const auto listOf = [](PrivateCloud& cloud) {
@@ -163,23 +137,8 @@ TEST_F(PrivateCloudTest, EachUserHasAFileInTheFolderWhateverTheNameIs)
         EXPECT_EQ(put(server, user, "one"), 0) << user;
         EXPECT_EQ(server.count(user, "Thing"), 1U) << "its own, and nobody else's";
     }
-    std::size_t files = 0;
-    for (const auto& entry : std::filesystem::directory_iterator{disk.path() / "iCloud"}) {
-        if (entry.path().filename().string().ends_with(".sqlite")) {
-            ++files;
-        }
-    }
-    EXPECT_EQ(files, 7U);
-}
-
-TEST_F(PrivateCloudTest, WithoutAFolderItServesFromMemory)
-{
-    PrivateCloud cloud{{}, wallClock, log};
-    EXPECT_EQ(put(cloud, "maya", "one"), 0);
-    EXPECT_EQ(put(cloud, "maya", "two"), 0);
-    EXPECT_THAT(cloud.names("maya", "Thing"), ElementsAre("one", "two"));
-    EXPECT_EQ(cloud.count("noor", "Thing"), 0U);
-    EXPECT_FALSE(std::filesystem::exists(file("maya.sqlite")));
+    const auto isDatabase = [](const auto& entry) { return entry.path().string().ends_with(".sqlite"); };
+    EXPECT_EQ(std::ranges::count_if(std::filesystem::directory_iterator{disk.path() / "iCloud"}, isDatabase), 7);
 }
 
 /// A Mac that lists things in a catalog which all devices share, and saves each as a record of its own.

@@ -3,7 +3,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <fstream>
 #include <limits>
 
 namespace sentrel::simulation {
@@ -51,24 +50,6 @@ protected:
 
     SimulatedCloudDatabase& database = mac.database;
 };
-
-TEST_F(SimulatedCloudDatabaseTest, ARecordComesBackWhole)
-{
-    const std::map<std::string, CloudValue> fields{{"text", "gr\u00fc\u00df\0dich"s},
-                                                   {"integer", std::int64_t{-1}},
-                                                   {"real", 0.1},
-                                                   {"date", Date{700000000.123456}},
-                                                   {"texts", std::vector{"a"s, "\0"s, ""s}}};
-    const CloudRecord record = saved(thing("one", fields));
-    EXPECT_EQ(record.fields, fields);
-    EXPECT_EQ(record.modificationDate, Date{1000.04}) << "by the server's clock, when the request had arrived";
-    EXPECT_EQ(fetched("one"), record);
-    EXPECT_EQ(code(database.record("two")), CKError::unknownItem);
-
-    const auto two = answer(database.records({"one", "two"}, CloudDesiredKeys{{"real", "nothing"}}));
-    EXPECT_THAT(std::get<CloudRecord>(two.at("one")).fields, ElementsAre(std::pair{"real"s, CloudValue{0.1}}));
-    EXPECT_EQ(codeOf(two.at("two")), CKError::unknownItem);
-}
 
 TEST_F(SimulatedCloudDatabaseTest, WhoSavesWhatOthersChangedLearnsOfItByEachPolicy)
 {
@@ -211,49 +192,6 @@ TEST_F(SimulatedCloudDatabaseTest, PagesGoOnWhileRecordsComeAndGo)
     EXPECT_EQ(code(database.continueQuery(nullptr, std::nullopt, 1)), CKError::invalidArguments);
     mac.account.signIn("other");
     EXPECT_EQ(code(database.continueQuery(afterFirst, std::nullopt, 1)), CKError::invalidArguments);
-}
-
-TEST_F(SimulatedCloudDatabaseTest, AnAssetArrivesAsAFileWhenItIsAskedFor)
-{
-    const std::filesystem::path photo = disk.path() / "photo.jpg";
-    std::ofstream{photo, std::ios::binary} << "pixels"s + '\0';
-    const CloudRecord sent = thing("one", {{"photo", ports::CloudAsset{photo}}, {"word", "x"s}});
-    EXPECT_EQ(saved(sent).fields, sent.fields);
-    std::filesystem::remove(photo);
-
-    const auto without = answer(database.records({"one"}, CloudDesiredKeys{{"word"}}));
-    EXPECT_EQ(std::get<CloudRecord>(without.at("one")).fields.size(), 1U);
-    EXPECT_FALSE(std::filesystem::exists(disk.path() / "mac")) << "nothing was downloaded";
-
-    const CloudRecord whole = fetched("one");
-    const auto* const asset = ports::fieldOf<ports::CloudAsset>(whole, "photo");
-    ASSERT_NE(asset, nullptr);
-    std::ifstream file{asset->file, std::ios::binary};
-    EXPECT_EQ((std::string{std::istreambuf_iterator<char>{file}, {}}), "pixels"s + '\0');
-
-    const SimulatedICloud afterRestart{surroundings("mac")};
-    EXPECT_FALSE(std::filesystem::exists(asset->file)) << "the system's copies go when the Mac starts anew";
-}
-
-TEST_F(SimulatedCloudDatabaseTest, AFullAccountTakesNothingThatNeedsRoom)
-{
-    const CloudRecord before = saved(thing("one", {{"word", "four"s}}));
-    server.setQuota("owner", 0);
-    EXPECT_EQ(code(database.save(thing("two"))), CKError::quotaExceeded);
-    EXPECT_EQ(saveCode(thing("one", {{"word", "longer"s}}), allKeys), CKError::quotaExceeded);
-    EXPECT_EQ(fetched("one"), before) << "nothing of what was refused";
-    EXPECT_EQ(saveCode(thing("one", {{"word", "five"s}}), allKeys), 0) << "no more room than before";
-    EXPECT_FALSE(answer(database.modify({}, {"one"}, allKeys, false)).deleted.at("one"));
-
-    server.setQuota("owner", 5000);
-    const auto batch = answer(database.modify(
-        {thing("a", {{"word", std::string(3000, 'x')}}), thing("b", {{"word", std::string(3000, 'x')}}), thing("c")},
-        {}, allKeys, false));
-    EXPECT_EQ(codeOf(batch.saved.at("a")), 0);
-    EXPECT_EQ(codeOf(batch.saved.at("b")), CKError::quotaExceeded);
-    EXPECT_EQ(codeOf(batch.saved.at("c")), 0);
-    server.setQuota("owner", std::nullopt);
-    EXPECT_EQ(code(database.save(thing("two"))), 0);
 }
 
 } // namespace

@@ -1,12 +1,12 @@
 #include "simulation/EventLog.hpp"
-#include "runtime/VirtualScheduler.hpp"
+#include "support/Files.hpp"
+#include "support/TemporaryFolder.hpp"
+#include "support/VirtualMachine.hpp"
 
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <fstream>
 #include <limits>
-#include <sstream>
 #include <thread>
 
 namespace sentrel::simulation {
@@ -14,14 +14,9 @@ namespace {
 
 using namespace std::chrono_literals;
 
-struct LogMachine {
-    VirtualClock clock;
-    VirtualScheduler scheduler{clock};
-};
-
 TEST(EventLog, TellsEachEventAsOneJsonLineWithItsTimeAndItsFieldsInOrder)
 {
-    LogMachine machine;
+    test::VirtualMachine machine;
     machine.clock.advance(2s);
     EventLog log{machine.scheduler};
     machine.clock.advance(3500ms);
@@ -43,18 +38,15 @@ TEST(EventLog, TellsEachEventAsOneJsonLineWithItsTimeAndItsFieldsInOrder)
 
 TEST(EventLog, AFileHoldsTheEventsFromBeforeAndAfterItWasOpened)
 {
-    LogMachine machine;
-    const auto file = std::filesystem::path{testing::TempDir()} / "sentrel-events.jsonl";
+    test::VirtualMachine machine;
+    const TemporaryFolder folder;
+    const auto file = folder.path() / "events.jsonl";
     EventLog log{machine.scheduler};
     log.passOn("armed", {});
     ASSERT_TRUE(log.writeTo(file));
     log.passOn("disarmed", {});
-    std::stringstream content;
-    content << std::ifstream{file}.rdbuf();
-    EXPECT_EQ(content.str(), "{\"at\": 0, \"event\": \"armed\"}\n{\"at\": 0, \"event\": \"disarmed\"}\n");
-    std::filesystem::remove(file);
-
-    EXPECT_FALSE(log.writeTo(std::filesystem::path{testing::TempDir()} / "no such folder" / "events.jsonl"));
+    EXPECT_EQ(test::contentOf(file), "{\"at\": 0, \"event\": \"armed\"}\n{\"at\": 0, \"event\": \"disarmed\"}\n");
+    EXPECT_FALSE(log.writeTo(folder.path() / "no such folder" / "events.jsonl"));
     if (std::filesystem::exists("/dev/full")) {
         EXPECT_FALSE(log.writeTo("/dev/full")) << "a full disk goes unnoticed";
         EXPECT_FALSE(log.isWrittenWhole());
@@ -63,7 +55,7 @@ TEST(EventLog, AFileHoldsTheEventsFromBeforeAndAfterItWasOpened)
 
 TEST(EventLog, ThreadsMayNoteAndReadTogether)
 {
-    LogMachine machine;
+    test::VirtualMachine machine;
     EventLog log{machine.scheduler};
     std::atomic<int> heard = 0;
     log.observe([&](const Event&) { ++heard; });

@@ -81,6 +81,8 @@ TEST_F(PageThreads, RefuseWhatMakesNoSenseInPlainWordsAndGoOn)
         {"ui", "\xff\xfe", 400},
         {"ui", deep, 400},
         {"ui", R"({"in": "menu"})", 400},
+        {"ui", R"({"in": 1, "node": 2, "do": 3})", 400},
+        {"menu", R"({"open": "yes"})", 400},
         {"ui", R"({"in": "menu", "node": "armed", "do": "switch", "value": true})", 409},
         {"ui", R"({"in": "no-such-window", "node": "", "do": "press"})", 409},
         {"ui", R"({"in": "cover:9", "node": "", "do": "press"})", 409},

@@ -12,13 +12,14 @@
 #include "simulation/stage/Player.hpp"
 #include "simulation/stage/ScenarioReader.hpp"
 #include "simulation/stage/YamlValue.hpp"
+#include "support/Acting.hpp"
+#include "support/Files.hpp"
 #include "support/TemporaryFolder.hpp"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
-#include <fstream>
 #include <map>
 #include <regex>
 #include <set>
@@ -35,10 +36,7 @@ using Words = std::set<std::string>;
 
 const std::string& protocol()
 {
-    static const std::string text = [] {
-        std::ifstream file{SENTREL_SOURCE_DIR "/web/PROTOCOL.md"};
-        return std::string{std::istreambuf_iterator<char>{file}, {}};
-    }();
+    static const std::string text = test::contentOf(SENTREL_SOURCE_DIR "/web/PROTOCOL.md");
     return text;
 }
 
@@ -135,6 +133,11 @@ Words wordsOf(const std::vector<std::string_view>& list)
     return {list.begin(), list.end()};
 }
 
+const std::string macOfThePage = "title: Page\n"
+                                 "mac: {icloud: maya, camera: built-in, music: playing, passcode: '2468'}\n"
+                                 "settings: {requirePasswordForActions: false, lockScreenOnArm: true}\n"
+                                 "steps:\n- {at: 1s, do: arm}\n";
+
 /// A Mac with a story: everything that the page can show is there.
 struct UsedMac {
     UsedMac()
@@ -150,16 +153,12 @@ struct UsedMac {
 
     void act(const std::string& action)
     {
-        EXPECT_EQ(readAction(parseYaml(action), {}).perform(session), "") << action;
+        EXPECT_EQ(simulation::act(session, action), "") << action;
         session.clock().advance(2s);
     }
 
     TemporaryFolder disk;
-    Scenario scenario = parseScenario("title: Page\n"
-                                      "mac: {icloud: maya, camera: built-in, music: playing, passcode: '2468'}\n"
-                                      "settings: {requirePasswordForActions: false, lockScreenOnArm: true}\n"
-                                      "steps:\n- {at: 1s, do: arm}\n",
-                                      "page.yaml");
+    Scenario scenario = parseScenario(macOfThePage, "page.yaml");
     MacSession session{scenario.mac, disk.path(), SENTREL_SOURCE_DIR "/resources", 1};
     PageFiles files;
     PageState state{session, files, "Page"};
@@ -226,11 +225,8 @@ TEST(Protocol, NamesTheFieldsOfPanelsAndOfTheStory)
 TEST(Protocol, NamesTheRoomsOfTheState)
 {
     TemporaryFolder disk;
-    const Scenario scenario = parseScenario("title: Page\nmac: {icloud: maya}\n"
-                                            "settings: {requirePasswordForActions: false}\n"
-                                            "steps:\n- {at: 1s, do: arm}\n",
-                                            "page.yaml");
-    LiveMac mac{scenario, disk.path(), SENTREL_SOURCE_DIR "/resources", 1, MacSession::storyDate};
+    LiveMac mac{parseScenario(macOfThePage, "page.yaml"), disk.path(), SENTREL_SOURCE_DIR "/resources", 1,
+                MacSession::storyDate};
     mac.start();
     EXPECT_EQ(answerPage(mac, "action", R"({"open": "main"})").error, "");
     const auto event = mac.listen()->next();

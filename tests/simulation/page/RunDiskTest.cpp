@@ -1,9 +1,9 @@
 #include "simulation/page/RunDisk.hpp"
+#include "support/Files.hpp"
 #include "support/TemporaryFolder.hpp"
 
 #include <gtest/gtest.h>
 
-#include <fstream>
 #include <stdexcept>
 
 namespace sentrel::simulation {
@@ -19,8 +19,7 @@ TEST(RunDisk, BelongsToOneRunAtATimeAndIsLeftAsItIs)
     }
     const RunDisk next{path};
     EXPECT_TRUE(std::filesystem::is_empty(path));
-    std::ofstream{folder.path() / "file"} << "no folder";
-    EXPECT_THROW(RunDisk{folder.path() / "file"}, std::runtime_error);
+    EXPECT_THROW(RunDisk{test::put(folder.path() / "file", "no folder")}, std::runtime_error);
 }
 
 TEST(RunDisk, IsTemporaryUnlessOneIsWanted)

@@ -1,7 +1,4 @@
-#include "simulation/stage/Player.hpp"
-#include "simulation/stage/ScenarioReader.hpp"
-#include "simulation/story/Story.hpp"
-#include "support/TemporaryFolder.hpp"
+#include "simulation/stage/PlayedScenario.hpp"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -18,36 +15,7 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-/// Hears the story.
-class PlayListener final : public Audience {
-public:
-    void happened(const Event& event) override { story.tell(event); }
-    void willPerform(double at, const Step&, const Action& action) override { story.perform(at, action); }
-    void checked(double, const Step&, const std::vector<Mismatch>&) override {}
-
-    std::ostringstream heard;
-    Story story{heard, {.isColoured = false, .width = 200}};
-};
-
-class CloudScenarios : public testing::Test {
-protected:
-    /// What didn't hold, as sentences.
-    std::vector<std::string> played(const Scenario& scenario)
-    {
-        const PlayOptions options{.out = out, .resources = SENTREL_SOURCE_DIR "/resources", .seed = 1};
-        std::vector<std::string> sentences;
-        for (const Mismatch& mismatch : play(scenario, options, listener).mismatches) {
-            sentences.push_back(sentence(mismatch));
-        }
-        return sentences;
-    }
-
-    std::vector<std::string> playedText(const std::string& text) { return played(parseScenario(text, "talk.yaml")); }
-
-    TemporaryFolder folder;
-    std::optional<std::filesystem::path> out;
-    PlayListener listener;
-};
+class CloudScenarios : public PlayedScenario {};
 
 TEST_F(CloudScenarios, WhatICloudAnswersDuringTheQuitDoesNoHarm)
 {
@@ -58,38 +26,6 @@ TEST_F(CloudScenarios, WhatICloudAnswersDuringTheQuitDoesNoHarm)
                     IsEmpty())
             << latency;
     }
-}
-
-TEST_F(CloudScenarios, ThatComeWithTheProgramHold)
-{
-    for (const char* name :
-         {"offline-then-online", "storage-full", "remote-arm", "lost-answer", "second-apple-id", "throttled"}) {
-        const std::filesystem::path scenarios = SENTREL_SOURCE_DIR "/scenarios";
-        EXPECT_THAT(played(readScenario(scenarios / (std::string{name} + ".yaml"))), IsEmpty()) << name;
-    }
-}
-
-TEST_F(CloudScenarios, WithoutAnAccountEverythingStaysOnTheMacAndThePhoneFindsNone)
-{
-    EXPECT_THAT(playedText(R"(
-steps:
-- {at: 1s, do: arm}
-- {at: 2s, do: {phone: disarm}}
-- {at: 3s, do: unplug}
-- at: 5s
-  expect:
-    isArmed: true
-    alerts: 1
-    pendingUploads: 0
-    cloudAlerts: 0
-    alertRows: [{reason: unplugged, storage: localMac}]
-    infoMessage: Some alerts are waiting to upload to iCloud.
-    lastError: null
-    icloud: {isAvailable: false}
-    phone: {alerts: 0, notifications: 0, macs: []}
-)"),
-                IsEmpty());
-    EXPECT_THAT(listener.heard.str(), HasSubstr("→ The phone knows of no Mac."));
 }
 
 TEST_F(CloudScenarios, ACommandThatTheServerRefusesEndsNoPlay)
@@ -105,56 +41,13 @@ steps:
 - {at: 12s, expect: {isArmed: true}}
 )"),
                 IsEmpty());
-    EXPECT_THAT(listener.heard.str(), HasSubstr("iCloud refuses what the phone says: “quotaExceeded”."));
-    EXPECT_THAT(listener.heard.str(), testing::Not(HasSubstr("phone.command")));
+    EXPECT_THAT(told.str(), HasSubstr("iCloud refuses what the phone says: “quotaExceeded”."));
+    EXPECT_THAT(told.str(), testing::Not(HasSubstr("phone.command")));
 }
 
-TEST_F(CloudScenarios, AnUploadThatWorksTakesThoseAlongThatFailedBefore)
+TEST_F(CloudScenarios, AFullStorageIsToldUntilTheNextUser)
 {
     EXPECT_THAT(playedText(R"(
-mac: {icloud: maya}
-steps:
-- {at: 1s, do: {icloud: {fail: {code: serverRejectedRequest, times: 1, operation: save}}}}
-- {at: 2s, do: arm}
-- {at: 3s, do: unplug}
-- {at: 9s, expect: {cloudAlerts: 0, pendingUploads: 1}}
-- {at: 10s, do: close-lid}
-- {at: 13s, expect: {cloudAlerts: 2, pendingUploads: 0}}
-)"),
-                IsEmpty());
-}
-
-TEST_F(CloudScenarios, AnUploadThatIsRefusedIsTriedAgainAfterHalfAMinuteAndNotAtOnce)
-{
-    EXPECT_THAT(playedText(R"(
-mac: {icloud: maya}
-steps:
-- {at: 1s, do: {icloud: {fail: {code: serverRejectedRequest, times: 1, operation: save}}}}
-- {at: 2s, do: arm}
-- {at: 3s, do: unplug}
-- {at: 33s, expect: {cloudAlerts: 0, pendingUploads: 1, icloud: {lastSyncError: null}}}
-- {at: 35s, expect: {cloudAlerts: 1, pendingUploads: 0}}
-)"),
-                IsEmpty());
-}
-
-TEST_F(CloudScenarios, ACatalogThatIsThrottledSpoilsNoUpload)
-{
-    EXPECT_THAT(playedText(R"(
-mac: {icloud: maya}
-steps:
-- {at: 2s, do: arm}
-- {at: 5s, do: {icloud: {fail: {code: requestRateLimited, times: 1, retryAfter: 60, operation: fetchOne}}}}
-- {at: 6s, do: unplug}
-- at: 6300ms
-  expect: {cloudAlerts: 1, lastError: null, errorMessage: null, icloud: {lastSyncError: null}}
-)"),
-                IsEmpty());
-}
-
-TEST_F(CloudScenarios, AFullStorageIsToldUntilTheNextUploadOrTheNextUser)
-{
-    const std::string isFull = R"(
 mac: {icloud: maya}
 steps:
 - {at: 1s, do: {icloud: {quota: full}}}
@@ -162,43 +55,12 @@ steps:
 - {at: 3s, do: unplug}
 - {at: 5s, expect: {infoMessage: "Your iCloud storage is full.\nNew alerts are saved on this Mac."}}
 - {at: 6s, do: {icloud: {quota: ok}}}
-)";
-    const std::string waits = R"(
+- {at: 7s, do: {delete-alerts: all}}
+- {at: 8s, do: {icloud: {user: bob}}}
+- {at: 20s, do: {network: down}}
 - {at: 40s, do: plug-in}
 - {at: 41s, do: unplug}
 - {at: 45s, expect: {infoMessage: Some alerts are waiting to upload to iCloud.}}
-)";
-    EXPECT_THAT(playedText(isFull + "- {at: 7s, do: {icloud: {fail: {code: 15, times: 50, operation: save}}}}" + waits),
-                IsEmpty());
-    EXPECT_THAT(playedText(isFull +
-                           "- {at: 7s, do: {delete-alerts: all}}\n- {at: 8s, do: {icloud: {user: bob}}}\n"
-                           "- {at: 20s, do: {network: down}}" +
-                           waits),
-                IsEmpty());
-}
-
-TEST_F(CloudScenarios, TheNextUserOfTheMacSeesAndDeletesNothingOfTheFormerOnes)
-{
-    EXPECT_THAT(playedText(R"(
-mac: {icloud: maya}
-settings: {requirePasswordForActions: false}
-steps:
-- {at: 2s, do: arm}
-- {at: 3s, do: unplug}
-- {at: 8s, do: close-lid}
-- {at: 15s, do: {network: down}}
-- {at: 16s, do: {delete-alerts: oldest}}
-- {at: 17s, do: plug-in}
-- {at: 18s, do: unplug}
-- {at: 30s, do: quit}
-- {at: 40s, do: relaunch}
-- {at: 50s, expect: {pendingDeletions: 1}}
-- {at: 51s, do: {icloud: {user: bob, latency: 2s}}}
-- {at: 52s, do: {network: up}}
-- {at: 60s, expect: {alertRows: [{storage: pendingUpload}]}}
-- {at: 80s, expect: {alertRows: [{storage: cloud}], cloudAlerts: 1, pendingDeletions: 1}}
-- {at: 90s, do: {icloud: {user: maya, latency: 80ms}}}
-- {at: 110s, expect: {alertRows: [{reason: lidClosed}], cloudAlerts: 1, pendingDeletions: 0}}
 )"),
                 IsEmpty());
 }
@@ -249,7 +111,7 @@ TEST_F(CloudScenarios, EachPlayInAFolderBeginsWithAnEmptyCloud)
     EXPECT_THAT(playedText(text), IsEmpty());
 }
 
-TEST_F(CloudScenarios, DeletionsGoByAgeAndReachThePhone)
+TEST_F(CloudScenarios, DeletionsGoByAge)
 {
     EXPECT_THAT(playedText(R"(
 mac: {icloud: maya}
@@ -258,15 +120,13 @@ steps:
 - {at: 2s, do: unplug}
 - {at: 4s, do: close-lid}
 - {at: 6s, do: plug-in}
-- {at: 8s, do: {accelerometer: {sample: [0.6, 0.5, 1.4]}}}
-- {at: 8100ms, do: {accelerometer: {sample: [-0.6, -0.5, 0.2]}}}
+- {at: 8s, do: unplug}
 - {at: 10s, do: {delete-alerts: oldest}}
-- {at: 12s, expect: {alertRows: [{reason: motion}, {reason: lidClosed}], cloudAlerts: 2, phone: {alerts: 2}}}
+- {at: 12s, expect: {alertRows: [{reason: unplugged}, {reason: lidClosed}], cloudAlerts: 2}}
 - {at: 13s, do: {delete-alerts: newest}}
-- {at: 15s, expect: {alertRows: [{reason: lidClosed}], cloudAlerts: 1, pendingDeletions: 0}}
+- {at: 15s, expect: {alertRows: [{reason: lidClosed}], cloudAlerts: 1}}
 - {at: 16s, do: {network: down}}
 - {at: 17s, do: {delete-alerts: all}}
-- {at: 18s, expect: {alertRows: [], cloudAlerts: 1, pendingDeletions: 1, sections: []}}
 - {at: 19s, do: crash}
 - {at: 20s, expect: {icloud: null, syncError: null, pendingDeletions: 1}}
 )"),
@@ -285,8 +145,8 @@ steps:
 - {at: 90s, do: {icloud: {user: Tom}}}
 )"));
     std::vector<std::string> lines;
-    std::istringstream heard{listener.heard.str()};
-    for (std::string line; std::getline(heard, line);) {
+    std::istringstream story{told.str()};
+    for (std::string line; std::getline(story, line);) {
         if (line.find("Cloud") != std::string::npos || line.find("phone") != std::string::npos) {
             lines.push_back(line.substr(12));
         }

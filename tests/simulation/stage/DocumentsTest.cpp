@@ -2,11 +2,11 @@
 #include "simulation/stage/ExpectationReader.hpp"
 #include "simulation/stage/MacReader.hpp"
 #include "simulation/stage/MacSession.hpp"
+#include "support/Files.hpp"
 #include "support/TemporaryFolder.hpp"
 
 #include <gmock/gmock.h>
 
-#include <fstream>
 #include <regex>
 #include <set>
 #include <sstream>
@@ -34,14 +34,6 @@ Words setOf(const std::vector<std::string_view>& names)
 /// The page that describes the scenario language, by its sections.
 class LanguagePage {
 public:
-    LanguagePage()
-    {
-        const std::ifstream file{SENTREL_SOURCE_DIR "/docs/scenarios.md"};
-        std::ostringstream content;
-        content << file.rdbuf();
-        text_ = content.str();
-    }
-
     /// The words in the first column of the first table whose head starts so.
     [[nodiscard]] Words firstColumn(const std::string& section, const std::string& head) const
     {
@@ -63,7 +55,7 @@ public:
     }
 
 private:
-    std::string text_;
+    std::string text_ = test::contentOf(SENTREL_SOURCE_DIR "/docs/scenarios.md");
 };
 
 TEST(Documents, NameEveryWordOfTheScenarioLanguageAndNoOther)
@@ -89,14 +81,8 @@ TEST(Documents, NameEveryWordOfTheScenarioLanguageAndNoOther)
 
 TEST(Documents, TheManualExplainsNoticesThatTheProductHas)
 {
-    const auto contentOf = [](const std::string& path) {
-        const std::ifstream file{SENTREL_SOURCE_DIR + path};
-        std::ostringstream content;
-        content << file.rdbuf();
-        return content.str();
-    };
-    const std::string manual = contentOf("/docs/manual.md");
-    const std::string texts = contentOf("/resources/en.lproj/Localizable.strings");
+    const std::string manual = test::contentOf(SENTREL_SOURCE_DIR "/docs/manual.md");
+    const std::string texts = test::contentOf(SENTREL_SOURCE_DIR "/resources/en.lproj/Localizable.strings");
     static const std::regex explained{"\n\\| “([^”]+)” \\|"};
     int found = 0;
     for (std::sregex_iterator match{manual.begin(), manual.end(), explained}, end; match != end; ++match, ++found) {

@@ -1,6 +1,6 @@
 #include "simulation/stage/MacSession.hpp"
 #include "simulation/stage/MacState.hpp"
-#include "simulation/stage/ScenarioReader.hpp"
+#include "support/Acting.hpp"
 #include "support/TemporaryFolder.hpp"
 
 #include <gtest/gtest.h>
@@ -25,11 +25,7 @@ public:
         session_.clock().advance(1s);
     }
 
-    void act(const std::string& action)
-    {
-        const Scenario scenario = parseScenario("steps:\n  - {at: 0s, do: " + action + "}\n", "some.yaml");
-        EXPECT_EQ(std::get<Action>(scenario.steps.front().content).perform(session_), "");
-    }
+    void act(const std::string& action) { EXPECT_EQ(simulation::act(session_, action), ""); }
 
     bool isRunning() { return session_.app() != nullptr; }
     bool isHeard() { return session_.sound().has_value(); }

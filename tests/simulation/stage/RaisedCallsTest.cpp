@@ -1,6 +1,6 @@
 #include "simulation/stage/MacSession.hpp"
 #include "simulation/stage/MacState.hpp"
-#include "simulation/stage/ScenarioReader.hpp"
+#include "support/Acting.hpp"
 #include "support/TemporaryFolder.hpp"
 
 #include <gtest/gtest.h>
@@ -25,9 +25,7 @@ public:
     void act(std::initializer_list<const char*> actions)
     {
         for (const char* const action : actions) {
-            const std::string document = std::string{"steps:\n  - {at: 0s, do: "} + action + "}\n";
-            const Scenario scenario = parseScenario(document, "a");
-            static_cast<void>(std::get<Action>(scenario.steps.front().content).perform(session_));
+            static_cast<void>(simulation::act(session_, action));
         }
     }
     void advance(Duration span) { session_.clock().advance(span); }

@@ -1,7 +1,8 @@
-#include "simulation/stage/ScenarioReader.hpp"
+#include "simulation/stage/PlayedScenario.hpp"
 #include "simulation/stage/TextFile.hpp"
 #include "simulation/stage/YamlValue.hpp"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -62,20 +63,21 @@ bool allows(const Json& schema, const YamlValue& value)
                                                [&](const YamlValue& item) { return allows(items, item); });
 }
 
-TEST(ScenarioSchema, AllowsEveryScenarioThatComesWithTheProgram)
+class ScenarioSchema : public PlayedScenario {};
+
+TEST_F(ScenarioSchema, AllowsEveryScenarioThatComesWithTheProgramAndEachHolds)
 {
     const Json schema = scenarioSchema();
     std::size_t count = 0;
     for (const auto& entry : std::filesystem::directory_iterator{SENTREL_SOURCE_DIR "/scenarios"}) {
-        if (entry.path().extension() == ".yaml") {
-            EXPECT_TRUE(allows(schema, parseYaml(readTextFile(entry.path(), 1UL << 20U)))) << entry.path();
-            ++count;
-        }
+        EXPECT_TRUE(allows(schema, parseYaml(readTextFile(entry.path(), 1UL << 20U)))) << entry.path();
+        EXPECT_THAT(played(readScenario(entry.path())), testing::IsEmpty()) << entry.path();
+        ++count;
     }
-    EXPECT_GE(count, 7U);
+    EXPECT_GE(count, 21U);
 }
 
-TEST(ScenarioSchema, RefusesUnknownKeysAndWords)
+TEST_F(ScenarioSchema, RefusesUnknownKeysAndWords)
 {
     const auto allowed = [](const std::string& step) {
         return allows(scenarioSchema(), parseYaml("steps: [{at: 1s, " + step + "}]"));

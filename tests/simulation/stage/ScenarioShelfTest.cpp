@@ -1,11 +1,11 @@
 #include "simulation/stage/ScenarioShelf.hpp"
 #include "simulation/stage/ExitStatus.hpp"
 #include "simulation/stage/ScenarioError.hpp"
+#include "support/Files.hpp"
 #include "support/TemporaryFolder.hpp"
 
 #include <gmock/gmock.h>
 
-#include <fstream>
 #include <sstream>
 
 namespace sentrel::simulation {
@@ -17,9 +17,9 @@ using testing::StartsWith;
 TEST(ScenarioShelf, FindsScenariosByNameOrPathAndReadsThemWithoutPlaying)
 {
     const TemporaryFolder folder;
-    std::ofstream{folder.path() / "theft.yaml"} << "title: A theft\nsteps: [{at: 1s, do: arm}]\n";
-    std::ofstream{folder.path() / "slip.yaml"} << "title: A slip\nsteps: [{at: 1s, do: armm}]\n";
-    std::ofstream{folder.path() / "notes.txt"} << "no scenario";
+    test::put(folder.path() / "theft.yaml", "title: A theft\nsteps: [{at: 1s, do: arm}]\n");
+    test::put(folder.path() / "slip.yaml", "title: A slip\nsteps: [{at: 1s, do: armm}]\n");
+    test::put(folder.path() / "notes.txt", "no scenario");
     const ScenarioShelf shelf{folder.path()};
 
     EXPECT_THAT(shelf.names(), testing::ElementsAre("slip", "theft"));

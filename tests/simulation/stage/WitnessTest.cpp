@@ -1,6 +1,4 @@
-#include "simulation/stage/Player.hpp"
-#include "simulation/stage/ScenarioReader.hpp"
-#include "support/TemporaryFolder.hpp"
+#include "simulation/stage/PlayedScenario.hpp"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -14,47 +12,31 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-/// Keeps what the session hears of the alarm.
-class SpeakerListener final : public Audience {
-public:
-    void happened(const Event& event) override
+class Witness : public PlayedScenario {
+protected:
+    /// What the session hears of the alarm, then the expectations of these steps that don't hold, as sentences.
+    std::vector<std::string> witnessed(const std::string& steps)
     {
-        if (event.name == "alarm.heard" || event.name == "alarm.unheard") {
-            heard.push_back(event.name);
-        }
+        events.clear();
+        const auto mismatches = playedText("steps:\n" + steps);
+        auto all = heard({{"alarm.heard", ""}, {"alarm.unheard", ""}});
+        all.insert(all.end(), mismatches.begin(), mismatches.end());
+        return all;
     }
-    void willPerform(double, const Step&, const Action&) override {}
-    void checked(double, const Step&, const std::vector<Mismatch>&) override {}
-
-    std::vector<std::string> heard;
 };
 
-/// What the session hears of the alarm, then the expectations of these steps that don't hold, as sentences.
-std::vector<std::string> played(const std::string& steps)
-{
-    const TemporaryFolder folder;
-    const Scenario scenario = parseScenario("steps:\n" + steps, folder.path() / "witness.yaml");
-    const PlayOptions options{.out = {}, .resources = SENTREL_SOURCE_DIR "/resources", .seed = 1};
-    SpeakerListener listener;
-    const PlayResult result = play(scenario, options, listener);
-    for (const Mismatch& mismatch : result.mismatches) {
-        listener.heard.push_back(sentence(mismatch));
-    }
-    return listener.heard;
-}
-
-TEST(Witness, AnEngineThatPlaysNothingFailsTheExpectationOfATone)
+TEST_F(Witness, AnEngineThatPlaysNothingFailsTheExpectationOfATone)
 {
     const std::string theft = "- {at: 1s, do: arm}\n- {at: 2s, do: unplug}\n"
                               "- {at: 3s, expect: {isAlarmActive: true, sound: {mode: tone, device: 73}}}\n";
-    EXPECT_THAT(played(theft), ElementsAre("alarm.heard"));
-    EXPECT_THAT(played("- {at: 0s, do: {fail: {audio-engine: silent}}}\n" + theft),
-                ElementsAre("alarm.unheard", R"(expected sound to be {"mode":"tone","device":73}, but it is null)"));
+    EXPECT_THAT(witnessed(theft), ElementsAre("alarm.heard "));
+    EXPECT_THAT(witnessed("- {at: 0s, do: {fail: {audio-engine: silent}}}\n" + theft),
+                ElementsAre("alarm.unheard ", R"(expected sound to be {"mode":"tone","device":73}, but it is null)"));
 }
 
-TEST(Witness, HearsNoToneThroughAMuteAndBeepsAlsoBetweenThem)
+TEST_F(Witness, HearsNoToneThroughAMuteAndBeepsAlsoBetweenThem)
 {
-    EXPECT_THAT(played(R"(
+    EXPECT_THAT(witnessed(R"(
 - {at: 1s, do: arm}
 - {at: 2s, do: unplug}
 - {at: 3s, do: {volume: {device: 73, muted: true}}}
@@ -71,28 +53,20 @@ TEST(Witness, HearsNoToneThroughAMuteAndBeepsAlsoBetweenThem)
 - {at: 20s, do: stop-alarm}
 - {at: 22s, expect: {sound: null}}
 )"),
-                ElementsAre("alarm.heard"));
+                ElementsAre("alarm.heard "));
 }
 
-TEST(Witness, SettingsAreThoseOnTheDisk)
+TEST_F(Witness, SettingsAreThoseOnTheDiskAndALostDefaultOutputIsNone)
 {
-    EXPECT_THAT(played(R"(
+    EXPECT_THAT(witnessed(R"(
 - {at: 1s, do: {fail: {files: write}}}
 - {at: 2s, do: {set: {alarmVolume: 0.5}}}
 - {at: 2s, expect: {settings: {alarmVolume: 0.8}}}
 - {at: 3s, do: {fail: {files: none}}}
 - {at: 4s, do: {set: {capturePhoto: false}}}
-- {at: 4s, expect: {settings: {alarmVolume: 0.5, capturePhoto: false}}}
-)"),
-                IsEmpty());
-}
-
-TEST(Witness, ALostDefaultOutputIsNone)
-{
-    EXPECT_THAT(played(R"(
-- {at: 1s, expect: {defaultOutput: 73}}
-- {at: 2s, do: {default-output: none}}
-- {at: 2s, expect: {defaultOutput: none}}
+- {at: 4s, expect: {settings: {alarmVolume: 0.5, capturePhoto: false}, defaultOutput: 73}}
+- {at: 5s, do: {default-output: none}}
+- {at: 5s, expect: {defaultOutput: none}}
 )"),
                 IsEmpty());
 }

@@ -6,6 +6,7 @@
 #include "simulation/stage/ScenarioReader.hpp"
 #include "simulation/story/PlayCommand.hpp"
 #include "simulation/story/html/HtmlText.hpp"
+#include "support/Files.hpp"
 #include "support/TemporaryFolder.hpp"
 
 #include <gmock/gmock.h>
@@ -13,7 +14,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <fstream>
 #include <sstream>
 
 namespace sentrel::simulation {
@@ -29,10 +29,8 @@ const fs::path source{SENTREL_SOURCE_DIR};
 std::string playedPage(const std::string& yaml)
 {
     TemporaryFolder folder;
-    const fs::path scenario = folder.path() / "scenario.yaml";
-    std::ofstream{scenario} << yaml;
     PlayCommand command;
-    command.scenario = scenario;
+    command.scenario = test::put(folder.path() / "scenario.yaml", yaml);
     command.html = folder.path() / "story.html";
     command.resources = source / "resources";
     command.web = source / "web/story";
@@ -40,8 +38,7 @@ std::string playedPage(const std::string& yaml)
     std::ostringstream err;
     EXPECT_EQ(run(command, out, err), exitAllHeld) << out.str() << err.str();
     EXPECT_THAT(out.str(), HasSubstr("the story as a page"));
-    std::ifstream page{*command.html};
-    return {std::istreambuf_iterator<char>{page}, {}};
+    return test::contentOf(*command.html);
 }
 
 /// The content of the first data URL of this type.

@@ -17,13 +17,6 @@ constexpr std::uint32_t fileMode = 0600;
 // Bytes; far beyond anything that an application keeps in its defaults.
 constexpr std::size_t largestFile = std::size_t{16} << 20;
 
-std::string fileName(std::string_view application)
-{
-    std::string name{application};
-    std::ranges::replace_if(name, [](char c) { return c == '/' || c == '\0'; }, '_');
-    return name + ".json";
-}
-
 /// A fraction never equals a whole number: they are of different types to the reader.
 bool isEqual(const Json& left, const Json& right)
 {
@@ -38,7 +31,7 @@ DefaultsFile::DefaultsFile(ports::FileSystem& files, ports::Journal& journal, st
       files_(files),
       journal_(journal),
       folder_(std::move(folder)),
-      file_(folder_ / fileName(application)),
+      file_(folder_ / (std::string{application} + ".json")),
       isDamaged_(!load())
 {
     if (isDamaged_) {

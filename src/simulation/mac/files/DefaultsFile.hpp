@@ -21,8 +21,8 @@ namespace sentrel::simulation {
 /// change it is renamed to `NAME.damaged`. Any thread.
 class DefaultsFile final : public ports::UserDefaults {
 public:
-    /// Opens `FOLDER/APPLICATION.json`, which need not exist. The application is a bundle identifier or a name;
-    /// characters that a file name can't have are replaced. The faults, if any, are those of the port.
+    /// Opens `FOLDER/APPLICATION.json`, which need not exist. The application is a bundle identifier, of letters,
+    /// digits, '.' and '-'. The faults, if any, are those of the port.
     DefaultsFile(ports::FileSystem& files, ports::Journal& journal, std::filesystem::path folder,
                  std::string_view application, FaultSwitches* faults = nullptr);
 
