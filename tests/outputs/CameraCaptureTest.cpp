@@ -148,17 +148,17 @@ TEST_F(CameraCaptureTest, ADarkPhotoIsRetakenAfterAPauseAndOneAtTheLimitIsKept)
 
 TEST_F(CameraCaptureTest, OfDarkPhotosTheLastThatSucceedsIsReturned)
 {
-    for (const int successes : {3, 1}) {
+    for (const std::uint8_t successes : Bytes{3, 1}) {
         codec.averages = {dark, dark, dark};
         codec.encoded = std::nullopt;
-        for (int number = 1; number <= 3; ++number) {
-            camera.setPhotoFile(Bytes{static_cast<std::uint8_t>(number)});
+        capture();
+        for (const std::uint8_t number : Bytes{1, 2, 3}) {
+            camera.setPhotoFile(Bytes{number});
             camera.faults().set("photo", number > successes ? -1 : 0);
-            number == 1 ? capture() : void();
             clock.advance(number == 1 ? 1s : 1200ms);
         }
         clock.advance(1min);
-        EXPECT_EQ(results.back(), Bytes{static_cast<std::uint8_t>(successes)});
+        EXPECT_EQ(results.back(), Bytes{successes});
     }
     EXPECT_EQ(camera.photosRequested(), 5) << "a retake that fails is the last";
     EXPECT_THAT(output.lines, ElementsAre("Photo capture error: Cannot Complete Action"));

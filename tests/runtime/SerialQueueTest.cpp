@@ -27,18 +27,6 @@ struct QueueTest : testing::Test {
     SerialQueue queue{machine.scheduler, "test", QualityOfService::standard};
 };
 
-TEST_F(QueueTest, JobsRunInTheOrderInWhichTheyCame)
-{
-    queue.async(sayAfter(3s, "a", story));
-    queue.async(sayAfter(1s, "b", story));
-    queue.async([&] { story += "c"; });
-    queue.async(sayAfter(0s, "d", story));
-    machine.clock.advance(3999ms);
-    EXPECT_EQ(story, "a");
-    machine.clock.advance(1ms);
-    EXPECT_EQ(story, "abcd");
-}
-
 TEST_F(QueueTest, ACancelledJobLetsTheNextOneStart)
 {
     const auto slow = queue.async(sayAfter(1h, "slow", story));

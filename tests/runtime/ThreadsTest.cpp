@@ -1,3 +1,5 @@
+#include "runtime/Detached.hpp"
+#include "runtime/MainActor.hpp"
 #include "runtime/RepeatingTimer.hpp"
 #include "runtime/Semaphore.hpp"
 #include "runtime/SerialQueue.hpp"
