@@ -55,7 +55,7 @@ TEST_F(AlertOutboxTest, StopsForWhatConcernsAllAlertsAndGoesOnPastWhatConcernsOn
         for (const int number : {1, 2, 3}) {
             save(number);
         }
-        fail(each.code, CloudOperation::save, -1);
+        mac.fail(each.code, CloudOperation::save, -1);
         const std::uint64_t before = saves();
         catchUp();
         EXPECT_EQ(saves() - before, each.attempts) << each.why;
@@ -68,7 +68,7 @@ TEST_F(AlertOutboxTest, StopsForWhatConcernsAllAlertsAndGoesOnPastWhatConcernsOn
         world.clock.advance(301s); // whatever patience was asked for
         catchUp();
         EXPECT_THAT(here(), IsEmpty()) << each.why;
-        service->deleteAlerts(ids({1, 2, 3}));
+        service->deleteAlerts(idsOf({1, 2, 3}));
         world.clock.advance(1s);
         relaunch();
     }
@@ -80,12 +80,12 @@ TEST_F(AlertOutboxTest, AnAlertThatIsRefusedHoldsUpNoOtherAndIsTriedAgainEverLes
     for (const int number : {1, 2, 3}) {
         save(number, false);
     }
-    fail(15, CloudOperation::save);
+    mac.fail(15, CloudOperation::save);
     catchUp();
     const auto failures = [this] { return world.log.named("alert.uploadFailed").size(); };
     for (const Duration pause : {30s, 60s, 120s, 240s, 300s, 300s}) {
         EXPECT_EQ(rows(), "3c 2c 1w ");
-        fail(15, CloudOperation::save);
+        mac.fail(15, CloudOperation::save);
         const auto before = failures();
         world.clock.advance(pause - 10s);
         EXPECT_EQ(failures(), before) << toSeconds(pause);
@@ -94,7 +94,7 @@ TEST_F(AlertOutboxTest, AnAlertThatIsRefusedHoldsUpNoOtherAndIsTriedAgainEverLes
     }
     EXPECT_EQ(service->infoMessage.get(), "Some alerts are waiting to upload to iCloud.");
     save(4);
-    fail(15, CloudOperation::save);
+    mac.fail(15, CloudOperation::save);
     catchUp();
     EXPECT_EQ(rows(), "4c 3c 2c 1w ");
     world.clock.advance(31s);
@@ -103,8 +103,8 @@ TEST_F(AlertOutboxTest, AnAlertThatIsRefusedHoldsUpNoOtherAndIsTriedAgainEverLes
     world.clock.advance(1h);
     EXPECT_EQ(mac.icloud.link.requests(), requests) << "nothing waits any more";
 
-    fail(4, CloudOperation::modify);
-    service->deleteAlerts(ids({1}));
+    mac.fail(4, CloudOperation::modify);
+    service->deleteAlerts(idsOf({1}));
     world.clock.advance(31s);
     EXPECT_EQ(countInCloud(), 3U) << "deletions are owed in the same way";
 }
@@ -121,7 +121,7 @@ TEST_F(AlertOutboxTest, ACatalogThatHangsMakesNoFailureOfAnUploadThatIsConfirmed
     EXPECT_EQ(mac.cloud->lastSyncError.get(), std::nullopt);
     mac.icloud.link.setLatency(CloudOperation::fetchOne, std::nullopt);
     relaunch();
-    EXPECT_EQ(inCloud(), (std::set{1})) << "what the catalog is owed was on the disk";
+    EXPECT_EQ(mac.refreshed(), (std::set{1})) << "what the catalog is owed was on the disk";
 }
 
 TEST_F(AlertOutboxTest, AnOwnerCheckThatFailedIsRepeatedUntilTheEarlierUsersRowsAreGone)
@@ -152,19 +152,19 @@ TEST_F(AlertOutboxTest, ADeletionIsOwedInTheDatabaseThatHeldTheAlert)
     refresh();
     save(3);
     mac.icloud.link.setLatency(CloudOperation::modify, 4s);
-    service->deleteAlerts(ids({1}));
+    service->deleteAlerts(idsOf({1}));
     world.clock.advance(1s);
     signIn("other");
     EXPECT_EQ(rows(), "3w ") << "nothing of the former user's";
     world.clock.advance(5s);
-    EXPECT_EQ(service->pendingDeletions().ids(), ids({1})) << "this user's database never held it";
+    EXPECT_EQ(service->pendingDeletions().ids(), idsOf({1})) << "this user's database never held it";
     mac.icloud.link.setLatency(CloudOperation::modify, std::nullopt);
     catchUp();
     EXPECT_EQ(rows(), "3c ");
     const auto requests = mac.icloud.link.requests();
     world.clock.advance(1h);
     EXPECT_EQ(mac.icloud.link.requests(), requests) << "this database owes nothing";
-    EXPECT_EQ(service->pendingDeletions().ids(), ids({1}));
+    EXPECT_EQ(service->pendingDeletions().ids(), idsOf({1}));
 
     relaunch();
     signIn("owner");
@@ -173,11 +173,11 @@ TEST_F(AlertOutboxTest, ADeletionIsOwedInTheDatabaseThatHeldTheAlert)
     EXPECT_EQ(countInCloud(), 1U);
     EXPECT_THAT(service->pendingDeletions().ids(), IsEmpty());
 
-    fail(1, CloudOperation::userRecord);
+    mac.fail(1, CloudOperation::userRecord);
     mac.await(mac.cloud->verifyCacheOwner());
-    service->deleteAlerts(ids({2}));
+    service->deleteAlerts(idsOf({2}));
     world.clock.advance(29s);
-    EXPECT_EQ(service->pendingDeletions().ids(), ids({2})) << "nobody knows whose database answers";
+    EXPECT_EQ(service->pendingDeletions().ids(), idsOf({2})) << "nobody knows whose database answers";
     world.clock.advance(2s);
     EXPECT_THAT(service->pendingDeletions().ids(), IsEmpty()) << "the retry asks first who is signed in";
 }
@@ -244,20 +244,6 @@ TEST_F(AlertOutboxTest, WhatWasLeftUndoneIsDoneOnceICloudAnswersAgain)
     EXPECT_EQ(countInCloud(), 2U);
 }
 
-TEST_F(AlertOutboxTest, ALostAnswerMakesOneRecordAndNotTwo)
-{
-    refresh();
-    save(1);
-    mac.icloud.link.faults().loseAnswers(1, CloudOperation::save);
-    EXPECT_EQ(mac.await(uploader->upload(alert(1), std::nullopt)), Outcome::unreachable);
-    EXPECT_EQ(countInCloud(), 1U);
-    EXPECT_EQ(here(), (std::vector{1}));
-    catchUp();
-    EXPECT_EQ(countInCloud(), 1U);
-    EXPECT_THAT(here(), IsEmpty());
-    EXPECT_EQ(rows(), "1c ");
-}
-
 TEST_F(AlertOutboxTest, AnAlertIsUploadedOnceAtATimeAndEverybodyLearnsTheOutcome)
 {
     refresh();
@@ -281,10 +267,10 @@ TEST_F(AlertOutboxTest, ARecordThatCannotBeDeletedIsTriedAgainByLaterRefreshes)
 {
     putIntoCloud({1, 2});
     refresh();
-    fail(1, CloudOperation::modify, 1, alert(1).id.text());
-    service->deleteAlerts(ids({1, 2}));
+    mac.fail(1, CloudOperation::modify, 1, alert(1).id.text());
+    service->deleteAlerts(idsOf({1, 2}));
     world.clock.advance(1s);
-    EXPECT_EQ(service->pendingDeletions().ids(), ids({1}));
+    EXPECT_EQ(service->pendingDeletions().ids(), idsOf({1}));
     EXPECT_EQ(service->errorMessage.get(), "iCloud is temporarily unavailable. Try again shortly.");
     refresh();
     EXPECT_EQ(rows(), "");
@@ -313,7 +299,7 @@ TEST_F(AlertOutboxTest, AnAlertThatIsDeletedOnItsWayIntoTheCloudDoesNotComeBack)
     mac.icloud.link.setLatency(4s);
     const auto upload = start(uploader->upload(alert(1), std::nullopt));
     world.clock.advance(1s);
-    service->deleteAlerts(ids({1}));
+    service->deleteAlerts(idsOf({1}));
     world.clock.advance(9s);
     EXPECT_TRUE(upload.isFinished());
     EXPECT_EQ(countInCloud(), 1U) << "it arrived all the same";
@@ -330,29 +316,11 @@ TEST_F(AlertOutboxTest, AnAlertThatIsDeletedOnItsWayIntoTheCloudDoesNotComeBack)
     EXPECT_EQ(uploadsInOrder(), (std::vector{1}));
 }
 
-TEST_F(AlertOutboxTest, ADeletionDuringItsCatchUpWinsToo)
-{
-    refresh();
-    save(1);
-    save(2);
-    mac.icloud.link.setLatency(4s);
-    const auto pass = start(service->catchUp());
-    world.clock.advance(3s);
-    ASSERT_TRUE(uploader->isUploading(alert(1).id));
-    service->deleteAlerts(ids({1, 2}));
-    mac.icloud.link.setLatency(80ms);
-    world.clock.advance(30s);
-    EXPECT_TRUE(pass.isFinished());
-    EXPECT_EQ(countInCloud(), 0U);
-    EXPECT_EQ(rows(), "");
-    EXPECT_THAT(service->pendingDeletions().ids(), IsEmpty());
-}
-
 TEST_F(AlertOutboxTest, AnAlertThatReachesTheServerAfterItsDeletionIsDeletedAgain)
 {
     refresh();
     save(1);
-    service->deleteAlerts(ids({1}));
+    service->deleteAlerts(idsOf({1}));
     world.clock.advance(1s);
     EXPECT_THAT(service->pendingDeletions().ids(), IsEmpty());
     putIntoCloud({1}); // an attempt that had been given up
@@ -368,46 +336,13 @@ TEST_F(AlertOutboxTest, AnAlertThatReachesTheServerAfterItsDeletionIsDeletedAgai
     world.clock.advance(16s);
     ASSERT_TRUE(upload.isFinished());
     mac.icloud.link.setLatency(80ms);
-    service->deleteAlerts(ids({2}));
+    service->deleteAlerts(idsOf({2}));
     world.clock.advance(20s);
     EXPECT_EQ(countInCloud(), 1U);
     world.clock.advance(20s);
     EXPECT_EQ(countInCloud(), 0U);
     world.clock.advance(2min);
     EXPECT_THAT(service->pendingDeletions().ids(), IsEmpty());
-}
-
-TEST_F(AlertOutboxTest, WhereverTheProcessDiesAnAlertIsHereOrInTheCloudAndAtLastThereOnce)
-{
-    int crashes = 0;
-    for (int phases = 1;; ++phases) {
-        refresh();
-        save(1, true, picture);
-        save(2);
-        int left = phases;
-        mac.icloud.link.onRequest([&left](CloudOperation, simulation::CloudRequestPhase) { --left; });
-        const auto pass = start(service->catchUp());
-        while (left > 0 && !pass.isFinished()) {
-            world.clock.advance(1ms);
-        }
-        mac.icloud.link.onRequest(nullptr);
-        const bool wasThrough = pass.isFinished();
-        crashes += wasThrough ? 0 : 1;
-        relaunch();
-        const std::vector<int> kept = here();
-        std::set<int> anywhere = inCloud();
-        anywhere.insert(kept.begin(), kept.end());
-        EXPECT_EQ(anywhere, (std::set{1, 2})) << "after " << phases << " phases";
-        catchUp();
-        EXPECT_EQ(countInCloud(), 2U) << "after " << phases << " phases";
-        EXPECT_THAT(here(), IsEmpty());
-        EXPECT_THAT(mac.await(service->photo(alert(1).id)), Optional(picture));
-        if (wasThrough) {
-            break;
-        }
-        mac.await(mac.cloud->deleteAlerts(ids({1, 2})));
-    }
-    EXPECT_GE(crashes, 8);
 }
 
 TEST_F(AlertOutboxTest, APhotoThatCannotBeReadNowIsNotGivenUp)

@@ -3,12 +3,9 @@
 #include "alerts/LocalAlertStore.hpp"
 #include "alerts/MacAlertsService.hpp"
 #include "cloud/CloudMac.hpp"
-#include "simulation/icloud/CloudErrorNames.hpp"
 #include "simulation/mac/language/IcuCalendar.hpp"
 
 #include <gtest/gtest.h>
-
-#include <set>
 
 namespace sentrel::test {
 
@@ -64,18 +61,6 @@ protected:
             mac.await(mac.cloud->uploadAlert(alert(number), std::nullopt));
         }
     }
-    static std::unordered_set<UUID> ids(std::initializer_list<int> numbers)
-    {
-        std::unordered_set<UUID> all;
-        for (const int number : numbers) {
-            all.insert(alert(number).id);
-        }
-        return all;
-    }
-    static int numberOf(const AlertEvent& event)
-    {
-        return static_cast<int>(event.timestamp.secondsSinceReferenceDate - 8e8);
-    }
     [[nodiscard]] std::string rows() const
     {
         std::string text;
@@ -93,15 +78,6 @@ protected:
         }
         return numbers;
     }
-    std::set<int> inCloud()
-    {
-        mac.await(mac.cloud->refreshAlerts());
-        std::set<int> numbers;
-        for (const AlertEvent& event : mac.cloud->cachedAlerts()) {
-            numbers.insert(numberOf(event));
-        }
-        return numbers;
-    }
     std::vector<int> uploadsInOrder() const
     {
         std::vector<int> numbers;
@@ -112,10 +88,6 @@ protected:
     }
     [[nodiscard]] std::uint64_t countInCloud() { return world.server.count("owner", "AlertEvent"); }
     [[nodiscard]] std::uint64_t saves() const { return mac.icloud.link.requests(CloudOperation::save); }
-    void fail(int code, CloudOperation operation, int times = 1, std::string record = {})
-    {
-        mac.icloud.link.faults().add({simulation::cloudError(code), operation, std::move(record), times});
-    }
     void refresh() { mac.await(service->refresh()); }
     void catchUp() { mac.await(service->catchUp()); }
     template <class T> Task<T> start(Async<T> work) { return MainActor{mac.process}.spawn(std::move(work)); }

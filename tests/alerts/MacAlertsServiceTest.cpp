@@ -125,11 +125,11 @@ TEST_F(MacAlertsServiceTest, AListKeptUpToDateIsTheListMadeOfAllAlerts)
             other.await(other.cloud->uploadAlert(alert(number), std::nullopt));
             break;
         case 3:
-            other.await(other.cloud->deleteAlerts(ids({number})));
+            other.await(other.cloud->deleteAlerts(idsOf({number})));
             break;
         case 4:
             deleted.insert(alert(number).id);
-            service->deleteAlerts(ids({number}));
+            service->deleteAlerts(idsOf({number}));
             break;
         case 5:
             mac.icloud.network.setUp(turn % 4 != 0);
@@ -216,7 +216,7 @@ TEST_F(MacAlertsServiceTest, WhatTheUserDeletedStaysAwayUntilTheCloudHasDeletedI
     save(3);
     refresh();
     mac.icloud.network.setUp(false);
-    service->deleteAlerts(ids({1, 3}));
+    service->deleteAlerts(idsOf({1, 3}));
     EXPECT_EQ(rows(), "2c ") << "at once";
     EXPECT_THAT(here(), IsEmpty());
     EXPECT_EQ(timesCaughtUp, 1);
@@ -226,7 +226,7 @@ TEST_F(MacAlertsServiceTest, WhatTheUserDeletedStaysAwayUntilTheCloudHasDeletedI
     relaunch();
     refresh();
     EXPECT_EQ(rows(), "2c ");
-    EXPECT_EQ(service->pendingDeletions().ids(), ids({1, 3}));
+    EXPECT_EQ(service->pendingDeletions().ids(), idsOf({1, 3}));
     EXPECT_EQ(countInCloud(), 2U);
     mac.icloud.network.setUp(true);
     catchUp();

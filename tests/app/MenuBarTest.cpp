@@ -9,14 +9,6 @@ namespace {
 using simulation::LoginAnswer;
 using testing::Each;
 using testing::ElementsAre;
-using testing::IsEmpty;
-
-simulation::MacDescription macMini()
-{
-    simulation::MacDescription description;
-    description.model = "Macmini9,1";
-    return description;
-}
 
 TEST(MenuBar, ReadsFromTopToBottomAndTellsWhenItIsArmed)
 {
@@ -108,41 +100,6 @@ TEST(MenuBar, OpensWindowsAfterClosingItselfAndTheLogin)
         EXPECT_EQ(mac.done, each.done) << each.button;
         EXPECT_EQ(mac.loginsAsked(), each.logins) << each.button;
     }
-}
-
-TEST(MenuBar, StopsTheAlarmWhileItSoundsAfterTheLogin)
-{
-    ControlsMac mac;
-    mac.arm();
-    EXPECT_FALSE(mac.shows(mac.menu, "stopAlarm") || mac.shows(mac.panel, "stopAlarm"));
-    mac.trigger();
-    mac.login(LoginAnswer::fail);
-    mac.press(mac.menu, "Stop Alarm");
-    mac.press(mac.panel, "Stop Alarm");
-    EXPECT_TRUE(mac.coordinator().isAlarmActive);
-    EXPECT_EQ(mac.loginsAsked(), 2U);
-    mac.login(LoginAnswer::succeed);
-    mac.press(mac.menu, "Stop Alarm");
-    EXPECT_FALSE(mac.coordinator().isAlarmActive || mac.shows(mac.menu, "stopAlarm"));
-    EXPECT_TRUE(mac.coordinator().isArmed);
-
-    mac.set(&AlarmSettings::requirePasswordForActions, false);
-    mac.trigger();
-    mac.press(mac.panel, "Stop Alarm");
-    EXPECT_FALSE(mac.coordinator().isAlarmActive);
-    EXPECT_EQ(mac.loginsAsked(), 3U);
-}
-
-TEST(MenuBar, AComputerThatIsNoMacBookIsNeverArmed)
-{
-    ControlsMac mac{macMini()};
-    EXPECT_EQ(mac.press(mac.menu, "armed"), ui::Interaction::unreachable);
-    EXPECT_FALSE(mac.settings().isArmed);
-    // The phone writes the setting all the same.
-    mac.app().settings().set(&AlarmSettings::isArmed, true);
-    EXPECT_FALSE(mac.coordinator().isArmed);
-    EXPECT_EQ(mac.label.image(), "MenuBarIcon");
-    EXPECT_FALSE(mac.shows(mac.menu, "armedState"));
 }
 
 TEST(MenuBar, TheCoordinatorFollowsTheSettingsFromTheSceneOnWhoeverChangesThem)

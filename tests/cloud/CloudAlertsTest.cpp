@@ -33,30 +33,9 @@ protected:
     {
         return outcomeOf(which, which.cloud->uploadAlert(alertNumber(number), std::move(photo)));
     }
-    static std::set<int> known(CloudMac& which)
-    {
-        std::set<int> numbers;
-        for (const AlertEvent& alert : which.cloud->cachedAlerts()) {
-            numbers.insert(static_cast<int>(alert.timestamp.secondsSinceReferenceDate - 8e8));
-        }
-        return numbers;
-    }
-    static std::set<int> refreshed(CloudMac& which)
-    {
-        which.await(which.cloud->refreshAlerts());
-        return known(which);
-    }
-    static std::unordered_set<UUID> ids(std::initializer_list<int> numbers)
-    {
-        std::unordered_set<UUID> all;
-        for (const int number : numbers) {
-            all.insert(alertNumber(number).id);
-        }
-        return all;
-    }
     std::size_t deleteAlerts(std::initializer_list<int> numbers)
     {
-        return mac.await(mac.cloud->deleteAlerts(ids(numbers))).size();
+        return mac.await(mac.cloud->deleteAlerts(idsOf(numbers))).size();
     }
     std::vector<std::string> catalog()
     {
@@ -70,10 +49,6 @@ protected:
         mac.await(mac.icloud.database.modify(std::move(records), {}, ports::CloudSavePolicy::allKeys, false));
     }
     CloudRecord record(int number) { return alertRecord(alertNumber(number), "elsewhere", mac.language); }
-    void failNext(int code, CloudOperation operation, int times = 1)
-    {
-        mac.icloud.link.faults().add({cloudError(code), operation, {}, times});
-    }
     [[nodiscard]] std::size_t temporaryFiles() const
     {
         const std::filesystem::directory_iterator files{mac.temporaryFolder()};
@@ -98,7 +73,7 @@ TEST_F(CloudAlertsTest, AnAlertTravelsWithItsPhotoAndIsThereOnceHoweverOftenItIs
 
     CloudMac second{world, "second", 2};
     online(second);
-    EXPECT_EQ(refreshed(second), (std::set{1, 2}));
+    EXPECT_EQ(second.refreshed(), (std::set{1, 2}));
     EXPECT_EQ(second.await(second.cloud->alertPhoto(alertNumber(1).id)), photo);
     EXPECT_FALSE(second.await(second.cloud->alertPhoto(alertNumber(2).id)));
     for (const AlertEvent& alert : second.cloud->cachedAlerts()) {
@@ -107,26 +82,17 @@ TEST_F(CloudAlertsTest, AnAlertTravelsWithItsPhotoAndIsThereOnceHoweverOftenItIs
     }
 }
 
-TEST_F(CloudAlertsTest, ALostAnswerCostsASecondAttemptAndNoSecondRecord)
-{
-    mac.icloud.link.faults().loseAnswers(1, CloudOperation::save);
-    EXPECT_EQ(upload(mac, 1, photo), "CloudKit 4");
-    EXPECT_EQ(upload(mac, 1, photo), "done");
-    EXPECT_EQ(world.server.count("owner", alertRecordType), 1U);
-    EXPECT_EQ(catalog().size(), 1U);
-}
-
 TEST_F(CloudAlertsTest, AnUploadMakesThreeRequestsAndFailsByTheAlertsOwnSaveOnly)
 {
     EXPECT_EQ(mac.requestsOf(mac.cloud->uploadAlert(alertNumber(1), photo)), 3U);
-    failNext(CloudErrorCode::quotaExceeded, CloudOperation::save);
+    mac.fail(CloudErrorCode::quotaExceeded, CloudOperation::save);
     EXPECT_EQ(upload(mac, 2), "CloudKit 25");
-    failNext(CloudErrorCode::requestRateLimited, CloudOperation::fetchOne);
+    mac.fail(CloudErrorCode::requestRateLimited, CloudOperation::fetchOne);
     EXPECT_EQ(upload(mac, 3), "done") << "the catalog can't be read";
     EXPECT_EQ(catalog().size(), 1U);
     // The process dies; what the catalog is owed was on the disk before the upload was told to be done.
     mac.relaunch();
-    EXPECT_EQ(refreshed(mac), (std::set{1, 3}));
+    EXPECT_EQ(mac.refreshed(), (std::set{1, 3}));
     EXPECT_EQ(catalog().size(), 2U);
 }
 
@@ -139,7 +105,7 @@ TEST_F(CloudAlertsTest, NoPhotoFileOutlivesItsUpload)
     upload(mac, 1, photo);
     EXPECT_TRUE(wasThere);
     EXPECT_EQ(temporaryFiles(), 0U);
-    failNext(CloudErrorCode::quotaExceeded, CloudOperation::save);
+    mac.fail(CloudErrorCode::quotaExceeded, CloudOperation::save);
     upload(mac, 2, photo);
     EXPECT_EQ(temporaryFiles(), 0U) << "after a failure";
 
@@ -183,7 +149,7 @@ TEST_F(CloudAlertsTest, ARefreshAsksForWhatIsNewAndNotForThousandsOfOldAlerts)
         }
         put(std::move(records));
     }
-    EXPECT_EQ(refreshed(mac).size(), 10'000U) << "no catalog: every page is read";
+    EXPECT_EQ(mac.refreshed().size(), 10'000U) << "no catalog: every page is read";
     EXPECT_EQ(catalog().size(), 10'000U);
     EXPECT_EQ(catalog().front(), alertNumber(0).id.text()) << "in the order of their dates";
     EXPECT_EQ(mac.requestsOf(mac.cloud->refreshAlerts()), 1U) << "nothing new";
@@ -200,7 +166,7 @@ TEST_F(CloudAlertsTest, ARefreshAsksForWhatIsNewAndNotForThousandsOfOldAlerts)
     world.clock.advance(2s); // the cache is written
     mac.relaunch();
     EXPECT_EQ(mac.requestsOf(mac.cloud->refreshAlerts()), 2U);
-    EXPECT_EQ(known(mac).size(), 10'010U);
+    EXPECT_EQ(mac.known().size(), 10'010U);
 }
 
 TEST_F(CloudAlertsTest, TwoMacsThatUploadAndDeleteAtOnceLoseAndDoubleNothing)
@@ -208,20 +174,20 @@ TEST_F(CloudAlertsTest, TwoMacsThatUploadAndDeleteAtOnceLoseAndDoubleNothing)
     CloudMac second{world, "second", 2};
     online(second);
     upload(mac, 100);
-    refreshed(second);
+    second.refreshed();
     std::vector<Task<void>> uploads;
     for (int number = 0; number < 4; ++number) {
         CloudMac& which = number % 2 == 0 ? mac : second;
         uploads.push_back(MainActor{which.process}.spawn(which.cloud->uploadAlert(alertNumber(number), photo)));
     }
-    const auto deletion = MainActor{second.process}.spawn(second.cloud->deleteAlerts(ids({100})));
+    const auto deletion = MainActor{second.process}.spawn(second.cloud->deleteAlerts(idsOf({100})));
     world.clock.advance(30s);
     for (const Task<void>& done : uploads) {
         EXPECT_TRUE(done.isFinished());
     }
     const std::set expected{0, 1, 2, 3};
-    EXPECT_EQ(refreshed(mac), expected);
-    EXPECT_EQ(refreshed(second), expected);
+    EXPECT_EQ(mac.refreshed(), expected);
+    EXPECT_EQ(second.refreshed(), expected);
     const auto texts = catalog();
     EXPECT_EQ(std::set(texts.begin(), texts.end()).size(), 4U);
     EXPECT_EQ(texts.size(), 4U);
@@ -242,28 +208,28 @@ TEST_F(CloudAlertsTest, WhatHappensDuringARefreshIsNewerThanWhatItFinds)
     EXPECT_EQ(deleteAlerts({1}), 1U);
     world.clock.advance(5s);
     ASSERT_TRUE(refresh.isFinished());
-    EXPECT_EQ(known(mac), (std::set{2, 3}));
-    EXPECT_EQ(refreshed(mac), (std::set{2, 3}));
+    EXPECT_EQ(mac.known(), (std::set{2, 3}));
+    EXPECT_EQ(mac.refreshed(), (std::set{2, 3}));
 }
 
 TEST_F(CloudAlertsTest, ARefreshThatFailsOrIsCancelledChangesNothing)
 {
     upload(mac, 1);
-    refreshed(mac);
+    mac.refreshed();
     put({record(2)});
     std::filesystem::remove(mac.cacheFile());
     mac.relaunch();
     for (const CloudOperation operation : {CloudOperation::fetchOne, CloudOperation::query}) {
-        failNext(CloudErrorCode::networkFailure, operation);
+        mac.fail(CloudErrorCode::networkFailure, operation);
         EXPECT_EQ(outcomeOf(mac, mac.cloud->refreshAlerts()), "CloudKit 4");
-        EXPECT_THAT(known(mac), IsEmpty());
+        EXPECT_THAT(mac.known(), IsEmpty());
     }
     const auto cancelled = MainActor{mac.process}.spawn(mac.cloud->refreshAlerts());
     world.clock.advance(100ms);
     cancelled.cancel();
     world.clock.advance(1s);
-    EXPECT_THAT(known(mac), IsEmpty());
-    EXPECT_EQ(refreshed(mac), (std::set{1, 2}));
+    EXPECT_THAT(mac.known(), IsEmpty());
+    EXPECT_EQ(mac.refreshed(), (std::set{1, 2}));
 }
 
 TEST_F(CloudAlertsTest, DeletionCountsWhateverTheCloudDoesNotHoldAnyMore)
@@ -275,18 +241,18 @@ TEST_F(CloudAlertsTest, DeletionCountsWhateverTheCloudDoesNotHoldAnyMore)
         {cloudError(CloudErrorCode::zoneBusy, 9.0), CloudOperation::modify, alertNumber(2).id.text(), 1});
     EXPECT_EQ(deleteAlerts({1, 2, 4711}), 2U) << "one is busy, one never was";
     EXPECT_EQ(mac.cloud->requestBackoff().consecutiveFailures, 1);
-    EXPECT_EQ(known(mac), (std::set{2, 3}));
+    EXPECT_EQ(mac.known(), (std::set{2, 3}));
 
-    failNext(CloudErrorCode::networkFailure, CloudOperation::modify);
+    mac.fail(CloudErrorCode::networkFailure, CloudOperation::modify);
     EXPECT_EQ(deleteAlerts({2, 3}), 0U);
     EXPECT_FALSE(mac.cloud->isReachable);
 
     // The catalog can't be told: it learns after the next launch, and no alert comes back meanwhile.
-    failNext(CloudErrorCode::networkFailure, CloudOperation::save, 1);
+    mac.fail(CloudErrorCode::networkFailure, CloudOperation::save, 1);
     EXPECT_EQ(deleteAlerts({2}), 1U);
     EXPECT_EQ(catalog().size(), 2U);
     mac.relaunch();
-    EXPECT_EQ(refreshed(mac), (std::set{3}));
+    EXPECT_EQ(mac.refreshed(), (std::set{3}));
     EXPECT_THAT(catalog(), ElementsAre(alertNumber(3).id.text()));
     EXPECT_TRUE(mac.cloud->isReachable);
 }
@@ -295,18 +261,18 @@ TEST_F(CloudAlertsTest, WhatOtherDevicesDoWithoutTheCatalogIsFoundAtLast)
 {
     upload(mac, 1);
     upload(mac, 2);
-    refreshed(mac);
+    mac.refreshed();
     std::vector<std::string> names(1, alertNumber(1).id.text());
     mac.await(mac.icloud.database.modify({}, names, ports::CloudSavePolicy::allKeys, false));
-    EXPECT_EQ(refreshed(mac), (std::set{1, 2})) << "the catalog lists it still";
+    EXPECT_EQ(mac.refreshed(), (std::set{1, 2})) << "the catalog lists it still";
     EXPECT_FALSE(mac.await(mac.cloud->alertPhoto(alertNumber(1).id)));
-    EXPECT_EQ(refreshed(mac), (std::set{2}));
+    EXPECT_EQ(mac.refreshed(), (std::set{2}));
     EXPECT_THAT(catalog(), ElementsAre(alertNumber(2).id.text()));
 
     names.front() = "alert-catalog";
     mac.await(mac.icloud.database.modify({}, names, ports::CloudSavePolicy::allKeys, false));
     put({record(3)});
-    EXPECT_EQ(refreshed(mac), (std::set{2, 3})) << "without a catalog everything is read";
+    EXPECT_EQ(mac.refreshed(), (std::set{2, 3})) << "without a catalog everything is read";
     EXPECT_THAT(catalog(), ElementsAre(alertNumber(2).id.text(), alertNumber(3).id.text()));
 }
 
@@ -316,22 +282,22 @@ TEST_F(CloudAlertsTest, ADamagedCacheIsBuiltAnew)
     upload(mac, 2);
     for (const char* const damage :
          {"", "{", "\xff\xfe", "[]", R"({"version":2})", R"({"version":1,"isComplete":true})"}) {
-        refreshed(mac);
+        mac.refreshed();
         world.clock.advance(2s);
         EXPECT_EQ(std::filesystem::status(mac.cacheFile()).permissions(), std::filesystem::perms{0600});
         std::ofstream{mac.cacheFile(), std::ios::trunc} << damage;
         mac.relaunch();
-        EXPECT_THAT(known(mac), IsEmpty()) << damage;
-        EXPECT_EQ(refreshed(mac), (std::set{1, 2})) << damage;
+        EXPECT_THAT(mac.known(), IsEmpty()) << damage;
+        EXPECT_EQ(mac.refreshed(), (std::set{1, 2})) << damage;
         world.clock.advance(2s);
         mac.relaunch();
-        EXPECT_EQ(known(mac), (std::set{1, 2})) << damage;
+        EXPECT_EQ(mac.known(), (std::set{1, 2})) << damage;
     }
     mac.files.faults().set("synchronize");
     EXPECT_EQ(upload(mac, 3), "done") << "a cache that can't be written harms nothing";
     world.clock.advance(2s);
     mac.relaunch();
-    EXPECT_EQ(known(mac), (std::set{1, 2}));
+    EXPECT_EQ(mac.known(), (std::set{1, 2}));
 }
 
 TEST_F(CloudAlertsTest, HostileRecordsAreSkippedAndNotAskedForAgain)
@@ -341,7 +307,7 @@ TEST_F(CloudAlertsTest, HostileRecordsAreSkippedAndNotAskedForAgain)
     records[2].name = "../../../etc/passwd";
     records[2].fields["deviceName"] = std::string(100'000, 'x');
     put(records);
-    EXPECT_EQ(refreshed(mac), (std::set{1}));
+    EXPECT_EQ(mac.refreshed(), (std::set{1}));
     CloudRecord list;
     list.type = "AlertCatalog";
     list.name = "alert-catalog";
@@ -349,18 +315,18 @@ TEST_F(CloudAlertsTest, HostileRecordsAreSkippedAndNotAskedForAgain)
         std::vector<std::string>{"", "nonsense", records[0].name, records[1].name, alertNumber(4).id.text()};
     put({list});
     mac.relaunch();
-    EXPECT_EQ(refreshed(mac), (std::set{1}));
+    EXPECT_EQ(mac.refreshed(), (std::set{1}));
     EXPECT_THAT(catalog(), ElementsAre(records[0].name, records[1].name)) << "what never was is taken off";
     EXPECT_EQ(mac.requestsOf(mac.cloud->refreshAlerts()), 1U);
     list.fields["alertIDs"] = std::string{"no list"};
     put({list});
-    EXPECT_EQ(refreshed(mac), (std::set{1}));
+    EXPECT_EQ(mac.refreshed(), (std::set{1}));
 }
 
 TEST_F(CloudAlertsTest, AFullCatalogDropsItsOldestAndNoLongerTellsOfDeletions)
 {
     upload(mac, 1);
-    refreshed(mac);
+    mac.refreshed();
     CloudRecord list;
     list.type = "AlertCatalog";
     list.name = "alert-catalog";
@@ -377,7 +343,7 @@ TEST_F(CloudAlertsTest, AFullCatalogDropsItsOldestAndNoLongerTellsOfDeletions)
     list = mac.await(mac.icloud.database.record("alert-catalog"));
     list.fields["alertIDs"] = std::vector<std::string>{alertNumber(2).id.text()};
     put({list});
-    EXPECT_EQ(refreshed(mac), (std::set{1, 2})) << "the first fell off because it is old";
+    EXPECT_EQ(mac.refreshed(), (std::set{1, 2})) << "the first fell off because it is old";
 }
 
 class CatalogMirrorTest : public testing::Test {

@@ -4,6 +4,7 @@
 #include "posix/PosixFileSystem.hpp"
 #include "runtime/VirtualScheduler.hpp"
 #include "simulation/EventLog.hpp"
+#include "simulation/icloud/CloudErrorNames.hpp"
 #include "simulation/icloud/SimulatedICloud.hpp"
 #include "simulation/mac/SimulatedHost.hpp"
 #include "simulation/mac/SimulatedWallClock.hpp"
@@ -17,8 +18,10 @@
 #include <filesystem>
 #include <memory>
 #include <optional>
+#include <set>
 #include <stdexcept>
 #include <string>
+#include <unordered_set>
 #include <utility>
 
 namespace sentrel::test {
@@ -42,6 +45,30 @@ struct TurnedClock final : ports::WallClock {
     ports::WallClock& trueClock;
     double offset = 0.0;
 };
+
+/// An alert that its number tells apart.
+[[nodiscard]] inline AlertEvent alertNumber(int number)
+{
+    UUID::Octets octets{};
+    octets[0] = static_cast<std::uint8_t>(number >> 8);
+    octets[1] = static_cast<std::uint8_t>(number);
+    octets[15] = 0xAF;
+    return {UUID{octets}, TriggerReason::motion, Date{8e8 + number}, "Mac", std::nullopt, true};
+}
+
+[[nodiscard]] inline std::unordered_set<UUID> idsOf(std::initializer_list<int> numbers)
+{
+    std::unordered_set<UUID> ids;
+    for (const int number : numbers) {
+        ids.insert(alertNumber(number).id);
+    }
+    return ids;
+}
+
+[[nodiscard]] inline int numberOf(const AlertEvent& alert)
+{
+    return static_cast<int>(alert.timestamp.secondsSinceReferenceDate - 8e8);
+}
 
 /// As much of a Mac as talks to iCloud.
 class CloudMac {
@@ -98,6 +125,27 @@ public:
         }
     }
 
+    /// The alerts that the Mac knows to be in the cloud, by their numbers.
+    [[nodiscard]] std::set<int> known() const
+    {
+        std::set<int> numbers;
+        for (const AlertEvent& alert : cloud->cachedAlerts()) {
+            numbers.insert(numberOf(alert));
+        }
+        return numbers;
+    }
+    std::set<int> refreshed()
+    {
+        await(cloud->refreshAlerts());
+        return known();
+    }
+
+    /// The next requests of this kind fail, or all with -1 times.
+    void fail(int code, CloudOperation operation, int times = 1, std::string record = {})
+    {
+        icloud.link.faults().add({simulation::cloudError(code), operation, std::move(record), times});
+    }
+
     /// How many requests the work makes.
     template <class T> std::uint64_t requestsOf(Async<T> work)
     {
@@ -144,16 +192,6 @@ private:
         }
     }
 };
-
-/// An alert that its number tells apart.
-[[nodiscard]] inline AlertEvent alertNumber(int number)
-{
-    UUID::Octets octets{};
-    octets[0] = static_cast<std::uint8_t>(number >> 8);
-    octets[1] = static_cast<std::uint8_t>(number);
-    octets[15] = 0xAF;
-    return {UUID{octets}, TriggerReason::motion, Date{8e8 + number}, "Mac", std::nullopt, true};
-}
 
 /// The error's kind and code, or "done".
 template <class T> std::string outcomeOf(CloudMac& mac, Async<T> work)

@@ -5,7 +5,6 @@
 #include "foundation/Json.hpp"
 #include "foundation/TextList.hpp"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
@@ -19,8 +18,6 @@ namespace {
 using ports::CloudAsset;
 using ports::CloudRecord;
 using ports::CloudValue;
-using testing::ElementsAre;
-using testing::IsEmpty;
 
 constexpr double infinity = std::numeric_limits<double>::infinity();
 constexpr const char* name = "5A5A0000-0000-4000-8000-0000000000AF";
@@ -149,19 +146,6 @@ TEST(AlertCacheFile, IsReadWholeOrNotAtAll)
             }
         }
     }
-}
-
-TEST(TextList, ListsGrowAndShrinkWithoutChangingTheirCopies)
-{
-    const TextList two{"a", ""};
-    const TextList four = two.with({"bc", "d"});
-    EXPECT_THAT(two, ElementsAre("a", ""));
-    EXPECT_THAT(four, ElementsAre("a", "", "bc", "d"));
-    EXPECT_THAT(four.from(1), ElementsAre("", "bc", "d"));
-    EXPECT_THAT(four.from(4), IsEmpty());
-    EXPECT_EQ(four.from(2).with({}), (TextList{"bc", "d"}));
-    EXPECT_NE(four, two);
-    EXPECT_EQ(TextList{}.with({}), TextList(std::vector<std::string>{}));
 }
 
 TEST(TextList, TheCommonBeginningConsistsOfWholeTexts)

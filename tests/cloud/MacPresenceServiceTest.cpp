@@ -301,15 +301,9 @@ TEST_F(MacPresenceServiceTest, TellsWhyThePhoneDoesNotSeeTheMac)
     EXPECT_EQ(mac.presence.syncError.get(), signIn);
     EXPECT_EQ(mac.polls() + mac.publications(), 0U) << "nothing is asked of nobody";
 
-    const std::pair<CloudAccountStatus, const char*> others[] = {
-        {CloudAccountStatus::restricted, "iCloud access is restricted on this device."},
-        {CloudAccountStatus::temporarilyUnavailable, "iCloud needs your Apple ID password."},
-        {CloudAccountStatus::couldNotDetermine, "Could not verify iCloud."}};
-    for (const auto& [status, message] : others) {
-        mac.icloud.link.setAccountStatus(status);
-        world.clock.advance(2min);
-        EXPECT_THAT(mac.presence.syncError.get(), testing::Optional(testing::StartsWith(message)));
-    }
+    mac.icloud.link.setAccountStatus(CloudAccountStatus::restricted);
+    world.clock.advance(2min);
+    EXPECT_EQ(mac.presence.syncError.get(), "iCloud access is restricted on this device.");
 
     mac.icloud.link.setAccountStatus(CloudAccountStatus::available);
     world.clock.advance(2min);

@@ -1,6 +1,8 @@
 #include "conformance/Suite.hpp"
 #include "foundation/Json.hpp"
 #include "ports/CloudDatabase.hpp"
+#include "runtime/Sleep.hpp"
+#include "runtime/ThreadScheduler.hpp"
 #include "simulation/icloud/PredicateSql.hpp"
 #include "simulation/mac/language/IcuLanguage.hpp"
 #include "simulation/page/NodeJson.hpp"
@@ -99,6 +101,14 @@ struct SimulatedSubject {
     };
 };
 
+void expectPromisesKept(const Report& report)
+{
+    EXPECT_GT(report.checks(), 0);
+    for (const std::string& failure : report.failures()) {
+        ADD_FAILURE() << failure;
+    }
+}
+
 class ConformanceTest : public testing::TestWithParam<Suite> {};
 
 TEST_P(ConformanceTest, TheSimulatedMacBookKeepsThePromises)
@@ -106,10 +116,7 @@ TEST_P(ConformanceTest, TheSimulatedMacBookKeepsThePromises)
     SimulatedSubject simulated;
     Report report;
     GetParam().run(simulated.subject, report);
-    EXPECT_GT(report.checks(), 0);
-    for (const std::string& failure : report.failures()) {
-        ADD_FAILURE() << failure;
-    }
+    expectPromisesKept(report);
 }
 
 INSTANTIATE_TEST_SUITE_P(Suites, ConformanceTest, testing::ValuesIn(suites()), [](const auto& tested) {
@@ -117,6 +124,24 @@ INSTANTIATE_TEST_SUITE_P(Suites, ConformanceTest, testing::ValuesIn(suites()), [
     std::erase(name, ' ');
     return name;
 });
+
+Async<void> stopLater(ThreadScheduler& scheduler, Duration span)
+{
+    co_await sleepFor(span);
+    scheduler.stopMain();
+}
+
+TEST(ThreadsConformance, RealThreadsKeepTheSchedulersPromises)
+{
+    ThreadScheduler scheduler;
+    const auto pass = [&scheduler](Duration span) {
+        MainActor{scheduler}.spawn(stopLater(scheduler, span));
+        scheduler.runMain();
+    };
+    Report report;
+    checkScheduler(scheduler, pass, report);
+    expectPromisesKept(report);
+}
 
 } // namespace
 } // namespace sentrel::conformance

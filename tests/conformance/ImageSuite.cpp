@@ -1,5 +1,6 @@
 #include "conformance/Suite.hpp"
 #include "ports/ImageCodec.hpp"
+#include "support/Hex.hpp"
 
 #include <cstdlib>
 
@@ -18,15 +19,6 @@ constexpr std::string_view redJpeg =
 
 /// An EXIF segment that says: turn by a quarter (orientation 6).
 constexpr std::string_view quarterTurn = "ffe1001e45786966000049492a00080000000100120103000100000006000000";
-
-Bytes bytesOf(std::string_view hex)
-{
-    Bytes bytes;
-    for (std::size_t index = 0; index + 1 < hex.size(); index += 2) {
-        bytes.push_back(static_cast<std::uint8_t>(std::stoul(std::string{hex.substr(index, 2)}, nullptr, 16)));
-    }
-    return bytes;
-}
 
 std::string sizeText(std::optional<ports::PixelSize> size)
 {
@@ -57,8 +49,8 @@ std::string thumbnailSize(ports::ImageCodec& codec, BytesView photo, std::uint32
 void checkImageCodec(const Subject& subject, Report& report)
 {
     ports::ImageCodec& codec = subject.platform.imageCodec;
-    const Bytes photo = bytesOf(redJpeg);
-    Bytes turned = bytesOf(std::string{"ffd8"} + std::string{quarterTurn} + std::string{redJpeg.substr(4)});
+    const Bytes photo = bytesOfHex(redJpeg);
+    Bytes turned = bytesOfHex(std::string{"ffd8"} + std::string{quarterTurn} + std::string{redJpeg.substr(4)});
 
     report.expect(sizeText(codec.pixelSize(photo)) == "16 by 8", "the size of a photo",
                   sizeText(codec.pixelSize(photo)));
@@ -80,7 +72,7 @@ void checkImageCodec(const Subject& subject, Report& report)
     const auto thumbnail = codec.createThumbnail(photo, 8, true);
     report.expect(thumbnail != nullptr && !codec.encode(*thumbnail, "no.such.type", 0.8),
                   "an unknown type of file is refused");
-    for (const Bytes& broken : {Bytes{}, Bytes{0xff}, bytesOf("ffd8ffe0"), Bytes(100, 'x')}) {
+    for (const Bytes& broken : {Bytes{}, Bytes{0xff}, bytesOfHex("ffd8ffe0"), Bytes(100, 'x')}) {
         report.expect(!codec.pixelSize(broken) && !codec.areaAverage(broken) &&
                           codec.createThumbnail(broken, 8, true) == nullptr && !codec.jpegRepresentation(broken),
                       "no image gives nothing", std::to_string(broken.size()) + " bytes");

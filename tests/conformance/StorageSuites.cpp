@@ -23,11 +23,6 @@ std::string kindsOf(ports::UserDefaults& defaults)
     return kinds;
 }
 
-Bytes bytes(std::string_view text)
-{
-    return {text.begin(), text.end()};
-}
-
 } // namespace
 
 void checkDefaults(const Subject& subject, Report& report)
@@ -79,17 +74,17 @@ void checkFiles(const Subject& subject, Report& report)
     const auto first = folder / "first";
     const auto write = [&](const std::filesystem::path& path, std::string_view text) {
         const auto file = files.create(path, 0600, error);
-        return file != nullptr && file->write(bytes(text.substr(0, 2))) == 0 &&
-               file->write(bytes(text.substr(2))) == 0 && file->synchronize() == 0;
+        return file != nullptr && file->write(bytesOf(text.substr(0, 2))) == 0 &&
+               file->write(bytesOf(text.substr(2))) == 0 && file->synchronize() == 0;
     };
     report.expect(write(first, "longer than before") && write(first, "shorter"), "a file is written in parts");
-    report.expect(files.read(first) == bytes("shorter"), "a new file of the same name begins empty");
+    report.expect(files.read(first) == bytesOf("shorter"), "a new file of the same name begins empty");
     report.expect(write(folder / "second", "another"), "files lie side by side");
 
     auto names = files.list(folder).value_or(Texts{});
     std::ranges::sort(names);
     report.expect(names == Texts{"first", "second"}, "a folder lists its entries and no others");
-    report.expect(files.rename(folder / "second", first) == 0 && files.read(first) == bytes("another"),
+    report.expect(files.rename(folder / "second", first) == 0 && files.read(first) == bytesOf("another"),
                   "renaming replaces");
     report.expect(!files.exists(folder / "second"), "the old name is gone");
     report.expect(files.synchronizeDirectory(folder) == 0, "a folder's entries reach the medium");

@@ -16,7 +16,7 @@ void Report::expectCloudError(int code, const std::string& promise, const std::f
     }
 }
 
-bool Subject::waitFor(const std::function<bool()>& condition, Duration limit) const
+bool waitFor(const Passing& pass, const std::function<bool()>& condition, Duration limit)
 {
     constexpr Duration step = 5ms;
     for (Duration waited{}; waited < limit; waited += step) {
@@ -31,7 +31,8 @@ bool Subject::waitFor(const std::function<bool()>& condition, Duration limit) co
 const std::vector<Suite>& suites()
 {
     static const std::vector<Suite> all{
-        {"scheduler", checkScheduler},
+        {"scheduler", [](const Subject& subject,
+                         Report& report) { checkScheduler(subject.platform.scheduler, subject.pass, report); }},
         {"defaults", checkDefaults},
         {"files", checkFiles},
         {"cryptography", checkCryptography},

@@ -67,19 +67,21 @@ struct Records {
     std::function<void(const ports::CloudQuery&)> makeQuery;
 };
 
+/// Lets the main thread run for this time.
+using Passing = std::function<void(Duration)>;
+
+/// Lets time pass until the condition holds; false when it doesn't within the limit.
+bool waitFor(const Passing& pass, const std::function<bool()>& condition, Duration limit);
+
 /// The platform under test.
 struct Subject {
     ports::Platform& platform;
-    /// Lets the platform's main thread run for this time.
-    std::function<void(Duration)> pass;
+    Passing pass;
     std::filesystem::path folder; ///< empty, for files
     Renderer renderer;
     Records records;
     /// The user's language by its identifier ("de").
     std::function<std::unique_ptr<ports::Language>(const std::string& identifier)> language;
-
-    /// Lets time pass until the condition holds; false when it doesn't within the limit.
-    bool waitFor(const std::function<bool()>& condition, Duration limit) const;
 };
 
 struct Suite {
@@ -90,7 +92,8 @@ struct Suite {
 /// All suites, in the order in which they run.
 [[nodiscard]] const std::vector<Suite>& suites();
 
-void checkScheduler(const Subject& subject, Report& report);
+/// Also for a scheduler without a platform.
+void checkScheduler(Scheduler& scheduler, const Passing& pass, Report& report);
 void checkDefaults(const Subject& subject, Report& report);
 void checkFiles(const Subject& subject, Report& report);
 void checkCryptography(const Subject& subject, Report& report);

@@ -60,7 +60,8 @@ void checkNetworkPath(const Subject& subject, Report& report)
         ++heard->calls;
     });
     report.expect(registration != nullptr, "a monitor is made");
-    report.expect(subject.waitFor([&] { return heard->calls > 0; }, 5s), "the present path is told without a change");
+    report.expect(
+        waitFor(subject.pass, [&] { return heard->calls > 0; }, 5s), "the present path is told without a change");
     report.expect(heard->isOnQueue, "it is told on the queue");
     report.expect(heard->status >= 0 && heard->status <= 3, "the status is one of four", std::to_string(heard->status));
     registration.reset();

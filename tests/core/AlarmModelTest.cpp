@@ -58,13 +58,6 @@ TEST(AlarmSettings, AreComparedAndHashedOverAllTheirFields)
     }
 }
 
-TEST(TriggerReason, IsHashedByItsRawValue)
-{
-    for (const TriggerReason reason : allTriggerReasons) {
-        EXPECT_EQ(std::hash<TriggerReason>{}(reason), std::hash<std::string_view>{}(rawValue(reason)));
-    }
-}
-
 TEST(AlertEvent, ComesBackAsItWasWritten)
 {
     AlertEvent withPhoto = example;

@@ -168,28 +168,6 @@ TEST_F(ScreenCoverTest, ACheckThatRaisesIsNoWrongPasscodeAndTheNextOneIsMade)
     EXPECT_FALSE(mac_.cover->isShowing());
 }
 
-TEST_F(ScreenCoverTest, WithoutAPasscodeNothingIsCovered)
-{
-    EXPECT_FALSE(mac_.cover->show());
-    EXPECT_FALSE(mac_.cover->isShowing());
-    EXPECT_FALSE(mac_.displays.isCovered(0));
-    EXPECT_FALSE(mac_.activation.isActive());
-}
-
-TEST_F(ScreenCoverTest, TheRightPasscodeRemovesItAndSilencesASoundingAlarm)
-{
-    for (const bool isSounding : {false, true}) {
-        showWithPasscode();
-        mac_.alarm.active = isSounding;
-        enter("2468");
-        EXPECT_FALSE(mac_.cover->isShowing());
-        EXPECT_FALSE(mac_.displays.isCovered(0));
-        EXPECT_EQ(mac_.alarm.stops, isSounding ? 1 : 0);
-    }
-    EXPECT_THAT(mac_.outcomes(), ElementsAre("unlocked", "unlocked"));
-    EXPECT_EQ(mac_.journal.named("cover.hidden").size(), 2U);
-}
-
 TEST_F(ScreenCoverTest, TheButtonOfAnyDisplayUnlocksWithWhatWasTypedThere)
 {
     mac_.displays.setCount(2);
@@ -242,25 +220,9 @@ TEST_F(ScreenCoverTest, TheFifthWrongPasscodeLocksTheFieldForThirtySecondsThatIt
     EXPECT_EQ(mac_.message(), "");
     enter("");
     EXPECT_FALSE(mac_.cover->isShowing()) << "what was typed meanwhile is right";
-}
-
-TEST_F(ScreenCoverTest, LockoutsDoubleUpToHalfAnHourAndTheRightPasscodeStartsThemAfresh)
-{
-    showWithPasscode();
-    enterWrongly(4);
-    for (const auto lockout : {30s, 60s, 120s, 240s, 480s, 960s, 1800s, 1800s}) {
-        enter("wrong");
-        const auto end = mac_.cover->lockoutEnd();
-        ASSERT_TRUE(end) << lockout.count();
-        EXPECT_NEAR(end->secondsSince(mac_.wallClock.now()), static_cast<double>(lockout.count()), 1e-6);
-        clock_.advance(lockout);
-        EXPECT_FALSE(mac_.cover->lockoutEnd());
-    }
-    enter("2468");
-    EXPECT_FALSE(mac_.cover->isShowing());
     ASSERT_TRUE(mac_.cover->show());
     enterWrongly(5);
-    EXPECT_EQ(mac_.message(), "Too many attempts. Try again in 30 seconds.");
+    EXPECT_EQ(mac_.message(), "Too many attempts. Try again in 30 seconds.") << "lockouts begin afresh";
 }
 
 TEST_F(ScreenCoverTest, HidingAndShowingItAgainKeepsARunningLockout)
@@ -281,7 +243,7 @@ TEST_F(ScreenCoverTest, HidingAndShowingItAgainKeepsARunningLockout)
     EXPECT_EQ(mac_.message(), "Too many attempts. Try again in 60 seconds.");
 }
 
-TEST_F(ScreenCoverTest, WrongPasscodesTriggerTheAlarmFromTheLimitOn)
+TEST_F(ScreenCoverTest, WrongPasscodesSinceTheLastShowingTriggerTheAlarmFromTheLimitOn)
 {
     struct Case {
         double limit;
@@ -302,38 +264,24 @@ TEST_F(ScreenCoverTest, WrongPasscodesTriggerTheAlarmFromTheLimitOn)
         enter("wrong");
         EXPECT_EQ(mac_.alarm.triggers.size(), 2U) << "each further one triggers again";
     }
-}
+    enter("wrong");
+    EXPECT_EQ(mac_.message(), "Incorrect passcode. The alarm has been triggered.") << "no lockout is told";
+    enter("2468");
+    EXPECT_EQ(mac_.message(), "Too many attempts. Try again in 30 seconds.") << "but there is one";
 
-TEST_F(ScreenCoverTest, WrongPasscodesCountTowardTheAlarmOnlySinceTheLastShowing)
-{
-    showWithPasscode();
+    mac_.cover = mac_.makeService();
+    ASSERT_TRUE(mac_.cover->show());
     mac_.setTriggering(2.0);
+    mac_.alarm.armed = false;
+    mac_.alarm.triggers.clear();
     enter("wrong");
     mac_.cover->hide();
     ASSERT_TRUE(mac_.cover->show());
-    enterWrongly(2);
-    EXPECT_THAT(mac_.outcomes(), ElementsAre("incorrect", "incorrect", "triggered"));
-}
-
-TEST_F(ScreenCoverTest, ADisarmedMacSaysThatTheAlarmWasTriggeredButTriggersNothing)
-{
-    showWithPasscode();
-    mac_.setTriggering(1.0);
-    mac_.alarm.armed = false;
+    enter("wrong");
+    EXPECT_EQ(mac_.message(), "") << "attempts count from the last showing on";
     enter("wrong");
     EXPECT_EQ(mac_.message(), "Incorrect passcode. The alarm has been triggered.");
-    EXPECT_TRUE(mac_.alarm.triggers.empty());
-}
-
-TEST_F(ScreenCoverTest, ALockoutBehindTheAlarmShowsWithTheNextAttempt)
-{
-    showWithPasscode();
-    mac_.setTriggering(5.0);
-    enterWrongly(5);
-    EXPECT_EQ(mac_.outcomes().back(), "triggered");
-    enter("2468");
-    EXPECT_EQ(mac_.outcomes().back(), "lockedOut");
-    EXPECT_EQ(mac_.message(), "Too many attempts. Try again in 30 seconds.");
+    EXPECT_TRUE(mac_.alarm.triggers.empty()) << "a disarmed Mac says so, but triggers nothing";
 }
 
 TEST_F(ScreenCoverTest, ADisplayThatComesOrGoesIsFollowedAndWhatWasTypedIsLost)
@@ -358,20 +306,7 @@ TEST_F(ScreenCoverTest, ADisplayThatComesOrGoesIsFollowedAndWhatWasTypedIsLost)
     EXPECT_TRUE(mac_.displays.covers().empty()) << "nobody follows the displays of an open Mac";
 }
 
-TEST_F(ScreenCoverTest, AMacWithoutADisplayIsCoveredAsSoonAsOneIsThere)
-{
-    ASSERT_TRUE(mac_.displays.faults().set("no-screens", 1));
-    showWithPasscode();
-    EXPECT_TRUE(mac_.cover->isShowing());
-    EXPECT_TRUE(mac_.displays.covers().empty());
-    mac_.displays.setCount(2);
-    clock_.runReady();
-    EXPECT_TRUE(mac_.displays.isCovered(0));
-    enter("2468");
-    EXPECT_FALSE(mac_.cover->isShowing());
-}
-
-TEST_F(ScreenCoverTest, ACheckOutlivesTheDisplayThatAskedForItAndASecondOneMeanwhileIsNotCounted)
+TEST_F(ScreenCoverTest, ACheckOutlivesTheDisplayThatAskedForItAndASecondOneMeanwhileIsNotMade)
 {
     showWithPasscode();
     mac_.setTriggering(2.0);
@@ -400,27 +335,14 @@ TEST_F(ScreenCoverTest, ACheckOutlivesTheDisplayThatAskedForItAndASecondOneMeanw
     EXPECT_THAT(mac_.outcomes(), ElementsAre("incorrect", "incorrect", "triggered"));
     EXPECT_EQ(mac_.alarm.triggers.size(), 1U);
     EXPECT_TRUE(mac_.cover->isShowing()) << "the right one was not even checked";
-}
 
-TEST_F(ScreenCoverTest, AttemptsAreIgnoredInAWindowWhoseOwnIsBeingChecked)
-{
-    showWithPasscode();
     duringTheNextCheck([&] {
         EXPECT_TRUE(mac_.displays.type("2468"));
         EXPECT_EQ(mac_.displays.pressKey(ui::Key::returnKey), ui::Interaction::done);
     });
     enter("wrong");
-    EXPECT_THAT(mac_.outcomes(), ElementsAre("incorrect"));
-    EXPECT_EQ(mac_.typedLength(), 4U);
-}
-
-TEST_F(ScreenCoverTest, ALockedKeychainCountsAsAWrongPasscode)
-{
-    showWithPasscode();
-    const auto end = mac_.passcodes.cryptography.derivationsThatSucceed = checks();
-    enter("2468");
-    EXPECT_THAT(mac_.outcomes(), ElementsAre("incorrect"));
-    EXPECT_EQ(checks(), end + 1);
+    EXPECT_TRUE(mac_.cover->isShowing()) << "nor is it in the window whose own is being checked";
+    EXPECT_EQ(mac_.typedLength(1), 4U);
 }
 
 TEST_F(ScreenCoverTest, AnOwnerThatDiesTakesItsWindowsAndAWaitingCheckAlong)

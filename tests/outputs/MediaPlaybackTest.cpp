@@ -53,20 +53,19 @@ TEST(MediaPlayback, PausesMusicByScriptOrKeyButNeverWithoutConsent)
         Consent consent;
         const char* fault;
         Playback after;
-        std::size_t keyEvents;
         Duration wait;
     };
     const std::vector<Case> cases{
-        {"no Music", Playback::absent, Consent::granted, "", Playback::absent, 0, 0ms},
-        {"playing", Playback::playing, Consent::granted, "", Playback::paused, 0, 0ms},
-        {"paused", Playback::paused, Consent::granted, "", Playback::paused, 0, 0ms},
-        {"not found", Playback::playing, Consent::granted, "not-installed", Playback::playing, 0, 0ms},
-        {"refused", Playback::playing, Consent::denied, "", Playback::playing, 0, 0ms},
-        {"not asked yet", Playback::playing, Consent::undetermined, "", Playback::playing, 0, 0ms},
-        {"no descriptor", Playback::playing, Consent::granted, "descriptor", Playback::playing, 0, 0ms},
-        {"slow", Playback::playing, Consent::granted, "script-slow", Playback::paused, 0, 500ms},
-        {"hanging", Playback::playing, Consent::granted, "script-hangs", Playback::playing, 0, 500ms},
-        {"raising", Playback::playing, Consent::granted, "raises", Playback::playing, 0, 0ms},
+        {"no Music", Playback::absent, Consent::granted, "", Playback::absent, 0ms},
+        {"playing", Playback::playing, Consent::granted, "", Playback::paused, 0ms},
+        {"paused", Playback::paused, Consent::granted, "", Playback::paused, 0ms},
+        {"not found", Playback::playing, Consent::granted, "not-installed", Playback::playing, 0ms},
+        {"refused", Playback::playing, Consent::denied, "", Playback::playing, 0ms},
+        {"not asked yet", Playback::playing, Consent::undetermined, "", Playback::playing, 0ms},
+        {"no descriptor", Playback::playing, Consent::granted, "descriptor", Playback::playing, 0ms},
+        {"slow", Playback::playing, Consent::granted, "script-slow", Playback::paused, 500ms},
+        {"hanging", Playback::playing, Consent::granted, "script-hangs", Playback::playing, 500ms},
+        {"raising", Playback::playing, Consent::granted, "raises", Playback::playing, 0ms},
     };
     for (const Case& example : cases) {
         MusicalMac mac{example.before, example.consent};
@@ -75,7 +74,7 @@ TEST(MediaPlayback, PausesMusicByScriptOrKeyButNeverWithoutConsent)
         }
         EXPECT_EQ(mac.pauseAll(), example.wait) << example.what;
         EXPECT_EQ(mac.music.playback(), example.after) << example.what;
-        EXPECT_EQ(mac.input.posted().size(), example.keyEvents) << example.what;
+        EXPECT_EQ(mac.input.posted().size(), 0U) << example.what;
         EXPECT_TRUE(mac.log.named("consent.asked").empty()) << example.what;
     }
 }

@@ -3,25 +3,12 @@
 
 #include <gtest/gtest.h>
 
-#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
 namespace sentrel {
 namespace {
-
-TEST(Observables, TellEachChangeOnceAndNothingElse)
-{
-    Observable<int> number{1};
-    std::vector<int> told;
-    const auto observation = number.observe([&](int value) { told.push_back(value); });
-    number = 1;
-    number = 2;
-    number = 2;
-    number = 1;
-    EXPECT_EQ(told, (std::vector<int>{2, 1}));
-}
 
 TEST(Observables, ForgetAnObserverWhoseObservationEnds)
 {

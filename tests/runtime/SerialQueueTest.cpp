@@ -27,38 +27,6 @@ struct QueueTest : testing::Test {
     SerialQueue queue{machine.scheduler, "test", QualityOfService::standard};
 };
 
-TEST_F(QueueTest, AHeldQueueDelaysTheNextJobAndSyncWaitsItsTurn)
-{
-    queue.async(sayAfter(2s, "slow ", story));
-    queue.async([&] { story += "next "; });
-    post(machine.scheduler.mainExecutor(), [&] { queue.sync([&] { story += "sync"; }); });
-    machine.clock.runReady();
-
-    EXPECT_EQ(story, "slow next sync");
-    EXPECT_EQ(machine.elapsed(), 2s);
-}
-
-TEST_F(QueueTest, JobsRunInTheOrderInWhichTheyCame)
-{
-    queue.async(sayAfter(3s, "a", story));
-    queue.async(sayAfter(1s, "b", story));
-    queue.async([&] { story += "c"; });
-    queue.async(sayAfter(0s, "d", story));
-    machine.clock.advance(3999ms);
-    EXPECT_EQ(story, "a");
-    machine.clock.advance(1ms);
-    EXPECT_EQ(story, "abcd");
-}
-
-TEST_F(QueueTest, AnotherQueueIsNotHeld)
-{
-    SerialQueue other{machine.scheduler, "other", QualityOfService::standard};
-    queue.async(sayAfter(2s, "slow", story));
-    other.async([&] { story += "other "; });
-    machine.clock.runUntilIdle();
-    EXPECT_EQ(story, "other slow");
-}
-
 TEST_F(QueueTest, ACancelledJobLetsTheNextOneStart)
 {
     const auto slow = queue.async(sayAfter(1h, "slow", story));
@@ -77,16 +45,6 @@ TEST_F(QueueTest, AJobThatThrowsLetsTheNextOneStart)
     machine.clock.runReady();
     EXPECT_EQ(story, "next");
     EXPECT_TRUE(failing.isFinished());
-}
-
-TEST_F(QueueTest, ADelayedItemRunsInTimeAndDoesNotHoldTheQueueBefore)
-{
-    queue.asyncAfter(2s, std::make_shared<WorkItem>([&] { story += "item"; }));
-    queue.async([&] { story += "now "; });
-    machine.clock.advance(1999ms);
-    EXPECT_EQ(story, "now ");
-    machine.clock.advance(1ms);
-    EXPECT_EQ(story, "now item");
 }
 
 TEST_F(QueueTest, AnItemCanBeCalledOffUntilItStarts)

@@ -10,7 +10,6 @@
 #include <memory>
 #include <stdexcept>
 #include <string>
-#include <vector>
 
 namespace sentrel {
 namespace {
@@ -48,17 +47,6 @@ Async<void> tellEnd(Async<void> work, std::string& story)
     } catch (const CancellationError&) {
         story += "cancelled";
     }
-}
-
-TEST(Tasks, StartOnTheNextTurnInTheOrderInWhichTheyWereSpawned)
-{
-    VirtualMachine machine;
-    std::string story;
-    machine.mainActor.spawn(asAsync([&] { story += "b"; }));
-    machine.mainActor.spawn(asAsync([&] { story += "c"; }));
-    story += "a";
-    machine.clock.runReady();
-    EXPECT_EQ(story, "abc");
 }
 
 TEST(Tasks, SleepersOfOneDeadlineWakeInTheOrderInWhichTheyFellAsleep)

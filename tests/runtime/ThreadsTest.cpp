@@ -1,159 +1,22 @@
+#include "runtime/Detached.hpp"
+#include "runtime/MainActor.hpp"
 #include "runtime/RepeatingTimer.hpp"
 #include "runtime/Semaphore.hpp"
 #include "runtime/SerialQueue.hpp"
 #include "runtime/Sleep.hpp"
 #include "runtime/ThreadScheduler.hpp"
-#include "support/VirtualMachine.hpp"
 
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <functional>
 #include <memory>
-#include <mutex>
 #include <optional>
-#include <stdexcept>
-#include <string>
 #include <vector>
 
 namespace sentrel {
 namespace {
 
 using namespace std::chrono_literals;
-
-/// A program that uses every part of the runtime and notes on the main actor what happened.
-class Program {
-public:
-    Program(Scheduler& scheduler, std::function<void()> ended)
-        : scheduler_(scheduler), queue_(scheduler, "work", QualityOfService::userInitiated), ended_(std::move(ended))
-    {
-        tasks_.add(MainActor{scheduler_}.spawn(live()));
-    }
-    [[nodiscard]] const std::vector<std::string>& story() const { return story_; }
-
-private:
-    Async<void> live()
-    {
-        note("begins");
-        co_await timersAndItems();
-        co_await heldQueue();
-        co_await semaphoresAndCancellation();
-        const int sum = co_await detached(scheduler_, QualityOfService::utility, [] { return 40 + 2; });
-        note("detached work gives " + std::to_string(sum));
-        note("ends");
-        ended_();
-    }
-
-    Async<void> timersAndItems()
-    {
-        const auto cancelled = std::make_shared<WorkItem>([this] { signal("a cancelled item ran"); });
-        queue_.asyncAfter(10ms, cancelled);
-        queue_.asyncAfter(30ms, std::make_shared<WorkItem>([this] { signal("the item ran"); }));
-        cancelled->cancel();
-        co_await done_.wait();
-        note(takeWord());
-        // Only now, because no order of two threads' timers is promised on a machine that has other work.
-        int ticks = 0;
-        const RepeatingTimer timer{scheduler_, scheduler_.mainExecutor(), 20ms, [&] {
-                                       if (++ticks == 3) {
-                                           signal("the third tick");
-                                       }
-                                   }};
-        co_await done_.wait();
-        note(takeWord());
-    }
-
-    Async<void> heldQueue()
-    {
-        queue_.async(workFor(20ms));
-        const auto second = queue_.async(workFor(0ms));
-        queue_.sync([this] { signal("sync came third"); });
-        note(second.isFinished() ? takeWord() : "out of turn");
-        co_await done_.wait();
-    }
-
-    Async<void> semaphoresAndCancellation()
-    {
-        Semaphore never;
-        const bool signalled = co_await never.waitUntil(scheduler_.now() + 10ms);
-        note(signalled ? "signalled" : "the deadline came");
-        const auto sleeper = queue_.async(workFor(1h));
-        co_await sleepFor(5ms);
-        sleeper.cancel();
-        try {
-            co_await sleeper;
-        } catch (const CancellationError&) {
-            note("the sleeper was cancelled");
-        }
-    }
-
-    Async<void> workFor(Duration span) { co_await sleepFor(span); }
-
-    void note(std::string line) { story_.push_back(std::move(line)); }
-
-    /// On any thread: leaves a word for the main actor and wakes it.
-    void signal(std::string word)
-    {
-        const std::lock_guard guard{mutex_};
-        words_.push_back(std::move(word));
-        done_.signal();
-    }
-    std::string takeWord()
-    {
-        const std::lock_guard guard{mutex_};
-        std::string word = words_.front();
-        words_.erase(words_.begin());
-        return word;
-    }
-
-    Scheduler& scheduler_;
-    std::vector<std::string> story_;
-    std::mutex mutex_;
-    std::vector<std::string> words_;
-    Semaphore done_;
-    SerialQueue queue_;
-    std::function<void()> ended_;
-    TaskBag tasks_;
-};
-
-const std::vector<std::string> expectedStory{"begins",
-                                             "the item ran",
-                                             "the third tick",
-                                             "sync came third",
-                                             "the deadline came",
-                                             "the sleeper was cancelled",
-                                             "detached work gives 42",
-                                             "ends"};
-
-struct VirtualRun {
-    std::vector<std::string> story;
-    Duration took{};
-    std::uint64_t turns = 0;
-    bool operator==(const VirtualRun&) const = default;
-};
-
-VirtualRun runVirtually()
-{
-    test::VirtualMachine machine;
-    Program program{machine.scheduler, [] {}};
-    machine.clock.runUntilIdle();
-    return {program.story(), machine.elapsed(), machine.clock.turns()};
-}
-
-TEST(ThreadsAndVirtualTime, TellTheSameStory)
-{
-    EXPECT_EQ(runVirtually().story, expectedStory);
-
-    ThreadScheduler scheduler;
-    Program program{scheduler, [&] { scheduler.stopMain(); }};
-    scheduler.runMain();
-    EXPECT_EQ(program.story(), expectedStory);
-}
-
-TEST(ThreadsAndVirtualTime, TwoVirtualRunsAreTheSameToTheTurn)
-{
-    EXPECT_EQ(runVirtually(), runVirtually());
-}
 
 /// Many tasks on several queues that signal, sleep, cancel, post across and await each other.
 class Crowd {

@@ -7,7 +7,6 @@
 
 #include <limits>
 #include <optional>
-#include <string>
 #include <vector>
 
 namespace sentrel {
@@ -26,15 +25,6 @@ struct TimerTest : testing::Test {
     }
     [[nodiscard]] Executor& main() { return machine.scheduler.mainExecutor(); }
 };
-
-TEST_F(TimerTest, TicksEveryIntervalFirstAfterOne)
-{
-    const RepeatingTimer timer{machine.scheduler, main(), 2s, noteTick()};
-    machine.clock.advance(1999ms);
-    EXPECT_TRUE(ticks.empty());
-    machine.clock.advance(4001ms);
-    EXPECT_EQ(ticks, (std::vector<Duration>{2s, 4s, 6s}));
-}
 
 TEST_F(TimerTest, DoesNotDriftWhenItsQueueIsLate)
 {
@@ -86,28 +76,6 @@ TEST_F(TimerTest, TakesATickThatIsUnderWayBackWhenItStops)
     queue.async(Busy::stopAfter(1500ms, timer)); // the tick of 1 s waits behind this
     machine.clock.advance(1h);
     EXPECT_TRUE(ticks.empty());
-}
-
-TEST_F(TimerTest, ASleepingMachineHoldsItsJobsButNotItsNeighbours)
-{
-    VirtualScheduler neighbour{machine.clock};
-    std::string story;
-    struct Sleeper {
-        static Async<void> say(std::string word, std::string& story)
-        {
-            co_await sleepFor(1s);
-            story += word;
-        }
-    };
-    machine.mainActor.spawn(Sleeper::say("mine", story));
-    MainActor{neighbour}.spawn(Sleeper::say("neighbour ", story));
-    machine.clock.runReady();
-    machine.scheduler.setAsleep(true);
-    machine.clock.advance(1min);
-    EXPECT_EQ(story, "neighbour ");
-    machine.scheduler.setAsleep(false);
-    machine.clock.runReady();
-    EXPECT_EQ(story, "neighbour mine");
 }
 
 TEST(SpansOfSeconds, AreNeverNegativeAndNeverOverflow)

@@ -41,12 +41,18 @@ TEST(MotionDetector, FollowsSlowDriftAndNothingElse)
 {
     MotionDetector detector{0.5};
     EXPECT_FALSE(detector.departs({0.0, 0.0, 1.0}));
-    EXPECT_FALSE(detector.departs({0.2, 0.0, 1.0}));
-    EXPECT_EQ(detector.baseline().x, 0.0) << "neither at rest nor moved";
-    EXPECT_FALSE(detector.departs({0.1, 0.0, 1.0}));
-    EXPECT_NEAR(detector.baseline().x, 0.005, 1e-15) << "5 % of the way";
-    EXPECT_TRUE(detector.departs({1.0, 0.0, 1.0}));
-    EXPECT_NEAR(detector.baseline().x, 0.005, 1e-15);
+    EXPECT_FALSE(detector.departs({0.126, 0.0, 1.0}));
+    EXPECT_EQ(detector.baseline().x, 0.0) << "neither at rest, which is a quarter of the threshold, nor moved";
+    EXPECT_FALSE(detector.departs({0.5, 0.0, 1.0})) << "not beyond the threshold";
+    EXPECT_FALSE(detector.departs({0.1, -0.06, 1.04})) << "at rest, though not far from it";
+    const auto expectBaseline = [&] {
+        EXPECT_NEAR(detector.baseline().x, 0.005, 1e-15) << "5 % of the way";
+        EXPECT_NEAR(detector.baseline().y, -0.003, 1e-15);
+        EXPECT_NEAR(detector.baseline().z, 1.002, 1e-15);
+    };
+    expectBaseline();
+    EXPECT_TRUE(detector.departs({0.305, -0.303, 1.302})) << "all axes together";
+    expectBaseline();
 }
 
 TEST(MotionDetector, IsNotDeafenedByASampleThatIsNoNumber)

@@ -45,14 +45,6 @@ protected:
         session.clock().runReady();
     }
 
-    /// How many jobs an idle hour takes.
-    double turnsInAnHour()
-    {
-        const auto before = session.clock().turns();
-        session.clock().advance(1h);
-        return static_cast<double>(session.clock().turns() - before);
-    }
-
     Json state(const char* key) { return stateOf(session)[key]; }
     AlarmCoordinator& coordinator() { return session.app()->coordinator(); }
     std::vector<std::string> assertions() { return session.mac().assertions.held(); }
@@ -64,23 +56,7 @@ protected:
     MacSession session{{}, disk.path(), SENTREL_SOURCE_DIR "/resources", 1};
 };
 
-TEST_F(AlarmCoordinatorTest, ArmsOnceAndDisarmsInAnyState)
-{
-    arm();
-    arm();
-    EXPECT_THAT(assertions(), ElementsAre(armedName));
-    EXPECT_EQ(session.log().named("armed").size(), 1U);
-
-    set(&AlarmSettings::isArmed, false);
-    set(&AlarmSettings::isArmed, false);
-    EXPECT_EQ(coordinator().statusMessage.get(), "Disarmed");
-    EXPECT_THAT(assertions(), IsEmpty());
-    unplug();
-    session.clock().advance(1min);
-    EXPECT_EQ(state("alerts"), 0) << "a disarmed Mac watches nothing";
-}
-
-TEST_F(AlarmCoordinatorTest, ArmsAlsoWithEveryTriggerOff)
+TEST_F(AlarmCoordinatorTest, WatchesNothingDisarmedOrWithEveryTriggerOff)
 {
     session.changeSettings([](AlarmSettings& settings) {
         settings.triggerOnUnplugged = settings.triggerOnLidClosed = settings.triggerOnMotion = false;
@@ -89,21 +65,25 @@ TEST_F(AlarmCoordinatorTest, ArmsAlsoWithEveryTriggerOff)
     unplug();
     session.closeLid();
     session.clock().advance(10s);
-    const auto armed = turnsInAnHour();
+    const auto turnsInAnHour = [this] {
+        const auto before = session.clock().turns();
+        session.clock().advance(1h);
+        return static_cast<double>(session.clock().turns() - before);
+    };
+    const double armed = turnsInAnHour();
     EXPECT_EQ(coordinator().statusMessage.get(), "Armed");
     EXPECT_EQ(state("alerts"), 0);
-    set(&AlarmSettings::isArmed, false);
-    EXPECT_NEAR(armed, turnsInAnHour(), 200.0) << "no monitor runs: the least eager would take 1440 turns";
-}
 
-TEST_F(AlarmCoordinatorTest, WakesFortyTwoTimesAMinuteWhileArmedAndIdle)
-{
-    session.clock().advance(10s);
-    const auto disarmed = turnsInAnHour();
-    arm();
-    session.clock().advance(10s);
-    // Each wake is a tick of a timer and the task of its check. What goes on beside the alarm keeps no exact time.
-    EXPECT_NEAR(turnsInAnHour() - disarmed, 60 * 2 * (12 + 30), 60.0);
+    session.openLid();
+    session.mac().power.setAC(true);
+    session.changeSettings([](AlarmSettings& settings) { settings = {.isArmed = true}; });
+    session.clock().advance(1min);
+    set(&AlarmSettings::isArmed, false);
+    EXPECT_EQ(coordinator().statusMessage.get(), "Disarmed");
+    unplug();
+    session.closeLid();
+    EXPECT_NEAR(turnsInAnHour(), armed, 200.0) << "no monitor runs: the least eager would take 1440 turns";
+    EXPECT_EQ(state("alerts"), 0);
 }
 
 TEST_F(AlarmCoordinatorTest, TheSameReasonWaitsOnceAndAnotherHasItsOwnAlert)
@@ -187,27 +167,6 @@ TEST_F(AlarmCoordinatorTest, NoPhotoIsTakenBehindAClosedLidAndNoneWhenUnwanted)
     EXPECT_EQ(session.mac().camera.photosRequested(), 0);
 }
 
-TEST_F(AlarmCoordinatorTest, WithoutSoundAnAlertIsStillMade)
-{
-    set(&AlarmSettings::alarmSound, false);
-    arm();
-    unplug();
-    EXPECT_FALSE(coordinator().isAlarmActive.get());
-    EXPECT_EQ(session.sound(), std::nullopt);
-    EXPECT_EQ(state("alerts"), 1);
-}
-
-TEST_F(AlarmCoordinatorTest, StoppingTheAlarmStaysArmedAndRemembersTheTrigger)
-{
-    arm();
-    unplug();
-    session.stopAlarm();
-    EXPECT_FALSE(coordinator().isAlarmActive.get());
-    EXPECT_EQ(coordinator().statusMessage.get(), "Armed");
-    EXPECT_EQ(coordinator().lastTrigger.get(), TriggerReason::unplugged);
-    EXPECT_EQ(session.sound(), std::nullopt);
-}
-
 TEST_F(AlarmCoordinatorTest, AMacWithoutAccelerometerSaysSoWhileArmed)
 {
     session.mac().accelerometer.setPresent(false);
@@ -218,16 +177,7 @@ TEST_F(AlarmCoordinatorTest, AMacWithoutAccelerometerSaysSoWhileArmed)
     EXPECT_TRUE(coordinator().isArmed.get());
 }
 
-TEST_F(AlarmCoordinatorTest, ARefusedCameraIsSaidWhileArmedAndForgottenAfterwards)
-{
-    session.mac().camera.setAuthorization(ports::CaptureAuthorization::denied);
-    arm();
-    EXPECT_EQ(coordinator().cameraWarning.get(), "Camera access is denied. Alert photos can't be captured.");
-    set(&AlarmSettings::isArmed, false);
-    EXPECT_EQ(coordinator().cameraWarning.get(), std::nullopt);
-}
-
-TEST_F(AlarmCoordinatorTest, ACamerasLateRefusalWarnsOnlyWhileArmedAndOnlyOfPhotosThatAreWanted)
+TEST_F(AlarmCoordinatorTest, ARefusedCameraWarnsOnlyWhileArmedAndOnlyOfPhotosThatAreWanted)
 {
     const auto refuseAfter = [this](auto change) {
         set(&AlarmSettings::isArmed, false);
@@ -239,7 +189,11 @@ TEST_F(AlarmCoordinatorTest, ACamerasLateRefusalWarnsOnlyWhileArmedAndOnlyOfPhot
         return coordinator().cameraWarning.get();
     };
     session.mac().camera.setAnswer(std::nullopt);
-    EXPECT_NE(refuseAfter([] {}), std::nullopt);
+    EXPECT_EQ(refuseAfter([] {}), "Camera access is denied. Alert photos can't be captured.");
+    set(&AlarmSettings::isArmed, false);
+    EXPECT_EQ(coordinator().cameraWarning.get(), std::nullopt);
+    arm();
+    EXPECT_NE(coordinator().cameraWarning.get(), std::nullopt) << "at once, since it is known by now";
     EXPECT_EQ(refuseAfter([this] { set(&AlarmSettings::isArmed, false); }), std::nullopt);
     EXPECT_EQ(refuseAfter([this] { set(&AlarmSettings::capturePhoto, false); }), std::nullopt);
 }
@@ -300,7 +254,7 @@ TEST_F(AlarmCoordinatorTest, AFullDiskCostsNoAlertAndNobodyIsToldThatItIsSaved)
     session.mac().iCloud.account.setStatus(ports::CloudAccountStatus::available);
     session.clock().advance(5s);
     arm();
-    session.mac().iCloud.link.faults().add({simulation::cloudError(15), simulation::CloudOperation::save});
+    session.mac().iCloud.link.faults().add({simulation::cloudError(15), CloudOperation::save});
     simulation::FaultSwitches& writing = session.mac().files.faults();
     ASSERT_TRUE(writing.set("write"));
     trigger({TriggerReason::unplugged});
@@ -312,6 +266,7 @@ TEST_F(AlarmCoordinatorTest, AFullDiskCostsNoAlertAndNobodyIsToldThatItIsSaved)
     ASSERT_TRUE(writing.set("write", 0));
     session.clock().advance(40s);
     EXPECT_EQ(state("alerts"), 1) << "as soon as there is room";
+    EXPECT_FALSE(coordinator().isAlarmActive.get() || session.sound()) << "an alert needs no sound";
     session.mac().iCloud.link.faults().clear();
     session.clock().advance(2min);
     const auto uploaded = session.phone().alerts();
@@ -329,6 +284,56 @@ TEST_F(AlarmCoordinatorTest, AFullDiskCostsNoAlertAndNobodyIsToldThatItIsSaved)
     session.clock().advance(2min);
     ASSERT_EQ(session.phone().alerts().size(), 2U);
     EXPECT_TRUE(session.phone().alerts().front().photo) << "it was held, and is not lost";
+}
+
+TEST_F(AlarmCoordinatorTest, AnUploadHoldsUpNoFurtherTrigger)
+{
+    session.mac().iCloud.account.setStatus(ports::CloudAccountStatus::available);
+    session.clock().advance(5s);
+    arm();
+    session.mac().iCloud.link.setLatency(CloudOperation::save, 10s);
+    trigger({TriggerReason::unplugged});
+    session.clock().advance(1s);
+    EXPECT_EQ(coordinator().processingCount(), 0);
+    EXPECT_THAT(assertions(), ElementsAre(armedName));
+    trigger({TriggerReason::motion});
+    session.clock().advance(1s);
+    EXPECT_EQ(state("alerts"), 2);
+    EXPECT_TRUE(session.phone().alerts().empty());
+    session.clock().advance(20s);
+    EXPECT_EQ(state("alerts"), 0);
+    EXPECT_EQ(session.phone().alerts().size(), 2U);
+}
+
+TEST_F(AlarmCoordinatorTest, TheNoticeTellsThatAnAlertIsOnThisMacOnly)
+{
+    auto& link = session.mac().iCloud.link;
+    session.mac().iCloud.account.setStatus(ports::CloudAccountStatus::available);
+    session.clock().advance(5s);
+    arm();
+    const auto noticeOfATrigger = [&](Duration uploadTakes) {
+        coordinator().lastError = "earlier";
+        trigger({TriggerReason::motion});
+        session.clock().advance(uploadTakes);
+        return coordinator().lastError.get().value_or("none");
+    };
+    const auto refuse = [&](int code) {
+        link.faults().add({simulation::cloudError(code), CloudOperation::save, {}, 1});
+    };
+    const std::string saved = "Alert saved on this Mac. It will upload when iCloud is available.";
+    EXPECT_EQ(noticeOfATrigger(1s), "none") << "uploaded, and that is the news";
+    refuse(25);
+    EXPECT_EQ(noticeOfATrigger(1s), "earlier") << "the list says that the storage is full";
+    refuse(15);
+    EXPECT_EQ(noticeOfATrigger(1s), saved) << "refused";
+    link.setLatency(CloudOperation::save, 60s);
+    EXPECT_EQ(noticeOfATrigger(16s), saved) << "no answer";
+    link.setLatency(CloudOperation::save, std::nullopt);
+    session.clock().advance(61s);
+    link.setAccountStatus(ports::CloudAccountStatus::noAccount);
+    EXPECT_EQ(noticeOfATrigger(1s), saved) << "the account has gone since";
+    session.clock().advance(61s);
+    EXPECT_EQ(noticeOfATrigger(1s), "none") << "known to be on this Mac only";
 }
 
 TEST_F(AlarmCoordinatorTest, AnAccountThatHangsDelaysTheLocalSaveNoticeForFifteenSeconds)
@@ -350,48 +355,6 @@ TEST_F(AlarmCoordinatorTest, AnAccountThatHangsDelaysTheLocalSaveNoticeForFiftee
     coordinator().lastError = "no speaker";
     coordinator().clearLocalSaveNoticeIfResolved();
     EXPECT_EQ(coordinator().lastError.get(), "no speaker") << "another notice";
-}
-
-TEST_F(AlarmCoordinatorTest, ANewProcessStartsDisarmedWhateverTheOldOneLeft)
-{
-    arm();
-    unplug();
-    session.clock().advance(3s);
-    session.crash();
-    EXPECT_EQ(state("settings")["isArmed"], true);
-    EXPECT_THAT(assertions(), IsEmpty()) << "the system drops what the process held";
-    session.launch();
-    EXPECT_EQ(state("settings")["isArmed"], false);
-    EXPECT_FALSE(coordinator().isArmed.get());
-    EXPECT_EQ(state("devices")["73"], Json::parse(R"({"volume":0.5,"muted":false})"));
-    EXPECT_EQ(state("alerts"), 1) << "the alert survived";
-}
-
-TEST_F(AlarmCoordinatorTest, QuittingGivesTheSoundBackBeforeTheProcessEnds)
-{
-    arm();
-    unplug();
-    session.clock().advance(3s);
-    session.quit();
-    session.clock().advance(2s);
-    ASSERT_EQ(session.app(), nullptr);
-    EXPECT_EQ(state("devices")["73"], Json::parse(R"({"volume":0.5,"muted":false})"));
-    EXPECT_EQ(state("settings")["isArmed"], false);
-    session.clock().advance(1min);
-    EXPECT_TRUE(session.mac().speaker.sounding().empty());
-}
-
-TEST_F(AlarmCoordinatorTest, TwoMacsInOneProgramDoNotHearEachOther)
-{
-    TemporaryFolder otherDisk;
-    MacSession other{{}, otherDisk.path(), SENTREL_SOURCE_DIR "/resources", 2};
-    other.launch();
-    other.changeSettings([](AlarmSettings& settings) { settings.isArmed = true; });
-    arm();
-    unplug();
-    EXPECT_TRUE(coordinator().isAlarmActive.get());
-    EXPECT_FALSE(other.app()->coordinator().isAlarmActive.get());
-    EXPECT_THAT(other.mac().assertions.held(), ElementsAre(armedName));
 }
 
 TEST_F(AlarmCoordinatorTest, TheSameSeedMakesTheSameRunToTheByte)
