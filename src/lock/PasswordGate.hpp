@@ -21,8 +21,8 @@ public:
                  ports::Language& language);
 
     /// True only if the user authenticated. The reason, a localised text, is shown in the system's panel. False after a
-    /// failure, also of a system call, or cancellation, also of the calling task, or, after an alert that says why, on a
-    /// Mac that can't ask.
+    /// failure, also of a system call, or cancellation, also of the calling task, or, after an alert that says why, on
+    /// a Mac that can't ask.
     [[nodiscard]] Async<bool> authenticate(std::string reason);
 
 private:

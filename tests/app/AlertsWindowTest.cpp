@@ -347,6 +347,21 @@ TEST_F(AlertsWindowTest, OnePhotoIsTakenOutAtATime)
     savePanels_.answerPanel({.isCancelled = true, .folder = {}, .name = {}});
     settle();
     EXPECT_EQ(press("Preview"), ui::Interaction::done);
+
+    // Nor are the buttons dead after a call that raised.
+    savePanels_.faults().set("raises", 1);
+    press("Download Photo");
+    codec_.faults().set("raises", 1);
+    press("Preview");
+    EXPECT_THAT(textsIn("photoFailure"),
+                ElementsAre("Couldn't Preview Photo", "The photo could not be converted for saving.", "OK"));
+    press("OK");
+    codec_.faults().set("raises", 1);
+    select({});
+    select({id});
+    EXPECT_TRUE(shows("Photo unavailable"));
+    press("Retry");
+    EXPECT_EQ(press("Preview"), ui::Interaction::done);
 }
 
 TEST_F(AlertsWindowTest, DeletesTheOnesThatAreLeftOfTheSelection)

@@ -320,13 +320,16 @@ TEST(PasscodeSetup, AFailedOrCancelledSaveKeepsThePasscode)
 {
     ControlsMac mac;
     ASSERT_TRUE(simulation::storePasscode(mac.app().passcodes(), "first"));
-    mac.mac().keychain.faults().set("update");
     enterPasscode(mac, "second");
-    mac.press(mac.panel, "save");
-    EXPECT_EQ(lineOf(mac, "error"), "Couldn't save the passcode. Please try again.");
-    EXPECT_TRUE(mac.isEnabled(mac.panel, "save"));
-
-    mac.mac().keychain.faults().clear();
+    simulation::FaultSwitches& keychain = mac.mac().keychain.faults();
+    for (auto [faults, name] : {std::pair{&keychain, "update"}, std::pair{&keychain, "raises"},
+                                std::pair{&mac.mac().cryptography.faults(), "raises"}}) {
+        faults->set(name);
+        mac.press(mac.panel, "save");
+        EXPECT_EQ(lineOf(mac, "error"), "Couldn't save the passcode. Please try again.");
+        EXPECT_TRUE(mac.isEnabled(mac.panel, "save")) << name;
+        faults->clear();
+    }
     mac.session().onMain([&](SentrelApp&) {
         ui::press(mac.panel.body(), "save");
         ui::press(mac.panel.body(), "passcodeSetup/buttons/cancel");

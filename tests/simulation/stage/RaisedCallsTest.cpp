@@ -90,6 +90,23 @@ TEST(RaisedCalls, DisarmingSilencesTheAlarmAndIsStoredAfterEach)
     }
 }
 
+TEST(RaisedCalls, AnActionIsAskedForAgainAfterALoginThatRaised)
+{
+    for (const char* const port : {"login", "language"}) {
+        Desk desk;
+        desk.act({"{set: {requirePasswordForActions: true}}", "arm"});
+        desk.advance(2s);
+        desk.act({"unplug"});
+        desk.advance(2s);
+        desk.act({"{login: succeed}", (std::string{"{fault: {port: "} + port + ", call: 1, fate: raises}}").c_str()});
+        desk.act({"{menu: stopAlarm}"});
+        desk.advance(1s);
+        desk.act({"{fault: none}", "{menu: stopAlarm}"});
+        desk.advance(1s);
+        EXPECT_FALSE(desk.isHeard()) << port;
+    }
+}
+
 TEST(RaisedCalls, TheIconTellsTheTruthOnceItCanBeDrawn)
 {
     Desk desk;
