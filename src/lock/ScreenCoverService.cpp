@@ -87,7 +87,7 @@ bool ScreenCoverService::show()
     if (isShowing_) {
         return true;
     }
-    if (!passcodes_.hasPasscode()) {
+    if (!insistently([this] { return passcodes_.hasPasscode(); })) {
         return false;
     }
     isShowing_ = true;

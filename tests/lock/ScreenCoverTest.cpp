@@ -166,6 +166,9 @@ TEST_F(ScreenCoverTest, ACheckThatRaisesIsNoWrongPasscodeAndTheNextOneIsMade)
     EXPECT_THAT(mac_.alarm.triggers, testing::IsEmpty());
     enter("2468");
     EXPECT_FALSE(mac_.cover->isShowing());
+
+    mac_.passcodes.keychain.faults().set("raises", 1);
+    EXPECT_TRUE(mac_.cover->show()) << "whether there is a passcode is asked again";
 }
 
 TEST_F(ScreenCoverTest, TheButtonOfAnyDisplayUnlocksWithWhatWasTypedThere)
