@@ -36,6 +36,8 @@ bool isOfNetwork(const std::exception_ptr& error)
         std::rethrow_exception(error);
     } catch (const std::exception& cause) {
         return isNetworkError(cause);
+    } catch (...) {
+        return false;
     }
 }
 
@@ -77,7 +79,7 @@ Async<bool> CloudKitService::refreshAvailability(bool force)
         lastAccountStatus_ = co_await ports_.account.accountStatus();
     } catch (const CancellationError&) {
         throw;
-    } catch (const std::exception&) {
+    } catch (...) {
         lastAccountStatus_.reset();
         lastAvailabilityError_ = std::current_exception();
         availabilityCacheExpiry_ = ports_.wallClock.now().addingSeconds(secondsOfFailure);
@@ -136,7 +138,7 @@ Async<bool> CloudKitService::verifyCacheOwner()
         owner = name.value_or("");
     } catch (const CancellationError&) {
         throw;
-    } catch (const std::exception&) {
+    } catch (...) {
         // The user is unknown, most often because the network is away. Treating that as a change would drop the cache
         // at each launch without a network, and storing it would hide a change that is found later.
         co_return false;
