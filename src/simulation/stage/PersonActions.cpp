@@ -1,6 +1,7 @@
 #include "simulation/stage/Action.hpp"
 #include "simulation/stage/MacSession.hpp"
 #include "simulation/stage/MacWords.hpp"
+#include "simulation/stage/MenuUse.hpp"
 #include "simulation/stage/Wording.hpp"
 
 #include <array>
@@ -77,13 +78,6 @@ std::string pressInMenu(MacSession& session, std::string_view wanted)
     // Clicks a turn later: opening the menu may change its content.
     return onMain(session, [&](SimulatedMac& mac) { return complaint(mac.statusBar.click(wanted), wanted); });
 }
-
-/// A view in the menu, or the menu itself.
-struct MenuUse {
-    enum class Kind { open, close, press };
-    Kind kind = Kind::press;
-    std::string wanted;
-};
 
 ValueType<MenuUse> menuType()
 {

@@ -137,6 +137,10 @@ void Chronicle::willDo(double now, const Deed& deed, const Sight& before)
     if (deed.passcode) {
         notePasscode(*deed.passcode == passcode_, before);
     }
+    givesLogin_ = deed.login ? *deed.login == LoginAnswer::succeed : givesLogin_;
+    if (deed.clicksStop && givesLogin_ && before.isSounding && before.covers == 0 && isUp_) {
+        silenceDueSince = at;
+    }
     if (deed.violentMotion) {
         addCause("motion", false);
     }
@@ -259,6 +263,9 @@ void Chronicle::noteStates(const Sight& before, const Sight& now)
     }
     if (now.covers == 0 || !isUp) {
         unlockDueSince = never;
+    }
+    if (!now.isSounding || !isUp) {
+        silenceDueSince = never;
     }
     if (now.settings && (!settings_ || !(*now.settings == *settings_))) {
         settingsBeforeThat = settings_ ? settings_ : now.settings;

@@ -107,6 +107,8 @@ public:
     double owedSince = never; ///< deletions are owed
     /// Since the right passcode was typed at a lock screen that must take it, and has not opened.
     double unlockDueSince = never;
+    /// Since the owner, who gives the login, clicked on Stop Alarm, and the alarm has not stopped.
+    double silenceDueSince = never;
 
     bool hasHung = false;         ///< a call of this process hangs
     bool hasLostDefaults = false; ///< the Mac has become another one to the phone, which still knows the old one
@@ -178,6 +180,7 @@ private:
     std::set<std::string, std::less<>> hung_;
     bool isCloudTroubled_ = false;
     std::string passcode_ = "2468";
+    bool givesLogin_ = false;
     int passcodesTyped_ = 0; ///< since the last one that opened the lock screen, in this process
     std::optional<std::map<UUID, SeenRow>> listBeforeDeletion_;
     SeenAlerts diskBeforeDeletion_;

@@ -2,6 +2,7 @@
 
 #include "simulation/mac/CloudChange.hpp"
 #include "simulation/mac/motion/MotionChange.hpp"
+#include "simulation/stage/MenuUse.hpp"
 
 #include <array>
 #include <cmath>
@@ -20,6 +21,12 @@ struct DeedRow {
 Deed screen(const Action& /*action*/)
 {
     return {.usesScreen = true};
+}
+
+Deed menu(const Action& action)
+{
+    const MenuUse& use = *action.value<MenuUse>();
+    return {.usesScreen = true, .clicksStop = use.kind == MenuUse::Kind::press && use.wanted == "stopAlarm"};
 }
 
 Deed output(const Action& /*action*/)
@@ -59,7 +66,7 @@ Deed settings(const Action& action)
 }
 
 /// The actions that matter.
-constexpr std::array<DeedRow, 22> rows{{
+constexpr std::array<DeedRow, 23> rows{{
     {"arm", [](const Action&) { return Deed{.setsArmed = true}; }},
     {"disarm", [](const Action&) { return Deed{.setsArmed = false}; }},
     {"stop-alarm", [](const Action&) { return Deed{.stopsAlarm = true}; }},
@@ -68,7 +75,8 @@ constexpr std::array<DeedRow, 22> rows{{
     {"relaunch", end},
     {"accelerometer", movement},
     {"set", settings},
-    {"menu", screen},
+    {"menu", menu},
+    {"login", [](const Action& action) { return Deed{.login = *action.value<LoginAnswer>()}; }},
     {"click", screen},
     {"press", screen},
     {"slide", screen},

@@ -2,6 +2,7 @@
 
 #include "simulation/icloud/CompanionPhone.hpp"
 #include "simulation/mac/CloudChange.hpp"
+#include "simulation/mac/security/SimulatedLogin.hpp"
 #include "simulation/stage/Action.hpp"
 
 #include <optional>
@@ -15,6 +16,8 @@ struct Deed {
     std::optional<bool> setsArmed{};          ///< the owner arms or disarms
     bool stopsAlarm = false;                  ///< the owner stops the alarm
     bool usesScreen = false;                  ///< somebody uses the menu or a window
+    bool clicksStop = false;                  ///< somebody clicks on Stop Alarm in the menu
+    std::optional<LoginAnswer> login{};       ///< how the person at the Mac answers login panels from now on
     bool deletesAlerts = false;               ///< the owner deletes alerts from the list
     bool changesSettings = false;             ///< the owner changes settings
     bool quits = false;                       ///< somebody quits the product

@@ -236,6 +236,17 @@ Finding onlyThePasscodeUncovers(const Instants& is)
     return std::nullopt;
 }
 
+/// The owner's click on Stop Alarm silences it after her login, also after a click that a fault has struck.
+Finding theClickSilences(const Instants& is)
+{
+    const double since = is.past.silenceDueSince;
+    const bool isDue = since != never && is.now.at - since > settling && !is.past.hasHung;
+    if (!isDue || is.past.hadTrouble(since - 1.0) || is.past.lastCauseAt() > since - 8.0) {
+        return std::nullopt;
+    }
+    return "Stop Alarm, clicked at " + std::to_string(since) + " s, has not silenced the alarm";
+}
+
 /// The right passcode opens the lock screen, also after one that a fault has struck.
 Finding thePasscodeUncovers(const Instants& is)
 {
@@ -431,7 +442,7 @@ Finding memoryIsFlat(const Instants& is)
 
 constexpr auto onChange = Invariant::Pace::onChange;
 
-constexpr std::array<Invariant, 23> everyInvariant{{
+constexpr std::array<Invariant, 24> everyInvariant{{
     {"alerts survive", alertsSurvive, onChange},
     {"triggers leave alerts", triggersLeaveAlerts},
     {"alerts have causes", alertsHaveCauses, onChange},
@@ -444,6 +455,7 @@ constexpr std::array<Invariant, 23> everyInvariant{{
     {"only the owner disarms", onlyTheOwnerDisarms, onChange},
     {"only the owner arms", onlyTheOwnerArms, onChange},
     {"only the passcode uncovers", onlyThePasscodeUncovers, onChange},
+    {"the click silences", theClickSilences},
     {"the passcode uncovers", thePasscodeUncovers},
     {"every display is covered", everyDisplayIsCovered},
     {"the output is restored", outputIsRestored},

@@ -113,7 +113,7 @@ void Witness::settled(MacSession& session)
     notePairs();
     chronicle_->conclude(before_, now);
     // After a change, the instants are looked at until every deadline has passed; also when one should have come.
-    if (lookout_->hasChanged() || chronicle_->unlockDueSince == now.at) {
+    if (lookout_->hasChanged() || chronicle_->unlockDueSince == now.at || chronicle_->silenceDueSince == now.at) {
         awaitsUntil_ = now.at + longestDeadline;
     }
     isAwaiting_ = now.at < awaitsUntil_ || now.isSounding || chronicle_->isTroubled();

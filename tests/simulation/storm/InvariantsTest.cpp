@@ -106,6 +106,12 @@ constexpr PlantedFault plantedFaults[] = {
          day.before.showsArmed = false;
          day.past.commands.push_back({9'800.0, {.arm = true}});
      }},
+    {"the click silences",
+     [](Day& day) {
+         day.now.isSounding = true;
+         day.past.ringing = {.since = 9'900.0, .lastHeard = 10'000.0, .before = {}};
+         day.past.silenceDueSince = 9'990.0;
+     }},
     {"the passcode uncovers",
      [](Day& day) {
          day.now.covers = 1;
