@@ -96,7 +96,7 @@ std::string LiveMac::replace()
     const std::unique_lock guard{mutex_};
     const std::filesystem::path disk = disk_ / ("mac-" + std::to_string(++replacements_));
     std::filesystem::create_directories(disk);
-    const Date now = life_->session.mac().wallClock.now();
+    const Date now = life_->world.call([this] { return life_->session.mac().wallClock.now(); });
     auto next = std::make_unique<Life>(scenario_, disk, resources_, seed_ + replacements_, now, files_);
     life_->world.stop();
     life_ = std::move(next);
