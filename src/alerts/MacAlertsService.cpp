@@ -121,8 +121,6 @@ Async<MacAlertsService::CloudAnswer> MacAlertsService::askCloud()
         lastRefreshTimedOut_ = dynamic_cast<const AsyncTimeout::TimedOut*>(&error) != nullptr;
         cloud_.recordSyncFailure(error);
         answer.error = cloud_.userFacingMessage(error);
-    } catch (...) {
-        // Raised: the list shows what is known.
     }
     co_return answer;
 }

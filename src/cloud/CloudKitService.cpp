@@ -36,8 +36,6 @@ bool isOfNetwork(const std::exception_ptr& error)
         std::rethrow_exception(error);
     } catch (const std::exception& cause) {
         return isNetworkError(cause);
-    } catch (...) {
-        return false;
     }
 }
 
@@ -79,7 +77,7 @@ Async<bool> CloudKitService::refreshAvailability(bool force)
         lastAccountStatus_ = co_await ports_.account.accountStatus();
     } catch (const CancellationError&) {
         throw;
-    } catch (...) {
+    } catch (const std::exception&) {
         lastAccountStatus_.reset();
         lastAvailabilityError_ = std::current_exception();
         availabilityCacheExpiry_ = ports_.wallClock.now().addingSeconds(secondsOfFailure);
@@ -138,7 +136,7 @@ Async<bool> CloudKitService::verifyCacheOwner()
         owner = name.value_or("");
     } catch (const CancellationError&) {
         throw;
-    } catch (...) {
+    } catch (const std::exception&) {
         // The user is unknown, most often because the network is away. Treating that as a change would drop the cache
         // at each launch without a network, and storing it would hide a change that is found later.
         co_return false;

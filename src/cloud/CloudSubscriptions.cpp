@@ -85,9 +85,6 @@ Async<void> CloudSubscriptions::ensure(State& state, ports::CloudSubscription su
             message = messageOf_(error);
         }
         co_return;
-    } catch (...) {
-        state.isBeingSaved = false; // raised; the next call saves it
-        throw;
     }
     state.isBeingSaved = false;
     if (user == users_) {
