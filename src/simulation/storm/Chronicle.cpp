@@ -15,6 +15,9 @@ constexpr double atOnce = 3.0;
 /// The Mac obeys no command that is older, in seconds; a little more for its way.
 constexpr double longestCommandAge = 125.0;
 
+/// Answers that take longer count as none: a request of the product is given up after 15 s, and a pass makes several.
+constexpr Duration longestAnswer = std::chrono::seconds{5};
+
 /// Seconds for which a change of the machine may go unnoticed: the sensors are polled every 5 s.
 constexpr double longestNotice = 6.0;
 
@@ -212,7 +215,8 @@ void Chronicle::noteTroubles()
             }
         }
     }
-    isCloudTroubled_ = !session_.mac().iCloud.link.faults().all().empty();
+    CloudLink& link = session_.mac().iCloud.link;
+    isCloudTroubled_ = link.latency() > longestAnswer || !link.faults().all().empty();
     mark(struck, troubles_);
     mark(broken, troubles_);
     mark(wasStruck_, troubles_);
