@@ -56,7 +56,7 @@ public:
     std::filesystem::path folder;
 };
 
-/// What any store must do at its first load: list, read and parse.
+/// The work of any store at its first load: list, read and parse.
 void readAndParse(const std::filesystem::path& folder)
 {
     for (const auto& entry : std::filesystem::directory_iterator{folder}) {

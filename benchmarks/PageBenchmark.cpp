@@ -61,7 +61,7 @@ public:
         if (showsAlerts) {
             use(R"({"open": "alerts"})");
         }
-        // What was drawn before the list was read goes by; what then comes is whole.
+        // Drawings from before the list was read go by; later ones are whole.
         bytes_ = page_->nextText("state").size();
         while (showsAlerts && bytes_ < alertCount * 200) {
             bytes_ = page_->nextText("state").size();

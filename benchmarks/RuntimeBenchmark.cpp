@@ -1,4 +1,4 @@
-// What the runtime's steps cost: the floors beside which the product's own paths are measured.
+// The cost of the runtime's steps: the floors beside which the product's own paths are measured.
 
 #include "runtime/MainActor.hpp"
 #include "runtime/SerialQueue.hpp"

@@ -12,7 +12,7 @@
 #include <string>
 #include <string_view>
 
-// What a page may ask for: lines that are in turn the name of a request and its body. One Mac lives through all of
+// Requests of a page: lines that are in turn the name of a request and its body. One Mac lives through all of
 // them, so that they also meet the states that others have left behind.
 
 namespace sentrel::simulation {

@@ -43,7 +43,7 @@ export function leave(element) {
     }
 }
 
-/// Brings a list's elements into line with its items, each known by a key. What stays is not moved, so that the
+/// Brings a list's elements into line with its items, each known by a key. An element that stays is not moved, so that the
 /// keyboard stays on it.
 export function follow(list, items, { key, make, update = () => {} }) {
     const present = new Map([...list.children].map((element) => [element.sentrelKey, element]));

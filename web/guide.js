@@ -165,7 +165,7 @@ export class Guide {
             width: `${at.width + 10}px`,
             height: `${at.height + 10}px`,
         });
-        // What the control belongs to is not covered, either.
+        // The control's own surroundings are not covered, either.
         const around = (target.closest(".system-panel, .menu") ?? target).getBoundingClientRect();
         if (innerWidth < narrow) {
             put(8, around.bottom > bottom && around.top < innerHeight ? 8 : bottom);

@@ -1,4 +1,4 @@
-// What can be told of the product's views without drawing them.
+// Facts about the product's views that need no drawing.
 
 /// Whether two values of JSON say the same.
 export function isSame(one, other) {
@@ -26,7 +26,7 @@ export const cancelFirst = (buttons) =>
 /// The first words in a view, which are its title.
 export const firstText = (node) => (node.kind === "text" ? node.text : (node.children ?? []).map(firstText).find(Boolean));
 
-/// What a key does in a window: the name that the server knows, or none when the page keeps the key.
+/// The meaning of a key in a window: the name that the server knows, or none when the page keeps the key.
 export function keyOf(event) {
     const isEditing = event.target.matches("input:not([type=checkbox]):not([type=range]), textarea");
     if (event.key === "Escape") {

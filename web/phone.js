@@ -49,7 +49,7 @@ export class Phone {
         stream.on("run", (run) => this.#follow(run));
     }
 
-    /// What the latest notification says; empty while there is none.
+    /// The text of the latest notification; empty while there is none.
     get latest() {
         const notification = this.#state.notifications[0];
         return notification && this.words ? this.#textOf(notification) : "";

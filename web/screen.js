@@ -150,7 +150,7 @@ export class Screen {
                 this.menuShown ? this.#menuControls()[0]?.focus() : this.item.click();
             }
         });
-        // What a window shows comes apart from its frame: all of a change first, then the picture.
+        // A window's content comes apart from its frame: all of a change first, then the picture.
         stream.on("state", (state) => this.#show(state));
         stream.on("menuBar", (bar) => this.#showMenuBar(bar));
         stream.on("run", ({ language }) => {

@@ -79,7 +79,7 @@ async function whyRefused() {
 
 let complain = () => {};
 
-/// Who shows what went wrong with a request.
+/// Sets the function that shows the error of a request.
 export function onProblem(show) {
     complain = show;
 }
@@ -87,7 +87,7 @@ export function onProblem(show) {
 /// Shows the person what went wrong.
 export const report = (text) => complain(text);
 
-/// Sends a request; true when it was done. What the server refuses is shown to the person, unless nobody minds.
+/// Sends a request; true when it was done. A refusal of the server is shown to the person, unless nobody minds.
 export async function post(path, body, { isOptional = false } = {}) {
     try {
         const isImage = body instanceof Blob;

@@ -25,7 +25,7 @@ export class Sound {
         });
     }
 
-    /// What a measurement may listen to; null while nothing is switched on.
+    /// The node that a measurement may listen to; null while nothing is switched on.
     get output() {
         return this.#output;
     }
@@ -48,7 +48,7 @@ export class Sound {
         this.#followMusic();
     }
 
-    // What it says is what it does. Until it has been used, it asks for attention.
+    // Its text names its action. Until it has been used, it asks for attention.
     #showButton() {
         const silence = this.#wanted.length > 0 ? "Hear the alarm" : "Turn sound on";
         const text = this.isOn ? "Turn sound off" : silence;

@@ -92,7 +92,7 @@ export class Tree {
                     element.inside.list = parent;
                 }
             }
-            // What is new is made whole before it gets its place: the browser looks at it once.
+            // A new element is made whole before it gets its place: the browser lays it out once.
             if (parent.list) {
                 this.#showRow(parent.list, element, node);
             } else {
@@ -114,7 +114,7 @@ export class Tree {
         return row;
     }
 
-    // Of a long list only the rows that are nearly visible are drawn; the others are there, and have their names.
+    // Only the nearly visible rows of a long list are drawn; the others are there, and have their names.
     #showRow(list, row, node) {
         const isNew = row.isDrawn === undefined;
         if (!isNew && isSame(row.sentrelNode, node)) {
@@ -449,7 +449,7 @@ export class Tree {
             set(dialog, { "aria-label": node.title });
             if (!element.wasFocused) {
                 element.wasFocused = true;
-                // What can't be undone is never a key away.
+                // No key does what can't be undone.
                 const isGrave = (node.children ?? []).some((button) => button.role === "destructive");
                 const first = isGrave ? "button.role-cancel, button:not(.role-destructive)" : "button.default, button";
                 queueMicrotask(() => dialog.querySelector(first)?.focus());

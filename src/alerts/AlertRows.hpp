@@ -40,8 +40,10 @@ public:
     /// Shows only these alerts, until the next refresh.
     void startOver(std::vector<StoredAlert> local);
 
-    /// Adds a row, or removes those that are there.
+    /// Adds a row. None of the same alert is there.
     void add(AlertRow row);
+
+    /// Removes the rows of these alerts, as far as they are there.
     void remove(const std::unordered_set<UUID>& ids);
 
     /// Shows the alert as the cloud's, if it is there.

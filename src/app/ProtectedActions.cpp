@@ -1,9 +1,8 @@
 #include "app/ProtectedActions.hpp"
 
+#include "core/LocalizedText.hpp"
 #include "core/SettingsStore.hpp"
-#include "foundation/Quietly.hpp"
 #include "lock/PasswordGate.hpp"
-#include "ports/Language.hpp"
 
 #include <utility>
 
@@ -11,9 +10,7 @@ namespace sentrel {
 
 std::string loginReason(ports::Language& language)
 {
-    constexpr const char* reason = "verify your Mac login";
-    const std::string translated = quietly([&] { return language.localized(reason); });
-    return translated.empty() ? reason : translated;
+    return localizedInAnyCase(language, "verify your Mac login");
 }
 
 ProtectedActions::ProtectedActions(MainActor actor, SettingsStore& settings, PasswordGate& gate,

@@ -15,7 +15,7 @@ namespace ports {
 class Language;
 }
 
-/// The system's panel shows it: "Sentrel is trying to ...". In English if the translation raises.
+/// The reason that the system's login panel shows, after "Sentrel is trying to".
 [[nodiscard]] std::string loginReason(ports::Language& language);
 
 /// Performs actions that need the Mac login if the settings require it. Shared by all views, so that an action whose

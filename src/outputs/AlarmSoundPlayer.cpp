@@ -1,6 +1,6 @@
 #include "outputs/AlarmSoundPlayer.hpp"
 
-#include "foundation/Quietly.hpp"
+#include "core/LocalizedText.hpp"
 #include "runtime/WeakCall.hpp"
 
 #include <utility>
@@ -10,9 +10,7 @@ namespace sentrel {
 AlarmSoundPlayer::AlarmSoundPlayer(MainActor mainActor, const AlarmSoundServices& services)
     : worker_(mainActor.scheduler(), services,
               [mainActor, weak = anchor_.weak(), &language = services.language](std::string_view message) {
-                  const std::string translated = quietly([&] { return language.localized(message); });
-                  callIfAlive(mainActor, weak, &AlarmSoundPlayer::report,
-                              translated.empty() ? std::string{message} : translated);
+                  callIfAlive(mainActor, weak, &AlarmSoundPlayer::report, localizedInAnyCase(language, message));
               })
 {
 }

@@ -109,7 +109,7 @@ protected:
         return node ? ui::visibleTexts(*node->view) : std::vector<std::string>{"nothing there"};
     }
     bool shows(std::string_view wanted) { return ui::find(window_.body(), wanted).has_value(); }
-    /// What a renderer draws; an image without data when there is none.
+    /// The photo that a renderer draws; an image without data when there is none.
     ui::Image photoShown()
     {
         const auto body = window_.body();

@@ -27,7 +27,7 @@ public:
         panel.appeared();
     }
 
-    /// What a person does in the menu or the panel, and everything that follows from it at once.
+    /// A person uses the menu or the panel, and everything that follows from it at once happens.
     template <class View> ui::Interaction press(View& view, std::string_view wanted)
     {
         return act([&] { return ui::press(view.body(), wanted); });

@@ -1,11 +1,10 @@
 #include "simulation/mac/language/StringsFile.hpp"
+#include "support/Files.hpp"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <regex>
 #include <set>
 #include <string>
@@ -15,17 +14,12 @@ namespace sentrel {
 namespace {
 
 namespace fs = std::filesystem;
+using test::contentOf;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
 const fs::path root{SENTREL_SOURCE_DIR};
 constexpr const char* languages[] = {"de", "en", "es", "fr", "ja", "zh-Hans"};
-
-std::string contentOf(const fs::path& file)
-{
-    std::ifstream stream{file, std::ios::binary};
-    return {std::istreambuf_iterator<char>{stream}, {}};
-}
 
 simulation::StringsTable tableOf(const std::string& language, const char* name = "Localizable.strings")
 {
@@ -98,7 +92,7 @@ TEST(Languages, EveryTableIsThereSoundAndHasEachTextOnce)
 TEST(Languages, EveryTableTranslatesWhatTheEnglishOneHasWithTheSamePlaceholders)
 {
     constexpr const char* specifier = R"((%(?:lld|@|d|%)))";
-    // What reads the same in every language; anything else that does was forgotten.
+    // Texts that read the same in every language; any other such text was forgotten.
     const std::set<std::string> sameEverywhere{"Sentrel", "iCloud", "%lld"};
     const auto english = tableOf("en");
     for (const std::string language : {"de", "es", "fr", "ja", "zh-Hans"}) {

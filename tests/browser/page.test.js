@@ -6,7 +6,7 @@ import { sitDown } from "./support/sitting.js";
 
 const heaviest = 120_000; // bytes, without photos and icons
 
-/// What the browser tells assistive technology of everything that can have the keyboard.
+/// The names that the browser tells assistive technology for everything that can have the keyboard.
 async function focusable(page) {
     const session = await page.context().newCDPSession(page);
     const { nodes } = await session.send("Accessibility.getFullAXTree");

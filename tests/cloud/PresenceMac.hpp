@@ -40,7 +40,7 @@ public:
         phone.send(presence.deviceID(), {arm, sequence, secondsAgo});
     }
 
-    /// What the phone knows of this Mac; none when it doesn't know it.
+    /// Whether the phone takes this Mac for armed; none when it doesn't know the Mac.
     [[nodiscard]] std::optional<bool> publishedArmedState()
     {
         for (const auto& mac : phone.macs()) {

@@ -53,7 +53,7 @@ struct PasscodeMac {
     static constexpr auto current = Store::dataProtection;
     static constexpr auto legacy = Store::legacy;
 
-    /// What the keychain holds; none without an item.
+    /// The item in the keychain, or none.
     [[nodiscard]] std::optional<Bytes> stored(Store where) const
     {
         const auto item = keychain.item(where, "pelmadev.Sentrel.unlock-passcode", "arm-screen-cover");
@@ -66,7 +66,7 @@ struct PasscodeMac {
         }
     }
 
-    /// What the setup sheet does.
+    /// Saves a passcode as the setup sheet does.
     bool setPasscode(std::string_view passcode)
     {
         const auto record = store.makeRecord(bytesOf(passcode), store.makeSalt(), 210'000);

@@ -4,13 +4,13 @@
 #include "cloud/AsyncTimeout.hpp"
 #include "cloud/MacPresenceService.hpp"
 #include "core/Events.hpp"
+#include "core/LocalizedText.hpp"
 #include "foundation/Quietly.hpp"
 #include "lock/ScreenCoverService.hpp"
 #include "outputs/AlarmSoundPlayer.hpp"
 #include "outputs/CameraCapture.hpp"
 #include "outputs/MediaPlayback.hpp"
 #include "ports/Journal.hpp"
-#include "ports/Language.hpp"
 #include "runtime/AssertOnMainActor.hpp"
 #include "runtime/CurrentTask.hpp"
 #include "runtime/Detached.hpp"
@@ -205,8 +205,7 @@ void AlarmCoordinator::clearNotices()
 
 std::string AlarmCoordinator::localized(std::string_view text)
 {
-    const std::string translated = quietly([&] { return ports_.language.localized(text); });
-    return translated.empty() ? std::string{text} : translated;
+    return localizedInAnyCase(ports_.language, text);
 }
 
 std::function<void()> AlarmCoordinator::triggerCallback(bool isWanted, TriggerReason reason)

@@ -30,7 +30,7 @@ class SimulatedMac;
 /// of one neither strikes a reader nor is used up by it. Each object reads the disk at most once.
 class MacState {
 public:
-    /// What the phone shows.
+    /// The phone's screen.
     struct Phone {
         std::vector<CompanionPhone::Alert> alerts;               ///< newest first
         std::vector<CompanionPhone::Notification> notifications; ///< oldest first

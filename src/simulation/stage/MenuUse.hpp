@@ -4,7 +4,7 @@
 
 namespace sentrel::simulation {
 
-/// What a person does with the menu: opens or closes it, or presses a view in it.
+/// A person's use of the menu: it is opened or closed, or a view in it is pressed.
 struct MenuUse {
     enum class Kind { open, close, press };
     Kind kind = Kind::press;

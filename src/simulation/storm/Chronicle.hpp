@@ -155,6 +155,9 @@ public:
                at - deedAt > 300.0;
     }
 
+    /// Whether the owner has just done what must have an effect: its deadline counts from now.
+    [[nodiscard]] bool isNewlyDue() const { return unlockDueSince == at || silenceDueSince == at; }
+
     /// Whether a fault is set, or has just struck.
     [[nodiscard]] bool isTroubled() const { return mayBeTroubled_; }
 

@@ -236,12 +236,17 @@ Finding onlyThePasscodeUncovers(const Instants& is)
     return std::nullopt;
 }
 
+/// Whether something due since then, `never` if nothing is, has had its time, and no fault has struck it.
+bool isOverdue(const Instants& is, double since)
+{
+    return since != never && is.now.at - since > settling && !is.past.hasHung && !is.past.hadTrouble(since - 1.0);
+}
+
 /// The owner's click on Stop Alarm silences it after her login, also after a click that a fault has struck.
 Finding theClickSilences(const Instants& is)
 {
     const double since = is.past.silenceDueSince;
-    const bool isDue = since != never && is.now.at - since > settling && !is.past.hasHung;
-    if (!isDue || is.past.hadTrouble(since - 1.0) || is.past.lastCauseAt() > since - 8.0) {
+    if (!isOverdue(is, since) || is.past.lastCauseAt() > since - 8.0) {
         return std::nullopt;
     }
     return "Stop Alarm, clicked at " + std::to_string(since) + " s, has not silenced the alarm";
@@ -251,7 +256,7 @@ Finding theClickSilences(const Instants& is)
 Finding thePasscodeUncovers(const Instants& is)
 {
     const double since = is.past.unlockDueSince;
-    if (since == never || is.now.at - since <= settling || is.past.hasHung || is.past.hadTrouble(since - 1.0)) {
+    if (!isOverdue(is, since)) {
         return std::nullopt;
     }
     return "the right passcode, typed at " + std::to_string(since) + " s, has not opened the lock screen";

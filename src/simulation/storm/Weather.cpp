@@ -93,7 +93,7 @@ private:
         }
     }
 
-    /// What has begun mostly ends before a long rest: few alarms sound for hours, and few owners forget to arm.
+    /// Alarms and faults mostly end before a long rest: few alarms sound for hours, and few owners forget to arm.
     void settle(std::int64_t rest)
     {
         if (isDisturbed_ && (rest > hour || dice_.chance(92))) {

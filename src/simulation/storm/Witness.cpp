@@ -112,8 +112,8 @@ void Witness::settled(MacSession& session)
     check(isThorough);
     notePairs();
     chronicle_->conclude(before_, now);
-    // After a change, the instants are looked at until every deadline has passed; also when one should have come.
-    if (lookout_->hasChanged() || chronicle_->unlockDueSince == now.at || chronicle_->silenceDueSince == now.at) {
+    // After a change, or if one is due, the instants are looked at until every deadline has passed.
+    if (lookout_->hasChanged() || chronicle_->isNewlyDue()) {
         awaitsUntil_ = now.at + longestDeadline;
     }
     isAwaiting_ = now.at < awaitsUntil_ || now.isSounding || chronicle_->isTroubled();

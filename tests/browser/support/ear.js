@@ -11,7 +11,7 @@ export function listen(page, seconds = 1) {
         const samples = new Float32Array(analyser.fftSize);
         const levels = new Float32Array(analyser.frequencyBinCount);
         const heard = { loudness: 0, frequency: 0 };
-        // What was played before must have left the analyser.
+        // Earlier sound must have left the analyser.
         const start = output.context.currentTime + analyser.fftSize / output.context.sampleRate;
         while (output.context.currentTime < start + length) {
             await new Promise(requestAnimationFrame);

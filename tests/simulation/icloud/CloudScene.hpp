@@ -17,7 +17,7 @@
 
 namespace sentrel::simulation {
 
-/// What came of a request: nothing yet, its answer, or its error.
+/// The outcome of a request: nothing yet, its answer, or its error.
 template <class T> using Outcome = std::variant<std::monostate, T, ports::CloudError>;
 
 /// A server and one Mac of the account "owner", in virtual time; further devices are made by the tests.

@@ -27,7 +27,7 @@ protected:
     CloudRecord saved(CloudRecord record) { return answer(database.save(std::move(record))); }
     CloudRecord fetched(const std::string& name) { return answer(database.record(name)); }
 
-    /// What becomes of one record that is saved by a policy.
+    /// The outcome for one record that is saved by a policy.
     int saveCode(CloudRecord record, CloudSavePolicy policy)
     {
         const std::string name = record.name;

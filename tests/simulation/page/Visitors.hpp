@@ -55,7 +55,8 @@ public:
         return isConnected_;
     }
 
-    /// What comes until this text or, without one, the end of the connection; after long silence what has come so far.
+    /// Everything up to this text or, without one, the end of the connection; after long silence all that has come so
+    /// far.
     std::string read(std::string_view until = {})
     {
         std::string all;
@@ -104,7 +105,7 @@ public:
 
     [[nodiscard]] int status() const { return status_; }
 
-    /// What the next event of this name says; empty after long silence, or at the end of the stream.
+    /// The data of the next event of this name; empty after long silence, or at the end of the stream.
     std::string nextText(const std::string& event)
     {
         std::unique_lock lock{mutex_};

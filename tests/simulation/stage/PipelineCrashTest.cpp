@@ -89,7 +89,7 @@ void expectNothingLost(Theft& theft)
 
 TEST(PipelineCrashTest, LosesNoAlertWhereverTheDiskStopsBetweenTriggerAndUpload)
 {
-    // What the whole pipeline asks of the disk.
+    // The calls of the whole pipeline at the disk.
     std::uint64_t calls = 0;
     {
         Theft theft;

@@ -17,7 +17,7 @@ namespace sentrel::simulation {
 /// Plays scenarios, and keeps what is heard of them.
 class PlayedScenario : public testing::Test, protected Audience {
 protected:
-    /// What didn't hold, as sentences.
+    /// The expectations that didn't hold, as sentences.
     std::vector<std::string> played(const Scenario& scenario)
     {
         const PlayOptions options{.out = out, .resources = SENTREL_SOURCE_DIR "/resources", .seed = 1};

@@ -140,7 +140,7 @@ void expectTheAlarmToDoItsWorkWhicheverCallMeets(Fate fate)
     }
     for (std::size_t number = 0; number < calls.size(); ++number) {
         SCOPED_TRACE("call " + std::to_string(number) + ": " + calls[number].port + "." + calls[number].operation);
-        // Of a row of equal calls the first tells enough.
+        // The first of a row of equal calls tells enough.
         if (number == 0 || calls[number] != calls[number - 1]) {
             expectTheAlarmToDoItsWork(number, fate);
         }

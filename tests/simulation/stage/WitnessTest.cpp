@@ -14,7 +14,7 @@ using testing::IsEmpty;
 
 class Witness : public PlayedScenario {
 protected:
-    /// What the session hears of the alarm, then the expectations of these steps that don't hold, as sentences.
+    /// The alarm as the session hears it, then the expectations of these steps that don't hold, as sentences.
     std::vector<std::string> witnessed(const std::string& steps)
     {
         events.clear();
