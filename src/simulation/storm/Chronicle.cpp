@@ -111,7 +111,13 @@ void Chronicle::addCause(std::string reason, bool isCertain)
     const bool isWatched =
         isUp_ && isArmed_ && !hasHung && at - armedSince > 1.0 && at - settingsDeedAt > longestNotice;
     const bool isLoud = settings_ && settings_->alarmSound;
-    causes.push_back({.at = at, .reason = std::move(reason), .isCertain = isCertain && isWatched, .isLoud = isLoud});
+    // A sensor whose registration has failed is only polled.
+    const bool isPolled = hadTrouble({"power-sources", "lid", "workspace"}, armedSince - atOnce);
+    causes.push_back({.at = at,
+                      .reason = std::move(reason),
+                      .isCertain = isCertain && isWatched,
+                      .isLoud = isLoud,
+                      .longestNotice = isPolled ? longestNotice : 0.0});
 }
 
 void Chronicle::willDo(double now, const Deed& deed, const Sight& before)
@@ -319,15 +325,13 @@ void Chronicle::noteAlerts(const Sight& now)
     for (const auto& [id, row] : now.listed) {
         noteAlert(id, row.reason);
     }
-    const auto cloud = now.inCloud.find(now.user);
-    if (cloud == now.inCloud.end()) {
-        return;
-    }
-    for (const UUID& id : cloud->second) {
-        noteAlert(id, {});
-        KnownAlert& alert = alerts[id];
-        if (alert.owner.empty()) {
-            alert.owner = now.user;
+    for (const auto& [user, ids] : now.inCloud) {
+        for (const UUID& id : ids) {
+            noteAlert(id, {});
+            KnownAlert& alert = alerts[id];
+            if (alert.owner.empty()) {
+                alert.owner = user;
+            }
         }
     }
 }

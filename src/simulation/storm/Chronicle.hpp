@@ -28,10 +28,11 @@ inline constexpr double never = -std::numeric_limits<double>::infinity();
 struct Cause {
     double at = 0.0;
     std::string reason;
-    bool isCertain = false; ///< the product can't have missed it so far
-    bool isLoud = false;    ///< it must be heard, too
-    bool hasAlert = false;  ///< an alert of its reason came after it
-    bool isSpent = false;   ///< an alert was counted for it
+    bool isCertain = false;     ///< the product can't have missed it so far
+    bool isLoud = false;        ///< it must be heard, too
+    double longestNotice = 0.0; ///< seconds until the product must know of it
+    bool hasAlert = false;      ///< an alert of its reason came after it
+    bool isSpent = false;       ///< an alert was counted for it
 };
 
 /// The history of one alert since it was first seen.

@@ -106,8 +106,8 @@ Finding othersStayOthers(const Instants& is)
     const auto mine = is.now.inCloud.find(is.now.user);
     const auto isMine = [&](const UUID& id) { return mine != is.now.inCloud.end() && mine->second.contains(id); };
     constexpr double longestCheck = 600.0; // a check of the user that fails is repeated at growing intervals
-    const bool isKnown = !is.past.hasHung && is.now.at - is.past.calmSince > longestCheck &&
-                         is.now.at - is.past.userChangedAt > longestCheck;
+    const bool isKnown = !is.past.hasHung && is.past.calmSince != never &&
+                         is.now.at - std::max(is.past.calmSince, is.past.userChangedAt) > longestCheck;
     for (const auto& [id, row] : is.now.listed) {
         if (!isKnown || row.storage != AlertStorageLocation::cloud) {
             continue;
@@ -143,7 +143,8 @@ Finding triggersAreHeard(const Instants& is)
                is.past.hungPorts({"audio", "audio-engine", "beep"}) > 1;
     };
     for (const Cause& cause : is.past.causes) {
-        const bool isDue = is.now.at - cause.at > longestStart && is.before.at - cause.at <= longestStart;
+        const double due = cause.at + cause.longestNotice + longestStart;
+        const bool isDue = is.now.at > due && is.before.at <= due;
         if (cause.isCertain && cause.isLoud && isDue && !is.past.ringing && is.past.silentSince < cause.at &&
             !isBroken()) {
             return "nothing is heard of " + cause.reason + " at " + std::to_string(cause.at) + " s";
@@ -299,6 +300,12 @@ Finding outputIsRestored(const Instants& is)
     return std::nullopt;
 }
 
+/// Whether an assertion of this process could not be taken, or not be released: then it stays until the process ends.
+bool hasAssertionFailed(const Instants& is)
+{
+    return is.past.hasHung || is.past.hadTrouble({"power-assertions"}, is.past.launchedAt);
+}
+
 /// The Mac is kept awake exactly while it is armed.
 Finding assertionFollowsArming(const Instants& is)
 {
@@ -306,10 +313,7 @@ Finding assertionFollowsArming(const Instants& is)
     if (since == never || is.now.at - since <= settling) {
         return std::nullopt;
     }
-    // An assertion that could not be released stays until the process ends.
-    const bool isBroken =
-        is.past.hasHung || is.past.hadTrouble({"power-assertions"}, is.past.launchedAt) || isIconStale(is);
-    if (!isBroken) {
+    if (!hasAssertionFailed(is) && !isIconStale(is)) {
         return std::string{"the Mac is "} + (is.now.showsArmed ? "armed" : "not armed") + ", and its assertion is " +
                (is.now.holdsArmedAssertion ? "held" : "not held");
     }
@@ -323,9 +327,7 @@ Finding assertionFollowsProcessing(const Instants& is)
     if (is.past.processingSince == never || is.now.at - since <= longestWay) {
         return std::nullopt;
     }
-    const bool isBroken =
-        is.past.hasHung || is.past.hadTrouble({"power-assertions"}, is.past.processingSince - settling);
-    if (!isBroken) {
+    if (!hasAssertionFailed(is)) {
         return "the assertion of an alert is held for nothing";
     }
     return std::nullopt;

@@ -165,6 +165,8 @@ void Lookout::lookAtCloud()
     CloudLink& link = mac.iCloud.link;
     set(sight_.isOnline, mac.iCloud.network.isUp());
     set(sight_.user, link.device().user);
+    // All users are looked at: a request that an earlier one has begun still ends in the database of that one.
+    sight_.inCloud.try_emplace(sight_.user);
     set(sight_.hasAccount, link.accountStatus() == ports::CloudAccountStatus::available);
     // The Mac's state is published every 30 s, which changes no alert.
     constexpr double alertsAreOnTheirWay = 600.0; // seconds
@@ -176,13 +178,15 @@ void Lookout::lookAtCloud()
     }
     mustAskCloud_ = false;
     set(sight_.isStorageFull, session_.cloudServer().isFull(sight_.user));
-    std::set<UUID> ids;
-    for (const std::string& name : session_.cloudServer().names(sight_.user, alertRecordType)) {
-        if (const auto id = UUID::parse(name)) {
-            ids.insert(*id);
+    for (auto& [user, alerts] : sight_.inCloud) {
+        std::set<UUID> ids;
+        for (const std::string& name : session_.cloudServer().names(user, alertRecordType)) {
+            if (const auto id = UUID::parse(name)) {
+                ids.insert(*id);
+            }
         }
+        set(alerts, ids);
     }
-    set(sight_.inCloud[sight_.user], ids);
 }
 
 void Lookout::askPhone()
