@@ -37,6 +37,8 @@ public:
     /// How often each fault has struck.
     [[nodiscard]] std::map<std::string, std::uint64_t, std::less<>> struck() const;
     [[nodiscard]] std::uint64_t struck(std::string_view name) const;
+    /// How often `hangs` has struck.
+    [[nodiscard]] std::uint64_t timesHung() const { return hangs_.struck; }
 
     /// Heals everything. A call that hangs stays where it is.
     void clear();

@@ -132,7 +132,9 @@ void SqliteDatabase::Close::operator()(sqlite3* database) const
 SqliteDatabase::SqliteDatabase(const std::filesystem::path& file)
 {
     sqlite3* database = nullptr;
-    const int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_FULLMUTEX;
+    // One thread at a time uses a database, and nobody reads the library's statistics: it needs no lock for either.
+    [[maybe_unused]] static const int isConfigured = sqlite3_config(SQLITE_CONFIG_MEMSTATUS, 0);
+    const int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX;
     const int code = sqlite3_open_v2(file.c_str(), &database, flags, nullptr);
     database_.reset(database);
     if (code != SQLITE_OK) {

@@ -22,9 +22,6 @@ bool holdsText(const SimulatedDisplays& displays)
     return field != nullptr && !field->text.value.empty();
 }
 
-/// The alarm repeats its beep after 0.9 s.
-constexpr Duration longestBeepPause = std::chrono::milliseconds{900} - Speaker::beepLength;
-
 /// Whether the sound can be heard: false for silent samples and for a gain of 0.
 bool isAudible(const Sounding& sounding)
 {

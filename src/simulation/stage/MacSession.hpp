@@ -19,6 +19,9 @@
 
 namespace sentrel::simulation {
 
+/// The silence between two beeps of an alarm: it repeats them after 0.9 s, or after 0.95 s if only its watch does.
+inline constexpr Duration longestBeepPause = std::chrono::milliseconds{950} - Speaker::beepLength;
+
 /// The alarm's audible output.
 struct AlarmSound {
     std::string_view mode; ///< "tone" or "beep"

@@ -1,8 +1,10 @@
 #include "simulation/storm/Chronicle.hpp"
 
+#include "foundation/Fatal.hpp"
 #include "simulation/stage/MacSession.hpp"
 
 #include <algorithm>
+#include <map>
 #include <utility>
 
 namespace sentrel::simulation {
@@ -23,41 +25,62 @@ constexpr double longestNotice = 6.0;
 
 } // namespace
 
-Chronicle::Chronicle(MacSession& session) : session_(session), switches_(session.mac().faults())
+Chronicle::Chronicle(MacSession& session) : session_(session)
 {
+    for (const auto& [name, switches] : session.mac().faults()) {
+        ports_.push_back({.name = name, .switches = switches});
+    }
+    std::ranges::sort(ports_, {}, &Port::name);
 }
 
-double Chronicle::lastTrouble(std::string_view port) const
+const Chronicle::Port& Chronicle::port(std::string_view name) const
 {
-    const auto found = troubles_.find(port);
-    return found == troubles_.end() ? never : found->second;
+    const auto found = std::ranges::lower_bound(ports_, name, {}, &Port::name);
+    if (found == ports_.end() || found->name != name) {
+        fatalError("a port that the simulated MacBook does not have");
+    }
+    return *found;
 }
 
-bool Chronicle::hadTrouble(std::initializer_list<std::string_view> ports, double since) const
+double Chronicle::lastTrouble(std::string_view name) const
 {
-    return std::ranges::any_of(ports, [&](std::string_view port) {
-        const double last = lastTrouble(port);
+    return port(name).lastTrouble;
+}
+
+bool Chronicle::hadTrouble(std::initializer_list<std::string_view> names, double since) const
+{
+    return std::ranges::any_of(names, [&](std::string_view name) {
+        const double last = lastTrouble(name);
         return last != never && last >= since;
     });
 }
 
 bool Chronicle::hadTrouble(double since) const
 {
-    return std::ranges::any_of(troubles_, [since](const auto& trouble) { return trouble.second >= since; });
+    return std::ranges::any_of(
+        ports_, [since](const auto& port) { return port.lastTrouble != never && port.lastTrouble >= since; });
 }
 
-bool Chronicle::wasBroken(std::initializer_list<std::string_view> ports, double since) const
+bool Chronicle::wasBroken(std::initializer_list<std::string_view> names, double since) const
 {
-    return std::ranges::any_of(ports, [&](std::string_view port) {
-        const auto found = broken_.find(port);
-        return found != broken_.end() && found->second >= since;
+    return std::ranges::any_of(names, [&](std::string_view name) {
+        const double last = port(name).lastBroken;
+        return last != never && last >= since;
     });
 }
 
-std::size_t Chronicle::hungPorts(std::initializer_list<std::string_view> ports) const
+std::size_t Chronicle::hungPorts(std::initializer_list<std::string_view> names) const
 {
     return static_cast<std::size_t>(
-        std::ranges::count_if(ports, [&](std::string_view port) { return hung_.contains(port); }));
+        std::ranges::count_if(names, [&](std::string_view name) { return port(name).hangs; }));
+}
+
+void Chronicle::forgetHangs()
+{
+    hasHung = false;
+    for (Port& port : ports_) {
+        port.hangs = false;
+    }
 }
 
 void Chronicle::happened(const Event& event)
@@ -66,8 +89,7 @@ void Chronicle::happened(const Event& event)
     at = event.at;
     if (name == "launched") {
         launchedAt = at;
-        hasHung = false;
-        hung_.clear();
+        forgetHangs();
         passcodesTyped_ = 0;
     } else if (name == "defaults.damaged") {
         hasLostDefaults = true;
@@ -191,54 +213,49 @@ void Chronicle::noteTroubles()
     if (!mayBeTroubled_) {
         return;
     }
-    Ports struck;
-    Ports broken;
-    const auto noteHangs = [this](const std::string& port, const std::string& kind, std::uint64_t count) {
-        if (std::exchange(hangs_[kind + port], count) != count) {
-            hung_.insert(port);
-            hasHung = true;
-        }
-    };
-    for (const auto& [port, switches] : switches_) {
-        if (switches->isAnySet()) {
-            broken.insert(port);
-        }
-        if (const auto count = switches->struck("hangs"); count > 0) {
-            noteHangs(port, "device ", count);
-        }
-    }
-    for (const CallFault& fault : session_.plannedFaults().waiting()) {
-        struck.insert(fault.port);
-    }
-    if (!struck.empty() || !wasStruck_.empty() || at == deedAt) {
-        std::map<std::string, std::uint64_t> calls;
-        for (const auto& [place, count] : session_.plannedFaults().struck()) {
-            calls[place.first.first] += place.second == CallFault::Fate::hangs ? count : 0;
-        }
-        for (const auto& [port, count] : calls) {
-            if (count > 0) {
-                noteHangs(port, "call ", count);
-            }
-        }
-    }
+    const std::vector<CallFault> waiting = session_.plannedFaults().waiting();
     CloudLink& link = session_.mac().iCloud.link;
-    isCloudTroubled_ = link.latency() > longestAnswer || !link.faults().all().empty();
-    mark(struck, troubles_);
-    mark(broken, troubles_);
-    mark(wasStruck_, troubles_);
-    mark(wasBroken_, troubles_);
-    mark(broken, broken_);
-    mark(wasBroken_, broken_);
-    mayBeTroubled_ =
-        isCloudTroubled_ || !struck.empty() || !broken.empty() || !wasStruck_.empty() || !wasBroken_.empty();
-    wasStruck_ = std::move(struck);
-    wasBroken_ = std::move(broken);
+    mayBeTroubled_ = link.latency() > longestAnswer || !link.faults().all().empty();
+    bool hasPlan = at == deedAt;
+    for (Port& port : ports_) {
+        const bool isBroken = port.switches->isAnySet();
+        const bool isStruck =
+            !waiting.empty() && std::ranges::find(waiting, port.name, &CallFault::port) != waiting.end();
+        if (isBroken || port.wasBroken) {
+            port.lastBroken = at;
+        }
+        hasPlan = hasPlan || isStruck || port.wasStruck;
+        if (isBroken || port.wasBroken || isStruck || port.wasStruck) {
+            port.lastTrouble = at;
+            mayBeTroubled_ = true;
+        }
+        port.wasBroken = isBroken;
+        port.wasStruck = isStruck;
+        noteHangs(port, port.switches->timesHung(), port.hangsOfDevice);
+    }
+    if (hasPlan) {
+        noteHangsOfCalls();
+    }
 }
 
-void Chronicle::mark(const Ports& ports, Times& times) const
+void Chronicle::noteHangs(Port& port, std::uint64_t count, std::uint64_t& known)
 {
-    for (const std::string& port : ports) {
-        times[port] = at;
+    if (std::exchange(known, count) != count) {
+        port.hangs = true;
+        hasHung = true;
+    }
+}
+
+void Chronicle::noteHangsOfCalls()
+{
+    const PlannedFaults::Struck struck = session_.plannedFaults().struck();
+    std::map<std::string_view, std::uint64_t> calls;
+    for (const auto& [place, count] : struck) {
+        calls[place.first.first] += place.second == CallFault::Fate::hangs ? count : 0;
+    }
+    for (Port& port : ports_) {
+        const auto found = calls.find(port.name);
+        noteHangs(port, found == calls.end() ? 0 : found->second, port.hangsOfCalls);
     }
 }
 
@@ -250,8 +267,7 @@ void Chronicle::noteStates(const Sight& before, const Sight& now)
     }
     if (!now.isRunning && before.isRunning) {
         endedAt = at;
-        hasHung = false;
-        hung_.clear();
+        forgetHangs();
     }
     if (isUp_ && !isUp) {
         // A trigger whose alert has not reached the disk yet is lost with the process, or waits for the machine.

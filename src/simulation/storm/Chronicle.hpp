@@ -8,9 +8,7 @@
 #include <deque>
 #include <initializer_list>
 #include <limits>
-#include <map>
 #include <optional>
-#include <set>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -131,17 +129,17 @@ public:
     std::optional<std::size_t> memoryAtRest; ///< bytes, likewise
 
     /// When the port last had a fault; now if it has one.
-    [[nodiscard]] double lastTrouble(std::string_view port) const;
+    [[nodiscard]] double lastTrouble(std::string_view name) const;
 
     /// Whether one of the ports had a fault since that time.
-    [[nodiscard]] bool hadTrouble(std::initializer_list<std::string_view> ports, double since) const;
+    [[nodiscard]] bool hadTrouble(std::initializer_list<std::string_view> names, double since) const;
     /// Whether anything had a fault since that time.
     [[nodiscard]] bool hadTrouble(double since) const;
     /// Whether one of them was switched to fail, call after call, since that time.
-    [[nodiscard]] bool wasBroken(std::initializer_list<std::string_view> ports, double since) const;
+    [[nodiscard]] bool wasBroken(std::initializer_list<std::string_view> names, double since) const;
 
     /// Whether a call of this process at one of the ports hangs.
-    [[nodiscard]] std::size_t hungPorts(std::initializer_list<std::string_view> ports) const;
+    [[nodiscard]] std::size_t hungPorts(std::initializer_list<std::string_view> names) const;
 
     /// Whether nothing has failed, and nobody has done anything, for so many seconds.
     [[nodiscard]] bool isCalmFor(double seconds) const
@@ -177,12 +175,26 @@ private:
     [[nodiscard]] std::optional<OutputState> outputBefore(const Sight& before) const;
     [[nodiscard]] bool mayBeDisarmedAt(double when) const;
 
+    /// The faults of one port.
+    struct Port {
+        std::string name;
+        FaultSwitches* switches = nullptr;
+        double lastTrouble = never;
+        double lastBroken = never;       ///< switched to fail, call after call
+        std::uint64_t hangsOfDevice = 0; ///< counted so far
+        std::uint64_t hangsOfCalls = 0;
+        bool hangs = false;     ///< a call of this process
+        bool wasStruck = false; ///< at the last look, as below
+        bool wasBroken = false;
+    };
+
+    [[nodiscard]] const Port& port(std::string_view name) const;
+    void noteHangs(Port& port, std::uint64_t count, std::uint64_t& known);
+    void noteHangsOfCalls();
+    void forgetHangs();
+
     MacSession& session_;
-    const std::vector<std::pair<std::string, FaultSwitches*>> switches_; ///< by port
-    std::map<std::string, double, std::less<>> troubles_;
-    std::map<std::string, double, std::less<>> broken_;
-    std::set<std::string, std::less<>> hung_;
-    bool isCloudTroubled_ = false;
+    std::vector<Port> ports_; ///< by name
     std::string passcode_ = "2468";
     bool givesLogin_ = false;
     int passcodesTyped_ = 0; ///< since the last one that opened the lock screen, in this process
@@ -195,14 +207,8 @@ private:
     bool isArmed_ = false;
     bool isUp_ = false;
     std::optional<AlarmSettings> settings_;
-    using Ports = std::set<std::string, std::less<>>;
-    using Times = std::map<std::string, double, std::less<>>;
-    void mark(const Ports& ports, Times& times) const;
     void noteAlert(const UUID& id, const std::string& reason);
     [[nodiscard]] bool hasCommand(bool arms) const;
-    std::map<std::string, std::uint64_t, std::less<>> hangs_;
-    Ports wasStruck_;
-    Ports wasBroken_;
 };
 
 } // namespace sentrel::simulation

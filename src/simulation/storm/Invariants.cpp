@@ -145,7 +145,7 @@ Finding triggersAreHeard(const Instants& is)
     for (const Cause& cause : is.past.causes) {
         const double due = cause.at + cause.longestNotice + longestStart;
         const bool isDue = is.now.at > due && is.before.at <= due;
-        if (cause.isCertain && cause.isLoud && isDue && !is.past.ringing && is.past.silentSince < cause.at &&
+        if (cause.isCertain && cause.isLoud && isDue && !is.past.ringing && !is.past.maySilenceAt(cause.at) &&
             !isBroken()) {
             return "nothing is heard of " + cause.reason + " at " + std::to_string(cause.at) + " s";
         }

@@ -22,9 +22,6 @@ namespace {
 constexpr std::string_view armedReason = "Sentrel is armed and monitoring";
 constexpr std::string_view alarmReason = "Sentrel is processing an alarm event";
 
-/// The alarm repeats its beep after 0.9 s.
-constexpr Duration pauseOfBeeps = std::chrono::milliseconds{900} - Speaker::beepLength;
-
 SeenAlerts alertsOf(const MacState& state)
 {
     SeenAlerts alerts;
@@ -122,7 +119,7 @@ void Lookout::lookAtScreen()
 void Lookout::lookAtSound()
 {
     SimulatedMac& mac = session_.mac();
-    const auto sounding = mac.speaker.sounding(pauseOfBeeps);
+    const auto sounding = mac.speaker.sounding(longestBeepPause);
     set(sight_.isSounding, !sounding.empty());
     set(sight_.isAudible, std::ranges::any_of(sounding, [](const Sounding& sound) { return sound.gain > 0.0F; }));
     // The product's own changes of the output are not noted.
