@@ -27,6 +27,11 @@ std::filesystem::path storeDirectory(ports::HostInfo& host)
     return support.value_or(host.temporaryDirectory()) / host.bundleIdentifier().value_or("Sentrel") / "Alerts";
 }
 
+std::filesystem::path pathOf(const std::filesystem::path& directory, const UUID& id, const char* extension)
+{
+    return directory / (id.text() + extension);
+}
+
 bool isNewer(const StoredAlert& left, const StoredAlert& right)
 {
     if (left.alert.timestamp != right.alert.timestamp) {
@@ -158,8 +163,8 @@ void LocalAlertStore::remove(const UUID& id)
     if (index_) {
         index_->erase(id);
     }
-    const bool isGone = removeFile(alertFile(id));
-    if (removeFile(photoFile(id)) && isGone) {
+    const bool isGone = removeFile(pathOf(directory_, id, ".json"));
+    if (removeFile(pathOf(directory_, id, ".jpg")) && isGone) {
         removed_.erase(id);
     } else {
         removed_.insert(id);
@@ -179,8 +184,7 @@ bool LocalAlertStore::removeFile(const std::filesystem::path& file)
 void LocalAlertStore::remove(const std::unordered_set<UUID>& ids)
 {
     for (const UUID& id : ids) {
-        const bool isKnown = index_ ? index_->contains(id) : files_.exists(alertFile(id));
-        if (isKnown) {
+        if (!index_ || index_->contains(id)) {
             remove(id);
         }
     }
@@ -195,7 +199,7 @@ std::filesystem::path LocalAlertStore::fileNamed(const UUID& id, const char* ext
 {
     // Each time: a folder deleted by hand must not cost the next alert.
     files_.createDirectories(directory_, directoryMode);
-    return directory_ / (id.text() + extension);
+    return pathOf(directory_, id, extension);
 }
 
 void LocalAlertStore::write(const std::filesystem::path& file, BytesView content)

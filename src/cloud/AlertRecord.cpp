@@ -16,10 +16,9 @@ constexpr const char* sendNotificationField = "sendNotification";
 
 } // namespace
 
-const std::vector<std::string>& alertListKeys()
+std::vector<std::string> alertListKeys()
 {
-    static const std::vector<std::string> keys{reasonField, timestampField, deviceNameField, sendNotificationField};
-    return keys;
+    return {reasonField, timestampField, deviceNameField, sendNotificationField};
 }
 
 ports::CloudRecord alertRecord(const AlertEvent& alert, const std::string& deviceName, ports::Language& language)

@@ -20,7 +20,7 @@ inline constexpr const char* alertRecordType = "AlertEvent";
 inline constexpr const char* alertPhotoField = "photo";
 
 /// The fields fetched for a listed alert: no photo, no title.
-[[nodiscard]] const std::vector<std::string>& alertListKeys();
+[[nodiscard]] std::vector<std::string> alertListKeys();
 
 /// The record of an alert, without its photo. `deviceName` is the Mac's current name; the trigger's title is in the
 /// user's language.

@@ -67,10 +67,9 @@ std::optional<DevicePresence> presenceOf(const ports::CloudRecord& record)
                           *isArmed != 0};
 }
 
-const std::vector<std::string>& commandKeys()
+std::vector<std::string> commandKeys()
 {
-    static const std::vector<std::string> keys{sequenceField, issuedAtField, requestedArmStateField};
-    return keys;
+    return {sequenceField, issuedAtField, requestedArmStateField};
 }
 
 std::optional<RemoteCommand> commandOf(const ports::CloudRecord& record)

@@ -55,7 +55,7 @@ struct RemoteCommand {
 [[nodiscard]] std::optional<DevicePresence> presenceOf(const ports::CloudRecord& record);
 
 /// The fields of a command.
-[[nodiscard]] const std::vector<std::string>& commandKeys();
+[[nodiscard]] std::vector<std::string> commandKeys();
 
 /// The command in a record; none when there is no sequence or no requested state.
 [[nodiscard]] std::optional<RemoteCommand> commandOf(const ports::CloudRecord& record);

@@ -23,15 +23,10 @@ constexpr std::int32_t noError = 0;
 constexpr std::uint32_t keyDown = 0x0A; // NX_KEYDOWN, in bits 8 to 15 of the flags and of the data
 constexpr std::uint32_t keyUp = 0x0B;   // NX_KEYUP
 
-const std::vector<MediaPlayer>& knownPlayers()
-{
-    static const std::vector<MediaPlayer> players{{"com.apple.Music", "Music"}};
-    return players;
-}
-
 std::vector<MediaPlayer> runningPlayers(ports::RunningApplications& applications)
 {
-    auto players = knownPlayers();
+    // No static object: this runs on a queue, also while the process exits.
+    std::vector<MediaPlayer> players{{"com.apple.Music", "Music"}};
     std::erase_if(players, [&applications](const MediaPlayer& player) {
         return !applications.isInstalled(player.bundleIdentifier) || !applications.isRunning(player.bundleIdentifier);
     });

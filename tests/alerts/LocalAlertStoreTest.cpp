@@ -204,11 +204,12 @@ TEST_F(LocalAlertStoreTest, WhatCouldNotBeReadIsReadLater)
 
 TEST_F(LocalAlertStoreTest, WhatCouldNotBeRemovedIsRemovedLaterAndIsNotBackBefore)
 {
-    for (const int failures : {1, 2}) { // of the alert's file, and the photo's
+    // Of the alert's file, and the photo's.
+    for (const auto& [fault, failures] : {std::pair{"remove", 1}, std::pair{"remove", 2}, std::pair{"raises", 2}}) {
         LocalAlertStore removing = store();
         removing.save(alert(1, 1), photo, true);
-        ASSERT_TRUE(files.faults().set("remove", failures));
-        removing.remove(alert(1, 1).id);
+        ASSERT_TRUE(files.faults().set(fault, failures));
+        removing.remove({alert(1, 1).id, alert(2, 2).id});
         EXPECT_THAT(removing.alerts(), IsEmpty());
         EXPECT_FALSE(removing.isSettled());
         std::vector<StoredAlert> listed;
@@ -216,7 +217,7 @@ TEST_F(LocalAlertStoreTest, WhatCouldNotBeRemovedIsRemovedLaterAndIsNotBackBefor
         clock.runUntilIdle();
         EXPECT_THAT(listed, IsEmpty());
         EXPECT_TRUE(removing.isSettled());
-        EXPECT_TRUE(std::filesystem::is_empty(folder())) << failures;
+        EXPECT_TRUE(std::filesystem::is_empty(folder())) << fault << failures;
     }
 }
 

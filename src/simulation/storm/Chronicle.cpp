@@ -391,7 +391,7 @@ void Chronicle::noteSound(const Sight& before, const Sight& now)
     if (now.isSounding) {
         if (!ringing) {
             constexpr double longestWay = 10.0; // seconds from a cause to its sound
-            const bool hadCause = at - lastCauseAt() < longestWay ||
+            const bool hadCause = at - lastCauseAt() < longestWay || isSoundLate() ||
                                   hadTrouble({"power-sources", "lid", "workspace", "accelerometer"}, at - longestWay) ||
                                   at - wokeAt < longestWay;
             ringing = Ringing{at, at, outputBefore(before), hadCause};
@@ -405,11 +405,17 @@ void Chronicle::noteSound(const Sight& before, const Sight& now)
     }
 }
 
+/// Whether the devices that sound have failed since the last cause.
+bool Chronicle::isSoundLate() const
+{
+    return !causes.empty() && hadTrouble({"audio", "audio-engine", "beep", "music"}, lastCauseAt());
+}
+
 /// The output before an alarm that begins.
 std::optional<OutputState> Chronicle::outputBefore(const Sight& before) const
 {
     constexpr double longestStart = 3.0; // seconds
-    if (hasHung || hadTrouble({"audio", "audio-engine", "music"}, at - longestStart)) {
+    if (hasHung || isSoundLate() || hadTrouble({"audio", "audio-engine", "beep", "music"}, at - longestStart)) {
         return std::nullopt; // the output was taken over some time before the sound, or its beep, began
     }
     // An alarm that follows at once has found the output as the one before took it.

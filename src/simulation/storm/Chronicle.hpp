@@ -173,6 +173,7 @@ private:
     void addCause(std::string reason, bool isCertain);
     void endRinging();
     [[nodiscard]] std::optional<OutputState> outputBefore(const Sight& before) const;
+    [[nodiscard]] bool isSoundLate() const;
     [[nodiscard]] bool mayBeDisarmedAt(double when) const;
 
     /// The faults of one port.
