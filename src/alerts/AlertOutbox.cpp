@@ -206,12 +206,16 @@ Async<AlertOutbox::Photo> AlertOutbox::photoHere(UUID id, QualityOfService prior
 /// signed in: until its answer the rows of an earlier user may still be shown.
 bool AlertOutbox::isAnythingOwed(bool countsRefused) const
 {
-    const std::unordered_set<UUID> waiting = waitingIDs();
-    return cloud_.isOwnerCheckOwed() || !localStore_.isSettled() ||
-           !pendingDeletions_.idsOf(cloud_.cacheOwner()).empty() ||
-           std::ranges::any_of(waiting, [this, countsRefused](const UUID& id) {
-               return !uploader_.isUploading(id) && (countsRefused || !refused_.contains(id));
-           });
+    try {
+        const std::unordered_set<UUID> waiting = waitingIDs();
+        return cloud_.isOwnerCheckOwed() || !localStore_.isSettled() ||
+               !pendingDeletions_.idsOf(cloud_.cacheOwner()).empty() ||
+               std::ranges::any_of(waiting, [this, countsRefused](const UUID& id) {
+                   return !uploader_.isUploading(id) && (countsRefused || !refused_.contains(id));
+               });
+    } catch (...) {
+        return true; // the folder can't be read just now
+    }
 }
 
 void AlertOutbox::cancelRetry()
@@ -230,7 +234,8 @@ void AlertOutbox::planRetry()
         retryDelay_ = {};
         return;
     }
-    retry_ = actor_.spawn(retryAfter(std::max({shortestRetryDelay, retryDelay_, cloud_.remainingBackoff()})));
+    const Duration backoff = quietly([this] { return cloud_.remainingBackoff(); });
+    retry_ = actor_.spawn(retryAfter(std::max({shortestRetryDelay, retryDelay_, backoff})));
     tasks_.add(retry_);
 }
 

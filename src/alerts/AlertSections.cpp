@@ -1,7 +1,7 @@
 #include "alerts/AlertSections.hpp"
 
+#include "core/LocalizedText.hpp"
 #include "ports/Calendar.hpp"
-#include "ports/Language.hpp"
 
 #include <algorithm>
 #include <cstdio>
@@ -122,13 +122,13 @@ private:
     {
         switch (stretch) {
         case Stretch::today:
-            return {"today", language_.localized("Today"), {}};
+            return {"today", localizedInAnyCase(language_, "Today"), {}};
         case Stretch::yesterday:
-            return {"yesterday", language_.localized("Yesterday"), {}};
+            return {"yesterday", localizedInAnyCase(language_, "Yesterday"), {}};
         case Stretch::thisWeek:
-            return {"this-week", language_.localized("This week"), {}};
+            return {"this-week", localizedInAnyCase(language_, "This week"), {}};
         case Stretch::thisMonth:
-            return {"this-month", language_.localized("This month"), {}};
+            return {"this-month", localizedInAnyCase(language_, "This month"), {}};
         case Stretch::monthOfThisYear: {
             const int year = calendar_.component(CalendarUnit::year, date);
             const int month = calendar_.component(CalendarUnit::month, date);

@@ -4,6 +4,7 @@
 #include "cloud/CloudErrors.hpp"
 #include "cloud/CloudTimeLimit.hpp"
 #include "core/Events.hpp"
+#include "foundation/Quietly.hpp"
 #include "ports/CloudError.hpp"
 #include "ports/Journal.hpp"
 
@@ -52,6 +53,19 @@ Async<AlertUploader::Outcome> AlertUploader::upload(AlertEvent alert, std::optio
 Async<AlertUploader::Outcome> AlertUploader::attempt(AlertEvent alert, std::optional<Bytes> photo)
 {
     const UUID id = alert.id;
+    Outcome outcome = Outcome::failed;
+    try {
+        outcome = co_await attemptOnce(std::move(alert), std::move(photo));
+    } catch (...) {
+        // Raised: the next attempt must not find this one under way for ever.
+    }
+    attempts_.erase(id);
+    co_return outcome;
+}
+
+Async<AlertUploader::Outcome> AlertUploader::attemptOnce(AlertEvent alert, std::optional<Bytes> photo)
+{
+    const UUID id = alert.id;
     Outcome outcome = Outcome::uploaded;
     try {
         co_await AsyncTimeout::run(actor_, cloudTimeLimit, cloud_.uploadAlert(std::move(alert), std::move(photo)));
@@ -61,8 +75,6 @@ Async<AlertUploader::Outcome> AlertUploader::attempt(AlertEvent alert, std::opti
         outcome = Outcome::timedOut;
     } catch (const std::exception& error) {
         outcome = noteFailure(id, error);
-    } catch (...) {
-        outcome = Outcome::failed; // raised; the next attempt must not find this one under way for ever
     }
     if (outcome == Outcome::timedOut) {
         // The catalog may have taken too long, after the server had confirmed the alert.
@@ -70,18 +82,17 @@ Async<AlertUploader::Outcome> AlertUploader::attempt(AlertEvent alert, std::opti
         outcome = isConfirmed ? Outcome::uploaded : noteFailure(id, AsyncTimeout::TimedOut{});
     }
     if (outcome == Outcome::uploaded) {
-        journal_.note(events::AlertUploaded{id.text()});
+        quietly([&] { journal_.note(events::AlertUploaded{id.text()}); });
     }
-    attempts_.erase(id);
     co_return outcome;
 }
 
 AlertUploader::Outcome AlertUploader::noteFailure(const UUID& id, const std::exception& error)
 {
-    cloud_.recordSyncFailure(error);
+    quietly([&] { cloud_.recordSyncFailure(error); });
     const ports::CloudError* const cloudError = cloudKitErrorOf(error);
     const std::int64_t code = cloudError != nullptr ? cloudError->code : 0;
-    journal_.note(events::AlertUploadFailed{id.text(), code, cloud_.userFacingMessage(error)});
+    quietly([&] { journal_.note(events::AlertUploadFailed{id.text(), code, cloud_.userFacingMessage(error)}); });
     if (isCloudKitError(error, CloudErrorCode::quotaExceeded)) {
         return Outcome::storageFull;
     }

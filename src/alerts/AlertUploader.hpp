@@ -45,6 +45,7 @@ public:
 
 private:
     Async<Outcome> attempt(AlertEvent alert, std::optional<Bytes> photo);
+    Async<Outcome> attemptOnce(AlertEvent alert, std::optional<Bytes> photo);
     Outcome noteFailure(const UUID& id, const std::exception& error);
 
     MainActor actor_;

@@ -4,7 +4,7 @@
 #include "cloud/AsyncTimeout.hpp"
 #include "cloud/CloudErrors.hpp"
 #include "cloud/CloudTimeLimit.hpp"
-#include "ports/Language.hpp"
+#include "core/LocalizedText.hpp"
 #include "ports/WallClock.hpp"
 #include "runtime/AssertOnMainActor.hpp"
 #include "runtime/CurrentTask.hpp"
@@ -194,7 +194,7 @@ void MacAlertsService::refreshStorageNotice()
 {
     assertOnMainActor(actor_);
     const auto notice = storageNotice();
-    infoMessage = notice ? std::optional{ports_.language.localized(*notice)} : std::nullopt;
+    infoMessage = notice ? std::optional{localizedInAnyCase(ports_.language, *notice)} : std::nullopt;
 }
 
 std::optional<std::string> MacAlertsService::storageNotice()

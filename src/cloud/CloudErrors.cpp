@@ -2,8 +2,8 @@
 
 #include "cloud/AsyncTimeout.hpp"
 #include "cloud/CloudKitServiceError.hpp"
+#include "core/LocalizedText.hpp"
 #include "ports/CloudError.hpp"
-#include "ports/Language.hpp"
 
 #include <algorithm>
 #include <array>
@@ -71,7 +71,7 @@ bool asksForPassword(std::string description)
 std::string messageOfCloudKit(const CloudError& error, AccountStatus status, ports::Language& language)
 {
     if (error.code == CloudErrorCode::partialFailure) {
-        const std::string unknown = language.localized(unknownMessage);
+        const std::string unknown = localizedInAnyCase(language, unknownMessage);
         for (const auto& [name, item] : error.itemErrors) {
             std::string message = userFacingMessage(item, status, language);
             if (message != unknown) {
@@ -80,9 +80,9 @@ std::string messageOfCloudKit(const CloudError& error, AccountStatus status, por
         }
     }
     if (isRefusal(error) && status != CloudAccountStatus::noAccount) {
-        return language.localized(passwordMessage);
+        return localizedInAnyCase(language, passwordMessage);
     }
-    return language.localized(messageOfCode(error.code));
+    return localizedInAnyCase(language, messageOfCode(error.code));
 }
 
 } // namespace
@@ -137,10 +137,10 @@ std::string userFacingMessage(const std::exception& error, AccountStatus status,
 {
     if (const auto* const own = dynamic_cast<const CloudKitServiceError*>(&error)) {
         const bool isFixed = own->kind() != CloudKitServiceError::Kind::uploadFailed;
-        return isFixed ? language.localized(own->what()) : own->what();
+        return isFixed ? localizedInAnyCase(language, own->what()) : own->what();
     }
     if (isNetworkError(error)) {
-        return language.localized(networkMessage);
+        return localizedInAnyCase(language, networkMessage);
     }
     const CloudError* const cloudKitError = cloudKitErrorOf(error);
     // A refusal without an account has its own message, which names both devices.
@@ -148,17 +148,17 @@ std::string userFacingMessage(const std::exception& error, AccountStatus status,
         cloudKitError != nullptr && isRefusal(*cloudKitError) && status == CloudAccountStatus::noAccount;
     const auto ofAccount = status && !isRefusedStranger ? accountMessage(*status) : std::nullopt;
     if (ofAccount) {
-        return language.localized(*ofAccount);
+        return localizedInAnyCase(language, *ofAccount);
     }
     if (cloudKitError != nullptr) {
         return messageOfCloudKit(*cloudKitError, status, language);
     }
     if (asksForPassword(error.what())) {
-        return language.localized(passwordMessage);
+        return localizedInAnyCase(language, passwordMessage);
     }
     // The system describes its errors in the user's language; any other text is for developers.
     const bool isOfSystem = dynamic_cast<const CloudError*>(&error) != nullptr;
-    return isOfSystem ? error.what() : language.localized(unknownMessage);
+    return isOfSystem ? error.what() : localizedInAnyCase(language, unknownMessage);
 }
 
 } // namespace sentrel

@@ -5,9 +5,9 @@
 #include "cloud/CloudTimeLimit.hpp"
 #include "cloud/RecordMerge.hpp"
 #include "core/Events.hpp"
+#include "core/LocalizedText.hpp"
 #include "ports/HostInfo.hpp"
 #include "ports/Journal.hpp"
-#include "ports/Language.hpp"
 #include "ports/UserDefaults.hpp"
 #include "ports/WallClock.hpp"
 #include "runtime/AssertOnMainActor.hpp"
@@ -222,7 +222,7 @@ std::string CloudKitService::unavailabilityMessage() const
     // The message for a missing account names only the iPhone; the general one names both devices.
     const bool isTheirAccount = lastAccountStatus_ != ports::CloudAccountStatus::noAccount;
     const auto ofAccount = lastAccountStatus_ && isTheirAccount ? accountMessage(*lastAccountStatus_) : std::nullopt;
-    return ofAccount ? ports_.language.localized(*ofAccount) : userFacingMessage(unavailabilityError());
+    return ofAccount ? localizedInAnyCase(ports_.language, *ofAccount) : userFacingMessage(unavailabilityError());
 }
 
 Async<void> CloudKitService::uploadAlert(AlertEvent alert, std::optional<Bytes> photo)

@@ -1,6 +1,6 @@
 #include "core/TriggerReason.hpp"
 
-#include "ports/Language.hpp"
+#include "core/LocalizedText.hpp"
 
 namespace sentrel {
 
@@ -43,12 +43,12 @@ std::optional<TriggerReason> triggerReason(std::string_view text)
 
 std::string title(TriggerReason reason, ports::Language& language)
 {
-    return language.localized(textsOf(reason).title);
+    return localizedInAnyCase(language, textsOf(reason).title);
 }
 
 std::string shortTitle(TriggerReason reason, ports::Language& language)
 {
-    return language.localized(textsOf(reason).shortTitle);
+    return localizedInAnyCase(language, textsOf(reason).shortTitle);
 }
 
 } // namespace sentrel

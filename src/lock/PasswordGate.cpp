@@ -1,8 +1,8 @@
 #include "lock/PasswordGate.hpp"
 
+#include "core/LocalizedText.hpp"
 #include "ports/Alerts.hpp"
 #include "ports/ApplicationActivation.hpp"
-#include "ports/Language.hpp"
 #include "ports/LoginAuthentication.hpp"
 #include "ports/SystemConstants.hpp"
 #include "ports/WindowConstants.hpp"
@@ -67,11 +67,11 @@ Async<void> PasswordGate::showUnavailable(std::optional<std::string> why)
 {
     ports::AlertContent content;
     content.style = warningAlertStyle;
-    content.messageText = language_.localized("Authentication Unavailable");
+    content.messageText = localizedInAnyCase(language_, "Authentication Unavailable");
     content.informativeText =
         why ? std::move(*why)
-            : language_.localized(
-                  "This action requires your Mac login, but authentication is not available right now.");
+            : localizedInAnyCase(language_,
+                                 "This action requires your Mac login, but authentication is not available right now.");
     // A menu-bar application: without activation the alert would open behind other applications' windows.
     activation_.activate(true);
     co_await alerts_.runModal(std::move(content));

@@ -1,7 +1,7 @@
 #include "lock/ScreenCoverView.hpp"
 
+#include "core/LocalizedText.hpp"
 #include "foundation/TextFormat.hpp"
-#include "ports/Language.hpp"
 #include "ports/WallClock.hpp"
 #include "runtime/Sleep.hpp"
 
@@ -26,7 +26,7 @@ ScreenCoverView::ScreenCoverView(MainActor mainActor, ports::WallClock& wallCloc
       wallClock_(wallClock),
       language_(language),
       submit_(std::move(submit)),
-      message_(language.localized("This Mac is locked. Enter your passcode to unlock."))
+      message_(localizedInAnyCase(language, "This Mac is locked. Enter your passcode to unlock."))
 {
 }
 
@@ -51,8 +51,8 @@ ui::View ScreenCoverView::body()
             cover->changed();
         }
     };
-    ui::SecureField field{language_.localized("Passcode"), {passcode_, setPasscode}, submit};
-    ui::Button unlock{language_.localized("Unlock"), submit, ui::Button::Role::prominent, ui::Key::returnKey,
+    ui::SecureField field{localizedInAnyCase(language_, "Passcode"), {passcode_, setPasscode}, submit};
+    ui::Button unlock{localizedInAnyCase(language_, "Unlock"), submit, ui::Button::Role::prominent, ui::Key::returnKey,
                       std::nullopt};
     const auto messageColor = messageIsAlarm_ ? ui::Text::Color::alarm : ui::Text::Color::primary;
     ui::SizeWish messageSize;
@@ -62,7 +62,7 @@ ui::View ScreenCoverView::body()
     return ui::verticalStack(
                {
                    ui::spacer(),
-                   ui::text(language_.localized("Sentrel"), ui::Text::Style::largeTitle),
+                   ui::text(localizedInAnyCase(language_, "Sentrel"), ui::Text::Style::largeTitle),
                    ui::text(message_, ui::Text::Style::body, messageColor).id("message").sized(messageSize),
                    ui::view(std::move(field)).id("passcode").sized(fieldSize).focused({isFieldFocused_, setFocused}),
                    ui::view(std::move(unlock)).id("unlock"),
@@ -106,7 +106,7 @@ void ScreenCoverView::act(const PasscodeUnlockOutcome& outcome)
         break;
     case PasscodeUnlockOutcome::Case::triggered:
         messageIsAlarm_ = true;
-        message_ = language_.localized("Incorrect passcode. The alarm has been triggered.");
+        message_ = localizedInAnyCase(language_, "Incorrect passcode. The alarm has been triggered.");
         isFieldFocused_ = true;
         break;
     case PasscodeUnlockOutcome::Case::lockedOut:
@@ -126,7 +126,7 @@ void ScreenCoverView::startCountdown()
 
 Async<void> ScreenCoverView::countDown()
 {
-    const std::string format = language_.localized("Too many attempts. Try again in %lld seconds.");
+    const std::string format = localizedInAnyCase(language_, "Too many attempts. Try again in %lld seconds.");
     for (;;) {
         const double seconds = std::ceil(lockoutEndDate_->secondsSince(wallClock_.now()));
         if (seconds < 1.0) {

@@ -182,7 +182,7 @@ bool AlertPipeline::saveLocally(const AlertEvent& alert, const std::optional<Byt
     return true;
 }
 
-/// An upload that throws leaves its alert waiting for the next catch-up.
+/// An upload that throws leaves its alert to the next catch-up, which begins at once and repeats itself.
 Async<void> AlertPipeline::uploadInAnyCase(AlertEvent alert, std::optional<Bytes> photo, bool wasAvailable)
 {
     const UUID id = alert.id;
@@ -193,6 +193,7 @@ Async<void> AlertPipeline::uploadInAnyCase(AlertEvent alert, std::optional<Bytes
         ports_.journal.note(events::UploadRaised{id.text()});
     }
     quietly([&] { with_.store.setPendingUpload(id); });
+    quietly([this] { with_.list.catchUpIfOwed(); });
 }
 
 Async<void> AlertPipeline::upload(AlertEvent alert, std::optional<Bytes> photo, bool wasAvailable)

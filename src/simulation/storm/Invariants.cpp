@@ -270,9 +270,8 @@ Finding everyDisplayIsCovered(const Instants& is)
     if (since == never || is.now.at - since <= settling) {
         return std::nullopt;
     }
-    // A cover shows text, so that it waits for the language as well.
-    const bool isBroken = is.past.hasHung || is.past.hadTrouble({"displays", "language"}, since - settling) ||
-                          is.past.hadTrouble({"displays", "language"}, is.past.displaysAt - settling);
+    const bool isBroken = is.past.hasHung || is.past.hadTrouble({"displays"}, since - settling) ||
+                          is.past.hadTrouble({"displays"}, is.past.displaysAt - settling);
     if (!isBroken) {
         return std::to_string(is.now.covers) + " of " + std::to_string(is.now.displays) + " displays are covered";
     }

@@ -157,6 +157,22 @@ TEST(PortFailures, NoCallThatHangsSilencesTheAlarmOrOffTheMainThreadLosesAnAlert
     expectTheAlarmToDoItsWorkWhicheverCallMeets(Fate::hangs);
 }
 
+TEST(PortFailures, OnceAPortHasCeasedToRaiseTheAlertReachesTheCloudUnasked)
+{
+    const std::size_t ports = StruckTheft{}.mac().faults().size();
+    for (std::size_t number = 0; number < ports; ++number) {
+        StruckTheft theft;
+        const auto [port, faults] = theft.mac().faults()[number];
+        faults->set("raises");
+        theft.trigger(TriggerReason::unplugged);
+        theft.advance(10s);
+        faults->clear();
+        theft.advance(2min);
+        EXPECT_EQ(theft.inCloud(), 1U) << port;
+        EXPECT_EQ(theft.onDisk(), 0U) << port;
+    }
+}
+
 TEST(PortFailures, ACameraThatHangsCostsThirtySecondsOnce)
 {
     StruckTheft theft;
