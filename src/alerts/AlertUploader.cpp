@@ -4,7 +4,6 @@
 #include "cloud/CloudErrors.hpp"
 #include "cloud/CloudTimeLimit.hpp"
 #include "core/Events.hpp"
-#include "foundation/Quietly.hpp"
 #include "ports/CloudError.hpp"
 #include "ports/Journal.hpp"
 
@@ -82,17 +81,17 @@ Async<AlertUploader::Outcome> AlertUploader::attemptOnce(AlertEvent alert, std::
         outcome = isConfirmed ? Outcome::uploaded : noteFailure(id, AsyncTimeout::TimedOut{});
     }
     if (outcome == Outcome::uploaded) {
-        quietly([&] { journal_.note(events::AlertUploaded{id.text()}); });
+        journal_.note(events::AlertUploaded{id.text()});
     }
     co_return outcome;
 }
 
 AlertUploader::Outcome AlertUploader::noteFailure(const UUID& id, const std::exception& error)
 {
-    quietly([&] { cloud_.recordSyncFailure(error); });
+    cloud_.recordSyncFailure(error);
     const ports::CloudError* const cloudError = cloudKitErrorOf(error);
     const std::int64_t code = cloudError != nullptr ? cloudError->code : 0;
-    quietly([&] { journal_.note(events::AlertUploadFailed{id.text(), code, cloud_.userFacingMessage(error)}); });
+    journal_.note(events::AlertUploadFailed{id.text(), code, cloud_.userFacingMessage(error)});
     if (isCloudKitError(error, CloudErrorCode::quotaExceeded)) {
         return Outcome::storageFull;
     }

@@ -82,11 +82,11 @@ void CloudKitConnectionMonitor::apply(ports::NetworkPathStatus status, std::int6
         return;
     }
     lastAppliedPathSequence_ = sequence;
-    cloud_.networkPathChanged(status == ports::NetworkPathStatus::satisfied);
     if (debouncedPathTask_) {
         debouncedPathTask_.cancel();
     }
     debouncedPathTask_ = actor_.spawn(debounce(anchor_.weak()));
+    cloud_.networkPathChanged(status == ports::NetworkPathStatus::satisfied);
 }
 
 Async<void> CloudKitConnectionMonitor::debounce(Weak<CloudKitConnectionMonitor> weak)

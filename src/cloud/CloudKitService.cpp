@@ -6,6 +6,7 @@
 #include "cloud/RecordMerge.hpp"
 #include "core/Events.hpp"
 #include "core/LocalizedText.hpp"
+#include "foundation/Quietly.hpp"
 #include "ports/HostInfo.hpp"
 #include "ports/Journal.hpp"
 #include "ports/UserDefaults.hpp"
@@ -180,10 +181,10 @@ void CloudKitService::recordSyncFailure(const std::exception& error)
     lastSyncError = userFacingMessage(error);
     if (isNetworkError(error)) {
         isReachable = false;
-        trustAvailabilityAtMost(secondsOfFailure);
+        quietly([this] { trustAvailabilityAtMost(secondsOfFailure); });
     }
     if (isThrottlingError(error)) {
-        requestBackoff_.recordFailure(cloudKitErrorOf(error)->retryAfter, ports_.wallClock.now());
+        quietly([&] { requestBackoff_.recordFailure(cloudKitErrorOf(error)->retryAfter, ports_.wallClock.now()); });
     }
 }
 
