@@ -145,7 +145,7 @@ void Chronicle::addCause(std::string reason, bool isCertain)
 void Chronicle::willDo(double now, const Deed& deed, const Sight& before)
 {
     at = deedAt = now;
-    mayBeTroubled_ = true;
+    mayBeTroubled_ = hasActed_ = true;
     const auto mark = [now](bool happens, double& when) {
         if (happens) {
             when = now;
@@ -216,8 +216,13 @@ void Chronicle::noteTroubles()
     const std::vector<CallFault> waiting = session_.plannedFaults().waiting();
     CloudLink& link = session_.mac().iCloud.link;
     mayBeTroubled_ = link.latency() > longestAnswer || !link.faults().all().empty();
-    bool hasPlan = at == deedAt;
+    // Only deeds set faults.
+    const bool isDeed = std::exchange(hasActed_, false);
+    bool hasPlan = isDeed;
     for (Port& port : ports_) {
+        if (!isDeed && !port.wasBroken && !port.wasStruck) {
+            continue;
+        }
         const bool isBroken = port.switches->isAnySet();
         const bool isStruck =
             !waiting.empty() && std::ranges::find(waiting, port.name, &CallFault::port) != waiting.end();

@@ -202,6 +202,7 @@ private:
     std::optional<std::map<UUID, SeenRow>> listBeforeDeletion_;
     SeenAlerts diskBeforeDeletion_;
     bool mayBeTroubled_ = true;
+    bool hasActed_ = true; ///< somebody, since the last look
     bool wasOnAC_ = true;
     bool wasLidClosed_ = false;
     double lidOpenedAt_ = never;
