@@ -4,6 +4,18 @@ import assert from "node:assert/strict";
 import test from "node:test";
 import { sitDown } from "./support/sitting.js";
 
+/// Notes the captions as they come: each stays for some seconds only, which a busy browser may let pass between two
+/// looks. Returns a function that waits for a text in one, with its language before it.
+async function noteCaptions(desk) {
+    await desk.page.evaluate(() => {
+        const caption = document.querySelector("#caption");
+        window.captions = [];
+        const note = () => window.captions.push(`${caption.lang}: ${caption.textContent}`);
+        new MutationObserver(note).observe(caption, { childList: true, characterData: true, subtree: true });
+    });
+    return (text) => desk.page.waitForFunction((text) => window.captions.some((each) => each.includes(text)), text);
+}
+
 test("a stranger steals the Mac in three steps, by keyboard, and is not bothered again", async (t) => {
     const desk = await sitDown(t, { browser: { isFirstVisit: true } });
     const { keyboard } = desk.page;
@@ -60,13 +72,13 @@ test("the guide points at what is to be used, covers nothing of it, and can be s
 test("a theft plays with captions, the phone tells of it, and a new Mac knows nothing of it", async (t) => {
     const desk = await sitDown(t, { isKept: false });
     await desk.button("Closed", desk.hardware).click();
+    const caption = await noteCaptions(desk);
     await desk.button("Play a theft").click();
-    const caption = desk.page.locator("#caption");
-    await caption.getByText("goes for a second coffee").waitFor();
+    await caption("goes for a second coffee");
     await desk.screen.getByText("The lid is closed.").waitFor({ state: "hidden" });
-    await caption.getByText("pulls the charger").waitFor();
+    await caption("pulls the charger");
     await desk.phone.getByRole("status").getByText("Unplugged on Maya's MacBook Pro").waitFor();
-    await caption.getByText("snaps the lid shut").waitFor();
+    await caption("snaps the lid shut");
     await desk.screen.getByText("The lid is closed.").waitFor();
     await desk.button("Stop the theft").click();
     await desk.button("Play a theft").waitFor();
@@ -81,8 +93,9 @@ test("a theft plays with captions, the phone tells of it, and a new Mac knows no
 
 test("a theft plays in the language of the Mac, of which no caption is missing", async (t) => {
     const desk = await sitDown(t, { isKept: false, language: "de_DE" });
+    const caption = await noteCaptions(desk);
     await desk.button("Play a theft").click();
-    await desk.page.locator("#caption[lang=de-DE]").getByText("Jemand setzt sich an ihren Tisch").waitFor();
+    await caption("de-DE: Jemand setzt sich an ihren Tisch");
     const counts = await desk.page.evaluate(async () => {
         const [{ captions }, { captionsFor }] = await Promise.all([import("/theft.js"), import("/captions.js")]);
         const all = ["de", "fr-CA", "es", "ja", "zh-Hans", "zh-CN"].map((tag) => captionsFor(tag).filter(Boolean).length);

@@ -44,8 +44,9 @@ void ProgressLine::reached(double at)
     }
     next_ = now + pause;
     isShown_ = true;
-    terminal_ << "\r  Playing: " << clockText(at) << " of " << clockText(seconds_) << ", "
-              << percent(seconds_ > 0.0 ? std::min(at / seconds_, 1.0) : 1.0) << "\x1b[K" << std::flush;
+    // In one piece, because standard error writes each piece at once, and half a line flickers.
+    const std::string share = percent(seconds_ > 0.0 ? std::min(at / seconds_, 1.0) : 1.0);
+    terminal_ << "\r  Playing: " + clockText(at) + " of " + clockText(seconds_) + ", " + share + "\x1b[K" << std::flush;
 }
 
 void ProgressLine::happened(const Event& /*event*/)
