@@ -21,6 +21,9 @@ namespace {
 constexpr std::uint32_t directoryMode = 0700;
 constexpr std::uint32_t fileMode = 0600;
 
+constexpr const char* alertExtension = ".json";
+constexpr const char* photoExtension = ".jpg";
+
 std::filesystem::path storeDirectory(ports::HostInfo& host)
 {
     const auto support = host.applicationSupportDirectory();
@@ -45,7 +48,8 @@ bool isLeftover(const std::filesystem::path& name)
 {
     const std::filesystem::path target = name.stem();
     return name.extension() == ports::temporaryExtension &&
-           (target.extension() == ".json" || target.extension() == ".jpg") && UUID::parse(target.stem().string());
+           (target.extension() == alertExtension || target.extension() == photoExtension) &&
+           UUID::parse(target.stem().string());
 }
 
 std::optional<StoredAlert> alertIn(BytesView content)
@@ -155,7 +159,7 @@ std::optional<StoredAlert> LocalAlertStore::storedAlert(const UUID& id)
 
 std::filesystem::path LocalAlertStore::photoFile(const UUID& id)
 {
-    return fileNamed(id, ".jpg");
+    return fileNamed(id, photoExtension);
 }
 
 void LocalAlertStore::remove(const UUID& id)
@@ -163,8 +167,8 @@ void LocalAlertStore::remove(const UUID& id)
     if (index_) {
         index_->erase(id);
     }
-    const bool isGone = removeFile(pathOf(directory_, id, ".json"));
-    if (removeFile(pathOf(directory_, id, ".jpg")) && isGone) {
+    const bool isGone = removeFile(pathOf(directory_, id, alertExtension));
+    if (removeFile(pathOf(directory_, id, photoExtension)) && isGone) {
         removed_.erase(id);
     } else {
         removed_.insert(id);
@@ -192,7 +196,7 @@ void LocalAlertStore::remove(const std::unordered_set<UUID>& ids)
 
 std::filesystem::path LocalAlertStore::alertFile(const UUID& id)
 {
-    return fileNamed(id, ".json");
+    return fileNamed(id, alertExtension);
 }
 
 std::filesystem::path LocalAlertStore::fileNamed(const UUID& id, const char* extension)
@@ -254,7 +258,7 @@ LocalAlertStore::Folder LocalAlertStore::readFolder(ports::FileSystem& files, co
         if (isLeftover(name)) {
             folder.leftovers.push_back(name.string());
         }
-        if (name.extension() != ".json") {
+        if (name.extension() != alertExtension) {
             continue;
         }
         const auto content = files.read(directory / name);

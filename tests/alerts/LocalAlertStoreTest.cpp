@@ -204,7 +204,7 @@ TEST_F(LocalAlertStoreTest, WhatCouldNotBeReadIsReadLater)
 
 TEST_F(LocalAlertStoreTest, WhatCouldNotBeRemovedIsRemovedLaterAndIsNotBackBefore)
 {
-    // Of the alert's file, and the photo's.
+    // The alert's file can't be removed; neither file can; both calls raise.
     for (const auto& [fault, failures] : {std::pair{"remove", 1}, std::pair{"remove", 2}, std::pair{"raises", 2}}) {
         LocalAlertStore removing = store();
         removing.save(alert(1, 1), photo, true);

@@ -23,6 +23,12 @@ constexpr Duration longestAnswer = std::chrono::seconds{5};
 /// Seconds for which a change of the machine may go unnoticed: the sensors are polled every 5 s.
 constexpr double longestNotice = 6.0;
 
+/// Whether something that last happened at this time, or `never`, has happened since another.
+bool hasHappened(double last, double since)
+{
+    return last != never && last >= since;
+}
+
 } // namespace
 
 Chronicle::Chronicle(MacSession& session) : session_(session)
@@ -42,31 +48,20 @@ const Chronicle::Port& Chronicle::port(std::string_view name) const
     return *found;
 }
 
-double Chronicle::lastTrouble(std::string_view name) const
-{
-    return port(name).lastTrouble;
-}
-
 bool Chronicle::hadTrouble(std::initializer_list<std::string_view> names, double since) const
 {
-    return std::ranges::any_of(names, [&](std::string_view name) {
-        const double last = lastTrouble(name);
-        return last != never && last >= since;
-    });
+    return std::ranges::any_of(names,
+                               [&](std::string_view name) { return hasHappened(port(name).lastTrouble, since); });
 }
 
 bool Chronicle::hadTrouble(double since) const
 {
-    return std::ranges::any_of(
-        ports_, [since](const auto& port) { return port.lastTrouble != never && port.lastTrouble >= since; });
+    return std::ranges::any_of(ports_, [since](const Port& port) { return hasHappened(port.lastTrouble, since); });
 }
 
 bool Chronicle::wasBroken(std::initializer_list<std::string_view> names, double since) const
 {
-    return std::ranges::any_of(names, [&](std::string_view name) {
-        const double last = port(name).lastBroken;
-        return last != never && last >= since;
-    });
+    return std::ranges::any_of(names, [&](std::string_view name) { return hasHappened(port(name).lastBroken, since); });
 }
 
 std::size_t Chronicle::hungPorts(std::initializer_list<std::string_view> names) const
@@ -104,7 +99,7 @@ void Chronicle::happened(const Event& event)
     } else if (name == "power.changed") {
         const bool isOnAC = session_.mac().power.isOnAC().value_or(wasOnAC_);
         if (std::exchange(wasOnAC_, isOnAC) && !isOnAC) {
-            const bool isSeen = settings_ && settings_->triggerOnUnplugged && lastTrouble("power-sources") < at - 10.0;
+            const bool isSeen = settings_ && settings_->triggerOnUnplugged && !hadTrouble({"power-sources"}, at - 10.0);
             addCause("unplugged", isSeen);
         } else if (isOnAC) {
             for (Cause& cause : causes) {

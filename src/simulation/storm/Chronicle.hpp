@@ -128,9 +128,6 @@ public:
     std::optional<std::size_t> timersAtRest; ///< in the first calm of a disarmed Mac
     std::optional<std::size_t> memoryAtRest; ///< bytes, likewise
 
-    /// When the port last had a fault; now if it has one.
-    [[nodiscard]] double lastTrouble(std::string_view name) const;
-
     /// Whether one of the ports had a fault since that time.
     [[nodiscard]] bool hadTrouble(std::initializer_list<std::string_view> names, double since) const;
     /// Whether anything had a fault since that time.
