@@ -1,7 +1,7 @@
 #include "app/CloudCatchUp.hpp"
 
 #include "alerts/MacAlertsService.hpp"
-#include "core/coordinator/AlarmCoordinator.hpp"
+#include "coordinator/AlarmCoordinator.hpp"
 
 #include <utility>
 

@@ -4,8 +4,8 @@
 #include "app/WholeNumber.hpp"
 #include "cloud/CloudKitService.hpp"
 #include "cloud/MacPresenceService.hpp"
+#include "coordinator/AlarmCoordinator.hpp"
 #include "core/SettingsStore.hpp"
-#include "core/coordinator/AlarmCoordinator.hpp"
 #include "foundation/TextFormat.hpp"
 #include "ports/Language.hpp"
 

@@ -1,6 +1,6 @@
 #include "app/MenuBarLabel.hpp"
 
-#include "core/coordinator/AlarmCoordinator.hpp"
+#include "coordinator/AlarmCoordinator.hpp"
 #include "ports/Language.hpp"
 
 namespace sentrel {

@@ -3,8 +3,8 @@
 #include "app/ProtectedActions.hpp"
 #include "app/ViewParts.hpp"
 #include "app/WindowHooks.hpp"
+#include "coordinator/AlarmCoordinator.hpp"
 #include "core/SettingsStore.hpp"
-#include "core/coordinator/AlarmCoordinator.hpp"
 #include "ports/Language.hpp"
 
 #include <utility>

@@ -1,7 +1,7 @@
 #include "app/SentrelScenes.hpp"
 
+#include "coordinator/AlarmCoordinator.hpp"
 #include "core/SettingsStore.hpp"
-#include "core/coordinator/AlarmCoordinator.hpp"
 #include "foundation/Quietly.hpp"
 #include "ports/Application.hpp"
 #include "ports/Language.hpp"

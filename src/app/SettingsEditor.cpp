@@ -3,8 +3,8 @@
 #include "app/ProtectedActions.hpp"
 #include "app/ProtectedSettings.hpp"
 #include "app/SpacedCheckboxToggle.hpp"
+#include "coordinator/AlarmCoordinator.hpp"
 #include "core/SettingsStore.hpp"
-#include "core/coordinator/AlarmCoordinator.hpp"
 
 #include <algorithm>
 #include <cmath>

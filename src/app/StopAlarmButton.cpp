@@ -2,7 +2,7 @@
 
 #include "app/ProtectedActions.hpp"
 #include "app/ViewParts.hpp"
-#include "core/coordinator/AlarmCoordinator.hpp"
+#include "coordinator/AlarmCoordinator.hpp"
 #include "ports/Language.hpp"
 
 namespace sentrel {

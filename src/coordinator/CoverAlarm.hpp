@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/coordinator/AlarmCoordinator.hpp"
+#include "coordinator/AlarmCoordinator.hpp"
 #include "lock/ScreenCoverAlarm.hpp"
 
 namespace sentrel {

@@ -1,4 +1,4 @@
-#include "core/coordinator/AlarmCoordinator.hpp"
+#include "coordinator/AlarmCoordinator.hpp"
 
 #include "alerts/LocalAlertStore.hpp"
 #include "cloud/AsyncTimeout.hpp"

@@ -1,4 +1,4 @@
-#include "core/coordinator/AlertPipeline.hpp"
+#include "coordinator/AlertPipeline.hpp"
 
 #include "alerts/AlertUploader.hpp"
 #include "alerts/LocalAlertStore.hpp"

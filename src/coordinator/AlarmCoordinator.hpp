@@ -1,8 +1,8 @@
 #pragma once
 
+#include "coordinator/AlertPipeline.hpp"
 #include "core/SettingsStore.hpp"
 #include "core/TriggerReason.hpp"
-#include "core/coordinator/AlertPipeline.hpp"
 #include "runtime/MainActor.hpp"
 #include "runtime/Observable.hpp"
 #include "runtime/Weak.hpp"

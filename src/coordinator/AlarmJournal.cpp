@@ -1,7 +1,7 @@
-#include "core/coordinator/AlarmJournal.hpp"
+#include "coordinator/AlarmJournal.hpp"
 
+#include "coordinator/AlarmCoordinator.hpp"
 #include "core/Events.hpp"
-#include "core/coordinator/AlarmCoordinator.hpp"
 #include "ports/Journal.hpp"
 
 namespace sentrel {
