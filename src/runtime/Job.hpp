@@ -34,7 +34,8 @@ private:
     JobList* list_ = nullptr;
 };
 
-/// A first-in, first-out list of jobs, linked through the jobs themselves. No lock of its own.
+/// A first-in, first-out list of jobs, linked through the jobs themselves. No lock of its own. In the header, because
+/// every job passes through several of these.
 class JobList {
 public:
     JobList() = default;
@@ -44,13 +45,37 @@ public:
     [[nodiscard]] bool empty() const { return first_ == nullptr; }
     [[nodiscard]] const Job* first() const { return first_; }
 
-    void append(Job& job);
+    void append(Job& job)
+    {
+        job.previous_ = last_;
+        job.next_ = nullptr;
+        job.list_ = this;
+        (last_ != nullptr ? last_->next_ : first_) = &job;
+        last_ = &job;
+    }
 
     /// Takes the oldest job out; null when there is none.
-    Job* popFirst();
+    Job* popFirst()
+    {
+        Job* const job = first_;
+        if (job != nullptr) {
+            remove(*job);
+        }
+        return job;
+    }
 
     /// Takes the job out; false when it doesn't wait here.
-    bool remove(Job& job);
+    bool remove(Job& job)
+    {
+        if (job.list_ != this) {
+            return false;
+        }
+        (job.previous_ != nullptr ? job.previous_->next_ : first_) = job.next_;
+        (job.next_ != nullptr ? job.next_->previous_ : last_) = job.previous_;
+        job.previous_ = job.next_ = nullptr;
+        job.list_ = nullptr;
+        return true;
+    }
 
 private:
     Job* first_ = nullptr;

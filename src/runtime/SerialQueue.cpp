@@ -25,8 +25,8 @@ void SerialQueue::post(Job& job)
 {
     const std::lock_guard guard{mutex_};
     pending_.append(job);
-    if (!isBusy_) {
-        isBusy_ = true;
+    if (!isTurnPosted_) {
+        isTurnPosted_ = true;
         executor_->post(turn_);
     }
 }
@@ -39,27 +39,21 @@ bool SerialQueue::withdraw(Job& job)
 
 void SerialQueue::takeTurn()
 {
+    if (holder_ != nullptr) {
+        isTurnOwed_ = true;
+        return;
+    }
     Job* job = nullptr;
     {
         const std::lock_guard guard{mutex_};
         job = pending_.popFirst();
+        isTurnPosted_ = !pending_.empty();
+        if (isTurnPosted_) {
+            executor_->post(turn_); // runs after this job, on the same executor
+        }
     }
-    inTurn_ = true;
     if (job != nullptr) {
         job->run();
-    }
-    inTurn_ = false;
-    if (holder_ == nullptr) {
-        advance();
-    }
-}
-
-void SerialQueue::advance()
-{
-    const std::lock_guard guard{mutex_};
-    isBusy_ = !pending_.empty();
-    if (isBusy_) {
-        executor_->post(turn_);
     }
 }
 
@@ -71,8 +65,8 @@ void SerialQueue::taskBegan(TaskState& task)
 void SerialQueue::taskFinished()
 {
     holder_ = nullptr;
-    if (!inTurn_) {
-        advance();
+    if (std::exchange(isTurnOwed_, false)) {
+        executor_->post(turn_);
     }
 }
 

@@ -98,7 +98,6 @@ private:
     void stop() override { executor_->stop(); }
     Async<void> performLater(Duration delay, std::shared_ptr<WorkItem> item);
     void takeTurn();
-    void advance();
     void taskBegan(TaskState& task) override;
     void taskFinished() override;
 
@@ -106,11 +105,11 @@ private:
     const std::string label_;
     std::mutex mutex_;
     JobList pending_;
-    bool isBusy_ = false;
+    bool isTurnPosted_ = false; ///< or owed
     std::optional<TaskBag> delayed_{std::in_place};
     // Touched on the queue's executor only.
     TaskState* holder_ = nullptr;
-    bool inTurn_ = false;
+    bool isTurnOwed_ = false; ///< came while a coroutine held the queue
     Turn turn_{*this};
     std::unique_ptr<Executor> executor_;
 };

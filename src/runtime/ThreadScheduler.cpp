@@ -152,7 +152,7 @@ private:
 
     std::mutex mutex_;
     std::condition_variable changed_;
-    TimerHeap timers_;
+    TimerList timers_;
     std::uint64_t armed_ = 0;
     bool isStopped_ = false;
     std::thread thread_;

@@ -1,94 +1,57 @@
 #include "runtime/Timer.hpp"
 
-#include <utility>
+#include <algorithm>
 
 namespace sentrel {
 
-void TimerHeap::add(Timer& timer, Instant deadline, std::uint64_t order)
+void TimerList::add(Timer& timer, Instant deadline, std::uint64_t order)
 {
     timer.deadline_ = deadline;
     timer.order_ = order;
-    timer.place_ = timers_.size();
-    timers_.push_back(&timer);
-    siftUp(timer.place_);
+    timer.isArmed_ = true;
+    timers_.insert(find(deadline, order), {deadline, order, &timer});
 }
 
-bool TimerHeap::remove(Timer& timer)
+bool TimerList::remove(Timer& timer)
 {
-    const std::size_t place = timer.place_;
-    if (place >= timers_.size() || timers_[place] != &timer) {
+    if (!timer.isArmed_) {
         return false;
     }
-    swapPlaces(place, timers_.size() - 1);
-    timers_.pop_back();
-    timer.place_ = Timer::notArmed;
-    if (place < timers_.size()) {
-        siftUp(place);
-        siftDown(place);
-    }
+    timers_.erase(find(timer.deadline_, timer.order_));
+    timer.isArmed_ = false;
     return true;
 }
 
-std::optional<Instant> TimerHeap::earliest() const
+std::optional<Instant> TimerList::earliest() const
 {
     if (timers_.empty()) {
         return std::nullopt;
     }
-    return timers_.front()->deadline_;
+    return earliestDeadline();
 }
 
-void TimerHeap::fireEarliest()
+void TimerList::fireEarliest()
 {
-    Timer& timer = *timers_.front();
-    remove(timer);
+    Timer& timer = *timers_.back().timer;
+    timers_.pop_back();
+    timer.isArmed_ = false;
     timer.fire();
 }
 
-void TimerHeap::clear()
+void TimerList::clear()
 {
-    for (Timer* timer : timers_) {
-        timer->place_ = Timer::notArmed;
+    for (const Armed& armed : timers_) {
+        armed.timer->isArmed_ = false;
     }
     timers_.clear();
 }
 
-bool TimerHeap::isBefore(std::size_t left, std::size_t right) const
+std::vector<TimerList::Armed>::iterator TimerList::find(Instant deadline, std::uint64_t order)
 {
-    const Timer& a = *timers_[left];
-    const Timer& b = *timers_[right];
-    return a.deadline_ != b.deadline_ ? a.deadline_ < b.deadline_ : a.order_ < b.order_;
-}
-
-void TimerHeap::swapPlaces(std::size_t left, std::size_t right)
-{
-    std::swap(timers_[left], timers_[right]);
-    timers_[left]->place_ = left;
-    timers_[right]->place_ = right;
-}
-
-void TimerHeap::siftUp(std::size_t place)
-{
-    while (place > 0 && isBefore(place, (place - 1) / 2)) {
-        swapPlaces(place, (place - 1) / 2);
-        place = (place - 1) / 2;
-    }
-}
-
-void TimerHeap::siftDown(std::size_t place)
-{
-    for (;;) {
-        std::size_t least = place;
-        for (const std::size_t child : {2 * place + 1, 2 * place + 2}) {
-            if (child < timers_.size() && isBefore(child, least)) {
-                least = child;
-            }
-        }
-        if (least == place) {
-            return;
-        }
-        swapPlaces(place, least);
-        place = least;
-    }
+    const auto isLater = [&](const Armed& armed) {
+        return armed.deadline != deadline ? armed.deadline > deadline : armed.order > order;
+    };
+    return std::ranges::partition_point(timers_, isLater);
 }
 
 } // namespace sentrel

@@ -4,15 +4,14 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <limits>
 #include <optional>
 #include <vector>
 
 namespace sentrel {
 
-class TimerHeap;
+class TimerList;
 
-/// A deadline that waits in a scheduler. It carries its own place there, so that cancelling needs no search.
+/// A deadline that waits in a scheduler. It knows by what it is ordered there, so that cancelling finds it quickly.
 class Timer {
 public:
     Timer() = default;
@@ -26,17 +25,18 @@ protected:
     virtual void fire() = 0;
 
 private:
-    friend class TimerHeap;
-    static constexpr std::size_t notArmed = std::numeric_limits<std::size_t>::max();
+    friend class TimerList;
     Instant deadline_;
     std::uint64_t order_ = 0;
-    std::size_t place_ = notArmed;
+    bool isArmed_ = false;
 };
 
-/// The armed timers of a scheduler, earliest first, and in arming order where deadlines are equal. No lock of its own.
-class TimerHeap {
+/// The armed timers of a scheduler, in arming order where deadlines are equal. No lock of its own. A sorted array,
+/// since a process has few timers: the earliest, which is the next to go, is the last element, and a timer that is due
+/// soon moves few others.
+class TimerList {
 public:
-    /// Arms the timer. Equal deadlines fire in ascending `order`.
+    /// Arms the timer. Equal deadlines fire in ascending `order`, which is different for each arming.
     void add(Timer& timer, Instant deadline, std::uint64_t order);
 
     /// Takes the timer out; false when it isn't in.
@@ -44,27 +44,31 @@ public:
 
     [[nodiscard]] std::optional<Instant> earliest() const;
 
-    /// Deadline of the earliest timer. The heap isn't empty.
-    [[nodiscard]] Instant earliestDeadline() const { return timers_.front()->deadline_; }
+    /// Deadline of the earliest timer. The list isn't empty.
+    [[nodiscard]] Instant earliestDeadline() const { return timers_.back().deadline; }
 
     [[nodiscard]] std::size_t size() const { return timers_.size(); }
 
-    /// Order number of the earliest timer. The heap isn't empty.
-    [[nodiscard]] std::uint64_t earliestOrder() const { return timers_.front()->order_; }
+    /// Order number of the earliest timer. The list isn't empty.
+    [[nodiscard]] std::uint64_t earliestOrder() const { return timers_.back().order; }
 
-    /// Takes the earliest timer out and fires it. The heap isn't empty.
+    /// Takes the earliest timer out and fires it. The list isn't empty.
     void fireEarliest();
 
     /// Forgets all timers without firing them.
     void clear();
 
 private:
-    [[nodiscard]] bool isBefore(std::size_t left, std::size_t right) const;
-    void swapPlaces(std::size_t left, std::size_t right);
-    void siftUp(std::size_t place);
-    void siftDown(std::size_t place);
+    struct Armed {
+        Instant deadline;
+        std::uint64_t order;
+        Timer* timer;
+    };
 
-    std::vector<Timer*> timers_;
+    /// The first that is not later.
+    [[nodiscard]] std::vector<Armed>::iterator find(Instant deadline, std::uint64_t order);
+
+    std::vector<Armed> timers_; // latest first
 };
 
 } // namespace sentrel

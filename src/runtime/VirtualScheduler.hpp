@@ -97,7 +97,7 @@ private:
     std::uint64_t armed_ = 0;
     std::uint64_t turns_ = 0;
     std::uint64_t turnsAtThisInstant_ = 0;
-    TimerHeap timers_;
+    TimerList timers_;
     std::vector<VirtualExecutor*> busy_; // those in which jobs wait
     VirtualExecutor* current_ = nullptr;
     JobRunner* runner_ = nullptr;

@@ -271,7 +271,7 @@ private:
     const dispatch_source_t uptimeSource_;
     const dispatch_source_t wallClockSource_;
     std::mutex mutex_;
-    TimerHeap timers_;
+    TimerList timers_;
     std::uint64_t armed_ = 0;
 };
 
