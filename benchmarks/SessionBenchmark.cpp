@@ -83,8 +83,8 @@ double wakesAnHour(VirtualClock& clock)
     return wakes;
 }
 
-/// One armed hour beside a bare one; the goal is how many times faster than real time it passes.
-void armedHour(benchmark::State& state, bool isResting, double limit, double goal)
+/// One armed hour beside a bare one.
+void armedHour(benchmark::State& state, bool isResting, double limit)
 {
     ArmedMac mac{isResting};
     BareHour bare{isResting};
@@ -103,12 +103,10 @@ void armedHour(benchmark::State& state, bool isResting, double limit, double goa
     state.counters["work_ns"] = fastest * 1e9;
     state.counters["ratio"] = fastest / fastestBare;
     state.counters["limit"] = limit;
-    state.counters["times_real_time"] = 3600.0 / fastest;
-    state.counters["goal"] = goal;
     state.counters["wakes_an_hour"] = wakes;
 }
-BENCHMARK_CAPTURE(armedHour, still, false, 10.0, 1e6)->UseManualTime();
-BENCHMARK_CAPTURE(armedHour, withFiftySamplesASecond, true, 3.0, 150e3)->UseManualTime();
+BENCHMARK_CAPTURE(armedHour, still, false, 10.0)->UseManualTime();
+BENCHMARK_CAPTURE(armedHour, withFiftySamplesASecond, true, 3.0)->UseManualTime();
 
 } // namespace
 } // namespace sentrel

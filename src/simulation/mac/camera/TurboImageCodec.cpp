@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <numeric>
 #include <span>
 #include <utility>
 #include <vector>
@@ -79,6 +80,40 @@ PixelSize fitted(PixelSize size, std::uint32_t maxPixelSize)
     return {scaled(size.width), scaled(size.height)};
 }
 
+bool readRows(JpegReader& reader, RgbxImage& image, int rows)
+{
+    for (int y = 0; y < rows; ++y) {
+        if (!reader.readRow(image.row(y))) {
+            return false;
+        }
+    }
+    return true;
+}
+
+/// Reads an image of this size and scales it into the smaller one, band by band, since the whole would be the most
+/// memory that a play needs. Each band becomes a whole number of the result's rows, so that no row needs two bands.
+bool readScaled(JpegReader& reader, PixelSize size, RgbxImage& smaller)
+{
+    constexpr int enoughRows = 64;
+    const int height = static_cast<int>(size.height);
+    const int parts = std::gcd(height, smaller.height());
+    const int leastRows = height / parts;
+    RgbxImage band{static_cast<int>(size.width), std::min(std::max(enoughRows / leastRows, 1) * leastRows, height)};
+    int made = 0; // rows of the result
+    for (int read = 0; read < height;) {
+        const int rows = std::min(band.height(), height - read);
+        const int scaled = rows / leastRows * (smaller.height() / parts);
+        if (!readRows(reader, band, rows)) {
+            return false;
+        }
+        libyuv::ARGBScale(band.data(), band.stride(), band.width(), rows, smaller.row(made), smaller.stride(),
+                          smaller.width(), scaled, libyuv::kFilterBox);
+        read += rows;
+        made += scaled;
+    }
+    return true;
+}
+
 /// Decodes a whole file, whose header has been read, at a scale that gives `size`, and scales it down to `target`.
 std::optional<RgbxImage> decode(JpegReader& reader, unsigned eighths, PixelSize size, PixelSize target,
                                 std::size_t mostCoefficientBytes)
@@ -86,22 +121,12 @@ std::optional<RgbxImage> decode(JpegReader& reader, unsigned eighths, PixelSize 
     if (!reader.start(eighths, mostCoefficientBytes)) {
         return std::nullopt;
     }
-    RgbxImage image = makeImage(size);
-    for (int y = 0; y < image.height(); ++y) {
-        if (!reader.readRow(image.row(y))) {
-            return std::nullopt;
-        }
-    }
-    if (!reader.finish()) {
+    RgbxImage image = makeImage(target);
+    const bool isRead = size == target ? readRows(reader, image, image.height()) : readScaled(reader, size, image);
+    if (!isRead || !reader.finish()) {
         return std::nullopt;
     }
-    if (size == target) {
-        return image;
-    }
-    RgbxImage smaller = makeImage(target);
-    libyuv::ARGBScale(image.data(), image.stride(), image.width(), image.height(), smaller.data(), smaller.stride(),
-                      smaller.width(), smaller.height(), libyuv::kFilterBox);
-    return smaller;
+    return image;
 }
 
 RgbxImage mirrored(const RgbxImage& image)
