@@ -80,12 +80,14 @@ void LocalAlertStore::save(const AlertEvent& alert, const std::optional<Bytes>& 
 {
     const StoredAlert stored{alert, pendingUpload};
     removed_.erase(alert.id);
+    unsaved_.insert(alert.id);
     write(alertFile(alert.id), bytesOf(encodeJson(encodeStoredAlert(stored))));
     if (photo) {
         write(photoFile(alert.id), *photo);
     } else {
-        files_.remove(photoFile(alert.id));
+        removeFile(pathOf(directory_, alert.id, photoExtension));
     }
+    unsaved_.erase(alert.id);
     if (index_) {
         index_->insert_or_assign(alert.id, stored);
     }
@@ -167,6 +169,7 @@ void LocalAlertStore::remove(const UUID& id)
     if (index_) {
         index_->erase(id);
     }
+    unsaved_.erase(id);
     const bool isGone = removeFile(pathOf(directory_, id, alertExtension));
     if (removeFile(pathOf(directory_, id, photoExtension)) && isGone) {
         removed_.erase(id);
@@ -188,7 +191,7 @@ bool LocalAlertStore::removeFile(const std::filesystem::path& file)
 void LocalAlertStore::remove(const std::unordered_set<UUID>& ids)
 {
     for (const UUID& id : ids) {
-        if (!index_ || index_->contains(id)) {
+        if (!index_ || index_->contains(id) || unsaved_.contains(id)) {
             remove(id);
         }
     }

@@ -90,6 +90,7 @@ private:
     std::optional<Index> index_;
     bool isWhole_ = true;
     std::unordered_set<UUID> removed_; ///< with a file that could not be removed so far
+    std::unordered_set<UUID> unsaved_; ///< whose save has failed, and may have left files
 };
 
 } // namespace sentrel

@@ -94,6 +94,7 @@ private:
     void pollSoon();
     void obey(const RemoteCommand& command);
     void apply(const RemoteCommand& command);
+    void noteSequence(const RemoteCommand& command);
     void ignore(const RemoteCommand& command, std::string_view why);
 
     MainActor actor_;

@@ -161,7 +161,7 @@ void MacPresenceService::apply(const RemoteCommand& command)
     // Observers of the settings have handled any change by now, and a second sync is harmless. A command that changes
     // no setting notifies nobody, but the alarm's state may differ from the stored one.
     alarm_.syncWithSettings(settings_.settings());
-    ports_.defaults.setInteger(lastSequenceKey, command.sequence);
+    noteSequence(command);
     const std::string_view why = command.requestedArmState ? "arm" : "disarm";
     ports_.journal.note(events::CommandApplied{command.sequence, why});
     // On a MacBook the alarm triggers the publication of its new state.
@@ -170,11 +170,16 @@ void MacPresenceService::apply(const RemoteCommand& command)
     }
 }
 
+/// Tried twice: without the note, the next process would obey the command again.
+void MacPresenceService::noteSequence(const RemoteCommand& command)
+{
+    insistently([&] { ports_.defaults.setInteger(lastSequenceKey, command.sequence); });
+}
+
 void MacPresenceService::ignore(const RemoteCommand& command, std::string_view why)
 {
     handledCommand_ = command;
-    // Counts as seen, so that setting the clock back doesn't make it fresh again.
-    ports_.defaults.setInteger(lastSequenceKey, command.sequence);
+    noteSequence(command); // counts as seen, so that setting the clock back doesn't make it fresh again
     ports_.journal.note(events::CommandIgnored{command.sequence, why});
 }
 

@@ -221,6 +221,17 @@ TEST_F(LocalAlertStoreTest, WhatCouldNotBeRemovedIsRemovedLaterAndIsNotBackBefor
     }
 }
 
+TEST_F(LocalAlertStoreTest, ADeletionFindsWhatAFailedSaveHasLeft)
+{
+    LocalAlertStore saving = store();
+    EXPECT_THAT(saving.alerts(), IsEmpty());
+    std::filesystem::create_directories(saving.photoFile(alert(1, 1).id)); // where no photo can be put then
+    EXPECT_THROW(saving.save(alert(1, 1), photo, true), std::system_error);
+    EXPECT_THAT(store().alerts(), testing::SizeIs(1));
+    saving.remove(std::unordered_set{alert(1, 1).id});
+    EXPECT_THAT(store().alerts(), IsEmpty());
+}
+
 TEST_F(LocalAlertStoreTest, AFailedWriteIsThrownAndLeavesTheOldAlert)
 {
     store().save(alert(1, 1), photo, true);

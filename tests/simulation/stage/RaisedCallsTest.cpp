@@ -135,6 +135,17 @@ TEST(RaisedCalls, AnAlertIsMadeWhateverItsPartsMeet)
     }
 }
 
+TEST(RaisedCalls, ACommandOfThePhoneIsObeyedOnceAlsoByTheNextProcess)
+{
+    Desk desk;
+    desk.act({"{fault: {port: user-defaults, operation: setInteger, call: 1, fate: raises}}", "{phone: arm}"});
+    desk.advance(10s);
+    ASSERT_EQ(desk.state("icon"), "MenuBarIconArmed");
+    desk.act({"crash", "relaunch"});
+    desk.advance(10s);
+    EXPECT_EQ(desk.state("icon"), "MenuBarIcon");
+}
+
 TEST(RaisedCalls, APassThatRaisesLeavesARetry)
 {
     Desk desk;
