@@ -1,6 +1,5 @@
 #include "simulation/storm/Chronicle.hpp"
 
-#include "foundation/Fatal.hpp"
 #include "simulation/stage/MacSession.hpp"
 
 #include <algorithm>
@@ -17,17 +16,11 @@ constexpr double atOnce = 3.0;
 /// The Mac obeys no command that is older, in seconds; a little more for its way.
 constexpr double longestCommandAge = 125.0;
 
-/// Answers that take longer count as none: a request of the product is given up after 15 s, and a pass makes several.
-constexpr Duration longestAnswer = std::chrono::seconds{5};
+/// The device of every Mac that the storm draws on which alarms sound.
+constexpr ports::AudioObjectId builtInSpeaker = 73;
 
 /// Seconds for which a change of the machine may go unnoticed: the sensors are polled every 5 s.
 constexpr double longestNotice = 6.0;
-
-/// Whether something that last happened at this time, or `never`, has happened since another.
-bool hasHappened(double last, double since)
-{
-    return last != never && last >= since;
-}
 
 } // namespace
 
@@ -37,45 +30,6 @@ Chronicle::Chronicle(MacSession& session) : session_(session)
         ports_.push_back({.name = name, .switches = switches});
     }
     std::ranges::sort(ports_, {}, &Port::name);
-}
-
-const Chronicle::Port& Chronicle::port(std::string_view name) const
-{
-    const auto found = std::ranges::lower_bound(ports_, name, {}, &Port::name);
-    if (found == ports_.end() || found->name != name) {
-        fatalError("a port that the simulated MacBook does not have");
-    }
-    return *found;
-}
-
-bool Chronicle::hadTrouble(std::initializer_list<std::string_view> names, double since) const
-{
-    return std::ranges::any_of(names,
-                               [&](std::string_view name) { return hasHappened(port(name).lastTrouble, since); });
-}
-
-bool Chronicle::hadTrouble(double since) const
-{
-    return std::ranges::any_of(ports_, [since](const Port& port) { return hasHappened(port.lastTrouble, since); });
-}
-
-bool Chronicle::wasBroken(std::initializer_list<std::string_view> names, double since) const
-{
-    return std::ranges::any_of(names, [&](std::string_view name) { return hasHappened(port(name).lastBroken, since); });
-}
-
-std::size_t Chronicle::hungPorts(std::initializer_list<std::string_view> names) const
-{
-    return static_cast<std::size_t>(
-        std::ranges::count_if(names, [&](std::string_view name) { return port(name).hangs; }));
-}
-
-void Chronicle::forgetHangs()
-{
-    hasHung = false;
-    for (Port& port : ports_) {
-        port.hangs = false;
-    }
 }
 
 void Chronicle::happened(const Event& event)
@@ -202,63 +156,6 @@ void Chronicle::saw(const Sight& before, const Sight& now, bool hasChanged)
     noteSound(before, now);
 }
 
-/// A fault that was set at the last look may have struck since.
-void Chronicle::noteTroubles()
-{
-    if (!mayBeTroubled_) {
-        return;
-    }
-    const std::vector<CallFault> waiting = session_.plannedFaults().waiting();
-    CloudLink& link = session_.mac().iCloud.link;
-    mayBeTroubled_ = link.latency() > longestAnswer || !link.faults().all().empty();
-    // Only deeds set faults.
-    const bool isDeed = std::exchange(hasActed_, false);
-    bool hasPlan = isDeed;
-    for (Port& port : ports_) {
-        if (!isDeed && !port.wasBroken && !port.wasStruck) {
-            continue;
-        }
-        const bool isBroken = port.switches->isAnySet();
-        const bool isStruck =
-            !waiting.empty() && std::ranges::find(waiting, port.name, &CallFault::port) != waiting.end();
-        if (isBroken || port.wasBroken) {
-            port.lastBroken = at;
-        }
-        hasPlan = hasPlan || isStruck || port.wasStruck;
-        if (isBroken || port.wasBroken || isStruck || port.wasStruck) {
-            port.lastTrouble = at;
-            mayBeTroubled_ = true;
-        }
-        port.wasBroken = isBroken;
-        port.wasStruck = isStruck;
-        noteHangs(port, port.switches->timesHung(), port.hangsOfDevice);
-    }
-    if (hasPlan) {
-        noteHangsOfCalls();
-    }
-}
-
-void Chronicle::noteHangs(Port& port, std::uint64_t count, std::uint64_t& known)
-{
-    if (std::exchange(known, count) != count) {
-        port.hangs = true;
-        hasHung = true;
-    }
-}
-
-void Chronicle::noteHangsOfCalls()
-{
-    const PlannedFaults::Struck struck = session_.plannedFaults().struck();
-    std::map<std::string_view, std::uint64_t> calls;
-    for (const auto& [place, count] : struck) {
-        calls[place.first.first] += place.second == CallFault::Fate::hangs ? count : 0;
-    }
-    for (Port& port : ports_) {
-        const auto found = calls.find(port.name);
-        noteHangs(port, found == calls.end() ? 0 : found->second, port.hangsOfCalls);
-    }
-}
-
 void Chronicle::noteStates(const Sight& before, const Sight& now)
 {
     const bool isUp = now.isRunning && !now.isAsleep;
@@ -298,6 +195,9 @@ void Chronicle::noteStates(const Sight& before, const Sight& now)
         settings_ = now.settings;
     }
     settingsBefore = settings_;
+    if (!isUp || !now.isOnline || !now.hasAccount) {
+        userHiddenAt = at;
+    }
     const bool isCalm = isUp && !hasHung && !mayBeTroubled_ && now.isOnline && now.hasAccount && !now.isStorageFull;
     calmSince = !isCalm ? never : calmSince == never ? at : calmSince;
     const auto since = [this](bool holds, double& when) { when = !holds ? never : when == never ? at : when; };
@@ -306,6 +206,7 @@ void Chronicle::noteStates(const Sight& before, const Sight& now)
     since(isUp && (now.showsArmed != now.menuSaysArmed || (now.settings && now.settings->isArmed != now.showsArmed)),
           signsOddSince);
     since(now.owedDeletions > 0, owedSince);
+    since(isUp && ringing && now.isSounding && isSoftened(now), softenedSince);
     since(isUp && now.covers > 0 && now.covers != now.displays, coversOddSince);
     if (isCalm && !timersAtRest && isAtRest()) {
         timersAtRest = now.timers;
@@ -313,6 +214,18 @@ void Chronicle::noteStates(const Sight& before, const Sight& now)
     if (isCalm && !memoryAtRest && isAtRest() && now.memoryReadAt == now.at) {
         memoryAtRest = now.memory;
     }
+}
+
+/// Whether the speaker on which alarms sound is muted or lower than the settings say.
+bool Chronicle::isSoftened(const Sight& now) const
+{
+    constexpr float tolerance = 0.01F;
+    const auto speaker = now.output.devices.find(builtInSpeaker);
+    if (speaker == now.output.devices.end() || !settings_) {
+        return false;
+    }
+    const auto& [volume, isMuted] = speaker->second;
+    return isMuted || (volume && *volume < static_cast<float>(settings_->alarmVolume) - tolerance);
 }
 
 void Chronicle::noteAlerts(const Sight& now)
@@ -390,8 +303,9 @@ void Chronicle::noteSound(const Sight& before, const Sight& now)
     }
     if (now.isSounding) {
         if (!ringing) {
-            constexpr double longestWay = 10.0; // seconds from a cause to its sound
-            const bool hadCause = at - lastCauseAt() < longestWay || isSoundLate() ||
+            constexpr double longestWay = 10.0;  // seconds from a cause to its sound
+            constexpr double longestPause = 4.0; // seconds for which a sound that may have been stopped goes on pausing
+            const bool hadCause = at - lastCauseAt() < longestWay || at - silentSince < longestPause || isSoundLate() ||
                                   hadTrouble({"power-sources", "lid", "workspace", "accelerometer"}, at - longestWay) ||
                                   at - wokeAt < longestWay;
             ringing = Ringing{at, at, outputBefore(before), hadCause};
@@ -464,7 +378,10 @@ void Chronicle::conclude(const Sight& before, const Sight& now)
     if (before.showsArmed != now.showsArmed && now.isRunning) {
         const bool isPersons = now.showsArmed ? at - std::max(armDeedAt, screenDeedAt) <= atOnce
                                               : at - std::max(disarmDeedAt, loginAt) <= atOnce;
-        const auto isUsed = [&](const SentCommand& sent) { return sent.command.arm == now.showsArmed; };
+        // A Mac that could not write down which command it has obeyed obeys it once more in its next process.
+        const auto isUsed = [&](const SentCommand& sent) {
+            return sent.command.arm == now.showsArmed && !hadTrouble({"user-defaults", "files"}, sent.at);
+        };
         if (!isPersons) {
             std::erase_if(commands, isUsed);
             (now.showsArmed ? armDeedAt : disarmDeedAt) = at; // the owner's deed, by phone

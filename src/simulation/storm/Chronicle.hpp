@@ -1,6 +1,8 @@
 #pragma once
 
 #include "simulation/Event.hpp"
+#include "simulation/PlannedFaults.hpp"
+#include "simulation/icloud/CloudFaults.hpp"
 #include "simulation/storm/Deed.hpp"
 #include "simulation/storm/Sight.hpp"
 
@@ -92,7 +94,8 @@ public:
     double displaysAt = never;
     double cloudChangedAt = never;
     double userChangedAt = never;
-    double deedAt = never; ///< anybody did anything
+    double userHiddenAt = never; ///< something could keep the Mac from learning who is signed in
+    double deedAt = never;       ///< anybody did anything
 
     // Since when something has held without a break.
     double armedSince = never; ///< `never` while disarmed
@@ -103,7 +106,8 @@ public:
     double processingSince = never;
     double signsOddSince = never;
     double coversOddSince = never;
-    double owedSince = never; ///< deletions are owed
+    double owedSince = never;     ///< deletions are owed
+    double softenedSince = never; ///< an alarm sounds, and its speaker is muted or below the alarm's volume
     /// Since the right passcode was typed at a lock screen that must take it, and has not opened.
     double unlockDueSince = never;
     /// Since the owner, who gives the login, clicked on Stop Alarm, and the alarm has not stopped.
@@ -162,10 +166,12 @@ public:
 
 private:
     void noteTroubles();
+    void noteTroublesOfUser(const std::vector<CallFault>& waiting, const std::vector<CloudFault>& refusals);
     void noteCauses(const Sight& before, const Sight& now);
     void noteAlerts(const Sight& now);
     void noteSound(const Sight& before, const Sight& now);
     void noteStates(const Sight& before, const Sight& now);
+    [[nodiscard]] bool isSoftened(const Sight& now) const;
     void notePasscode(bool isRight, const Sight& before);
     void addCause(std::string reason, bool isCertain);
     void endRinging();
@@ -199,7 +205,8 @@ private:
     std::optional<std::map<UUID, SeenRow>> listBeforeDeletion_;
     SeenAlerts diskBeforeDeletion_;
     bool mayBeTroubled_ = true;
-    bool hasActed_ = true; ///< somebody, since the last look
+    bool isUserHidden_ = true; ///< by a fault
+    bool hasActed_ = true;     ///< somebody, since the last look
     bool wasOnAC_ = true;
     bool wasLidClosed_ = false;
     double lidOpenedAt_ = never;

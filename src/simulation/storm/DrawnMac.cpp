@@ -19,7 +19,8 @@ DrawnMac describeMac(Dice& dice, Plan& plan)
 {
     DrawnMac mac;
     put(plan.mac, "localizedName", "Maya's MacBook");
-    put(plan.mac, "icloud", dice.chance(90) ? "maya" : "none");
+    mac.hasAccount = dice.chance(90);
+    put(plan.mac, "icloud", mac.hasAccount ? "maya" : "none");
     put(plan.mac, "camera", dice.chance(70) ? "{devices: built-in, share: 16}" : "{devices: none}");
     put(plan.mac, "login", "cancel");
     mac.hasPasscode = dice.chance(40); // one takes more processor time than a day of rest

@@ -9,6 +9,7 @@ namespace sentrel::simulation {
 struct DrawnMac {
     bool hasHeadphones = false;
     bool hasPasscode = false;
+    bool hasAccount = false; ///< is signed in to iCloud from the beginning
 };
 
 /// Draws a MacBook and its settings, and writes them into the plan.

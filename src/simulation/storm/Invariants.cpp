@@ -7,28 +7,11 @@ namespace sentrel::simulation {
 
 namespace {
 
-using Finding = std::optional<std::string>; ///< how an invariant is violated
-
-/// Seconds in which a change shows everywhere.
-constexpr double settling = 2.0;
-
-/// Seconds without any fault after which nothing waits any more: some of the longest retries.
-constexpr double calm = 1200.0;
-
 /// Seconds in which an alarm begins to sound: the worker's beep and the watch's take up to two.
 constexpr double longestStart = 3.0;
 
 /// Seconds for which an alarm may pause: a tone that is started again, or beeps instead.
 constexpr double longestPause = 4.0;
-
-/// Seconds from a trigger to its alert: each of the reasons may wait 30 s for a camera that hangs.
-constexpr double longestWay = 160.0;
-
-bool isAnywhere(const UUID& id, const Sight& now)
-{
-    const auto holds = [&](const auto& account) { return account.second.contains(id); };
-    return now.onDisk.contains(id) || now.listed.contains(id) || std::ranges::any_of(now.inCloud, holds);
-}
 
 std::string textOf(const OutputState& output)
 {
@@ -38,101 +21,6 @@ std::string textOf(const OutputState& output)
                 (state.second ? " muted" : "");
     }
     return text;
-}
-
-/// An alert that was seen once is on the disk, in memory or in the cloud until it is deleted.
-Finding alertsSurvive(const Instants& is)
-{
-    for (const auto& [id, alert] : is.past.alerts) {
-        if (alert.deletedAt <= is.now.at || alert.mayBeGone || isAnywhere(id, is.now)) {
-            continue;
-        }
-        // The process holds an alert that the disk refused. The alert ends with the process.
-        const bool wasHeld = is.past.hadTrouble({"files", "host"}, alert.firstSeen - settling);
-        if (!wasHeld || is.past.endedAt <= alert.firstSeen) {
-            return "the alert " + id.text() + " (" + alert.reason + ") is lost";
-        }
-    }
-    return std::nullopt;
-}
-
-/// A trigger that the product can't have missed leaves an alert.
-Finding triggersLeaveAlerts(const Instants& is)
-{
-    for (const Cause& cause : is.past.causes) {
-        if (cause.isCertain && !cause.hasAlert && !is.past.hasHung && is.now.at - cause.at > longestWay) {
-            return "no alert came of " + cause.reason + " at " + std::to_string(cause.at) + " s";
-        }
-    }
-    return std::nullopt;
-}
-
-/// A trigger makes one alert, and nothing else makes one.
-Finding alertsHaveCauses(const Instants& is)
-{
-    for (const auto& [id, alert] : is.past.alerts) {
-        const bool isNew = alert.firstSeen == is.now.at;
-        if (isNew && !alert.hasCause &&
-            !is.past.hadTrouble({"power-sources", "lid", "workspace", "accelerometer"}, is.now.at - longestWay)) {
-            return "the alert " + id.text() + " (" + alert.reason + ") has no trigger of its own";
-        }
-    }
-    return std::nullopt;
-}
-
-/// A deleted alert never comes back.
-Finding deletedStaysGone(const Instants& is)
-{
-    for (const auto& [id, alert] : is.past.alerts) {
-        if (alert.deletedAt >= is.now.at) {
-            continue;
-        }
-        const bool isListed = is.now.listed.contains(id);
-        const auto cloud = is.now.inCloud.find(alert.owner);
-        const bool isOwners = alert.owner == is.now.user && cloud != is.now.inCloud.end();
-        const bool isStored = isOwners && is.now.at - is.past.calmSince > calm && cloud->second.contains(id) &&
-                              is.past.calmSince > alert.deletedAt;
-        if ((isListed || isStored) && !is.past.hadTrouble({"user-defaults", "files"}, alert.deletedAt - settling)) {
-            return "the deleted alert " + id.text() + (isListed ? " is listed again" : " is still in the cloud");
-        }
-    }
-    return std::nullopt;
-}
-
-/// Nothing from one user's database is shown to another, or stored for one. An alert whose upload arrived without its
-/// answer is still on the Mac: it also goes to the next user's database, and is theirs from then on.
-Finding othersStayOthers(const Instants& is)
-{
-    const auto mine = is.now.inCloud.find(is.now.user);
-    const auto isMine = [&](const UUID& id) { return mine != is.now.inCloud.end() && mine->second.contains(id); };
-    constexpr double longestCheck = 600.0; // a check of the user that fails is repeated at growing intervals
-    const bool isKnown = !is.past.hasHung && is.past.calmSince != never &&
-                         is.now.at - std::max(is.past.calmSince, is.past.userChangedAt) > longestCheck;
-    for (const auto& [id, row] : is.now.listed) {
-        if (!isKnown || row.storage != AlertStorageLocation::cloud) {
-            continue;
-        }
-        const auto alert = is.past.alerts.find(id);
-        const bool isOthers =
-            alert != is.past.alerts.end() && !alert->second.owner.empty() && alert->second.owner != is.now.user;
-        if (isOthers && !isMine(id)) {
-            return "the alert " + id.text() + " of " + alert->second.owner + " is shown to " + is.now.user;
-        }
-    }
-    const auto earlier = is.before.inCloud.find(is.now.user);
-    const bool knewUser = earlier != is.before.inCloud.end();
-    if (mine == is.now.inCloud.end() || (knewUser && earlier->second == mine->second)) {
-        return std::nullopt;
-    }
-    for (const UUID& id : mine->second) {
-        const auto alert = is.past.alerts.find(id);
-        const bool isNew = !knewUser || !earlier->second.contains(id);
-        const bool isOthers = alert != is.past.alerts.end() && alert->second.owner != is.now.user;
-        if (isNew && isOthers && !is.before.onDisk.contains(id) && !is.before.listed.contains(id)) {
-            return "the alert " + id.text() + " of " + alert->second.owner + " is stored for " + is.now.user;
-        }
-    }
-    return std::nullopt;
 }
 
 /// A certain trigger is heard soon.
@@ -158,6 +46,21 @@ Finding soundHasCause(const Instants& is)
 {
     if (is.past.ringing && is.past.ringing->since == is.now.at && !is.past.ringing->hadCause) {
         return "the alarm sounds for no reason";
+    }
+    return std::nullopt;
+}
+
+/// An alarm can't be turned down.
+Finding alarmsStayLoud(const Instants& is)
+{
+    const double since = is.past.softenedSince;
+    if (since == never || is.now.at - since <= settling || is.past.settingsDeedAt >= is.past.ringing->since) {
+        return std::nullopt;
+    }
+    const bool isBroken = is.past.hasHung || is.past.hadTrouble({"audio", "audio-engine", "beep", "user-defaults"},
+                                                                is.past.ringing->since - longestStart);
+    if (!isBroken) {
+        return "the speaker of the alarm is muted or turned down since " + std::to_string(since) + " s";
     }
     return std::nullopt;
 }
@@ -387,35 +290,6 @@ Finding phoneAgrees(const Instants& is)
     return std::nullopt;
 }
 
-/// Once the faults have ceased, everything that waits reaches the cloud.
-Finding nothingWaitsInCalm(const Instants& is)
-{
-    if (is.past.calmSince == never || is.now.at - is.past.calmSince < calm ||
-        is.now.at - is.past.lastCauseAt() < calm || is.now.at - is.past.clockJumpedAt < calm) {
-        return std::nullopt;
-    }
-    if (is.past.hadTrouble({"host"}, is.past.launchedAt)) {
-        return std::nullopt; // this process keeps its alerts in a temporary folder, and does not see the others
-    }
-    // A copy that could not be removed after its upload stays until the next launch.
-    const auto mine = is.now.inCloud.find(is.now.user);
-    const auto isWaiting = [&](const auto& alert) {
-        return mine == is.now.inCloud.end() || !mine->second.contains(alert.first);
-    };
-    if (const auto waiting = std::ranges::count_if(is.now.onDisk, isWaiting); waiting > 0) {
-        return std::to_string(waiting) + " alerts still wait for their upload";
-    }
-    if (is.now.owedDeletions > 0 && is.now.at - is.past.owedSince > calm && is.past.userChangedAt == never) {
-        return std::to_string(is.now.owedDeletions) + " deletions are still owed";
-    }
-    for (const auto& [id, row] : is.now.listed) {
-        if (row.storage != AlertStorageLocation::cloud) {
-            return "the list shows the alert " + id.text() + " as waiting";
-        }
-    }
-    return std::nullopt;
-}
-
 /// Whether a disarmed Mac has rested long enough for everything to have come to its end.
 bool isAtRest(const Instants& is)
 {
@@ -447,16 +321,10 @@ Finding memoryIsFlat(const Instants& is)
     return std::nullopt;
 }
 
-constexpr auto onChange = Invariant::Pace::onChange;
-
-constexpr std::array<Invariant, 24> everyInvariant{{
-    {"alerts survive", alertsSurvive, onChange},
-    {"triggers leave alerts", triggersLeaveAlerts},
-    {"alerts have causes", alertsHaveCauses, onChange},
-    {"deleted stays gone", deletedStaysGone, onChange},
-    {"others stay others", othersStayOthers, onChange},
+constexpr std::array<Invariant, 19> ofDevices{{
     {"triggers are heard", triggersAreHeard},
     {"sound has a cause", soundHasCause, onChange},
+    {"alarms stay loud", alarmsStayLoud},
     {"only the owner silences", onlyTheOwnerSilences},
     {"stopped is silent", stoppedIsSilent},
     {"only the owner disarms", onlyTheOwnerDisarms, onChange},
@@ -471,16 +339,21 @@ constexpr std::array<Invariant, 24> everyInvariant{{
     {"settings load", settingsLoad, onChange},
     {"signs agree", signsAgree},
     {"the phone agrees", phoneAgrees},
-    {"nothing waits in calm", nothingWaitsInCalm, onChange},
     {"timers end", timersEnd, onChange},
     {"memory is flat", memoryIsFlat, onChange},
 }};
 
 } // namespace
 
-std::span<const Invariant> invariants()
+const std::vector<Invariant>& invariants()
 {
-    return everyInvariant;
+    static const std::vector<Invariant> all = [] {
+        const std::span<const Invariant> ofAlerts = alertInvariants();
+        std::vector<Invariant> together{ofAlerts.begin(), ofAlerts.end()};
+        together.insert(together.end(), ofDevices.begin(), ofDevices.end());
+        return together;
+    }();
+    return all;
 }
 
 } // namespace sentrel::simulation

@@ -7,8 +7,21 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace sentrel::simulation {
+
+/// Seconds in which a change shows everywhere.
+inline constexpr double settling = 2.0;
+
+/// Seconds without any fault after which nothing waits any more: some of the longest retries.
+inline constexpr double calm = 1200.0;
+
+/// Seconds from a trigger to its alert: each of the reasons may wait 30 s for a camera that hangs.
+inline constexpr double longestWay = 160.0;
+
+/// How an invariant is violated; none if it holds.
+using Finding = std::optional<std::string>;
 
 /// The input of an invariant: the past, and the state of the devices at the last look and now.
 struct Instants {
@@ -26,12 +39,16 @@ struct Invariant {
     };
 
     std::string_view name;
-    /// How it is violated now; none if it holds.
-    std::optional<std::string> (*violation)(const Instants& instants);
+    Finding (*violation)(const Instants& instants);
     Pace pace = Pace::eachInstant;
 };
 
+inline constexpr auto onChange = Invariant::Pace::onChange;
+
+/// Those of alerts, on the Mac and in the cloud.
+[[nodiscard]] std::span<const Invariant> alertInvariants();
+
 /// All of them.
-[[nodiscard]] std::span<const Invariant> invariants();
+[[nodiscard]] const std::vector<Invariant>& invariants();
 
 } // namespace sentrel::simulation

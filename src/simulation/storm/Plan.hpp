@@ -7,6 +7,11 @@
 
 namespace sentrel::simulation {
 
+// Milliseconds, for the times of steps.
+inline constexpr std::int64_t second = 1000;
+inline constexpr std::int64_t minute = 60 * second;
+inline constexpr std::int64_t hour = 60 * minute;
+
 /// One step of a play that was made up.
 struct PlannedStep {
     std::int64_t at = 0; ///< milliseconds since launch

@@ -74,7 +74,8 @@ std::string Saboteur::disturbCloud()
 {
     const std::string operation =
         dice_.chance(50) ? ", operation: " + std::string{dice_.oneOf(requests)} : std::string{};
-    const std::string times = std::to_string(dice_.between(1, 4));
+    // The polls for commands make a request every five seconds: some troubles outlast many retries.
+    const std::string times = std::to_string(dice_.chance(75) ? dice_.between(1, 4) : dice_.spread(5, 400));
     if (dice_.chance(30)) {
         return "{icloud: {loseAnswers: {times: " + times + operation + "}}}";
     }

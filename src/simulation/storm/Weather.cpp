@@ -4,6 +4,7 @@
 #include "simulation/storm/DrawnMac.hpp"
 #include "simulation/storm/Occasion.hpp"
 #include "simulation/storm/Saboteur.hpp"
+#include "simulation/storm/Thief.hpp"
 
 #include <algorithm>
 #include <array>
@@ -13,10 +14,6 @@
 namespace sentrel::simulation {
 
 namespace {
-
-constexpr std::int64_t second = 1000; // milliseconds
-constexpr std::int64_t minute = 60 * second;
-constexpr std::int64_t hour = 60 * minute;
 
 /// Calm that lets everything that waits come to its end.
 constexpr std::int64_t calmLength = 25 * minute;
@@ -58,7 +55,11 @@ public:
     }
 
 private:
-    void act(std::string action) { plan_.steps.push_back({now_, std::move(action)}); }
+    void act(std::string action)
+    {
+        isOffline_ = action == "{network: down}" || (isOffline_ && action != "{network: up}");
+        plan_.steps.push_back({now_, std::move(action)});
+    }
 
     void wait(std::int64_t least, std::int64_t most) { now_ += dice_.spread(least, most); }
 
@@ -190,10 +191,10 @@ private:
         mayRing_ = true;
         const std::int64_t attacks = dice_.between(1, 4);
         for (std::int64_t i = 0; i < attacks; ++i) {
-            attack();
+            live(attack(dice_));
             wait(1, 20 * second);
             if (dice_.chance(40)) {
-                resist();
+                live(resistance(dice_, mac_));
                 wait(1, 10 * second);
             }
         }
@@ -207,63 +208,6 @@ private:
         act("open-lid");
         if (dice_.chance(70)) {
             heal();
-        }
-    }
-
-    void attack()
-    {
-        switch (dice_.below(6)) {
-        case 0:
-            act("close-lid");
-            if (dice_.chance(50)) {
-                wait(10, 5 * second);
-                act("open-lid");
-            }
-            return;
-        case 1:
-            act("{accelerometer: {sample: [0, 0, 1]}}");
-            now_ += 20;
-            return act("{accelerometer: {sample: [0.6, 0.2, 1.5]}}");
-        case 2:
-            return act("{type-passcode: \"" + std::to_string(dice_.between(1000, 1003)) + "\"}");
-        default:
-            act("unplug");
-            if (dice_.chance(25)) {
-                wait(10, 20 * second);
-                act("plug-in");
-                wait(10, 20 * second);
-                act("unplug");
-            }
-            return;
-        }
-    }
-
-    /// The thief tries to silence it.
-    void resist()
-    {
-        switch (dice_.below(9)) {
-        case 0:
-            return act("{volume: {device: 73, value: 0.0" + std::string{dice_.chance(50) ? ", muted: true" : ""} +
-                       "}}");
-        case 1:
-            return act("{menu: stopAlarm}");
-        case 2:
-            return act("{menu: armed}");
-        case 3:
-            act("{login: fail}");
-            act("{menu: stopAlarm}");
-            now_ += second;
-            return act("{login: cancel}");
-        case 4:
-            return act(mac_.hasHeadphones ? "{default-output: 91}" : "{default-output: none}");
-        case 5:
-            return act("quit");
-        case 6:
-            return act("{displays: " + std::to_string(dice_.between(1, 3)) + "}");
-        case 7:
-            return act("{network: down}");
-        default:
-            return act("{music: play}");
         }
     }
 
@@ -330,12 +274,19 @@ private:
     {
         static constexpr std::array<std::string_view, 6> accounts{
             "none", "noor", "noor", "restricted", "temporarily-unavailable", "{quota: full}"};
+        const bool isUnreadable = dice_.chance(30);
+        if (isUnreadable) {
+            act("{icloud: {fail: {code: networkFailure, operation: fetchOne}}}"); // and so is the list
+        }
         act("{icloud: " + std::string{dice_.oneOf(accounts)} + "}");
         if (dice_.chance(60)) {
             wait(100, 10 * minute);
             theft();
         }
         wait(second, hour);
+        if (isUnreadable) {
+            act("{icloud: {fail: none}}");
+        }
         act("{icloud: {quota: ok}}");
         act("{icloud: {user: maya, account: available}}");
     }
@@ -435,14 +386,16 @@ private:
         wait(1, 2 * second);
     }
 
-    /// The faults cease.
+    /// The faults cease. Nothing else happens unless it must: what waits for the end of a fault hears of no change.
     void heal()
     {
         isDisturbed_ = false;
         for (std::string& cure : saboteur_.cures()) {
             act(std::move(cure));
         }
-        act("{network: up}");
+        if (isOffline_) {
+            act("{network: up}");
+        }
         if (std::exchange(saboteur_.mustRelaunch, false)) {
             act("crash");
             now_ += second;
@@ -460,7 +413,9 @@ private:
         heal();
         act("{icloud: {quota: ok}}");
         act("{icloud: {latency: 80ms}}");
-        act("{icloud: {user: maya, account: available}}");
+        if (dice_.chance(50) || !mac_.hasAccount) {
+            act("{icloud: {user: maya, account: available}}");
+        }
         act("plug-in");
         act("open-lid");
         if (dice_.chance(50)) {
@@ -485,6 +440,7 @@ private:
     DrawnMac mac_;
     std::int64_t now_ = 0;
     bool isArmed_ = false;
+    bool isOffline_ = false;
     bool isDisturbed_ = false;
     bool mayRing_ = false;
 };

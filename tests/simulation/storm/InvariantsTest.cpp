@@ -79,6 +79,14 @@ constexpr PlantedFault plantedFaults[] = {
          day.before.inCloud.clear();
          day.before.listed.clear();
      }},
+    {"others stay others",
+     [](Day& day) { // the list could not be read since
+         day.past.alerts[someAlert].owner = "noor";
+         day.now.inCloud = {{"noor", {someAlert}}, {"maya", {}}};
+         day.past.calmSince = never;
+         day.past.userChangedAt = 9'970.0;
+     }},
+    {"the list is whole", [](Day& day) { day.now.listed.clear(); }},
     {"triggers are heard",
      [](Day& day) {
          day.before.at = 9'998.0;
@@ -88,6 +96,12 @@ constexpr PlantedFault plantedFaults[] = {
      [](Day& day) {
          day.now.isSounding = true;
          day.past.ringing = Ringing{10'000.0, 10'000.0, day.now.output, false};
+     }},
+    {"alarms stay loud",
+     [](Day& day) {
+         day.now.isSounding = true;
+         day.past.ringing = Ringing{9'900.0, 10'000.0, day.now.output, true};
+         day.past.softenedSince = 9'990.0;
      }},
     {"only the owner silences", [](Day& day) { day.past.ringing = Ringing{9'900.0, 9'995.0, day.now.output, true}; }},
     {"stopped is silent",
