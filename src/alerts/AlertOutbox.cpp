@@ -203,12 +203,13 @@ Async<AlertOutbox::Photo> AlertOutbox::photoHere(UUID id, QualityOfService prior
 }
 
 /// Whether deletions wait, or uploads not under way, or files that could not be read or removed, or the question who is
-/// signed in: until its answer the rows of an earlier user may still be shown.
+/// signed in: until its answer the rows of an earlier user may still be shown. With `countsRefused`, also what was
+/// tried and refused: uploads, and a refresh of the list.
 bool AlertOutbox::isAnythingOwed(bool countsRefused) const
 {
     try {
         const std::unordered_set<UUID> waiting = waitingIDs();
-        return cloud_.isOwnerCheckOwed() || !localStore_.isSettled() ||
+        return (countsRefused && list_.isRefreshOwed()) || cloud_.isOwnerCheckOwed() || !localStore_.isSettled() ||
                !pendingDeletions_.idsOf(cloud_.cacheOwner()).empty() ||
                std::ranges::any_of(waiting, [this, countsRefused](const UUID& id) {
                    return !uploader_.isUploading(id) && (countsRefused || !refused_.contains(id));

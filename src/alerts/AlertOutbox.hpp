@@ -26,6 +26,9 @@ public:
     /// Whether a first refresh has ended: before it nobody knows which alerts the cloud holds.
     [[nodiscard]] virtual bool isLoaded() const = 0;
 
+    /// Whether the list lacks an answer of the cloud that another refresh may bring.
+    [[nodiscard]] virtual bool isRefreshOwed() const = 0;
+
     /// Takes out the alerts that the list shows as the cloud's.
     virtual void subtractThoseInCloud(std::unordered_set<UUID>& ids) const = 0;
 
@@ -46,10 +49,12 @@ protected:
 };
 
 /// The work that this Mac owes iCloud: alerts that it doesn't hold yet, on the disk or in memory, and deletions that it
-/// has not confirmed. Main actor only; everything referred to outlives it.
+/// has not confirmed. A list without the cloud's answer is owed to the user, too. Main actor only; everything referred
+/// to outlives it.
 ///
 /// - One pass at a time: deletions first, then uploads, oldest first and one at a time, then a refresh of the list.
-/// - While something is owed and the list is loaded, a pass runs or a retry waits. Retries come after 30 s, and then at
+/// - While something is owed and a first refresh was tried, a pass runs or a retry waits. Retries come after 30 s, and
+/// then at
 ///   growing intervals of at most 5 min; never during the cloud's backoff.
 /// - An alert leaves the outbox only when the database holds it, or the user has deleted it.
 /// - A deletion is asked of, and confirmed by, the database of the user whose alert it was.

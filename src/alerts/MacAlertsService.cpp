@@ -5,6 +5,7 @@
 #include "cloud/CloudErrors.hpp"
 #include "cloud/CloudTimeLimit.hpp"
 #include "core/LocalizedText.hpp"
+#include "foundation/Quietly.hpp"
 #include "ports/WallClock.hpp"
 #include "runtime/AssertOnMainActor.hpp"
 #include "runtime/CurrentTask.hpp"
@@ -80,6 +81,19 @@ Async<void> MacAlertsService::refresh()
 {
     assertOnMainActor(actor_);
     const Loading loading{anchor_.weak()};
+    try {
+        co_await refreshOnce();
+    } catch (const CancellationError&) {
+        throw;
+    } catch (...) {
+        // A call raised: a later refresh tries it again.
+        isRefreshOwed_ = true;
+        insistently([this] { outbox_.listRefreshed(false); });
+    }
+}
+
+Async<void> MacAlertsService::refreshOnce()
+{
     const std::int64_t generation = ++refreshGeneration_;
     const CloudAnswer answer = co_await askCloud();
     std::vector<StoredAlert> local = co_await outbox_.alertsHereInBackground();
@@ -143,6 +157,7 @@ void MacAlertsService::apply(const CloudAnswer& answer, std::vector<StoredAlert>
     if (areCopiesDropped) {
         outbox_.dropCopies(redundant);
     }
+    isRefreshOwed_ = !isFresh && cloud_.mayHaveAccount();
     errorMessage = answer.error;
     refreshStorageNotice();
     if (areCopiesDropped) {
@@ -186,6 +201,7 @@ void MacAlertsService::subtractThoseInCloud(std::unordered_set<UUID>& ids) const
 void MacAlertsService::userDidChange()
 {
     iCloudStorageIsFull = false;
+    isRefreshOwed_ = true;
     rows_.startOver(outbox_.alertsHere());
     refreshStorageNotice();
 }

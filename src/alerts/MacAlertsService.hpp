@@ -83,12 +83,14 @@ private:
     };
     class Loading;
 
+    Async<void> refreshOnce();
     Async<CloudAnswer> askCloud();
     [[nodiscard]] Duration longestRefresh() const;
     void apply(const CloudAnswer& answer, std::vector<StoredAlert> local);
     [[nodiscard]] std::optional<std::string> storageNotice();
 
     [[nodiscard]] bool isLoaded() const override { return hasLoadedInitialAlerts; }
+    [[nodiscard]] bool isRefreshOwed() const override { return isRefreshOwed_; }
     void subtractThoseInCloud(std::unordered_set<UUID>& ids) const override;
     void attemptEnded(const UUID& id, AlertUploader::Outcome outcome) override;
     void deletionsFailed() override { errorMessage = cloud_.lastSyncError.get(); }
@@ -102,6 +104,7 @@ private:
     std::int64_t appliedGeneration_ = 0;
     int refreshesUnderWay_ = 0;
     bool lastRefreshTimedOut_ = false;
+    bool isRefreshOwed_ = true;
     std::vector<Observation> observations_;
     std::optional<Task<void>> activeRefreshTask_;
 

@@ -2,6 +2,7 @@
 
 #include "alerts/MacAlertsService.hpp"
 #include "coordinator/AlarmCoordinator.hpp"
+#include "foundation/Quietly.hpp"
 
 #include <utility>
 
@@ -20,8 +21,8 @@ Async<void> CloudCatchUp::catchUp()
 
 void CloudCatchUp::refreshStatus()
 {
-    coordinator_.clearLocalSaveNoticeIfResolved();
-    alerts_.refreshStorageNotice();
+    quietly([this] { coordinator_.clearLocalSaveNoticeIfResolved(); });
+    quietly([this] { alerts_.refreshStorageNotice(); });
     if (!std::exchange(hasCaughtUp_, false)) {
         // Without iCloud no catch-up has run, but the list shows this Mac's alerts.
         alerts_.startRefresh();

@@ -139,11 +139,13 @@ Async<void> CloudKitConnectionMonitor::fanOut()
         try {
             co_await passOnce();
         } catch (const std::exception& error) {
-            // A failed pass is not repeated; the next change starts another.
+            // A failed pass is not repeated; what depends on it tries again by itself, or after the next change.
             ports_.journal.note(events::FanOutFailed{error.what()});
         } catch (...) {
             ports_.journal.note(events::FanOutFailed{"raised"});
         }
+        quietly([this] { dependents_.refreshStatus(); });
+        presence_.wakePoll();
     } while (fanOutRerunRequested_);
     fanOutRunning_ = false;
 }
@@ -162,8 +164,6 @@ Async<void> CloudKitConnectionMonitor::passOnce()
     if (isAvailable) {
         co_await dependents_.catchUp();
     }
-    dependents_.refreshStatus();
-    presence_.wakePoll();
 }
 
 } // namespace sentrel

@@ -95,6 +95,13 @@ Async<bool> CloudKitService::refreshAvailability(bool force)
     co_return isUsable;
 }
 
+bool CloudKitService::mayHaveAccount() const
+{
+    using ports::CloudAccountStatus;
+    const auto status = lastAccountStatus_.value_or(CloudAccountStatus::couldNotDetermine);
+    return status == CloudAccountStatus::available || status == CloudAccountStatus::couldNotDetermine;
+}
+
 Async<bool> CloudKitService::checkAvailability(bool force)
 {
     return trueInTime(refreshAvailability(force));
@@ -137,7 +144,7 @@ Async<bool> CloudKitService::verifyCacheOwner()
         owner = name.value_or("");
     } catch (const CancellationError&) {
         throw;
-    } catch (const std::exception&) {
+    } catch (...) {
         // The user is unknown, most often because the network is away. Treating that as a change would drop the cache
         // at each launch without a network, and storing it would hide a change that is found later.
         co_return false;
@@ -145,9 +152,14 @@ Async<bool> CloudKitService::verifyCacheOwner()
     if (check != ownerChecks_) {
         co_return false; // a later check has begun; answers may arrive out of order
     }
+    std::optional<std::string> previous;
+    try {
+        previous = ports_.defaults.text(cacheOwnerKey);
+        ports_.defaults.setText(cacheOwnerKey, owner);
+    } catch (...) {
+        co_return false; // the answer can't be noted: the check remains owed
+    }
     isOwnerCheckOwed_ = false;
-    const auto previous = ports_.defaults.text(cacheOwnerKey);
-    ports_.defaults.setText(cacheOwnerKey, owner);
     if (!previous || *previous == owner) {
         alerts_.setOwner(std::move(owner));
         co_return false;

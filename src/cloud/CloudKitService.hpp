@@ -71,6 +71,10 @@ public:
     [[nodiscard]] Async<bool> checkAvailability(bool force = false);
 
     [[nodiscard]] std::optional<ports::CloudAccountStatus> lastAccountStatus() const { return lastAccountStatus_; }
+
+    /// False if iCloud has said that no account can be used: a change of the account is notified. True also while
+    /// iCloud doesn't answer.
+    [[nodiscard]] bool mayHaveAccount() const;
     [[nodiscard]] std::optional<Date> availabilityCacheExpiry() const { return availabilityCacheExpiry_; }
 
     /// Call when the network path becomes usable or is lost, which limits a cached availability to 20 s.

@@ -63,6 +63,34 @@ TEST_F(MacAlertsServiceTest, WithoutTheNetworkTheListShowsWhatIsRememberedAndWit
     EXPECT_EQ(service->errorMessage.get(), std::nullopt) << "the notice tells that there is no account";
 }
 
+TEST_F(MacAlertsServiceTest, AListWithoutTheCloudsAnswerIsRefreshedByItself)
+{
+    putIntoCloud({1});
+    refresh();
+    mac.icloud.link.faults().add(
+        {simulation::cloudError(simulation::CKError::unknownItem), CloudOperation::accountStatus, "", 1});
+    mac.await(mac.cloud->refreshAvailability(true));
+    refresh();
+    EXPECT_EQ(rows(), "") << "nobody knows whether there is an account";
+    world.clock.advance(40s);
+    EXPECT_EQ(rows(), "1c ");
+
+    relaunch();
+    mac.files.faults().set("raises");
+    refresh();
+    mac.files.faults().clear();
+    EXPECT_EQ(rows(), "") << "the alerts on this Mac could not be listed";
+    world.clock.advance(40s);
+    EXPECT_EQ(rows(), "1c ");
+
+    mac.icloud.account.setStatus(CloudAccountStatus::noAccount);
+    mac.await(mac.cloud->refreshAvailability(true));
+    refresh();
+    const auto requests = mac.icloud.link.requests(CloudOperation::accountStatus);
+    world.clock.advance(1h);
+    EXPECT_EQ(mac.icloud.link.requests(CloudOperation::accountStatus), requests) << "an account will be announced";
+}
+
 TEST_F(MacAlertsServiceTest, TheNoticeSaysWhereAlertsAreKept)
 {
     const std::string full = "Your iCloud storage is full.\nNew alerts are saved on this Mac.";

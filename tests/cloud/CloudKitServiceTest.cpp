@@ -132,6 +132,10 @@ TEST_F(CloudKitServiceTest, AnotherUserSeesNothingOfTheFormerOne)
     heal();
 
     mac.icloud.link.setUser("other");
+    mac.defaults.onSet = [] { throw simulation::Raised{"user-defaults", "setText"}; };
+    EXPECT_FALSE(mac.await(mac.cloud->verifyCacheOwner()));
+    mac.defaults.onSet = [] {};
+    EXPECT_TRUE(mac.cloud->isOwnerCheckOwed()) << "the answer could not be noted";
     EXPECT_TRUE(mac.await(mac.cloud->verifyCacheOwner()));
     EXPECT_TRUE(mac.cloud->cachedAlerts().empty());
     EXPECT_FALSE(mac.cloud->macCommandSubscriptionEnsured());

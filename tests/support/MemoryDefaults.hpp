@@ -12,8 +12,9 @@ namespace sentrel::test {
 /// User defaults without a disk. Any thread.
 class MemoryDefaults final : public ports::UserDefaults {
 public:
-    /// Called before each removal.
+    /// Called before each removal, and before each change.
     std::function<void()> onRemove = [] {};
+    std::function<void()> onSet = [] {};
 
     [[nodiscard]] std::optional<Bytes> data(const std::string& key) override { return get<Bytes>(key); }
     void setData(const std::string& key, BytesView value) override { set(key, Bytes(value.begin(), value.end())); }
@@ -48,6 +49,7 @@ private:
     }
     void set(const std::string& key, Entry value)
     {
+        onSet();
         const std::lock_guard guard{mutex_};
         entries_[key] = std::move(value);
     }
