@@ -88,6 +88,17 @@ std::map<std::string, std::uint64_t, std::less<>> FaultSwitches::struck() const
     return counts;
 }
 
+std::map<std::string, std::uint64_t, std::less<>> FaultSwitches::asked() const
+{
+    std::map<std::string, std::uint64_t, std::less<>> counts;
+    for (const Fault& fault : faults_) {
+        if (fault.asked != 0) {
+            counts.emplace(fault.name, fault.asked);
+        }
+    }
+    return counts;
+}
+
 std::uint64_t FaultSwitches::struck(std::string_view name) const
 {
     const auto found = std::ranges::find(faults_, name, &Fault::name);
@@ -107,6 +118,7 @@ bool FaultSwitches::strikes(std::string_view name)
     if (fault == nullptr) {
         fatalError("a simulated device asks for a fault that it does not have");
     }
+    fault->asked.fetch_add(1, std::memory_order_relaxed);
     return strikes(*fault);
 }
 

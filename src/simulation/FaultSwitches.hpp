@@ -37,6 +37,8 @@ public:
     /// How often each fault has struck.
     [[nodiscard]] std::map<std::string, std::uint64_t, std::less<>> struck() const;
     [[nodiscard]] std::uint64_t struck(std::string_view name) const;
+    /// How often the device has asked for each fault, whether it was set or not; without `raises` and `hangs`.
+    [[nodiscard]] std::map<std::string, std::uint64_t, std::less<>> asked() const;
     /// How often `hangs` has struck.
     [[nodiscard]] std::uint64_t timesHung() const { return hangs_.struck; }
 
@@ -66,6 +68,7 @@ private:
         std::string name;
         std::atomic<int> remaining = 0; // uses; negative: until healed
         std::atomic<std::uint64_t> struck = 0;
+        std::atomic<std::uint64_t> asked = 0;
     };
 
     static std::vector<Fault> namedFaults(std::initializer_list<std::string_view> names);

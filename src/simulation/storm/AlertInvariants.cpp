@@ -13,6 +13,12 @@ bool isAnywhere(const UUID& id, const Sight& now)
     return now.onDisk.contains(id) || now.listed.contains(id) || std::ranges::any_of(now.inCloud, holds);
 }
 
+/// Whether the process held an alert that the disk refused, and has ended.
+bool hasEndedWith(const KnownAlert& alert, const Chronicle& past)
+{
+    return past.hadTrouble({"files", "host"}, alert.firstSeen - settling) && past.endedAt > alert.firstSeen;
+}
+
 /// An alert that was seen once is on the disk, in memory or in the cloud until it is deleted.
 Finding alertsSurvive(const Instants& is)
 {
@@ -20,9 +26,7 @@ Finding alertsSurvive(const Instants& is)
         if (alert.deletedAt <= is.now.at || alert.mayBeGone || isAnywhere(id, is.now)) {
             continue;
         }
-        // The process holds an alert that the disk refused. The alert ends with the process.
-        const bool wasHeld = is.past.hadTrouble({"files", "host"}, alert.firstSeen - settling);
-        if (!wasHeld || is.past.endedAt <= alert.firstSeen) {
+        if (!hasEndedWith(alert, is.past)) {
             return "the alert " + id.text() + " (" + alert.reason + ") is lost";
         }
     }
@@ -150,7 +154,8 @@ Finding nothingWaitsInCalm(const Instants& is)
     return std::nullopt;
 }
 
-/// In calm the list shows all that the user's database holds.
+/// In calm the list shows all that the user's database holds. An alert that was sent before its process ended, and is
+/// nowhere else, is not in the catalog.
 Finding theListIsWhole(const Instants& is)
 {
     const auto mine = is.now.inCloud.find(is.now.user);
@@ -159,8 +164,9 @@ Finding theListIsWhole(const Instants& is)
     }
     for (const UUID& id : mine->second) {
         const auto alert = is.past.alerts.find(id);
-        const bool isDeleted = alert != is.past.alerts.end() && alert->second.deletedAt <= is.now.at;
-        if (!isDeleted && !is.now.listed.contains(id)) {
+        const bool isExcused = alert != is.past.alerts.end() &&
+                               (alert->second.deletedAt <= is.now.at || hasEndedWith(alert->second, is.past));
+        if (!isExcused && !is.now.listed.contains(id)) {
             return "the list doesn't show the alert " + id.text() + ", which is in the cloud";
         }
     }

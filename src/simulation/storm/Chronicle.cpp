@@ -136,7 +136,8 @@ void Chronicle::willDo(double now, const Deed& deed, const Sight& before)
 void Chronicle::notePasscode(bool isRight, const Sight& before)
 {
     constexpr int mostBeforeLockout = 5;
-    if (!isRight) {
+    // A passcode that the keychain can't check counts as wrong.
+    if (!isRight || hadTrouble({"keychain"}, at)) {
         addCause("lockBypassAttempt", false);
     }
     // A right one counts as well: a fault may make it a wrong one.

@@ -35,7 +35,8 @@ DrawnMac describeMac(Dice& dice, Plan& plan)
     if (dice.chance(60)) {
         mac.hasHeadphones = true;
         put(plan.mac, "audio",
-            "[{id: 73, name: MacBook Pro Speakers, uid: BuiltInSpeakerDevice, transport: built-in, volume: 0.4}, "
+            "[{id: 80, name: Jack, uid: BuiltInJack, transport: built-in}, "
+            "{id: 73, name: MacBook Pro Speakers, uid: BuiltInSpeakerDevice, transport: built-in, volume: 0.4}, "
             "{id: 91, name: Headphones, uid: usb-91, transport: usb, volume: 0.7}]");
         put(plan.mac, "defaultOutput", dice.chance(50) ? "91" : "73");
     }

@@ -57,8 +57,9 @@ Finding alarmsStayLoud(const Instants& is)
     if (since == never || is.now.at - since <= settling || is.past.settingsDeedAt >= is.past.ringing->since) {
         return std::nullopt;
     }
-    const bool isBroken = is.past.hasHung || is.past.hadTrouble({"audio", "audio-engine", "beep", "user-defaults"},
-                                                                is.past.ringing->since - longestStart);
+    const bool isBroken =
+        is.past.hasHung || is.past.hadTrouble({"audio", "audio-engine", "beep", "language", "user-defaults"},
+                                              is.past.ringing->since - longestStart);
     if (!isBroken) {
         return "the speaker of the alarm is muted or turned down since " + std::to_string(since) + " s";
     }
@@ -236,20 +237,23 @@ Finding assertionFollowsProcessing(const Instants& is)
     return std::nullopt;
 }
 
-/// The settings can be read at any time, and survive every end of the process, but for the armed state.
+/// The settings can be read at any time, and survive every end of the process, but for the armed state. A launch that
+/// can't read the file of the defaults begins with new ones.
 Finding settingsLoad(const Instants& is)
 {
-    if (is.before.settings && !is.now.settings) {
+    const bool isLaunched = is.now.isRunning && !is.before.isRunning;
+    if (!is.before.settings ||
+        (isLaunched && is.past.hadTrouble({"user-defaults", "files"}, is.past.endedAt - settling))) {
+        return std::nullopt;
+    }
+    if (!is.now.settings) {
         return "the stored settings can't be read any more";
     }
     const auto disarmed = [](AlarmSettings settings) {
         settings.isArmed = false;
         return settings;
     };
-    const bool isLaunched = is.now.isRunning && !is.before.isRunning;
-    if (isLaunched && is.before.settings && is.now.settings &&
-        !(disarmed(*is.before.settings) == disarmed(*is.now.settings)) &&
-        !is.past.hadTrouble({"user-defaults", "files"}, is.past.endedAt - settling)) {
+    if (isLaunched && !(disarmed(*is.before.settings) == disarmed(*is.now.settings))) {
         return "the launch has changed the settings";
     }
     return std::nullopt;
@@ -279,11 +283,12 @@ Finding signsAgree(const Instants& is)
 /// The owner's phone knows within a minute and a half whether the Mac is armed.
 Finding phoneAgrees(const Instants& is)
 {
-    constexpr double longest = 95.0; // three heartbeats
+    constexpr double longest = 95.0;   // three heartbeats
+    constexpr double patience = 300.0; // for which the cloud may have asked at the end of its troubles
     const double changed = std::max({is.past.armedSince, is.past.disarmedSince, is.past.launchedAt});
     const bool isAsked =
         is.now.phoneAskedAt == is.now.at && is.now.phoneSaysArmed && is.now.user == "maya" && !is.past.hasLostDefaults;
-    if (isAsked && is.past.isCalmFor(longest) && is.now.at - changed > longest &&
+    if (isAsked && is.past.isCalmFor(longest + patience) && is.now.at - changed > longest &&
         *is.now.phoneSaysArmed != is.now.showsArmed) {
         return std::string{"the phone says "} + (*is.now.phoneSaysArmed ? "armed" : "disarmed");
     }

@@ -57,6 +57,39 @@ std::vector<Occasion> alarms()
     };
 }
 
+/// Alarms on a Mac on which something has failed before: what the product does then can fail, too.
+std::vector<Occasion> hardAlarms()
+{
+    return {
+        {.name = "beeps",
+         .setup = {{0, "{fail: {audio-engine: {start: 30}}}"}},
+         .acts = {{0, "unplug"}, {6000, "plug-in"}, {1000, "stop-alarm"}, {3000, "arm"}},
+         .after = {{0, "{fail: {audio-engine: none}}"}}},
+        {.name = "no music",
+         .setup = {{0, "{fail: {music: {consent: 1}}}"}, {0, "{music: play}"}},
+         .acts = {{0, "unplug"}, {5000, "plug-in"}, {1000, "stop-alarm"}, {2000, "arm"}},
+         .after = {}},
+        {.name = "music that no script pauses",
+         .setup = {{0, "{fail: {music: {script: 1}}}"}, {0, "{music: play}"}},
+         .acts = {{0, "unplug"}, {5000, "plug-in"}, {1000, "stop-alarm"}, {2000, "arm"}},
+         .after = {{0, "{fail: {music: none}}"}}},
+        {.name = "no login",
+         .setup = {{0, "{login: unavailable}"}, {0, "unplug"}},
+         .acts = {{5000, "{menu: stopAlarm}"}, {4000, "plug-in"}},
+         .after = {{0, "{login: cancel}"}, {0, "stop-alarm"}, {0, "arm"}}},
+        {.name = "another camera, whose first photo fails",
+         .setup = {{0, "{camera: {devices: external, authorization: authorized, share: 16}}"},
+                   {0, "{set: {capturePhoto: true}}"},
+                   {0, "{fail: {camera: {photo: 1}}}"}},
+         .acts = {{0, "unplug"}, {12'000, "plug-in"}, {1000, "stop-alarm"}, {4000, "arm"}},
+         .after = {{0, "{fail: {camera: none}}"}, {0, "{camera: built-in}"}, {0, "{set: {capturePhoto: false}}"}}},
+        {.name = "crash while sounding",
+         .setup = {},
+         .acts = {{0, "unplug"}, {3000, "crash"}, {1000, "relaunch"}, {5000, "plug-in"}, {1000, "arm"}},
+         .after = {}},
+    };
+}
+
 /// The lock screen and its passcode.
 std::vector<Occasion> lockScreen()
 {
@@ -80,6 +113,15 @@ std::vector<Occasion> lockScreen()
          .setup = {},
          .acts = {{0, "{set-passcode: \"2468\"}"}, {1000, "arm"}},
          .after = {},
+         .isSlow = true},
+        {.name = "no passcode any more",
+         .setup = {{0, "disarm"}, {0, "{login: succeed}"}, {0, "{open: main}"}},
+         .acts = {{1000, "{click: Remove}"},
+                  {1000, "{click: Remove Passcode}"},
+                  {2000, "{set-passcode: \"2468\"}"},
+                  {1000, "arm"}},
+         .after = {{0, "{close: main}"}, {0, "{login: cancel}"}, {0, "{set-passcode: \"2468\"}"}},
+         .needsPasscode = true,
          .isSlow = true},
     };
 }
@@ -120,6 +162,14 @@ std::vector<Occasion> ownersDays()
                   {500, "{click: Cancel}"},
                   {500, "{close: alerts}"}},
          .after = {{0, "{press: escape}"}, {0, "{close: alerts}"}, {0, "{login: cancel}"}}},
+        {.name = "list of another month",
+         .setup = {{0, "{login: succeed}"},
+                   {0, "unplug"},
+                   {4000, "plug-in"},
+                   {0, "stop-alarm"},
+                   {4000, "{clock: {ahead: 1000h}}"}},
+         .acts = {{0, "{open: alerts}"}, {1000, "{select: [0]}"}, {500, "{close: alerts}"}},
+         .after = {{0, "{close: alerts}"}, {0, "{login: cancel}"}, {0, "{clock: {back: 1000h}}"}}},
         {.name = "deletion",
          .setup = {},
          .acts = {{0, "{delete-alerts: newest}"}, {4000, "refresh"}, {4000, "arm"}},
@@ -145,14 +195,6 @@ std::vector<Occasion> ownersDays()
          .acts = {{0, "{icloud: noor}"}, {28'000, "{icloud: {user: maya, account: available}}"}, {15'000, "arm"}},
          .after = {{0, "{icloud: {user: maya, account: available}}"}}},
         {.name = "sleep", .setup = {}, .acts = {{0, "sleep"}, {60'000, "wake"}, {8000, "arm"}}, .after = {{0, "wake"}}},
-        {.name = "crash while sounding",
-         .setup = {},
-         .acts = {{0, "unplug"}, {3000, "crash"}, {1000, "relaunch"}, {5000, "plug-in"}, {1000, "arm"}},
-         .after = {}},
-        {.name = "no music",
-         .setup = {{0, "{fail: {music: {consent: 1}}}"}, {0, "{music: play}"}},
-         .acts = {{0, "unplug"}, {5000, "plug-in"}, {1000, "stop-alarm"}, {2000, "arm"}},
-         .after = {}},
     };
 }
 
@@ -162,7 +204,7 @@ const std::vector<Occasion>& occasions()
 {
     static const std::vector<Occasion> all = [] {
         std::vector<Occasion> together;
-        for (std::vector<Occasion> some : {alarms(), lockScreen(), ownersDays()}) {
+        for (std::vector<Occasion> some : {alarms(), hardAlarms(), lockScreen(), ownersDays()}) {
             std::ranges::move(some, std::back_inserter(together));
         }
         return together;

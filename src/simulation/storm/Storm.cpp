@@ -224,9 +224,7 @@ private:
 };
 
 Storm::Storm(StormOptions options)
-    : options_(std::move(options)),
-      ports_(faultyPorts(options_.resources)),
-      points_(rehearse(ports_, options_.resources))
+    : options_(std::move(options)), ports_(faultyPorts(options_.resources)), points_(rehearse(options_.resources))
 {
     double hours = 0.0;
     while (hours < options_.hours) {

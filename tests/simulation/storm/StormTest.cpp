@@ -56,7 +56,7 @@ TEST(Shrink, LeavesWhatTheFailureNeedsAtTheShortestTimes)
 TEST(Weather, IsTheSameForTheSameSeedAndCanAlwaysBeRead)
 {
     const auto ports = faultyPorts(resources);
-    const auto points = rehearse(ports, resources);
+    const auto points = rehearse(resources);
     std::set<std::string> documents;
     for (std::uint64_t seed = 1; seed <= 40; ++seed) {
         const std::string document = documentOf(weather(seed, 100.0, ports, points));
@@ -70,7 +70,7 @@ TEST(Weather, IsTheSameForTheSameSeedAndCanAlwaysBeRead)
 TEST(Weather, GivesEachPointThatWasRehearsedItsTurn)
 {
     const auto ports = faultyPorts(resources);
-    const auto points = rehearse(ports, resources);
+    const auto points = rehearse(resources);
     EXPECT_GT(points.size(), 400U);
     std::string documents;
     for (std::uint64_t seed = 1; seed <= points.size() / 12; ++seed) {
