@@ -11,6 +11,7 @@
 #include <array>
 #include <filesystem>
 #include <iterator>
+#include <memory>
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <set>
@@ -212,13 +213,12 @@ PageAnswer useTree(LiveMac& mac, const Json& body)
     const std::string node = requiredText(body, "node");
     const TreeUse& how = requiredRow(body, "do", treeUses);
     return mac.call([&](MacSession& session) -> PageAnswer {
-        SimulatedMac& parts = session.mac();
-        PageAnswer answer = impossible("The view is no longer visible.");
-        session.onMain([&](SentrelApp&) {
+        const auto answer = std::make_shared<PageAnswer>(impossible("The view is no longer visible."));
+        session.onMain([answer, place, node, body, &how, &parts = session.mac()](SentrelApp&) {
             if (place == "menu") {
                 const auto item = parts.statusBar.item();
                 if (item && item->isMenuOpen) {
-                    answer = answerOf(how.use(item->menu, node, body));
+                    *answer = answerOf(how.use(item->menu, node, body));
                 }
                 return;
             }
@@ -230,9 +230,9 @@ PageAnswer useTree(LiveMac& mac, const Json& body)
                 return how.use(content.tree(), node, body);
             };
             const auto cover = coverOf(place);
-            answer = answerOf(cover ? parts.displays.useCover(*cover, hand) : parts.displays.use(place, hand));
+            *answer = answerOf(cover ? parts.displays.useCover(*cover, hand) : parts.displays.use(place, hand));
         });
-        return answer;
+        return *answer;
     });
 }
 
@@ -247,13 +247,13 @@ PageAnswer useWindow(LiveMac& mac, const Json& body)
                  requiredNumber(wanted, "height")};
     }
     return mac.call([&](MacSession& session) -> PageAnswer {
-        bool isDone = false;
-        session.onMain([&](SentrelApp&) {
+        const auto isDone = std::make_shared<bool>(false);
+        session.onMain([isDone, identifier, frame, &how, &session](SentrelApp&) {
             const SimulatedDisplays& displays = session.mac().displays;
             const auto window = displays.window(identifier);
-            isDone = window && window->isVisible && displays.covers().empty() && how.use(session, *window, frame);
+            *isDone = window && window->isVisible && displays.covers().empty() && how.use(session, *window, frame);
         });
-        return isDone ? PageAnswer{} : impossible("The window is closed or covered.");
+        return *isDone ? PageAnswer{} : impossible("The window is closed or covered.");
     });
 }
 
@@ -261,19 +261,19 @@ PageAnswer useMenu(LiveMac& mac, const Json& body)
 {
     const bool opens = requiredFlag(body, "open");
     return mac.call([&](MacSession& session) -> PageAnswer {
-        bool isDone = false;
-        session.onMain([&](SentrelApp&) {
+        const auto isDone = std::make_shared<bool>(false);
+        session.onMain([isDone, opens, &session](SentrelApp&) {
             if (!session.mac().displays.covers().empty()) {
                 return;
             }
             if (opens) {
-                isDone = session.mac().statusBar.openMenu();
+                *isDone = session.mac().statusBar.openMenu();
             } else {
                 session.mac().statusBar.closeMenu();
-                isDone = true;
+                *isDone = true;
             }
         });
-        return isDone ? PageAnswer{} : impossible("The menu bar is covered or empty.");
+        return *isDone ? PageAnswer{} : impossible("The menu bar is covered or empty.");
     });
 }
 

@@ -124,7 +124,7 @@ std::string tellCommand(const Command& command)
 /// Deletes all rows of the list, or the first or last one: the list is sorted newest first.
 void deleteAlerts(MacSession& session, const std::string& which)
 {
-    session.onMain([&](SentrelApp& app) {
+    session.onMain([which](SentrelApp& app) {
         const std::vector<AlertRow>& rows = *app.alertsService().alerts.get();
         std::unordered_set<UUID> ids;
         for (const AlertRow& row : rows) {

@@ -210,7 +210,7 @@ void MacSession::sleepScreens()
 
 void MacSession::changeSettings(const std::function<void(AlarmSettings&)>& change)
 {
-    onMain([&change](SentrelApp& app) {
+    onMain([change](SentrelApp& app) {
         AlarmSettings settings = app.settings().settings();
         change(settings);
         app.settings().setSettings(settings);
@@ -224,14 +224,14 @@ void MacSession::stopAlarm()
 
 void MacSession::setPasscode(std::string_view passcode)
 {
-    onMain([this, passcode](SentrelApp& app) {
+    onMain([this, passcode = std::string{passcode}](SentrelApp& app) {
         log_.note(events::PasscodeSet{storePasscode(app.passcodes(), passcode)});
     });
 }
 
 void MacSession::typePasscode(std::string_view passcode)
 {
-    onMain([this, passcode](SentrelApp&) {
+    onMain([this, passcode = std::string{passcode}](SentrelApp&) {
         SimulatedDisplays& displays = mac_.displays;
         if (displays.click(0, passcodeField) != ui::Interaction::done) {
             log_.note(events::TypedNowhere{});

@@ -89,7 +89,8 @@ public:
     void commandByPhone(const CompanionPhone::Command& command);
 
     /// Runs a function on the product's main thread, and then everything due. No effect while the product isn't
-    /// running.
+    /// running. A main thread that is busy or hangs runs it after this call or stops in the middle of it, so it must
+    /// not refer to what the caller destroys.
     void onMain(const std::function<void(SentrelApp&)>& function);
 
     /// The product's main thread.

@@ -5,6 +5,8 @@
 #include "simulation/stage/Wording.hpp"
 
 #include <array>
+#include <memory>
+#include <utility>
 
 // Actions of the person in front of the MacBook, who uses the menu, the windows and the panels that are reachable: the
 // lock screen covers everything. Views are named by their text or their identity.
@@ -37,18 +39,20 @@ std::string complaint(ui::Interaction outcome, std::string_view wanted)
     return inQuotes(wanted) + " does not support this action";
 }
 
-/// Lets the person act on the product's main thread.
+/// Lets the person act on the product's main thread. `act` refers to nothing here: a busy thread takes it later.
 template <class Act> std::string onMain(MacSession& session, Act act)
 {
-    std::string why = "Sentrel is not running";
-    session.onMain([&](SentrelApp&) { why = act(session.mac()); });
-    return why;
+    const auto why = std::make_shared<std::string>("Sentrel is not running");
+    session.onMain([why, act = std::move(act), &mac = session.mac()](SentrelApp&) { *why = act(mac); });
+    return *why;
 }
 
 /// Uses the content of the front: the lock screen, or the window used last.
-template <class Use> std::string useFront(MacSession& session, std::string_view wanted, Use use)
+template <class Use> std::string useFront(MacSession& session, std::string wanted, Use use)
 {
-    return onMain(session, [&](SimulatedMac& mac) { return complaint(mac.displays.useFront(use), wanted); });
+    return onMain(session, [use = std::move(use), wanted = std::move(wanted)](SimulatedMac& mac) {
+        return complaint(mac.displays.useFront(use), wanted);
+    });
 }
 
 std::string openMenu(MacSession& session)
@@ -76,7 +80,9 @@ std::string pressInMenu(MacSession& session, std::string_view wanted)
         return why;
     }
     // Clicks a turn later: opening the menu may change its content.
-    return onMain(session, [&](SimulatedMac& mac) { return complaint(mac.statusBar.click(wanted), wanted); });
+    return onMain(session, [wanted = std::string{wanted}](SimulatedMac& mac) {
+        return complaint(mac.statusBar.click(wanted), wanted);
+    });
 }
 
 ValueType<MenuUse> menuType()
@@ -118,7 +124,7 @@ std::string tellMenu(const MenuUse& use)
 
 std::string click(MacSession& session, const std::string& wanted)
 {
-    return onMain(session, [&](SimulatedMac& mac) -> std::string {
+    return onMain(session, [wanted](SimulatedMac& mac) -> std::string {
         mac.statusBar.closeMenu();
         if (mac.alerts.open()) {
             // Alerts have one button; its text depends on the language.
@@ -159,15 +165,15 @@ std::string typeText(MacSession& session, const Named<std::string>& typed)
 {
     if (typed.name) {
         return useFront(session, *typed.name,
-                        [&](WindowContent content) { return content.fill(*typed.name, typed.value); });
+                        [typed](WindowContent content) { return content.fill(*typed.name, typed.value); });
     }
     // One character at a time: each one may change the windows.
     std::string_view rest = typed.value;
     std::string why;
     while (!rest.empty() && why.empty()) {
         const std::size_t length = firstCharacter(rest);
-        why = onMain(session, [&](SimulatedMac& mac) -> std::string {
-            return mac.displays.type(rest.substr(0, length)) ? "" : "no field has the keyboard focus";
+        why = onMain(session, [character = std::string{rest.substr(0, length)}](SimulatedMac& mac) -> std::string {
+            return mac.displays.type(character) ? "" : "no field has the keyboard focus";
         });
         rest.remove_prefix(length);
     }
@@ -182,7 +188,7 @@ std::string tellTyped(const Named<std::string>& typed)
 
 std::string pressKey(MacSession& session, ui::Key key)
 {
-    return onMain(session, [&](SimulatedMac& mac) -> std::string {
+    return onMain(session, [key](SimulatedMac& mac) -> std::string {
         const auto outcome = mac.statusBar.isMenuOpen() ? mac.statusBar.pressKey(key) : mac.displays.pressKey(key);
         return outcome == ui::Interaction::done ? "" : "no view takes this key";
     });
@@ -191,7 +197,7 @@ std::string pressKey(MacSession& session, ui::Key key)
 std::string slide(MacSession& session, const Named<double>& slider)
 {
     return useFront(session, *slider.name,
-                    [&](WindowContent content) { return content.slide(*slider.name, slider.value); });
+                    [slider](WindowContent content) { return content.slide(*slider.name, slider.value); });
 }
 
 std::string tellSlide(const Named<double>& slider)
@@ -201,7 +207,7 @@ std::string tellSlide(const Named<double>& slider)
 
 std::string selectRows(MacSession& session, const std::vector<std::uint32_t>& rows)
 {
-    return useFront(session, "such a row", [&](WindowContent content) {
+    return useFront(session, "such a row", [rows](WindowContent content) {
         return content.select(std::vector<std::size_t>{rows.begin(), rows.end()});
     });
 }
@@ -217,7 +223,7 @@ std::string tellSelection(const std::vector<std::uint32_t>& rows)
 
 std::string closeWindow(MacSession& session, std::string_view window)
 {
-    return onMain(session, [&](SimulatedMac& mac) -> std::string {
+    return onMain(session, [window = std::string{window}](SimulatedMac& mac) -> std::string {
         return mac.displays.closeWindow(window) ? "" : "the window is not open, or covered";
     });
 }
@@ -261,7 +267,7 @@ ValueType<Drag> dragType()
 
 std::string dragWindow(MacSession& session, const Drag& drag)
 {
-    return onMain(session, [&](SimulatedMac& mac) -> std::string {
+    return onMain(session, [drag](SimulatedMac& mac) -> std::string {
         const auto window = mac.displays.window(drag.window);
         if (!window || !window->isVisible || !mac.displays.covers().empty()) {
             return "the window is not open, or covered";

@@ -326,7 +326,7 @@ std::vector<ActionRow> systemActions()
         ActionRow::with(
             "set", "{set: {alarmVolume: 0.5}}", "the owner changes settings", settingsType(),
             [](MacSession& session, const Json& fields) {
-                session.changeSettings([&](AlarmSettings& settings) { settings = withFields(settings, fields); });
+                session.changeSettings([fields](AlarmSettings& settings) { settings = withFields(settings, fields); });
             },
             tellSettings),
         ActionRow::with("set-passcode", "{set-passcode: \"2468\"}", "the owner sets the unlock passcode",
