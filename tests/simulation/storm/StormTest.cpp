@@ -87,7 +87,7 @@ TEST(Weather, GivesEachPointThatWasRehearsedItsTurn)
     EXPECT_EQ(planned, points.size());
 }
 
-TEST(World, IsNotViolatedByAPushThatCannotBeReadOrTheBeepsOfAnEndedProcess)
+TEST(World, IsNotViolatedByAPushThatCannotBeReadTheBeepsOfAnEndedProcessOrAClickThatItNeverTook)
 {
     const Plan push{.title = "Push",
                     .mac = {{"icloud", "maya"}},
@@ -104,7 +104,14 @@ TEST(World, IsNotViolatedByAPushThatCannotBeReadOrTheBeepsOfAnEndedProcess)
                                {4000, "crash"},
                                {5000, "relaunch"},
                                {10'000, "plug-in"}}};
-    for (const Plan& plan : {push, beeps}) {
+    const Plan click{.title = "Click",
+                     .mac = {},
+                     .settings = {{"requirePasswordForActions", "false"}},
+                     .steps = {{1000, "{menu: armed}"},
+                               {31'000, "unplug"},
+                               {31'000, "{fault: {port: language, operation: localized, call: 1, fate: dies}}"},
+                               {32'000, "{menu: stopAlarm}"}}};
+    for (const Plan& plan : {push, beeps, click}) {
         for (const Violation& violation : live(plan, resources).violations) {
             ADD_FAILURE() << plan.title << ": " << violation.invariant << ": " << violation.what;
         }
